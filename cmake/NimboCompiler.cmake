@@ -1,0 +1,20 @@
+# SPDX-License-Identifier: MIT
+# How our own code is compiled; libraries link nimbo_options to get it.
+add_library(nimbo_options INTERFACE)
+target_include_directories(nimbo_options INTERFACE ${CMAKE_SOURCE_DIR}/src)
+target_compile_options(nimbo_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual -Werror)
+
+if(NIMBO_SANITIZE)
+  target_compile_options(nimbo_options INTERFACE
+    -fsanitize=${NIMBO_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  target_link_options(nimbo_options INTERFACE -fsanitize=${NIMBO_SANITIZE})
+endif()
+
+if(CMAKE_BUILD_TYPE STREQUAL "Release")
+  target_compile_options(nimbo_options INTERFACE
+    -D_FORTIFY_SOURCE=2 -fstack-protector-strong -fstack-clash-protection -fcf-protection
+    -ffunction-sections -fdata-sections)
+  target_link_options(nimbo_options INTERFACE
+    -Wl,-z,relro,-z,now -Wl,-z,noexecstack -Wl,--gc-sections -Wl,--as-needed)
+endif()

@@ -1,0 +1,11 @@
+# SPDX-License-Identifier: MIT
+find_package(fmt REQUIRED)
+find_package(nlohmann_json REQUIRED)
+find_package(tl-expected REQUIRED)
+find_package(Threads REQUIRED)
+find_package(Qt6 6.4 REQUIRED COMPONENTS Widgets)
+if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
+  find_package(PkgConfig REQUIRED)
+  pkg_check_modules(systemd REQUIRED IMPORTED_TARGET libsystemd)
+  pkg_check_modules(xcb REQUIRED IMPORTED_TARGET xcb)
+endif()

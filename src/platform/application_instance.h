@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "base/result.h"
+
+namespace nimbo {
+
+struct ApplicationInstanceHandlers {
+  /// The user started the program again.
+  std::function<void()> activate;
+  /// Links for the program, as given; at least one.
+  std::function<void(const std::vector<std::string>& links)> open;
+};
+
+enum class InstanceRole {
+  first,  ///< this process is the running program and is told of later starts
+  later,  ///< another one runs; it has been given the links and this process should end
+};
+
+struct InstanceError {
+  std::string message;  ///< one finished sentence for standard error
+};
+
+/// Makes sure that one program runs per session. Main thread only.
+class ApplicationInstance {
+ public:
+  virtual ~ApplicationInstance() = default;
+
+  /// Called once, before the loop runs; waits for the session's answer, a few seconds at most.
+  /// Handlers are called from the main loop, for as long as this object lives.
+  [[nodiscard]] virtual Result<InstanceRole, InstanceError> claim(const std::vector<std::string>& links,
+                                                                  ApplicationInstanceHandlers handlers) = 0;
+};
+
+}  // namespace nimbo

@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <chrono>
+#include <functional>
+
+#include "base/subscription.h"
+
+namespace nimbo {
+
+/// A toolkit's own event loop that takes over as the outer one. Main thread only.
+class OuterLoop {
+ public:
+  virtual ~OuterLoop() = default;
+
+  /// Runs until `stop`. Calls `dispatchPending` whenever `descriptor` is readable and each time
+  /// before it would block, because the toolkit's own handlers may have armed timers meanwhile.
+  virtual void run(int descriptor, const std::function<void()>& dispatchPending) = 0;
+  virtual void stop() = 0;
+};
+
+/// The one event loop of the process. Everything is called on the main thread except `post`;
+/// every callback arrives on the main thread, from inside `run`.
+class MainLoop {
+ public:
+  virtual ~MainLoop() = default;
+
+  /// Runs `task` on the main thread, after those posted before it. Callable from any thread, also
+  /// before `run`; tasks still waiting when the loop is destroyed are dropped unrun.
+  virtual void post(std::function<void()> task) = 0;
+
+  /// Fires first after `interval`, then every `interval`, each time at most `leeway` late so that
+  /// the kernel can join wake-ups. Does not count while the system sleeps.
+  [[nodiscard]] virtual Subscription every(std::chrono::milliseconds interval, std::chrono::milliseconds leeway,
+                                           std::function<void()> fire) = 0;
+
+  /// Fires once at a wall-clock time, at most `leeway` late. The clock runs on through system
+  /// sleep and the timer follows when the clock is set; a time already past fires on the next turn.
+  [[nodiscard]] virtual Subscription at(std::chrono::system_clock::time_point when, std::chrono::milliseconds leeway,
+                                        std::function<void()> fire) = 0;
+
+  /// Calls `ready` whenever `descriptor` can be read or has hung up. The caller keeps the
+  /// descriptor open for the life of the subscription.
+  [[nodiscard]] virtual Subscription watch(int descriptor, std::function<void()> ready) = 0;
+
+  /// From the next turn on `outer` waits for events and drives this loop. Once, for good.
+  virtual void adopt(OuterLoop& outer) = 0;
+
+  /// Dispatches until `quit`.
+  virtual void run() = 0;
+  virtual void quit() = 0;
+};
+
+}  // namespace nimbo

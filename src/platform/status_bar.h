@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "base/geometry.h"
+#include "platform/template_image.h"
+
+namespace nimbo {
+
+/// What one status item shows.
+struct StatusItemContent {
+  std::optional<std::string> title;  ///< short text beside the image, where the bar shows one
+  TemplateImage image;
+  std::string toolTip;         ///< plain text, may hold line breaks
+  std::string accessibleName;  ///< what a screen reader calls the item
+  bool operator==(const StatusItemContent&) const = default;
+};
+
+/// One line of a status item's menu.
+struct MenuEntry {
+  enum class Kind { action, separator };
+  Kind kind = Kind::action;
+  std::string title;
+  bool enabled = true;
+  std::string keyEquivalent;  ///< one character pressed with the system's menu modifier; empty for none
+  std::function<void()> action;
+};
+
+struct StatusMenu {
+  std::string title;
+  std::vector<MenuEntry> entries;
+};
+
+struct StatusClick {
+  /// Whether the click asks for the item's direct action (Option on macOS; the middle button where
+  /// the bar reports no modifiers) instead of the dashboard.
+  bool alternate = false;
+  /// Where the item, or at least the pointer, was, in global screen coordinates with y downwards;
+  /// absent when the bar did not say or said something impossible.
+  std::optional<Rect> anchor;
+};
+
+/// Answers for one status item. All on the main thread.
+struct StatusItemHandlers {
+  std::function<void(const StatusClick&)> clicked;
+  /// A secondary click: builds the menu that is about to open.
+  std::function<StatusMenu()> menuWillOpen;
+  /// The menu opened by the last `menuWillOpen` has closed.
+  std::function<void()> menuDidClose;
+};
+
+/// One item in the menu bar or tray; destroying it removes it. Main thread only.
+class StatusItem {
+ public:
+  virtual ~StatusItem() = default;
+
+  /// Tells the bar what changed, and nothing when nothing did.
+  virtual void setContent(const StatusItemContent& content) = 0;
+
+  /// Marks the item while the dashboard hangs from it; bars without such a mark ignore it.
+  virtual void setHighlighted(bool highlighted) = 0;
+};
+
+/// The menu bar or tray. Items may be made before a tray exists; they appear when it does and
+/// again whenever it restarts. Main thread only.
+class StatusBar {
+ public:
+  virtual ~StatusBar() = default;
+
+  /// `identifier` names the item to the bar across restarts: lower-case letters and dashes.
+  /// The bar outlives its items.
+  [[nodiscard]] virtual std::unique_ptr<StatusItem> makeItem(const std::string& identifier, StatusItemContent content,
+                                                             StatusItemHandlers handlers) = 0;
+};
+
+}  // namespace nimbo

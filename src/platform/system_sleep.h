@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <functional>
+
+#include "base/subscription.h"
+
+namespace nimbo {
+
+/// Tells when the machine goes to sleep and when it is back. Main thread only.
+class SystemSleep {
+ public:
+  virtual ~SystemSleep() = default;
+
+  /// `willSleep` returns before the machine sleeps (the system waits a few seconds at most).
+  /// Without a service that tells, neither is ever called.
+  [[nodiscard]] virtual Subscription observe(std::function<void()> willSleep, std::function<void()> didWake) = 0;
+};
+
+}  // namespace nimbo

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <functional>
+
+#include "base/subscription.h"
+
+namespace nimbo {
+
+enum class Appearance { light, dark };
+
+/// The desktop around the program. Main thread only.
+class Workspace {
+ public:
+  virtual ~Workspace() = default;
+
+  /// The last answer of the desktop; light until it has answered.
+  [[nodiscard]] virtual Appearance appearance() const = 0;
+  [[nodiscard]] virtual Subscription observeAppearance(std::function<void(Appearance)> changed) = 0;
+
+  /// Whether the desktop has a program that shows all processes.
+  [[nodiscard]] virtual bool hasSystemMonitor() const = 0;
+  /// Starts it without waiting; false when there is none or it could not be started.
+  [[nodiscard]] virtual bool openSystemMonitor() = 0;
+};
+
+}  // namespace nimbo

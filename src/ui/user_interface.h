@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "base/geometry.h"
+#include "base/subscription.h"
+#include "platform/main_loop.h"
+#include "platform/workspace.h"
+#include "ui/dashboard_content.h"
+
+namespace nimbo {
+
+/// What the user did with the dashboard's controls.
+struct DashboardActions {
+  std::function<void(std::size_t index)> selectTab;
+  std::function<void()> openSettings;
+  std::function<void()> showMore;
+  std::function<void()> showLess;
+  std::function<void()> openActivityMonitor;
+  std::function<void()> quit;
+};
+
+enum class Key { escape, other };
+
+/// What happens around an open menu window. Called only while it is visible.
+struct MenuWindowEvents {
+  /// A key went down in this application, before any control sees it; true swallows it.
+  std::function<bool(Key)> keyDown;
+  /// A mouse button went down outside the window; the place in global coordinates where it is known.
+  std::function<void(std::optional<Point>)> clickedOutside;
+  /// Another application came to the front.
+  std::function<void()> otherApplicationActivated;
+  /// The window system asks the window to close; it does not close by itself.
+  std::function<void()> closeRequested;
+};
+
+/// A borderless window above all others that holds the dashboard. Frames are global coordinates in
+/// points, y downwards. Main thread only.
+class DashboardWindow {
+ public:
+  virtual ~DashboardWindow() = default;
+
+  virtual void setActions(DashboardActions actions) = 0;
+  virtual void setEvents(MenuWindowEvents events) = 0;
+
+  /// Shows `content`; touches only what differs from what is shown.
+  virtual void render(const DashboardContent& content) = 0;
+
+  virtual void setFrame(const Rect& frame) = 0;
+  /// Brings it to the front with the keyboard focus.
+  virtual void show() = 0;
+  virtual void hide() = 0;
+  [[nodiscard]] virtual bool visible() const = 0;
+};
+
+struct Screen {
+  Rect frame;
+  Rect visibleFrame;  ///< without panels and docks
+  bool operator==(const Screen&) const = default;
+};
+
+/// The toolkit, loaded when the first window is wanted and kept for the rest of the run.
+class UserInterface {
+ public:
+  virtual ~UserInterface() = default;
+
+  [[nodiscard]] virtual OuterLoop& loop() = 0;
+  /// The primary screen first; empty while no screen is connected.
+  [[nodiscard]] virtual std::vector<Screen> screens() const = 0;
+  /// A screen came, went, or changed its frames.
+  [[nodiscard]] virtual Subscription observeScreens(std::function<void()> changed) = 0;
+  virtual void setAppearance(Appearance appearance) = 0;
+  [[nodiscard]] virtual std::unique_ptr<DashboardWindow> makeDashboardWindow() = 0;
+};
+
+/// The one function the toolkit module exports, under the name kUserInterfaceEntryName. Null when
+/// no display can be reached; the program goes on without windows and may ask again.
+using UserInterfaceEntry = UserInterface* (*)();
+inline constexpr const char* kUserInterfaceEntryName = "nimboMakeUserInterface";
+
+}  // namespace nimbo
