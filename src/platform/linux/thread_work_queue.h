@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <string>
+#include <thread>
+
+#include "platform/work_queue.h"
+
+namespace nimbo {
+
+/// One thread at nice 10, started by the first job, so that an unused queue costs nothing.
+class ThreadWorkQueue final : public WorkQueue {
+ public:
+  /// `label` names the thread; the kernel keeps its first 15 bytes.
+  explicit ThreadWorkQueue(std::string label);
+  ~ThreadWorkQueue() override;
+  ThreadWorkQueue(const ThreadWorkQueue&) = delete;
+  ThreadWorkQueue& operator=(const ThreadWorkQueue&) = delete;
+
+  void async(std::function<void()> job) override;
+
+ private:
+  void work();
+
+  const std::string label_;
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  std::deque<std::function<void()>> jobs_;  // guarded by mutex_
+  bool stopping_ = false;                   // guarded by mutex_
+  std::thread thread_;                      // guarded by mutex_ until stopping_
+};
+
+}  // namespace nimbo
