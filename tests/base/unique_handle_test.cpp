@@ -27,9 +27,7 @@ class UniqueHandleTest : public ::testing::Test {
 };
 
 TEST_F(UniqueHandleTest, DestructionReleases) {
-  {
-    const Recorded handle(3);
-  }
+  { const Recorded handle(3); }
   EXPECT_EQ(released(), std::vector{3});
 }
 

@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 #include <poll.h>
-#include <signal.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -215,17 +214,6 @@ TEST_F(MainLoopTest, WatchReportsHangUp) {
   far.reset();
   runBounded();
   EXPECT_TRUE(reported);
-}
-
-TEST_F(MainLoopTest, TerminationSignalIsReportedOnTheLoop) {
-  bool requested = false;
-  const auto termination = loop.observe([&] {
-    requested = true;
-    loop.quit();
-  });
-  loop.post([] { kill(getpid(), SIGTERM); });
-  runBounded();
-  EXPECT_TRUE(requested);
 }
 
 TEST_F(MainLoopTest, AdoptedLoopTakesOverFromWithinACallback) {

@@ -1,14 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "platform/linux/sd_event_main_loop.h"
 
-#include <pthread.h>
-#include <signal.h>
 #include <sys/epoll.h>
 #include <sys/eventfd.h>
 #include <time.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstdint>
 #include <system_error>
@@ -31,17 +28,11 @@ std::uint64_t microsecondsOf(milliseconds duration) {
 // An accuracy of 0 asks sd-event for its default of 250 ms.
 std::uint64_t accuracyFor(milliseconds leeway) { return std::max<std::uint64_t>(microsecondsOf(leeway), 1); }
 
-struct SourceTraits {
-  using Handle = sd_event_source*;
-  static Handle invalid() { return nullptr; }
-  static void release(Handle source) { sd_event_source_disable_unref(source); }
-};
-
 /// One registered callback. Handlers keep it alive while they run, because a callback may destroy
 /// its own subscription.
 struct Registration : std::enable_shared_from_this<Registration> {
   std::function<void()> callback;
-  UniqueHandle<SourceTraits> source;
+  UniqueHandle<SdEventSourceTraits> source;
   std::uint64_t interval = 0;
 
   void call() {
@@ -73,11 +64,6 @@ int onTime(sd_event_source* /*source*/, std::uint64_t /*due*/, void* data) {
 }
 
 int onReady(sd_event_source* /*source*/, int /*descriptor*/, std::uint32_t /*events*/, void* data) {
-  static_cast<Registration*>(data)->call();
-  return 0;
-}
-
-int onSignal(sd_event_source* /*source*/, const signalfd_siginfo* /*info*/, void* data) {
   static_cast<Registration*>(data)->call();
   return 0;
 }
@@ -153,26 +139,6 @@ Subscription SdEventMainLoop::watch(int descriptor, std::function<void()> ready)
   check(sd_event_add_io(event_.get(), &source, descriptor, EPOLLIN, onReady, registration.get()));
   registration->source.reset(source);
   return subscribe(std::move(registration));
-}
-
-Subscription SdEventMainLoop::observe(std::function<void()> requested) {
-  constexpr std::array kSignals{SIGTERM, SIGINT, SIGHUP};
-  sigset_t set;
-  sigemptyset(&set);
-  for (const int number : kSignals) sigaddset(&set, number);
-  check(-pthread_sigmask(SIG_BLOCK, &set, nullptr));
-
-  std::vector<std::shared_ptr<Registration>> registrations;
-  for (const int number : kSignals) {
-    auto registration = makeRegistration(requested);
-    sd_event_source* source = nullptr;
-    check(sd_event_add_signal(event_.get(), &source, number, onSignal, registration.get()));
-    registration->source.reset(source);
-    registrations.push_back(std::move(registration));
-  }
-  return Subscription([registrations = std::move(registrations)] {
-    for (const auto& registration : registrations) registration->source.reset();
-  });
 }
 
 void SdEventMainLoop::adopt(OuterLoop& outer) { outer_ = &outer; }

@@ -1,27 +1,18 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <systemd/sd-event.h>
-
 #include <memory>
 #include <mutex>
 #include <vector>
 
-#include "base/unique_handle.h"
+#include "platform/linux/sd_event_handles.h"
 #include "platform/linux/unique_fd.h"
 #include "platform/main_loop.h"
-#include "platform/termination.h"
 
 namespace nimbo {
 
-struct SdEventTraits {
-  using Handle = sd_event*;
-  static Handle invalid() { return nullptr; }
-  static void release(Handle event) { sd_event_unref(event); }
-};
-
 /// The main loop on libsystemd's sd-event. Timers carry their leeway as sd-event's accuracy.
-class SdEventMainLoop final : public MainLoop, public Termination {
+class SdEventMainLoop final : public MainLoop {
  public:
   /// Throws std::system_error when the kernel has no resources for a loop.
   SdEventMainLoop();
@@ -38,10 +29,6 @@ class SdEventMainLoop final : public MainLoop, public Termination {
   void adopt(OuterLoop& outer) override;
   void run() override;
   void quit() override;
-
-  /// SIGTERM, SIGINT and SIGHUP. Blocks them in the calling thread, so call it before any other
-  /// thread is started.
-  [[nodiscard]] Subscription observe(std::function<void()> requested) override;
 
   /// For the buses and device monitors of this folder; lives as long as the loop.
   [[nodiscard]] sd_event* event() const { return event_.get(); }

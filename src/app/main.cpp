@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: MIT
+#include <fmt/format.h>
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "app/app_delegate.h"
+#include "app/diagnostics_report.h"
+#include "app/launch_mode.h"
+#include "app/user_interface_maker.h"
+#include "platform/platform_services.h"
+#include "settings/settings.h"
+
+namespace nimbo {
+namespace {
+
+int runDiagnostics() {
+  const SystemReaders readers = makeSystemReaders();
+  SystemSampler sampler(*readers.hostStatistics, *readers.clock);
+  const auto sensor = readers.makeTemperatureSensor();
+  const auto report = makeDiagnosticsReport(sampler, *sensor, *readers.processTable, *readers.clock);
+  std::fputs(report.output.c_str(), stdout);
+  std::fputs(report.errorOutput.c_str(), stderr);
+  return report.exitStatus;
+}
+
+int runMenuBar(const std::vector<std::string>& links) {
+  const auto platform = makePlatformServices();
+  AppDelegate* controller = nullptr;
+  const auto activate = [&controller] {
+    if (controller != nullptr) controller->activate();
+  };
+  const auto role =
+      platform->applicationInstance().claim(links, {activate, [activate](const auto& /*links*/) { activate(); }});
+  if (!role) {
+    fmt::print(stderr, "nimbo: {}\n", role.error().message);
+    return 1;
+  }
+  if (*role == InstanceRole::later) return 0;
+
+  Settings settings(platform->userDefaults(), platform->userDefaultsDomains(), platform->bundleInfo().identifier);
+  AppDelegate delegate(*platform, userInterfaceFromModule(platform->moduleLoader()), settings);
+  controller = &delegate;
+  delegate.applicationDidFinishLaunching();
+  platform->mainLoop().run();
+  controller = nullptr;
+  delegate.applicationWillTerminate();
+  return 0;
+}
+
+int notBuiltYet(const char* flag) {
+  fmt::print(stderr, "nimbo: {} is not available in this version\n", flag);
+  return 1;
+}
+
+int run(const std::vector<std::string>& arguments) {
+  switch (launchMode(arguments)) {
+    case LaunchMode::claudeDesktopCheck:
+      return notBuiltYet("--claude-desktop-check");
+    case LaunchMode::diagnostics:
+      return runDiagnostics();
+    case LaunchMode::profile:
+      return notBuiltYet("--profile");
+    case LaunchMode::menuBar:
+      break;
+  }
+  return runMenuBar(launchLinks(arguments));
+}
+
+}  // namespace
+}  // namespace nimbo
+
+int main(int argc, char** argv) { return nimbo::run({argv, argv + argc}); }

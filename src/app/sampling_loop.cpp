@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: MIT
+#include "app/sampling_loop.h"
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+namespace nimbo {
+
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+
+void appendToHistory(std::vector<double>& history, double value) {
+  if (history.size() >= SystemReadings::kHistoryCapacity) history.erase(history.begin());
+  history.push_back(std::clamp(value, 0.0, 1.0));
+}
+
+SamplingLoop::SamplingLoop(Sources sources, const Settings& settings, Callbacks callbacks)
+    : sources_(sources),
+      settings_(settings),
+      callbacks_(std::move(callbacks)),
+      sampler_(std::make_unique<SystemSampler>(*sources.readers.hostStatistics, *sources.readers.clock)) {}
+
+void SamplingLoop::startTimer() {
+  const seconds interval = settings_.refreshInterval();
+  const milliseconds leeway(interval < seconds(5) ? 250 : 1000);
+  timer_ = sources_.mainLoop.every(interval, leeway, [this] { tick(); });
+}
+
+void SamplingLoop::stopTimer() { timer_.reset(); }
+
+void SamplingLoop::tick() {
+  readMemory();
+  readCpu();
+  startTemperatureRead();
+  callbacks_.readingsChanged();
+  startProcessScan(Throttle::apply);
+}
+
+void SamplingLoop::readMemory() {
+  if (!settings_.monitorMemory()) {
+    readings_.memory.reset();
+    readings_.memoryFailed = false;
+    readings_.memoryHistory.clear();
+    return;
+  }
+  readings_.memory = sampler_->snapshot();
+  readings_.memoryFailed = !readings_.memory;
+  if (readings_.memory) appendToHistory(readings_.memoryHistory, readings_.memory->usedFraction());
+}
+
+void SamplingLoop::readCpu() {
+  if (!settings_.monitorCpu()) {
+    readings_.cpu.reset();
+    readings_.cpuHistory.clear();
+    return;
+  }
+  readings_.cpu = sampler_->cpuUsage();
+  if (readings_.cpu) appendToHistory(readings_.cpuHistory, *readings_.cpu);
+}
+
+void SamplingLoop::startTemperatureRead() {
+  if (!settings_.monitorTemperature()) {
+    readings_.temperature.reset();
+    readings_.temperatureDate.reset();
+    return;
+  }
+  if (temperatureScanning_ || sleeping_) return;
+  temperatureScanning_ = true;
+  sources_.temperatureQueue.async([make = sources_.readers.makeTemperatureSensor, &loop = sources_.mainLoop,
+                                   generation = temperatureGeneration_, weak = std::weak_ptr(self_)] {
+    const auto celsius = make()->temperature();
+    loop.post([weak, celsius, generation] {
+      if (const auto self = weak.lock()) (*self)->finishTemperatureRead(celsius, generation);
+    });
+  });
+}
+
+void SamplingLoop::finishTemperatureRead(std::optional<double> celsius, std::uint64_t generation) {
+  temperatureScanning_ = false;
+  if (!settings_.monitorTemperature() || sleeping_ || generation != temperatureGeneration_) return;
+  readings_.temperature = celsius;
+  readings_.temperatureDate = sources_.readers.clock->now();
+  callbacks_.readingsChanged();
+}
+
+void SamplingLoop::startProcessScan(Throttle throttle) {
+  if (scanning_ || !settings_.monitorMemory() || !callbacks_.wantsProcesses()) return;
+  const double uptime = sources_.readers.clock->uptime().count();
+  const seconds distance = std::max(seconds(5), settings_.refreshInterval());
+  if (throttle == Throttle::apply && uptime - lastScan_ < static_cast<double>(distance.count())) return;
+  scanning_ = true;
+  lastScan_ = uptime;
+  sources_.utilityQueue.async([&table = *sources_.readers.processTable, &loop = sources_.mainLoop,
+                               generation = scanGeneration_, weak = std::weak_ptr(self_)] {
+    loop.post([weak, scan = scanProcesses(table), generation]() mutable {
+      if (const auto self = weak.lock()) (*self)->finishProcessScan(std::move(scan), generation);
+    });
+  });
+}
+
+void SamplingLoop::finishProcessScan(ProcessScan scan, std::uint64_t generation) {
+  scanning_ = false;
+  if (generation == scanGeneration_) callbacks_.processesScanned(std::move(scan));
+}
+
+void SamplingLoop::willSleep() {
+  sleeping_ = true;
+  ++temperatureGeneration_;
+  ++scanGeneration_;
+  stopTimer();
+}
+
+void SamplingLoop::didWake() {
+  sleeping_ = false;
+  readings_.temperature.reset();
+  readings_.temperatureDate.reset();
+  readings_.memoryHistory.clear();
+  readings_.cpuHistory.clear();
+  sampler_ = std::make_unique<SystemSampler>(*sources_.readers.hostStatistics, *sources_.readers.clock);
+  tick();
+  startTimer();
+}
+
+}  // namespace nimbo

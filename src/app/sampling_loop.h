@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <limits>
+#include <memory>
+#include <optional>
+
+#include "app/system_readings.h"
+#include "platform/platform_services.h"
+#include "settings/settings.h"
+#include "system/process_scan.h"
+#include "system/system_sampler.h"
+
+namespace nimbo {
+
+/// Keeps the figures fresh with one repeating timer. Memory and CPU are read on the main thread at
+/// every tick; the temperature and the process scan, which cost more, on background queues and only
+/// when they are wanted. What comes back too late (asleep, switched off) is dropped by generation.
+class SamplingLoop {
+ public:
+  struct Sources {
+    MainLoop& mainLoop;
+    SystemReaders& readers;
+    WorkQueue& temperatureQueue;
+    WorkQueue& utilityQueue;
+  };
+  struct Callbacks {
+    /// The readings are new: after each tick and after each temperature.
+    std::function<void()> readingsChanged;
+    /// Whether somebody looks at the process list.
+    std::function<bool()> wantsProcesses;
+    std::function<void(ProcessScan)> processesScanned;
+  };
+  enum class Throttle { apply, ignore };
+
+  SamplingLoop(Sources sources, const Settings& settings, Callbacks callbacks);
+
+  [[nodiscard]] const SystemReadings& readings() const { return readings_; }
+
+  /// (Re)starts the timer with the interval of the settings; the first tick comes one interval later.
+  void startTimer();
+  void stopTimer();
+  /// One tick, at once.
+  void tick();
+  /// Scans when processes are wanted and no scan runs; a throttled scan also keeps its distance of at
+  /// least 5 s from the last one.
+  void startProcessScan(Throttle throttle);
+
+  void willSleep();
+  /// Forgets what sleep made stale, takes a fresh sample and starts the timer again.
+  void didWake();
+
+ private:
+  void readMemory();
+  void readCpu();
+  void startTemperatureRead();
+  void finishTemperatureRead(std::optional<double> celsius, std::uint64_t generation);
+  void finishProcessScan(ProcessScan scan, std::uint64_t generation);
+
+  Sources sources_;
+  const Settings& settings_;
+  Callbacks callbacks_;
+  SystemReadings readings_;
+  std::unique_ptr<SystemSampler> sampler_;
+  Subscription timer_;
+  bool sleeping_ = false;
+  bool temperatureScanning_ = false;
+  std::uint64_t temperatureGeneration_ = 0;
+  bool scanning_ = false;
+  std::uint64_t scanGeneration_ = 0;
+  double lastScan_ = -std::numeric_limits<double>::infinity();  // seconds of uptime
+  /// Background results reach this object only while it lives.
+  std::shared_ptr<SamplingLoop*> self_ = std::make_shared<SamplingLoop*>(this);
+};
+
+}  // namespace nimbo

@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: MIT
+#include "app/status_items.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+namespace nimbo {
+namespace {
+
+using std::chrono::milliseconds;
+
+std::string identifier(StatusItemKind kind) {
+  switch (kind) {
+    case StatusItemKind::compact:
+      return "nimbo";
+    case StatusItemKind::ai:
+      return "nimbo-ai";
+    case StatusItemKind::memory:
+      return "nimbo-memory";
+    case StatusItemKind::awake:
+      return "nimbo-awake";
+  }
+  return {};
+}
+
+}  // namespace
+
+StatusItems::StatusItems(StatusBar& statusBar, MainLoop& mainLoop, const Settings& settings, Callbacks callbacks)
+    : statusBar_(statusBar), mainLoop_(mainLoop), settings_(settings), callbacks_(std::move(callbacks)) {}
+
+void StatusItems::configure() {
+  updateItems();
+  restartRotation();
+}
+
+void StatusItems::updateItems() {
+  const StatusItemPlan plan = planStatusItems(settings_, rotationTab_);
+  rotationTab_ = plan.rotationTab;
+  std::erase_if(items_, [&](const auto& entry) {
+    return std::find(plan.shown.begin(), plan.shown.end(), entry.first) == plan.shown.end();
+  });
+  for (const auto kind : plan.shown) {
+    if (items_.contains(kind)) continue;
+    items_[kind].item = statusBar_.makeItem(identifier(kind), callbacks_.content(kind), handlersFor(kind));
+  }
+}
+
+StatusItemHandlers StatusItems::handlersFor(StatusItemKind kind) {
+  return {
+      [this, kind](const StatusClick& click) {
+        trackingStatusMenu_ = false;
+        if (click.anchor) items_[kind].frame = click.anchor;
+        callbacks_.clicked(kind, click);
+      },
+      [this] {
+        trackingStatusMenu_ = true;
+        callbacks_.menuWillOpen();
+        return callbacks_.menu();
+      },
+      [this] { trackingStatusMenu_ = false; },
+      callbacks_.menu,
+  };
+}
+
+void StatusItems::refresh() {
+  for (const auto& [kind, entry] : items_) entry.item->setContent(callbacks_.content(kind));
+}
+
+void StatusItems::restartRotation() {
+  rotationTimer_.reset();
+  if (!rotationTab_ || settings_.menuTabs().size() < 2) return;
+  constexpr milliseconds kLeeway(1000);
+  rotationTimer_ = mainLoop_.every(settings_.menuRotationInterval(), kLeeway, [this] { rotate(); });
+}
+
+void StatusItems::rotate() {
+  if (!settings_.menuRotation() || settings_.compactMenuBar() || !rotationTab_) return;
+  if (trackingStatusMenu_ || callbacks_.rotationPaused()) return;
+  const auto next = nextRotationTab(settings_, *rotationTab_);
+  if (!next) return;
+  rotationTab_ = next;
+  updateItems();
+  refresh();
+}
+
+std::shared_ptr<StatusItem> StatusItems::item(StatusItemKind kind) const {
+  const auto found = items_.find(kind);
+  return found == items_.end() ? nullptr : found->second.item;
+}
+
+std::optional<StatusItemKind> StatusItems::firstItem() const {
+  if (items_.empty()) return std::nullopt;
+  return items_.begin()->first;  // the map is ordered as the kinds are
+}
+
+std::vector<Rect> StatusItems::knownFrames() const {
+  std::vector<Rect> frames;
+  for (const auto& [kind, entry] : items_) {
+    if (entry.frame) frames.push_back(*entry.frame);
+  }
+  return frames;
+}
+
+std::optional<Rect> StatusItems::knownFrame(StatusItemKind kind) const {
+  const auto found = items_.find(kind);
+  return found == items_.end() ? std::nullopt : found->second.frame;
+}
+
+}  // namespace nimbo

@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: MIT
+#include <cstdlib>
+#include <filesystem>
+#include <map>
+#include <string>
+#include <utility>
+
+#include "platform/linux/dbus_application_instance.h"
+#include "platform/linux/dl_module_loader.h"
+#include "platform/linux/hwmon_temperature_sensor.h"
+#include "platform/linux/json_bundle_info.h"
+#include "platform/linux/json_user_defaults.h"
+#include "platform/linux/json_user_defaults_domains.h"
+#include "platform/linux/logind_system_sleep.h"
+#include "platform/linux/panel_appearance.h"
+#include "platform/linux/portal_workspace.h"
+#include "platform/linux/procfs_host_statistics.h"
+#include "platform/linux/procfs_process_table.h"
+#include "platform/linux/sd_bus_connection.h"
+#include "platform/linux/sd_event_main_loop.h"
+#include "platform/linux/signal_termination.h"
+#include "platform/linux/sni_status_bar.h"
+#include "platform/linux/thread_work_queue.h"
+#include "platform/linux/xdg_folders.h"
+#include "platform/platform_services.h"
+#include "platform/system_clock.h"
+
+namespace nimbo {
+namespace {
+
+constexpr const char* kDomain = "com.quellwerk.Nimbo";
+
+/// The environment, read once: the classes below get what they need of it.
+struct Environment {
+  std::map<std::string, std::string> variables;
+
+  Environment() {
+    for (const char* name :
+         {"DBUS_SESSION_BUS_ADDRESS", "DBUS_SYSTEM_BUS_ADDRESS", "GTK_THEME", "HOME", "PATH", "XDG_CACHE_HOME",
+          "XDG_CONFIG_HOME", "XDG_CURRENT_DESKTOP", "XDG_DATA_HOME", "XDG_RUNTIME_DIR"}) {
+      if (const char* const value = std::getenv(name)) variables[name] = value;
+    }
+  }
+
+  [[nodiscard]] std::string get(const std::string& name) const {
+    const auto found = variables.find(name);
+    return found == variables.end() ? std::string() : found->second;
+  }
+};
+
+/// The folder above the one that holds the executable: /usr, or a build folder.
+std::filesystem::path installationPrefix() {
+  std::error_code error;
+  const auto executable = std::filesystem::read_symlink("/proc/self/exe", error);
+  return executable.parent_path().parent_path();
+}
+
+class LinuxPlatformServices final : public PlatformServices {
+ public:
+  [[nodiscard]] SystemReaders& readers() override { return readers_; }
+  [[nodiscard]] MainLoop& mainLoop() override { return loop_; }
+  [[nodiscard]] Termination& termination() override { return termination_; }
+  [[nodiscard]] WorkQueue& temperatureQueue() override { return temperatureQueue_; }
+  [[nodiscard]] WorkQueue& utilityQueue() override { return utilityQueue_; }
+  [[nodiscard]] const BundleInfo& bundleInfo() override { return bundleInfo_; }
+  [[nodiscard]] UserDefaults& userDefaults() override { return defaults_; }
+  [[nodiscard]] UserDefaultsDomains& userDefaultsDomains() override { return domains_; }
+  [[nodiscard]] ModuleLoader& moduleLoader() override { return modules_; }
+  [[nodiscard]] ApplicationInstance& applicationInstance() override { return instance_; }
+  [[nodiscard]] StatusBar& statusBar() override { return statusBar_; }
+  [[nodiscard]] SystemSleep& systemSleep() override { return systemSleep_; }
+  [[nodiscard]] Workspace& workspace() override { return workspace_; }
+
+ private:
+  // In order of dependence: what comes later uses what comes before and goes first.
+  const Environment environment_;
+  const std::filesystem::path prefix_ = installationPrefix();
+  const XdgFolders folders_ = xdgFolders(environment_.variables, accountHome());
+  const std::string desktop_ = environment_.get("XDG_CURRENT_DESKTOP");
+  const std::string sessionAddress_ =
+      sessionBusAddress(environment_.get("DBUS_SESSION_BUS_ADDRESS"), environment_.get("XDG_RUNTIME_DIR"));
+
+  SystemReaders readers_ = makeSystemReaders();
+  BundleInfo bundleInfo_ = readBundleInfo(prefix_ / "share" / "nimbo" / "Info.json");
+  JsonUserDefaults defaults_{folders_.config, kDomain};
+  JsonUserDefaultsDomains domains_{folders_.config};
+  DlModuleLoader modules_{(prefix_ / "lib" / "nimbo").string()};
+
+  SdEventMainLoop loop_;
+  SignalTermination termination_{loop_};
+  // A session that has lost its bus is over.
+  SdBusConnection session_{loop_.event(), sessionAddress_, [this] { loop_.quit(); }};
+  SdBusConnection system_{loop_.event(), systemBusAddress(environment_.get("DBUS_SYSTEM_BUS_ADDRESS"))};
+  DbusApplicationInstance instance_{session_};
+  PortalWorkspace workspace_{
+      loop_.event(), session_.get(), {desktop_, environment_.get("PATH"), environment_.get("GTK_THEME")}};
+  PanelAppearance panel_{session_.get(), desktop_, workspace_};
+  SniStatusBar statusBar_{loop_.event(), sessionAddress_, desktop_, panel_};
+  LogindSystemSleep systemSleep_{system_.get()};
+
+  ThreadWorkQueue temperatureQueue_{"Nimbo.temperature"};
+  ThreadWorkQueue utilityQueue_{"Nimbo.utility"};
+};
+
+}  // namespace
+
+SystemReaders makeSystemReaders() {
+  return {std::make_unique<SystemClock>(), std::make_unique<ProcfsHostStatistics>(),
+          std::make_unique<ProcfsProcessTable>(), [] { return std::make_unique<HwmonTemperatureSensor>(); }};
+}
+
+std::unique_ptr<PlatformServices> makePlatformServices() { return std::make_unique<LinuxPlatformServices>(); }
+
+}  // namespace nimbo

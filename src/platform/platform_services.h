@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include "platform/application_instance.h"
+#include "platform/bundle_info.h"
+#include "platform/clock.h"
+#include "platform/host_statistics.h"
+#include "platform/main_loop.h"
+#include "platform/module_loader.h"
+#include "platform/process_table.h"
+#include "platform/status_bar.h"
+#include "platform/system_sleep.h"
+#include "platform/temperature_sensor.h"
+#include "platform/termination.h"
+#include "platform/user_defaults.h"
+#include "platform/work_queue.h"
+#include "platform/workspace.h"
+
+namespace nimbo {
+
+/// Makes a sensor on the queue that will read it.
+using TemperatureSensorMaker = std::function<std::unique_ptr<TemperatureSensor>()>;
+
+/// What it takes to read the machine: all that the console report needs.
+struct SystemReaders {
+  std::unique_ptr<Clock> clock;
+  std::unique_ptr<HostStatistics> hostStatistics;
+  std::unique_ptr<ProcessTable> processTable;
+  TemperatureSensorMaker makeTemperatureSensor;
+};
+
+/// The operating system's services for the running program. They live as long as this object and
+/// are used on the main thread unless their own header says otherwise.
+class PlatformServices {
+ public:
+  virtual ~PlatformServices() = default;
+
+  [[nodiscard]] virtual SystemReaders& readers() = 0;
+  [[nodiscard]] virtual MainLoop& mainLoop() = 0;
+  [[nodiscard]] virtual Termination& termination() = 0;
+  [[nodiscard]] virtual WorkQueue& temperatureQueue() = 0;  ///< serial
+  [[nodiscard]] virtual WorkQueue& utilityQueue() = 0;
+  [[nodiscard]] virtual const BundleInfo& bundleInfo() = 0;
+  [[nodiscard]] virtual UserDefaults& userDefaults() = 0;  ///< the application's own domain
+  [[nodiscard]] virtual UserDefaultsDomains& userDefaultsDomains() = 0;
+  [[nodiscard]] virtual ModuleLoader& moduleLoader() = 0;
+  [[nodiscard]] virtual ApplicationInstance& applicationInstance() = 0;
+  [[nodiscard]] virtual StatusBar& statusBar() = 0;
+  [[nodiscard]] virtual SystemSleep& systemSleep() = 0;
+  [[nodiscard]] virtual Workspace& workspace() = 0;
+};
+
+// Implemented once per operating system.
+[[nodiscard]] SystemReaders makeSystemReaders();
+[[nodiscard]] std::unique_ptr<PlatformServices> makePlatformServices();
+
+}  // namespace nimbo

@@ -1,0 +1,354 @@
+// SPDX-License-Identifier: MIT
+#include "app/app_delegate.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "support/fake_dashboard_window.h"
+#include "support/fake_platform_services.h"
+#include "support/fake_user_interface.h"
+
+namespace nimbo {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+using Names = std::vector<std::string>;
+
+const StatusClick kClick{false, Rect{1000, 0, 24, 24}};
+
+class AppDelegateTest : public ::testing::Test {
+ protected:
+  AppDelegateTest() {
+    platform.host->memory = std::uint64_t{16} << 30;
+    platform.host->pages = PageCounts{1 << 20, 0, 1 << 20, 0, 0, 0};
+    platform.processes->add(10, 200 << 20, "big");
+  }
+
+  void launch() { delegate->applicationDidFinishLaunching(); }
+
+  void clickItem(const std::string& name, const StatusClick& click = kClick) {
+    ASSERT_TRUE(platform.bar.click(name, click));
+    platform.loop.runPosted();
+  }
+
+  /// Null before the dashboard was first opened.
+  FakeDashboardWindow* window() const {
+    return interface == nullptr || interface->windows().empty() ? nullptr : interface->windows().back();
+  }
+  bool dashboardVisible() const { return window() != nullptr && window()->visible(); }
+  const DashboardContent& content() const { return window()->content(); }
+
+  FakePlatformServices platform;
+  Settings settings{platform.defaults};
+  bool hasDisplay = true;
+  int interfacesMade = 0;
+  FakeUserInterface* interface = nullptr;
+  std::unique_ptr<AppDelegate> delegate = std::make_unique<AppDelegate>(
+      platform,
+      [this]() -> std::unique_ptr<UserInterface> {
+        if (!hasDisplay) return nullptr;
+        ++interfacesMade;
+        auto made = std::make_unique<FakeUserInterface>();
+        interface = made.get();
+        return made;
+      },
+      settings);
+};
+
+TEST_F(AppDelegateTest, LaunchMakesTheItemsTakesASampleAndStartsTheTimer) {
+  launch();
+  EXPECT_EQ(platform.bar.identifiers(), (Names{"nimbo-ai", "nimbo-memory"}));
+  EXPECT_EQ(platform.bar.item("nimbo-memory")->content.toolTip,
+            "Memory: 50% · 8.0 GB used of 16.0 GB; 8.0 GB available; normal pressure");
+  ASSERT_EQ(platform.loop.repeatingTimers().size(), 1U);
+  EXPECT_EQ(platform.loop.repeatingTimers()[0].interval, seconds(5));
+  EXPECT_TRUE(platform.power.observed());
+}
+
+TEST_F(AppDelegateTest, LaunchDoesNotLoadTheToolkit) {
+  launch();
+  platform.loop.advance(seconds(60));
+  EXPECT_EQ(interfacesMade, 0);
+}
+
+TEST_F(AppDelegateTest, TickRefreshesTheMemoryItem) {
+  launch();
+  platform.host->pages = PageCounts{3 << 20, 0, 0, 0, 0, 0};
+  platform.loop.advance(seconds(5));
+  EXPECT_EQ(platform.bar.item("nimbo-memory")->content.title, "75%");
+}
+
+TEST_F(AppDelegateTest, FailedReadingIsToldByTheMemoryItem) {
+  launch();
+  platform.host->pages.reset();
+  platform.loop.advance(seconds(5));
+  EXPECT_EQ(platform.bar.item("nimbo-memory")->content.toolTip, "Memory unavailable; retrying");
+}
+
+TEST_F(AppDelegateTest, ClickOpensTheDashboardOnTheItemsTab) {
+  launch();
+  clickItem("nimbo-memory");
+  ASSERT_TRUE(dashboardVisible());
+  EXPECT_EQ(content().tabs.selected, 1U);
+  EXPECT_EQ(content().hero.text, "50%");
+  EXPECT_EQ(platform.loop.outer(), &interface->fakeLoop());
+}
+
+TEST_F(AppDelegateTest, ClickWhileOpenCloses) {
+  launch();
+  clickItem("nimbo-memory");
+  clickItem("nimbo-memory");
+  EXPECT_FALSE(dashboardVisible());
+}
+
+TEST_F(AppDelegateTest, ClickOnAnotherItemWhileOpenCloses) {
+  launch();
+  clickItem("nimbo-memory");
+  clickItem("nimbo-ai");
+  EXPECT_FALSE(dashboardVisible());
+}
+
+TEST_F(AppDelegateTest, ReopeningUsesTheSameToolkit) {
+  launch();
+  for (int i = 0; i < 5; ++i) clickItem("nimbo-memory");
+  EXPECT_EQ(interfacesMade, 1);
+  EXPECT_EQ(interface->windows().size(), 1U);
+  EXPECT_TRUE(dashboardVisible());
+}
+
+TEST_F(AppDelegateTest, TheClickThatClosedThePanelDoesNotOpenItAgain) {
+  launch();
+  clickItem("nimbo-memory");
+  window()->pointerGrabbed = true;
+  window()->clickOutside(Point{1010, 10});
+  ASSERT_FALSE(dashboardVisible());
+  platform.loop.advance(milliseconds(100));
+  clickItem("nimbo-memory");
+  EXPECT_FALSE(dashboardVisible());
+  platform.loop.advance(milliseconds(400));
+  clickItem("nimbo-memory");
+  EXPECT_TRUE(dashboardVisible());
+}
+
+TEST_F(AppDelegateTest, AlternateClickOpensNothing) {
+  launch();
+  clickItem("nimbo-memory", {true, kClick.anchor});
+  EXPECT_EQ(interfacesMade, 0);
+}
+
+TEST_F(AppDelegateTest, CompactItemOpensTheTabShownLast) {
+  settings.setCompactMenuBar(true);
+  settings.setLastDashboardTab(DashboardTab::memory);
+  launch();
+  clickItem("nimbo");
+  EXPECT_EQ(content().tabs.selected, 1U);
+}
+
+TEST_F(AppDelegateTest, ShownTabIsRemembered) {
+  launch();
+  clickItem("nimbo-memory");
+  EXPECT_EQ(settings.lastDashboardTab(), DashboardTab::memory);
+  window()->actions().selectTab(2);
+  EXPECT_EQ(settings.lastDashboardTab(), DashboardTab::awake);
+}
+
+TEST_F(AppDelegateTest, OpeningOnTheMemoryTabScansAtOnceEvenWithinTheThrottle) {
+  launch();
+  clickItem("nimbo-memory");
+  EXPECT_EQ(platform.utilities.waiting(), 1U);
+  platform.utilities.runOne();
+  platform.loop.runPosted();
+  ASSERT_EQ(content().processes.labels.size(), 2U);
+  EXPECT_EQ(content().processes.labels[0].text, "big");
+  clickItem("nimbo-memory");
+  clickItem("nimbo-memory");
+  EXPECT_EQ(platform.utilities.waiting(), 1U);
+}
+
+TEST_F(AppDelegateTest, SwitchingToTheMemoryTabScansAndToAnotherDoesNot) {
+  launch();
+  clickItem("nimbo-ai");
+  EXPECT_EQ(platform.utilities.waiting(), 0U);
+  window()->actions().selectTab(1);
+  EXPECT_EQ(platform.utilities.waiting(), 1U);
+}
+
+TEST_F(AppDelegateTest, ClosedDashboardIsNotScannedFor) {
+  launch();
+  clickItem("nimbo-memory");
+  platform.utilities.runOne();
+  platform.loop.runPosted();
+  clickItem("nimbo-memory");
+  platform.loop.advance(seconds(60));
+  EXPECT_EQ(platform.utilities.waiting(), 0U);
+}
+
+TEST_F(AppDelegateTest, OpenDashboardFollowsTheSamples) {
+  launch();
+  clickItem("nimbo-memory");
+  platform.host->pages = PageCounts{1 << 20, 0, 0, 0, 0, 0};
+  platform.loop.advance(seconds(5));
+  EXPECT_EQ(content().hero.text, "25%");
+  EXPECT_EQ(content().time.text, "RECENT USAGE · 5s");
+}
+
+TEST_F(AppDelegateTest, ClosedDashboardIsNotRenderedAndCatchesUpOnOpening) {
+  launch();
+  clickItem("nimbo-memory");
+  clickItem("nimbo-memory");
+  const int renders = window()->renders();
+  platform.host->pages = PageCounts{1 << 20, 0, 0, 0, 0, 0};
+  platform.loop.advance(seconds(10));
+  EXPECT_EQ(window()->renders(), renders);
+  clickItem("nimbo-memory");
+  EXPECT_EQ(content().hero.text, "25%");
+}
+
+TEST_F(AppDelegateTest, GrowingProcessListGrowsTheWindow) {
+  for (int pid = 100; pid < 120; ++pid) platform.processes->add(pid, 1 << 20, "some");
+  launch();
+  clickItem("nimbo-memory");
+  platform.utilities.runOne();
+  platform.loop.runPosted();
+  const double height = window()->frame().height;
+  window()->actions().showMore();
+  EXPECT_EQ(window()->frame().height, height + 87);
+  EXPECT_EQ(content().processTitle.text, "TOP 13 PROCESSES");
+}
+
+TEST_F(AppDelegateTest, SettingsChangedByHandAreSeenAtTheNextOpening) {
+  launch();
+  clickItem("nimbo-memory");
+  clickItem("nimbo-memory");
+  settings.setMonitorCpu(true);
+  clickItem("nimbo-memory");
+  EXPECT_TRUE(content().cpu.visible);
+}
+
+TEST_F(AppDelegateTest, ActivityButtonOpensTheSystemMonitor) {
+  launch();
+  clickItem("nimbo-memory");
+  EXPECT_TRUE(content().activityButton.enabled);
+  window()->actions().openActivityMonitor();
+  EXPECT_EQ(platform.desktop.monitorsOpened, 1);
+}
+
+TEST_F(AppDelegateTest, WithoutASystemMonitorItsButtonIsDisabled) {
+  platform.desktop.systemMonitor = false;
+  launch();
+  clickItem("nimbo-memory");
+  EXPECT_FALSE(content().activityButton.enabled);
+}
+
+TEST_F(AppDelegateTest, WindowsFollowTheDesktopsAppearance) {
+  platform.desktop.setAppearance(Appearance::dark);
+  launch();
+  clickItem("nimbo-memory");
+  platform.desktop.setAppearance(Appearance::light);
+  EXPECT_EQ(interface->appearances(), (std::vector{Appearance::dark, Appearance::light}));
+}
+
+TEST_F(AppDelegateTest, WithoutADisplayAClickChangesNothing) {
+  hasDisplay = false;
+  launch();
+  clickItem("nimbo-memory");
+  EXPECT_EQ(window(), nullptr);
+  EXPECT_EQ(platform.loop.outer(), nullptr);
+  hasDisplay = true;
+  clickItem("nimbo-memory");
+  EXPECT_TRUE(dashboardVisible()) << "a display that appears later is found";
+}
+
+TEST_F(AppDelegateTest, MenuClosesThePanelAndHasItsEntries) {
+  launch();
+  clickItem("nimbo-memory");
+  const auto menu = platform.bar.openMenu("nimbo-memory");
+  EXPECT_FALSE(dashboardVisible());
+  ASSERT_EQ(menu.entries.size(), 6U);
+  EXPECT_EQ(menu.entries[0].title, "Keep awake until stopped");
+  EXPECT_EQ(menu.entries[5].title, "Quit Nimbo");
+}
+
+TEST_F(AppDelegateTest, QuitFromTheMenuEndsWithoutAsking) {
+  launch();
+  EXPECT_TRUE(platform.bar.choose("nimbo-memory", "Quit Nimbo"));
+  EXPECT_TRUE(platform.loop.hasQuit());
+}
+
+TEST_F(AppDelegateTest, QuitFromTheDashboardEnds) {
+  launch();
+  clickItem("nimbo-memory");
+  window()->actions().quit();
+  EXPECT_TRUE(platform.loop.hasQuit());
+}
+
+TEST_F(AppDelegateTest, TerminationRequestEnds) {
+  launch();
+  platform.terminationRequests.request();
+  EXPECT_TRUE(platform.loop.hasQuit());
+}
+
+TEST_F(AppDelegateTest, TerminationStopsEveryTimer) {
+  settings.setMenuRotation(true);
+  launch();
+  EXPECT_EQ(platform.loop.repeatingTimers().size(), 2U);
+  delegate->applicationWillTerminate();
+  EXPECT_TRUE(platform.loop.repeatingTimers().empty());
+  EXPECT_FALSE(platform.power.observed());
+}
+
+TEST_F(AppDelegateTest, SleepClosesThePanelAndStopsTheTimers) {
+  settings.setMenuRotation(true);
+  launch();
+  clickItem("nimbo-ai");
+  platform.power.sleep();
+  EXPECT_FALSE(dashboardVisible());
+  EXPECT_TRUE(platform.loop.repeatingTimers().empty());
+}
+
+TEST_F(AppDelegateTest, WakeEmptiesTheHistoriesTakesASampleAndRestarts) {
+  settings.setMenuRotation(true);
+  launch();
+  platform.loop.advance(seconds(20));
+  platform.power.sleep();
+  platform.power.wake();
+  EXPECT_EQ(platform.loop.repeatingTimers().size(), 2U);
+  clickItem("nimbo-ai");
+  window()->actions().selectTab(1);
+  EXPECT_EQ(content().history.history.size(), 1U);
+  EXPECT_EQ(content().time.text, "RECENT USAGE · 0s");
+}
+
+TEST_F(AppDelegateTest, RotationWaitsWhileThePanelIsOpen) {
+  settings.setMenuRotation(true);
+  launch();
+  clickItem("nimbo-ai");
+  platform.loop.advance(seconds(30));
+  EXPECT_EQ(platform.bar.identifiers(), Names{"nimbo-ai"});
+  clickItem("nimbo-ai");
+  platform.loop.advance(seconds(10));
+  EXPECT_EQ(platform.bar.identifiers(), Names{"nimbo-memory"});
+}
+
+TEST_F(AppDelegateTest, SecondStartOpensTheDashboardOnTheTabShownLast) {
+  settings.setLastDashboardTab(DashboardTab::memory);
+  launch();
+  delegate->activate();
+  ASSERT_TRUE(dashboardVisible());
+  EXPECT_EQ(content().tabs.selected, 1U);
+}
+
+TEST_F(AppDelegateTest, ItemIsHighlightedWhileTheDashboardHangsFromIt) {
+  launch();
+  clickItem("nimbo-memory");
+  EXPECT_TRUE(platform.bar.item("nimbo-memory")->highlighted);
+  clickItem("nimbo-memory");
+  EXPECT_FALSE(platform.bar.item("nimbo-memory")->highlighted);
+}
+
+}  // namespace
+}  // namespace nimbo

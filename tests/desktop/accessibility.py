@@ -1,0 +1,97 @@
+# SPDX-License-Identifier: MIT
+"""Reads or presses the program's controls as a screen reader would.
+
+Runs as a program of its own inside the session under test, because the accessibility library
+connects once per process:  accessibility.py tree PID  |  accessibility.py press PID NAME
+"""
+
+import json
+import subprocess
+import sys
+
+
+def _application(pid):
+    import gi
+
+    gi.require_version("Atspi", "2.0")
+    from gi.repository import Atspi
+
+    desktop = Atspi.get_desktop(0)
+    for index in range(desktop.get_child_count()):
+        application = desktop.get_child_at_index(index)
+        if application and application.get_process_id() == pid:
+            return application
+    return None
+
+
+def _walk(element, visit, depth=0):
+    from gi.repository import Atspi
+
+    if element is None or depth > 12:
+        return
+    visit(element)
+    for index in range(min(element.get_child_count(), 200)):
+        _walk(element.get_child_at_index(index), visit, depth + 1)
+    del Atspi
+
+
+def _describe(element):
+    from gi.repository import Atspi
+
+    states = element.get_state_set()
+    text = element.get_text_iface()
+    value = element.get_value_iface()
+    extents = element.get_component_iface()
+    box = extents.get_extents(Atspi.CoordType.SCREEN) if extents else None
+    return {
+        "role": element.get_role_name(),
+        "name": element.get_name() or "",
+        "description": element.get_description() or "",
+        "text": Atspi.Text.get_text(text, 0, -1) if text else "",
+        "value": value.get_current_value() if value else None,
+        "showing": states.contains(Atspi.StateType.SHOWING),
+        "enabled": states.contains(Atspi.StateType.ENABLED),
+        "focusable": states.contains(Atspi.StateType.FOCUSABLE),
+        "selected": states.contains(Atspi.StateType.SELECTED),
+        "box": [box.x, box.y, box.width, box.height] if box else None,
+    }
+
+
+def main(action, pid, *names):
+    application = _application(int(pid))
+    if application is None:
+        return 1
+    elements = []
+    _walk(application, elements.append)
+    if action == "tree":
+        print(json.dumps([_describe(element) for element in elements]))
+        return 0
+    for element in elements:
+        actions = element.get_action_iface()
+        if element.get_name() == names[0] and actions:
+            return 0 if actions.do_action(0) else 1
+    return 1
+
+
+def tree(session, pid):
+    """Every control of the program as dictionaries; an empty list while it shows none."""
+    run = subprocess.run(
+        ["/usr/bin/python3", __file__, "tree", str(pid)], env=session.env, capture_output=True, text=True, timeout=60
+    )
+    return json.loads(run.stdout) if run.returncode == 0 and run.stdout else []
+
+
+def press(session, pid, name):
+    run = subprocess.run(
+        ["/usr/bin/python3", __file__, "press", str(pid), name], env=session.env, capture_output=True, timeout=60
+    )
+    assert run.returncode == 0, f"no control named {name!r} could be pressed"
+
+
+def showing(elements):
+    """The names of all visible controls."""
+    return [element["name"] for element in elements if element["showing"] and element["name"]]
+
+
+if __name__ == "__main__":
+    sys.exit(main(*sys.argv[1:]))

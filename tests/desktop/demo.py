@@ -1,0 +1,83 @@
+# SPDX-License-Identifier: MIT
+"""Shows the program on a private virtual desktop with a real panel, and saves pictures.
+
+Usage: demo.py BINARY FOLDER
+"""
+
+import pathlib
+import subprocess
+import sys
+
+import program
+from nimbo_desktop import BOUND, Session, turn_for, wait_until
+from program import Program
+from xfce_panel import XfcePanel
+
+SETTINGS = {"refreshInterval": 2, "menuAwake": True, "monitorCPU": True, "monitorTemperature": True}
+TABS = {"ai": "AI", "memory": "Mem", "awake": "Awake"}
+
+
+def show(folder, dark, scale):
+    name = ("dark" if dark else "light") + ("" if scale == 1 else f"@{scale}x")
+    session = Session(display=True, size=f"{1280 * scale}x{800 * scale}x24")
+    try:
+        session.env["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
+        if scale != 1:
+            session.env["QT_SCALE_FACTOR"] = str(scale)
+        session.settings(**SETTINGS)
+        panel = XfcePanel(session, dark=dark, scale=scale)
+        before = panel.settled_picture(session.folder / "before.png")
+        nimbo = Program(session)
+        after = folder / f"tray-{name}.png"
+
+        def items():
+            box = panel.changed_box(before, panel.settled_picture(after))
+            return box if box and box[2] > 2 * box[3] else None
+
+        x, y, width, height = wait_until(items, "three items in the panel")
+        turn_for(5)  # a few samples, so that there is a history to see
+        click(session, x + width // 2, y + height // 2)
+        wait_until(nimbo.dashboard, "the dashboard")
+        for tab, label in TABS.items():
+            nimbo.press(label)
+            if tab == "memory":
+                nimbo.wait_for_text(lambda text: text.endswith((" MB", " GB")), "the process list")
+            panel.settled_picture(folder / f"{tab}-{name}.png")
+        nimbo.press("Mem")
+        nimbo.press("Show more")
+        panel.settled_picture(folder / f"processes-{name}.png")
+        session_key(session, "Escape")
+        nimbo.wait_for_no_dashboard()
+        click(session, x + width // 2, y + height // 2, button=3)
+        turn_for(0.5)
+        panel.settled_picture(folder / f"menu-{name}.png")
+        session_key(session, "Escape")
+        status = nimbo.terminate()
+        if status != 0 or nimbo.errors():
+            raise SystemExit(f"nimbo ended with status {status}: {nimbo.errors()}")
+    finally:
+        session.close()
+
+
+def click(session, x, y, button=1):
+    subprocess.run(["xdotool", "mousemove", str(x), str(y), "click", str(button)], env=session.env, check=True)
+
+
+def session_key(session, name):
+    subprocess.run(["xdotool", "key", name], env=session.env, check=True)
+
+
+def main(binary, target):
+    program.BINARY = binary
+    folder = pathlib.Path(target)
+    folder.mkdir(parents=True, exist_ok=True)
+    for dark, scale in ((False, 1), (True, 1), (False, 2), (True, 2)):
+        show(folder, dark, scale)
+    for path in sorted(folder.glob("*.png")):
+        print(path)
+    print(flush=True)
+    subprocess.run([binary, "--diagnostics"], check=True, timeout=BOUND)
+
+
+if __name__ == "__main__":
+    main(*sys.argv[1:])

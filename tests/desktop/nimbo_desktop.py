@@ -1,0 +1,387 @@
+# SPDX-License-Identifier: MIT
+"""A private desktop for tests: buses, a display, a tray host and the program under test.
+
+Everything lives in a temporary folder and ends with its owner; only processes started here are
+ended, by their ids. Nothing sleeps to wait: `wait_until` turns the GLib main context until the
+expected state is there, or fails after a bound.
+"""
+
+import contextlib
+import os
+import pathlib
+import shutil
+import signal
+import subprocess
+import tempfile
+import time
+
+import gi
+
+gi.require_version("Gio", "2.0")
+from gi.repository import Gio, GLib  # noqa: E402
+
+SLOW = 4 if os.environ.get("NIMBO_SLOW") else 1
+BOUND = 10 * SLOW  # seconds that anything may take
+
+
+def wait_until(predicate, what, bound=BOUND):
+    """Turns the main context until predicate() is true; returns its value."""
+    context = GLib.MainContext.default()
+    deadline = time.monotonic() + bound
+    ticker = GLib.timeout_add(20, lambda: True)  # lets the context return now and then
+    try:
+        while True:
+            value = predicate()
+            if value:
+                return value
+            if time.monotonic() > deadline:
+                raise AssertionError(f"waited {bound} s in vain for {what}")
+            context.iteration(True)
+    finally:
+        GLib.source_remove(ticker)
+
+
+def turn_for(seconds):
+    """Turns the main context for a while, to show that nothing happens meanwhile."""
+    deadline = time.monotonic() + seconds
+    with contextlib.suppress(AssertionError):
+        wait_until(lambda: time.monotonic() > deadline, "the end", seconds + 1)
+
+
+class Process:
+    """One child process, ended by its own id."""
+
+    def __init__(self, arguments, env, **options):
+        self.arguments = arguments
+        self.process = subprocess.Popen(arguments, env=env, **options)
+
+    @property
+    def pid(self):
+        return self.process.pid
+
+    @property
+    def running(self):
+        return self.process.poll() is None
+
+    def end(self, number=signal.SIGTERM):
+        if self.running:
+            self.process.send_signal(number)
+            try:
+                self.process.wait(5 * SLOW)
+            except subprocess.TimeoutExpired:
+                self.process.kill()
+                self.process.wait()
+        for stream in (self.process.stdout, self.process.stderr):
+            if stream:
+                stream.close()
+
+
+class Bus:
+    """A message bus of our own."""
+
+    def __init__(self, env, system=False):
+        read, write = os.pipe()
+        self.daemon = Process(
+            ["dbus-daemon", "--session", "--nofork", f"--print-address={write}"],
+            env,
+            pass_fds=[write],
+            stderr=subprocess.DEVNULL,
+        )
+        os.close(write)
+        with os.fdopen(read) as stream:
+            self.address = stream.readline().strip()
+        self.variable = "DBUS_SYSTEM_BUS_ADDRESS" if system else "DBUS_SESSION_BUS_ADDRESS"
+
+    def connect(self):
+        connection = Gio.DBusConnection.new_for_address_sync(
+            self.address,
+            Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION,
+            None,
+            None,
+        )
+        connection.set_exit_on_close(False)
+        return connection
+
+
+class Display:
+    """An X server without a screen of glass, on a number that is free."""
+
+    def __init__(self, env, size="1440x900x24", dpi=96):
+        read, write = os.pipe()
+        self.server = Process(
+            ["Xvfb", "-displayfd", str(write), "-screen", "0", size, "-dpi", str(dpi), "-nolisten", "tcp", "-noreset"],
+            env,
+            pass_fds=[write],
+            stderr=subprocess.DEVNULL,
+        )
+        os.close(write)
+        with os.fdopen(read) as stream:
+            self.name = ":" + stream.readline().strip()
+
+
+class Session:
+    """Environment, session bus and, when asked for, a display and a system bus."""
+
+    def __init__(self, display=False, system_bus=False, desktop="XFCE", size="1440x900x24"):
+        self.stack = contextlib.ExitStack()
+        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="nimbo-desktop-"))
+        self.stack.callback(shutil.rmtree, self.folder, ignore_errors=True)
+        kept = {
+            name: os.environ[name]
+            for name in os.environ
+            if name in ("PATH", "LANG", "QT_SCALE_FACTOR") or name.endswith("SAN_OPTIONS")
+        }
+        self.env = {
+            **kept,
+            "HOME": str(self.folder),
+            "XDG_RUNTIME_DIR": str(self.folder / "run"),
+            "XDG_CONFIG_HOME": str(self.folder / "config"),
+            "XDG_DATA_HOME": str(self.folder / "data"),
+            "XDG_CACHE_HOME": str(self.folder / "cache"),
+            "XDG_CURRENT_DESKTOP": desktop,
+            "XDG_SESSION_TYPE": "x11",
+            "LC_ALL": "C.UTF-8",
+            "NO_AT_BRIDGE": "1",
+        }
+        for name in ("run", "config", "data", "cache"):
+            (self.folder / name).mkdir(mode=0o700)
+        self.display = None
+        if display:
+            self.display = Display(self.env, size)
+            self.stack.callback(self.display.server.end)
+            self.env["DISPLAY"] = self.display.name
+        self.bus = self._bus()
+        # Without one of our own the program would talk to the machine's real system bus.
+        self.env["DBUS_SYSTEM_BUS_ADDRESS"] = f"unix:path={self.folder}/no-system-bus"
+        self.system_bus = self._bus(system=True) if system_bus else None
+        self.connection = self.bus.connect()
+
+    def _bus(self, system=False):
+        bus = Bus(self.env, system)
+        self.stack.callback(bus.daemon.end)
+        self.env[bus.variable] = bus.address
+        return bus
+
+    def start(self, arguments, **options):
+        process = Process([str(argument) for argument in arguments], self.env, **options)
+        self.stack.callback(process.end)
+        return process
+
+    def names(self):
+        return self.call("org.freedesktop.DBus", "/", "org.freedesktop.DBus", "ListNames")[0]
+
+    def call(self, name, path, interface, method, parameters=None, connection=None):
+        """A method call; turns the main context meanwhile, because the callee may call back."""
+        outcome = []
+
+        def finished(source, result):
+            try:
+                outcome.append((source.call_finish(result), None))
+            except GLib.Error as error:
+                outcome.append((None, error))
+
+        (connection or self.connection).call(
+            name, path, interface, method, parameters, None, Gio.DBusCallFlags.NONE, BOUND * 1000, None, finished
+        )
+        wait_until(lambda: outcome, f"{interface}.{method}")
+        value, error = outcome[0]
+        if error:
+            raise error
+        return value.unpack()
+
+    def settings(self, **values):
+        """Writes the program's settings file."""
+        import json
+
+        path = self.folder / "config" / "com.quellwerk.Nimbo.json"
+        path.write_text(json.dumps({key.replace("__", "."): value for key, value in values.items()}))
+        return path
+
+    def close(self):
+        self.connection.close_sync(None)
+        self.stack.close()
+
+
+WATCHER_XML = """
+<node><interface name="org.kde.StatusNotifierWatcher">
+  <method name="RegisterStatusNotifierItem"><arg type="s" direction="in"/></method>
+  <method name="RegisterStatusNotifierHost"><arg type="s" direction="in"/></method>
+  <property name="RegisteredStatusNotifierItems" type="as" access="read"/>
+  <property name="IsStatusNotifierHostRegistered" type="b" access="read"/>
+  <property name="ProtocolVersion" type="i" access="read"/>
+  <signal name="StatusNotifierItemRegistered"><arg type="s"/></signal>
+  <signal name="StatusNotifierItemUnregistered"><arg type="s"/></signal>
+  <signal name="StatusNotifierHostRegistered"/>
+</interface></node>
+"""
+
+ITEM = "org.kde.StatusNotifierItem"
+MENU = "com.canonical.dbusmenu"
+
+
+class TrayItem:
+    """One registered item, as a host sees it."""
+
+    def __init__(self, host, name):
+        self.host = host
+        self.name = name
+        self.signals = []
+        connection = host.connection
+        self.subscription = connection.signal_subscribe(
+            name, None, None, None, None, Gio.DBusSignalFlags.NONE, self._signal
+        )
+
+    def _signal(self, _connection, _sender, _path, interface, signal_name, parameters):
+        self.signals.append((interface, signal_name, parameters.unpack()))
+
+    def get(self, name, path="/StatusNotifierItem", interface=ITEM):
+        parameters = GLib.Variant("(ss)", (interface, name))
+        return self._call(path, "org.freedesktop.DBus.Properties", "Get", parameters)[0]
+
+    def properties(self):
+        parameters = GLib.Variant("(s)", (ITEM,))
+        return self._call("/StatusNotifierItem", "org.freedesktop.DBus.Properties", "GetAll", parameters)[0]
+
+    @property
+    def identifier(self):
+        return self.get("Id")
+
+    @property
+    def tooltip(self):
+        _icon, _pixmaps, title, text = self.get("ToolTip")
+        return title + ("\n" + text if text else "")
+
+    def activate(self, x, y):
+        self._call("/StatusNotifierItem", ITEM, "Activate", GLib.Variant("(ii)", (x, y)))
+
+    def secondary_activate(self, x, y):
+        self._call("/StatusNotifierItem", ITEM, "SecondaryActivate", GLib.Variant("(ii)", (x, y)))
+
+    def open_menu(self):
+        """Opens the menu as a host does and returns its entries as (id, properties)."""
+        path = self.get("Menu")
+        self._call(path, MENU, "AboutToShow", GLib.Variant("(i)", (0,)))
+        self._event(path, 0, "opened")
+        _revision, (_id, _properties, children) = self._call(
+            path, MENU, "GetLayout", GLib.Variant("(iias)", (0, -1, []))
+        )
+        return [(child[0], child[1]) for child in children]
+
+    def close_menu(self):
+        self._event(self.get("Menu"), 0, "closed")
+
+    def click_menu(self, identifier):
+        self._event(self.get("Menu"), identifier, "clicked")
+
+    def _event(self, path, identifier, kind):
+        parameters = GLib.Variant("(isvu)", (identifier, kind, GLib.Variant("i", 0), 0))
+        self._call(path, MENU, "Event", parameters)
+
+    def _call(self, path, interface, method, parameters):
+        return self.host.session.call(self.name, path, interface, method, parameters, self.host.connection)
+
+
+class TrayHost:
+    """A StatusNotifierWatcher and host in one, that the test owns."""
+
+    def __init__(self, session):
+        self.session = session
+        self.connection = session.bus.connect()
+        self.items = []
+        self.registrations = 0
+        self.watcher = None
+        self.start()
+
+    def start(self):
+        info = Gio.DBusNodeInfo.new_for_xml(WATCHER_XML).interfaces[0]
+        self.registration = self.connection.register_object(
+            "/StatusNotifierWatcher", info, self._method, self._property, None
+        )
+        self.vanished = self.connection.signal_subscribe(
+            "org.freedesktop.DBus",
+            "org.freedesktop.DBus",
+            "NameOwnerChanged",
+            None,
+            None,
+            Gio.DBusSignalFlags.NONE,
+            self._owner_changed,
+        )
+        self.session.call(
+            "org.freedesktop.DBus",
+            "/org/freedesktop/DBus",
+            "org.freedesktop.DBus",
+            "RequestName",
+            GLib.Variant("(su)", ("org.kde.StatusNotifierWatcher", 4)),
+            self.connection,
+        )
+
+    def stop(self):
+        """The panel goes away, and the watcher with it."""
+        self.connection.close_sync(None)
+        self.items = []
+
+    def restart(self):
+        self.stop()
+        self.connection = self.session.bus.connect()
+        self.start()
+
+    def _method(self, _connection, sender, _path, _interface, method, parameters, invocation):
+        if method == "RegisterStatusNotifierItem":
+            self.registrations += 1
+            name = parameters.unpack()[0]
+            name = sender if name.startswith("/") else name
+            if name not in [item.name for item in self.items]:
+                self.items.append(TrayItem(self, name))
+        invocation.return_value(None)
+
+    def _property(self, _connection, _sender, _path, _interface, name):
+        return {
+            "RegisteredStatusNotifierItems": GLib.Variant("as", [item.name for item in self.items]),
+            "IsStatusNotifierHostRegistered": GLib.Variant("b", True),
+            "ProtocolVersion": GLib.Variant("i", 0),
+        }[name]
+
+    def _owner_changed(self, _connection, _sender, _path, _interface, _signal, parameters):
+        name, _old, new = parameters.unpack()
+        if not new:
+            self.items = [item for item in self.items if item.name != name]
+
+    def wait_for_items(self, count, bound=BOUND):
+        wait_until(lambda: len(self.items) == count, f"{count} items, not {len(self.items)}", bound)
+        return self.items
+
+    def item(self, identifier):
+        def find():
+            for item in list(self.items):
+                with contextlib.suppress(GLib.Error):
+                    if item.identifier == identifier:
+                        return item
+            return None
+
+        return wait_until(find, f"the item {identifier}")
+
+
+def windows_of(session, pid):
+    """Visible top-level windows of a process as {id: (x, y, width, height)}."""
+    found = subprocess.run(
+        ["xdotool", "search", "--onlyvisible", "--pid", str(pid)], env=session.env, capture_output=True, text=True
+    )
+    windows = {}
+    for identifier in found.stdout.split():
+        shell = subprocess.run(
+            ["xdotool", "getwindowgeometry", "--shell", identifier], env=session.env, capture_output=True, text=True
+        )
+        values = dict(line.split("=") for line in shell.stdout.split() if "=" in line)
+        if {"X", "Y", "WIDTH", "HEIGHT"} <= values.keys():
+            windows[int(identifier)] = tuple(int(values[key]) for key in ("X", "Y", "WIDTH", "HEIGHT"))
+    return windows
+
+
+def screenshot(session, path):
+    subprocess.run(
+        ["import", "-window", "root", str(path)], env=session.env, check=True, stderr=subprocess.DEVNULL
+    )
+
+
+def xdotool(session, *arguments):
+    subprocess.run(["xdotool", *map(str, arguments)], env=session.env, check=True)

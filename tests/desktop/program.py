@@ -1,0 +1,94 @@
+# SPDX-License-Identifier: MIT
+"""The program under test inside a session, and the test case that owns both."""
+
+import os
+import signal
+import subprocess
+import unittest
+
+import accessibility
+from nimbo_desktop import BOUND, Session, TrayHost, wait_until, windows_of, xdotool
+
+BINARY = os.environ.get("NIMBO_BINARY", "build/release/bin/nimbo")
+DASHBOARD_WIDTH = 340
+
+
+class Program:
+    def __init__(self, session, *arguments):
+        self.session = session
+        self.stderr = (session.folder / "stderr").open("wb+")
+        self.child = session.start([BINARY, *arguments], stdout=subprocess.PIPE, stderr=self.stderr)
+
+    @property
+    def pid(self):
+        return self.child.pid
+
+    def errors(self):
+        self.stderr.flush()
+        return (self.session.folder / "stderr").read_text()
+
+    def wait_for_exit(self):
+        wait_until(lambda: not self.child.running, "the program's end")
+        return self.child.process.returncode
+
+    def terminate(self):
+        self.child.process.send_signal(signal.SIGTERM)
+        return self.wait_for_exit()
+
+    def dashboard(self):
+        """Frame of the open dashboard; None when there is none."""
+        for frame in windows_of(self.session, self.pid).values():
+            if frame[2] >= DASHBOARD_WIDTH:
+                return frame
+        return None
+
+    def wait_for_dashboard(self):
+        return wait_until(self.dashboard, "the dashboard to open")
+
+    def wait_for_no_dashboard(self):
+        wait_until(lambda: self.dashboard() is None, "the dashboard to close")
+
+    def controls(self):
+        return accessibility.tree(self.session, self.pid)
+
+    def texts(self):
+        return accessibility.showing(self.controls())
+
+    def wait_for_text(self, matches, what):
+        return wait_until(lambda: next((text for text in self.texts() if matches(text)), None), what, BOUND)
+
+    def press(self, name):
+        accessibility.press(self.session, self.pid, name)
+
+
+class DesktopTest(unittest.TestCase):
+    """Starts a session for each test; the program must leave it without a word on standard error."""
+
+    display = False
+    system_bus = False
+    desktop = "XFCE"
+
+    def setUp(self):
+        self.session = Session(self.display, self.system_bus, self.desktop)
+        self.addCleanup(self.session.close)
+        self.session.env["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
+        self.host = None
+        self.program = None
+        self.expected_errors = ""
+
+    def start(self, *arguments, host=True):
+        if host and self.host is None:
+            self.host = TrayHost(self.session)
+        self.program = Program(self.session, *arguments)
+        return self.program
+
+    def tearDown(self):
+        if self.program and self.program.child.running:
+            self.assertEqual(self.program.terminate(), 0, self.program.errors())
+            self.assertEqual(self.program.errors(), self.expected_errors)
+
+    def key(self, name):
+        xdotool(self.session, "key", name)
+
+    def click_at(self, x, y, button=1):
+        xdotool(self.session, "mousemove", x, y, "click", button)

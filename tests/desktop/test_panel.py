@@ -1,0 +1,89 @@
+# SPDX-License-Identifier: MIT
+"""The program in a real panel, used with the mouse."""
+
+import unittest
+
+from nimbo_desktop import turn_for, wait_until
+from program import DesktopTest
+from xfce_panel import BOTTOM, TOP, XfcePanel
+
+
+class PanelTest(DesktopTest):
+    display = True
+    edge = TOP
+    items = 1
+
+    def setUp(self):
+        super().setUp()
+        self.session.settings(menuAI=False)
+        self.panel = XfcePanel(self.session, edge=self.edge)
+        before = self.panel.settled_picture(self.session.folder / "before.png")
+        self.start(host=False)
+        after = self.session.folder / "after.png"
+
+        def appeared():
+            return self.panel.changed_box(before, self.panel.settled_picture(after))
+
+        self.box = wait_until(appeared, "the item in the panel")
+
+    def center(self):
+        x, y, width, height = self.box
+        return x + width // 2, y + height // 2
+
+    def test_item_is_in_the_panel(self):
+        x, y, width, height = self.box
+        self.assertGreater(x, 1200)
+        self.assertLessEqual(height, 32)
+        self.assertGreater(width, 10)
+
+    def test_click_drops_the_dashboard_next_to_the_panel(self):
+        self.click_at(*self.center())
+        x, y, width, height = self.program.wait_for_dashboard()
+        if self.edge == TOP:
+            self.assertTrue(32 <= y <= 40, y)
+        else:
+            self.assertTrue(860 <= y + height <= 868, y + height)
+        self.assertLessEqual(x + width, 1440)
+        self.assertLessEqual(x, self.center()[0])
+
+    def test_second_click_on_the_item_closes(self):
+        self.click_at(*self.center())
+        self.program.wait_for_dashboard()
+        self.click_at(*self.center())
+        self.program.wait_for_no_dashboard()
+        turn_for(1)
+        self.assertIsNone(self.program.dashboard(), "the click that closed must not open again")
+        self.click_at(*self.center())
+        self.program.wait_for_dashboard()
+
+    def test_click_on_the_desktop_closes(self):
+        self.click_at(*self.center())
+        self.program.wait_for_dashboard()
+        self.click_at(300, 500)
+        self.program.wait_for_no_dashboard()
+
+    def test_escape_closes(self):
+        self.click_at(*self.center())
+        self.program.wait_for_dashboard()
+        self.key("Escape")
+        self.program.wait_for_no_dashboard()
+
+    def test_right_click_gives_the_menu(self):
+        without = self.panel.settled_picture(self.session.folder / "without.png")
+        self.click_at(*self.center(), button=3)
+        shown = self.session.folder / "menu.png"
+
+        def menu():
+            box = self.panel.changed_box(without, self.panel.settled_picture(shown))
+            return box if box and box[3] > 100 else None
+
+        wait_until(menu, "the menu")
+        self.key("Escape")
+
+
+class BottomPanelTest(PanelTest):
+    edge = BOTTOM
+
+
+if __name__ == "__main__":
+    unittest.main()

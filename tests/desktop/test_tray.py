@@ -1,0 +1,165 @@
+# SPDX-License-Identifier: MIT
+"""The tray items as a host on the session bus sees them."""
+
+import re
+import unittest
+
+from nimbo_desktop import turn_for, wait_until
+from program import DesktopTest, Program
+
+TOOLTIP = re.compile(
+    r"Memory: \d+% · \d+\.\d GB used of \d+\.\d GB; \d+\.\d GB available; (normal|elevated|high|unavailable) pressure"
+)
+MENU = ["Keep awake until stopped", None, "Settings…", "Check for Updates…", None, "Quit Nimbo"]
+
+
+def nimbo_names(session):
+    return [name for name in session.names() if "StatusNotifierItem-" in name or name == "com.quellwerk.Nimbo"]
+
+
+class TrayTest(DesktopTest):
+    def test_fresh_settings_show_the_ai_and_the_memory_item(self):
+        self.start()
+        self.host.wait_for_items(2)
+        self.assertEqual({item.identifier for item in self.host.items}, {"nimbo-ai", "nimbo-memory"})
+
+    def test_memory_item_shows_this_machines_figures(self):
+        self.start()
+        item = self.host.item("nimbo-memory")
+        wait_until(lambda: TOOLTIP.fullmatch(item.tooltip), "the memory tooltip")
+        self.assertRegex(item.get("XAyatanaLabel"), r"^\d+%$")
+        sizes = [(width, height) for width, height, _data in item.get("IconPixmap")]
+        self.assertEqual(sizes, [(side, side) for side in (16, 22, 24, 32, 48, 64)])
+        for width, height, data in item.get("IconPixmap"):
+            self.assertEqual(len(bytes(data)), width * height * 4)
+            self.assertTrue(any(bytes(data)), "the picture is not empty")
+
+    def test_ai_item_says_that_nothing_is_connected(self):
+        self.start()
+        self.assertEqual(self.host.item("nimbo-ai").tooltip, "AI usage · enable a subscription in Settings")
+
+    def test_every_item_switched_off_leaves_the_compact_one(self):
+        self.session.settings(menuAI=False, menuMemory=False)
+        self.start()
+        self.host.wait_for_items(1)
+        self.assertEqual(self.host.items[0].identifier, "nimbo")
+        self.assertEqual(self.host.items[0].tooltip, "Nimbo · Resources, AI usage & Keep Awake")
+
+    def test_all_items_are_there_when_all_are_on(self):
+        self.session.settings(menuAwake=True)
+        self.start()
+        self.host.wait_for_items(3)
+        self.assertEqual(
+            self.host.item("nimbo-awake").tooltip, "Keep Awake is off · click for session controls"
+        )
+
+    def test_mandatory_properties_suit_every_host(self):
+        self.start()
+        properties = self.host.item("nimbo-memory").properties()
+        self.assertEqual(properties["ItemIsMenu"], False)
+        self.assertEqual(properties["Menu"], "/MenuBar")
+        self.assertEqual(properties["IconName"], "")
+        self.assertEqual(properties["Status"], "Active")
+        self.assertEqual(properties["Category"], "SystemServices")
+
+    def test_menu_has_its_entries_in_order(self):
+        self.start()
+        entries = self.host.item("nimbo-memory").open_menu()
+        self.assertEqual([properties.get("label") for _id, properties in entries], MENU)
+        separators = [properties.get("type") == "separator" for _id, properties in entries]
+        self.assertEqual(separators, [text is None for text in MENU])
+
+    def test_menu_entry_quits(self):
+        program = self.start()
+        item = self.host.item("nimbo-memory")
+        entries = item.open_menu()
+        item.close_menu()
+        item.click_menu(next(key for key, properties in entries if properties.get("label") == "Quit Nimbo"))
+        self.assertEqual(program.wait_for_exit(), 0)
+        self.assertEqual(nimbo_names(self.session), [])
+
+    def test_every_item_returns_when_the_watcher_restarts(self):
+        self.start()
+        self.host.wait_for_items(2)
+        for _ in range(3):
+            self.host.restart()
+            self.host.wait_for_items(2)
+        item = self.host.item("nimbo-memory")
+        self.assertRegex(item.tooltip, TOOLTIP)
+
+    def test_items_appear_when_the_tray_comes_late(self):
+        self.start(host=False)
+        wait_until(lambda: "com.quellwerk.Nimbo" in self.session.names(), "the program's name")
+        self.start_host()
+        self.host.wait_for_items(2)
+
+    def start_host(self):
+        from nimbo_desktop import TrayHost
+
+        self.host = TrayHost(self.session)
+
+    def test_nothing_is_sent_while_nothing_changes(self):
+        self.session.settings(refreshInterval=2)
+        self.start()
+        item = self.host.item("nimbo-ai")
+        turn_for(1)
+        item.signals.clear()
+        turn_for(5)
+        self.assertEqual(item.signals, [])
+
+    def test_termination_leaves_nothing_on_the_bus(self):
+        program = self.start()
+        self.host.wait_for_items(2)
+        before = set(self.session.names())
+        self.assertEqual(program.terminate(), 0)
+        self.assertEqual(nimbo_names(self.session), [])
+        self.assertLess(len(self.session.names()), len(before))
+        self.assertEqual(program.errors(), "")
+
+
+class RotationTest(DesktopTest):
+    def test_one_item_rotates_through_the_tabs(self):
+        self.session.settings(menuRotation=True, menuRotationInterval=5)
+        self.start()
+        self.host.wait_for_items(1)
+        seen = [self.host.items[0].identifier]
+
+        def other():
+            if len(self.host.items) == 1:
+                identifier = self.host.items[0].identifier
+                return identifier if identifier != seen[0] else None
+            return None
+
+        seen.append(wait_until(other, "the next item", 12))
+        self.assertEqual(seen, ["nimbo-ai", "nimbo-memory"])
+
+
+class InstanceTest(DesktopTest):
+    def test_second_start_hands_over_and_ends(self):
+        self.start()
+        self.host.wait_for_items(2)
+        second = Program(self.session)
+        self.assertEqual(second.wait_for_exit(), 0)
+        self.assertTrue(self.program.child.running)
+        self.assertEqual(len(self.host.items), 2)
+        # Handing over opens the dashboard, for which there is no display here.
+        self.expected_errors = "nimbo: no display can be reached, so no window can be shown\n"
+        wait_until(lambda: self.program.errors() == self.expected_errors, "the message")
+
+    def test_without_a_session_bus_it_says_so(self):
+        self.session.env["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/nonexistent/bus"
+        program = self.start(host=False)
+        self.assertEqual(program.wait_for_exit(), 1)
+        self.assertIn("session bus", program.errors())
+        self.assertEqual(program.errors().count("\n"), 1)
+
+    def test_losing_the_session_bus_ends_it_cleanly(self):
+        program = self.start()
+        self.host.wait_for_items(2)
+        self.host.stop()
+        self.session.bus.daemon.end()
+        self.assertEqual(program.wait_for_exit(), 0)
+
+
+if __name__ == "__main__":
+    unittest.main()

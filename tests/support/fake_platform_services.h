@@ -1,0 +1,141 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/platform_services.h"
+#include "support/fake_clock.h"
+#include "support/fake_host_statistics.h"
+#include "support/fake_main_loop.h"
+#include "support/fake_process_table.h"
+#include "support/fake_status_bar.h"
+#include "support/fake_temperature_sensor.h"
+#include "support/fake_user_defaults.h"
+#include "support/fake_work_queue.h"
+#include "support/fake_workspace.h"
+
+namespace nimbo {
+
+class FakeSystemSleep final : public SystemSleep {
+ public:
+  [[nodiscard]] Subscription observe(std::function<void()> willSleep, std::function<void()> didWake) override {
+    willSleep_ = std::move(willSleep);
+    didWake_ = std::move(didWake);
+    return Subscription([this] { willSleep_ = didWake_ = nullptr; });
+  }
+
+  void sleep() {
+    if (willSleep_) willSleep_();
+  }
+  void wake() {
+    if (didWake_) didWake_();
+  }
+  [[nodiscard]] bool observed() const { return static_cast<bool>(willSleep_); }
+
+ private:
+  std::function<void()> willSleep_;
+  std::function<void()> didWake_;
+};
+
+class FakeTermination final : public Termination {
+ public:
+  [[nodiscard]] Subscription observe(std::function<void()> requested) override {
+    requested_ = std::move(requested);
+    return Subscription([this] { requested_ = nullptr; });
+  }
+  void request() {
+    if (requested_) requested_();
+  }
+
+ private:
+  std::function<void()> requested_;
+};
+
+class FakeModuleLoader final : public ModuleLoader {
+ public:
+  [[nodiscard]] Result<void*, ModuleError> symbol(const std::string& module, const char* symbol) override {
+    asked.push_back(module + ":" + symbol);
+    if (address == nullptr) return tl::unexpected(ModuleError{"no such module"});
+    return address;
+  }
+
+  std::vector<std::string> asked;
+  void* address = nullptr;
+};
+
+class FakeApplicationInstance final : public ApplicationInstance {
+ public:
+  [[nodiscard]] Result<InstanceRole, InstanceError> claim(const std::vector<std::string>& links,
+                                                          ApplicationInstanceHandlers given) override {
+    claimedWith = links;
+    handlers = std::move(given);
+    return role;
+  }
+
+  std::vector<std::string> claimedWith;
+  ApplicationInstanceHandlers handlers;
+  Result<InstanceRole, InstanceError> role = InstanceRole::first;
+};
+
+/// A whole machine and desktop in memory; both clocks follow the main loop.
+class FakePlatformServices final : public PlatformServices {
+ public:
+  FakePlatformServices() {
+    auto ownClock = std::make_unique<FakeClock>();
+    auto ownHost = std::make_unique<FakeHostStatistics>();
+    auto ownProcesses = std::make_unique<FakeProcessTable>();
+    clock = ownClock.get();
+    host = ownHost.get();
+    processes = ownProcesses.get();
+    readers_ = {std::move(ownClock), std::move(ownHost), std::move(ownProcesses), [this] {
+                  ++sensorsMade;
+                  auto sensor = std::make_unique<FakeTemperatureSensor>();
+                  sensor->celsius = celsius;
+                  return sensor;
+                }};
+    loop.onAdvance = [this](std::chrono::milliseconds step) { clock->advance(step); };
+  }
+
+  [[nodiscard]] SystemReaders& readers() override { return readers_; }
+  [[nodiscard]] MainLoop& mainLoop() override { return loop; }
+  [[nodiscard]] Termination& termination() override { return terminationRequests; }
+  [[nodiscard]] WorkQueue& temperatureQueue() override { return temperatures; }
+  [[nodiscard]] WorkQueue& utilityQueue() override { return utilities; }
+  [[nodiscard]] const BundleInfo& bundleInfo() override { return bundle; }
+  [[nodiscard]] UserDefaults& userDefaults() override { return defaults; }
+  [[nodiscard]] UserDefaultsDomains& userDefaultsDomains() override { return domains; }
+  [[nodiscard]] ModuleLoader& moduleLoader() override { return modules; }
+  [[nodiscard]] ApplicationInstance& applicationInstance() override { return instance; }
+  [[nodiscard]] StatusBar& statusBar() override { return bar; }
+  [[nodiscard]] SystemSleep& systemSleep() override { return power; }
+  [[nodiscard]] Workspace& workspace() override { return desktop; }
+
+  FakeClock* clock = nullptr;
+  FakeHostStatistics* host = nullptr;
+  FakeProcessTable* processes = nullptr;
+  std::optional<double> celsius = 50;
+  int sensorsMade = 0;
+
+  FakeMainLoop loop;
+  FakeTermination terminationRequests;
+  FakeWorkQueue temperatures;
+  FakeWorkQueue utilities;
+  BundleInfo bundle{"com.quellwerk.Nimbo", {}, {}, {}, {}, {}};
+  FakeUserDefaultsDomains domains;
+  FakeUserDefaults defaults{domains, "com.quellwerk.Nimbo"};
+  FakeModuleLoader modules;
+  FakeApplicationInstance instance;
+  FakeStatusBar bar;
+  FakeSystemSleep power;
+  FakeWorkspace desktop;
+
+ private:
+  SystemReaders readers_;
+};
+
+}  // namespace nimbo
