@@ -31,8 +31,8 @@ struct TextStyle {
 struct LabelContent {
   Rect frame;
   TextStyle style;
-  std::string text;
-  std::string toolTip;
+  std::string text = {};
+  std::string toolTip = {};
   bool visible = true;
   bool operator==(const LabelContent&) const = default;
 };
@@ -44,10 +44,10 @@ struct ButtonContent {
   Rect frame;
   ButtonLook look = ButtonLook::rounded;
   double textSize = 13;
-  std::string title;           ///< the visible text, or the name of the symbol for `icon`
-  std::string accessibleName;  ///< what a screen reader says; the title when empty
-  std::string toolTip;
-  std::string keyEquivalent;  ///< one letter pressed with Command (Control on Linux); empty for none
+  std::string title = {};           ///< the visible text, or the name of the symbol for `icon`
+  std::string accessibleName = {};  ///< what a screen reader says; the title when empty
+  std::string toolTip = {};
+  std::string keyEquivalent = {};  ///< one letter pressed with Command (Control on Linux); empty for none
   bool visible = true;
   bool enabled = true;
   bool operator==(const ButtonContent&) const = default;
@@ -64,7 +64,7 @@ struct HistoryContent {
   Rect frame;
   std::vector<double> history;  ///< 0…1, oldest first
   ColorRole tint = ColorRole::teal;
-  std::string accessibleName;
+  std::string accessibleName = {};
   bool visible = true;
   bool operator==(const HistoryContent&) const = default;
 };
@@ -72,7 +72,7 @@ struct HistoryContent {
 struct BreakdownContent {
   Rect frame;
   std::optional<MemorySnapshot> snapshot;
-  std::string accessibleName;
+  std::string accessibleName = {};
   bool visible = true;
   bool operator==(const BreakdownContent&) const = default;
 };

@@ -55,6 +55,10 @@ class DashboardWindow {
   virtual void show() = 0;
   virtual void hide() = 0;
   [[nodiscard]] virtual bool visible() const = 0;
+
+  /// Whether the window has the pointer to itself while it is visible, so that the clicks it reports
+  /// from outside reach nobody else.
+  [[nodiscard]] virtual bool grabsPointer() const { return false; }
 };
 
 struct Screen {
@@ -73,6 +77,9 @@ class UserInterface {
   [[nodiscard]] virtual std::vector<Screen> screens() const = 0;
   /// A screen came, went, or changed its frames.
   [[nodiscard]] virtual Subscription observeScreens(std::function<void()> changed) = 0;
+  /// Where something is that another program reported in the window system's own pixels, such as a
+  /// status item; unchanged where that system counts in points.
+  [[nodiscard]] virtual Rect toPoints(const Rect& reported) const { return reported; }
   virtual void setAppearance(Appearance appearance) = 0;
   [[nodiscard]] virtual std::unique_ptr<DashboardWindow> makeDashboardWindow() = 0;
 };

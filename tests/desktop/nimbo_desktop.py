@@ -198,7 +198,8 @@ class Session:
         return path
 
     def close(self):
-        self.connection.close_sync(None)
+        if not self.connection.is_closed():
+            self.connection.close_sync(None)
         self.stack.close()
 
 

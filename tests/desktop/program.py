@@ -2,8 +2,10 @@
 """The program under test inside a session, and the test case that owns both."""
 
 import os
+import pathlib
 import signal
 import subprocess
+import tempfile
 import unittest
 
 import accessibility
@@ -16,16 +18,16 @@ DASHBOARD_WIDTH = 340
 class Program:
     def __init__(self, session, *arguments):
         self.session = session
-        self.stderr = (session.folder / "stderr").open("wb+")
-        self.child = session.start([BINARY, *arguments], stdout=subprocess.PIPE, stderr=self.stderr)
+        descriptor, self.stderr = tempfile.mkstemp(prefix="stderr-", dir=session.folder)
+        with os.fdopen(descriptor) as stream:
+            self.child = session.start([BINARY, *arguments], stdout=subprocess.DEVNULL, stderr=stream)
 
     @property
     def pid(self):
         return self.child.pid
 
     def errors(self):
-        self.stderr.flush()
-        return (self.session.folder / "stderr").read_text()
+        return pathlib.Path(self.stderr).read_text()
 
     def wait_for_exit(self):
         wait_until(lambda: not self.child.running, "the program's end")

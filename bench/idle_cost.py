@@ -1,0 +1,59 @@
+# SPDX-License-Identifier: MIT
+"""What the program costs while nobody looks at it, read from outside.
+
+Usage: idle_cost.py BINARY [SECONDS]
+"""
+
+import pathlib
+import re
+import sys
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "tests" / "desktop"))
+
+import program  # noqa: E402
+from nimbo_desktop import Session, TrayHost, turn_for  # noqa: E402
+
+LIMITS = {"RssAnon": 1.0, "VmRSS": 8.0, "CPU": 0.02}
+
+
+class Reading:
+    def __init__(self, pid):
+        proc = pathlib.Path("/proc") / str(pid)
+        status = (proc / "status").read_text()
+        self.memory = {
+            name: int(re.search(rf"^{name}:\s+(\d+) kB", status, re.M)[1]) / 1024 for name in ("RssAnon", "VmRSS")
+        }
+        self.threads = int(re.search(r"^Threads:\s+(\d+)", status, re.M)[1])
+        self.cpu = sum(int((task / "schedstat").read_text().split()[0]) for task in (proc / "task").iterdir()) / 1e9
+        self.wakeups = int(re.search(r"^voluntary_ctxt_switches:\s+(\d+)", status, re.M)[1])
+
+
+def verdict(value, limit):
+    return f"(limit {limit}) " + ("ok" if value <= limit else "OVER")
+
+
+def main(binary, seconds=60.0):
+    program.BINARY = binary
+    session = Session()
+    try:
+        host = TrayHost(session)
+        nimbo = program.Program(session)
+        for item in host.wait_for_items(2):
+            item.properties()
+        turn_for(12)
+        before = Reading(nimbo.pid)
+        turn_for(float(seconds))
+        after = Reading(nimbo.pid)
+        for name, value in after.memory.items():
+            print(f"idle {name}: {value:.2f} MiB {verdict(value, LIMITS[name])}")
+        cpu = (after.cpu - before.cpu) / float(seconds) * 100
+        print(f"idle CPU: {cpu:.4f} % of one core over {float(seconds):.0f} s {verdict(cpu, LIMITS['CPU'])}")
+        print(f"idle wake-ups: {after.wakeups - before.wakeups} in {float(seconds):.0f} s at one tick in 5 s")
+        print(f"threads: {after.threads}")
+        nimbo.terminate()
+    finally:
+        session.close()
+
+
+if __name__ == "__main__":
+    main(*sys.argv[1:])

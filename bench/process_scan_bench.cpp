@@ -1,0 +1,150 @@
+// SPDX-License-Identifier: MIT
+// The process scan beside the floor (open, read and close every status file) and beside ps, with the
+// processes of the machine and a number of sleeping ones; and the readings of one sampling tick.
+#include <benchmark/benchmark.h>
+#include <dirent.h>
+#include <fcntl.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "platform/linux/hwmon_temperature_sensor.h"
+#include "platform/linux/procfs_host_statistics.h"
+#include "platform/linux/procfs_process_table.h"
+#include "platform/system_clock.h"
+#include "system/process_scan.h"
+#include "system/system_sampler.h"
+
+namespace {
+
+pid_t spawn(std::vector<std::string> arguments) {
+  std::vector<char*> pointers;
+  for (std::string& argument : arguments) pointers.push_back(argument.data());
+  pointers.push_back(nullptr);
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+  pid_t pid = 0;
+  if (posix_spawnp(&pid, pointers[0], &actions, nullptr, pointers.data(), environ) != 0) std::abort();
+  posix_spawn_file_actions_destroy(&actions);
+  return pid;
+}
+
+/// Child processes that only sleep, ended with this object.
+class Sleepers {
+ public:
+  Sleepers() = default;
+  Sleepers(const Sleepers&) = delete;
+  Sleepers& operator=(const Sleepers&) = delete;
+  ~Sleepers() { resize(0); }
+
+  void resize(std::size_t count) {
+    while (pids_.size() < count) pids_.push_back(spawn({"sleep", "900"}));
+    for (; pids_.size() > count; pids_.pop_back()) {
+      kill(pids_.back(), SIGKILL);
+      waitpid(pids_.back(), nullptr, 0);
+    }
+  }
+
+ private:
+  std::vector<pid_t> pids_;
+};
+
+std::size_t readEveryStatus() {
+  std::size_t bytes = 0;
+  std::array<char, 8192> text;
+  std::array<char, 300> path;
+  DIR* const folder = opendir("/proc");
+  while (const dirent* entry = readdir(folder)) {
+    if (entry->d_name[0] < '1' || entry->d_name[0] > '9') continue;
+    std::snprintf(path.data(), path.size(), "/proc/%s/status", entry->d_name);
+    const int file = open(path.data(), O_RDONLY | O_CLOEXEC);
+    if (file < 0) continue;
+    const ssize_t size = read(file, text.data(), text.size());
+    close(file);
+    bytes += size > 0 ? static_cast<std::size_t>(size) : 0;
+  }
+  closedir(folder);
+  return bytes;
+}
+
+void bareLoop(benchmark::State& state, Sleepers& sleepers) {
+  sleepers.resize(static_cast<std::size_t>(state.range(0)));
+  for ([[maybe_unused]] auto _ : state) benchmark::DoNotOptimize(readEveryStatus());
+}
+
+void processScan(benchmark::State& state, Sleepers& sleepers) {
+  sleepers.resize(static_cast<std::size_t>(state.range(0)));
+  std::size_t listed = 0;
+  for ([[maybe_unused]] auto _ : state) {
+    nimbo::ProcfsProcessTable table;
+    listed = nimbo::scanProcesses(table).processes.size();
+  }
+  state.counters["listed"] = static_cast<double>(listed);
+}
+
+void processStatusTool(benchmark::State& state, Sleepers& sleepers) {
+  sleepers.resize(static_cast<std::size_t>(state.range(0)));
+  for ([[maybe_unused]] auto _ : state) {
+    waitpid(spawn({"ps", "-eo", "pid,rss,comm", "--sort=-rss"}), nullptr, 0);
+  }
+}
+
+void samplingTick(benchmark::State& state) {
+  nimbo::ProcfsHostStatistics host;
+  const nimbo::SystemClock clock;
+  nimbo::SystemSampler sampler(host, clock);
+  for ([[maybe_unused]] auto _ : state) {
+    benchmark::DoNotOptimize(sampler.snapshot());
+    benchmark::DoNotOptimize(sampler.cpuUsage());
+  }
+}
+
+void temperatureReading(benchmark::State& state) {
+  for ([[maybe_unused]] auto _ : state) {
+    nimbo::HwmonTemperatureSensor sensor;
+    benchmark::DoNotOptimize(sensor.temperature());
+  }
+}
+
+// free's "used" and MemTotal - MemAvailable beside our own, in percent of the whole.
+void printUsedMemory() {
+  nimbo::ProcfsHostStatistics host;
+  const nimbo::SystemClock clock;
+  const auto memory = nimbo::SystemSampler(host, clock).snapshot();
+  if (!memory) return;
+  std::printf("Used memory by us: %.2f %%; by free, and total less available:\n", memory->usedFraction() * 100);
+  std::fflush(stdout);
+  const int status = std::system("free -k | awk '/^Mem:/ {printf \"%.2f %% %.2f %%\\n\", $3*100/$2, ($2-$7)*100/$2}'");
+  if (status != 0) std::puts("free did not run");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  benchmark::Initialize(&argc, argv);
+  printUsedMemory();
+  Sleepers sleepers;
+  for (const long count : {100L, 2000L}) {
+    const auto add = [&](const char* name, void (*run)(benchmark::State&, Sleepers&)) {
+      benchmark::RegisterBenchmark(name, [run, &sleepers](benchmark::State& state) { run(state, sleepers); })
+          ->Arg(count)
+          ->UseRealTime()
+          ->Unit(benchmark::kMicrosecond);
+    };
+    add("bareLoop", bareLoop);
+    add("processScan", processScan);
+    add("ps", processStatusTool);
+  }
+  benchmark::RegisterBenchmark("samplingTick", samplingTick)->Unit(benchmark::kMicrosecond);
+  benchmark::RegisterBenchmark("temperatureReading", temperatureReading)->Unit(benchmark::kMicrosecond);
+  benchmark::RunSpecifiedBenchmarks();
+  return 0;
+}

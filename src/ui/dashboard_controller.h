@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <optional>
+#include <vector>
+
+#include "settings/dashboard_tab.h"
+#include "ui/dashboard_content.h"
+#include "ui/resources_page.h"
+
+namespace nimbo {
+
+/// The settings that the dashboard follows.
+struct DashboardPreferences {
+  std::vector<DashboardTab> tabOrder{kAllDashboardTabs.begin(), kAllDashboardTabs.end()};
+  DashboardTab lastDashboardTab = DashboardTab::ai;
+  bool monitorMemory = true;
+  bool monitorCpu = false;
+  bool monitorTemperature = false;
+  std::chrono::seconds refreshInterval{5};
+};
+
+/// Decides all that the dashboard shows; windows only put its content on screen. It samples
+/// nothing: readings and settings are pushed in. Main thread only.
+class DashboardController {
+ public:
+  DashboardController();
+
+  [[nodiscard]] const DashboardContent& content() const { return content_; }
+  [[nodiscard]] DashboardTab selectedTab() const;
+
+  /// The first call shows the preferred tab, later ones keep the one that is shown.
+  void apply(const DashboardPreferences& preferences);
+  void update(const ResourcesSample& sample);
+  void updateProcesses(ProcessScan scan);
+  void updateTemperature(std::optional<double> celsius);
+
+  /// Shows a tab on the program's behalf, which is not reported to `onTabChanged`.
+  void selectTab(DashboardTab tab);
+
+  /// For a control that would lead nowhere: while there is no settings window to open.
+  void setSettingsEnabled(bool enabled);
+  /// The same for a desktop that has no program for watching processes.
+  void setActivityMonitorEnabled(bool enabled);
+
+  void tabChanged(std::size_t index);
+  void expandClicked();
+  void collapseClicked();
+  void settingsClicked() const;
+  void quitClicked() const;
+  void activityClicked() const;
+
+  /// `content` is another one now.
+  std::function<void()> onContentChanged;
+  std::function<void()> onSettings;
+  std::function<void()> onQuit;
+  /// The process list grew or shrank.
+  std::function<void()> onExpand;
+  std::function<void()> onActivityMonitor;
+  /// The user picked a tab.
+  std::function<void()> onTabChanged;
+
+ private:
+  [[nodiscard]] std::size_t segmentOf(DashboardTab tab) const;
+  void refresh();
+
+  std::vector<DashboardTab> tabOrder_{kAllDashboardTabs.begin(), kAllDashboardTabs.end()};
+  std::size_t selectedSegment_ = 0;
+  bool configuredOrder_ = false;
+  bool settingsEnabled_ = true;
+  ResourcesPage resources_;
+  DashboardContent content_;
+};
+
+}  // namespace nimbo

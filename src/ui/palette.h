@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+
+#include "platform/workspace.h"
+#include "ui/dashboard_content.h"
+
+namespace nimbo {
+
+struct Color {
+  std::uint8_t red = 0;
+  std::uint8_t green = 0;
+  std::uint8_t blue = 0;
+  double alpha = 1;  ///< straight, not premultiplied
+  bool operator==(const Color&) const = default;
+};
+
+/// Every role but quaternaryLabel is opaque and dark or light enough to be read as small text on
+/// `panelBackground`; quaternaryLabel is for the grounds of charts and bars.
+[[nodiscard]] Color color(ColorRole role, Appearance appearance);
+
+[[nodiscard]] Color panelBackground(Appearance appearance);
+
+/// Thin lines: the panel's border and the one above its footer.
+[[nodiscard]] Color separatorColor(Appearance appearance);
+
+}  // namespace nimbo

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QString>
+#include <QWidget>
+#include <vector>
+
+#include "ui/chart_bar.h"
+
+class QAccessibleInterface;
+
+namespace nimbo {
+
+class Theme;
+
+/// What a chart says to those who cannot see it.
+struct ChartReading {
+  double percent = 0;
+  QString text;
+};
+
+/// Draws filled bars, their edges on whole pixels of the screen.
+class ChartWidget : public QWidget {
+ public:
+  ChartWidget(const Theme& theme, QWidget* parent);
+
+  [[nodiscard]] virtual ChartReading reading() const = 0;
+
+ protected:
+  [[nodiscard]] virtual std::vector<ChartBar> bars() const = 0;
+  void paintEvent(QPaintEvent* event) override;
+
+ private:
+  const Theme& theme_;
+};
+
+/// To be installed as the toolkit's accessibility factory: gives charts their role, name and value.
+[[nodiscard]] QAccessibleInterface* makeAccessibleChart(const QString& className, QObject* object);
+
+}  // namespace nimbo

@@ -1,0 +1,117 @@
+// SPDX-License-Identifier: MIT
+#include "ui/qt/dashboard_button.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QPainter>
+#include <utility>
+
+#include "ui/qt/focus_ring.h"
+#include "ui/qt/plain_tool_tip.h"
+#include "ui/qt/qt_geometry.h"
+#include "ui/qt/symbols.h"
+#include "ui/qt/text_fitting.h"
+#include "ui/qt/theme.h"
+
+namespace nimbo {
+namespace {
+
+constexpr double kPadding = 7;
+constexpr double kSymbolSide = 17;
+
+double cornerRadius(ButtonLook look, double height) { return look == ButtonLook::inlined ? height / 2 : 6; }
+
+/// What is left free at either side, so that buttons whose frames touch stand apart.
+double sideInset(ButtonLook look) { return look == ButtonLook::icon ? 0 : look == ButtonLook::inlined ? 4 : 3; }
+
+}  // namespace
+
+DashboardButton::DashboardButton(const Theme& theme, std::function<void()> pressed, QWidget* parent)
+    : QPushButton(parent), theme_(theme) {
+  setFocusPolicy(Qt::StrongFocus);
+  setAttribute(Qt::WA_Hover);
+  connect(this, &QPushButton::clicked, this, [pressed = std::move(pressed)] { pressed(); });
+}
+
+void DashboardButton::setContent(const ButtonContent& content) {
+  if (content_ == content) return;
+  content_ = content;
+  setObjectName(QString::fromStdString(content.identifier));
+  setGeometry(toQRect(content.frame));
+  const QString title = QString::fromStdString(content.title);
+  if (content.look != ButtonLook::icon) setText(QString(title).replace('&', "&&"));
+  setAccessibleName(content.accessibleName.empty() ? title : QString::fromStdString(content.accessibleName));
+  setPlainToolTip(*this, QString::fromStdString(content.toolTip));
+  setEnabled(content.enabled);
+  setVisible(content.visible);
+  update();
+}
+
+bool DashboardButton::performKeyEquivalent(const QKeyEvent& key) {
+  if (!content_ || content_->keyEquivalent.empty() || !isVisible() || !isEnabled()) return false;
+  // The keypad flag says nothing about what the user means.
+  if ((key.modifiers() & ~Qt::KeypadModifier) != Qt::ControlModifier) return false;
+  const QChar letter = QString::fromStdString(content_->keyEquivalent)[0].toUpper();
+  if (key.key() != letter.unicode()) return false;
+  click();
+  return true;
+}
+
+bool DashboardButton::hitButton(const QPoint& place) const { return rect().contains(place); }
+
+void DashboardButton::keyPressEvent(QKeyEvent* event) {
+  const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+  if (enter && !event->isAutoRepeat()) {
+    click();
+  } else {
+    QPushButton::keyPressEvent(event);
+  }
+}
+
+QRectF DashboardButton::face() const {
+  const double inset = sideInset(content_->look);
+  return rect().toRectF().adjusted(inset, 0, -inset, 0);
+}
+
+QColor DashboardButton::ground() const {
+  const bool bare = content_->look == ButtonLook::icon;
+  if (!isEnabled()) return bare ? QColor(Qt::transparent) : theme_.controlGround(ControlState::disabled);
+  if (isDown()) return theme_.controlGround(ControlState::pressed);
+  if (underMouse()) return theme_.controlGround(ControlState::hovered);
+  return bare ? QColor(Qt::transparent) : theme_.controlGround(ControlState::idle);
+}
+
+void DashboardButton::drawFace(QPainter& painter) const {
+  const auto bareLook = content_->look == ButtonLook::rounded ? ColorRole::label : ColorRole::secondaryLabel;
+  QColor ink = theme_.color(bareLook);
+  if (!isEnabled()) {
+    ink = theme_.color(ColorRole::tertiaryLabel);
+    ink.setAlphaF(0.7F);
+  }
+  const auto symbol = content_->look == ButtonLook::icon ? symbolPath(content_->title) : std::nullopt;
+  if (symbol) {
+    painter.translate(rect().toRectF().center() - QPointF(kSymbolSide, kSymbolSide) / 2);
+    painter.scale(kSymbolSide, kSymbolSide);
+    painter.fillPath(*symbol, ink);
+    return;
+  }
+  const QRectF frame = face().adjusted(kPadding, 0, -kPadding, 0);
+  const auto font = fontFor(QApplication::font(), content_->textSize, FontWeight::medium);
+  painter.setPen(ink);
+  drawText(painter, frame, Qt::AlignHCenter,
+           fitText(QString::fromStdString(content_->title), font, false, frame.width()));
+}
+
+void DashboardButton::paintEvent(QPaintEvent* /*event*/) {
+  if (!content_) return;
+  QPainter painter(this);
+  painter.setRenderHint(QPainter::Antialiasing);
+  const double radius = cornerRadius(content_->look, height());
+  painter.setPen(Qt::NoPen);
+  painter.setBrush(ground());
+  painter.drawRoundedRect(face(), radius, radius);
+  if (keyboardFocusVisible(*this)) drawFocusRing(painter, face(), radius, theme_);
+  drawFace(painter);
+}
+
+}  // namespace nimbo

@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QWidget>
+#include <array>
+
+#include "ui/qt/breakdown_widget.h"
+#include "ui/qt/dashboard_button.h"
+#include "ui/qt/fitted_label.h"
+#include "ui/qt/history_widget.h"
+#include "ui/qt/process_list_view.h"
+#include "ui/qt/segmented_tabs.h"
+#include "ui/user_interface.h"
+
+namespace nimbo {
+
+/// One widget for each field of the content, in the same order, which is also the order in which
+/// Tab visits them.
+class DashboardPage final : public QWidget {
+ public:
+  DashboardPage(const Theme& theme, QWidget* parent);
+
+  void setActions(DashboardActions actions) { actions_ = std::move(actions); }
+  void render(const DashboardContent& content);
+
+  /// Presses the button whose key equivalent `key` is; whether there was one.
+  bool performKeyEquivalent(const QKeyEvent& key);
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+
+ private:
+  struct MemoryRow {
+    FittedLabel* title;
+    FittedLabel* value;
+  };
+  [[nodiscard]] FittedLabel* makeLabel(const char* name);
+  [[nodiscard]] DashboardButton* makeButton(std::function<void()> DashboardActions::*action);
+
+  const Theme& theme_;
+  DashboardActions actions_;
+  Rect footerSeparator_;
+
+  // Owned by this widget, as is the toolkit's way.
+  FittedLabel* const title_;
+  SegmentedTabs* const tabs_;
+  DashboardButton* const settingsButton_;
+  FittedLabel* const hero_;
+  FittedLabel* const subtitle_;
+  HistoryWidget* const history_;
+  FittedLabel* const pressure_;
+  FittedLabel* const time_;
+  BreakdownWidget* const breakdown_;
+  std::array<MemoryRow, 5> rows_;
+  FittedLabel* const cpu_;
+  FittedLabel* const temperature_;
+  FittedLabel* const processTitle_;
+  DashboardButton* const lessButton_;
+  DashboardButton* const moreButton_;
+  ProcessListView* const processes_;
+  FittedLabel* const processNote_;
+  DashboardButton* const activityButton_;
+  FittedLabel* const footer_;
+  DashboardButton* const quitButton_;
+  FittedLabel* const quitHint_;
+};
+
+}  // namespace nimbo

@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: MIT
+#include "ui/qt/focus_ring.h"
+
+#include <QPainter>
+#include <QWidget>
+
+#include "ui/qt/theme.h"
+
+namespace nimbo {
+
+bool keyboardFocusVisible(const QWidget& widget) {
+  return widget.hasFocus() && widget.window()->testAttribute(Qt::WA_KeyboardFocusChange);
+}
+
+void drawFocusRing(QPainter& painter, const QRectF& frame, double radius, const Theme& theme) {
+  painter.setBrush(Qt::NoBrush);
+  painter.setPen(QPen(theme.focusRing(), 2));
+  painter.drawRoundedRect(frame.adjusted(1, 1, -1, -1), radius - 1, radius - 1);
+}
+
+}  // namespace nimbo

@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: MIT
+#include "ui/qt/linux/x11_window_system.h"
+
+#include <QCoreApplication>
+#include <QWidget>
+#include <cstdlib>
+#include <utility>
+
+namespace nimbo {
+namespace {
+
+struct Free {
+  void operator()(void* memory) const { std::free(memory); }
+};
+
+template <class Reply>
+std::unique_ptr<Reply, Free> owned(Reply* reply) {
+  return std::unique_ptr<Reply, Free>(reply);
+}
+
+int defaultScreenNumber() {
+  char* host = nullptr;
+  int display = 0;
+  int screen = 0;
+  if (xcb_parse_display(nullptr, &host, &display, &screen) != 0) std::free(host);
+  return screen;
+}
+
+xcb_window_t rootOf(xcb_connection_t& connection, int screenNumber) {
+  auto screens = xcb_setup_roots_iterator(xcb_get_setup(&connection));
+  for (; screens.rem > 1 && screenNumber > 0; --screenNumber) xcb_screen_next(&screens);
+  return screens.data->root;
+}
+
+}  // namespace
+
+X11WindowSystem::X11WindowSystem(xcb_connection_t& connection, bool waylandSession)
+    : connection_(connection), waylandSession_(waylandSession) {
+  const int screen = defaultScreenNumber();
+  root_ = rootOf(connection, screen);
+  // Extended Window Manager Hints, "Compositing Managers".
+  compositorSelection_ = atom("_NET_WM_CM_S" + std::to_string(screen));
+  activeWindowAtom_ = atom("_NET_ACTIVE_WINDOW");
+}
+
+bool X11WindowSystem::compositing() const {
+  const auto request = xcb_get_selection_owner(&connection_, compositorSelection_);
+  const auto reply = owned(xcb_get_selection_owner_reply(&connection_, request, nullptr));
+  return reply != nullptr && reply->owner != XCB_WINDOW_NONE;
+}
+
+Subscription X11WindowSystem::observeOtherActivation(std::function<void()> activated) {
+  otherActivated_ = std::move(activated);
+  activeWindow_ = property(root_, activeWindowAtom_, XCB_ATOM_WINDOW);
+  QCoreApplication::instance()->installNativeEventFilter(this);
+  return Subscription([this] {
+    QCoreApplication::instance()->removeNativeEventFilter(this);
+    otherActivated_ = nullptr;
+  });
+}
+
+// The toolkit itself listens to property changes of the root window.
+bool X11WindowSystem::nativeEventFilter(const QByteArray& eventType, void* message, qintptr* /*result*/) {
+  if (eventType != "xcb_generic_event_t") return false;
+  const auto* const event = static_cast<const xcb_generic_event_t*>(message);
+  if ((event->response_type & 0x7F) != XCB_PROPERTY_NOTIFY) return false;
+  const auto* const change = static_cast<const xcb_property_notify_event_t*>(message);
+  if (change->window == root_ && change->atom == activeWindowAtom_) activeWindowChanged();
+  return false;
+}
+
+void X11WindowSystem::activeWindowChanged() {
+  const xcb_window_t active = property(root_, activeWindowAtom_, XCB_ATOM_WINDOW);
+  if (std::exchange(activeWindow_, active) == active || active == XCB_WINDOW_NONE) return;
+  // A panel may take the focus because of the very click that opened the menu.
+  if (QWidget::find(active) != nullptr || isPartOfDesktop(active)) return;
+  if (const auto activated = otherActivated_) activated();
+}
+
+xcb_atom_t X11WindowSystem::atom(const std::string& name) const {
+  const auto request = xcb_intern_atom(&connection_, 0, static_cast<std::uint16_t>(name.size()), name.data());
+  const auto reply = owned(xcb_intern_atom_reply(&connection_, request, nullptr));
+  return reply != nullptr ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+}
+
+std::uint32_t X11WindowSystem::property(xcb_window_t window, xcb_atom_t name, xcb_atom_t type) const {
+  const auto request = xcb_get_property(&connection_, 0, window, name, type, 0, 1);
+  const auto reply = owned(xcb_get_property_reply(&connection_, request, nullptr));
+  if (reply == nullptr || reply->format != 32 || reply->value_len == 0) return 0;
+  return *static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
+}
+
+bool X11WindowSystem::isPartOfDesktop(xcb_window_t window) const {
+  const auto type = property(window, atom("_NET_WM_WINDOW_TYPE"), XCB_ATOM_ATOM);
+  return type == atom("_NET_WM_WINDOW_TYPE_DOCK") || type == atom("_NET_WM_WINDOW_TYPE_DESKTOP");
+}
+
+}  // namespace nimbo

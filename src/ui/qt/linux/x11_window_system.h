@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <xcb/xcb.h>
+
+#include <QAbstractNativeEventFilter>
+
+#include "ui/qt/window_system.h"
+
+namespace nimbo {
+
+/// X11, over the toolkit's own connection, which it must not outlive.
+class X11WindowSystem final : public WindowSystem, private QAbstractNativeEventFilter {
+ public:
+  X11WindowSystem(xcb_connection_t& connection, bool waylandSession);
+
+  [[nodiscard]] bool compositing() const override;
+  [[nodiscard]] bool popupsHearAllClicks() const override { return !waylandSession_; }
+  [[nodiscard]] Subscription observeOtherActivation(std::function<void()> activated) override;
+
+ private:
+  bool nativeEventFilter(const QByteArray& eventType, void* message, qintptr* result) override;
+  void activeWindowChanged();
+  [[nodiscard]] xcb_atom_t atom(const std::string& name) const;
+  [[nodiscard]] std::uint32_t property(xcb_window_t window, xcb_atom_t name, xcb_atom_t type) const;
+  [[nodiscard]] bool isPartOfDesktop(xcb_window_t window) const;
+
+  xcb_connection_t& connection_;
+  const bool waylandSession_;
+  xcb_window_t root_ = XCB_WINDOW_NONE;
+  xcb_atom_t compositorSelection_ = XCB_ATOM_NONE;
+  xcb_atom_t activeWindowAtom_ = XCB_ATOM_NONE;
+  xcb_window_t activeWindow_ = XCB_WINDOW_NONE;
+  std::function<void()> otherActivated_;
+};
+
+}  // namespace nimbo

@@ -1,0 +1,173 @@
+// SPDX-License-Identifier: MIT
+#include "ui/qt/menu_window.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QKeyEvent>
+#include <QPainter>
+#include <QPainterPath>
+#include <QWindow>
+#include <chrono>
+#include <cmath>
+
+#include "ui/qt/theme.h"
+#include "ui/qt/window_system.h"
+
+namespace nimbo {
+namespace {
+
+constexpr double kCornerRadius = 12;
+constexpr std::chrono::milliseconds kGrabInterval{30};
+constexpr int kGrabAttempts = 100;
+
+Qt::WindowFlags flagsFor(const WindowSystem& windowSystem) {
+  if (windowSystem.popupsHearAllClicks()) return Qt::Popup | Qt::FramelessWindowHint;
+  return Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint;
+}
+
+QPainterPath outline(const QRectF& frame, double radius) {
+  QPainterPath path;
+  path.addRoundedRect(frame, radius, radius);
+  return path;
+}
+
+/// In whole points, row by row: the toolkit flattens small curves too coarsely to polygons.
+QRegion roundedRegion(const QRect& frame) {
+  QRegion region(frame);
+  for (int row = 0; row < kCornerRadius; ++row) {
+    const double height = kCornerRadius - row - 0.5;
+    const int inset = qRound(kCornerRadius - std::sqrt(kCornerRadius * kCornerRadius - height * height));
+    for (const int y : {frame.top() + row, frame.bottom() - row}) {
+      region -= QRect(frame.left(), y, inset, 1);
+      region -= QRect(frame.right() + 1 - inset, y, inset, 1);
+    }
+  }
+  return region;
+}
+
+}  // namespace
+
+MenuWindow::MenuWindow(const Theme& theme, WindowSystem& windowSystem)
+    : QWidget(nullptr, flagsFor(windowSystem)), theme_(theme), windowSystem_(windowSystem) {
+  setWindowTitle("Nimbo");
+  setAccessibleName("Nimbo");
+  setAttribute(Qt::WA_TranslucentBackground);
+  // Compositors give menus their shadow and leave out opening effects made for ordinary windows.
+  setAttribute(Qt::WA_X11NetWmWindowTypePopupMenu, windowType() == Qt::Popup);
+  grabTimer_.setInterval(kGrabInterval);
+  connect(&grabTimer_, &QTimer::timeout, this, [this] { grabInput(); });
+}
+
+void MenuWindow::present() {
+  // The focus is in the window but on no control: Tab goes to the first one, and nothing is marked
+  // until then.
+  if (!isVisible()) {
+    setAttribute(Qt::WA_KeyboardFocusChange, false);
+    setFocus(Qt::PopupFocusReason);
+  }
+  show();
+  raise();
+  activateWindow();
+}
+
+void MenuWindow::showEvent(QShowEvent* event) {
+  QWidget::showEvent(event);
+  qApp->installEventFilter(this);
+  compositing_ = windowSystem_.compositing();
+  shapeCorners();
+  if (windowType() != Qt::Popup) return;
+  otherActivation_ = windowSystem_.observeOtherActivation([this] { otherApplicationActivated(); });
+  // A panel that acts on the press of a button still holds the pointer until the release.
+  grabAttempts_ = 0;
+  grabTimer_.start();
+}
+
+void MenuWindow::hideEvent(QHideEvent* event) {
+  QWidget::hideEvent(event);
+  qApp->removeEventFilter(this);
+  otherActivation_.reset();
+  grabTimer_.stop();
+  pointerGrabbed_ = false;
+}
+
+void MenuWindow::grabInput() {
+  pointerGrabbed_ = windowHandle()->setMouseGrabEnabled(true);
+  const bool keyboardGrabbed = windowHandle()->setKeyboardGrabEnabled(true);
+  if ((pointerGrabbed_ && keyboardGrabbed) || ++grabAttempts_ == kGrabAttempts) grabTimer_.stop();
+}
+
+bool MenuWindow::eventFilter(QObject* watched, QEvent* event) {
+  // Native windows see every event before the widgets in them.
+  if (!watched->isWindowType()) return false;
+  if (event->type() == QEvent::KeyPress) return keyDown(*static_cast<QKeyEvent*>(event));
+  if (event->type() == QEvent::MouseButtonPress) {
+    setAttribute(Qt::WA_KeyboardFocusChange, false);
+    if (watched != windowHandle()) clickedOutside(static_cast<QMouseEvent*>(event)->globalPosition());
+  }
+  return false;
+}
+
+bool MenuWindow::keyDown(const QKeyEvent& key) {
+  const auto keyDown = events_.keyDown;
+  if (keyDown && keyDown(key.key() == Qt::Key_Escape ? Key::escape : Key::other)) return true;
+  return isVisible() && performKeyEquivalent_ && performKeyEquivalent_(key);
+}
+
+// A popup gets the presses on other windows too. The toolkit's own handler would close it.
+void MenuWindow::mousePressEvent(QMouseEvent* event) {
+  if (!rect().contains(event->position().toPoint())) clickedOutside(event->globalPosition());
+}
+
+void MenuWindow::clickedOutside(const QPointF& place) {
+  if (const auto clicked = events_.clickedOutside) clicked(Point{place.x(), place.y()});
+}
+
+void MenuWindow::otherApplicationActivated() {
+  if (const auto activated = events_.otherApplicationActivated) activated();
+}
+
+bool MenuWindow::event(QEvent* event) {
+  if (event->type() == QEvent::WindowDeactivate && windowType() != Qt::Popup) {
+    // A turn later, because the focus may only be on its way to a window of our own.
+    QTimer::singleShot(0, this, [this] {
+      if (isVisible() && QGuiApplication::focusWindow() == nullptr) otherApplicationActivated();
+    });
+  }
+  return QWidget::event(event);
+}
+
+void MenuWindow::closeEvent(QCloseEvent* event) {
+  if (isVisible()) {
+    if (const auto requested = events_.closeRequested) requested();
+  }
+  // Refusing for a window that is hidden would keep the session manager from ending the program.
+  event->setAccepted(!isVisible());
+}
+
+void MenuWindow::resizeEvent(QResizeEvent* event) {
+  QWidget::resizeEvent(event);
+  shapeCorners();
+}
+
+void MenuWindow::shapeCorners() {
+  if (compositing_) {
+    clearMask();
+  } else {
+    setMask(roundedRegion(rect()));
+  }
+  update();
+}
+
+void MenuWindow::paintEvent(QPaintEvent* /*event*/) {
+  QPainter painter(this);
+  // Without a compositor the half transparent pixels at the corners would come out black.
+  if (!compositing_) painter.fillRect(rect(), theme_.background());
+  painter.setRenderHint(QPainter::Antialiasing);
+  const double line = 1 / devicePixelRatioF();
+  const QRectF frame = rect().toRectF().adjusted(line / 2, line / 2, -line / 2, -line / 2);
+  painter.setPen(QPen(theme_.separator(), line));
+  painter.setBrush(theme_.background());
+  painter.drawPath(outline(frame, kCornerRadius - line / 2));
+}
+
+}  // namespace nimbo

@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QProxyStyle>
+
+namespace nimbo {
+
+class Theme;
+
+/// The toolkit's plain style with thin scroll bars that lie over what they scroll.
+class PanelStyle final : public QProxyStyle {
+ public:
+  explicit PanelStyle(const Theme& theme);
+
+  int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                QStyleHintReturn* data) const override;
+  int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override;
+  void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
+                          const QWidget* widget) const override;
+
+ private:
+  const Theme& theme_;
+};
+
+}  // namespace nimbo

@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: MIT
+#include "ui/qt/qt_user_interface.h"
+
+#include <QAccessible>
+#include <QScreen>
+#include <QSessionManager>
+#include <QToolTip>
+#include <clocale>
+
+#include "ui/qt/chart_widget.h"
+#include "ui/qt/panel_style.h"
+#include "ui/qt/qt_dashboard_window.h"
+#include "ui/qt/qt_geometry.h"
+#include "ui/qt/screen_watch.h"
+#include "ui/qt/window_system.h"
+
+namespace nimbo {
+namespace {
+
+std::vector<char*> pointersTo(std::vector<std::string>& texts) {
+  std::vector<char*> pointers;
+  for (auto& text : texts) pointers.push_back(text.data());
+  pointers.push_back(nullptr);
+  return pointers;
+}
+
+/// A screen in the window system's own pixels. The toolkit scales sizes but leaves origins alone.
+QRectF pixelFrame(const QScreen& screen) {
+  const QRectF frame = screen.geometry();
+  return {frame.topLeft(), frame.size() * screen.devicePixelRatio()};
+}
+
+// The session would otherwise note the toolkit's command line and start the program by itself at
+// the next login.
+void refuseRestart(QSessionManager& session) { session.setRestartHint(QSessionManager::RestartNever); }
+
+}  // namespace
+
+std::unique_ptr<QtUserInterface> QtUserInterface::make() {
+  const auto platform = reachablePlatform();
+  return platform ? std::unique_ptr<QtUserInterface>(new QtUserInterface(*platform)) : nullptr;
+}
+
+QtUserInterface::QtUserInterface(const std::string& platform)
+    : arguments_{"nimbo", "-platform", platform},
+      argumentPointers_(pointersTo(arguments_)),
+      argumentCount_(static_cast<int>(arguments_.size())) {
+  QCoreApplication::setApplicationName("Nimbo");
+  QGuiApplication::setDesktopFileName("com.quellwerk.Nimbo");
+  application_ = std::make_unique<QApplication>(argumentCount_, argumentPointers_.data());
+  // The toolkit has taken over the user's locale, decimal comma included, for the whole process.
+  std::setlocale(LC_NUMERIC, "C");
+
+  // The program runs on without a window and without any of the toolkit's own jobs.
+  QGuiApplication::setQuitOnLastWindowClosed(false);
+  QCoreApplication::setQuitLockEnabled(false);
+  QObject::connect(application_.get(), &QGuiApplication::commitDataRequest, refuseRestart);
+  QObject::connect(application_.get(), &QGuiApplication::saveStateRequest, refuseRestart);
+
+  QApplication::setStyle(new PanelStyle(theme_));
+  QAccessible::installFactory(makeAccessibleChart);
+  windowSystem_ = makeWindowSystem();
+  screenWatch_ = std::make_unique<ScreenWatch>();
+  setAppearance(Appearance::light);
+}
+
+QtUserInterface::~QtUserInterface() { QAccessible::removeFactory(makeAccessibleChart); }
+
+std::vector<Screen> QtUserInterface::screens() const {
+  std::vector<Screen> result;
+  for (const QScreen* const screen : QGuiApplication::screens()) {
+    // While none is connected the toolkit keeps one without a size.
+    if (screen->geometry().isEmpty()) continue;
+    result.push_back({toRect(screen->geometry()), toRect(screen->availableGeometry())});
+  }
+  return result;
+}
+
+Subscription QtUserInterface::observeScreens(std::function<void()> changed) {
+  return screenWatch_->observe(std::move(changed));
+}
+
+Rect QtUserInterface::toPoints(const Rect& reported) const {
+  for (const QScreen* const screen : QGuiApplication::screens()) {
+    const QRectF frame = pixelFrame(*screen);
+    if (!frame.contains(toQRectF(reported).center())) continue;
+    const double scale = screen->devicePixelRatio();
+    return {frame.x() + (reported.x - frame.x()) / scale, frame.y() + (reported.y - frame.y()) / scale,
+            reported.width / scale, reported.height / scale};
+  }
+  return reported;
+}
+
+void QtUserInterface::setAppearance(Appearance appearance) {
+  theme_.setAppearance(appearance);
+  QApplication::setPalette(theme_.palette());
+  QToolTip::setPalette(theme_.palette());
+}
+
+std::unique_ptr<DashboardWindow> QtUserInterface::makeDashboardWindow() {
+  return std::make_unique<QtDashboardWindow>(theme_, *windowSystem_);
+}
+
+}  // namespace nimbo

@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QPainterPath>
+#include <optional>
+#include <string>
+
+namespace nimbo {
+
+/// The outline of a symbol inside a square of side 1 with the origin at the top left; absent for a
+/// name that is not known.
+[[nodiscard]] std::optional<QPainterPath> symbolPath(const std::string& name);
+
+}  // namespace nimbo

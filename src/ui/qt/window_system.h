@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "base/subscription.h"
+
+namespace nimbo {
+
+/// What menu windows must know of the window system and the toolkit does not tell. Made after the
+/// toolkit's application object. Main thread only.
+class WindowSystem {
+ public:
+  virtual ~WindowSystem() = default;
+
+  /// Whether windows may have translucent corners now.
+  [[nodiscard]] virtual bool compositing() const = 0;
+
+  /// Whether a popup hears of clicks on every other window. If not, menu windows are ordinary ones
+  /// and close when they lose the keyboard focus.
+  [[nodiscard]] virtual bool popupsHearAllClicks() const = 0;
+
+  /// Tells when a window of another application becomes the active one.
+  [[nodiscard]] virtual Subscription observeOtherActivation(std::function<void()> activated) = 0;
+};
+
+[[nodiscard]] std::unique_ptr<WindowSystem> makeWindowSystem();
+
+/// The toolkit's name for the window system to use, absent when none can be reached. To be asked
+/// first: the toolkit ends the process when it finds no display.
+[[nodiscard]] std::optional<std::string> reachablePlatform();
+
+}  // namespace nimbo

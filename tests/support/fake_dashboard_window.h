@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "ui/user_interface.h"
+
+namespace nimbo {
+
+/// A window without pixels: a test reads what it shows and does to it what a user would.
+class FakeDashboardWindow final : public DashboardWindow {
+ public:
+  void setActions(DashboardActions actions) override { actions_ = std::move(actions); }
+  void setEvents(MenuWindowEvents events) override { events_ = std::move(events); }
+
+  void render(const DashboardContent& content) override {
+    content_ = content;
+    ++renders_;
+  }
+
+  void setFrame(const Rect& frame) override { frames_.push_back(frame); }
+
+  void show() override {
+    visible_ = canBeShown;
+    ++shows_;
+  }
+
+  void hide() override { visible_ = false; }
+  [[nodiscard]] bool visible() const override { return visible_; }
+  [[nodiscard]] bool grabsPointer() const override { return pointerGrabbed; }
+
+  // What a user or the desktop does; ignored while hidden, as a real window has it.
+
+  /// Whether the key was swallowed.
+  bool press(Key key) { return visible_ && events_.keyDown && events_.keyDown(key); }
+  void clickOutside(std::optional<Point> place) {
+    if (visible_ && events_.clickedOutside) events_.clickedOutside(place);
+  }
+  void activateOtherApplication() { callWhileVisible(events_.otherApplicationActivated); }
+  void requestClose() { callWhileVisible(events_.closeRequested); }
+
+  [[nodiscard]] const DashboardActions& actions() const { return actions_; }
+  /// Empty once nobody listens any more.
+  [[nodiscard]] bool hasListeners() const { return static_cast<bool>(events_.keyDown); }
+  [[nodiscard]] const DashboardContent& content() const { return content_; }
+  [[nodiscard]] Rect frame() const { return frames_.empty() ? Rect{} : frames_.back(); }
+  [[nodiscard]] const std::vector<Rect>& frames() const { return frames_; }
+  [[nodiscard]] int renders() const { return renders_; }
+  [[nodiscard]] int shows() const { return shows_; }
+
+  bool canBeShown = true;
+  bool pointerGrabbed = false;
+
+ private:
+  void callWhileVisible(const std::function<void()>& event) {
+    if (visible_ && event) event();
+  }
+
+  DashboardActions actions_;
+  MenuWindowEvents events_;
+  DashboardContent content_;
+  std::vector<Rect> frames_;
+  bool visible_ = false;
+  int renders_ = 0;
+  int shows_ = 0;
+};
+
+}  // namespace nimbo

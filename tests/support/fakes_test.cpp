@@ -1,0 +1,236 @@
+// SPDX-License-Identifier: MIT
+// The fakes carry other tests, so they must keep the interfaces' promises themselves.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <thread>
+
+#include "support/fake_main_loop.h"
+#include "support/fake_status_bar.h"
+#include "support/fake_user_interface.h"
+
+namespace nimbo {
+namespace {
+
+using namespace std::chrono_literals;
+
+TEST(FakeMainLoop, PostedTasksRunInOrderIncludingThosePostedMeanwhile) {
+  FakeMainLoop loop;
+  std::string order;
+  loop.post([&] {
+    order += "a";
+    loop.post([&] { order += "c"; });
+  });
+  loop.post([&] { order += "b"; });
+  EXPECT_EQ(order, "");
+  EXPECT_EQ(loop.runPosted(), 3U);
+  EXPECT_EQ(order, "abc");
+}
+
+TEST(FakeMainLoop, TasksMayBePostedFromOtherThreads) {
+  FakeMainLoop loop;
+  std::thread([&] { loop.post([] {}); }).join();
+  EXPECT_EQ(loop.postedCount(), 1U);
+  EXPECT_EQ(loop.runPosted(), 1U);
+}
+
+TEST(FakeMainLoop, QuitEndsRunBeforeTheRest) {
+  FakeMainLoop loop;
+  int ran = 0;
+  loop.post([&] { loop.quit(); });
+  loop.post([&] { ++ran; });
+  loop.run();
+  EXPECT_TRUE(loop.hasQuit());
+  EXPECT_EQ(ran, 0);
+}
+
+TEST(FakeMainLoop, RepeatingTimersFireInOrderOfTimeWithOtherClocksInStep) {
+  FakeMainLoop loop;
+  std::chrono::milliseconds clock{0};
+  std::string order;
+  loop.onAdvance = [&](std::chrono::milliseconds step) { clock += step; };
+  const auto slow = loop.every(5s, 1s, [&] { order += "s" + std::to_string(clock / 1s); });
+  const auto fast = loop.every(2s, 250ms, [&] { order += "f" + std::to_string(clock / 1s); });
+  loop.advance(6s);
+  EXPECT_EQ(order, "f2f4s5f6");
+  ASSERT_EQ(loop.repeatingTimers().size(), 2U);
+  EXPECT_EQ(loop.repeatingTimers()[1].interval, 2s);
+  EXPECT_EQ(loop.repeatingTimers()[1].leeway, 250ms);
+}
+
+TEST(FakeMainLoop, CancelledTimerNeverFiresEvenFromItsOwnCallback) {
+  FakeMainLoop loop;
+  int fired = 0;
+  Subscription timer;
+  timer = loop.every(1s, 0ms, [&] {
+    ++fired;
+    timer.reset();
+  });
+  loop.advance(5s);
+  EXPECT_EQ(fired, 1);
+  EXPECT_TRUE(loop.repeatingTimers().empty());
+}
+
+TEST(FakeMainLoop, SleepMovesTheWallClockOnly) {
+  FakeMainLoop loop;
+  int repeated = 0;
+  int once = 0;
+  const auto repeating = loop.every(10s, 0ms, [&] { ++repeated; });
+  const auto deadline = loop.at(loop.wallClock() + 1h, 0ms, [&] { ++once; });
+  loop.sleep(59min);
+  EXPECT_EQ(once, 0);
+  loop.sleep(1min);
+  EXPECT_EQ(once, 1);
+  EXPECT_EQ(repeated, 0);
+  EXPECT_TRUE(loop.wallTimers().empty());
+}
+
+TEST(FakeMainLoop, WallTimerAlreadyPastFiresOnTheNextTurn) {
+  FakeMainLoop loop;
+  int fired = 0;
+  const auto timer = loop.at(loop.wallClock() - 1s, 0ms, [&] { ++fired; });
+  EXPECT_EQ(fired, 0);
+  loop.advance(0ms);
+  EXPECT_EQ(fired, 1);
+}
+
+TEST(FakeMainLoop, WallTimerFiresWhenTimePassesAndNotWhenTheClockIsSetBack) {
+  FakeMainLoop loop;
+  int fired = 0;
+  const auto timer = loop.at(loop.wallClock() + 10s, 0ms, [&] { ++fired; });
+  loop.setWallClock(loop.wallClock() - 1h);
+  loop.advance(10s);
+  EXPECT_EQ(fired, 0);
+  loop.advance(1h);
+  EXPECT_EQ(fired, 1);
+}
+
+TEST(FakeMainLoop, WatchesAreCalledForTheirDescriptorUntilDropped) {
+  FakeMainLoop loop;
+  int ready = 0;
+  auto watch = loop.watch(7, [&] { ++ready; });
+  loop.makeReady(7);
+  loop.makeReady(8);
+  EXPECT_EQ(ready, 1);
+  watch.reset();
+  loop.makeReady(7);
+  EXPECT_EQ(ready, 1);
+  EXPECT_EQ(loop.watchCount(), 0U);
+}
+
+TEST(FakeMainLoop, SubscriptionsMayOutliveTheLoop) {
+  Subscription timer;
+  {
+    FakeMainLoop loop;
+    timer = loop.every(1s, 0ms, [] {});
+  }
+  timer.reset();
+  EXPECT_FALSE(timer);
+}
+
+TEST(FakeStatusBar, ClicksReachTheLivingItem) {
+  FakeStatusBar bar;
+  bool alternate = false;
+  auto item = bar.makeItem("memory", {}, {[&](const StatusClick& click) { alternate = click.alternate; }, {}, {}});
+  EXPECT_TRUE(bar.click("memory", {true, {}}));
+  EXPECT_TRUE(alternate);
+  item.reset();
+  EXPECT_FALSE(bar.click("memory"));
+  EXPECT_TRUE(bar.identifiers().empty());
+  EXPECT_EQ(bar.all().size(), 1U);
+}
+
+TEST(FakeStatusBar, ItemMayGoAwayInItsOwnClick) {
+  FakeStatusBar bar;
+  std::unique_ptr<StatusItem> item;
+  item = bar.makeItem("awake", {}, {[&](const StatusClick&) { item.reset(); }, {}, {}});
+  EXPECT_TRUE(bar.click("awake"));
+  EXPECT_EQ(bar.item("awake"), nullptr);
+}
+
+TEST(FakeStatusBar, MenuOpensAndChoosingClosesItFirst) {
+  FakeStatusBar bar;
+  std::string order;
+  StatusItemHandlers handlers;
+  handlers.menuWillOpen = [&] {
+    order += "open ";
+    MenuEntry quit;
+    quit.title = "Quit Nimbo";
+    quit.action = [&] { order += "quit"; };
+    MenuEntry disabled;
+    disabled.title = "Off";
+    disabled.enabled = false;
+    disabled.action = [&] { order += "wrong"; };
+    return StatusMenu{"Nimbo", {quit, disabled}};
+  };
+  handlers.menuDidClose = [&] { order += "closed "; };
+  const auto item = bar.makeItem("memory", {}, handlers);
+  EXPECT_TRUE(bar.choose("memory", "Quit Nimbo"));
+  EXPECT_EQ(order, "open closed quit");
+  EXPECT_FALSE(bar.choose("memory", "Off"));
+  EXPECT_FALSE(bar.choose("memory", "Missing"));
+}
+
+TEST(FakeStatusBar, PreviewOpensNothingWhereTheItemOffersOne) {
+  FakeStatusBar bar;
+  int opened = 0;
+  StatusItemHandlers handlers;
+  handlers.menuWillOpen = [&] {
+    ++opened;
+    return StatusMenu{"opened", {}};
+  };
+  const auto without = bar.makeItem("awake", {}, handlers);
+  handlers.menuPreview = [] { return StatusMenu{"preview", {}}; };
+  const auto with = bar.makeItem("memory", {}, handlers);
+  EXPECT_EQ(bar.previewMenu("memory").title, "preview");
+  EXPECT_EQ(opened, 0);
+  EXPECT_EQ(bar.previewMenu("awake").title, "opened");
+  EXPECT_EQ(opened, 1);
+  EXPECT_FALSE(bar.item("awake")->menuOpen);
+}
+
+TEST(FakeStatusBar, OnlyRealChangesOfContentAreCounted) {
+  FakeStatusBar bar;
+  const auto item = bar.makeItem("memory", {}, {});
+  StatusItemContent content;
+  content.title = "70%";
+  item->setContent(content);
+  item->setContent(content);
+  EXPECT_EQ(bar.item("memory")->contentChanges, 1);
+  EXPECT_EQ(bar.item("memory")->content, content);
+}
+
+TEST(FakeUserInterface, OuterLoopDrivesTheInnerOneUntilStopped) {
+  FakeOuterLoop loop;
+  int dispatched = 0;
+  loop.turns = 5;
+  loop.run(3, [&] {
+    if (++dispatched == 2) loop.stop();
+  });
+  EXPECT_EQ(dispatched, 2);
+  EXPECT_EQ(loop.descriptor(), 3);
+  EXPECT_TRUE(loop.stopped());
+}
+
+TEST(FakeUserInterface, HiddenWindowReportsNothing) {
+  FakeUserInterface interface;
+  const auto window = interface.makeDashboardWindow();
+  int keys = 0;
+  window->setEvents({.keyDown =
+                         [&](Key) {
+                           ++keys;
+                           return true;
+                         },
+                     .clickedOutside = {},
+                     .otherApplicationActivated = {},
+                     .closeRequested = {}});
+  ASSERT_EQ(interface.windows().size(), 1U);
+  FakeDashboardWindow& fake = *interface.windows()[0];
+  EXPECT_FALSE(fake.press(Key::escape));
+  window->show();
+  EXPECT_TRUE(fake.press(Key::escape));
+  EXPECT_EQ(keys, 1);
+}
+
+}  // namespace
+}  // namespace nimbo
