@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace nimbo {
+
+/// `bytes` as valid UTF-8: every maximal part of an ill-formed sequence becomes one U+FFFD, as
+/// chapter 3.9 of the Unicode Standard recommends.
+[[nodiscard]] std::string repairedUtf8(std::string_view bytes);
+
+}  // namespace nimbo

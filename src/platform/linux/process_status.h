@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+#include "platform/process_table.h"
+
+namespace nimbo {
+
+/// Footprint and name out of a /proc/PID/status. The footprint is the private anonymous memory and its
+/// swap; kernels before 4.5 do not tell it and all resident memory stands in for it. Kernel threads
+/// and zombies have none.
+[[nodiscard]] ProcessReading parseProcessStatus(std::string_view text);
+
+/// Pages of private anonymous memory out of a /proc/PID/statm: those resident less those that belong
+/// to files and shared memory. Absent for other text.
+[[nodiscard]] std::optional<std::uint64_t> parseAnonymousPages(std::string_view text);
+
+}  // namespace nimbo

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+#include "system/memory_snapshot.h"
+
+#include <gtest/gtest.h>
+
+namespace nimbo {
+namespace {
+
+TEST(MemorySnapshot, UsedIsAppAndWiredAndCompressedButNotCached) {
+  const MemorySnapshot memory{
+      .total = 100, .app = 30, .wired = 20, .compressed = 10, .cached = 25, .swap = {}, .timestamp = {}};
+  EXPECT_EQ(memory.used(), 60U);
+  EXPECT_EQ(memory.available(), 40U);
+  EXPECT_DOUBLE_EQ(memory.usedFraction(), 0.6);
+}
+
+TEST(MemorySnapshot, TotalOfNothingIsUsedToZero) { EXPECT_DOUBLE_EQ(MemorySnapshot{}.usedFraction(), 0); }
+
+TEST(MemorySnapshot, EveryPressureHasItsWord) {
+  EXPECT_EQ(pressureWord(MemoryPressure::normal), "Normal");
+  EXPECT_EQ(pressureWord(MemoryPressure::warning), "Elevated");
+  EXPECT_EQ(pressureWord(MemoryPressure::critical), "High");
+  EXPECT_EQ(pressureWord(MemoryPressure::unknown), "Unavailable");
+}
+
+}  // namespace
+}  // namespace nimbo
