@@ -52,6 +52,9 @@ struct StatusItemHandlers {
   std::function<StatusMenu()> menuWillOpen;
   /// The menu opened by the last `menuWillOpen` has closed.
   std::function<void()> menuDidClose;
+  /// The menu that would open now, for bars that read it ahead; nothing opens. When it is not set
+  /// they call `menuWillOpen` and `menuDidClose` in turn.
+  std::function<StatusMenu()> menuPreview = {};
 };
 
 /// One item in the menu bar or tray; destroying it removes it. Main thread only.

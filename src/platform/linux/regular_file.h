@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <system_error>
+
+#include "base/result.h"
+
+namespace nimbo {
+
+/// A point in time as file systems count it; far more than 64 bits of nanoseconds can hold.
+struct FileTime {
+  std::int64_t seconds = 0;  ///< since 1970
+  std::int64_t nanoseconds = 0;
+
+  bool operator==(const FileTime&) const = default;
+};
+
+/// Tells one state of a file from another without reading it.
+struct FileStamp {
+  std::uint64_t device = 0;
+  std::uint64_t inode = 0;
+  std::int64_t bytes = 0;
+  FileTime modified;
+  FileTime changed;  ///< contents, name or mode; unlike the one above, nobody can set it back
+
+  bool operator==(const FileStamp&) const = default;
+};
+
+/// Whether any later change of the file must give it another stamp. File systems count time in steps of up
+/// to two seconds, so that a second change within one step may leave the stamp as it is.
+[[nodiscard]] bool isSettled(const FileStamp& stamp, std::int64_t secondsSince1970);
+
+/// Links are followed.
+[[nodiscard]] Result<FileStamp, std::error_code> fileStamp(const std::filesystem::path& file);
+
+/// The whole file; file_too_large for one above `maximumBytes`, not_supported for anything but a regular
+/// file. Never waits for a pipe or a device.
+[[nodiscard]] Result<std::string, std::error_code> readRegularFile(const std::filesystem::path& file,
+                                                                   std::size_t maximumBytes);
+
+}  // namespace nimbo

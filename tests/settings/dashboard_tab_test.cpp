@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+#include "settings/dashboard_tab.h"
+
+#include <gtest/gtest.h>
+
+#include "settings/usage_provider.h"
+
+namespace nimbo {
+namespace {
+
+TEST(DashboardTab, RawValuesReadBackInDefaultOrder) {
+  const std::array expected{"ai", "memory", "awake"};
+  ASSERT_EQ(kAllDashboardTabs.size(), expected.size());
+  for (std::size_t index = 0; index < expected.size(); ++index) {
+    EXPECT_EQ(rawValue(kAllDashboardTabs[index]), expected[index]);
+    EXPECT_EQ(dashboardTab(expected[index]), kAllDashboardTabs[index]);
+  }
+}
+
+TEST(DashboardTab, UnknownTextIsNone) {
+  for (const char* const text : {"", "AI", "ai ", "usage", "awak"}) EXPECT_EQ(dashboardTab(text), std::nullopt);
+}
+
+TEST(UsageProvider, RawValuesReadBackInOrder) {
+  const std::array expected{"codex", "claude"};
+  ASSERT_EQ(kAllUsageProviders.size(), expected.size());
+  for (std::size_t index = 0; index < expected.size(); ++index) {
+    EXPECT_EQ(rawValue(kAllUsageProviders[index]), expected[index]);
+    EXPECT_EQ(usageProvider(expected[index]), kAllUsageProviders[index]);
+  }
+}
+
+TEST(UsageProvider, UnknownTextIsNone) {
+  for (const char* const text : {"", "Codex", "claude ", "gemini"}) EXPECT_EQ(usageProvider(text), std::nullopt);
+}
+
+}  // namespace
+}  // namespace nimbo
