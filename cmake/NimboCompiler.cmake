@@ -5,9 +5,6 @@ target_include_directories(nimbo_options INTERFACE ${CMAKE_SOURCE_DIR}/src)
 target_compile_options(nimbo_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual -Werror)
 
-# gcc 12 sees overlapping copies inside std::string's operator+ where there are none (gcc bug 105651).
-target_compile_options(nimbo_options INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
-
 if(NIMBO_SANITIZE)
   target_compile_options(nimbo_options INTERFACE
     -fsanitize=${NIMBO_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
@@ -18,6 +15,9 @@ if(CMAKE_BUILD_TYPE STREQUAL "Release")
   target_compile_options(nimbo_options INTERFACE
     -D_FORTIFY_SOURCE=2 -fstack-protector-strong -fstack-clash-protection -fcf-protection
     -ffunction-sections -fdata-sections)
+  # gcc 12's optimizer sees overlapping copies inside std::string's operator+ where there are none
+  # (gcc bug 105651).
+  target_compile_options(nimbo_options INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
   target_link_options(nimbo_options INTERFACE
     -Wl,-z,relro,-z,now -Wl,-z,noexecstack -Wl,--gc-sections -Wl,--as-needed)
 endif()

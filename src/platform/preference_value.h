@@ -29,8 +29,8 @@ namespace nimbo {
 [[nodiscard]] inline std::optional<bool> booleanValue(const nlohmann::json& value) {
   if (value.is_boolean()) return value.get<bool>();
   const auto number = integerValue(value);
-  if (number == 0 || number == 1) return *number == 1;
-  return {};
+  if (!number || *number < 0 || *number > 1) return {};
+  return *number == 1;
 }
 
 [[nodiscard]] inline std::optional<std::string> stringValue(const nlohmann::json& value) {

@@ -58,6 +58,7 @@ DashboardPage::DashboardPage(const Theme& theme, QWidget* parent)
       footer_(makeLabel("footer")),
       quitButton_(makeButton(&DashboardActions::quit)),
       quitHint_(makeLabel("quitHint")) {
+  setObjectName("page");
   tabs_->setObjectName("tabs");
   tabs_->setAccessibleName("Pages");
   history_->setObjectName("history");

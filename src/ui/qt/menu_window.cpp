@@ -54,7 +54,7 @@ MenuWindow::MenuWindow(const Theme& theme, WindowSystem& windowSystem)
   setAttribute(Qt::WA_TranslucentBackground);
   // Compositors give menus their shadow and leave out opening effects made for ordinary windows.
   setAttribute(Qt::WA_X11NetWmWindowTypePopupMenu, windowType() == Qt::Popup);
-  grabTimer_.setInterval(kGrabInterval);
+  grabTimer_.setSingleShot(true);
   connect(&grabTimer_, &QTimer::timeout, this, [this] { grabInput(); });
 }
 
@@ -68,6 +68,8 @@ void MenuWindow::present() {
   show();
   raise();
   activateWindow();
+  grabAttempts_ = 0;
+  if (windowType() == Qt::Popup && windowSystem_.popupsContendForInput()) grabInput();
 }
 
 void MenuWindow::showEvent(QShowEvent* event) {
@@ -77,9 +79,6 @@ void MenuWindow::showEvent(QShowEvent* event) {
   shapeCorners();
   if (windowType() != Qt::Popup) return;
   otherActivation_ = windowSystem_.observeOtherActivation([this] { otherApplicationActivated(); });
-  // A panel that acts on the press of a button still holds the pointer until the release.
-  grabAttempts_ = 0;
-  grabTimer_.start();
 }
 
 void MenuWindow::hideEvent(QHideEvent* event) {
@@ -90,10 +89,12 @@ void MenuWindow::hideEvent(QHideEvent* event) {
   pointerGrabbed_ = false;
 }
 
+// The toolkit tries once, but a panel that acts on the press of a button holds the pointer until the
+// button is released.
 void MenuWindow::grabInput() {
   pointerGrabbed_ = windowHandle()->setMouseGrabEnabled(true);
   const bool keyboardGrabbed = windowHandle()->setKeyboardGrabEnabled(true);
-  if ((pointerGrabbed_ && keyboardGrabbed) || ++grabAttempts_ == kGrabAttempts) grabTimer_.stop();
+  if (!(pointerGrabbed_ && keyboardGrabbed) && ++grabAttempts_ < kGrabAttempts) grabTimer_.start(kGrabInterval);
 }
 
 bool MenuWindow::eventFilter(QObject* watched, QEvent* event) {

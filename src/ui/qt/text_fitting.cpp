@@ -25,30 +25,8 @@ QFont::Weight toolkitWeight(FontWeight weight) {
 
 bool isDigit(QChar character) { return character >= u'0' && character <= u'9'; }
 
-double digitWidth(const QFontMetricsF& metrics) {
-  double width = 0;
-  for (char16_t digit = u'0'; digit <= u'9'; ++digit) width = std::max(width, metrics.horizontalAdvance(QChar(digit)));
-  return width;
-}
-
-bool digitsDiffer(const QFontMetricsF& metrics) {
-  const double first = metrics.horizontalAdvance(u'0');
-  return std::any_of(u"123456789", u"123456789" + 9,
-                     [&](char16_t digit) { return metrics.horizontalAdvance(QChar(digit)) != first; });
-}
-
-/// Walks the text in pieces that are either one digit or a stretch without digits.
-template <class Visit>
-void forEachPiece(const QString& text, Visit visit) {
-  qsizetype start = 0;
-  while (start < text.size()) {
-    qsizetype end = start + 1;
-    if (!isDigit(text[start])) {
-      while (end < text.size() && !isDigit(text[end])) ++end;
-    }
-    visit(text.mid(start, end - start));
-    start = end;
-  }
+std::function<double(const QString&)> advanceIn(const QFontMetricsF& metrics) {
+  return [&metrics](const QString& text) { return metrics.horizontalAdvance(text); };
 }
 
 }  // namespace
@@ -60,14 +38,30 @@ QFont fontFor(const QFont& family, double size, FontWeight weight) {
   return font;
 }
 
+std::vector<PlacedText> placeMonospaced(const QString& text, const std::function<double(const QString&)>& advance) {
+  double digitRoom = 0;
+  for (char16_t digit = u'0'; digit <= u'9'; ++digit) digitRoom = std::max(digitRoom, advance(QChar(digit)));
+
+  std::vector<PlacedText> pieces;
+  double x = 0;
+  for (qsizetype start = 0; start < text.size();) {
+    const bool digit = isDigit(text[start]);
+    qsizetype end = start + 1;
+    while (!digit && end < text.size() && !isDigit(text[end])) ++end;
+    const QString piece = text.mid(start, end - start);
+    const double width = advance(piece);
+    const double room = digit ? digitRoom : width;
+    pieces.push_back({piece, x + (room - width) / 2});
+    x += room;
+    start = end;
+  }
+  pieces.push_back({{}, x});
+  return pieces;
+}
+
 double textWidth(const QString& text, const QFont& font, bool monospacedDigits) {
   const QFontMetricsF metrics(font);
-  if (!monospacedDigits || !digitsDiffer(metrics)) return metrics.horizontalAdvance(text);
-  const double digit = digitWidth(metrics);
-  double width = 0;
-  forEachPiece(text,
-               [&](const QString& piece) { width += isDigit(piece[0]) ? digit : metrics.horizontalAdvance(piece); });
-  return width;
+  return monospacedDigits ? placeMonospaced(text, advanceIn(metrics)).back().x : metrics.horizontalAdvance(text);
 }
 
 FittedText fitText(const QString& text, const QFont& font, bool monospacedDigits, double width) {
@@ -95,17 +89,13 @@ void drawText(QPainter& painter, const QRectF& frame, Qt::Alignment alignment, c
   const double baseline = qRound(frame.center().y() + (metrics.ascent() - metrics.descent()) / 2);
 
   painter.setFont(text.font);
-  if (!text.monospacedDigits || !digitsDiffer(metrics)) {
+  if (!text.monospacedDigits) {
     painter.drawText(QPointF(x, baseline), text.text);
     return;
   }
-  const double digit = digitWidth(metrics);
-  forEachPiece(text.text, [&](const QString& piece) {
-    const double advance = metrics.horizontalAdvance(piece);
-    const double room = isDigit(piece[0]) ? digit : advance;
-    painter.drawText(QPointF(x + (room - advance) / 2, baseline), piece);
-    x += room;
-  });
+  for (const auto& piece : placeMonospaced(text.text, advanceIn(metrics))) {
+    painter.drawText(QPointF(x + piece.x, baseline), piece.text);
+  }
 }
 
 }  // namespace nimbo

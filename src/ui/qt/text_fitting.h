@@ -3,6 +3,8 @@
 
 #include <QFont>
 #include <QString>
+#include <functional>
+#include <vector>
 
 #include "ui/dashboard_content.h"
 
@@ -20,8 +22,17 @@ struct FittedText {
 
 [[nodiscard]] QFont fontFor(const QFont& family, double size, FontWeight weight);
 
-/// The advance in points. With `monospacedDigits` every digit takes the room of the widest one,
-/// also in fonts without tabular figures.
+struct PlacedText {
+  QString text;
+  double x = 0;
+};
+
+/// Pieces of `text` from left to right such that every digit has the room of the widest one, also
+/// in fonts without tabular figures. The last piece is empty and stands at the end.
+[[nodiscard]] std::vector<PlacedText> placeMonospaced(const QString& text,
+                                                      const std::function<double(const QString&)>& advance);
+
+/// The advance in points.
 [[nodiscard]] double textWidth(const QString& text, const QFont& font, bool monospacedDigits);
 
 /// Users' fonts are wider than the one the frames were made for: the font shrinks a little, and

@@ -23,6 +23,10 @@ class WindowSystem {
   /// and close when they lose the keyboard focus.
   [[nodiscard]] virtual bool popupsHearAllClicks() const = 0;
 
+  /// Whether another program may hold keyboard and pointer for a moment, so that a popup has to try
+  /// again to get them.
+  [[nodiscard]] virtual bool popupsContendForInput() const = 0;
+
   /// Tells when a window of another application becomes the active one.
   [[nodiscard]] virtual Subscription observeOtherActivation(std::function<void()> activated) = 0;
 };
