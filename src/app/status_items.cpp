@@ -37,9 +37,10 @@ void StatusItems::configure() {
 void StatusItems::updateItems() {
   const StatusItemPlan plan = planStatusItems(settings_, rotationTab_);
   rotationTab_ = plan.rotationTab;
-  std::erase_if(items_, [&](const auto& entry) {
+  const auto removed = std::erase_if(items_, [&](const auto& entry) {
     return std::find(plan.shown.begin(), plan.shown.end(), entry.first) == plan.shown.end();
   });
+  if (removed > 0) trackingStatusMenu_ = false;  // a menu goes with its item and does not tell
   for (const auto kind : plan.shown) {
     if (items_.contains(kind)) continue;
     items_[kind].item = statusBar_.makeItem(identifier(kind), callbacks_.content(kind), handlersFor(kind));

@@ -26,7 +26,8 @@ void DashboardPanel::show(const std::shared_ptr<StatusItem>& item, std::optional
   if (interface_.screens().empty()) return;
   if (item_.lock() != item) setAnchorHighlighted(false);
   item_ = item;
-  reported_ = reported;
+  // Once, while the pointer is still where the click was.
+  reported_ = reported ? std::optional(interface_.toPoints(*reported)) : std::nullopt;
   if (!screens_) {
     screens_ = interface_.observeScreens([this] {
       if (visible()) reposition();
@@ -52,9 +53,8 @@ void DashboardPanel::close() {
 }
 
 void DashboardPanel::reposition() {
-  const auto reported = reported_ ? std::optional(interface_.toPoints(*reported_)) : std::nullopt;
   // The last known place holds while no screen is connected.
-  if (const auto anchor = panelAnchor(interface_.screens(), reported)) anchor_ = anchor;
+  if (const auto anchor = panelAnchor(interface_.screens(), reported_)) anchor_ = anchor;
   if (anchor_) window_.setFrame(panelFrame(*anchor_, contentSize_));
 }
 

@@ -77,8 +77,9 @@ class UserInterface {
   [[nodiscard]] virtual std::vector<Screen> screens() const = 0;
   /// A screen came, went, or changed its frames.
   [[nodiscard]] virtual Subscription observeScreens(std::function<void()> changed) = 0;
-  /// Where something is that another program reported in the window system's own pixels, such as a
-  /// status item; unchanged where that system counts in points.
+  /// Where something is that another program has just reported, such as a status item that was
+  /// clicked. Some programs count in the window system's own pixels and some in points; on a scaled
+  /// screen the pointer tells which.
   [[nodiscard]] virtual Rect toPoints(const Rect& reported) const { return reported; }
   virtual void setAppearance(Appearance appearance) = 0;
   [[nodiscard]] virtual std::unique_ptr<DashboardWindow> makeDashboardWindow() = 0;

@@ -179,6 +179,15 @@ TEST_F(StatusItemsTest, MenuReadAheadOfTimeDoesNotCountAsOpen) {
   EXPECT_EQ(items.rotationTab(), DashboardTab::memory);
 }
 
+TEST_F(StatusItemsTest, MenuOfARemovedItemDoesNotHoldTheRotationUp) {
+  rotateThroughAll();
+  bar.openMenu("nimbo-ai");
+  settings.setMenuAi(false);
+  items.configure();
+  loop.advance(seconds(10));
+  EXPECT_EQ(items.rotationTab(), DashboardTab::awake);
+}
+
 TEST_F(StatusItemsTest, RotationSwitchedOffInTheSettingsStopsAtTheNextBeat) {
   rotateThroughAll();
   settings.setMenuRotation(false);

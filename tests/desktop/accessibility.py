@@ -25,14 +25,11 @@ def _application(pid):
 
 
 def _walk(element, visit, depth=0):
-    from gi.repository import Atspi
-
     if element is None or depth > 12:
         return
     visit(element)
     for index in range(min(element.get_child_count(), 200)):
         _walk(element.get_child_at_index(index), visit, depth + 1)
-    del Atspi
 
 
 def _describe(element):
@@ -86,11 +83,6 @@ def press(session, pid, name):
         ["/usr/bin/python3", __file__, "press", str(pid), name], env=session.env, capture_output=True, timeout=60
     )
     assert run.returncode == 0, f"no control named {name!r} could be pressed"
-
-
-def showing(elements):
-    """The names of all visible controls."""
-    return [element["name"] for element in elements if element["showing"] and element["name"]]
 
 
 if __name__ == "__main__":

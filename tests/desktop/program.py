@@ -11,7 +11,8 @@ import unittest
 import accessibility
 from nimbo_desktop import BOUND, Session, TrayHost, wait_until, windows_of, xdotool
 
-BINARY = os.environ.get("NIMBO_BINARY", "build/release/bin/nimbo")
+REPOSITORY = pathlib.Path(__file__).resolve().parent.parent.parent
+BINARY = os.environ.get("NIMBO_BINARY", REPOSITORY / "build" / "release" / "bin" / "nimbo")
 DASHBOARD_WIDTH = 340
 
 
@@ -51,15 +52,20 @@ class Program:
         wait_until(lambda: self.dashboard() is None, "the dashboard to close")
 
     def controls(self):
-        return accessibility.tree(self.session, self.pid)
+        """What is in the open dashboard; assistive technology learns of a new window a moment later."""
+        return wait_until(
+            lambda: [control for control in accessibility.tree(self.session, self.pid) if control["showing"]],
+            "the dashboard in the accessibility tree",
+        )
 
     def texts(self):
-        return accessibility.showing(self.controls())
+        return [control["name"] for control in self.controls() if control["name"]]
 
     def wait_for_text(self, matches, what):
         return wait_until(lambda: next((text for text in self.texts() if matches(text)), None), what, BOUND)
 
     def press(self, name):
+        self.controls()
         accessibility.press(self.session, self.pid, name)
 
 

@@ -60,8 +60,9 @@ class XfcePanel:
         if scale != 1:
             session.env["GDK_SCALE"] = str(scale)
         self.background = "#3a5a78" if dark else "#8fb3cf"
-        subprocess.run(["xsetroot", "-solid", self.background], env=session.env, check=True)
         session.start(["xfwm4", "--compositor=on"], **quiet)
+        # The compositor paints the picture that this leaves on the root window.
+        subprocess.run(["hsetroot", "-solid", self.background], env=session.env, check=True, **quiet)
         self.panel = session.start(["xfce4-panel", "--disable-wm-check"], **quiet)
         wait_until(lambda: "org.kde.StatusNotifierWatcher" in session.names(), "the panel's tray", 40)
 

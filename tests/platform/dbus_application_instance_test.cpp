@@ -2,11 +2,14 @@
 #include "platform/linux/dbus_application_instance.h"
 
 #include <gtest/gtest.h>
+#include <sys/epoll.h>
+#include <sys/eventfd.h>
 
 #include <atomic>
 #include <optional>
 #include <thread>
 
+#include "platform/linux/unique_fd.h"
 #include "support/bus_peer.h"
 #include "support/private_bus.h"
 
@@ -47,15 +50,19 @@ class DbusApplicationInstanceTest : public ::testing::Test {
   Result<InstanceRole, InstanceError> startLater(const Links& links) {
     Result<InstanceRole, InstanceError> role = InstanceRole::first;
     std::atomic<bool> done = false;
+    const UniqueFd wakeUp(eventfd(0, EFD_CLOEXEC));
+    sd_event_source* source = nullptr;
+    sd_event_add_io(
+        first->loop.event(), &source, wakeUp.get(), EPOLLIN,
+        [](sd_event_source*, int, std::uint32_t, void*) { return 0; }, nullptr);
+    const UniqueHandle<SdEventSourceTraits> watch(source);
     std::thread process([&] {
       Start later(bus.address());
       role = later.instance.claim(links, {});
       done = true;
+      eventfd_write(wakeUp.get(), 1);
     });
-    EXPECT_TRUE(first->loop.runUntil([&] {
-      sd_event_run(first->loop.event(), 1000);
-      return done.load();
-    }));
+    EXPECT_TRUE(first->loop.runUntil([&] { return done.load(); }));
     process.join();
     return role;
   }

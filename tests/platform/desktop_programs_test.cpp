@@ -66,7 +66,10 @@ TEST(DetachedPrograms, ProgramThatEndsIsReaped) {
   DetachedPrograms programs(loop.event());
   ASSERT_TRUE(programs.start(program));
   // No child is left, and not even a dead one, when wait has nothing to wait for.
-  const auto childless = [] { return ::waitid(P_ALL, 0, nullptr, WEXITED | WNOHANG | WNOWAIT) < 0 && errno == ECHILD; };
+  const auto childless = [] {
+    siginfo_t child{};
+    return ::waitid(P_ALL, 0, &child, WEXITED | WNOHANG | WNOWAIT) < 0 && errno == ECHILD;
+  };
   EXPECT_TRUE(loop.runUntil([&] { return !tree.read("ran").empty() && childless(); }));
 }
 
@@ -81,7 +84,7 @@ TEST(DetachedPrograms, ProgramRunsInASessionOfItsOwnWithNoSignalBlocked) {
   const std::string program =
       writeProgram(tree, "monitor",
                    "cd \"" + tree.path().string() +
-                       "\"; { cut -d' ' -f1,6 /proc/$$/stat; grep SigBlk /proc/$$/status; } > a\n"
+                       "\"; { cut -d' ' -f1,6 /proc/$$/stat; grep SigBlk /proc/self/status; } > a\n"
                        "mv a out\n");
   DetachedPrograms programs(loop.event());
   ASSERT_TRUE(programs.start(program));

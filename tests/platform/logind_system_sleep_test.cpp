@@ -126,6 +126,8 @@ TEST_F(LogindSystemSleepTest, LogindRestartedDuringSleepMeansAwake) {
 
 TEST_F(LogindSystemSleepTest, LogindThatStartsLateIsHeard) {
   logind.reset();
+  const BusPeer peer(loop, bus.address());
+  ASSERT_TRUE(peer.waitForName("org.freedesktop.login1", false));
   observe();
   logind.emplace(loop, bus.address());
   ASSERT_TRUE(heldBecomes(1));

@@ -82,7 +82,7 @@ TEST_F(SniStatusBarTest, TrayThatArrivesLateGetsTheItem) {
   const BusPeer watcher(loop, bus.address());
   item = makeBar().makeItem("nimbo", content(), {});
   const std::string name = fmt::format("org.kde.StatusNotifierItem-{}-1", ::getpid());
-  ASSERT_TRUE(loop.runUntil([&] { return !watcher.ownerOf(name).empty(); }));
+  ASSERT_TRUE(watcher.waitForName(name, true));
   watcher.settle(name);
   host.emplace(loop, bus.address());
   EXPECT_TRUE(host->waitForItems(1));
@@ -113,7 +113,7 @@ TEST_F(SniStatusBarTest, DestroyedItemLeavesNothingOnTheBus) {
   const std::string name = shown();
   const std::string connection = host->registeredSenders.at(0);
   item.reset();
-  EXPECT_TRUE(loop.runUntil([&] { return host->peer.ownerOf(connection).empty(); }));
+  EXPECT_TRUE(host->peer.waitForName(connection, false));
   EXPECT_EQ(host->peer.ownerOf(name), "");
 }
 

@@ -5,9 +5,11 @@
 
 #include <chrono>
 #include <functional>
+#include <optional>
 #include <stdexcept>
 #include <string>
 
+#include "platform/linux/bus_name_watch.h"
 #include "platform/linux/sd_bus_calls.h"
 #include "platform/linux/sd_bus_connection.h"
 #include "platform/linux/sd_event_handles.h"
@@ -75,6 +77,13 @@ class BusPeer {
 
   void release(const std::string& name) const {
     callBus("ReleaseName", [&name](sd_bus_message* call) { sd_bus_message_append(call, "s", name.c_str()); });
+  }
+
+  /// Waits until somebody has `name`, or nobody.
+  [[nodiscard]] bool waitForName(const std::string& name, bool owned) const {
+    std::optional<std::string> owner;
+    const BusNameWatch watch(bus(), name, [&owner](const std::string& current) { owner = current; });
+    return loop_.runUntil([&] { return owner && owner->empty() != owned; });
   }
 
   /// Empty when nobody has the name.

@@ -20,16 +20,16 @@ class AccessibleChart final : public QAccessibleWidget, public QAccessibleValueI
     if (type == QAccessible::ValueInterface) return static_cast<QAccessibleValueInterface*>(this);
     return QAccessibleWidget::interface_cast(type);
   }
-  QString text(QAccessible::Text part) const override {
+  [[nodiscard]] QString text(QAccessible::Text part) const override {
     const bool reading = part == QAccessible::Value || part == QAccessible::Description;
     return reading ? chart_.reading().text : QAccessibleWidget::text(part);
   }
 
-  QVariant currentValue() const override { return chart_.reading().percent; }
+  [[nodiscard]] QVariant currentValue() const override { return chart_.reading().percent; }
   void setCurrentValue(const QVariant& /*value*/) override {}
-  QVariant maximumValue() const override { return 100.0; }
-  QVariant minimumValue() const override { return 0.0; }
-  QVariant minimumStepSize() const override { return 0.0; }
+  [[nodiscard]] QVariant maximumValue() const override { return 100.0; }
+  [[nodiscard]] QVariant minimumValue() const override { return 0.0; }
+  [[nodiscard]] QVariant minimumStepSize() const override { return 0.0; }
 
  private:
   ChartWidget& chart_;

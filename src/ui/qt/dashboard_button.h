@@ -24,7 +24,7 @@ class DashboardButton final : public QPushButton {
  protected:
   void paintEvent(QPaintEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
-  bool hitButton(const QPoint& place) const override;
+  [[nodiscard]] bool hitButton(const QPoint& place) const override;
 
  private:
   [[nodiscard]] QRectF face() const;

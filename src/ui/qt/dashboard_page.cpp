@@ -4,6 +4,7 @@
 #include <QPainter>
 #include <utility>
 
+#include "ui/qt/focus_ring.h"
 #include "ui/qt/qt_geometry.h"
 #include "ui/qt/theme.h"
 
@@ -106,6 +107,10 @@ bool DashboardPage::performKeyEquivalent(const QKeyEvent& key) {
 void DashboardPage::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
   painter.fillRect(toQRectF(footerSeparator_), theme_.separator());
+  if (keyboardFocusVisible(*processes_)) {
+    painter.setRenderHint(QPainter::Antialiasing);
+    drawFocusRing(painter, processes_->geometry().adjusted(-8, 0, 8, 0), 6, theme_);
+  }
 }
 
 }  // namespace nimbo

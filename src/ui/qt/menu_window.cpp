@@ -54,22 +54,26 @@ MenuWindow::MenuWindow(const Theme& theme, WindowSystem& windowSystem)
   setAttribute(Qt::WA_TranslucentBackground);
   // Compositors give menus their shadow and leave out opening effects made for ordinary windows.
   setAttribute(Qt::WA_X11NetWmWindowTypePopupMenu, windowType() == Qt::Popup);
-  grabTimer_.setSingleShot(true);
+  deactivationTimer_.setSingleShot(true);
+  connect(&deactivationTimer_, &QTimer::timeout, this, [this] { checkDeactivation(); });
+  grabTimer_.setInterval(kGrabInterval);
   connect(&grabTimer_, &QTimer::timeout, this, [this] { grabInput(); });
 }
 
 void MenuWindow::present() {
-  // The focus is in the window but on no control: Tab goes to the first one, and nothing is marked
-  // until then.
   if (!isVisible()) {
+    // The focus is in the window but on no control: Tab goes to the first one, and nothing is marked
+    // until then.
     setAttribute(Qt::WA_KeyboardFocusChange, false);
     setFocus(Qt::PopupFocusReason);
+    // A popup takes the pointer when it appears.
+    inputGrabbed_ = windowType() == Qt::Popup && windowSystem_.inputIsFree();
+    grabAttempts_ = 0;
+    if (windowType() == Qt::Popup && !inputGrabbed_) grabTimer_.start();
+    show();
   }
-  show();
   raise();
   activateWindow();
-  grabAttempts_ = 0;
-  if (windowType() == Qt::Popup && windowSystem_.popupsContendForInput()) grabInput();
 }
 
 void MenuWindow::showEvent(QShowEvent* event) {
@@ -86,15 +90,16 @@ void MenuWindow::hideEvent(QHideEvent* event) {
   qApp->removeEventFilter(this);
   otherActivation_.reset();
   grabTimer_.stop();
-  pointerGrabbed_ = false;
+  inputGrabbed_ = false;
 }
 
 // The toolkit tries once, but a panel that acts on the press of a button holds the pointer until the
 // button is released.
 void MenuWindow::grabInput() {
-  pointerGrabbed_ = windowHandle()->setMouseGrabEnabled(true);
-  const bool keyboardGrabbed = windowHandle()->setKeyboardGrabEnabled(true);
-  if (!(pointerGrabbed_ && keyboardGrabbed) && ++grabAttempts_ < kGrabAttempts) grabTimer_.start(kGrabInterval);
+  if (windowSystem_.inputIsFree()) {
+    inputGrabbed_ = windowHandle()->setKeyboardGrabEnabled(true) && windowHandle()->setMouseGrabEnabled(true);
+  }
+  if (inputGrabbed_ || ++grabAttempts_ == kGrabAttempts) grabTimer_.stop();
 }
 
 bool MenuWindow::eventFilter(QObject* watched, QEvent* event) {
@@ -103,6 +108,7 @@ bool MenuWindow::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::KeyPress) return keyDown(*static_cast<QKeyEvent*>(event));
   if (event->type() == QEvent::MouseButtonPress) {
     setAttribute(Qt::WA_KeyboardFocusChange, false);
+    update();
     if (watched != windowHandle()) clickedOutside(static_cast<QMouseEvent*>(event)->globalPosition());
   }
   return false;
@@ -128,13 +134,13 @@ void MenuWindow::otherApplicationActivated() {
 }
 
 bool MenuWindow::event(QEvent* event) {
-  if (event->type() == QEvent::WindowDeactivate && windowType() != Qt::Popup) {
-    // A turn later, because the focus may only be on its way to a window of our own.
-    QTimer::singleShot(0, this, [this] {
-      if (isVisible() && QGuiApplication::focusWindow() == nullptr) otherApplicationActivated();
-    });
-  }
+  // A turn later, because the focus may only be on its way to a window of our own.
+  if (event->type() == QEvent::WindowDeactivate && windowType() != Qt::Popup) deactivationTimer_.start();
   return QWidget::event(event);
+}
+
+void MenuWindow::checkDeactivation() {
+  if (isVisible() && QGuiApplication::focusWindow() == nullptr) otherApplicationActivated();
 }
 
 void MenuWindow::closeEvent(QCloseEvent* event) {

@@ -24,7 +24,7 @@ class MenuWindow final : public QWidget {
   void setKeyEquivalents(std::function<bool(const QKeyEvent&)> perform) { performKeyEquivalent_ = std::move(perform); }
 
   void present();
-  [[nodiscard]] bool grabsPointer() const { return pointerGrabbed_; }
+  [[nodiscard]] bool grabsPointer() const { return inputGrabbed_; }
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
@@ -40,6 +40,7 @@ class MenuWindow final : public QWidget {
   [[nodiscard]] bool keyDown(const QKeyEvent& key);
   void clickedOutside(const QPointF& place);
   void otherApplicationActivated();
+  void checkDeactivation();
   void grabInput();
   void shapeCorners();
 
@@ -48,9 +49,10 @@ class MenuWindow final : public QWidget {
   MenuWindowEvents events_;
   std::function<bool(const QKeyEvent&)> performKeyEquivalent_;
   Subscription otherActivation_;
+  QTimer deactivationTimer_;
   QTimer grabTimer_;
   int grabAttempts_ = 0;
-  bool pointerGrabbed_ = false;
+  bool inputGrabbed_ = false;
   bool compositing_ = true;
 };
 

@@ -11,6 +11,7 @@ namespace {
 
 constexpr int kScrollBarExtent = 9;
 constexpr double kThumbMargin = 2;
+constexpr int kToolTipMargin = 5;
 
 }  // namespace
 
@@ -25,7 +26,21 @@ int PanelStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWid
 
 int PanelStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const {
   if (metric == PM_ScrollBarExtent) return kScrollBarExtent;
+  if (metric == PM_ToolTipLabelFrameWidth) return kToolTipMargin;
   return QProxyStyle::pixelMetric(metric, option, widget);
+}
+
+void PanelStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                               const QWidget* widget) const {
+  if (element != PE_PanelTipLabel) {
+    QProxyStyle::drawPrimitive(element, option, painter, widget);
+    return;
+  }
+  painter->save();
+  painter->setPen(QPen(theme_.separator(), 1));
+  painter->setBrush(theme_.background());
+  painter->drawRect(option->rect.toRectF().adjusted(0.5, 0.5, -0.5, -0.5));
+  painter->restore();
 }
 
 void PanelStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,

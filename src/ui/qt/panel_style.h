@@ -7,7 +7,7 @@ namespace nimbo {
 
 class Theme;
 
-/// The toolkit's plain style with thin scroll bars that lie over what they scroll.
+/// The toolkit's plain style with thin scroll bars that lie over what they scroll and calm tool tips.
 class PanelStyle final : public QProxyStyle {
  public:
   explicit PanelStyle(const Theme& theme);
@@ -15,6 +15,8 @@ class PanelStyle final : public QProxyStyle {
   int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                 QStyleHintReturn* data) const override;
   int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override;
+  void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                     const QWidget* widget) const override;
   void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
                           const QWidget* widget) const override;
 

@@ -1,13 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "ui/qt/process_list_view.h"
 
-#include <QPainter>
 #include <QScrollBar>
 
 #include "ui/qt/fitted_label.h"
-#include "ui/qt/focus_ring.h"
 #include "ui/qt/qt_geometry.h"
-#include "ui/qt/theme.h"
 
 namespace nimbo {
 namespace {
@@ -41,21 +38,14 @@ void ProcessListView::setContent(const ProcessListContent& content) {
   setVisible(content.visible);
 }
 
-void ProcessListView::paintEvent(QPaintEvent* /*event*/) {
-  if (!keyboardFocusVisible(*this)) return;
-  QPainter painter(viewport());
-  painter.setRenderHint(QPainter::Antialiasing);
-  drawFocusRing(painter, viewport()->rect(), 6, theme_);
-}
-
 void ProcessListView::focusInEvent(QFocusEvent* event) {
   QScrollArea::focusInEvent(event);
-  viewport()->update();
+  parentWidget()->update();
 }
 
 void ProcessListView::focusOutEvent(QFocusEvent* event) {
   QScrollArea::focusOutEvent(event);
-  viewport()->update();
+  parentWidget()->update();
 }
 
 }  // namespace nimbo

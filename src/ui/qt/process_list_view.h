@@ -14,7 +14,8 @@ class FittedLabel;
 class Theme;
 
 /// The scrolling list of processes; wheel, arrow and page keys move it. Rows are kept and filled
-/// anew, so that the place scrolled to holds from one scan to the next.
+/// anew, so that the place scrolled to holds from one scan to the next. Its focus ring has room only
+/// around it, so the page draws it.
 class ProcessListView final : public QScrollArea {
  public:
   ProcessListView(const Theme& theme, QWidget* parent);
@@ -23,7 +24,6 @@ class ProcessListView final : public QScrollArea {
   void setContent(const ProcessListContent& content);
 
  protected:
-  void paintEvent(QPaintEvent* event) override;
   void focusInEvent(QFocusEvent* event) override;
   void focusOutEvent(QFocusEvent* event) override;
 

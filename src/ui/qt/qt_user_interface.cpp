@@ -2,11 +2,14 @@
 #include "ui/qt/qt_user_interface.h"
 
 #include <QAccessible>
+#include <QCursor>
 #include <QScreen>
 #include <QSessionManager>
 #include <QToolTip>
 #include <clocale>
+#include <cmath>
 
+#include "ui/qt/application_accessible.h"
 #include "ui/qt/chart_widget.h"
 #include "ui/qt/panel_style.h"
 #include "ui/qt/qt_dashboard_window.h"
@@ -19,6 +22,7 @@ namespace {
 
 std::vector<char*> pointersTo(std::vector<std::string>& texts) {
   std::vector<char*> pointers;
+  pointers.reserve(texts.size() + 1);
   for (auto& text : texts) pointers.push_back(text.data());
   pointers.push_back(nullptr);
   return pointers;
@@ -28,6 +32,11 @@ std::vector<char*> pointersTo(std::vector<std::string>& texts) {
 QRectF pixelFrame(const QScreen& screen) {
   const QRectF frame = screen.geometry();
   return {frame.topLeft(), frame.size() * screen.devicePixelRatio()};
+}
+
+double distanceFromPointer(const Rect& rect) {
+  const QPointF apart = toQRectF(rect).center() - QPointF(QCursor::pos());
+  return std::hypot(apart.x(), apart.y());
 }
 
 // The session would otherwise note the toolkit's command line and start the program by itself at
@@ -47,6 +56,7 @@ QtUserInterface::QtUserInterface(const std::string& platform)
       argumentCount_(static_cast<int>(arguments_.size())) {
   QCoreApplication::setApplicationName("Nimbo");
   QGuiApplication::setDesktopFileName("com.quellwerk.Nimbo");
+  QAccessible::installFactory(makeAccessibleApplication);
   application_ = std::make_unique<QApplication>(argumentCount_, argumentPointers_.data());
   // The toolkit has taken over the user's locale, decimal comma included, for the whole process.
   std::setlocale(LC_NUMERIC, "C");
@@ -64,7 +74,10 @@ QtUserInterface::QtUserInterface(const std::string& platform)
   setAppearance(Appearance::light);
 }
 
-QtUserInterface::~QtUserInterface() { QAccessible::removeFactory(makeAccessibleChart); }
+QtUserInterface::~QtUserInterface() {
+  QAccessible::removeFactory(makeAccessibleChart);
+  QAccessible::removeFactory(makeAccessibleApplication);
+}
 
 std::vector<Screen> QtUserInterface::screens() const {
   std::vector<Screen> result;
@@ -85,8 +98,12 @@ Rect QtUserInterface::toPoints(const Rect& reported) const {
     const QRectF frame = pixelFrame(*screen);
     if (!frame.contains(toQRectF(reported).center())) continue;
     const double scale = screen->devicePixelRatio();
-    return {frame.x() + (reported.x - frame.x()) / scale, frame.y() + (reported.y - frame.y()) / scale,
-            reported.width / scale, reported.height / scale};
+    const Rect scaled{frame.x() + (reported.x - frame.x()) / scale, frame.y() + (reported.y - frame.y()) / scale,
+                      reported.width / scale, reported.height / scale};
+    // Panels on GTK scale by themselves and report points already.
+    constexpr double kNear = 48;
+    const double apart = distanceFromPointer(reported);
+    return apart <= kNear && apart < distanceFromPointer(scaled) ? reported : scaled;
   }
   return reported;
 }

@@ -21,8 +21,8 @@ class SegmentedTabs final : public QTabBar {
   void setContent(const TabsContent& content);
 
  protected:
-  QSize tabSizeHint(int index) const override;
-  QSize minimumTabSizeHint(int index) const override;
+  [[nodiscard]] QSize tabSizeHint(int index) const override;
+  [[nodiscard]] QSize minimumTabSizeHint(int index) const override;
   void paintEvent(QPaintEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void wheelEvent(QWheelEvent* event) override;

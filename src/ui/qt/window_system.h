@@ -23,9 +23,9 @@ class WindowSystem {
   /// and close when they lose the keyboard focus.
   [[nodiscard]] virtual bool popupsHearAllClicks() const = 0;
 
-  /// Whether another program may hold keyboard and pointer for a moment, so that a popup has to try
-  /// again to get them.
-  [[nodiscard]] virtual bool popupsContendForInput() const = 0;
+  /// Whether no other program holds the pointer or the keyboard, as one does while a button that was
+  /// pressed on it is down. Not to be asked by a window that holds them itself.
+  [[nodiscard]] virtual bool inputIsFree() = 0;
 
   /// Tells when a window of another application becomes the active one.
   [[nodiscard]] virtual Subscription observeOtherActivation(std::function<void()> activated) = 0;

@@ -18,7 +18,7 @@ class PlainWindowSystem final : public WindowSystem {
   [[nodiscard]] bool popupsHearAllClicks() const override {
     return !QGuiApplication::platformName().startsWith("wayland");
   }
-  [[nodiscard]] bool popupsContendForInput() const override { return false; }
+  [[nodiscard]] bool inputIsFree() override { return true; }
   [[nodiscard]] Subscription observeOtherActivation(std::function<void()> /*activated*/) override { return {}; }
 };
 

@@ -49,6 +49,23 @@ bool X11WindowSystem::compositing() const {
   return reply != nullptr && reply->owner != XCB_WINDOW_NONE;
 }
 
+// The toolkit believes that it has the pointer whenever the server answers at all, so the question
+// is put by taking and releasing.
+bool X11WindowSystem::inputIsFree() {
+  const auto pointerRequest = xcb_grab_pointer(&connection_, 0, root_, 0, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC,
+                                               XCB_NONE, XCB_NONE, XCB_CURRENT_TIME);
+  const auto pointer = owned(xcb_grab_pointer_reply(&connection_, pointerRequest, nullptr));
+  if (pointer == nullptr || pointer->status != XCB_GRAB_STATUS_SUCCESS) return false;
+  xcb_ungrab_pointer(&connection_, XCB_CURRENT_TIME);
+
+  const auto keyboardRequest =
+      xcb_grab_keyboard(&connection_, 0, root_, XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+  const auto keyboard = owned(xcb_grab_keyboard_reply(&connection_, keyboardRequest, nullptr));
+  if (keyboard == nullptr || keyboard->status != XCB_GRAB_STATUS_SUCCESS) return false;
+  xcb_ungrab_keyboard(&connection_, XCB_CURRENT_TIME);
+  return true;
+}
+
 Subscription X11WindowSystem::observeOtherActivation(std::function<void()> activated) {
   otherActivated_ = std::move(activated);
   activeWindow_ = property(root_, activeWindowAtom_, XCB_ATOM_WINDOW);

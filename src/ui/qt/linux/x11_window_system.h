@@ -16,7 +16,7 @@ class X11WindowSystem final : public WindowSystem, private QAbstractNativeEventF
 
   [[nodiscard]] bool compositing() const override;
   [[nodiscard]] bool popupsHearAllClicks() const override { return !waylandSession_; }
-  [[nodiscard]] bool popupsContendForInput() const override { return true; }
+  [[nodiscard]] bool inputIsFree() override;
   [[nodiscard]] Subscription observeOtherActivation(std::function<void()> activated) override;
 
  private:

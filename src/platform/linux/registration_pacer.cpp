@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+#include "platform/linux/registration_pacer.h"
+
+#include <time.h>
+
+#include <utility>
+
+namespace nimbo {
+namespace {
+
+constexpr std::uint64_t kPace = 250'000;     // microseconds
+constexpr std::uint64_t kAccuracy = 50'000;  // microseconds
+
+}  // namespace
+
+Subscription RegistrationPacer::request(std::function<void()> turn) {
+  if (!pace_) {
+    startPace();
+    turn();
+    return {};
+  }
+  const Turn waiting = std::make_shared<std::function<void()>>(std::move(turn));
+  waiting_.push_back(waiting);
+  return Subscription([this, waiting] { waiting_.remove(waiting); });
+}
+
+void RegistrationPacer::startPace() {
+  sd_event_source* source = nullptr;
+  sd_event_add_time_relative(event_, &source, CLOCK_MONOTONIC, kPace, kAccuracy, onPaceOver, this);
+  pace_.reset(source);
+}
+
+int RegistrationPacer::onPaceOver(sd_event_source* /*source*/, std::uint64_t /*due*/, void* self) {
+  auto& pacer = *static_cast<RegistrationPacer*>(self);
+  pacer.pace_.reset();
+  if (pacer.waiting_.empty()) return 0;
+  const Turn next = pacer.waiting_.front();
+  pacer.waiting_.pop_front();
+  pacer.startPace();
+  (*next)();
+  return 0;
+}
+
+}  // namespace nimbo
