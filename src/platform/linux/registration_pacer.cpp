@@ -3,12 +3,13 @@
 
 #include <time.h>
 
+#include <chrono>
 #include <utility>
 
 namespace nimbo {
 namespace {
 
-constexpr std::uint64_t kPace = 250'000;     // microseconds
+constexpr std::chrono::milliseconds kPace{250};
 constexpr std::uint64_t kAccuracy = 50'000;  // microseconds
 
 }  // namespace
@@ -26,7 +27,9 @@ Subscription RegistrationPacer::request(std::function<void()> turn) {
 
 void RegistrationPacer::startPace() {
   sd_event_source* source = nullptr;
-  sd_event_add_time_relative(event_, &source, CLOCK_MONOTONIC, kPace, kAccuracy, onPaceOver, this);
+  const auto now = std::chrono::steady_clock::now().time_since_epoch();
+  const auto due = std::chrono::duration_cast<std::chrono::microseconds>(now + kPace).count();
+  sd_event_add_time(event_, &source, CLOCK_MONOTONIC, static_cast<std::uint64_t>(due), kAccuracy, onPaceOver, this);
   pace_.reset(source);
 }
 

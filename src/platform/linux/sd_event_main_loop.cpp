@@ -28,6 +28,11 @@ std::uint64_t microsecondsOf(milliseconds duration) {
 // An accuracy of 0 asks sd-event for its default of 250 ms.
 std::uint64_t accuracyFor(milliseconds leeway) { return std::max<std::uint64_t>(microsecondsOf(leeway), 1); }
 
+std::uint64_t monotonicNow() {
+  const auto sinceStart = std::chrono::steady_clock::now().time_since_epoch();
+  return static_cast<std::uint64_t>(std::chrono::duration_cast<microseconds>(sinceStart).count());
+}
+
 /// One registered callback. Handlers keep it alive while they run, because a callback may destroy
 /// its own subscription.
 struct Registration : std::enable_shared_from_this<Registration> {
@@ -115,8 +120,10 @@ Subscription SdEventMainLoop::every(milliseconds interval, milliseconds leeway, 
   auto registration = makeRegistration(std::move(fire));
   registration->interval = std::max<std::uint64_t>(microsecondsOf(interval), 1);
   sd_event_source* source = nullptr;
-  check(sd_event_add_time_relative(event_.get(), &source, CLOCK_MONOTONIC, registration->interval, accuracyFor(leeway),
-                                   onRepeat, registration.get()));
+  // Not sd_event_add_time_relative: it counts from sd-event's last turn, which under an outer loop
+  // may be long past.
+  check(sd_event_add_time(event_.get(), &source, CLOCK_MONOTONIC, monotonicNow() + registration->interval,
+                          accuracyFor(leeway), onRepeat, registration.get()));
   registration->source.reset(source);
   return subscribe(std::move(registration));
 }
