@@ -38,6 +38,7 @@ def show(folder, dark, scale):
         turn_for(5)  # a few samples, so that there is a history to see
         click(session, x + width // 2, y + height // 2)
         wait_until(nimbo.dashboard, "the dashboard")
+        point_nowhere(session)  # so that no tooltip covers the picture
         for tab, label in TABS.items():
             nimbo.press(label)
             if tab == "memory":
@@ -49,7 +50,7 @@ def show(folder, dark, scale):
         session_key(session, "Escape")
         nimbo.wait_for_no_dashboard()
         click(session, x + width // 2, y + height // 2, button=3)
-        turn_for(0.5)
+        point_nowhere(session)
         panel.settled_picture(folder / f"menu-{name}.png")
         session_key(session, "Escape")
         status = nimbo.terminate()
@@ -61,6 +62,10 @@ def show(folder, dark, scale):
 
 def click(session, x, y, button=1):
     subprocess.run(["xdotool", "mousemove", str(x), str(y), "click", str(button)], env=session.env, check=True)
+
+
+def point_nowhere(session):
+    subprocess.run(["xdotool", "mousemove", "40", "400"], env=session.env, check=True)
 
 
 def session_key(session, name):
