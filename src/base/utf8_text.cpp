@@ -52,6 +52,8 @@ Part firstPart(std::string_view bytes) {
 }  // namespace
 
 std::string repairedUtf8(std::string_view bytes) {
+  const auto isAscii = [](char byte) { return static_cast<unsigned char>(byte) < 0x80; };
+  if (std::all_of(bytes.begin(), bytes.end(), isAscii)) return std::string(bytes);
   std::string text;
   text.reserve(bytes.size());
   while (!bytes.empty()) {

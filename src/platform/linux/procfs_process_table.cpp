@@ -2,9 +2,9 @@
 #include "platform/linux/procfs_process_table.h"
 
 #include <fcntl.h>
-#include <fmt/format.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstddef>
@@ -75,10 +75,12 @@ std::optional<ProcessReading> ProcfsProcessTable::readResident(std::int32_t pid)
   return reading;
 }
 
-std::optional<std::string_view> ProcfsProcessTable::readFile(std::int32_t pid, const char* name,
+std::optional<std::string_view> ProcfsProcessTable::readFile(std::int32_t pid, std::string_view name,
                                                              std::span<char> buffer) const {
   std::array<char, 32> path;
-  *fmt::format_to_n(path.data(), path.size() - 1, "{}/{}", pid, name).out = '\0';
+  char* const end = std::to_chars(path.data(), path.data() + path.size(), pid).ptr;
+  *end = '/';
+  *std::copy(name.begin(), name.end(), end + 1) = '\0';  // "status" at the longest
   const UniqueFd file(::openat(folder_.get(), path.data(), O_RDONLY | O_CLOEXEC));
   if (!file) return std::nullopt;
   const ssize_t size = ::read(file.get(), buffer.data(), buffer.size());

@@ -24,7 +24,7 @@ class ProcfsProcessTable final : public ProcessTable {
   [[nodiscard]] bool swapInUse();
   [[nodiscard]] std::optional<ProcessReading> readStatus(std::int32_t pid) const;
   [[nodiscard]] std::optional<ProcessReading> readResident(std::int32_t pid) const;
-  [[nodiscard]] std::optional<std::string_view> readFile(std::int32_t pid, const char* name,
+  [[nodiscard]] std::optional<std::string_view> readFile(std::int32_t pid, std::string_view name,
                                                          std::span<char> buffer) const;
 
   std::string root_;
