@@ -63,6 +63,14 @@ class DiagnosticsTest(unittest.TestCase):
         run = report("--diagnostics", env={"PATH": "/usr/bin:/bin"})
         self.assertEqual((run.returncode, run.stderr), (0, ""))
 
+    def test_claude_desktop_check_comes_before_the_report(self):
+        run = report("--diagnostics", "--claude-desktop-check")
+        self.assertEqual((run.returncode, run.stdout), (1, ""))
+        self.assertEqual(run.stderr, "nimbo: --claude-desktop-check is not available in this version\n")
+
+    def test_report_comes_before_the_profile(self):
+        self.assertRegex(report("--profile", "--diagnostics").stdout, "^Total: ")
+
     def test_unknown_arguments_are_ignored(self):
         self.assertEqual(report("--verbose", "--diagnostics", "--diagnostics=no").returncode, 0)
 

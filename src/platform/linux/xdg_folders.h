@@ -7,7 +7,7 @@
 
 namespace nimbo {
 
-/// The user's base folders as the XDG Base Directory Specification places them. They may not exist yet.
+/// The user's base folders by the XDG base directory rules. They may not exist yet.
 struct XdgFolders {
   std::filesystem::path config;
   std::filesystem::path data;
