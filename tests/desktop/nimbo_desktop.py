@@ -82,7 +82,9 @@ class Bus:
     def __init__(self, env, system=False):
         read, write = os.pipe()
         self.daemon = Process(
-            ["dbus-daemon", "--session", "--nofork", f"--print-address={write}"],
+            # In the session's own folder, because the daemon leaves its socket behind.
+            ["dbus-daemon", "--session", "--nofork", f"--print-address={write}"]
+            + [f"--address=unix:dir={env['XDG_RUNTIME_DIR']}"],
             env,
             pass_fds=[write],
             stderr=subprocess.DEVNULL,

@@ -22,6 +22,8 @@ class PrivateBus {
  public:
   PrivateBus() {
     const std::string config = folder_.write("bus.conf", kConfig).string();
+    // In a folder of our own, because the daemon leaves its socket behind.
+    const std::string listen = "--address=unix:dir=" + folder_.path().string();
     std::array<int, 2> pipe{};
     if (::pipe(pipe.data()) != 0) throw std::system_error(errno, std::generic_category(), "pipe");
     pid_ = ::fork();
@@ -31,7 +33,7 @@ class PrivateBus {
       // It complains of limits that a container does not let it raise.
       ::dup2(::open("/dev/null", O_WRONLY), STDERR_FILENO);
       ::execlp("dbus-daemon", "dbus-daemon", ("--config-file=" + config).c_str(), "--nofork", "--print-address=3",
-               nullptr);
+               listen.c_str(), nullptr);
       ::_exit(127);
     }
     ::close(pipe[1]);
