@@ -32,7 +32,7 @@ def show(folder, dark, scale):
 
         def items():
             box = panel.changed_box(before, panel.settled_picture(after))
-            return box if box and box[2] > 2 * box[3] else None
+            return box if box and box[2] > 70 * scale else None  # two alone are 52 wide
 
         x, y, width, height = wait_until(items, "three items in the panel")
         turn_for(5)  # a few samples, so that there is a history to see
