@@ -51,6 +51,13 @@ QPainterPath rounded(const QRectF& rect, double radius) {
 
 ChartWidget::ChartWidget(const Theme& theme, QWidget* parent) : QWidget(parent), theme_(theme) {}
 
+void ChartWidget::place(const Rect& frame, const std::string& accessibleName, bool visible) {
+  setGeometry(toQRect(frame));
+  setAccessibleName(QString::fromStdString(accessibleName));
+  setVisible(visible);
+  update();
+}
+
 void ChartWidget::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
   painter.setRenderHint(QPainter::Antialiasing);

@@ -3,6 +3,7 @@
 
 #include <QString>
 #include <QWidget>
+#include <string>
 #include <vector>
 
 #include "ui/chart_bar.h"
@@ -28,6 +29,7 @@ class ChartWidget : public QWidget {
 
  protected:
   [[nodiscard]] virtual std::vector<ChartBar> bars() const = 0;
+  void place(const Rect& frame, const std::string& accessibleName, bool visible);
   void paintEvent(QPaintEvent* event) override;
 
  private:

@@ -2,17 +2,13 @@
 #include "ui/qt/history_widget.h"
 
 #include "ui/history_view.h"
-#include "ui/qt/qt_geometry.h"
 
 namespace nimbo {
 
 void HistoryWidget::setContent(const HistoryContent& content) {
   if (content_ == content) return;
   content_ = content;
-  setGeometry(toQRect(content.frame));
-  setAccessibleName(QString::fromStdString(content.accessibleName));
-  setVisible(content.visible);
-  update();
+  place(content.frame, content.accessibleName, content.visible);
 }
 
 ChartReading HistoryWidget::reading() const {
