@@ -87,6 +87,8 @@ class Bus:
             + [f"--address=unix:dir={env['XDG_RUNTIME_DIR']}"],
             env,
             pass_fds=[write],
+            # What the bus starts would write to the terminal, too.
+            stdout=subprocess.DEVNULL,
             stderr=subprocess.DEVNULL,
         )
         os.close(write)
