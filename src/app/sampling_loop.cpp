@@ -79,6 +79,7 @@ void SamplingLoop::startTemperatureRead() {
 void SamplingLoop::finishTemperatureRead(std::optional<double> celsius, std::uint64_t generation) {
   temperatureScanning_ = false;
   if (!settings_.monitorTemperature() || sleeping_ || generation != temperatureGeneration_) return;
+  if (!celsius) return;  // the last one stands until there is another
   readings_.temperature = celsius;
   readings_.temperatureDate = sources_.readers.clock->now();
   callbacks_.readingsChanged();

@@ -211,14 +211,31 @@ TEST_F(SamplingLoopTest, TemperatureSwitchedOffMeanwhileIsIgnored) {
   EXPECT_FALSE(readings().temperature);
 }
 
-TEST_F(SamplingLoopTest, SensorThatFallsSilentClearsTheTemperature) {
+TEST_F(SamplingLoopTest, MissingTemperatureLeavesTheLastOneAndItsDate) {
   settings.setMonitorTemperature(true);
   sampling->tick();
   finishTemperature();
+  const auto date = readings().temperatureDate;
+  platform.celsius.reset();
+  platform.clock->advance(seconds(5));
+  sampling->tick();
+  const int changesBefore = changes;
+  finishTemperature();
+  EXPECT_EQ(readings().temperature, 50.0);
+  EXPECT_EQ(readings().temperatureDate, date);
+  EXPECT_EQ(changes, changesBefore);
+}
+
+TEST_F(SamplingLoopTest, MissingTemperatureDoesNotHoldUpTheNextRead) {
+  settings.setMonitorTemperature(true);
   platform.celsius.reset();
   sampling->tick();
   finishTemperature();
-  EXPECT_FALSE(readings().temperature);
+  EXPECT_FALSE(readings().temperatureDate);
+  platform.celsius = 61;
+  sampling->tick();
+  finishTemperature();
+  EXPECT_EQ(readings().temperature, 61.0);
 }
 
 TEST_F(SamplingLoopTest, ProcessesAreScannedOnlyWhenWanted) {
