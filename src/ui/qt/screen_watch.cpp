@@ -9,7 +9,7 @@ namespace nimbo {
 
 ScreenWatch::ScreenWatch() {
   changed_.setSingleShot(true);
-  QObject::connect(&changed_, &QTimer::timeout, &changed_, [this] { notify(); });
+  QObject::connect(&changed_, &QTimer::timeout, &changed_, [this] { observers_.notify(); });
   const auto changed = [this] { changed_.start(0); };
   QObject::connect(qGuiApp, &QGuiApplication::screenAdded, &changed_, [this, changed](QScreen* screen) {
     watch(*screen);
@@ -26,19 +26,6 @@ void ScreenWatch::watch(QScreen& screen) {
   QObject::connect(&screen, &QScreen::availableGeometryChanged, &changed_, changed);
 }
 
-Subscription ScreenWatch::observe(std::function<void()> changed) {
-  const int id = nextObserver_++;
-  observers_->emplace(id, std::move(changed));
-  return Subscription([observers = std::weak_ptr(observers_), id] {
-    if (const auto alive = observers.lock()) alive->erase(id);
-  });
-}
-
-void ScreenWatch::notify() {
-  // An observer may end its own subscription or another's.
-  for (const auto& [id, changed] : Observers(*observers_)) {
-    if (observers_->contains(id)) changed();
-  }
-}
+Subscription ScreenWatch::observe(std::function<void()> changed) { return observers_.add(std::move(changed)); }
 
 }  // namespace nimbo

@@ -3,9 +3,8 @@
 
 #include <QTimer>
 #include <functional>
-#include <map>
-#include <memory>
 
+#include "base/observer_list.h"
 #include "base/subscription.h"
 
 class QScreen;
@@ -20,12 +19,9 @@ class ScreenWatch {
   [[nodiscard]] Subscription observe(std::function<void()> changed);
 
  private:
-  using Observers = std::map<int, std::function<void()>>;
   void watch(QScreen& screen);
-  void notify();
 
-  std::shared_ptr<Observers> observers_ = std::make_shared<Observers>();
-  int nextObserver_ = 0;
+  ObserverList<> observers_;
   QTimer changed_;
 };
 
