@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: MIT
+#include "awake/awake_manager.h"
+
+#include <utility>
+
+namespace nimbo {
+namespace {
+
+constexpr std::chrono::milliseconds kDeadlineLeeway{100};
+
+}  // namespace
+
+AwakeManager::AwakeManager(Services services, BatteryReader batteryReader, bool observesBattery)
+    : services_(services),
+      assertions_(services.assertionClient),
+      batteryReader_(std::move(batteryReader)),
+      observesBattery_(observesBattery) {}
+
+bool AwakeManager::start(std::optional<Time> until, bool keepDisplayOn, Time now) {
+  if (until && *until <= now) {
+    tell("Choose an end time in the future.");
+    return false;
+  }
+  if (auto reason = stopReason(batteryReader_(), rules_)) {
+    isActive() ? stop(std::move(*reason)) : tell(std::move(*reason));
+    return false;
+  }
+  if (!activate(keepDisplayOn)) return false;
+  endsAt_ = until;
+  scheduleDeadline();
+  updateBatteryObserver();
+  tell({});
+  // The charger may have been pulled before the observer listened.
+  if (batteryObserver_) checkBattery();
+  return isActive();
+}
+
+void AwakeManager::stop(std::string message) {
+  deadlineTimer_.reset();
+  batteryObserver_.reset();
+  displayOffRequest_.reset();
+  assertions_.deactivate();
+  endsAt_.reset();
+  tell(std::move(message));
+}
+
+void AwakeManager::stopByUser() { stop("Session ended. Normal sleep is allowed."); }
+
+void AwakeManager::extend(std::chrono::seconds by) {
+  checkDeadline(services_.clock.now());
+  if (!isActive() || !endsAt_) return;
+  *endsAt_ += by;
+  scheduleDeadline();
+  if (onChange) onChange();
+}
+
+bool AwakeManager::setKeepDisplayOn(bool on) {
+  if (!isActive()) return true;
+  if (!activate(on)) return false;
+  tell({});
+  return true;
+}
+
+void AwakeManager::turnDisplayOff() {
+  checkDeadline(services_.clock.now());
+  if (!isActive() || keepsDisplayOn()) return;
+  auto request = services_.displayPower.sleepNow(
+      [this] { tell("macOS couldn’t turn the display off. Your Mac is still awake."); });
+  if (request) {
+    displayOffRequest_ = std::move(*request);
+  } else {
+    tell(request.error().description);
+  }
+}
+
+void AwakeManager::setRules(const AwakeRules& rules) {
+  rules_ = rules;
+  if (!isActive()) return;
+  updateBatteryObserver();
+  checkBattery();
+}
+
+void AwakeManager::checkDeadline(Time now) {
+  if (isActive() && endsAt_ && now >= *endsAt_) stop("Timer finished. Normal sleep is allowed.");
+}
+
+void AwakeManager::checkBattery() {
+  if (!isActive()) return;
+  if (auto reason = stopReason(batteryReader_(), rules_)) stop(std::move(*reason));
+}
+
+bool AwakeManager::activate(bool keepDisplayOn) {
+  if (const auto held = assertions_.activate(keepDisplayOn); !held) {
+    tell(held.error().description());
+    return false;
+  }
+  // A display that is to stay on must not go dark a moment later.
+  if (keepDisplayOn) displayOffRequest_.reset();
+  return true;
+}
+
+void AwakeManager::tell(std::string message) {
+  message_ = std::move(message);
+  if (onChange) onChange();
+}
+
+void AwakeManager::scheduleDeadline() {
+  deadlineTimer_.reset();
+  if (!endsAt_) return;
+  deadlineTimer_ = services_.mainLoop.at(*endsAt_, kDeadlineLeeway, [this] {
+    const Time now = services_.clock.now();
+    // The clock may have been set back since the timer, which fires only once, was due.
+    if (endsAt_ && now < *endsAt_) return scheduleDeadline();
+    checkDeadline(now);
+  });
+}
+
+void AwakeManager::updateBatteryObserver() {
+  if (!observesBattery_ || (!rules_.onlyOnPower && rules_.batteryFloor < 1)) {
+    batteryObserver_.reset();
+    return;
+  }
+  if (batteryObserver_) return;
+  batteryObserver_.emplace(services_.powerSources);
+  batteryObserver_->onChange = [this] { checkBattery(); };
+}
+
+}  // namespace nimbo

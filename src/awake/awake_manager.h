@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "awake/awake_rules.h"
+#include "awake/battery_observer.h"
+#include "awake/power_assertions.h"
+#include "platform/clock.h"
+#include "platform/display_power.h"
+#include "platform/main_loop.h"
+
+namespace nimbo {
+
+/// The Keep Awake session: holds the assertions for as long as the user asked and the battery rules
+/// allow, and keeps the one message that tells about it. Every failure becomes that message. Main
+/// thread only; the application controller owns the only one.
+class AwakeManager {
+ public:
+  using Time = std::chrono::system_clock::time_point;
+
+  /// All outlive the manager.
+  struct Services {
+    MainLoop& mainLoop;
+    const Clock& clock;
+    AssertionClient& assertionClient;
+    PowerSources& powerSources;
+    DisplayPower& displayPower;
+  };
+
+  /// Without `observesBattery` the rules are only applied when asked for.
+  AwakeManager(Services services, BatteryReader batteryReader, bool observesBattery);
+
+  [[nodiscard]] bool isActive() const { return assertions_.isActive(); }
+  [[nodiscard]] bool keepsDisplayOn() const { return assertions_.keepsDisplayOn(); }
+  /// Absent for a session until stopped, and without a session.
+  [[nodiscard]] std::optional<Time> endsAt() const { return endsAt_; }
+  /// Empty when there is nothing to tell but the state itself.
+  [[nodiscard]] const std::string& message() const { return message_; }
+
+  /// Starts a session, or gives a running one another end and display choice; `until` is absent for
+  /// one until stopped. Whether the new session runs; when refused, a running one goes on as it was,
+  /// unless it is the battery rules that refuse.
+  bool start(std::optional<Time> until, bool keepDisplayOn, Time now);
+  void stop(std::string message);
+  /// Stops on the user's behalf.
+  void stopByUser();
+  /// Moves the end of a session that has one.
+  void extend(std::chrono::seconds by);
+  /// Applies the choice to a running session; false when the system refused it.
+  bool setKeepDisplayOn(bool on);
+  /// Turns the display off at once during a session that lets it sleep; the session goes on.
+  void turnDisplayOff();
+
+  /// Takes over the rules and applies them to a running session.
+  void setRules(const AwakeRules& rules);
+  /// Ends the session when its end has come.
+  void checkDeadline(Time now);
+  /// Ends the session when the rules forbid it now.
+  void checkBattery();
+
+  /// After every change that the user should see.
+  std::function<void()> onChange;
+
+ private:
+  [[nodiscard]] bool activate(bool keepDisplayOn);
+  void tell(std::string message);
+  void scheduleDeadline();
+  void updateBatteryObserver();
+
+  Services services_;
+  PowerAssertions assertions_;
+  BatteryReader batteryReader_;
+  const bool observesBattery_;
+  AwakeRules rules_;
+  Subscription deadlineTimer_;
+  std::optional<BatteryObserver> batteryObserver_;
+  Subscription displayOffRequest_;
+  std::optional<Time> endsAt_;
+  std::string message_ = "Keep AI jobs running while your display rests.";
+};
+
+}  // namespace nimbo

@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+#include "awake/session_length.h"
+
+#include <charconv>
+#include <string>
+#include <system_error>
+
+namespace nimbo {
+
+std::optional<std::int64_t> customMinutes(std::string_view text) {
+  constexpr std::string_view kSpace = " \t\n\v\f\r";
+  const auto first = text.find_first_not_of(kSpace);
+  if (first == std::string_view::npos) return std::nullopt;
+  text = text.substr(first, text.find_last_not_of(kSpace) - first + 1);
+
+  std::int64_t minutes = 0;
+  const char* const end = text.data() + text.size();
+  const auto [rest, error] = std::from_chars(text.data(), end, minutes);
+  if (error != std::errc() || rest != end || minutes != clampedCustomMinutes(minutes)) return std::nullopt;
+  return minutes;
+}
+
+std::optional<std::chrono::system_clock::time_point> sessionEnd(std::int64_t duration, std::int64_t minutes,
+                                                                std::chrono::system_clock::time_point date,
+                                                                std::chrono::system_clock::time_point now) {
+  switch (duration) {
+    case kUntilStopped:
+      return std::nullopt;
+    case kCustomMinutes:
+      return now + std::chrono::minutes(minutes);
+    case kUntilDate:
+      return date;
+    default:
+      return now + std::chrono::seconds(duration);
+  }
+}
+
+}  // namespace nimbo

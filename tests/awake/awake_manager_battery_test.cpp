@@ -1,0 +1,209 @@
+// SPDX-License-Identifier: MIT
+#include <utility>
+
+#include "awake/awake_fixture.h"
+
+namespace nimbo {
+namespace {
+
+constexpr const char* kConnect = "Connect the charger to keep this Mac awake.";
+constexpr const char* kAtTwenty = "Session stopped: battery is at or below 20%.";
+
+class AwakeManagerBatteryTest : public AwakeManagerTest {};
+
+TEST_F(AwakeManagerBatteryTest, ChargeAtTheDefaultFloorRefusesToStart) {
+  sources.onBattery(20);
+  EXPECT_FALSE(start(at(14, 0)));
+  EXPECT_FALSE(manager.isActive());
+  EXPECT_EQ(told, Log{kAtTwenty});
+  EXPECT_EQ(client.calls, Log{});
+  EXPECT_EQ(timerEnd(), std::nullopt);
+}
+
+TEST_F(AwakeManagerBatteryTest, ChargeAboveTheDefaultFloorStarts) {
+  sources.onBattery(21);
+  EXPECT_TRUE(start());
+  EXPECT_EQ(told, Log{""});
+}
+
+TEST_F(AwakeManagerBatteryTest, RunningSessionEndsWhenTheFloorIsReached) {
+  sources.onBattery(22);
+  start(at(14, 0), true);
+  sources.onBattery(21);
+  EXPECT_TRUE(manager.isActive());
+  sources.onBattery(20);
+  EXPECT_FALSE(manager.isActive());
+  EXPECT_EQ(manager.endsAt(), std::nullopt);
+  EXPECT_EQ(timerEnd(), std::nullopt);
+  EXPECT_TRUE(client.held().empty());
+  EXPECT_EQ(told, (Log{"", kAtTwenty}));
+}
+
+TEST_F(AwakeManagerBatteryTest, LowBatteryOnMainsRunsUntilTheChargerIsPulled) {
+  sources.onMains(5);
+  EXPECT_TRUE(start());
+  sources.onBattery(5);
+  EXPECT_EQ(manager.message(), kAtTwenty);
+}
+
+TEST_F(AwakeManagerBatteryTest, OnlyOnPowerStartsOnMainsAndEndsWithoutTheCharger) {
+  manager.setRules({true, 0});
+  sources.onMains(80);
+  EXPECT_TRUE(start());
+  sources.onBattery(80);
+  EXPECT_FALSE(manager.isActive());
+  EXPECT_EQ(told, (Log{"", kConnect}));
+}
+
+TEST_F(AwakeManagerBatteryTest, OnlyOnPowerRefusesToStartOnBattery) {
+  manager.setRules({true, 0});
+  sources.onBattery(100);
+  EXPECT_FALSE(start());
+  EXPECT_EQ(told, Log{kConnect});
+}
+
+TEST_F(AwakeManagerBatteryTest, StartThatTheRulesRefuseEndsARunningSession) {
+  AwakeManager unobserved(
+      {loop, clock, client, sources, display}, [this] { return readBattery(sources); }, false);
+  ASSERT_TRUE(unobserved.start(at(15, 0), true, clock.now()));
+  sources.onBattery(10);
+  ASSERT_TRUE(unobserved.isActive());
+  EXPECT_FALSE(unobserved.start(at(16, 0), true, clock.now()));
+  EXPECT_FALSE(unobserved.isActive());
+  EXPECT_EQ(unobserved.endsAt(), std::nullopt);
+  EXPECT_EQ(timerEnd(), std::nullopt);
+  EXPECT_TRUE(client.held().empty());
+  EXPECT_EQ(unobserved.message(), kAtTwenty);
+}
+
+TEST_F(AwakeManagerBatteryTest, MachineWithoutABatteryIsNeverStopped) {
+  manager.setRules({true, 50});
+  sources.none();
+  EXPECT_TRUE(start());
+  sources.unavailable();
+  EXPECT_TRUE(manager.isActive());
+}
+
+TEST_F(AwakeManagerBatteryTest, UnknownChargeDoesNotReachTheFloor) {
+  sources.onBattery(std::nullopt);
+  EXPECT_TRUE(start());
+  sources.onBattery(std::nullopt);
+  EXPECT_TRUE(manager.isActive());
+}
+
+TEST_F(AwakeManagerBatteryTest, ChargerPulledBetweenReadingAndObservingEndsTheSession) {
+  bool pulled = false;
+  AwakeManager late(
+      {loop, clock, client, sources, display},
+      [&] {
+        return std::exchange(pulled, true) ? BatteryState{true, 80} : BatteryState{false, 80};
+      },
+      true);
+  late.setRules({true, 20});
+  EXPECT_FALSE(late.start(at(14, 0), true, clock.now()));
+  EXPECT_FALSE(late.isActive());
+  EXPECT_EQ(late.message(), kConnect);
+  EXPECT_TRUE(client.held().empty());
+  EXPECT_EQ(sources.observers(), 0);
+}
+
+TEST_F(AwakeManagerBatteryTest, PowerSourcesAreObservedWhileASessionWithARuleRuns) {
+  EXPECT_EQ(sources.observers(), 0);
+  start();
+  EXPECT_EQ(sources.observers(), 1);
+  manager.stopByUser();
+  EXPECT_EQ(sources.observers(), 0);
+}
+
+TEST_F(AwakeManagerBatteryTest, SecondStartKeepsTheObserver) {
+  start(at(14, 0));
+  start(at(15, 0));
+  EXPECT_EQ(sources.subscriptions, 1);
+  EXPECT_EQ(sources.observers(), 1);
+}
+
+TEST_F(AwakeManagerBatteryTest, WithoutARuleNothingIsObservedAndNothingEndsTheSession) {
+  manager.setRules({false, 0});
+  sources.onMains(50);
+  EXPECT_TRUE(start());
+  EXPECT_EQ(sources.subscriptions, 0);
+  sources.onBattery(0);
+  manager.checkBattery();
+  EXPECT_TRUE(manager.isActive());
+}
+
+TEST_F(AwakeManagerBatteryTest, OnlyOnPowerAloneNeedsTheObserver) {
+  manager.setRules({true, 0});
+  EXPECT_TRUE(start());
+  EXPECT_EQ(sources.observers(), 1);
+}
+
+TEST_F(AwakeManagerBatteryTest, RulesMakeAndDropTheObserverOfARunningSession) {
+  start();
+  manager.setRules({false, -1});
+  EXPECT_EQ(sources.observers(), 0);
+  manager.setRules({false, 30});
+  EXPECT_EQ(sources.observers(), 1);
+  manager.setRules({true, 30});
+  EXPECT_EQ(sources.subscriptions, 2);
+}
+
+TEST_F(AwakeManagerBatteryTest, RulesAreAppliedToARunningSessionAtOnce) {
+  sources.onBattery(45);
+  start();
+  manager.setRules({false, 50});
+  EXPECT_FALSE(manager.isActive());
+  EXPECT_EQ(sources.observers(), 0);
+  EXPECT_EQ(told, (Log{"", "Session stopped: battery is at or below 50%."}));
+}
+
+TEST_F(AwakeManagerBatteryTest, RulesThatAllowTheSessionTellNothing) {
+  sources.onBattery(45);
+  start();
+  manager.setRules({false, 40});
+  EXPECT_TRUE(manager.isActive());
+  EXPECT_EQ(told, Log{""});
+}
+
+TEST_F(AwakeManagerBatteryTest, RulesWhileIdleWaitForTheNextSession) {
+  sources.onBattery(45);
+  const int readings = sources.readings;
+  manager.setRules({true, 50});
+  EXPECT_EQ(sources.readings, readings);
+  EXPECT_EQ(sources.subscriptions, 0);
+  EXPECT_EQ(told, Log{});
+  EXPECT_FALSE(start());
+  EXPECT_EQ(told, Log{kConnect});
+}
+
+TEST_F(AwakeManagerBatteryTest, ManagerThatMustNotObserveAppliesTheRulesWhenAsked) {
+  AwakeManager unobserved(
+      {loop, clock, client, sources, display}, [this] { return readBattery(sources); }, false);
+  sources.onBattery(60);
+  ASSERT_TRUE(unobserved.start({}, false, clock.now()));
+  EXPECT_EQ(sources.subscriptions, 0);
+  sources.onBattery(10);
+  EXPECT_TRUE(unobserved.isActive());
+  unobserved.checkBattery();
+  EXPECT_FALSE(unobserved.isActive());
+  EXPECT_EQ(unobserved.message(), kAtTwenty);
+}
+
+TEST_F(AwakeManagerBatteryTest, CheckWhileIdleDoesNotEvenRead) {
+  sources.onBattery(5);
+  manager.checkBattery();
+  EXPECT_EQ(sources.readings, 0);
+  EXPECT_EQ(told, Log{});
+}
+
+TEST_F(AwakeManagerBatteryTest, ChangesAfterTheSessionAreNotRead) {
+  start();
+  manager.stopByUser();
+  const int readings = sources.readings;
+  sources.onBattery(5);
+  EXPECT_EQ(sources.readings, readings);
+  EXPECT_EQ(told, (Log{"", "Session ended. Normal sleep is allowed."}));
+}
+
+}  // namespace
+}  // namespace nimbo

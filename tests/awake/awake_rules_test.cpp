@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: MIT
+#include "awake/awake_rules.h"
+
+#include <gtest/gtest.h>
+
+namespace nimbo {
+namespace {
+
+constexpr const char* kConnect = "Connect the charger to keep this Mac awake.";
+
+std::string floorMessage(int floor) {
+  return "Session stopped: battery is at or below " + std::to_string(floor) + "%.";
+}
+
+TEST(AwakeRules, DefaultsAllowBatteryDownToTwentyPercent) { EXPECT_EQ(AwakeRules(), (AwakeRules{false, 20})); }
+
+TEST(AwakeRules, MachineWithoutABatteryIsNeverStopped) {
+  EXPECT_EQ(stopReason(std::nullopt, {true, 100}), std::nullopt);
+}
+
+TEST(AwakeRules, MainsPowerIsNeverAReasonWhateverTheCharge) {
+  EXPECT_EQ(stopReason(BatteryState{false, 1}, {true, 20}), std::nullopt);
+  EXPECT_EQ(stopReason(BatteryState{false, std::nullopt}, {true, 20}), std::nullopt);
+}
+
+TEST(AwakeRules, OnlyOnPowerStopsOnBatteryWhateverTheCharge) {
+  EXPECT_EQ(stopReason(BatteryState{true, 100}, {true, 0}), kConnect);
+  EXPECT_EQ(stopReason(BatteryState{true, std::nullopt}, {true, 20}), kConnect);
+}
+
+TEST(AwakeRules, OnlyOnPowerComesBeforeTheFloor) { EXPECT_EQ(stopReason(BatteryState{true, 5}, {true, 20}), kConnect); }
+
+TEST(AwakeRules, ChargeAtTheFloorStopsAndOneAboveDoesNot) {
+  EXPECT_EQ(stopReason(BatteryState{true, 20}, {false, 20}), floorMessage(20));
+  EXPECT_EQ(stopReason(BatteryState{true, 21}, {false, 20}), std::nullopt);
+}
+
+TEST(AwakeRules, MessageNamesTheFloorAndNotTheCharge) {
+  EXPECT_EQ(stopReason(BatteryState{true, 3}, {false, 50}), floorMessage(50));
+  EXPECT_EQ(stopReason(BatteryState{true, 0}, {false, 1}), floorMessage(1));
+  EXPECT_EQ(stopReason(BatteryState{true, 100}, {false, 100}), floorMessage(100));
+}
+
+TEST(AwakeRules, FloorBelowOneMeansNone) {
+  EXPECT_EQ(stopReason(BatteryState{true, 0}, {false, 0}), std::nullopt);
+  EXPECT_EQ(stopReason(BatteryState{true, 0}, {false, -5}), std::nullopt);
+}
+
+TEST(AwakeRules, UnknownChargeIsAboveEveryFloor) {
+  EXPECT_EQ(stopReason(BatteryState{true, std::nullopt}, {false, 100}), std::nullopt);
+}
+
+}  // namespace
+}  // namespace nimbo
