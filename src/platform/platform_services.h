@@ -3,13 +3,19 @@
 
 #include <functional>
 #include <memory>
+#include <string>
 
 #include "platform/application_instance.h"
+#include "platform/assertion_client.h"
 #include "platform/bundle_info.h"
 #include "platform/clock.h"
+#include "platform/dates.h"
+#include "platform/display_power.h"
 #include "platform/host_statistics.h"
 #include "platform/main_loop.h"
 #include "platform/module_loader.h"
+#include "platform/own_process.h"
+#include "platform/power_sources.h"
 #include "platform/process_table.h"
 #include "platform/status_bar.h"
 #include "platform/system_sleep.h"
@@ -46,11 +52,18 @@ class PlatformServices {
   [[nodiscard]] virtual const BundleInfo& bundleInfo() = 0;
   [[nodiscard]] virtual UserDefaults& userDefaults() = 0;  ///< the application's own domain
   [[nodiscard]] virtual UserDefaultsDomains& userDefaultsDomains() = 0;
+  /// Another domain of that name, or null when it cannot be kept.
+  [[nodiscard]] virtual std::unique_ptr<UserDefaults> makeUserDefaults(const std::string& domain) = 0;
   [[nodiscard]] virtual ModuleLoader& moduleLoader() = 0;
   [[nodiscard]] virtual ApplicationInstance& applicationInstance() = 0;
   [[nodiscard]] virtual StatusBar& statusBar() = 0;
   [[nodiscard]] virtual SystemSleep& systemSleep() = 0;
   [[nodiscard]] virtual Workspace& workspace() = 0;
+  [[nodiscard]] virtual AssertionClient& assertionClient() = 0;
+  [[nodiscard]] virtual PowerSources& powerSources() = 0;
+  [[nodiscard]] virtual DisplayPower& displayPower() = 0;
+  [[nodiscard]] virtual const Dates& dates() = 0;
+  [[nodiscard]] virtual const OwnProcess& ownProcess() = 0;
 };
 
 // Implemented once per operating system.

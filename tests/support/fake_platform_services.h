@@ -9,9 +9,14 @@
 #include <vector>
 
 #include "platform/platform_services.h"
+#include "support/fake_assertion_client.h"
 #include "support/fake_clock.h"
+#include "support/fake_dates.h"
+#include "support/fake_display_power.h"
 #include "support/fake_host_statistics.h"
 #include "support/fake_main_loop.h"
+#include "support/fake_own_process.h"
+#include "support/fake_power_sources.h"
 #include "support/fake_process_table.h"
 #include "support/fake_status_bar.h"
 #include "support/fake_temperature_sensor.h"
@@ -99,7 +104,17 @@ class FakePlatformServices final : public PlatformServices {
                   return sensor;
                 }};
     loop.onAdvance = [this](std::chrono::milliseconds step) { clock->advance(step); };
+    loop.setWallClock(clock->now());
   }
+
+  /// Sets the wall clock, forwards or back, as the user or the network does.
+  void setWallClock(std::chrono::system_clock::time_point now) {
+    clock->setNow(now);
+    loop.setWallClock(now);
+  }
+
+  /// The machine is away for that long; the power service tells before and after through `power`.
+  void sleep(std::chrono::milliseconds duration) { setWallClock(clock->now() + duration); }
 
   [[nodiscard]] SystemReaders& readers() override { return readers_; }
   [[nodiscard]] MainLoop& mainLoop() override { return loop; }
@@ -109,11 +124,20 @@ class FakePlatformServices final : public PlatformServices {
   [[nodiscard]] const BundleInfo& bundleInfo() override { return bundle; }
   [[nodiscard]] UserDefaults& userDefaults() override { return defaults; }
   [[nodiscard]] UserDefaultsDomains& userDefaultsDomains() override { return domains; }
+  [[nodiscard]] std::unique_ptr<UserDefaults> makeUserDefaults(const std::string& domain) override {
+    suites.push_back(domain);
+    return keepsOtherDomains ? std::make_unique<FakeUserDefaults>(domains, domain) : nullptr;
+  }
   [[nodiscard]] ModuleLoader& moduleLoader() override { return modules; }
   [[nodiscard]] ApplicationInstance& applicationInstance() override { return instance; }
   [[nodiscard]] StatusBar& statusBar() override { return bar; }
   [[nodiscard]] SystemSleep& systemSleep() override { return power; }
   [[nodiscard]] Workspace& workspace() override { return desktop; }
+  [[nodiscard]] AssertionClient& assertionClient() override { return assertions; }
+  [[nodiscard]] PowerSources& powerSources() override { return batteries; }
+  [[nodiscard]] DisplayPower& displayPower() override { return display; }
+  [[nodiscard]] const Dates& dates() override { return utcDates; }
+  [[nodiscard]] const OwnProcess& ownProcess() override { return self; }
 
   FakeClock* clock = nullptr;
   FakeHostStatistics* host = nullptr;
@@ -128,11 +152,18 @@ class FakePlatformServices final : public PlatformServices {
   BundleInfo bundle{"com.quellwerk.Nimbo", {}, {}, {}, {}, {}};
   FakeUserDefaultsDomains domains;
   FakeUserDefaults defaults{domains, "com.quellwerk.Nimbo"};
+  bool keepsOtherDomains = true;
+  std::vector<std::string> suites;  ///< names of the other domains that were asked for
   FakeModuleLoader modules;
   FakeApplicationInstance instance;
   FakeStatusBar bar;
   FakeSystemSleep power;
   FakeWorkspace desktop;
+  FakeAssertionClient assertions;
+  FakePowerSources batteries;
+  FakeDisplayPower display;
+  FakeDates utcDates;
+  FakeOwnProcess self;
 
  private:
   SystemReaders readers_;

@@ -1,13 +1,16 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <algorithm>
 #include <functional>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <optional>
 #include <utility>
 #include <vector>
 
+#include "support/fake_alert.h"
 #include "support/fake_dashboard_window.h"
 #include "ui/user_interface.h"
 
@@ -60,6 +63,12 @@ class FakeUserInterface final : public UserInterface {
     return window;
   }
 
+  [[nodiscard]] std::unique_ptr<Alert> showAlert(const AlertContent& content,
+                                                 std::function<void(std::size_t button)> answered) override {
+    alerts_.push_back(std::make_shared<FakeAlert>(content, std::move(answered)));
+    return FakeAlert::show(alerts_.back());
+  }
+
   void setScreens(std::vector<Screen> screens) {
     screens_ = std::move(screens);
     const auto observers = *observers_;
@@ -75,6 +84,14 @@ class FakeUserInterface final : public UserInterface {
   [[nodiscard]] std::size_t observerCount() const { return observers_->size(); }
   [[nodiscard]] const std::vector<Appearance>& appearances() const { return appearances_; }
   [[nodiscard]] const std::vector<FakeDashboardWindow*>& windows() const { return windows_; }
+  /// Every alert ever shown, the newest last.
+  [[nodiscard]] const std::vector<std::shared_ptr<FakeAlert>>& alerts() const { return alerts_; }
+  /// Those that are still up.
+  [[nodiscard]] std::vector<std::shared_ptr<FakeAlert>> openAlerts() const {
+    std::vector<std::shared_ptr<FakeAlert>> open;
+    std::ranges::copy_if(alerts_, std::back_inserter(open), &FakeAlert::up);
+    return open;
+  }
 
  private:
   using Observers = std::map<int, std::function<void()>>;
@@ -85,6 +102,7 @@ class FakeUserInterface final : public UserInterface {
   int lastId_ = 0;
   std::vector<Appearance> appearances_;
   std::vector<FakeDashboardWindow*> windows_;
+  std::vector<std::shared_ptr<FakeAlert>> alerts_;
 };
 
 }  // namespace nimbo

@@ -232,5 +232,36 @@ TEST(FakeUserInterface, HiddenWindowReportsNothing) {
   EXPECT_EQ(keys, 1);
 }
 
+TEST(FakeUserInterface, AlertIsAnsweredOnceAndMayGoAwayInItsAnswer) {
+  FakeUserInterface interface;
+  std::unique_ptr<Alert> alert;
+  std::vector<std::size_t> answers;
+  alert = interface.showAlert({"Title", "Text", {"Stay", "Go"}}, [&](std::size_t button) {
+    answers.push_back(button);
+    alert.reset();
+  });
+  ASSERT_EQ(interface.openAlerts().size(), 1U);
+  FakeAlert& fake = *interface.openAlerts()[0];
+  alert->present();
+  EXPECT_EQ(fake.content().title, "Title");
+  EXPECT_EQ(fake.presents(), 1);
+  EXPECT_FALSE(fake.answer(2)) << "no such button";
+  EXPECT_TRUE(fake.answer(1));
+  EXPECT_FALSE(fake.close());
+  EXPECT_EQ(answers, std::vector<std::size_t>{1});
+  EXPECT_FALSE(fake.up());
+  EXPECT_TRUE(interface.openAlerts().empty());
+  EXPECT_EQ(interface.alerts().size(), 1U);
+}
+
+TEST(FakeUserInterface, AlertTakenAwayIsNeverAnswered) {
+  FakeUserInterface interface;
+  int answers = 0;
+  auto alert = interface.showAlert({"Title", "Text", {"Stay", "Go"}}, [&](std::size_t) { ++answers; });
+  alert.reset();
+  EXPECT_FALSE(interface.alerts()[0]->close());
+  EXPECT_EQ(answers, 0);
+}
+
 }  // namespace
 }  // namespace nimbo

@@ -6,21 +6,27 @@
 #include <utility>
 
 #include "platform/linux/dbus_application_instance.h"
+#include "platform/linux/desktop_assertion_client.h"
+#include "platform/linux/desktop_display_power.h"
 #include "platform/linux/dl_module_loader.h"
 #include "platform/linux/hwmon_temperature_sensor.h"
 #include "platform/linux/json_bundle_info.h"
 #include "platform/linux/json_user_defaults.h"
 #include "platform/linux/json_user_defaults_domains.h"
+#include "platform/linux/locale_dates.h"
 #include "platform/linux/logind_system_sleep.h"
 #include "platform/linux/panel_appearance.h"
 #include "platform/linux/portal_workspace.h"
 #include "platform/linux/procfs_host_statistics.h"
+#include "platform/linux/procfs_own_process.h"
 #include "platform/linux/procfs_process_table.h"
 #include "platform/linux/sd_bus_connection.h"
 #include "platform/linux/sd_event_main_loop.h"
 #include "platform/linux/signal_termination.h"
 #include "platform/linux/sni_status_bar.h"
+#include "platform/linux/sysfs_power_sources.h"
 #include "platform/linux/thread_work_queue.h"
+#include "platform/linux/x11_screen_module.h"
 #include "platform/linux/xdg_folders.h"
 #include "platform/platform_services.h"
 #include "platform/system_clock.h"
@@ -35,9 +41,9 @@ struct Environment {
   std::map<std::string, std::string> variables;
 
   Environment() {
-    for (const char* name :
-         {"DBUS_SESSION_BUS_ADDRESS", "DBUS_SYSTEM_BUS_ADDRESS", "GTK_THEME", "HOME", "PATH", "XDG_CACHE_HOME",
-          "XDG_CONFIG_HOME", "XDG_CURRENT_DESKTOP", "XDG_DATA_HOME", "XDG_RUNTIME_DIR"}) {
+    for (const char* name : {"DBUS_SESSION_BUS_ADDRESS", "DBUS_SYSTEM_BUS_ADDRESS", "DISPLAY", "GTK_THEME", "HOME",
+                             "LANG", "LC_ALL", "LC_TIME", "PATH", "WAYLAND_DISPLAY", "XDG_CACHE_HOME",
+                             "XDG_CONFIG_HOME", "XDG_CURRENT_DESKTOP", "XDG_DATA_HOME", "XDG_RUNTIME_DIR"}) {
       if (const char* const value = std::getenv(name)) variables[name] = value;
     }
   }
@@ -47,6 +53,28 @@ struct Environment {
     return found == variables.end() ? std::string() : found->second;
   }
 };
+
+/// What the locale's dates follow, in the C library's own order.
+std::string dateLocale(const Environment& environment) {
+  for (const char* const name : {"LC_ALL", "LC_TIME", "LANG"}) {
+    if (auto value = environment.get(name); !value.empty()) return value;
+  }
+  return "C";
+}
+
+/// The X server's address in an X11 session. In a Wayland session that of its bridge for old programs
+/// would be of no use: the screen is not that one's.
+std::string x11Display(const Environment& environment) {
+  return environment.get("WAYLAND_DISPLAY").empty() ? environment.get("DISPLAY") : std::string();
+}
+
+/// Where the Wayland compositor listens; its name is relative to the session's run-time folder unless
+/// it is a whole path.
+std::string waylandSocket(const Environment& environment) {
+  const std::string name = environment.get("WAYLAND_DISPLAY");
+  if (name.empty() || name.front() == '/') return name;
+  return environment.get("XDG_RUNTIME_DIR") + "/" + name;
+}
 
 /// The folder above the one that holds the executable: /usr, or a build folder.
 std::filesystem::path installationPrefix() {
@@ -65,11 +93,19 @@ class LinuxPlatformServices final : public PlatformServices {
   [[nodiscard]] const BundleInfo& bundleInfo() override { return bundleInfo_; }
   [[nodiscard]] UserDefaults& userDefaults() override { return defaults_; }
   [[nodiscard]] UserDefaultsDomains& userDefaultsDomains() override { return domains_; }
+  [[nodiscard]] std::unique_ptr<UserDefaults> makeUserDefaults(const std::string& domain) override {
+    return std::make_unique<JsonUserDefaults>(folders_.config, domain);
+  }
   [[nodiscard]] ModuleLoader& moduleLoader() override { return modules_; }
   [[nodiscard]] ApplicationInstance& applicationInstance() override { return instance_; }
   [[nodiscard]] StatusBar& statusBar() override { return statusBar_; }
   [[nodiscard]] SystemSleep& systemSleep() override { return systemSleep_; }
   [[nodiscard]] Workspace& workspace() override { return workspace_; }
+  [[nodiscard]] AssertionClient& assertionClient() override { return assertionClient_; }
+  [[nodiscard]] PowerSources& powerSources() override { return powerSources_; }
+  [[nodiscard]] DisplayPower& displayPower() override { return displayPower_; }
+  [[nodiscard]] const Dates& dates() override { return dates_; }
+  [[nodiscard]] const OwnProcess& ownProcess() override { return ownProcess_; }
 
  private:
   // In order of dependence: what comes later uses what comes before and goes first.
@@ -79,6 +115,7 @@ class LinuxPlatformServices final : public PlatformServices {
   const std::string desktop_ = environment_.get("XDG_CURRENT_DESKTOP");
   const std::string sessionAddress_ =
       sessionBusAddress(environment_.get("DBUS_SESSION_BUS_ADDRESS"), environment_.get("XDG_RUNTIME_DIR"));
+  const std::string systemAddress_ = systemBusAddress(environment_.get("DBUS_SYSTEM_BUS_ADDRESS"));
 
   SystemReaders readers_ = makeSystemReaders();
   BundleInfo bundleInfo_ = readBundleInfo(prefix_ / "share" / "nimbo" / "Info.json");
@@ -90,13 +127,21 @@ class LinuxPlatformServices final : public PlatformServices {
   SignalTermination termination_{loop_};
   // A session that has lost its bus is over.
   SdBusConnection session_{loop_.event(), sessionAddress_, [this] { loop_.quit(); }};
-  SdBusConnection system_{loop_.event(), systemBusAddress(environment_.get("DBUS_SYSTEM_BUS_ADDRESS"))};
+  SdBusConnection system_{loop_.event(), systemAddress_};
   DbusApplicationInstance instance_{session_};
   PortalWorkspace workspace_{
       loop_.event(), session_.get(), {desktop_, environment_.get("PATH"), environment_.get("GTK_THEME")}};
   PanelAppearance panel_{session_.get(), desktop_, workspace_};
   SniStatusBar statusBar_{loop_.event(), sessionAddress_, desktop_, panel_};
   LogindSystemSleep systemSleep_{system_.get()};
+
+  const X11ScreenMaker makeX11Screen_ = x11ScreenFromModule(modules_, x11Display(environment_));
+  DesktopAssertionClient assertionClient_{{{loop_.event(), loop_}, sessionAddress_, systemAddress_, makeX11Screen_}};
+  DesktopDisplayPower displayPower_{
+      loop_, session_.get(), makeX11Screen_, {desktop_, {environment_.get("SWAYSOCK"), waylandSocket(environment_)}}};
+  SysfsPowerSources powerSources_{loop_.event()};
+  LocaleDates dates_{dateLocale(environment_)};
+  ProcfsOwnProcess ownProcess_;
 
   ThreadWorkQueue temperatureQueue_{"Nimbo.temperature"};
   ThreadWorkQueue utilityQueue_{"Nimbo.utility"};

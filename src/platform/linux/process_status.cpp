@@ -25,27 +25,43 @@ bool takePrefix(std::string_view& line, std::string_view prefix) {
   return true;
 }
 
-}  // namespace
-
-ProcessReading parseProcessStatus(std::string_view text) {
-  std::string_view name;
+struct StatusFields {
+  std::string_view name;  // as escaped
   std::optional<std::uint64_t> anonymous;
   std::uint64_t resident = 0;
   std::uint64_t swapped = 0;
+
+  [[nodiscard]] std::uint64_t footprint() const { return anonymous.value_or(resident) + swapped; }
+};
+
+StatusFields parseFields(std::string_view text) {
+  StatusFields fields;
   while (auto line = takeLine(text)) {
     if (takePrefix(*line, "Name:\t")) {
-      name = *line;
+      fields.name = *line;
     } else if (takePrefix(*line, "VmRSS:")) {
-      resident = parseKilobytes(*line).value_or(0);
+      fields.resident = parseKilobytes(*line).value_or(0);
     } else if (takePrefix(*line, "RssAnon:")) {
-      anonymous = parseKilobytes(*line);
+      fields.anonymous = parseKilobytes(*line);
     } else if (takePrefix(*line, "VmSwap:")) {
-      swapped = parseKilobytes(*line).value_or(0);
+      fields.swapped = parseKilobytes(*line).value_or(0);
       break;  // the last of those wanted
     }
   }
-  const std::uint64_t footprint = anonymous.value_or(resident) + swapped;
-  return {footprint, footprint > 0 ? unescaped(name) : std::string()};
+  return fields;
+}
+
+}  // namespace
+
+ProcessReading parseProcessStatus(std::string_view text) {
+  const StatusFields fields = parseFields(text);
+  const std::uint64_t footprint = fields.footprint();
+  return {footprint, footprint > 0 ? unescaped(fields.name) : std::string()};
+}
+
+StatusMemory parseStatusMemory(std::string_view text) {
+  const StatusFields fields = parseFields(text);
+  return {fields.footprint(), fields.resident};
 }
 
 std::optional<std::uint64_t> parseAnonymousPages(std::string_view text) {

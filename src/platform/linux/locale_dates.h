@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <locale.h>
+
+#include "base/unique_handle.h"
+#include "platform/dates.h"
+
+namespace nimbo {
+
+struct LocaleTraits {
+  using Handle = locale_t;
+  static Handle invalid() { return nullptr; }
+  static void release(Handle locale) { ::freelocale(locale); }
+};
+
+/// Dates by the C library's locales, without touching the locale of the process.
+class LocaleDates final : public Dates {
+ public:
+  /// `locale` is what the user's environment says: LC_ALL, else LC_TIME, else LANG. One that is not
+  /// installed is the C locale.
+  explicit LocaleDates(const std::string& locale);
+
+  [[nodiscard]] std::string shortDateAndTime(std::chrono::system_clock::time_point time) const override;
+  [[nodiscard]] std::string shortTime(std::chrono::system_clock::time_point time) const override;
+  [[nodiscard]] std::string abbreviatedDateAndShortTime(std::chrono::system_clock::time_point time) const override;
+
+ private:
+  [[nodiscard]] std::string format(std::chrono::system_clock::time_point time, const std::wstring& pattern) const;
+
+  UniqueHandle<LocaleTraits> locale_;
+  std::wstring timePattern_;
+  std::wstring monthPattern_;  ///< of a date with its month's abbreviated name
+};
+
+}  // namespace nimbo

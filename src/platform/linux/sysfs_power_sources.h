@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <systemd/sd-event.h>
+
+#include <memory>
+
+#include "platform/power_sources.h"
+
+namespace nimbo {
+
+/// The kernel's power supplies, and udev's word when one of them changed. Batteries of mice, headsets
+/// and the like are left out and never asked for their charge, which may wake them.
+class SysfsPowerSources final : public PowerSources {
+ public:
+  /// `event` outlives it and its subscriptions.
+  explicit SysfsPowerSources(sd_event* event, const std::string& sysRoot = "/sys");
+
+  [[nodiscard]] std::optional<std::vector<PowerSourceDescription>> list() const override;
+  [[nodiscard]] Subscription observe(std::function<void()> changed) override;
+
+ private:
+  class Monitor;
+
+  sd_event* const event_;
+  const std::string folder_;
+  std::weak_ptr<Monitor> monitor_;  // its observers hold it
+};
+
+}  // namespace nimbo

@@ -1,0 +1,141 @@
+// SPDX-License-Identifier: MIT
+// The fakes of the power services keep the interfaces' promises themselves.
+#include <gtest/gtest.h>
+
+#include "support/fake_assertion_client.h"
+#include "support/fake_dates.h"
+#include "support/fake_display_power.h"
+#include "support/fake_own_process.h"
+#include "support/fake_platform_services.h"
+#include "support/fake_power_sources.h"
+
+namespace nimbo {
+namespace {
+
+using namespace std::chrono_literals;
+
+TEST(FakeAssertionClient, EveryAssertionHasAnIdentifierOfItsOwn) {
+  FakeAssertionClient client;
+  const auto first = client.create(kPreventSystemSleep, "work");
+  const auto second = client.create(kPreventSystemSleep, "more work");
+  ASSERT_TRUE(first && second);
+  EXPECT_NE(*first, *second);
+  client.release(*first);
+  EXPECT_EQ(client.held(), (std::vector<FakeAssertionClient::Assertion>{{kPreventSystemSleep, "more work"}}));
+}
+
+TEST(FakeAssertionClient, ReleaseOfWhatIsNotHeldIsRecordedAsSuch) {
+  FakeAssertionClient client;
+  client.release(9);
+  EXPECT_EQ(client.calls, std::vector<std::string>{"release unknown 9"});
+}
+
+TEST(FakeAssertionClient, RefusalConcernsItsTypeOnlyUntilGranted) {
+  FakeAssertionClient client;
+  client.refuse(kPreventDisplaySleep, 16);
+  EXPECT_TRUE(client.create(kPreventSystemSleep, ""));
+  const auto refused = client.create(kPreventDisplaySleep, "");
+  ASSERT_FALSE(refused);
+  EXPECT_EQ(refused.error(), PowerError{16});
+  EXPECT_FALSE(client.holds(kPreventDisplaySleep));
+  client.grant(kPreventDisplaySleep);
+  EXPECT_TRUE(client.create(kPreventDisplaySleep, ""));
+  EXPECT_TRUE(client.holds(kPreventDisplaySleep));
+}
+
+TEST(FakePowerSources, ShowWhatTheTestPlugsIn) {
+  FakePowerSources sources;
+  using List = std::vector<PowerSourceDescription>;
+  EXPECT_EQ(sources.list(), List());
+  sources.onBattery(42);
+  EXPECT_EQ(sources.list(), (List{{"InternalBattery", "Battery Power", 42, 100}}));
+  sources.onMains(std::nullopt);
+  EXPECT_EQ(sources.list(), (List{{"InternalBattery", "AC Power"}}));
+  sources.none();
+  EXPECT_EQ(sources.list(), List());
+  sources.unavailable();
+  EXPECT_EQ(sources.list(), std::nullopt);
+}
+
+TEST(FakePowerSources, SubscriptionsAreCountedAndMayOutliveThem) {
+  Subscription last;
+  {
+    FakePowerSources sources;
+    int changes = 0;
+    auto first = sources.observe([&] { ++changes; });
+    last = sources.observe([&] { ++changes; });
+    EXPECT_EQ(sources.observers(), 2);
+    sources.onBattery(50);
+    EXPECT_EQ(changes, 2);
+    first.reset();
+    EXPECT_EQ(sources.observers(), 1);
+    EXPECT_EQ(sources.subscriptions, 2);
+  }
+  last.reset();
+  EXPECT_FALSE(last);
+}
+
+TEST(FakeDisplayPower, RequestIsPendingUntilItIsSettled) {
+  FakeDisplayPower display;
+  int failures = 0;
+  auto request = display.sleepNow([&] { ++failures; });
+  ASSERT_TRUE(request);
+  EXPECT_EQ(display.pending(), 1U);
+  display.fail();
+  EXPECT_EQ(failures, 1);
+  EXPECT_EQ(display.pending(), 0U);
+  display.fail();
+  EXPECT_EQ(failures, 1);
+}
+
+TEST(FakeDisplayPower, RequestTakenBackNeitherFailsNorDarkens) {
+  FakeDisplayPower display;
+  auto request = display.sleepNow([] { ADD_FAILURE(); });
+  request->reset();
+  display.carryOut();
+  display.fail();
+  EXPECT_FALSE(display.asleep);
+}
+
+TEST(FakeDates, AreUtcWhateverTheMachine) {
+  EXPECT_EQ(FakeDates().shortDateAndTime(std::chrono::system_clock::time_point(1795271459s)), "2026-11-21 14:30");
+}
+
+TEST(FakeOwnProcess, SpendsWhatItIsToldTo) {
+  FakeOwnProcess process;
+  const auto before = process.usage();
+  process.spend(60ms);
+  EXPECT_EQ(process.usage()->cpuTime - before->cpuTime, 60ms);
+  process.now.reset();
+  process.spend(60ms);
+  EXPECT_FALSE(process.usage());
+  EXPECT_EQ(process.readings, 3);
+}
+
+TEST(FakePlatformServices, BothClocksFollowWallClockAndSleep) {
+  FakePlatformServices services;
+  EXPECT_EQ(services.loop.wallClock(), services.clock->now());
+  const auto start = services.clock->now();
+  const auto uptime = services.clock->uptime();
+  services.sleep(1h);
+  EXPECT_EQ(services.clock->now(), start + 1h);
+  EXPECT_EQ(services.clock->uptime(), uptime);
+  services.setWallClock(start - 1h);
+  services.loop.advance(5s);
+  EXPECT_EQ(services.clock->now(), start - 1h + 5s);
+  EXPECT_EQ(services.loop.wallClock(), services.clock->now());
+}
+
+TEST(FakePlatformServices, OtherDomainsAreKeptApartOrNotAtAll) {
+  FakePlatformServices services;
+  const auto other = services.makeUserDefaults("Nimbo.Other");
+  ASSERT_TRUE(other);
+  other->set("key", true);
+  EXPECT_EQ(services.userDefaults().boolean("key"), std::nullopt);
+  EXPECT_EQ(services.domains.writes, std::vector<std::string>{"Nimbo.Other/key"});
+  services.keepsOtherDomains = false;
+  EXPECT_EQ(services.makeUserDefaults("Nimbo.Other"), nullptr);
+}
+
+}  // namespace
+}  // namespace nimbo
