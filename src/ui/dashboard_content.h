@@ -8,50 +8,12 @@
 
 #include "base/geometry.h"
 #include "system/memory_snapshot.h"
+#include "ui/awake_page_content.h"
+#include "ui/control_content.h"
 
 namespace nimbo {
 
-/// Colours by meaning; the toolkit has one value of each for light and one for dark appearance.
-enum class ColorRole { label, secondaryLabel, tertiaryLabel, quaternaryLabel, teal, indigo, orange, green, red, blue };
-
-enum class FontWeight { regular, medium, semibold };
-enum class TextAlignment { left, right };
-
-struct TextStyle {
-  double size = 13;  ///< points
-  FontWeight weight = FontWeight::regular;
-  ColorRole color = ColorRole::label;
-  TextAlignment alignment = TextAlignment::left;
-  bool monospacedDigits = false;
-  bool operator==(const TextStyle&) const = default;
-};
-
 // Frames are in points from the top left corner of the dashboard.
-
-struct LabelContent {
-  Rect frame;
-  TextStyle style;
-  std::string text = {};
-  std::string toolTip = {};
-  bool visible = true;
-  bool operator==(const LabelContent&) const = default;
-};
-
-enum class ButtonLook { rounded, inlined, icon };
-
-struct ButtonContent {
-  std::string identifier;  ///< stable name for tests and assistive technology
-  Rect frame;
-  ButtonLook look = ButtonLook::rounded;
-  double textSize = 13;
-  std::string title = {};           ///< the visible text, or the name of the symbol for `icon`
-  std::string accessibleName = {};  ///< what a screen reader says; the title when empty
-  std::string toolTip = {};
-  std::string keyEquivalent = {};  ///< one letter pressed with Command (Control on Linux); empty for none
-  bool visible = true;
-  bool enabled = true;
-  bool operator==(const ButtonContent&) const = default;
-};
 
 struct TabsContent {
   Rect frame;
@@ -116,6 +78,8 @@ struct DashboardContent {
   LabelContent processNote;
   ButtonContent activityButton;
   LabelContent footer;
+
+  AwakePageContent awake;
 
   Rect footerSeparator;
   ButtonContent quitButton;

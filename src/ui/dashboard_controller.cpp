@@ -59,7 +59,10 @@ void call(const std::function<void()>& callback) {
 
 }  // namespace
 
-DashboardController::DashboardController() { refresh(); }
+DashboardController::DashboardController(AwakeView::Services services) : awakeView_(services) {
+  awakeView_.onContentChanged = [this] { refresh(); };
+  refresh();
+}
 
 DashboardTab DashboardController::selectedTab() const {
   return tabOrder_[std::min(selectedSegment_, tabOrder_.size() - 1)];
@@ -73,6 +76,7 @@ void DashboardController::apply(const DashboardPreferences& preferences) {
   resources_.cpuVisible = preferences.monitorCpu;
   resources_.temperatureVisible = preferences.monitorTemperature;
   resources_.refreshInterval = preferences.refreshInterval;
+  awakeView_.load();
   refresh();
 }
 
@@ -143,6 +147,7 @@ void DashboardController::refresh() {
   fillHeader(content, tabOrder_, std::min(selectedSegment_, tabOrder_.size() - 1));
   content.settingsButton.enabled = settingsEnabled_;
   fillResourcesPage(content, resources_);
+  content.awake = awakeView_.content(tab == DashboardTab::awake);
   fillFooter(content, height);
 
   if (content == content_) return;

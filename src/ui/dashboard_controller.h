@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "settings/dashboard_tab.h"
+#include "ui/awake_view.h"
 #include "ui/dashboard_content.h"
 #include "ui/resources_page.h"
 
@@ -26,7 +27,10 @@ struct DashboardPreferences {
 /// nothing: readings and settings are pushed in. Main thread only.
 class DashboardController {
  public:
-  DashboardController();
+  explicit DashboardController(AwakeView::Services services);
+
+  /// The Keep Awake page; follows the settings by itself.
+  [[nodiscard]] AwakeView& awakeView() { return awakeView_; }
 
   [[nodiscard]] const DashboardContent& content() const { return content_; }
   [[nodiscard]] DashboardTab selectedTab() const;
@@ -71,6 +75,7 @@ class DashboardController {
   bool configuredOrder_ = false;
   bool settingsEnabled_ = true;
   ResourcesPage resources_;
+  AwakeView awakeView_;
   DashboardContent content_;
 };
 

@@ -70,4 +70,18 @@ Color separatorColor(Appearance appearance) {
   return appearance == Appearance::dark ? Color{0xFF, 0xFF, 0xFF, 0.14} : Color{0x00, 0x00, 0x00, 0.12};
 }
 
+Color accentGround(Appearance appearance) {
+  return appearance == Appearance::dark ? Color{0x1C, 0x6C, 0xD8} : Color{0x00, 0x66, 0xD6};
+}
+
+Color accentLabel(Appearance /*appearance*/) { return {0xFF, 0xFF, 0xFF}; }
+
+Color fieldGround(Appearance appearance) {
+  return appearance == Appearance::dark ? Color{0x1C, 0x1C, 0x1F} : Color{0xFF, 0xFF, 0xFF};
+}
+
+Color fieldBorder(Appearance appearance) {
+  return appearance == Appearance::dark ? Color{0x77, 0x77, 0x7F} : Color{0x8A, 0x8A, 0x91};
+}
+
 }  // namespace nimbo

@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "platform/workspace.h"
-#include "ui/dashboard_content.h"
+#include "ui/control_content.h"
 
 namespace nimbo {
 
@@ -24,5 +24,16 @@ struct Color {
 
 /// Thin lines: the panel's border and the one above its footer.
 [[nodiscard]] Color separatorColor(Appearance appearance);
+
+/// The ground of what is on, selected or pressed by Return, and what is written on it. Not the
+/// desktop's accent colour, so that the contrast holds everywhere.
+[[nodiscard]] Color accentGround(Appearance appearance);
+[[nodiscard]] Color accentLabel(Appearance appearance);
+
+/// Inside fields and check boxes that are off.
+[[nodiscard]] Color fieldGround(Appearance appearance);
+
+/// Around them; strong enough to tell where the field is.
+[[nodiscard]] Color fieldBorder(Appearance appearance);
 
 }  // namespace nimbo

@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <chrono>
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "base/geometry.h"
@@ -14,6 +17,19 @@
 
 namespace nimbo {
 
+/// What the user did with the controls of the Keep Awake page.
+struct AwakePageActions {
+  std::function<void()> startOrStop;
+  std::function<void()> extend;
+  std::function<void(std::size_t index)> selectDuration;
+  std::function<void(const std::string& text)> editMinutes;  ///< with every letter
+  std::function<void(std::chrono::system_clock::time_point date)> pickDate;
+  std::function<void(bool on)> switchDisplay;
+  std::function<void(bool on)> switchPlugged;
+  std::function<void(std::size_t index)> selectBatteryFloor;
+  std::function<void()> turnDisplayOff;
+};
+
 /// What the user did with the dashboard's controls.
 struct DashboardActions {
   std::function<void(std::size_t index)> selectTab;
@@ -22,6 +38,7 @@ struct DashboardActions {
   std::function<void()> showLess;
   std::function<void()> openActivityMonitor;
   std::function<void()> quit;
+  AwakePageActions awake = {};
 };
 
 enum class Key { escape, other };
@@ -61,6 +78,23 @@ class DashboardWindow {
   [[nodiscard]] virtual bool grabsPointer() const { return false; }
 };
 
+/// A question in a window of its own.
+struct AlertContent {
+  std::string title;  ///< the question in bold
+  std::string text;
+  std::vector<std::string> buttons;  ///< the first is the default one, pressed by Return, Escape and closing
+  bool operator==(const AlertContent&) const = default;
+};
+
+/// An alert on the screen; destroying it takes it away unanswered. Main thread only.
+class Alert {
+ public:
+  virtual ~Alert() = default;
+
+  /// Brings it to the front once more.
+  virtual void present() = 0;
+};
+
 struct Screen {
   Rect frame;
   Rect visibleFrame;  ///< without panels and docks
@@ -83,11 +117,21 @@ class UserInterface {
   [[nodiscard]] virtual Rect toPoints(const Rect& reported) const { return reported; }
   virtual void setAppearance(Appearance appearance) = 0;
   [[nodiscard]] virtual std::unique_ptr<DashboardWindow> makeDashboardWindow() = 0;
+
+  /// Brings the program to the front with an alert. `answered` gets the index of the button, once,
+  /// from the main loop; it may destroy the alert.
+  [[nodiscard]] virtual std::unique_ptr<Alert> showAlert(const AlertContent& content,
+                                                         std::function<void(std::size_t button)> answered) = 0;
+};
+
+enum class DisplayNeed {
+  required,  ///< the windows are for somebody to see
+  optional,  ///< without a display everything is made in memory only
 };
 
 /// The one function the toolkit module exports, under the name kUserInterfaceEntryName. Null when
 /// no display can be reached; the program goes on without windows and may ask again.
-using UserInterfaceEntry = UserInterface* (*)();
+using UserInterfaceEntry = UserInterface* (*)(DisplayNeed need);
 inline constexpr const char* kUserInterfaceEntryName = "nimboMakeUserInterface";
 
 }  // namespace nimbo

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include "ui/awake_view_fixture.h"
+
 namespace nimbo {
 namespace {
 
@@ -29,7 +31,8 @@ class DashboardControllerTest : public testing::Test {
     return scan;
   }
 
-  DashboardController controller_;
+  AwakeViewWorld world_;
+  DashboardController controller_{world_.viewServices()};
   int changes_ = 0;
   int tabChanges_ = 0;
   int expansions_ = 0;
@@ -240,7 +243,8 @@ TEST_F(DashboardControllerTest, ButtonsCallTheirCallbacks) {
 }
 
 TEST(DashboardController, WorksWithoutCallbacks) {
-  DashboardController controller;
+  AwakeViewWorld world;
+  DashboardController controller(world.viewServices());
   controller.apply({});
   controller.tabChanged(1);
   controller.expandClicked();
@@ -249,6 +253,29 @@ TEST(DashboardController, WorksWithoutCallbacks) {
   controller.quitClicked();
   controller.activityClicked();
   EXPECT_EQ(controller.selectedTab(), DashboardTab::memory);
+}
+
+TEST_F(DashboardControllerTest, AwakePageIsVisibleOnItsTabOnlyAndFollowsTheSettings) {
+  world_.settings.setAwakeDuration(7200);
+  DashboardPreferences preferences;
+  preferences.lastDashboardTab = DashboardTab::awake;
+  controller_.apply(preferences);
+  EXPECT_TRUE(content().awake.start.visible);
+  EXPECT_EQ(content().awake.duration.selected, 3U);
+  EXPECT_FALSE(content().hero.visible);
+  controller_.selectTab(DashboardTab::memory);
+  EXPECT_FALSE(content().awake.start.visible);
+}
+
+TEST_F(DashboardControllerTest, ChangeOfTheAwakePageIsAChangeOfTheContent) {
+  controller_.selectTab(DashboardTab::awake);
+  changes_ = 0;
+  controller_.awakeView().refresh(world_.manager);
+  EXPECT_EQ(changes_, 1);
+  EXPECT_EQ(content().awake.detail.text, "Keep AI jobs running while your display rests.");
+  controller_.awakeView().actions().selectDuration(5);
+  EXPECT_EQ(changes_, 2);
+  EXPECT_TRUE(content().awake.minutes.visible);
 }
 
 TEST_F(DashboardControllerTest, ButtonsThatLeadNowhereAreDisabled) {

@@ -49,6 +49,22 @@ TEST_P(PaletteInAppearance, GroundsAndLinesAreFaint) {
   EXPECT_EQ(panelBackground(GetParam()).alpha, 1);
 }
 
+TEST_P(PaletteInAppearance, TextOnTheAccentIsReadableAndTheAccentStandsOut) {
+  EXPECT_GE(contrast(accentLabel(GetParam()), accentGround(GetParam())), 4.5);
+  EXPECT_GE(contrast(accentGround(GetParam()), panelBackground(GetParam())), 3);
+  EXPECT_EQ(accentGround(GetParam()).alpha, 1);
+}
+
+TEST_P(PaletteInAppearance, FieldsHaveAVisibleEdgeAndReadableTextAndPlaceholder) {
+  const Color ground = fieldGround(GetParam());
+  EXPECT_GE(contrast(fieldBorder(GetParam()), panelBackground(GetParam())), 3);
+  EXPECT_GE(contrast(fieldBorder(GetParam()), ground), 3);
+  EXPECT_GE(contrast(color(ColorRole::label, GetParam()), ground), 7);
+  EXPECT_GE(contrast(color(ColorRole::tertiaryLabel, GetParam()), ground), 4.5) << "the placeholder";
+  EXPECT_EQ(ground.alpha, 1);
+  EXPECT_EQ(fieldBorder(GetParam()).alpha, 1);
+}
+
 INSTANTIATE_TEST_SUITE_P(Appearances, PaletteInAppearance, testing::Values(Appearance::light, Appearance::dark));
 
 TEST(Palette, LightAndDarkAreOpposites) {

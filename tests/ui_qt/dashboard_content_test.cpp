@@ -165,10 +165,11 @@ TEST_F(DashboardContentOnScreen, NoTextIsWiderThanItsFrameInAnyFont) {
     const auto labels = widget().findChildren<QLabel*>();
     ASSERT_GT(labels.size(), 20);
     for (const QLabel* const label : labels) {
-      const auto& fitted = static_cast<const FittedLabel*>(label)->fitted();
-      EXPECT_EQ(fitted.font.family().toStdString(), family);
-      EXPECT_LE(textWidth(fitted.text, fitted.font, fitted.monospacedDigits), label->width())
-          << family << ": " << label->text().toStdString();
+      for (const auto& line : static_cast<const FittedLabel*>(label)->lines()) {
+        EXPECT_EQ(line.font.family().toStdString(), family);
+        EXPECT_LE(textWidth(line.text, line.font, line.monospacedDigits), label->width())
+            << family << ": " << label->text().toStdString();
+      }
     }
   }
   QApplication::setFont(before);

@@ -1,12 +1,16 @@
 // SPDX-License-Identifier: MIT
 // Saves pictures of the dashboard as it stands on the screen, for people to look at:
 //   dashboard_pictures FOLDER [SUFFIX]
+#include <QApplication>
+#include <QComboBox>
+#include <QContextMenuEvent>
+#include <QDateTime>
 #include <QDir>
 #include <QEventLoop>
-#include <QGuiApplication>
 #include <QScreen>
 #include <QTimer>
 #include <cstdio>
+#include <stdexcept>
 
 #include "sample_dashboard.h"
 #include "ui/qt/qt_user_interface.h"
@@ -14,41 +18,141 @@
 namespace nimbo {
 namespace {
 
-struct Picture {
-  const char* name;
-  void (*fill)(DashboardController& controller);
+/// As in the United States, in the process's time zone.
+class AmericanDates final : public Dates {
+ public:
+  [[nodiscard]] std::string shortDateAndTime(std::chrono::system_clock::time_point time) const override {
+    return text(time, "M/d/yyyy, h:mm AP");
+  }
+  [[nodiscard]] std::string shortTime(std::chrono::system_clock::time_point time) const override {
+    return text(time, "h:mm AP");
+  }
+  [[nodiscard]] std::string abbreviatedDateAndShortTime(std::chrono::system_clock::time_point time) const override {
+    return text(time, "MMM d, yyyy, h:mm AP");
+  }
+
+ private:
+  static std::string text(std::chrono::system_clock::time_point time, const char* format) {
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(time).time_since_epoch().count();
+    return QDateTime::fromSecsSinceEpoch(seconds).toString(format).toStdString();
+  }
 };
 
-void threeProcesses(DashboardController& controller) { fillDashboard(controller, DashboardTab::memory, 3); }
+struct Scene {
+  Scene() {
+    awake.clock.setNow(
+        std::chrono::system_clock::time_point(std::chrono::seconds{1795267800}));  // 2026-11-21 13:30 UTC
+    awake.connect(controller);
+  }
 
-void thirteenProcesses(DashboardController& controller) {
-  fillDashboard(controller, DashboardTab::memory, 40);
-  controller.expandClicked();
+  SampleAwakePage awake;
+  AmericanDates dates;
+  DashboardController controller{{awake.settings, awake.clock, dates}};
+};
+
+struct Picture {
+  const char* name;
+  void (*fill)(Scene& scene);
+  /// Done to the window once it is on the screen.
+  void (*act)(QWidget& window) = nullptr;
+};
+
+void threeProcesses(Scene& scene) { fillDashboard(scene.controller, DashboardTab::memory, 3); }
+
+void thirteenProcesses(Scene& scene) {
+  fillDashboard(scene.controller, DashboardTab::memory, 40);
+  scene.controller.expandClicked();
 }
 
-void memoryFailed(DashboardController& controller) {
-  controller.apply({.lastDashboardTab = DashboardTab::memory});
+void memoryFailed(Scene& scene) {
+  scene.controller.apply({.lastDashboardTab = DashboardTab::memory});
   auto sample = sampleReadings();
   sample.memoryFailed = true;
-  controller.update(sample);
-  controller.updateProcesses({});
+  scene.controller.update(sample);
+  scene.controller.updateProcesses({});
 }
 
-void monitoringOff(DashboardController& controller) {
+void monitoringOff(Scene& scene) {
   auto preferences = samplePreferences(DashboardTab::memory);
   preferences.monitorMemory = false;
-  controller.apply(preferences);
-  controller.update(sampleReadings());
-  controller.updateTemperature({});
+  scene.controller.apply(preferences);
+  scene.controller.update(sampleReadings());
+  scene.controller.updateTemperature({});
 }
 
-void aiTab(DashboardController& controller) { fillDashboard(controller, DashboardTab::ai, 3); }
+void aiTab(Scene& scene) { fillDashboard(scene.controller, DashboardTab::ai, 3); }
 
-constexpr Picture kPictures[] = {{"memory-3", threeProcesses},
-                                 {"memory-13", thirteenProcesses},
-                                 {"memory-failed", memoryFailed},
-                                 {"memory-off", monitoringOff},
-                                 {"ai", aiTab}};
+void awakeIdle(Scene& scene) { fillDashboard(scene.controller, DashboardTab::awake, 3); }
+
+AwakePageActions awakeActions(Scene& scene, std::size_t duration) {
+  awakeIdle(scene);
+  auto actions = scene.controller.awakeView().actions();
+  actions.selectDuration(duration);
+  return actions;
+}
+
+void awakeMinutes(Scene& scene) { awakeActions(scene, 5).editMinutes(""); }
+void awakeDate(Scene& scene) { awakeActions(scene, 6); }
+
+void awakeRunning(Scene& scene) {
+  const auto actions = awakeActions(scene, 2);
+  actions.switchDisplay(true);
+  actions.switchPlugged(true);
+  actions.selectBatteryFloor(2);
+  actions.startOrStop();
+}
+
+void awakeRunningUntilDate(Scene& scene) { awakeActions(scene, 6).startOrStop(); }
+
+void awakeInputError(Scene& scene) {
+  const auto actions = awakeActions(scene, 5);
+  actions.editMinutes("soon");
+  actions.startOrStop();
+}
+
+void awakeRefused(Scene& scene) {
+  scene.awake.assertions.refuse("PreventUserIdleSystemSleep", 95);
+  awakeActions(scene, 0).startOrStop();
+}
+
+template <class Control>
+Control* control(QWidget& window, const char* name) {
+  return window.findChild<Control*>(name);
+}
+
+void openDurations(QWidget& window) { control<QComboBox>(window, "duration")->showPopup(); }
+
+void openContextMenu(QWidget& window) {
+  auto* const field = control<QWidget>(window, "minutes");
+  QContextMenuEvent event(QContextMenuEvent::Mouse, {20, 10}, field->mapToGlobal(QPoint(20, 10)));
+  QCoreApplication::sendEvent(field, &event);
+}
+
+/// As if Tab had been pressed until there.
+void focus(QWidget& window, const char* name) {
+  window.setAttribute(Qt::WA_KeyboardFocusChange);
+  control<QWidget>(window, name)->setFocus(Qt::TabFocusReason);
+}
+
+constexpr Picture kPictures[] = {
+    {"memory-3", threeProcesses},
+    {"memory-13", thirteenProcesses},
+    {"memory-failed", memoryFailed},
+    {"memory-off", monitoringOff},
+    {"ai", aiTab},
+    {"awake-idle", awakeIdle},
+    {"awake-minutes", awakeMinutes},
+    {"awake-date", awakeDate},
+    {"awake-running", awakeRunning},
+    {"awake-running-date", awakeRunningUntilDate},
+    {"awake-input-error", awakeInputError},
+    {"awake-refused", awakeRefused},
+    {"awake-list", awakeIdle, openDurations},
+    {"awake-menu", awakeMinutes, openContextMenu},
+    {"awake-focus-date", awakeDate, [](QWidget& window) { focus(window, "date"); }},
+    {"awake-focus-minutes", awakeMinutes, [](QWidget& window) { focus(window, "minutes"); }},
+    {"awake-focus-box", awakeIdle, [](QWidget& window) { focus(window, "plugged"); }},
+    {"awake-focus-list", awakeIdle, [](QWidget& window) { focus(window, "battery"); }}};
 
 void runLoopFor(std::chrono::milliseconds time) {
   QEventLoop loop;
@@ -56,34 +160,58 @@ void runLoopFor(std::chrono::milliseconds time) {
   loop.exec();
 }
 
-bool save(UserInterface& interface, const Picture& picture, Appearance appearance, const QString& path) {
-  interface.setAppearance(appearance);
-  DashboardController controller;
-  picture.fill(controller);
+QWidget& topLevel(const char* name) {
+  for (QWidget* const candidate : QApplication::topLevelWidgets()) {
+    if (candidate->objectName() == name) return *candidate;
+  }
+  throw std::logic_error(name);
+}
+
+bool saveScreen(const QRect& part, const QString& path) {
+  runLoopFor(std::chrono::milliseconds(400));
+  return QGuiApplication::primaryScreen()->grabWindow(0, part.x(), part.y(), part.width(), part.height()).save(path);
+}
+
+bool save(UserInterface& interface, const Picture& picture, const QString& path) {
+  Scene scene;
+  picture.fill(scene);
   const auto window = interface.makeDashboardWindow();
-  const auto& content = controller.content();
+  const auto& content = scene.controller.content();
   constexpr double kMargin = 24;
   window->render(content);
   window->setFrame({kMargin, kMargin, content.size.width, content.size.height});
   window->show();
-  runLoopFor(std::chrono::milliseconds(400));
-  const auto shot = QGuiApplication::primaryScreen()->grabWindow(0, 0, 0, qRound(content.size.width + 2 * kMargin),
-                                                                 qRound(content.size.height + 2 * kMargin));
-  return shot.save(path);
+  runLoopFor(std::chrono::milliseconds(200));
+  if (picture.act != nullptr) picture.act(topLevel("dashboard"));
+  return saveScreen({0, 0, qRound(content.size.width + 2 * kMargin), qRound(content.size.height + 2 * kMargin)}, path);
+}
+
+bool saveAlert(UserInterface& interface, const QString& path) {
+  const auto alert =
+      interface.showAlert({"Keep Awake is running",
+                           "Quitting or installing an update ends this session. Your Mac may sleep afterward.",
+                           {"Keep Running", "End Session & Quit"}},
+                          {});
+  return saveScreen(topLevel("alert").frameGeometry().adjusted(-16, -40, 16, 16), path);
 }
 
 int savePictures(const QDir& folder, const QString& suffix) {
+  QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
   const auto interface = QtUserInterface::make();
   if (!interface || !folder.mkpath(".")) {
     std::fputs("No display or no folder.\n", stderr);
     return 1;
   }
-  for (const auto& picture : kPictures) {
-    for (const auto appearance : {Appearance::light, Appearance::dark}) {
-      const char* const look = appearance == Appearance::light ? "light" : "dark";
-      const QString path = folder.filePath(QString("%1-%2%3.png").arg(picture.name, look, suffix));
-      if (!save(*interface, picture, appearance, path)) return 1;
+  for (const auto appearance : {Appearance::light, Appearance::dark}) {
+    interface->setAppearance(appearance);
+    const auto path = [&](const char* name) {
+      return folder.filePath(
+          QString("%1-%2%3.png").arg(name, appearance == Appearance::light ? "light" : "dark", suffix));
+    };
+    for (const auto& picture : kPictures) {
+      if (!save(*interface, picture, path(picture.name))) return 1;
     }
+    if (!saveAlert(*interface, path("alert"))) return 1;
   }
   return 0;
 }

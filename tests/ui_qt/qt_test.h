@@ -81,7 +81,8 @@ class DashboardTest : public QtTest {
     click(target.mapTo(&widget(), target.rect().center()));
   }
 
-  DashboardController controller_;
+  SampleAwakePage awake_;
+  DashboardController controller_{awake_.viewServices()};
   std::vector<std::string> log_;
   std::unique_ptr<DashboardWindow> window_;
 };

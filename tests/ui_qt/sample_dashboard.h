@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 
+#include "ui/awake_view_fixture.h"
 #include "ui/dashboard_controller.h"
 
 namespace nimbo {
@@ -62,5 +63,26 @@ inline void fillDashboard(DashboardController& controller, DashboardTab tab, std
   controller.updateProcesses(sampleProcesses(processes));
   controller.updateTemperature(58);
 }
+
+/// A Keep Awake page with the session that it steers, connected to each other as in the program.
+struct SampleAwakePage : AwakeViewWorld {
+  /// Stays where it is: `controller` calls it.
+  void connect(DashboardController& controller) {
+    AwakeView& view = controller.awakeView();
+    view.onToggle = [this](std::optional<AwakeView::Time> end) {
+      if (manager.isActive()) {
+        manager.stopByUser();
+      } else {
+        static_cast<void>(manager.start(end, settings.awakeDisplayOn(), clock.now()));
+      }
+    };
+    view.onDisplay = [this](bool on) {
+      if (!manager.isActive() || manager.setKeepDisplayOn(on)) settings.setAwakeDisplayOn(on);
+    };
+    view.onExtend = [this] { manager.extend(std::chrono::minutes(30)); };
+    manager.onChange = [this, &view] { view.refresh(manager); };
+    view.refresh(manager);
+  }
+};
 
 }  // namespace nimbo

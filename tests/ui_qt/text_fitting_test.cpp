@@ -2,6 +2,7 @@
 #include "ui/qt/text_fitting.h"
 
 #include <QPainter>
+#include <cmath>
 
 #include "qt_test.h"
 
@@ -10,6 +11,11 @@ namespace {
 
 class TextFitting : public QtTest {
  protected:
+  static std::vector<QString> texts(const std::vector<FittedText>& lines) {
+    std::vector<QString> result;
+    for (const auto& line : lines) result.push_back(line.text);
+    return result;
+  }
   static QFont font(double size) { return fontFor(QApplication::font(), size, FontWeight::regular); }
 };
 
@@ -71,6 +77,59 @@ TEST_F(TextFitting, NarrowDigitsAreCentredInTheRoomOfTheWidest) {
   EXPECT_EQ(pieces[3].x, 48);
   EXPECT_EQ(pieces[4].text, "");
   EXPECT_EQ(pieces[4].x, 56);
+}
+
+TEST_F(TextFitting, ShortTextWrapsToOneLine) {
+  EXPECT_EQ(texts(wrapText("Until you stop it.", font(12), 500, 2)), std::vector<QString>{"Until you stop it."});
+}
+
+TEST_F(TextFitting, LongTextBreaksBetweenWordsAndKeepsItsSize) {
+  const QString first = "macOS couldn’t keep your Mac awake";
+  const auto lines = wrapText(first + " (error 95).", font(12), textWidth(first, font(12), false) + 4, 2);
+  EXPECT_EQ(texts(lines), (std::vector<QString>{first, "(error 95)."}));
+  EXPECT_EQ(lines[1].font.pixelSize(), 12);
+}
+
+TEST_F(TextFitting, TextWithSlightlyTooManyLinesShrinksAsAWhole) {
+  const QString text = "one two three four five six seven eight nine ten";
+  const double width = textWidth(text, font(20), false) / 2 - 2;
+  const auto lines = wrapText(text, font(20), width, 2);
+  ASSERT_EQ(lines.size(), 2U);
+  EXPECT_EQ(texts(lines)[0] + ' ' + texts(lines)[1], text);
+  EXPECT_LT(lines[0].font.pixelSize(), 20);
+  EXPECT_EQ(lines[0].font.pixelSize(), lines[1].font.pixelSize());
+}
+
+TEST_F(TextFitting, TextMuchTooLongEndsInEllipsisOnItsLastLine) {
+  QString text;
+  for (int word = 0; word < 40; ++word) text += "word" + QString::number(word) + ' ';
+  const auto lines = wrapText(text, font(12), 120, 3);
+  ASSERT_EQ(lines.size(), 3U);
+  EXPECT_EQ(lines[0].font.pixelSize(), 10);
+  EXPECT_FALSE(lines[1].text.contains(QChar(0x2026)));
+  EXPECT_TRUE(lines[2].text.endsWith(QChar(0x2026))) << lines[2].text.toStdString();
+  for (const auto& line : lines) EXPECT_LE(textWidth(line.text, line.font, false), 120) << line.text.toStdString();
+}
+
+TEST_F(TextFitting, LineBreaksOfTheTextAreKept) {
+  EXPECT_EQ(texts(wrapText("first\nsecond", font(12), 500, 3)), (std::vector<QString>{"first", "second"}));
+}
+
+TEST_F(TextFitting, WordWiderThanTheFrameIsBroken) {
+  const auto lines = wrapText(QString(60, 'm'), font(12), 100, 10);
+  EXPECT_GT(lines.size(), 3U);
+  for (const auto& line : lines) EXPECT_LE(textWidth(line.text, line.font, false), 100);
+}
+
+TEST_F(TextFitting, NothingToWrapGivesNoText) {
+  for (const auto& line : wrapText("", font(12), 100, 2)) EXPECT_EQ(line.text, "");
+}
+
+TEST_F(TextFitting, LinesKeepTheirDistanceUnlessTheFrameIsTooLow) {
+  const double natural = std::ceil(QFontMetricsF(font(12)).lineSpacing());
+  EXPECT_EQ(linePitch(font(12), 100, 2), natural);
+  EXPECT_EQ(linePitch(font(12), 24, 2), 12);
+  EXPECT_EQ(linePitch(font(12), 24, 0), natural) << "no lines at all";
 }
 
 TEST_F(TextFitting, RightAlignedTextEndsAtTheFrame) {

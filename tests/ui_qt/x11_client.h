@@ -17,6 +17,15 @@ class X11Client {
   static constexpr std::uint8_t kEscape = 9;  ///< key codes of the server's default keyboard
   static constexpr std::uint8_t kControl = 37;
   static constexpr std::uint8_t kQ = 24;
+  static constexpr std::uint8_t kA = 38;
+  static constexpr std::uint8_t k4 = 13;
+  static constexpr std::uint8_t k5 = 14;
+  static constexpr std::uint8_t kSpace = 65;
+  static constexpr std::uint8_t kReturn = 36;
+  static constexpr std::uint8_t kTab = 23;
+  static constexpr std::uint8_t kDown = 116;
+  static constexpr std::uint8_t kLeftButton = 1;
+  static constexpr std::uint8_t kRightButton = 3;
 
   X11Client() : connection_(xcb_connect(nullptr, nullptr)) {
     if (xcb_connection_has_error(connection_) != 0) throw std::runtime_error("no display");
@@ -27,14 +36,10 @@ class X11Client {
   X11Client& operator=(const X11Client&) = delete;
 
   void movePointer(std::int16_t x, std::int16_t y) { input(XCB_MOTION_NOTIFY, 0, x, y); }
-  void pressButton(std::int16_t x, std::int16_t y) {
+  void click(std::int16_t x, std::int16_t y, std::uint8_t button = kLeftButton) {
     movePointer(x, y);
-    input(XCB_BUTTON_PRESS, 1);
-  }
-  void releaseButton() { input(XCB_BUTTON_RELEASE, 1); }
-  void click(std::int16_t x, std::int16_t y) {
-    pressButton(x, y);
-    releaseButton();
+    input(XCB_BUTTON_PRESS, button);
+    input(XCB_BUTTON_RELEASE, button);
   }
   void pressKey(std::uint8_t code) { input(XCB_KEY_PRESS, code); }
   void releaseKey(std::uint8_t code) { input(XCB_KEY_RELEASE, code); }

@@ -4,68 +4,13 @@
 #include <cstdlib>
 
 #include "platform/linux/dl_module_loader.h"
-#include "qt_test.h"
-#include "support/private_display.h"
 #include "ui/palette.h"
-#include "x11_client.h"
+#include "x11_window_fixture.h"
 
 namespace nimbo {
 namespace {
 
-/// The dashboard on a real X server, opened at 100, 50.
-class X11Window : public testing::Test {
- protected:
-  void SetUp() override {
-    for (const char* name : {"QT_QPA_PLATFORM", "WAYLAND_DISPLAY", "QT_SCALE_FACTOR"}) qunsetenv(name);
-  }
-  ~X11Window() override {
-    window_.reset();
-    interface_.reset();
-  }
-
-  void start() {
-    interface_ = QtUserInterface::make();
-    ASSERT_NE(interface_, nullptr);
-    window_ = interface_->makeDashboardWindow();
-    window_->setActions({.selectTab = {},
-                         .openSettings = {},
-                         .showMore = {},
-                         .showLess = {},
-                         .openActivityMonitor = {},
-                         .quit = [this] { ++quits_; }});
-    window_->setEvents({.keyDown =
-                            [this](Key key) {
-                              keys_.push_back(key);
-                              return key == Key::escape;
-                            },
-                        .clickedOutside = [this](std::optional<Point> place) { outside_.push_back(place); },
-                        .otherApplicationActivated = [this] { ++activations_; },
-                        .closeRequested = {}});
-    fillDashboard(controller_, DashboardTab::memory, 3);
-    window_->render(controller_.content());
-    window_->setFrame({100, 50, controller_.content().size.width, controller_.content().size.height});
-  }
-  void open() {
-    start();
-    window_->show();
-    const auto* const handle = QApplication::topLevelWidgets().constFirst()->windowHandle();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return handle->isExposed(); }));
-  }
-  template <class Condition>
-  static bool eventually(Condition condition) {
-    return QTest::qWaitFor(condition, 5000);
-  }
-
-  PrivateDisplay display_;
-  X11Client client_;
-  std::unique_ptr<QtUserInterface> interface_;
-  std::unique_ptr<DashboardWindow> window_;
-  DashboardController controller_;
-  std::vector<Key> keys_;
-  std::vector<std::optional<Point>> outside_;
-  int activations_ = 0;
-  int quits_ = 0;
-};
+using X11Window = X11WindowTest;
 
 TEST_F(X11Window, StandsWhereItWasPut) {
   open();
@@ -89,8 +34,7 @@ TEST_F(X11Window, CornersAreCutOutWithoutACompositor) {
 TEST_F(X11Window, CornersAreLeftToACompositorThatRuns) {
   client_.becomeCompositor();
   open();
-  const auto* const widget = QApplication::topLevelWidgets().constFirst();
-  EXPECT_TRUE(widget->mask().isEmpty());
+  EXPECT_TRUE(widget().mask().isEmpty());
 }
 
 TEST_F(X11Window, KeysReachItWithoutAWindowManager) {
@@ -212,11 +156,10 @@ TEST_F(X11Window, ActivationsAreOfNoInterestWhileHidden) {
 TEST_F(X11Window, InAWaylandSessionLosingTheFocusIsReported) {
   qputenv("WAYLAND_DISPLAY", "wayland-0");
   open();
-  const auto* const widget = QApplication::topLevelWidgets().constFirst();
-  EXPECT_EQ(widget->windowType(), Qt::Tool);
+  EXPECT_EQ(widget().windowType(), Qt::Tool);
   EXPECT_FALSE(window_->grabsPointer());
-  client_.focus(static_cast<xcb_window_t>(widget->winId()));
-  ASSERT_TRUE(eventually([&] { return widget->isActiveWindow(); }));
+  client_.focus(static_cast<xcb_window_t>(widget().winId()));
+  ASSERT_TRUE(eventually([&] { return widget().isActiveWindow(); }));
   EXPECT_EQ(activations_, 0);
   client_.focus(client_.makeWindow());
   EXPECT_TRUE(eventually([this] { return activations_ == 1; }));
@@ -257,7 +200,7 @@ TEST_F(X11Window, ModuleGivesAUserInterface) {
   DlModuleLoader loader(NIMBO_MODULE_FOLDER);
   const auto symbol = loader.symbol("nimbo-ui", kUserInterfaceEntryName);
   ASSERT_TRUE(symbol) << symbol.error().message;
-  const std::unique_ptr<UserInterface> loaded(reinterpret_cast<UserInterfaceEntry>(*symbol)());
+  const std::unique_ptr<UserInterface> loaded(reinterpret_cast<UserInterfaceEntry>(*symbol)(DisplayNeed::required));
   ASSERT_NE(loaded, nullptr);
   EXPECT_EQ(loaded->screens().size(), 1U);
   const auto window = loaded->makeDashboardWindow();

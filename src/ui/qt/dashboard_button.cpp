@@ -6,6 +6,7 @@
 #include <QPainter>
 #include <utility>
 
+#include "ui/qt/control_painting.h"
 #include "ui/qt/focus_ring.h"
 #include "ui/qt/plain_tool_tip.h"
 #include "ui/qt/qt_geometry.h"
@@ -30,6 +31,8 @@ DashboardButton::DashboardButton(const Theme& theme, std::function<void()> press
     : QPushButton(parent), theme_(theme) {
   setFocusPolicy(Qt::StrongFocus);
   setAttribute(Qt::WA_Hover);
+  // In a dialog the focus would otherwise make another button the default one.
+  setAutoDefault(false);
   connect(this, &QPushButton::clicked, this, [pressed = std::move(pressed)] { pressed(); });
 }
 
@@ -75,19 +78,16 @@ QRectF DashboardButton::face() const {
 
 QColor DashboardButton::ground() const {
   const bool bare = content_->look == ButtonLook::icon;
-  if (!isEnabled()) return bare ? QColor(Qt::transparent) : theme_.controlGround(ControlState::disabled);
-  if (isDown()) return theme_.controlGround(ControlState::pressed);
-  if (underMouse()) return theme_.controlGround(ControlState::hovered);
-  return bare ? QColor(Qt::transparent) : theme_.controlGround(ControlState::idle);
+  const ControlState state = controlState(*this, isDown());
+  if (bare && (state == ControlState::idle || state == ControlState::disabled)) return Qt::transparent;
+  return isDefault() && isEnabled() ? theme_.accent(state) : theme_.controlGround(state);
 }
 
 void DashboardButton::drawFace(QPainter& painter) const {
   const auto bareLook = content_->look == ButtonLook::rounded ? ColorRole::label : ColorRole::secondaryLabel;
   QColor ink = theme_.color(bareLook);
-  if (!isEnabled()) {
-    ink = theme_.color(ColorRole::tertiaryLabel);
-    ink.setAlphaF(0.7F);
-  }
+  if (isDefault()) ink = theme_.accentLabel();
+  if (!isEnabled()) ink = theme_.disabledLabel();
   const auto symbol = content_->look == ButtonLook::icon ? symbolPath(content_->title) : std::nullopt;
   if (symbol) {
     painter.translate(rect().toRectF().center() - QPointF(kSymbolSide, kSymbolSide) / 2);
@@ -102,6 +102,16 @@ void DashboardButton::drawFace(QPainter& painter) const {
            fitText(QString::fromStdString(content_->title), font, false, frame.width()));
 }
 
+void DashboardButton::drawRing(QPainter& painter, double radius) const {
+  if (!isDefault()) {
+    drawFocusRing(painter, face(), radius, theme_);
+    return;
+  }
+  // The ring's own colour would not show on the accent.
+  constexpr double kApart = 1.5;
+  drawFocusRing(painter, face().adjusted(kApart, kApart, -kApart, -kApart), radius - kApart, theme_.accentLabel());
+}
+
 void DashboardButton::paintEvent(QPaintEvent* /*event*/) {
   if (!content_) return;
   QPainter painter(this);
@@ -110,7 +120,7 @@ void DashboardButton::paintEvent(QPaintEvent* /*event*/) {
   painter.setPen(Qt::NoPen);
   painter.setBrush(ground());
   painter.drawRoundedRect(face(), radius, radius);
-  if (keyboardFocusVisible(*this)) drawFocusRing(painter, face(), radius, theme_);
+  if (keyboardFocusVisible(*this)) drawRing(painter, radius);
   drawFace(painter);
 }
 

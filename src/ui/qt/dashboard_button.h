@@ -5,13 +5,13 @@
 #include <functional>
 #include <optional>
 
-#include "ui/dashboard_content.h"
+#include "ui/control_content.h"
 
 namespace nimbo {
 
 class Theme;
 
-/// A button in one of the three looks.
+/// A button in one of the three looks; the default one of a window stands out.
 class DashboardButton final : public QPushButton {
  public:
   DashboardButton(const Theme& theme, std::function<void()> pressed, QWidget* parent);
@@ -30,6 +30,7 @@ class DashboardButton final : public QPushButton {
   [[nodiscard]] QRectF face() const;
   [[nodiscard]] QColor ground() const;
   void drawFace(QPainter& painter) const;
+  void drawRing(QPainter& painter, double radius) const;
 
   const Theme& theme_;
   std::optional<ButtonContent> content_;

@@ -57,6 +57,7 @@ DashboardPage::DashboardPage(const Theme& theme, QWidget* parent)
       processNote_(makeLabel("processNote")),
       activityButton_(makeButton(&DashboardActions::openActivityMonitor)),
       footer_(makeLabel("footer")),
+      awake_(theme, *this),
       quitButton_(makeButton(&DashboardActions::quit)),
       quitHint_(makeLabel("quitHint")) {
   setObjectName("page");
@@ -65,6 +66,11 @@ DashboardPage::DashboardPage(const Theme& theme, QWidget* parent)
   history_->setObjectName("history");
   breakdown_->setObjectName("breakdown");
   processes_->setObjectName("processes");
+}
+
+void DashboardPage::setActions(DashboardActions actions) {
+  awake_.setActions(std::move(actions.awake));
+  actions_ = std::move(actions);
 }
 
 void DashboardPage::render(const DashboardContent& content) {
@@ -91,6 +97,7 @@ void DashboardPage::render(const DashboardContent& content) {
   processNote_->setContent(content.processNote);
   activityButton_->setContent(content.activityButton);
   footer_->setContent(content.footer);
+  awake_.render(content.awake);
   quitButton_->setContent(content.quitButton);
   quitHint_->setContent(content.quitHint);
   if (std::exchange(footerSeparator_, content.footerSeparator) != content.footerSeparator) update();
@@ -101,7 +108,7 @@ bool DashboardPage::performKeyEquivalent(const QKeyEvent& key) {
   for (auto* const button : {settingsButton_, lessButton_, moreButton_, activityButton_, quitButton_}) {
     if (button->performKeyEquivalent(key)) return true;
   }
-  return false;
+  return awake_.performKeyEquivalent(key);
 }
 
 void DashboardPage::paintEvent(QPaintEvent* /*event*/) {

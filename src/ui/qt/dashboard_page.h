@@ -4,6 +4,7 @@
 #include <QWidget>
 #include <array>
 
+#include "ui/qt/awake_page.h"
 #include "ui/qt/breakdown_widget.h"
 #include "ui/qt/dashboard_button.h"
 #include "ui/qt/fitted_label.h"
@@ -20,7 +21,7 @@ class DashboardPage final : public QWidget {
  public:
   DashboardPage(const Theme& theme, QWidget* parent);
 
-  void setActions(DashboardActions actions) { actions_ = std::move(actions); }
+  void setActions(DashboardActions actions);
   void render(const DashboardContent& content);
 
   /// Presses the button whose key equivalent `key` is; whether there was one.
@@ -61,6 +62,7 @@ class DashboardPage final : public QWidget {
   FittedLabel* const processNote_;
   DashboardButton* const activityButton_;
   FittedLabel* const footer_;
+  AwakePage awake_;
   DashboardButton* const quitButton_;
   FittedLabel* const quitHint_;
 };

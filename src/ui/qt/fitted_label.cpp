@@ -28,17 +28,27 @@ void FittedLabel::setContent(const LabelContent& content) {
 void FittedLabel::fit() {
   if (!content_) return;
   const auto& style = content_->style;
-  fitted_ = fitText(text(), fontFor(QApplication::font(), style.size, style.weight), style.monospacedDigits,
-                    content_->frame.width);
+  const QFont font = fontFor(QApplication::font(), style.size, style.weight);
+  if (content_->lines > 1) {
+    lines_ = wrapText(text(), font, content_->frame.width, content_->lines);
+  } else {
+    lines_ = {fitText(text(), font, style.monospacedDigits, content_->frame.width)};
+  }
   update();
 }
 
 void FittedLabel::paintEvent(QPaintEvent* /*event*/) {
-  if (!content_) return;
+  if (!content_ || lines_.empty()) return;
   QPainter painter(this);
   painter.setPen(theme_.color(content_->style.color));
-  drawText(painter, rect(), content_->style.alignment == TextAlignment::right ? Qt::AlignRight : Qt::AlignLeft,
-           fitted_);
+  const auto alignment = content_->style.alignment == TextAlignment::right ? Qt::AlignRight : Qt::AlignLeft;
+  const double pitch =
+      content_->lines > 1 ? linePitch(lines_.front().font, content_->frame.height, content_->lines) : height();
+  QRectF frame(0, 0, width(), pitch);
+  for (const auto& line : lines_) {
+    drawText(painter, frame, alignment, line);
+    frame.translate(0, pitch);
+  }
 }
 
 void FittedLabel::changeEvent(QEvent* event) {

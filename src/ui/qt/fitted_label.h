@@ -3,23 +3,24 @@
 
 #include <QLabel>
 #include <optional>
+#include <vector>
 
-#include "ui/dashboard_content.h"
+#include "ui/control_content.h"
 #include "ui/qt/text_fitting.h"
 
 namespace nimbo {
 
 class Theme;
 
-/// One line of text that always fits its frame. Screen readers get the whole text.
+/// Text that always fits its frame, on one line or wrapped. Screen readers get the whole of it.
 class FittedLabel final : public QLabel {
  public:
   FittedLabel(const Theme& theme, QWidget* parent);
 
   void setContent(const LabelContent& content);
 
-  /// As it is drawn.
-  [[nodiscard]] const FittedText& fitted() const { return fitted_; }
+  /// As they are drawn.
+  [[nodiscard]] const std::vector<FittedText>& lines() const { return lines_; }
 
  protected:
   void paintEvent(QPaintEvent* event) override;
@@ -30,7 +31,7 @@ class FittedLabel final : public QLabel {
 
   const Theme& theme_;
   std::optional<LabelContent> content_;
-  FittedText fitted_;
+  std::vector<FittedText> lines_;
 };
 
 }  // namespace nimbo

@@ -13,8 +13,12 @@ bool keyboardFocusVisible(const QWidget& widget) {
 }
 
 void drawFocusRing(QPainter& painter, const QRectF& frame, double radius, const Theme& theme) {
+  drawFocusRing(painter, frame, radius, theme.focusRing());
+}
+
+void drawFocusRing(QPainter& painter, const QRectF& frame, double radius, const QColor& color) {
   painter.setBrush(Qt::NoBrush);
-  painter.setPen(QPen(theme.focusRing(), 2));
+  painter.setPen(QPen(color, 2));
   painter.drawRoundedRect(frame.adjusted(1, 1, -1, -1), radius - 1, radius - 1);
 }
 

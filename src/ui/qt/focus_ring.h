@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+class QColor;
 class QPainter;
 class QRectF;
 class QWidget;
@@ -15,5 +16,6 @@ class Theme;
 
 /// Draws the ring just inside `frame`.
 void drawFocusRing(QPainter& painter, const QRectF& frame, double radius, const Theme& theme);
+void drawFocusRing(QPainter& painter, const QRectF& frame, double radius, const QColor& color);
 
 }  // namespace nimbo

@@ -9,6 +9,7 @@
 #include <QWindow>
 #include <chrono>
 #include <cmath>
+#include <utility>
 
 #include "ui/qt/theme.h"
 #include "ui/qt/window_system.h"
@@ -56,9 +57,15 @@ MenuWindow::MenuWindow(const Theme& theme, WindowSystem& windowSystem)
   setAttribute(Qt::WA_X11NetWmWindowTypePopupMenu, windowType() == Qt::Popup);
   deactivationTimer_.setSingleShot(true);
   connect(&deactivationTimer_, &QTimer::timeout, this, [this] { checkDeactivation(); });
+  connect(qApp, &QGuiApplication::focusWindowChanged, this, [this](const QWindow* focused) {
+    // A turn later, because the focus may only be on its way to a window of our own.
+    if (focused == nullptr && windowType() != Qt::Popup) deactivationTimer_.start();
+  });
   grabTimer_.setInterval(kGrabInterval);
   connect(&grabTimer_, &QTimer::timeout, this, [this] { grabInput(); });
 }
+
+MenuWindow::~MenuWindow() { dismiss(); }
 
 void MenuWindow::present() {
   if (!isVisible()) {
@@ -76,6 +83,22 @@ void MenuWindow::present() {
   activateWindow();
 }
 
+// What was opened from a control would otherwise stay on the screen with the pointer in its hands.
+void MenuWindow::dismiss() {
+  while (QWidget* const inner = innerPopup()) {
+    if (!inner->close()) inner->hide();
+  }
+  // A text field would go on blinking out of sight.
+  if (QWidget* const focus = isVisible() ? focusWidget() : nullptr) focus->clearFocus();
+  hide();
+}
+
+/// A list or a menu that a control of this window has opened, the topmost one.
+QWidget* MenuWindow::innerPopup() const {
+  QWidget* const popup = QApplication::activePopupWidget();
+  return isVisible() && popup != this ? popup : nullptr;
+}
+
 void MenuWindow::showEvent(QShowEvent* event) {
   QWidget::showEvent(event);
   qApp->installEventFilter(this);
@@ -88,6 +111,7 @@ void MenuWindow::showEvent(QShowEvent* event) {
 void MenuWindow::hideEvent(QHideEvent* event) {
   QWidget::hideEvent(event);
   qApp->removeEventFilter(this);
+  keyIsForInnerPopup_ = false;
   otherActivation_.reset();
   grabTimer_.stop();
   inputGrabbed_ = false;
@@ -102,16 +126,27 @@ void MenuWindow::grabInput() {
   if (inputGrabbed_ || ++grabAttempts_ == kGrabAttempts) grabTimer_.stop();
 }
 
+// Native windows see every event before the widgets in them. While a list or a menu is open, keys and
+// clicks are its own: Escape and a click beside it close that alone.
 bool MenuWindow::eventFilter(QObject* watched, QEvent* event) {
-  // Native windows see every event before the widgets in them.
+  const bool inner = innerPopup() != nullptr;
+  // A list closes at this forerunner of a key already; the key itself is still to come.
+  if (event->type() == QEvent::ShortcutOverride && inner) keyIsForInnerPopup_ = true;
   if (!watched->isWindowType()) return false;
-  if (event->type() == QEvent::KeyPress) return keyDown(*static_cast<QKeyEvent*>(event));
-  if (event->type() == QEvent::MouseButtonPress) {
-    setAttribute(Qt::WA_KeyboardFocusChange, false);
-    update();
-    if (watched != windowHandle()) clickedOutside(static_cast<QMouseEvent*>(event)->globalPosition());
+  // A popup gets all keys and clicks; of other windows, keys are theirs.
+  const bool own = watched == windowHandle();
+  switch (event->type()) {
+    case QEvent::KeyPress:
+      if (std::exchange(keyIsForInnerPopup_, false) || inner) return !inner;
+      return (own || windowType() == Qt::Popup) && keyDown(*static_cast<QKeyEvent*>(event));
+    case QEvent::MouseButtonPress:
+      setAttribute(Qt::WA_KeyboardFocusChange, false);
+      update();
+      if (!own && !inner) clickedOutside(static_cast<QMouseEvent*>(event)->globalPosition());
+      return false;
+    default:
+      return false;
   }
-  return false;
 }
 
 bool MenuWindow::keyDown(const QKeyEvent& key) {
@@ -131,12 +166,6 @@ void MenuWindow::clickedOutside(const QPointF& place) {
 
 void MenuWindow::otherApplicationActivated() {
   if (const auto activated = events_.otherApplicationActivated) activated();
-}
-
-bool MenuWindow::event(QEvent* event) {
-  // A turn later, because the focus may only be on its way to a window of our own.
-  if (event->type() == QEvent::WindowDeactivate && windowType() != Qt::Popup) deactivationTimer_.start();
-  return QWidget::event(event);
 }
 
 void MenuWindow::checkDeactivation() {

@@ -18,17 +18,19 @@ class WindowSystem;
 class MenuWindow final : public QWidget {
  public:
   MenuWindow(const Theme& theme, WindowSystem& windowSystem);
+  ~MenuWindow() override;
 
   void setEvents(MenuWindowEvents events) { events_ = std::move(events); }
   /// Asked for keys that `MenuWindowEvents::keyDown` let pass; true swallows the key.
   void setKeyEquivalents(std::function<bool(const QKeyEvent&)> perform) { performKeyEquivalent_ = std::move(perform); }
 
   void present();
+  /// Takes it from the screen, with whatever its controls have opened.
+  void dismiss();
   [[nodiscard]] bool grabsPointer() const { return inputGrabbed_; }
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
-  bool event(QEvent* event) override;
   void showEvent(QShowEvent* event) override;
   void hideEvent(QHideEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
@@ -37,6 +39,7 @@ class MenuWindow final : public QWidget {
   void resizeEvent(QResizeEvent* event) override;
 
  private:
+  [[nodiscard]] QWidget* innerPopup() const;
   [[nodiscard]] bool keyDown(const QKeyEvent& key);
   void clickedOutside(const QPointF& place);
   void otherApplicationActivated();
@@ -54,6 +57,7 @@ class MenuWindow final : public QWidget {
   int grabAttempts_ = 0;
   bool inputGrabbed_ = false;
   bool compositing_ = true;
+  bool keyIsForInnerPopup_ = false;
 };
 
 }  // namespace nimbo

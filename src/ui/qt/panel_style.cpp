@@ -4,6 +4,7 @@
 #include <QPainter>
 #include <QStyleOption>
 
+#include "ui/qt/menu_style.h"
 #include "ui/qt/theme.h"
 
 namespace nimbo {
@@ -12,6 +13,10 @@ namespace {
 constexpr int kScrollBarExtent = 9;
 constexpr double kThumbMargin = 2;
 constexpr int kToolTipMargin = 5;
+constexpr int kMenuMargin = 4;
+constexpr int kStepperWidth = 18;
+constexpr int kFieldPadding = 4;
+constexpr int kStepperInset = 3;  // brings the two arrows closer together
 
 }  // namespace
 
@@ -27,12 +32,43 @@ int PanelStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWid
 int PanelStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const {
   if (metric == PM_ScrollBarExtent) return kScrollBarExtent;
   if (metric == PM_ToolTipLabelFrameWidth) return kToolTipMargin;
+  if (metric == PM_MenuHMargin || metric == PM_MenuVMargin) return kMenuMargin;
   return QProxyStyle::pixelMetric(metric, option, widget);
+}
+
+QRect PanelStyle::subControlRect(ComplexControl control, const QStyleOptionComplex* option, SubControl part,
+                                 const QWidget* widget) const {
+  if (control != CC_SpinBox) return QProxyStyle::subControlRect(control, option, part, widget);
+  const QRect whole = option->rect;
+  const QRect stepper = whole.adjusted(whole.width() - kStepperWidth, 0, 0, 0);
+  if (part == SC_SpinBoxUp) return stepper.adjusted(0, kStepperInset, 0, -stepper.height() / 2);
+  if (part == SC_SpinBoxDown) return stepper.adjusted(0, stepper.height() / 2, 0, -kStepperInset);
+  if (part == SC_SpinBoxEditField) return whole.adjusted(kFieldPadding, 1, -kStepperWidth, -1);
+  return whole;
+}
+
+QSize PanelStyle::sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& contents,
+                                   const QWidget* widget) const {
+  const auto* const item = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
+  if (type == CT_MenuItem && item != nullptr) return menuItemSize(*item);
+  return QProxyStyle::sizeFromContents(type, option, contents, widget);
+}
+
+void PanelStyle::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                             const QWidget* widget) const {
+  const auto* const item = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
+  if (element == CE_MenuItem && item != nullptr) {
+    drawMenuItem(*painter, *item, theme_);
+  } else if (element != CE_MenuEmptyArea) {
+    QProxyStyle::drawControl(element, option, painter, widget);
+  }
 }
 
 void PanelStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                                const QWidget* widget) const {
-  if (element != PE_PanelTipLabel) {
+  // Drawn as parts of the menu's panel and of the field that the text stands in.
+  if (element == PE_Frame || element == PE_FrameMenu || element == PE_PanelLineEdit) return;
+  if (element != PE_PanelTipLabel && element != PE_PanelMenu) {
     QProxyStyle::drawPrimitive(element, option, painter, widget);
     return;
   }

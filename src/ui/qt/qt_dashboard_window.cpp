@@ -18,7 +18,7 @@ void QtDashboardWindow::setEvents(MenuWindowEvents events) { window_.setEvents(s
 void QtDashboardWindow::render(const DashboardContent& content) { page_->render(content); }
 void QtDashboardWindow::setFrame(const Rect& frame) { window_.setGeometry(toQRect(frame)); }
 void QtDashboardWindow::show() { window_.present(); }
-void QtDashboardWindow::hide() { window_.hide(); }
+void QtDashboardWindow::hide() { window_.dismiss(); }
 bool QtDashboardWindow::visible() const { return window_.isVisible(); }
 bool QtDashboardWindow::grabsPointer() const { return window_.grabsPointer(); }
 

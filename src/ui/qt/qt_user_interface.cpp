@@ -6,12 +6,15 @@
 #include <QScreen>
 #include <QSessionManager>
 #include <QToolTip>
+#include <array>
 #include <clocale>
 #include <cmath>
 
 #include "ui/qt/application_accessible.h"
 #include "ui/qt/chart_widget.h"
 #include "ui/qt/panel_style.h"
+#include "ui/qt/pop_up_button.h"
+#include "ui/qt/qt_alert.h"
 #include "ui/qt/qt_dashboard_window.h"
 #include "ui/qt/qt_geometry.h"
 #include "ui/qt/screen_watch.h"
@@ -19,6 +22,8 @@
 
 namespace nimbo {
 namespace {
+
+constexpr std::array kAccessibleControls{makeAccessibleChart, makeAccessiblePopUp, makeAccessibleAlert};
 
 std::vector<char*> pointersTo(std::vector<std::string>& texts) {
   std::vector<char*> pointers;
@@ -45,8 +50,9 @@ void refuseRestart(QSessionManager& session) { session.setRestartHint(QSessionMa
 
 }  // namespace
 
-std::unique_ptr<QtUserInterface> QtUserInterface::make() {
-  const auto platform = reachablePlatform();
+std::unique_ptr<QtUserInterface> QtUserInterface::make(DisplayNeed need) {
+  auto platform = reachablePlatform();
+  if (!platform && need == DisplayNeed::optional) platform = "offscreen";
   return platform ? std::unique_ptr<QtUserInterface>(new QtUserInterface(*platform)) : nullptr;
 }
 
@@ -68,14 +74,14 @@ QtUserInterface::QtUserInterface(const std::string& platform)
   QObject::connect(application_.get(), &QGuiApplication::saveStateRequest, refuseRestart);
 
   QApplication::setStyle(new PanelStyle(theme_));
-  QAccessible::installFactory(makeAccessibleChart);
+  for (const auto factory : kAccessibleControls) QAccessible::installFactory(factory);
   windowSystem_ = makeWindowSystem();
   screenWatch_ = std::make_unique<ScreenWatch>();
   setAppearance(Appearance::light);
 }
 
 QtUserInterface::~QtUserInterface() {
-  QAccessible::removeFactory(makeAccessibleChart);
+  for (const auto factory : kAccessibleControls) QAccessible::removeFactory(factory);
   QAccessible::removeFactory(makeAccessibleApplication);
 }
 
@@ -116,6 +122,13 @@ void QtUserInterface::setAppearance(Appearance appearance) {
 
 std::unique_ptr<DashboardWindow> QtUserInterface::makeDashboardWindow() {
   return std::make_unique<QtDashboardWindow>(theme_, *windowSystem_);
+}
+
+std::unique_ptr<Alert> QtUserInterface::showAlert(const AlertContent& content,
+                                                  std::function<void(std::size_t button)> answered) {
+  auto alert = std::make_unique<QtAlert>(theme_, content, std::move(answered));
+  alert->present();
+  return alert;
 }
 
 }  // namespace nimbo

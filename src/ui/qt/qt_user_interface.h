@@ -21,7 +21,7 @@ class WindowSystem;
 class QtUserInterface final : public UserInterface {
  public:
   /// Null when no display can be reached.
-  [[nodiscard]] static std::unique_ptr<QtUserInterface> make();
+  [[nodiscard]] static std::unique_ptr<QtUserInterface> make(DisplayNeed need = DisplayNeed::required);
   ~QtUserInterface() override;
 
   [[nodiscard]] OuterLoop& loop() override { return loop_; }
@@ -30,6 +30,8 @@ class QtUserInterface final : public UserInterface {
   [[nodiscard]] Rect toPoints(const Rect& reported) const override;
   void setAppearance(Appearance appearance) override;
   [[nodiscard]] std::unique_ptr<DashboardWindow> makeDashboardWindow() override;
+  [[nodiscard]] std::unique_ptr<Alert> showAlert(const AlertContent& content,
+                                                 std::function<void(std::size_t button)> answered) override;
 
  private:
   explicit QtUserInterface(const std::string& platform);

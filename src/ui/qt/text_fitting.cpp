@@ -3,7 +3,9 @@
 
 #include <QFontMetricsF>
 #include <QPainter>
+#include <QTextLayout>
 #include <algorithm>
+#include <cmath>
 
 namespace nimbo {
 namespace {
@@ -24,6 +26,24 @@ QFont::Weight toolkitWeight(FontWeight weight) {
 }
 
 bool isDigit(QChar character) { return character >= u'0' && character <= u'9'; }
+
+int smallestSize(int size) { return std::min(size, std::max(kSmallestSize, qRound(size * kSmallestShare))); }
+
+/// All lines that `text` takes, without the blanks around them.
+QStringList brokenLines(const QString& text, const QFont& font, double width) {
+  QTextLayout layout(QString(text).replace('\n', QChar::LineSeparator), font);
+  QTextOption option;
+  option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+  layout.setTextOption(option);
+  QStringList lines;
+  layout.beginLayout();
+  for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+    line.setLineWidth(width);
+    lines.push_back(text.mid(line.textStart(), line.textLength()).trimmed());
+  }
+  layout.endLayout();
+  return lines;
+}
 
 std::function<double(const QString&)> advanceIn(const QFontMetricsF& metrics) {
   return [&metrics](const QString& text) { return metrics.horizontalAdvance(text); };
@@ -66,9 +86,7 @@ double textWidth(const QString& text, const QFont& font, bool monospacedDigits) 
 
 FittedText fitText(const QString& text, const QFont& font, bool monospacedDigits, double width) {
   FittedText fitted{text, font, monospacedDigits};
-  const int size = font.pixelSize();
-  const int smallest = std::min(size, std::max(kSmallestSize, qRound(size * kSmallestShare)));
-  for (int candidate = size; candidate >= smallest; --candidate) {
+  for (int candidate = font.pixelSize(); candidate >= smallestSize(font.pixelSize()); --candidate) {
     fitted.font.setPixelSize(candidate);
     if (textWidth(text, fitted.font, monospacedDigits) <= width) return fitted;
   }
@@ -77,6 +95,28 @@ FittedText fitText(const QString& text, const QFont& font, bool monospacedDigits
   const double surplus = textWidth(text, fitted.font, monospacedDigits) - metrics.horizontalAdvance(text);
   fitted.text = metrics.elidedText(text, Qt::ElideRight, std::max(width - surplus, 0.0));
   return fitted;
+}
+
+std::vector<FittedText> wrapText(const QString& text, const QFont& font, double width, int limit) {
+  QFont fitting = font;
+  QStringList lines;
+  for (int candidate = font.pixelSize(); candidate >= smallestSize(font.pixelSize()); --candidate) {
+    fitting.setPixelSize(candidate);
+    lines = brokenLines(text, fitting, width);
+    if (lines.size() <= limit) break;
+  }
+  if (lines.size() > limit) {
+    const QString rest = QStringList(lines.mid(limit - 1)).join(' ');
+    lines = lines.first(limit);
+    lines.back() = QFontMetricsF(fitting).elidedText(rest, Qt::ElideRight, width);
+  }
+  std::vector<FittedText> fitted;
+  for (const auto& line : lines) fitted.push_back({line, fitting});
+  return fitted;
+}
+
+double linePitch(const QFont& font, double height, int lines) {
+  return std::min(std::ceil(QFontMetricsF(font).lineSpacing()), std::floor(height / std::max(lines, 1)));
 }
 
 void drawText(QPainter& painter, const QRectF& frame, Qt::Alignment alignment, const FittedText& text) {

@@ -6,7 +6,7 @@
 #include <functional>
 #include <vector>
 
-#include "ui/dashboard_content.h"
+#include "ui/control_content.h"
 
 class QPainter;
 class QRectF;
@@ -38,6 +38,13 @@ struct PlacedText {
 /// Users' fonts are wider than the one the frames were made for: the font shrinks a little, and
 /// what is still too wide ends in "…".
 [[nodiscard]] FittedText fitText(const QString& text, const QFont& font, bool monospacedDigits, double width);
+
+/// The same over at most `limit` lines, broken between words where possible; all in one size. Digits
+/// keep their own widths.
+[[nodiscard]] std::vector<FittedText> wrapText(const QString& text, const QFont& font, double width, int limit);
+
+/// The distance of lines in a frame of that height: the font's own, or less if they would not fit.
+[[nodiscard]] double linePitch(const QFont& font, double height, int lines);
 
 /// Centred vertically on the font's ascent and descent. Only the horizontal part of `alignment` counts.
 void drawText(QPainter& painter, const QRectF& frame, Qt::Alignment alignment, const FittedText& text);

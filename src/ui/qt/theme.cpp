@@ -49,6 +49,25 @@ QColor Theme::raisedGround() const {
 
 QColor Theme::focusRing() const { return withAlpha(color(ColorRole::blue), 0.75F); }
 
+QColor Theme::disabledLabel() const { return withAlpha(color(ColorRole::tertiaryLabel), 0.7F); }
+
+QColor Theme::accent(ControlState state) const {
+  const QColor ground = toolkitColor(accentGround(appearance_));
+  // Darker, so that what is written on it stays readable.
+  if (state == ControlState::hovered) return ground.darker(108);
+  return state == ControlState::pressed ? ground.darker(122) : ground;
+}
+
+QColor Theme::accentLabel() const { return toolkitColor(nimbo::accentLabel(appearance_)); }
+
+QColor Theme::fieldGround(bool enabled) const {
+  return enabled ? toolkitColor(nimbo::fieldGround(appearance_)) : controlGround(ControlState::disabled);
+}
+
+QColor Theme::fieldBorder(bool enabled) const {
+  return enabled ? toolkitColor(nimbo::fieldBorder(appearance_)) : separator();
+}
+
 QPalette Theme::palette() const {
   // Built from two colours, the toolkit derives the rest of a fitting light or dark set.
   QPalette palette(background(), background());
@@ -59,8 +78,8 @@ QPalette Theme::palette() const {
   palette.setColor(QPalette::Base, background());
   palette.setColor(QPalette::ToolTipBase, background());
   palette.setColor(QPalette::PlaceholderText, color(ColorRole::tertiaryLabel));
-  palette.setColor(QPalette::Highlight, color(ColorRole::blue));
-  palette.setColor(QPalette::HighlightedText, background());
+  palette.setColor(QPalette::Highlight, accent());
+  palette.setColor(QPalette::HighlightedText, accentLabel());
   return palette;
 }
 

@@ -5,7 +5,7 @@
 #include <QPalette>
 
 #include "platform/workspace.h"
-#include "ui/dashboard_content.h"
+#include "ui/control_content.h"
 
 namespace nimbo {
 
@@ -26,6 +26,15 @@ class Theme {
   /// The raised, selected part of a control.
   [[nodiscard]] QColor raisedGround() const;
   [[nodiscard]] QColor focusRing() const;
+  /// What is written on a control that cannot be used now.
+  [[nodiscard]] QColor disabledLabel() const;
+
+  /// The ground of what is on or selected, and what is written on it.
+  [[nodiscard]] QColor accent(ControlState state = ControlState::idle) const;
+  [[nodiscard]] QColor accentLabel() const;
+
+  [[nodiscard]] QColor fieldGround(bool enabled) const;
+  [[nodiscard]] QColor fieldBorder(bool enabled) const;
 
   /// The same for what the toolkit draws itself.
   [[nodiscard]] QPalette palette() const;

@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "base/geometry.h"
+
+namespace nimbo {
+
+/// Colours by meaning; the toolkit has one value of each for light and one for dark appearance.
+enum class ColorRole { label, secondaryLabel, tertiaryLabel, quaternaryLabel, teal, indigo, orange, green, red, blue };
+
+enum class FontWeight { regular, medium, semibold };
+enum class TextAlignment { left, right };
+
+struct TextStyle {
+  double size = 13;  ///< points
+  FontWeight weight = FontWeight::regular;
+  ColorRole color = ColorRole::label;
+  TextAlignment alignment = TextAlignment::left;
+  bool monospacedDigits = false;
+  bool operator==(const TextStyle&) const = default;
+};
+
+// Frames are in points from the top left corner of the page.
+
+struct LabelContent {
+  Rect frame;
+  TextStyle style;
+  std::string text = {};
+  std::string toolTip = {};
+  bool visible = true;
+  int lines = 1;  ///< with more than one the text wraps from the top of the frame
+  bool operator==(const LabelContent&) const = default;
+};
+
+enum class ButtonLook { rounded, inlined, icon };
+
+struct ButtonContent {
+  std::string identifier;  ///< stable name for tests and assistive technology
+  Rect frame;
+  ButtonLook look = ButtonLook::rounded;
+  double textSize = 13;
+  std::string title = {};           ///< the visible text, or the name of the symbol for `icon`
+  std::string accessibleName = {};  ///< what a screen reader says; the title when empty
+  std::string toolTip = {};
+  std::string keyEquivalent = {};  ///< one letter pressed with Command (Control on Linux); empty for none
+  bool visible = true;
+  bool enabled = true;
+  bool operator==(const ButtonContent&) const = default;
+};
+
+struct CheckBoxContent {
+  std::string identifier;
+  Rect frame;
+  std::string title = {};
+  std::string toolTip = {};
+  bool on = false;
+  bool visible = true;
+  bool enabled = true;
+  bool operator==(const CheckBoxContent&) const = default;
+};
+
+/// A button that opens a list of which one item is selected.
+struct PopUpContent {
+  std::string identifier;
+  Rect frame;
+  std::vector<std::string> items = {};
+  std::size_t selected = 0;
+  std::string accessibleName = {};
+  bool visible = true;
+  bool enabled = true;
+  bool operator==(const PopUpContent&) const = default;
+};
+
+struct TextFieldContent {
+  std::string identifier;
+  Rect frame;
+  std::string text = {};
+  std::string placeholder = {};
+  std::string accessibleName = {};
+  std::string toolTip = {};
+  bool visible = true;
+  bool enabled = true;
+  bool operator==(const TextFieldContent&) const = default;
+};
+
+/// A field with a stepper for day, hour and minute in the user's time zone.
+struct DatePickerContent {
+  std::string identifier;
+  Rect frame;
+  std::chrono::system_clock::time_point date = {};
+  std::string accessibleName = {};
+  bool visible = true;
+  bool enabled = true;
+  bool operator==(const DatePickerContent&) const = default;
+};
+
+}  // namespace nimbo
