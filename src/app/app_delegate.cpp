@@ -3,10 +3,13 @@
 
 #include <utility>
 
+#include "awake/session_length.h"
 #include "ui/status_item_content.h"
 
 namespace nimbo {
 namespace {
+
+constexpr std::chrono::minutes kExtension{30};
 
 std::optional<DashboardTab> tabOf(StatusItemKind kind) {
   switch (kind) {
@@ -25,33 +28,63 @@ std::optional<DashboardTab> tabOf(StatusItemKind kind) {
 }  // namespace
 
 AppDelegate::AppDelegate(PlatformServices& platform, UserInterfaceMaker makeUserInterface, Settings& settings)
-    : platform_(platform),
+    : confirmEndingAwakeSession([this](QuitDecision decided) { showQuitAlert(std::move(decided)); }),
+      platform_(platform),
       settings_(settings),
-      dashboard_({platform.mainLoop(), *platform.readers().clock, platform.workspace()}, std::move(makeUserInterface),
-                 settings,
-                 {[this] { tabChanged(); }, [this] { quit(); }, [this] { return statusItems_.knownFrames(); }}),
+      awake_(
+          {platform.mainLoop(), *platform.readers().clock, platform.assertionClient(), platform.powerSources(),
+           platform.displayPower()},
+          [&sources = platform.powerSources()] { return readBattery(sources); }, true),
+      toolkit_(platform.mainLoop(), platform.workspace(), std::move(makeUserInterface)),
       sampling_({platform.mainLoop(), platform.readers(), platform.temperatureQueue(), platform.utilityQueue()},
                 settings,
-                {[this] { readingsChanged(); },
-                 [this] { return dashboard_.visible() && dashboard_.selectedTab() == DashboardTab::memory; },
+                {[this] { awake_.checkDeadline(platform_.readers().clock->now()); }, [this] { readingsChanged(); },
+                 [this] { return dashboard_.wantsProcesses(); },
                  [this](ProcessScan scan) { dashboard_.updateProcesses(std::move(scan)); }}),
+      dashboard_({toolkit_, platform.mainLoop(), *platform.readers().clock, platform.dates(), platform.workspace()},
+                 {settings, sampling_.readings(), awake_}, dashboardCallbacks()),
       statusItems_(platform.statusBar(), platform.mainLoop(), settings,
                    {[this](StatusItemKind kind) { return contentFor(kind); },
                     [this](StatusItemKind kind, const StatusClick& click) { statusClicked(kind, click); },
                     [this] { return statusMenu(); }, [this] { dashboard_.close(); },
                     [this] { return sleeping_ || dashboard_.visible(); }}) {}
 
+Dashboard::Callbacks AppDelegate::dashboardCallbacks() {
+  return {
+      [this] { tabChanged(); },
+      [this] { quit(); },
+      [this] { return statusItems_.knownFrames(); },
+      [this](std::optional<AwakeManager::Time> end) { toggleAwake(end); },
+      [this](bool on) { keepDisplayOn(on); },
+      [this] { applyAwakeRules(); },
+      [this] { turnDisplayOff(); },
+      [this] { awake_.extend(kExtension); },
+  };
+}
+
 void AppDelegate::applicationDidFinishLaunching() {
+  applyAwakeRules();
+  awake_.onChange = [this] { awakeChanged(); };
   statusItems_.configure();
   sampling_.tick();
   sampling_.startTimer();
   sleepObservation_ = platform_.systemSleep().observe([this] { willSleep(); }, [this] { didWake(); });
+  // A log-out or a shutdown cannot wait for an answer.
   terminationObservation_ = platform_.termination().observe([this] { platform_.mainLoop().quit(); });
+}
+
+void AppDelegate::applicationShouldTerminate(QuitDecision decided) {
+  if (awake_.isActive()) {
+    confirmEndingAwakeSession(std::move(decided));
+  } else {
+    decided(true);
+  }
 }
 
 void AppDelegate::applicationWillTerminate() {
   sampling_.stopTimer();
   statusItems_.stopRotation();
+  awake_.stopByUser();
   sleepObservation_.reset();
   terminationObservation_.reset();
 }
@@ -69,16 +102,46 @@ void AppDelegate::willSleep() {
 
 void AppDelegate::didWake() {
   sleeping_ = false;
+  awake_.checkDeadline(platform_.readers().clock->now());
+  awake_.checkBattery();
   sampling_.didWake();
   statusItems_.restartRotation();
 }
 
 void AppDelegate::quit() {
-  if (applicationShouldTerminate()) platform_.mainLoop().quit();
+  applicationShouldTerminate([this](bool quit) {
+    if (quit) platform_.mainLoop().quit();
+  });
+}
+
+void AppDelegate::showQuitAlert(QuitDecision decided) {
+  dashboard_.close();
+  if (quitAlert_) {
+    quitAlert_->present();
+    return;
+  }
+  auto* const interface = toolkit_.interface();
+  if (interface == nullptr) {
+    // Nobody can be asked, and the user said so.
+    decided(true);
+    return;
+  }
+  quitAlert_ = interface->showAlert({"Keep Awake is running",
+                                     "Quitting or installing an update ends this session. Your Mac may sleep "
+                                     "afterward.",
+                                     {"Keep Running", "End Session & Quit"}},
+                                    [this, decided = std::move(decided)](std::size_t button) {
+                                      const auto answer = decided;  // goes with the alert
+                                      quitAlert_.reset();
+                                      answer(button == 1);
+                                    });
 }
 
 void AppDelegate::statusClicked(StatusItemKind kind, const StatusClick& click) {
-  if (click.alternate) return;  // the direct switch for Keep Awake, which this version does not have yet
+  if (click.alternate) {
+    quickTimedSession();
+    return;
+  }
   if (dashboard_.visible()) {
     dashboard_.close();
     return;
@@ -89,9 +152,15 @@ void AppDelegate::statusClicked(StatusItemKind kind, const StatusClick& click) {
 }
 
 void AppDelegate::openDashboard(StatusItemKind kind, std::optional<DashboardTab> tab) {
-  if (!dashboard_.open(statusItems_.item(kind), statusItems_.knownFrame(kind), tab, sampling_.readings())) return;
+  if (!dashboard_.open(statusItems_.item(kind), statusItems_.knownFrame(kind), tab)) return;
   tabChanged();
   statusItems_.restartRotation();
+}
+
+bool AppDelegate::loadDashboardOffscreen() {
+  if (!dashboard_.loadOffscreen(DashboardTab::memory)) return false;
+  sampling_.startProcessScan(SamplingLoop::Throttle::ignore);
+  return true;
 }
 
 StatusItemContent AppDelegate::contentFor(StatusItemKind kind) const {
@@ -102,22 +171,23 @@ StatusItemContent AppDelegate::contentFor(StatusItemKind kind) const {
     case StatusItemKind::memory:
       return memoryItemContent(readings.memory, readings.memoryFailed, settings_.showChart());
     case StatusItemKind::awake:
-      return awakeItemContent(false);
+      return awakeItemContent(awake_.isActive());
     case StatusItemKind::compact:
       break;
   }
-  return compactItemContent(false);
+  return compactItemContent(awake_.isActive());
 }
 
 StatusMenu AppDelegate::statusMenu() {
   StatusMenuActions actions;
+  actions.quickToggleAwake = [this] { quickToggleAwake(); };
   actions.quit = [this] { quit(); };
-  return makeStatusMenu(actions, AwakeSession::off);
+  return makeStatusMenu(actions, awake_.isActive() ? AwakeSession::running : AwakeSession::off);
 }
 
 void AppDelegate::readingsChanged() {
   statusItems_.refresh();
-  dashboard_.update(sampling_.readings());
+  dashboard_.updateReadings();
 }
 
 void AppDelegate::tabChanged() {
@@ -126,5 +196,38 @@ void AppDelegate::tabChanged() {
   settings_.setLastDashboardTab(*tab);
   sampling_.startProcessScan(SamplingLoop::Throttle::ignore);
 }
+
+void AppDelegate::awakeChanged() {
+  statusItems_.refresh();
+  dashboard_.updateAwake();
+}
+
+void AppDelegate::startAwake(std::optional<AwakeManager::Time> end) {
+  awake_.start(end, settings_.awakeDisplayOn(), platform_.readers().clock->now());
+}
+
+void AppDelegate::toggleAwake(std::optional<AwakeManager::Time> end) {
+  awake_.isActive() ? awake_.stopByUser() : startAwake(end);
+}
+
+void AppDelegate::quickToggleAwake() { toggleAwake(std::nullopt); }
+
+void AppDelegate::quickTimedSession() {
+  // A date that was picked on the page is not kept, so that choice means what the page suggests.
+  const auto now = platform_.readers().clock->now();
+  toggleAwake(sessionEnd(settings_.awakeDuration(), clampedCustomMinutes(settings_.awakeCustomMinutes()),
+                         suggestedEnd(now), now));
+}
+
+void AppDelegate::keepDisplayOn(bool on) {
+  if (awake_.setKeepDisplayOn(on)) settings_.setAwakeDisplayOn(on);
+  awakeChanged();
+}
+
+void AppDelegate::toggleDisplayMode() { keepDisplayOn(!settings_.awakeDisplayOn()); }
+
+void AppDelegate::turnDisplayOff() { awake_.turnDisplayOff(); }
+
+void AppDelegate::applyAwakeRules() { awake_.setRules({settings_.awakeOnlyOnPower(), settings_.awakeBatteryFloor()}); }
 
 }  // namespace nimbo

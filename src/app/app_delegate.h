@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -10,6 +11,8 @@
 #include "app/sampling_loop.h"
 #include "app/status_items.h"
 #include "app/status_menu.h"
+#include "app/toolkit.h"
+#include "awake/awake_manager.h"
 #include "platform/platform_services.h"
 #include "settings/settings.h"
 
@@ -22,9 +25,12 @@ class AppDelegate {
   /// `platform` and `settings` outlive it.
   AppDelegate(PlatformServices& platform, UserInterfaceMaker makeUserInterface, Settings& settings);
 
+  /// Gets the user's decision to quit, once, possibly much later.
+  using QuitDecision = std::function<void(bool quit)>;
+
   void applicationDidFinishLaunching();
-  /// Whether the program may end now.
-  [[nodiscard]] bool applicationShouldTerminate() const { return true; }
+  /// Decides whether the program may end now: at once, or after asking when a session runs.
+  void applicationShouldTerminate(QuitDecision decided);
   void applicationWillTerminate();
 
   /// The program was started again.
@@ -35,19 +41,44 @@ class AppDelegate {
 
   void statusClicked(StatusItemKind kind, const StatusClick& click);
 
+  /// Stops the session, or starts one until stopped.
+  void quickToggleAwake();
+  /// Stops the session, or starts one of the length chosen last.
+  void quickTimedSession();
+  void toggleDisplayMode();
+  void turnDisplayOff();
+
+  [[nodiscard]] AwakeManager& awake() { return awake_; }
+  /// Makes the dashboard with its process list without showing it; false when there is no display.
+  [[nodiscard]] bool loadDashboardOffscreen();
+
+  /// Asked before quitting ends a session. Shows an alert unless replaced.
+  std::function<void(QuitDecision)> confirmEndingAwakeSession;
+
  private:
+  [[nodiscard]] Dashboard::Callbacks dashboardCallbacks();
   [[nodiscard]] StatusItemContent contentFor(StatusItemKind kind) const;
   [[nodiscard]] StatusMenu statusMenu();
   void openDashboard(StatusItemKind kind, std::optional<DashboardTab> tab);
   void readingsChanged();
   void tabChanged();
+  void awakeChanged();
+
+  void startAwake(std::optional<AwakeManager::Time> end);
+  void toggleAwake(std::optional<AwakeManager::Time> end);
+  void keepDisplayOn(bool on);
+  void applyAwakeRules();
+  void showQuitAlert(QuitDecision decided);
 
   PlatformServices& platform_;
   Settings& settings_;
   bool sleeping_ = false;
-  Dashboard dashboard_;
+  AwakeManager awake_;
+  Toolkit toolkit_;
   SamplingLoop sampling_;
+  Dashboard dashboard_;
   StatusItems statusItems_;
+  std::unique_ptr<Alert> quitAlert_;
   Subscription sleepObservation_;
   Subscription terminationObservation_;
 };

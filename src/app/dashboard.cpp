@@ -19,45 +19,44 @@ DashboardPreferences preferencesFrom(const Settings& settings) {
 
 }  // namespace
 
-Dashboard::Dashboard(Services services, UserInterfaceMaker makeUserInterface, const Settings& settings,
-                     Callbacks callbacks)
-    : services_(services),
-      makeUserInterface_(std::move(makeUserInterface)),
-      settings_(settings),
-      callbacks_(std::move(callbacks)) {}
+Dashboard::Dashboard(Services services, Sources sources, Callbacks callbacks)
+    : services_(services), sources_(sources), callbacks_(std::move(callbacks)) {}
 
 bool Dashboard::open(const std::shared_ptr<StatusItem>& item, std::optional<Rect> reported,
-                     std::optional<DashboardTab> tab, const SystemReadings& readings) {
-  if (!parts_ && !create()) return false;
-  auto& controller = parts_->controller;
-  controller.setActivityMonitorEnabled(services_.workspace.hasSystemMonitor());
-  controller.apply(preferencesFrom(settings_));
-  if (tab) controller.selectTab(*tab);
-  show(readings);
+                     std::optional<DashboardTab> tab) {
+  if (!prepare(tab)) return false;
   parts_->panel->show(item, reported);
   return true;
 }
 
+bool Dashboard::loadOffscreen(DashboardTab tab) {
+  offscreen_ = prepare(tab);
+  return offscreen_;
+}
+
+bool Dashboard::prepare(std::optional<DashboardTab> tab) {
+  if (!parts_ && !create()) return false;
+  auto& controller = parts_->controller;
+  controller.setActivityMonitorEnabled(services_.workspace.hasSystemMonitor());
+  controller.apply(preferencesFrom(sources_.settings));
+  if (tab) controller.selectTab(*tab);
+  controller.awakeView().refresh(sources_.awake);
+  showReadings();
+  return true;
+}
+
 bool Dashboard::create() {
-  auto interface = makeUserInterface_();
-  if (!interface) return false;
-  services_.mainLoop.adopt(interface->loop());
-  auto parts = std::make_unique<Parts>();
-  parts->interface = std::move(interface);
-  parts->window = parts->interface->makeDashboardWindow();
-  parts->panel =
-      std::make_unique<DashboardPanel>(*parts->window, *parts->interface, services_.mainLoop, services_.clock);
+  auto* const interface = services_.toolkit.interface();
+  if (interface == nullptr) return false;
+  auto parts = std::make_unique<Parts>(AwakeView::Services{sources_.settings, services_.clock, services_.dates});
+  parts->window = interface->makeDashboardWindow();
+  parts->panel = std::make_unique<DashboardPanel>(*parts->window, *interface, services_.mainLoop, services_.clock);
   wire(*parts);
   parts_ = std::move(parts);
   return true;
 }
 
 void Dashboard::wire(Parts& parts) {
-  auto& toolkit = *parts.interface;
-  toolkit.setAppearance(services_.workspace.appearance());
-  parts.appearance =
-      services_.workspace.observeAppearance([&toolkit](Appearance appearance) { toolkit.setAppearance(appearance); });
-
   auto& controller = parts.controller;
   // The settings window does not exist yet, so its button leads nowhere.
   controller.setSettingsEnabled(false);
@@ -69,6 +68,13 @@ void Dashboard::wire(Parts& parts) {
   controller.onQuit = callbacks_.quit;
   controller.onActivityMonitor = [this] { (void)services_.workspace.openSystemMonitor(); };
 
+  auto& awakeView = controller.awakeView();
+  awakeView.onToggle = callbacks_.toggleAwake;
+  awakeView.onDisplay = callbacks_.keepDisplayOn;
+  awakeView.onRules = callbacks_.awakeRulesChanged;
+  awakeView.onDisplayOff = callbacks_.turnDisplayOff;
+  awakeView.onExtend = callbacks_.extendAwake;
+
   parts.panel->statusButtons = callbacks_.statusItemFrames;
   parts.window->setActions({
       [&controller](std::size_t index) { controller.tabChanged(index); },
@@ -77,11 +83,16 @@ void Dashboard::wire(Parts& parts) {
       [&controller] { controller.collapseClicked(); },
       [&controller] { controller.activityClicked(); },
       [&controller] { controller.quitClicked(); },
+      awakeView.actions(),
   });
 }
 
 void Dashboard::close() {
   if (parts_) parts_->panel->close();
+}
+
+bool Dashboard::wantsProcesses() const {
+  return parts_ && (offscreen_ || visible()) && parts_->controller.selectedTab() == DashboardTab::memory;
 }
 
 bool Dashboard::justClosedBy(const StatusItem& item) const { return parts_ && parts_->panel->justClosedBy(item); }
@@ -91,14 +102,19 @@ std::optional<DashboardTab> Dashboard::selectedTab() const {
   return parts_->controller.selectedTab();
 }
 
-void Dashboard::update(const SystemReadings& readings) {
-  if (visible()) show(readings);
+void Dashboard::updateReadings() {
+  if (visible()) showReadings();
 }
 
-void Dashboard::show(const SystemReadings& readings) {
+void Dashboard::updateAwake() {
+  if (visible()) parts_->controller.awakeView().refresh(sources_.awake);
+}
+
+void Dashboard::showReadings() {
   auto& controller = parts_->controller;
+  const auto& readings = sources_.readings;
   controller.update({readings.memory, readings.cpu, readings.memoryHistory, readings.cpuHistory,
-                     settings_.refreshInterval(), readings.memoryFailed});
+                     sources_.settings.refreshInterval(), readings.memoryFailed});
   controller.updateTemperature(readings.temperature);
 }
 

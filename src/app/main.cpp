@@ -8,6 +8,7 @@
 #include "app/app_delegate.h"
 #include "app/diagnostics_report.h"
 #include "app/launch_mode.h"
+#include "app/performance_probe.h"
 #include "app/user_interface_maker.h"
 #include "platform/platform_services.h"
 #include "settings/settings.h"
@@ -49,6 +50,18 @@ int runMenuBar(const std::vector<std::string>& links) {
   return 0;
 }
 
+int runProfile() {
+  const auto platform = makePlatformServices();
+  // Each stage can be looked at from outside as soon as it has been told, also through a pipe.
+  const auto print = [](const std::string& line) {
+    fmt::print("{}\n", line);
+    std::fflush(stdout);
+  };
+  const auto complain = [](const std::string& line) { fmt::print(stderr, "nimbo: {}\n", line); };
+  return runPerformanceProbe(*platform, userInterfaceFromModule(platform->moduleLoader(), DisplayNeed::optional), print,
+                             complain);
+}
+
 int notBuiltYet(const char* flag) {
   fmt::print(stderr, "nimbo: {} is not available in this version\n", flag);
   return 1;
@@ -61,7 +74,7 @@ int run(const std::vector<std::string>& arguments) {
     case LaunchMode::diagnostics:
       return runDiagnostics();
     case LaunchMode::profile:
-      return notBuiltYet("--profile");
+      return runProfile();
     case LaunchMode::menuBar:
       break;
   }

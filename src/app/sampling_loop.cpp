@@ -30,6 +30,7 @@ void SamplingLoop::startTimer() {
 void SamplingLoop::stopTimer() { timer_.reset(); }
 
 void SamplingLoop::tick() {
+  callbacks_.willTick();
   readMemory();
   readCpu();
   startTemperatureRead();

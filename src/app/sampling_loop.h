@@ -27,6 +27,8 @@ class SamplingLoop {
     WorkQueue& utilityQueue;
   };
   struct Callbacks {
+    /// A tick begins, before anything is read.
+    std::function<void()> willTick;
     /// The readings are new: after each tick and after each temperature.
     std::function<void()> readingsChanged;
     /// Whether somebody looks at the process list.

@@ -24,14 +24,14 @@ class Complaint {
 
 }  // namespace
 
-UserInterfaceMaker userInterfaceFromModule(ModuleLoader& loader) {
-  return [&loader, complaint = std::make_shared<Complaint>()]() -> std::unique_ptr<UserInterface> {
+UserInterfaceMaker userInterfaceFromModule(ModuleLoader& loader, DisplayNeed need) {
+  return [&loader, need, complaint = std::make_shared<Complaint>()]() -> std::unique_ptr<UserInterface> {
     const auto symbol = loader.symbol("nimbo-ui", kUserInterfaceEntryName);
     if (!symbol) {
       complaint->say("the windows cannot be loaded: " + symbol.error().message);
       return nullptr;
     }
-    std::unique_ptr<UserInterface> interface(reinterpret_cast<UserInterfaceEntry>(*symbol)());
+    std::unique_ptr<UserInterface> interface(reinterpret_cast<UserInterfaceEntry>(*symbol)(need));
     if (!interface) complaint->say("no display can be reached, so no window can be shown");
     return interface;
   };

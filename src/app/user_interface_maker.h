@@ -13,6 +13,7 @@ namespace nimbo {
 using UserInterfaceMaker = std::function<std::unique_ptr<UserInterface>()>;
 
 /// Makes it from the module "nimbo-ui". What prevents it is written to standard error once.
-[[nodiscard]] UserInterfaceMaker userInterfaceFromModule(ModuleLoader& loader);
+[[nodiscard]] UserInterfaceMaker userInterfaceFromModule(ModuleLoader& loader,
+                                                         DisplayNeed need = DisplayNeed::required);
 
 }  // namespace nimbo

@@ -24,7 +24,8 @@ class SamplingLoopTest : public ::testing::Test {
   std::unique_ptr<SamplingLoop> makeLoop() {
     return std::make_unique<SamplingLoop>(
         SamplingLoop::Sources{platform.loop, platform.readers(), platform.temperatures, platform.utilities}, settings,
-        SamplingLoop::Callbacks{[this] { ++changes; }, [this] { return wantsProcesses; },
+        SamplingLoop::Callbacks{[this] { usedAtTick = readings().memory ? readings().memory->used() : 0; },
+                                [this] { ++changes; }, [this] { return wantsProcesses; },
                                 [this](ProcessScan scan) { scans.push_back(std::move(scan)); }});
   }
 
@@ -51,9 +52,18 @@ class SamplingLoopTest : public ::testing::Test {
   Settings settings{platform.defaults};
   bool wantsProcesses = false;
   int changes = 0;
+  std::optional<std::uint64_t> usedAtTick;
   std::vector<ProcessScan> scans;
   std::unique_ptr<SamplingLoop> sampling;
 };
+
+TEST_F(SamplingLoopTest, TickAnnouncesItselfBeforeItReads) {
+  sampling->tick();
+  EXPECT_EQ(usedAtTick, 0U);
+  setUsedPages(500);
+  sampling->tick();
+  EXPECT_EQ(usedAtTick, 1000U * 4096);
+}
 
 TEST_F(SamplingLoopTest, TwoSecondIntervalHasLeewayOf250Milliseconds) {
   settings.setRefreshInterval(seconds(2));

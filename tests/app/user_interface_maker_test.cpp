@@ -11,8 +11,11 @@
 namespace nimbo {
 namespace {
 
-UserInterface* makeFake() { return new FakeUserInterface(); }
-UserInterface* makeNone() { return nullptr; }
+UserInterface* makeFake(DisplayNeed /*need*/) { return new FakeUserInterface(); }
+UserInterface* makeNone(DisplayNeed /*need*/) { return nullptr; }
+UserInterface* makeWithoutDisplay(DisplayNeed need) {
+  return need == DisplayNeed::optional ? new FakeUserInterface() : nullptr;
+}
 
 class UserInterfaceMakerTest : public ::testing::Test {
  protected:
@@ -41,6 +44,12 @@ TEST_F(UserInterfaceMakerTest, MissingModuleIsToldOnce) {
 TEST_F(UserInterfaceMakerTest, MissingDisplayIsToldOnce) {
   offer(makeNone);
   EXPECT_EQ(complaintsAfter(3), "nimbo: no display can be reached, so no window can be shown\n");
+}
+
+TEST_F(UserInterfaceMakerTest, EntryIsToldWhetherADisplayIsNeeded) {
+  offer(makeWithoutDisplay);
+  EXPECT_EQ(make(), nullptr);
+  EXPECT_NE(userInterfaceFromModule(modules, DisplayNeed::optional)(), nullptr);
 }
 
 TEST_F(UserInterfaceMakerTest, NothingIsLoadedBeforeItIsWanted) { EXPECT_TRUE(modules.asked.empty()); }

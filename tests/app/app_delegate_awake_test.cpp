@@ -1,0 +1,361 @@
+// SPDX-License-Identifier: MIT
+// The Keep Awake session as the application controller runs it.
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "app/app_delegate_fixture.h"
+
+namespace nimbo {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr std::size_t kAwakeTab = 2;
+const StatusClick kAlternateClick{true, kClick.anchor};
+
+class AppDelegateAwakeTest : public AppDelegateTest {
+ protected:
+  AppDelegateAwakeTest() { settings.setMenuAwake(true); }
+
+  const AwakePageContent& page() const { return content().awake; }
+  const AwakePageActions& actions() const { return window()->actions().awake; }
+  AwakeManager& awake() { return delegate->awake(); }
+  std::string itemToolTip() const { return platform.bar.item("nimbo-awake")->content.toolTip; }
+
+  void launchAndOpen() {
+    launch();
+    clickItem("nimbo-awake");
+    ASSERT_TRUE(dashboardVisible());
+    ASSERT_EQ(content().tabs.selected, kAwakeTab);
+  }
+  std::shared_ptr<FakeAlert> alert() const {
+    const auto open = interface == nullptr ? std::vector<std::shared_ptr<FakeAlert>>() : interface->openAlerts();
+    return open.empty() ? nullptr : open.back();
+  }
+};
+
+TEST_F(AppDelegateAwakeTest, NothingIsHeldOrObservedAfterLaunch) {
+  launch();
+  EXPECT_TRUE(platform.assertions.calls.empty());
+  EXPECT_EQ(platform.batteries.observers(), 0);
+  EXPECT_TRUE(platform.loop.wallTimers().empty());
+  EXPECT_EQ(itemToolTip(), "Keep Awake is off · click for session controls");
+}
+
+TEST_F(AppDelegateAwakeTest, PageStartsExtendsAndStopsASession) {
+  launchAndOpen();
+  EXPECT_EQ(page().detail.text, "Keep AI jobs running while your display rests.");
+  actions().selectDuration(2);
+  actions().startOrStop();
+  EXPECT_EQ(page().state.text, "Your Mac is staying awake");
+  EXPECT_EQ(itemToolTip(), "Keep Awake is on");
+  EXPECT_EQ(awake().endsAt(), platform.clock->now() + 1h);
+
+  actions().extend();
+  EXPECT_EQ(awake().endsAt(), platform.clock->now() + 90min);
+
+  actions().startOrStop();
+  EXPECT_EQ(page().detail.text, "Session ended. Normal sleep is allowed.");
+  EXPECT_EQ(itemToolTip(), "Keep Awake is off · click for session controls");
+  EXPECT_TRUE(platform.assertions.held().empty());
+}
+
+TEST_F(AppDelegateAwakeTest, SessionEndsAtItsDeadline) {
+  launchAndOpen();
+  actions().selectDuration(1);
+  actions().startOrStop();
+  platform.loop.advance(30min - 1ms);
+  EXPECT_TRUE(awake().isActive());
+  platform.loop.advance(1ms);
+  EXPECT_FALSE(awake().isActive());
+  EXPECT_EQ(page().detail.text, "Timer finished. Normal sleep is allowed.");
+}
+
+TEST_F(AppDelegateAwakeTest, TickEndsASessionThatHasRunOut) {
+  launch();
+  awake().start(platform.clock->now() + 1s, false, platform.clock->now());
+  platform.clock->setNow(platform.clock->now() + 1h);  // the timer has not heard of it
+  ASSERT_TRUE(awake().isActive());
+  platform.loop.advance(5s);
+  EXPECT_FALSE(awake().isActive());
+}
+
+TEST_F(AppDelegateAwakeTest, SessionWhoseEndPassedDuringSleepEndsAtWake) {
+  launch();
+  awake().start(platform.clock->now() + 1h, false, platform.clock->now());
+  platform.power.sleep();
+  platform.clock->setNow(platform.clock->now() + 2h);
+  ASSERT_TRUE(awake().isActive());
+  platform.power.wake();
+  EXPECT_FALSE(awake().isActive());
+  EXPECT_EQ(awake().message(), "Timer finished. Normal sleep is allowed.");
+}
+
+TEST_F(AppDelegateAwakeTest, WakeOnBatteryBelowTheFloorEndsTheSession) {
+  platform.batteries.onMains(80);
+  launch();
+  delegate->quickToggleAwake();
+  platform.power.sleep();
+  ASSERT_TRUE(awake().isActive());
+  platform.batteries.onBattery(5);
+  platform.power.wake();
+  EXPECT_FALSE(awake().isActive());
+  EXPECT_EQ(awake().message(), "Session stopped: battery is at or below 20%.");
+}
+
+TEST_F(AppDelegateAwakeTest, RulesOfTheSettingsHoldFromLaunch) {
+  settings.setAwakeOnlyOnPower(true);
+  platform.batteries.onBattery(90);
+  launch();
+  delegate->quickToggleAwake();
+  EXPECT_FALSE(awake().isActive());
+  EXPECT_EQ(awake().message(), "Connect the charger to keep this Mac awake.");
+}
+
+TEST_F(AppDelegateAwakeTest, PullingTheChargerEndsASessionThatNeedsPower) {
+  settings.setAwakeOnlyOnPower(true);
+  platform.batteries.onMains(90);
+  launchAndOpen();
+  actions().startOrStop();
+  ASSERT_TRUE(awake().isActive());
+  platform.batteries.onBattery(90);
+  EXPECT_FALSE(awake().isActive());
+  EXPECT_EQ(page().detail.text, "Connect the charger to keep this Mac awake.");
+  EXPECT_EQ(itemToolTip(), "Keep Awake is off · click for session controls");
+}
+
+TEST_F(AppDelegateAwakeTest, ChangedRuleAppliesToTheRunningSessionAtOnce) {
+  platform.batteries.onBattery(40);
+  launchAndOpen();
+  actions().startOrStop();
+  ASSERT_TRUE(awake().isActive());
+  actions().selectBatteryFloor(4);
+  EXPECT_FALSE(awake().isActive());
+  EXPECT_EQ(page().detail.text, "Session stopped: battery is at or below 50%.");
+}
+
+TEST_F(AppDelegateAwakeTest, DisplayChoiceOfARunningSessionIsStoredOnceItHolds) {
+  launchAndOpen();
+  actions().startOrStop();
+  actions().switchDisplay(true);
+  EXPECT_TRUE(platform.assertions.holds(kPreventDisplaySleep));
+  EXPECT_TRUE(settings.awakeDisplayOn());
+  EXPECT_EQ(page().detail.text, "Until you stop it. Display stays on.");
+}
+
+TEST_F(AppDelegateAwakeTest, RefusedDisplayChoiceIsNotStoredAndTheSwitchGoesBack) {
+  launchAndOpen();
+  actions().startOrStop();
+  platform.assertions.refuse(kPreventDisplaySleep, -7);
+  actions().switchDisplay(true);
+  EXPECT_FALSE(settings.awakeDisplayOn());
+  EXPECT_FALSE(page().display.on);
+  EXPECT_EQ(page().detail.text, "macOS couldn’t keep your Mac awake (error -7). Please try again.");
+  EXPECT_TRUE(awake().isActive());
+}
+
+TEST_F(AppDelegateAwakeTest, DisplayChoiceWithoutASessionIsOnlyStored) {
+  launchAndOpen();
+  actions().switchDisplay(true);
+  EXPECT_TRUE(settings.awakeDisplayOn());
+  EXPECT_TRUE(page().display.on);
+  EXPECT_TRUE(platform.assertions.calls.empty());
+  actions().startOrStop();
+  EXPECT_TRUE(awake().keepsDisplayOn());
+}
+
+TEST_F(AppDelegateAwakeTest, ToggledDisplayModeIsTheOppositeOfTheStoredOne) {
+  launch();
+  delegate->quickToggleAwake();
+  delegate->toggleDisplayMode();
+  EXPECT_TRUE(awake().keepsDisplayOn());
+  delegate->toggleDisplayMode();
+  EXPECT_FALSE(awake().keepsDisplayOn());
+  EXPECT_FALSE(settings.awakeDisplayOn());
+}
+
+TEST_F(AppDelegateAwakeTest, DisplayIsTurnedOffFromThePage) {
+  launchAndOpen();
+  actions().turnDisplayOff();
+  EXPECT_EQ(platform.display.requests, 0) << "no session runs";
+  actions().startOrStop();
+  actions().turnDisplayOff();
+  EXPECT_EQ(platform.display.pending(), 1U);
+  platform.display.fail();
+  EXPECT_EQ(page().detail.text, "macOS couldn’t turn the display off. Your Mac is still awake.");
+}
+
+TEST_F(AppDelegateAwakeTest, AlternateClickTogglesASessionOfTheStoredLengthAndOpensNothing) {
+  settings.setAwakeDuration(7200);
+  settings.setAwakeDisplayOn(true);
+  launch();
+  clickItem("nimbo-memory", kAlternateClick);
+  EXPECT_EQ(awake().endsAt(), platform.clock->now() + 2h);
+  EXPECT_TRUE(awake().keepsDisplayOn());
+  clickItem("nimbo-ai", kAlternateClick);
+  EXPECT_FALSE(awake().isActive());
+  EXPECT_EQ(awake().message(), "Session ended. Normal sleep is allowed.");
+  EXPECT_EQ(interfacesMade, 0);
+}
+
+TEST_F(AppDelegateAwakeTest, AlternateClickUsesTheStoredCustomLengthWithinItsRange) {
+  settings.setAwakeDuration(-1);
+  settings.setAwakeCustomMinutes(20000);
+  launch();
+  clickItem("nimbo-memory", kAlternateClick);
+  EXPECT_EQ(awake().endsAt(), platform.clock->now() + 7 * 24h);
+}
+
+TEST_F(AppDelegateAwakeTest, AlternateClickWithAChosenDateMeansTheNextHour) {
+  settings.setAwakeDuration(-2);
+  launch();
+  clickItem("nimbo-memory", kAlternateClick);
+  EXPECT_EQ(awake().endsAt(), std::chrono::floor<std::chrono::minutes>(platform.clock->now() + 1h));
+}
+
+TEST_F(AppDelegateAwakeTest, AlternateClickOnTheOpenDashboardLeavesItOpen) {
+  launchAndOpen();
+  clickItem("nimbo-awake", kAlternateClick);
+  EXPECT_TRUE(dashboardVisible());
+  EXPECT_EQ(page().state.text, "Your Mac is staying awake");
+}
+
+TEST_F(AppDelegateAwakeTest, MenuKeepsAwakeUntilStoppedWhateverTheStoredLength) {
+  settings.setAwakeDuration(1800);
+  launch();
+  EXPECT_TRUE(platform.bar.choose("nimbo-memory", "Keep awake until stopped"));
+  EXPECT_TRUE(awake().isActive());
+  EXPECT_FALSE(awake().endsAt());
+  EXPECT_TRUE(platform.bar.choose("nimbo-memory", "Stop awake session"));
+  EXPECT_FALSE(awake().isActive());
+}
+
+TEST_F(AppDelegateAwakeTest, CompactItemTellsOfTheSession) {
+  settings.setCompactMenuBar(true);
+  launch();
+  delegate->quickToggleAwake();
+  EXPECT_EQ(platform.bar.item("nimbo")->content.toolTip,
+            "Nimbo · Resources, AI usage & Keep Awake · Keeping Mac awake");
+}
+
+TEST_F(AppDelegateAwakeTest, ClosedDashboardCatchesUpWithTheSessionWhenItOpens) {
+  launchAndOpen();
+  clickItem("nimbo-awake");
+  const int renders = window()->renders();
+  delegate->quickToggleAwake();
+  EXPECT_EQ(window()->renders(), renders);
+  clickItem("nimbo-awake");
+  EXPECT_EQ(page().state.text, "Your Mac is staying awake");
+}
+
+TEST_F(AppDelegateAwakeTest, SessionAloneAddsNoTimerAndNoSignal) {
+  launch();
+  const auto timers = platform.loop.repeatingTimers().size();
+  delegate->quickToggleAwake();
+  EXPECT_EQ(platform.loop.repeatingTimers().size(), timers);
+  EXPECT_TRUE(platform.loop.wallTimers().empty());
+}
+
+TEST_F(AppDelegateAwakeTest, QuittingWithoutASessionAsksNothing) {
+  bool asked = false;
+  delegate->confirmEndingAwakeSession = [&](const auto&) { asked = true; };
+  launch();
+  delegate->quit();
+  EXPECT_FALSE(asked);
+  EXPECT_TRUE(platform.loop.hasQuit());
+}
+
+TEST_F(AppDelegateAwakeTest, QuittingDuringASessionIsCancelledByARefusal) {
+  delegate->confirmEndingAwakeSession = [](const auto& decided) { decided(false); };
+  launch();
+  delegate->quickToggleAwake();
+  delegate->quit();
+  EXPECT_FALSE(platform.loop.hasQuit());
+  EXPECT_TRUE(awake().isActive());
+}
+
+TEST_F(AppDelegateAwakeTest, QuittingDuringASessionGoesOnWithConsent) {
+  delegate->confirmEndingAwakeSession = [](const auto& decided) { decided(true); };
+  launch();
+  delegate->quickToggleAwake();
+  delegate->quit();
+  EXPECT_TRUE(platform.loop.hasQuit());
+}
+
+TEST_F(AppDelegateAwakeTest, QuitAlertHasItsTextsAndClosesTheDashboard) {
+  launchAndOpen();
+  actions().startOrStop();
+  window()->actions().quit();
+  EXPECT_FALSE(dashboardVisible());
+  ASSERT_NE(alert(), nullptr);
+  EXPECT_EQ(alert()->content().title, "Keep Awake is running");
+  EXPECT_EQ(alert()->content().text,
+            "Quitting or installing an update ends this session. Your Mac may sleep afterward.");
+  EXPECT_EQ(alert()->content().buttons, (std::vector<std::string>{"Keep Running", "End Session & Quit"}));
+  EXPECT_FALSE(platform.loop.hasQuit());
+}
+
+TEST_F(AppDelegateAwakeTest, KeepRunningTakesTheAlertAwayAndTheSessionGoesOn) {
+  launch();
+  delegate->quickToggleAwake();
+  delegate->quit();
+  EXPECT_TRUE(alert()->answer(0));
+  EXPECT_EQ(alert(), nullptr);
+  EXPECT_FALSE(platform.loop.hasQuit());
+  EXPECT_TRUE(awake().isActive());
+  delegate->quit();
+  EXPECT_NE(alert(), nullptr) << "asked again the next time";
+}
+
+TEST_F(AppDelegateAwakeTest, EndSessionAndQuitEndsBoth) {
+  launch();
+  delegate->quickToggleAwake();
+  delegate->quit();
+  EXPECT_TRUE(alert()->answer(1));
+  EXPECT_TRUE(platform.loop.hasQuit());
+  delegate->applicationWillTerminate();
+  EXPECT_TRUE(platform.assertions.held().empty());
+}
+
+TEST_F(AppDelegateAwakeTest, QuittingAgainBringsTheAlertToTheFront) {
+  launch();
+  delegate->quickToggleAwake();
+  delegate->quit();
+  delegate->quit();
+  EXPECT_EQ(interface->alerts().size(), 1U);
+  EXPECT_EQ(alert()->presents(), 1);
+}
+
+TEST_F(AppDelegateAwakeTest, WithoutADisplayQuittingDoesNotAsk) {
+  hasDisplay = false;
+  launch();
+  delegate->quickToggleAwake();
+  delegate->quit();
+  EXPECT_TRUE(platform.loop.hasQuit());
+}
+
+TEST_F(AppDelegateAwakeTest, LogOutDuringASessionDoesNotAsk) {
+  launch();
+  delegate->quickToggleAwake();
+  platform.terminationRequests.request();
+  EXPECT_TRUE(platform.loop.hasQuit());
+  EXPECT_EQ(interfacesMade, 0);
+}
+
+TEST_F(AppDelegateAwakeTest, TerminationEndsTheSessionAndWhatItAskedFor) {
+  launch();
+  awake().start(platform.clock->now() + 1h, false, platform.clock->now());
+  delegate->turnDisplayOff();
+  ASSERT_EQ(platform.display.pending(), 1U);
+  delegate->applicationWillTerminate();
+  EXPECT_EQ(platform.display.pending(), 0U);
+  EXPECT_TRUE(platform.assertions.held().empty());
+  EXPECT_TRUE(platform.loop.wallTimers().empty());
+  EXPECT_EQ(awake().message(), "Session ended. Normal sleep is allowed.");
+}
+
+}  // namespace
+}  // namespace nimbo

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app/app_delegate.h"
+#include "support/fake_dashboard_window.h"
+#include "support/fake_platform_services.h"
+#include "support/fake_user_interface.h"
+
+namespace nimbo {
+
+inline const StatusClick kClick{false, Rect{1000, 0, 24, 24}};
+
+/// The whole program on a fake machine and desktop.
+class AppDelegateTest : public ::testing::Test {
+ protected:
+  AppDelegateTest() {
+    platform.host->memory = std::uint64_t{16} << 30;
+    platform.host->pages = PageCounts{1 << 20, 0, 1 << 20, 0, 0, 0};
+    platform.processes->add(10, 200 << 20, "big");
+  }
+
+  void launch() { delegate->applicationDidFinishLaunching(); }
+
+  void clickItem(const std::string& name, const StatusClick& click = kClick) {
+    ASSERT_TRUE(platform.bar.click(name, click));
+    platform.loop.runPosted();
+  }
+
+  /// Null before the dashboard was first opened.
+  FakeDashboardWindow* window() const {
+    return interface == nullptr || interface->windows().empty() ? nullptr : interface->windows().back();
+  }
+  bool dashboardVisible() const { return window() != nullptr && window()->visible(); }
+  const DashboardContent& content() const { return window()->content(); }
+
+  FakePlatformServices platform;
+  Settings settings{platform.defaults};
+  bool hasDisplay = true;
+  int interfacesMade = 0;
+  FakeUserInterface* interface = nullptr;
+  std::unique_ptr<AppDelegate> delegate = std::make_unique<AppDelegate>(
+      platform,
+      [this]() -> std::unique_ptr<UserInterface> {
+        if (!hasDisplay) return nullptr;
+        ++interfacesMade;
+        auto made = std::make_unique<FakeUserInterface>();
+        interface = made.get();
+        return made;
+      },
+      settings);
+};
+
+}  // namespace nimbo
