@@ -11,7 +11,8 @@ import sys
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "tests" / "desktop"))
 
 import program  # noqa: E402
-from nimbo_desktop import Session, TrayHost, turn_for  # noqa: E402
+from nimbo_desktop import Session, TrayHost, turn_for, wait_until  # noqa: E402
+from power_services import gnome_session  # noqa: E402
 
 LIMITS = {"RssAnon": 1.0, "VmRSS": 8.0, "CPU": 0.02}
 
@@ -32,24 +33,33 @@ def verdict(value, limit):
     return f"(limit {limit}) " + ("ok" if value <= limit else "OVER")
 
 
+def measure(nimbo, seconds, what):
+    before = Reading(nimbo.pid)
+    turn_for(seconds)
+    after = Reading(nimbo.pid)
+    for name, value in after.memory.items():
+        print(f"{what} {name}: {value:.2f} MiB {verdict(value, LIMITS[name])}")
+    cpu = (after.cpu - before.cpu) / seconds * 100
+    print(f"{what} CPU: {cpu:.4f} % of one core over {seconds:.0f} s {verdict(cpu, LIMITS['CPU'])}")
+    print(f"{what} wake-ups: {after.wakeups - before.wakeups} in {seconds:.0f} s at one tick in 5 s")
+    print(f"{what} threads: {after.threads}")
+
+
 def main(binary, seconds=60.0):
     program.BINARY = binary
-    session = Session()
+    session = Session(desktop="GNOME")
     try:
+        service = gnome_session(session)
         host = TrayHost(session)
         nimbo = program.Program(session)
         for item in host.wait_for_items(2):
             item.properties()
         turn_for(12)
-        before = Reading(nimbo.pid)
-        turn_for(float(seconds))
-        after = Reading(nimbo.pid)
-        for name, value in after.memory.items():
-            print(f"idle {name}: {value:.2f} MiB {verdict(value, LIMITS[name])}")
-        cpu = (after.cpu - before.cpu) / float(seconds) * 100
-        print(f"idle CPU: {cpu:.4f} % of one core over {float(seconds):.0f} s {verdict(cpu, LIMITS['CPU'])}")
-        print(f"idle wake-ups: {after.wakeups - before.wakeups} in {float(seconds):.0f} s at one tick in 5 s")
-        print(f"threads: {after.threads}")
+        measure(nimbo, float(seconds), "idle")
+        host.items[0].secondary_activate(0, 0)
+        wait_until(lambda: service.held, "the session")
+        turn_for(2)
+        measure(nimbo, float(seconds), "keeping awake")
         nimbo.terminate()
     finally:
         session.close()

@@ -8,6 +8,9 @@ connects once per process:  accessibility.py tree PID  |  accessibility.py press
 import json
 import subprocess
 import sys
+import tempfile
+
+from nimbo_desktop import BOUND, wait_until
 
 
 def _application(pid):
@@ -48,6 +51,8 @@ def _describe(element):
         "value": value.get_current_value() if value else None,
         "showing": states.contains(Atspi.StateType.SHOWING),
         "enabled": states.contains(Atspi.StateType.ENABLED),
+        "checked": states.contains(Atspi.StateType.CHECKED),
+        "focused": states.contains(Atspi.StateType.FOCUSED),
         "focusable": states.contains(Atspi.StateType.FOCUSABLE),
         "selected": states.contains(Atspi.StateType.SELECTED),
         "box": [box.x, box.y, box.width, box.height] if box else None,
@@ -70,19 +75,30 @@ def main(action, pid, *names):
     return 1
 
 
+def _run(session, *arguments):
+    """(status, output); turns the main context meanwhile, because services that the test plays may be asked."""
+    with tempfile.TemporaryFile("w+") as output:
+        child = subprocess.Popen(
+            ["/usr/bin/python3", __file__, *arguments], env=session.env, stdout=output, stderr=subprocess.DEVNULL
+        )
+        try:
+            wait_until(lambda: child.poll() is not None, "the screen reader", 6 * BOUND)
+        finally:
+            child.kill()
+            child.wait()
+        output.seek(0)
+        return child.returncode, output.read()
+
+
 def tree(session, pid):
     """Every control of the program as dictionaries; an empty list while it shows none."""
-    run = subprocess.run(
-        ["/usr/bin/python3", __file__, "tree", str(pid)], env=session.env, capture_output=True, text=True, timeout=60
-    )
-    return json.loads(run.stdout) if run.returncode == 0 and run.stdout else []
+    status, output = _run(session, "tree", str(pid))
+    return json.loads(output) if status == 0 and output else []
 
 
 def press(session, pid, name):
-    run = subprocess.run(
-        ["/usr/bin/python3", __file__, "press", str(pid), name], env=session.env, capture_output=True, timeout=60
-    )
-    assert run.returncode == 0, f"no control named {name!r} could be pressed"
+    status, _output = _run(session, "press", str(pid), name)
+    assert status == 0, f"no control named {name!r} could be pressed"
 
 
 if __name__ == "__main__":

@@ -10,6 +10,7 @@ import sys
 
 import program
 from nimbo_desktop import BOUND, Session, turn_for, wait_until
+from power_services import Logind
 from program import Program
 from xfce_panel import XfcePanel
 
@@ -19,12 +20,15 @@ TABS = {"ai": "AI", "memory": "Mem", "awake": "Awake"}
 
 def show(folder, dark, scale):
     name = ("dark" if dark else "light") + ("" if scale == 1 else f"@{scale}x")
-    session = Session(display=True, size=f"{1280 * scale}x{800 * scale}x24")
+    session = Session(display=True, system_bus=True, size=f"{1280 * scale}x{800 * scale}x24")
     try:
         session.env["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
         if scale != 1:
             session.env["QT_SCALE_FACTOR"] = str(scale)
         session.settings(**SETTINGS)
+        can_keep_awake = not Logind.missing()
+        if can_keep_awake:
+            Logind(session)
         panel = XfcePanel(session, dark=dark, scale=scale)
         before = panel.settled_picture(session.folder / "before.png")
         nimbo = Program(session)
@@ -53,11 +57,28 @@ def show(folder, dark, scale):
         point_nowhere(session)
         panel.settled_picture(folder / f"menu-{name}.png")
         session_key(session, "Escape")
+        if can_keep_awake:
+            show_session(session, panel, nimbo, folder, name, (x + width // 2, y + height // 2))
         status = nimbo.terminate()
         if status != 0 or nimbo.errors():
             raise SystemExit(f"nimbo ended with status {status}: {nimbo.errors()}")
     finally:
         session.close()
+
+
+def show_session(session, panel, nimbo, folder, name, item):
+    click(session, *item)
+    nimbo.wait_for_dashboard()
+    point_nowhere(session)
+    nimbo.press("Awake")
+    nimbo.press("Keep Mac awake")
+    nimbo.wait_for_text(lambda text: text == "Your Mac is staying awake", "the session")
+    panel.settled_picture(folder / f"running-{name}.png")
+    nimbo.press("Quit Nimbo")
+    nimbo.wait_for_text(lambda text: text == "Keep Awake is running", "the question")
+    panel.settled_picture(folder / f"quit-{name}.png")
+    nimbo.press("Keep Running")
+    nimbo.wait_for_no_dashboard()
 
 
 def click(session, x, y, button=1):

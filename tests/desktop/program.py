@@ -13,7 +13,7 @@ from nimbo_desktop import BOUND, Session, TrayHost, wait_until, windows_of, xdot
 
 REPOSITORY = pathlib.Path(__file__).resolve().parent.parent.parent
 BINARY = os.environ.get("NIMBO_BINARY", REPOSITORY / "build" / "release" / "bin" / "nimbo")
-DASHBOARD_WIDTH = 340
+DASHBOARD_WIDTH, DASHBOARD_HEIGHT = 340, 278  # at least
 
 
 class Program:
@@ -41,7 +41,7 @@ class Program:
     def dashboard(self):
         """Frame of the open dashboard; None when there is none."""
         for frame in windows_of(self.session, self.pid).values():
-            if frame[2] >= DASHBOARD_WIDTH:
+            if frame[2] >= DASHBOARD_WIDTH and frame[3] >= DASHBOARD_HEIGHT:
                 return frame
         return None
 

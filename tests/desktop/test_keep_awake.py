@@ -1,0 +1,287 @@
+# SPDX-License-Identifier: MIT
+"""Keep Awake as the services of the system see it: what is held during a session, and that nothing
+is held any more when it has ended, however it ended."""
+
+import signal
+import time
+import unittest
+
+from nimbo_desktop import SLOW, turn_for, wait_until
+from power_services import Logind, gnome_session, plasma_policy_agent, power_management, screen_saver
+from program import DesktopTest
+
+SYSTEM = "Nimbo — keep Mac awake while work continues"
+DISPLAY = "Nimbo — keep display on"
+DELAY = ("sleep", "Nimbo", "Nimbo pauses its readings", "delay")  # held at all times, see the sleep tests
+SLEEP_BLOCK = ("sleep", "Nimbo", SYSTEM, "block")
+IDLE_BLOCK = ("idle", "Nimbo", DISPLAY, "block")
+SECOND = SLOW  # in which the machine must be free again
+
+
+class KeepAwakeTest(DesktopTest):
+    """Steers through the tray, without any window."""
+
+    def launch(self, **settings):
+        self.session.settings(**settings)
+        self.start()
+        self.item = self.host.item("nimbo-memory")
+
+    def choose(self, label):
+        entries = {properties.get("label"): number for number, properties in self.item.open_menu()}
+        self.item.close_menu()
+        self.item.click_menu(entries[label])
+
+    def start_session(self):
+        self.choose("Keep awake until stopped")
+
+    def stop_session(self):
+        self.choose("Stop awake session")
+
+    def middle_click(self):
+        self.item.secondary_activate(1300, 10)
+
+
+@unittest.skipIf(Logind.missing(), Logind.missing())
+class LogindTest(KeepAwakeTest):
+    """A desktop without a service of its own."""
+
+    system_bus = True
+    desktop = "sway"
+
+    def setUp(self):
+        super().setUp()
+        self.logind = Logind(self.session)
+
+    def launch(self, **settings):
+        super().launch(**settings)
+        self.wait_for_inhibitors()
+
+    def wait_for_inhibitors(self, *inhibitors, bound=10 * SLOW):
+        expected = sorted([DELAY, *inhibitors])
+        wait_until(lambda: self.logind.inhibitors() == expected, f"exactly {expected}", bound)
+
+    def test_session_holds_exactly_the_sleep_block(self):
+        self.launch()
+        self.start_session()
+        self.wait_for_inhibitors(SLEEP_BLOCK)
+
+    def test_display_choice_adds_the_idle_block(self):
+        self.launch(awakeDisplayOn=True)
+        self.start_session()
+        self.wait_for_inhibitors(SLEEP_BLOCK, IDLE_BLOCK)
+
+    def test_stop_frees_the_machine(self):
+        self.launch(awakeDisplayOn=True)
+        self.start_session()
+        self.wait_for_inhibitors(SLEEP_BLOCK, IDLE_BLOCK)
+        self.stop_session()
+        self.wait_for_inhibitors(bound=SECOND)
+
+    def test_middle_click_starts_and_stops(self):
+        self.launch(awakeDuration=7200)
+        self.middle_click()
+        self.wait_for_inhibitors(SLEEP_BLOCK)
+        self.middle_click()
+        self.wait_for_inhibitors(bound=SECOND)
+
+    def test_deadline_frees_the_machine_on_time(self):
+        self.launch(awakeDuration=-1, awakeCustomMinutes=1)
+        before = time.time()
+        self.middle_click()
+        after = time.time()
+        self.wait_for_inhibitors(SLEEP_BLOCK)
+        turn_for(before + 59.5 - time.time())
+        self.assertIn(SLEEP_BLOCK, self.logind.inhibitors())
+        self.wait_for_inhibitors(bound=60)
+        ended = time.time()
+        self.assertGreaterEqual(ended, before + 60)
+        # The timer's leeway of a tenth of a second, and what looking takes.
+        self.assertLess(ended, after + 60 + 0.1 + 0.2 * SLOW)
+
+    def test_quitting_frees_the_machine(self):
+        self.launch()
+        self.start_session()
+        self.wait_for_inhibitors(SLEEP_BLOCK)
+        self.choose("Quit Nimbo")  # there is no display to ask on
+        self.assertEqual(self.program.wait_for_exit(), 0)
+        wait_until(lambda: self.logind.inhibitors() == [], "no inhibitor", SECOND)
+        self.assertIn("no display can be reached", self.program.errors())
+
+    def test_log_out_frees_the_machine_without_a_question(self):
+        self.launch()
+        self.start_session()
+        self.wait_for_inhibitors(SLEEP_BLOCK)
+        self.assertEqual(self.program.terminate(), 0)
+        wait_until(lambda: self.logind.inhibitors() == [], "no inhibitor", SECOND)
+
+    def test_killing_frees_the_machine(self):
+        self.launch(awakeDisplayOn=True)
+        self.start_session()
+        self.wait_for_inhibitors(SLEEP_BLOCK, IDLE_BLOCK)
+        self.program.child.process.send_signal(signal.SIGKILL)
+        self.program.wait_for_exit()
+        wait_until(lambda: self.logind.inhibitors() == [], "no inhibitor", SECOND)
+
+    def test_restart_of_logind_keeps_the_session(self):
+        self.launch()
+        self.start_session()
+        self.wait_for_inhibitors(SLEEP_BLOCK)
+        self.logind.stop()
+        self.logind.start()
+
+        def kept():
+            # logind loses the dash of a reason that it has stored, so the reasons are left out.
+            return [(what, who, mode) for what, who, _why, mode in self.logind.inhibitors()]
+
+        wait_until(lambda: kept() == [("sleep", "Nimbo", "block"), ("sleep", "Nimbo", "delay")], "both locks")
+        self.stop_session()
+        self.wait_for_inhibitors(bound=SECOND)
+
+
+class NoServiceTest(KeepAwakeTest):
+    """Nobody who could keep the machine awake."""
+
+    desktop = "sway"
+    display = True
+
+    def test_refused_start_is_told_on_the_page_and_runs_nothing(self):
+        self.session.settings(menuAwake=True)
+        self.start()
+        self.item = self.host.item("nimbo-awake")
+        self.start_session()
+        self.assertEqual(self.item.tooltip, "Keep Awake is off · click for session controls")
+        self.item.activate(1300, 10)
+        self.program.wait_for_dashboard()
+        text = self.program.wait_for_text(lambda name: name.startswith("macOS couldn’t"), "the error")
+        self.assertRegex(text, r"^macOS couldn’t keep your Mac awake \(error \d+\)\. Please try again\.$")
+        self.assertIn("Ready for your next run", self.program.texts())
+
+
+class GnomeTest(KeepAwakeTest):
+    desktop = "ubuntu:GNOME"
+
+    def setUp(self):
+        super().setUp()
+        self.service = gnome_session(self.session)
+
+    def wait_for(self, reasons, bound=10 * SLOW):
+        wait_until(lambda: self.service.reasons() == sorted(reasons), f"{reasons}", bound)
+
+    def test_session_takes_one_cookie_against_suspending(self):
+        self.launch()
+        self.start_session()
+        self.wait_for([SYSTEM])
+        self.assertEqual(self.service.flags(), [4])
+
+    def test_display_choice_takes_a_second_cookie_and_stop_gives_both_back(self):
+        self.launch(awakeDisplayOn=True)
+        self.start_session()
+        self.wait_for([SYSTEM, DISPLAY])
+        self.assertEqual(self.service.flags(), [4, 8])
+        self.stop_session()
+        self.wait_for([], SECOND)
+
+    def test_restarted_service_gives_its_cookies_again(self):
+        self.launch(awakeDisplayOn=True)
+        self.start_session()
+        self.wait_for([SYSTEM, DISPLAY])
+        self.service.restart()
+        self.wait_for([SYSTEM, DISPLAY])
+        self.stop_session()
+        self.wait_for([], SECOND)
+
+    def test_service_that_is_away_at_the_end_gets_nothing_when_it_is_back(self):
+        self.launch()
+        self.start_session()
+        self.wait_for([SYSTEM])
+        self.service.stop()
+        self.stop_session()
+        self.service.start()
+        turn_for(1)
+        self.assertEqual(self.service.reasons(), [])
+
+    def test_killing_gives_the_cookies_back(self):
+        self.launch(awakeDisplayOn=True)
+        self.start_session()
+        self.wait_for([SYSTEM, DISPLAY])
+        self.program.child.process.send_signal(signal.SIGKILL)
+        self.program.wait_for_exit()
+        self.wait_for([], SECOND)
+
+    def test_log_out_gives_the_cookies_back(self):
+        self.launch()
+        self.start_session()
+        self.wait_for([SYSTEM])
+        self.assertEqual(self.program.terminate(), 0)
+        self.wait_for([], SECOND)
+
+
+class PlasmaTest(KeepAwakeTest):
+    desktop = "KDE"
+
+    def setUp(self):
+        super().setUp()
+        self.agent = plasma_policy_agent(self.session)
+        self.power = power_management(self.session)
+        self.saver = screen_saver(self.session)
+
+    def wait_for(self, power, saver, bound=10 * SLOW):
+        held = lambda: (self.power.reasons(), self.saver.reasons())  # noqa: E731
+        wait_until(lambda: held() == (power, saver), f"{power} and {saver}", bound)
+
+    def test_each_assertion_has_its_service(self):
+        self.launch(awakeDisplayOn=True)
+        self.start_session()
+        self.wait_for([SYSTEM], [DISPLAY])
+        self.stop_session()
+        self.wait_for([], [], SECOND)
+
+    def test_display_that_may_sleep_needs_no_screen_saver(self):
+        self.launch()
+        self.start_session()
+        self.wait_for([SYSTEM], [])
+
+    def test_restart_of_either_service_is_followed(self):
+        self.launch(awakeDisplayOn=True)
+        self.start_session()
+        self.wait_for([SYSTEM], [DISPLAY])
+        self.saver.restart()
+        self.wait_for([SYSTEM], [DISPLAY])
+        self.power.restart()
+        self.wait_for([SYSTEM], [DISPLAY])
+        self.program.child.process.send_signal(signal.SIGKILL)
+        self.program.wait_for_exit()
+        self.wait_for([], [], SECOND)
+
+
+@unittest.skipIf(Logind.missing(), Logind.missing())
+class XfceTest(LogindTest):
+    """The system by logind, the display by the power manager; with everything that logind alone must do."""
+
+    desktop = "XFCE"
+
+    def setUp(self):
+        super().setUp()
+        self.power = power_management(self.session)
+
+    def wait_for_inhibitors(self, *inhibitors, bound=10 * SLOW):
+        power = [DISPLAY] if IDLE_BLOCK in inhibitors else []
+        super().wait_for_inhibitors(*(entry for entry in inhibitors if entry != IDLE_BLOCK), bound=bound)
+        wait_until(lambda: self.power.reasons() == power, f"{power} at the power manager", bound)
+
+    # Said once is enough.
+    test_deadline_frees_the_machine_on_time = None
+    test_quitting_frees_the_machine = None
+
+    def test_restarted_power_manager_gives_its_cookie_again(self):
+        self.launch(awakeDisplayOn=True)
+        self.start_session()
+        self.wait_for_inhibitors(SLEEP_BLOCK, IDLE_BLOCK)
+        self.power.restart()
+        self.wait_for_inhibitors(SLEEP_BLOCK, IDLE_BLOCK)
+        self.stop_session()
+        self.wait_for_inhibitors(bound=SECOND)
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,127 @@
+# SPDX-License-Identifier: MIT
+"""The performance probe against what the kernel says of the same process at the same moments."""
+
+import os
+import re
+import select
+import subprocess
+import unittest
+
+from nimbo_desktop import SLOW, Session, wait_until
+from power_services import gnome_session
+from program import BINARY
+
+MEMORY = r"^{}: footprint (\d+\.\d\d) MiB; RSS (\d+\.\d\d) MiB$"
+LINES = [
+    MEMORY.format("Idle, dashboard unopened"),
+    r"^Idle CPU: (\d+\.\d{3})% of one core over (\d+\.\d)s$",
+    MEMORY.format("Dashboard and process list loaded offscreen"),
+    MEMORY.format("Background awake session active"),
+]
+TICK = os.sysconf("SC_CLK_TCK")
+RECENT = 15  # looks, which are some 20 ms apart
+
+
+def memory(pid):
+    """(private and swapped, resident) in MiB."""
+    with open(f"/proc/{pid}/status") as status:
+        fields = dict(line.split(":", 1) for line in status)
+    kilobytes = {name: int(fields[name].split()[0]) for name in ("RssAnon", "VmSwap", "VmRSS")}
+    return (kilobytes["RssAnon"] + kilobytes["VmSwap"]) / 1024, kilobytes["VmRSS"] / 1024
+
+
+def cpu_seconds(pid):
+    with open(f"/proc/{pid}/stat") as stat:
+        fields = stat.read().rsplit(")", 1)[1].split()
+    return (int(fields[11]) + int(fields[12])) / TICK
+
+
+class ProfileTest(unittest.TestCase):
+    def session(self, **options):
+        session = Session(**options)
+        self.addCleanup(session.close)
+        return session
+
+    def probe(self, session):
+        child = session.start([BINARY, "--profile"], stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+        return child.process
+
+    def check(self, lines):
+        self.assertEqual(len(lines), len(LINES), lines)
+        return [re.match(pattern, line) or self.fail(line) for pattern, line in zip(LINES, lines)]
+
+    def test_figures_agree_with_the_kernels_at_each_stage(self):
+        session = self.session(display=True, desktop="GNOME")
+        service = gnome_session(session)
+        process = self.probe(session)
+        lines, around, cpu, reasons = [], [], [], set()
+
+        def look():
+            seen.append(memory(process.pid))
+            reasons.update(service.reasons())
+
+        for _ in LINES:
+            seen = []
+            lines.append(read_line(process, look))
+            cpu.append(cpu_seconds(process.pid))
+            around.append(seen[-RECENT:])
+        self.assertEqual(process.wait(10 * SLOW), 0)
+        self.assertEqual(process.stderr.read(), "")
+        matches = self.check(lines)
+        for stage in (0, 2, 3):
+            printed = [float(value) for value in matches[stage].groups()]
+            for figure, name in enumerate(("footprint", "resident")):
+                nearest = min((sample[figure] for sample in around[stage]), key=lambda seen: abs(seen - printed[figure]))
+                self.assertAlmostEqual(printed[figure], nearest, delta=0.2 * SLOW, msg=name)
+        percent, span = (float(value) for value in matches[1].groups())
+        self.assertAlmostEqual(span, 6.0, delta=0.2 * SLOW)
+        used = cpu[1] - cpu[0]
+        self.assertAlmostEqual(percent * span / 100, used, delta=2 / TICK)
+        self.assertEqual(reasons, {"Nimbo — keep Mac awake while work continues"})
+
+    def test_works_without_display_and_bus(self):
+        session = self.session()
+        del session.env["DBUS_SESSION_BUS_ADDRESS"]
+        process = self.probe(session)
+        output, errors = process.communicate(timeout=30 * SLOW)
+        self.assertEqual(process.returncode, 0, errors)
+        self.check(output.splitlines())
+        # Windows are made in memory; only the session has nobody to ask.
+        self.assertRegex(errors, r"^nimbo: no awake session could be started: .*\(error \d+\)\. Please try again\.\n$")
+
+    def test_two_at_once_leave_the_users_settings_and_nothing_else(self):
+        session = self.session(desktop="GNOME")
+        service = gnome_session(session)
+        path = session.settings(refreshInterval=30, awakeDuration=1800)
+        before = path.read_bytes(), path.stat().st_mtime_ns
+        processes = [self.probe(session), self.probe(session)]
+        most = 0
+
+        def ended():
+            nonlocal most
+            most = max(most, len(service.held))
+            return all(process.poll() is not None for process in processes)
+
+        wait_until(ended, "both to end", 30 * SLOW)
+        self.assertEqual([process.returncode for process in processes], [0, 0])
+        for process in processes:
+            self.check(process.stdout.read().splitlines())
+        self.assertEqual((path.read_bytes(), path.stat().st_mtime_ns), before)
+        self.assertEqual([entry.name for entry in path.parent.iterdir()], [path.name])
+        self.assertEqual(most, 2)
+        self.assertEqual(service.reasons(), [])
+
+
+def read_line(process, look):
+    """The next line; meanwhile turns the main context for the services that the test plays, and looks."""
+
+    def ready():
+        look()
+        return select.select([process.stdout], [], [], 0)[0]
+
+    wait_until(ready, "a line", 30 * SLOW)
+    return process.stdout.readline().rstrip("\n")
+
+
+if __name__ == "__main__":
+    unittest.main()
