@@ -9,3 +9,9 @@ if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
   pkg_check_modules(systemd REQUIRED IMPORTED_TARGET libsystemd)
   pkg_check_modules(xcb REQUIRED IMPORTED_TARGET xcb)
 endif()
+# Time zones; the library brings no CMake or pkg-config file of its own.
+find_path(CCTZ_INCLUDE_DIR cctz/time_zone.h REQUIRED)
+find_library(CCTZ_LIBRARY cctz REQUIRED)
+add_library(cctz::cctz UNKNOWN IMPORTED)
+set_target_properties(cctz::cctz PROPERTIES
+  IMPORTED_LOCATION ${CCTZ_LIBRARY} INTERFACE_INCLUDE_DIRECTORIES ${CCTZ_INCLUDE_DIR})

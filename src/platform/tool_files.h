@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <filesystem>
+#include <system_error>
+
+#include "base/result.h"
+
+namespace nimbo {
+
+/// A folder that a tool is to run in.
+struct PrivateFolder {
+  enum class State {
+    empty,
+    occupied,  ///< it holds something, or its name is a symbolic link
+  };
+  State state = State::empty;
+  /// Its own name, by which a program that runs in it knows it: links on the way are followed.
+  std::filesystem::path path;
+};
+
+/// What is asked of the file system before somebody else's tool is run. Any thread.
+class ToolFiles {
+ public:
+  virtual ~ToolFiles() = default;
+
+  /// Whether there is a file, links followed, that this user may execute.
+  [[nodiscard]] virtual bool isExecutable(const std::filesystem::path& file) const = 0;
+
+  /// Makes the folder, and those above it, if they are missing; afterwards nobody but the user can
+  /// enter it.
+  [[nodiscard]] virtual Result<PrivateFolder, std::error_code> preparePrivateFolder(
+      const std::filesystem::path& folder) const = 0;
+};
+
+}  // namespace nimbo

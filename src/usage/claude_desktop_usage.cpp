@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: MIT
+#include "usage/claude_desktop_usage.h"
+
+#include <chrono>
+#include <cstddef>
+#include <utility>
+
+#include "usage/usage_messages.h"
+#include "usage/usage_screen_parser.h"
+#include "usage/window_text.h"
+
+namespace nimbo {
+namespace {
+
+constexpr char kApplication[] = "com.anthropic.claudefordesktop";
+constexpr char kSource[] = "Claude Desktop";
+constexpr std::string_view kMarker = "Plan usage limits";
+
+constexpr std::chrono::milliseconds kMessagingTimeout{300};
+constexpr std::size_t kMostWindows = 5;
+
+tl::unexpected<UsageReadError> failure(const char* message) {
+  return tl::unexpected(UsageReadError{UsageReadError::Kind::usage, message});
+}
+
+}  // namespace
+
+Result<UsageSnapshot, UsageReadError> ClaudeDesktopUsage::read(std::string_view localZone,
+                                                               const std::stop_token& stop) const {
+  const auto application = accessibility_.application(kApplication);
+  if (!application) return failure(usage_messages::kDesktopNotRunning);
+  if (!accessibility_.isTrusted()) return failure(usage_messages::kDesktopNeedsAccessibility);
+  application->setMessagingTimeout(kMessagingTimeout);
+  application->exposeContent();
+
+  for (const auto& window : application->windows(kMostWindows)) {
+    const std::string text = windowText(*window, clock_, stop);
+    if (stop.stop_requested()) return tl::unexpected(UsageReadError{UsageReadError::Kind::cancelled, {}});
+    if (text.find(kMarker) == std::string::npos) continue;
+    if (auto snapshot = parseUsageScreen(text, clock_.now(), kSource, localZone)) return *std::move(snapshot);
+  }
+  return failure(usage_messages::kDesktopUsageNotShown);
+}
+
+}  // namespace nimbo

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <stop_token>
+#include <string>
+#include <string_view>
+
+#include "base/result.h"
+#include "platform/accessibility.h"
+#include "platform/clock.h"
+#include "usage/usage_model.h"
+
+namespace nimbo {
+
+/// Reads Claude's limits off the usage page of the desktop application's settings, which the user has
+/// left open. Blocks, so on a background thread; both services outlive it.
+class ClaudeDesktopUsage {
+ public:
+  ClaudeDesktopUsage(Accessibility& accessibility, const Clock& clock) : accessibility_(accessibility), clock_(clock) {}
+
+  /// `localZone` as in `parseResetText`. Ends soon after a stop is asked for.
+  [[nodiscard]] Result<UsageSnapshot, UsageReadError> read(std::string_view localZone,
+                                                           const std::stop_token& stop = {}) const;
+
+ private:
+  Accessibility& accessibility_;
+  const Clock& clock_;
+};
+
+}  // namespace nimbo

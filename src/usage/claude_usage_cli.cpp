@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: MIT
+#include "usage/claude_usage_cli.h"
+
+#include <utility>
+
+#include "usage/claude_screen_watch.h"
+#include "usage/claude_tool.h"
+#include "usage/usage_messages.h"
+
+namespace nimbo {
+namespace {
+
+namespace fs = std::filesystem;
+
+using Kind = UsageReadError::Kind;
+
+UsageReadError notPrepared(std::error_code code) { return {Kind::other, code.message()}; }
+
+UsageReadError notStarted(const TerminalError& error) {
+  if (error.kind == TerminalError::Kind::noTerminal) return {Kind::usage, usage_messages::kClaudeCodeNotStarted};
+  return {Kind::other, error.code.message()};
+}
+
+}  // namespace
+
+ClaudeUsageCLI::ClaudeUsageCLI(const Services& services, Surroundings surroundings, const Pace& pace)
+    : services_(services), surroundings_(std::move(surroundings)), pace_(pace) {}
+
+Result<UsageSnapshot, UsageReadError> ClaudeUsageCLI::fetch(const fs::path& executable,
+                                                            std::chrono::duration<double> timeout) {
+  const auto folder = services_.files.preparePrivateFolder(surroundings_.workspace);
+  if (!folder) return tl::unexpected(notPrepared(folder.error()));
+  if (folder->state == PrivateFolder::State::occupied) {
+    return tl::unexpected(UsageReadError{Kind::usage, usage_messages::kClaudeWorkspaceNotEmpty});
+  }
+  if (canceled()) return tl::unexpected(UsageReadError{Kind::cancelled});
+
+  const auto tool = services_.terminals.start(program(executable, folder->path), claude_tool::kTerminalSize);
+  if (!tool) return tl::unexpected(notStarted(tool.error()));
+  ClaudeScreenWatch watch(**tool, services_.clock,
+                          {.folderNames = {surroundings_.workspace, folder->path},
+                           .localZone = surroundings_.localZone,
+                           .pace = pace_,
+                           .canceled = [this] { return canceled(); }});
+  auto snapshot = watch.run(timeout);
+  (*tool)->stop(pace_.stopping);
+  return snapshot;
+}
+
+ChildProgram ClaudeUsageCLI::program(const fs::path& executable, const fs::path& folder) const {
+  return {.executable = executable,
+          .arguments = claude_tool::arguments(),
+          .environment = claude_tool::environment(surroundings_.environment),
+          .folder = folder};
+}
+
+void ClaudeUsageCLI::cancel() {
+  const std::lock_guard guard(lock_);
+  canceled_ = true;
+}
+
+bool ClaudeUsageCLI::canceled() const {
+  const std::lock_guard guard(lock_);
+  return canceled_;
+}
+
+}  // namespace nimbo

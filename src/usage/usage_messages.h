@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "settings/usage_provider.h"
+
+/// Everything that the user is told about a reading that failed, word for word.
+namespace nimbo::usage_messages {
+
+// Signing in.
+inline constexpr char kClaudeHasNoCredentials[] = "Claude usage is read through Claude Code or Claude Desktop.";
+inline constexpr char kNoCodexCredentials[] =
+    "No Codex auth.json found. Sign in with Codex CLI using file credential storage.";
+inline constexpr char kClaudeCodeSignInExpired[] = "Sign-in expired. Open Claude Code to renew it, then refresh.";
+inline constexpr char kSignInReadStillWaiting[] =
+    "A sign-in read is still waiting on Keychain. Check for a macOS prompt, then refresh.";
+inline constexpr char kSignInReadTimedOut[] = "Sign-in access timed out. Check Keychain access and refresh.";
+[[nodiscard]] std::string signInUnreadable(UsageProvider provider);
+[[nodiscard]] std::string noSubscriptionSignIn(UsageProvider provider);
+
+// The answer of a web service.
+inline constexpr char kNoHttpResponse[] = "No response from the provider.";
+inline constexpr char kUnreadableUsageData[] = "The provider returned unreadable usage data.";
+/// Of a body that is not JSON at all.
+inline constexpr char kNotJson[] = "The data couldn’t be read because it isn’t in the correct format.";
+inline constexpr char kNoSupportedLimits[] = "No supported usage limits returned for this account.";
+inline constexpr char kSignInCannotReadUsage[] =
+    "This sign-in cannot read usage. Check your subscription and sign-in permissions.";
+inline constexpr char kProviderUnreachable[] = "Couldn’t reach the provider. Check your connection and refresh.";
+[[nodiscard]] std::string signInExpired(UsageProvider provider);
+/// `time` is the local time of day, without a date.
+[[nodiscard]] std::string rateLimitReached(std::string_view time);
+[[nodiscard]] std::string serviceUnavailable(int status);
+
+// The command-line tool.
+inline constexpr char kClaudeCodeUnavailable[] = "Claude Code usage is unavailable.";
+inline constexpr char kClaudeCodeNotInstalled[] = "Install Claude Code and sign in to read usage automatically.";
+inline constexpr char kClaudeCodeNotStarted[] = "Couldn’t start Claude Code usage reader.";
+inline constexpr char kClaudeWorkspaceNotEmpty[] =
+    "Claude usage workspace is not empty. Remove Nimbo’s ClaudeUsage cache folder and refresh.";
+inline constexpr char kClaudeCodeScreenUnsupported[] =
+    "Claude Code returned an unsupported usage screen. Update Claude Code and refresh.";
+inline constexpr char kClaudeCodeGaveNoUsage[] =
+    "Claude Code couldn’t return usage. Run claude, sign in and check /usage, then refresh.";
+inline constexpr char kNoReadableClaudeLimits[] =
+    "No readable Claude limits. Sign in with Claude Code and check /usage, then refresh.";
+
+// The desktop application.
+inline constexpr char kDesktopNeedsAccessibility[] =
+    "Desktop fallback needs Accessibility access. Enable it in Nimbo Settings → AI Usage.";
+inline constexpr char kDesktopNotRunning[] = "Desktop fallback: open Claude → Settings → Usage, then refresh.";
+inline constexpr char kDesktopUsageNotShown[] = "Desktop fallback: leave Claude → Settings → Usage open, then refresh.";
+inline constexpr char kDesktopUnavailable[] = "Open Claude → Settings → Usage, then refresh.";
+
+}  // namespace nimbo::usage_messages

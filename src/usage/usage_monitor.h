@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <optional>
+#include <set>
+#include <span>
+
+#include "platform/clock.h"
+#include "platform/dates.h"
+#include "settings/usage_provider.h"
+#include "usage/usage_read.h"
+
+namespace nimbo {
+
+using UsageStates = std::map<UsageProvider, UsageState>;
+
+/// Decides when each provider is read: every five minutes and when the user asks, but only one read
+/// of a provider at a time, none before its rate-limit wait is over, and none that comes too late is
+/// kept. Main thread only.
+class UsageMonitor {
+ public:
+  /// How each provider is read.
+  struct Reads {
+    UsageRead codex;
+    UsageRead claude;
+  };
+
+  /// `clock` and `dates` outlive it.
+  UsageMonitor(Reads reads, const Clock& clock, const Dates& dates);
+  UsageMonitor(const UsageMonitor&) = delete;
+  UsageMonitor& operator=(const UsageMonitor&) = delete;
+
+  [[nodiscard]] const UsageStates& states() const { return states_; }
+
+  /// Switching a provider off ends its read and forgets its reading: switched on again, perhaps with
+  /// another sign-in, it must not show the old one's figures. Only a rate-limit wait is remembered.
+  void setEnabled(UsageProvider provider, bool enabled);
+
+  /// Starts the reads that are due, or for a manual request all that are allowed.
+  void refresh(std::span<const UsageProvider> providers, UsageRequest request);
+
+  /// Ends all reads that run; what is due then is read at the next refresh.
+  void stop();
+
+  /// After every change of a state.
+  std::function<void()> onChange;
+
+ private:
+  using Time = UsageTime;
+
+  [[nodiscard]] bool start(UsageProvider provider, UsageRequest request);
+  [[nodiscard]] bool mustWait(UsageProvider provider) const;
+  void beginRead(UsageProvider provider, UsageRequest request);
+  void finish(UsageProvider provider, std::uint64_t generation, UsageOutcome outcome);
+  void abandon(UsageProvider provider);
+  void changed() const;
+
+  Reads reads_;
+  const Clock& clock_;
+  const Dates& dates_;
+  UsageStates states_;
+  std::map<UsageProvider, Subscription> tasks_;
+  std::map<UsageProvider, Time> retryNotBefore_;
+  std::map<UsageProvider, Time> nextRefresh_;
+  std::map<UsageProvider, std::uint64_t> generations_;
+  std::set<UsageProvider> interactiveTasks_;
+  std::set<UsageProvider> pendingManualRefresh_;
+};
+
+}  // namespace nimbo

@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string_view>
+
+#include "base/result.h"
+#include "settings/usage_provider.h"
+#include "usage/usage_model.h"
+
+namespace nimbo {
+
+/// The limits in the body of a usage service's answer. The error is of kind `other` only when the body
+/// is not JSON at all.
+[[nodiscard]] Result<UsageSnapshot, UsageReadError> parseUsageResponse(std::string_view body, UsageProvider provider,
+                                                                       UsageTime now);
+
+}  // namespace nimbo
