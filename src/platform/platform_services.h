@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "platform/accessibility.h"
 #include "platform/application_instance.h"
 #include "platform/assertion_client.h"
 #include "platform/bundle_info.h"
@@ -12,16 +13,21 @@
 #include "platform/dates.h"
 #include "platform/display_power.h"
 #include "platform/host_statistics.h"
+#include "platform/http_client.h"
 #include "platform/main_loop.h"
 #include "platform/module_loader.h"
 #include "platform/own_process.h"
 #include "platform/power_sources.h"
 #include "platform/process_table.h"
+#include "platform/pseudo_terminal.h"
+#include "platform/secret_files.h"
 #include "platform/status_bar.h"
 #include "platform/system_sleep.h"
 #include "platform/temperature_sensor.h"
 #include "platform/termination.h"
+#include "platform/tool_files.h"
 #include "platform/user_defaults.h"
+#include "platform/user_surroundings.h"
 #include "platform/work_queue.h"
 #include "platform/workspace.h"
 
@@ -36,6 +42,19 @@ struct SystemReaders {
   std::unique_ptr<HostStatistics> hostStatistics;
   std::unique_ptr<ProcessTable> processTable;
   TemperatureSensorMaker makeTemperatureSensor;
+};
+
+/// What reading AI allowances takes of the system.
+struct UsageServices {
+  HttpClient& http;
+  const SecretFiles& secretFiles;
+  const ToolFiles& toolFiles;
+  PseudoTerminals& terminals;
+  Accessibility& accessibility;
+  WorkQueue& claudeQueue;  ///< serial, for jobs of half a minute
+  /// Runs blocking work on a thread of low priority of its own.
+  std::function<void(std::function<void()>)> background;
+  const UserSurroundings& user;
 };
 
 /// The operating system's services for the running program. They live as long as this object and
@@ -64,10 +83,13 @@ class PlatformServices {
   [[nodiscard]] virtual DisplayPower& displayPower() = 0;
   [[nodiscard]] virtual const Dates& dates() = 0;
   [[nodiscard]] virtual const OwnProcess& ownProcess() = 0;
+  [[nodiscard]] virtual UsageServices usageServices() = 0;
 };
 
 // Implemented once per operating system.
 [[nodiscard]] SystemReaders makeSystemReaders();
+[[nodiscard]] std::unique_ptr<Accessibility> makeAccessibility();
+[[nodiscard]] UserSurroundings userSurroundings();
 [[nodiscard]] std::unique_ptr<PlatformServices> makePlatformServices();
 
 }  // namespace nimbo

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <string>
 
 #include "base/subscription.h"
 
@@ -22,6 +23,9 @@ class Workspace {
   [[nodiscard]] virtual bool hasSystemMonitor() const = 0;
   /// Starts it without waiting; false when there is none or it could not be started.
   [[nodiscard]] virtual bool openSystemMonitor() = 0;
+
+  /// Hands a link to the program that the user opens such links with, without waiting.
+  virtual void openLink(const std::string& url) = 0;
 };
 
 }  // namespace nimbo

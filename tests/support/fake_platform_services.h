@@ -9,17 +9,22 @@
 #include <vector>
 
 #include "platform/platform_services.h"
+#include "support/fake_accessibility.h"
 #include "support/fake_assertion_client.h"
 #include "support/fake_clock.h"
 #include "support/fake_dates.h"
 #include "support/fake_display_power.h"
 #include "support/fake_host_statistics.h"
+#include "support/fake_http_client.h"
 #include "support/fake_main_loop.h"
 #include "support/fake_own_process.h"
 #include "support/fake_power_sources.h"
 #include "support/fake_process_table.h"
+#include "support/fake_pseudo_terminals.h"
+#include "support/fake_secret_files.h"
 #include "support/fake_status_bar.h"
 #include "support/fake_temperature_sensor.h"
+#include "support/fake_tool_files.h"
 #include "support/fake_user_defaults.h"
 #include "support/fake_work_queue.h"
 #include "support/fake_workspace.h"
@@ -95,6 +100,8 @@ class FakePlatformServices final : public PlatformServices {
     auto ownHost = std::make_unique<FakeHostStatistics>();
     auto ownProcesses = std::make_unique<FakeProcessTable>();
     clock = ownClock.get();
+    terminals = std::make_unique<FakePseudoTerminals>(*clock);
+    screens = std::make_unique<FakeAccessibility>(*clock);
     host = ownHost.get();
     processes = ownProcesses.get();
     readers_ = {std::move(ownClock), std::move(ownHost), std::move(ownProcesses), [this] {
@@ -138,6 +145,16 @@ class FakePlatformServices final : public PlatformServices {
   [[nodiscard]] DisplayPower& displayPower() override { return display; }
   [[nodiscard]] const Dates& dates() override { return utcDates; }
   [[nodiscard]] const OwnProcess& ownProcess() override { return self; }
+  [[nodiscard]] UsageServices usageServices() override {
+    return {network,
+            secretFiles,
+            toolFiles,
+            *terminals,
+            *screens,
+            claude,
+            [this](std::function<void()> work) { background.async(std::move(work)); },
+            user};
+  }
 
   FakeClock* clock = nullptr;
   FakeHostStatistics* host = nullptr;
@@ -164,6 +181,14 @@ class FakePlatformServices final : public PlatformServices {
   FakeDisplayPower display;
   FakeDates utcDates;
   FakeOwnProcess self;
+  FakeHttpClient network;
+  FakeSecretFiles secretFiles;
+  FakeToolFiles toolFiles;
+  std::unique_ptr<FakePseudoTerminals> terminals;
+  std::unique_ptr<FakeAccessibility> screens;
+  FakeWorkQueue claude;
+  FakeWorkQueue background;
+  UserSurroundings user{"/home/u", "/home/u/.cache", "/usr/bin", {}, {}, [] { return std::string("UTC"); }};
 
  private:
   SystemReaders readers_;

@@ -3,7 +3,9 @@
 
 #include <functional>
 #include <map>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "platform/workspace.h"
 
@@ -24,6 +26,8 @@ class FakeWorkspace final : public Workspace {
     return systemMonitor;
   }
 
+  void openLink(const std::string& url) override { linksOpened.push_back(url); }
+
   void setAppearance(Appearance appearance) {
     appearance_ = appearance;
     const auto observers = observers_;
@@ -32,6 +36,7 @@ class FakeWorkspace final : public Workspace {
 
   bool systemMonitor = true;
   int monitorsOpened = 0;
+  std::vector<std::string> linksOpened;
 
  private:
   Appearance appearance_ = Appearance::light;

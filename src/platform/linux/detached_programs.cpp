@@ -31,7 +31,7 @@ void setCleanStart(posix_spawnattr_t& attributes) {
   posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
 }
 
-std::optional<pid_t> spawn(const std::string& path) {
+std::optional<pid_t> spawn(const std::string& path, std::vector<std::string>& arguments) {
   posix_spawnattr_t attributes;
   posix_spawn_file_actions_t actions;
   posix_spawnattr_init(&attributes);
@@ -39,9 +39,11 @@ std::optional<pid_t> spawn(const std::string& path) {
   setCleanStart(attributes);
   posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
   std::string program = path;
-  char* const arguments[] = {program.data(), nullptr};
+  std::vector<char*> pointers{program.data()};
+  for (auto& argument : arguments) pointers.push_back(argument.data());
+  pointers.push_back(nullptr);
   pid_t pid = 0;
-  const int failure = ::posix_spawn(&pid, path.c_str(), &actions, &attributes, arguments, ::environ);
+  const int failure = ::posix_spawn(&pid, path.c_str(), &actions, &attributes, pointers.data(), ::environ);
   posix_spawn_file_actions_destroy(&actions);
   posix_spawnattr_destroy(&attributes);
   return failure == 0 ? std::optional(pid) : std::nullopt;
@@ -62,8 +64,8 @@ std::optional<std::string> findProgram(const std::string& name, const std::strin
   return std::nullopt;
 }
 
-bool DetachedPrograms::start(const std::string& path) {
-  const auto pid = spawn(path);
+bool DetachedPrograms::start(const std::string& path, std::vector<std::string> arguments) {
+  const auto pid = spawn(path, arguments);
   if (!pid) return false;
   Child& child = children_.emplace_back();
   child.owner = this;

@@ -4,6 +4,7 @@
 #include <list>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "platform/linux/sd_event_handles.h"
 #include "platform/linux/unique_fd.h"
@@ -23,7 +24,7 @@ class DetachedPrograms {
   DetachedPrograms& operator=(const DetachedPrograms&) = delete;
 
   /// False when the program could not be started.
-  [[nodiscard]] bool start(const std::string& path);
+  [[nodiscard]] bool start(const std::string& path, std::vector<std::string> arguments = {});
 
  private:
   struct Child {

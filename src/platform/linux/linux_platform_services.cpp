@@ -5,6 +5,8 @@
 #include <string>
 #include <utility>
 
+#include "platform/linux/atspi_accessibility.h"
+#include "platform/linux/background_threads.h"
 #include "platform/linux/dbus_application_instance.h"
 #include "platform/linux/desktop_assertion_client.h"
 #include "platform/linux/desktop_display_power.h"
@@ -13,13 +15,18 @@
 #include "platform/linux/json_bundle_info.h"
 #include "platform/linux/json_user_defaults.h"
 #include "platform/linux/json_user_defaults_domains.h"
+#include "platform/linux/local_time_zone.h"
+#include "platform/linux/local_tool_files.h"
 #include "platform/linux/locale_dates.h"
 #include "platform/linux/logind_system_sleep.h"
+#include "platform/linux/module_http_client.h"
 #include "platform/linux/panel_appearance.h"
+#include "platform/linux/plain_secret_files.h"
 #include "platform/linux/portal_workspace.h"
 #include "platform/linux/procfs_host_statistics.h"
 #include "platform/linux/procfs_own_process.h"
 #include "platform/linux/procfs_process_table.h"
+#include "platform/linux/pty_terminals.h"
 #include "platform/linux/sd_bus_connection.h"
 #include "platform/linux/sd_event_main_loop.h"
 #include "platform/linux/signal_termination.h"
@@ -53,6 +60,27 @@ struct Environment {
     return found == variables.end() ? std::string() : found->second;
   }
 };
+
+std::string busAddressOf(const Environment& environment) {
+  return sessionBusAddress(environment.get("DBUS_SESSION_BUS_ADDRESS"), environment.get("XDG_RUNTIME_DIR"));
+}
+
+UserSurroundings surroundingsFrom(const Environment& environment) {
+  UserSurroundings user;
+  const std::string home = environment.get("HOME");
+  user.home = home.starts_with('/') ? std::filesystem::path(home) : accountHome();
+  user.caches = xdgFolders(environment.variables, accountHome()).cache;
+  user.searchPath = environment.get("PATH");
+  user.codexHome = environment.get("CODEX_HOME");
+  for (char** variable = ::environ; variable != nullptr && *variable != nullptr; ++variable) {
+    user.environment.emplace_back(*variable);
+  }
+  const auto zone = environment.variables.find("TZ");
+  user.localZone = [tz = zone == environment.variables.end() ? std::nullopt : std::optional(zone->second)] {
+    return localTimeZoneName(tz, "/etc/localtime");
+  };
+  return user;
+}
 
 /// What the locale's dates follow, in the C library's own order.
 std::string dateLocale(const Environment& environment) {
@@ -106,6 +134,16 @@ class LinuxPlatformServices final : public PlatformServices {
   [[nodiscard]] DisplayPower& displayPower() override { return displayPower_; }
   [[nodiscard]] const Dates& dates() override { return dates_; }
   [[nodiscard]] const OwnProcess& ownProcess() override { return ownProcess_; }
+  [[nodiscard]] UsageServices usageServices() override {
+    return {http_,
+            secretFiles_,
+            toolFiles_,
+            terminals_,
+            accessibility_,
+            claudeQueue_,
+            [this](std::function<void()> work) { background_.run(std::move(work)); },
+            user_};
+  }
 
  private:
   // In order of dependence: what comes later uses what comes before and goes first.
@@ -113,8 +151,7 @@ class LinuxPlatformServices final : public PlatformServices {
   const std::filesystem::path prefix_ = installationPrefix();
   const XdgFolders folders_ = xdgFolders(environment_.variables, accountHome());
   const std::string desktop_ = environment_.get("XDG_CURRENT_DESKTOP");
-  const std::string sessionAddress_ =
-      sessionBusAddress(environment_.get("DBUS_SESSION_BUS_ADDRESS"), environment_.get("XDG_RUNTIME_DIR"));
+  const std::string sessionAddress_ = busAddressOf(environment_);
   const std::string systemAddress_ = systemBusAddress(environment_.get("DBUS_SYSTEM_BUS_ADDRESS"));
 
   SystemReaders readers_ = makeSystemReaders();
@@ -143,6 +180,16 @@ class LinuxPlatformServices final : public PlatformServices {
   LocaleDates dates_{dateLocale(environment_)};
   ProcfsOwnProcess ownProcess_;
 
+  const UserSurroundings user_ = surroundingsFrom(environment_);
+  ModuleHttpClient http_{
+      loop_, modules_, {"Nimbo", environment_.get("SSL_CERT_FILE"), environment_.get("SSL_CERT_DIR")}};
+  PlainSecretFiles secretFiles_;
+  LocalToolFiles toolFiles_;
+  PtyTerminals terminals_;
+  AtspiAccessibility accessibility_{sessionAddress_};
+
+  BackgroundThreads background_;
+  ThreadWorkQueue claudeQueue_{"Nimbo.claude"};
   ThreadWorkQueue temperatureQueue_{"Nimbo.temperature"};
   ThreadWorkQueue utilityQueue_{"Nimbo.utility"};
 };
@@ -153,6 +200,12 @@ SystemReaders makeSystemReaders() {
   return {std::make_unique<SystemClock>(), std::make_unique<ProcfsHostStatistics>(),
           std::make_unique<ProcfsProcessTable>(), [] { return std::make_unique<HwmonTemperatureSensor>(); }};
 }
+
+std::unique_ptr<Accessibility> makeAccessibility() {
+  return std::make_unique<AtspiAccessibility>(busAddressOf(Environment()));
+}
+
+UserSurroundings userSurroundings() { return surroundingsFrom(Environment()); }
 
 std::unique_ptr<PlatformServices> makePlatformServices() { return std::make_unique<LinuxPlatformServices>(); }
 

@@ -103,4 +103,19 @@ bool PortalWorkspace::openSystemMonitor() {
   return path && programs_.start(*path);
 }
 
+// The portal knows the user's choice also from inside a container; without one, xdg-open does.
+void PortalWorkspace::openLink(const std::string& url) {
+  const auto openBySelf = [this, url] {
+    const auto path = findProgram("xdg-open", setup_.searchPath);
+    if (path) (void)programs_.start(*path, {url});
+  };
+  const BusMessage call =
+      methodCall(session_, kPortal, kPath, "org.freedesktop.portal.OpenURI", "OpenURI", BusActivation::allowed);
+  if (call) sd_bus_message_append(call.get(), "ssa{sv}", "", url.c_str(), 0);
+  link_ = callAsync(session_, call, [openBySelf](sd_bus_message* reply) {
+    if (isError(reply)) openBySelf();
+  });
+  if (!link_) openBySelf();
+}
+
 }  // namespace nimbo

@@ -28,6 +28,7 @@ class PortalWorkspace final : public Workspace {
   [[nodiscard]] Subscription observeAppearance(std::function<void(Appearance)> changed) override;
   [[nodiscard]] bool hasSystemMonitor() const override;
   [[nodiscard]] bool openSystemMonitor() override;
+  void openLink(const std::string& url) override;
 
  private:
   void readColorScheme(const char* method);
@@ -43,6 +44,7 @@ class PortalWorkspace final : public Workspace {
   ObserverList<Appearance> observers_;
   BusSlot settingChanged_;
   BusSlot query_;
+  BusSlot link_;
   std::optional<BusNameWatch> portalOwner_;
   std::optional<XfconfProperty> xfceTheme_;
   DetachedPrograms programs_;

@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+
+/// The C library's allocation functions for a library that copies secrets around: what they give is
+/// left out of core dumps, and overwritten when it is given back. Any thread.
+namespace nimbo::secret_memory {
+
+[[nodiscard]] void* allocate(std::size_t bytes);
+[[nodiscard]] void* allocateZeroed(std::size_t count, std::size_t bytes);
+[[nodiscard]] void* resize(void* memory, std::size_t bytes);
+[[nodiscard]] char* duplicate(const char* text);
+void release(void* memory);
+
+}  // namespace nimbo::secret_memory
