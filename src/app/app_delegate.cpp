@@ -5,6 +5,7 @@
 
 #include "awake/session_length.h"
 #include "ui/status_item_content.h"
+#include "ui/usage_menu_gauge.h"
 
 namespace nimbo {
 namespace {
@@ -35,6 +36,8 @@ AppDelegate::AppDelegate(PlatformServices& platform, UserInterfaceMaker makeUser
           {platform.mainLoop(), *platform.readers().clock, platform.assertionClient(), platform.powerSources(),
            platform.displayPower()},
           [&sources = platform.powerSources()] { return readBattery(sources); }, true),
+      usageReaders_(platform),
+      usage_(usageReaders_.reads(), *platform.readers().clock, platform.dates()),
       toolkit_(platform.mainLoop(), platform.workspace(), std::move(makeUserInterface)),
       sampling_({platform.mainLoop(), platform.readers(), platform.temperatureQueue(), platform.utilityQueue()},
                 settings,
@@ -42,7 +45,7 @@ AppDelegate::AppDelegate(PlatformServices& platform, UserInterfaceMaker makeUser
                  [this] { return dashboard_.wantsProcesses(); },
                  [this](ProcessScan scan) { dashboard_.updateProcesses(std::move(scan)); }}),
       dashboard_({toolkit_, platform.mainLoop(), *platform.readers().clock, platform.dates(), platform.workspace()},
-                 {settings, sampling_.readings(), awake_}, dashboardCallbacks()),
+                 {settings, sampling_.readings(), awake_, usage_.states()}, dashboardCallbacks()),
       statusItems_(platform.statusBar(), platform.mainLoop(), settings,
                    {[this](StatusItemKind kind) { return contentFor(kind); },
                     [this](StatusItemKind kind, const StatusClick& click) { statusClicked(kind, click); },
@@ -59,12 +62,16 @@ Dashboard::Callbacks AppDelegate::dashboardCallbacks() {
       [this] { applyAwakeRules(); },
       [this] { turnDisplayOff(); },
       [this] { awake_.extend(kExtension); },
+      [this] { usage_.refresh(kAllUsageProviders, UsageRequest::manual); },
   };
 }
 
 void AppDelegate::applicationDidFinishLaunching() {
   applyAwakeRules();
   awake_.onChange = [this] { awakeChanged(); };
+  configureUsage();
+  usage_.onChange = [this] { usageChanged(); };
+  usage_.refresh(kAllUsageProviders, UsageRequest::automatic);
   statusItems_.configure();
   sampling_.tick();
   sampling_.startTimer();
@@ -84,6 +91,7 @@ void AppDelegate::applicationShouldTerminate(QuitDecision decided) {
 void AppDelegate::applicationWillTerminate() {
   sampling_.stopTimer();
   statusItems_.stopRotation();
+  usage_.stop();
   awake_.stopByUser();
   sleepObservation_.reset();
   terminationObservation_.reset();
@@ -96,6 +104,7 @@ void AppDelegate::activate() {
 void AppDelegate::willSleep() {
   sleeping_ = true;
   statusItems_.stopRotation();
+  usage_.stop();
   sampling_.willSleep();
   dashboard_.close();
 }
@@ -166,8 +175,11 @@ bool AppDelegate::loadDashboardOffscreen() {
 StatusItemContent AppDelegate::contentFor(StatusItemKind kind) const {
   const auto& readings = sampling_.readings();
   switch (kind) {
-    case StatusItemKind::ai:
-      return emptyUsageItemContent();
+    case StatusItemKind::ai: {
+      const auto now = platform_.readers().clock->now();
+      return usageItemContent(menuGauges(settings_, usage_.states(), now, platform_.dates()),
+                              settings_.aiMenuRemaining(), now);
+    }
     case StatusItemKind::memory:
       return memoryItemContent(readings.memory, readings.memoryFailed, settings_.showChart());
     case StatusItemKind::awake:
@@ -185,9 +197,14 @@ StatusMenu AppDelegate::statusMenu() {
   return makeStatusMenu(actions, awake_.isActive() ? AwakeSession::running : AwakeSession::off);
 }
 
+// Comes with every tick, which is also when a provider may be due and the countdowns go on. A provider
+// that was switched on by hand in the settings file is found here, too.
 void AppDelegate::readingsChanged() {
+  configureUsage();
+  usage_.refresh(kAllUsageProviders, UsageRequest::automatic);
   statusItems_.refresh();
   dashboard_.updateReadings();
+  dashboard_.updateUsage();
 }
 
 void AppDelegate::tabChanged() {
@@ -200,6 +217,11 @@ void AppDelegate::tabChanged() {
 void AppDelegate::awakeChanged() {
   statusItems_.refresh();
   dashboard_.updateAwake();
+}
+
+void AppDelegate::usageChanged() {
+  statusItems_.refresh();
+  dashboard_.updateUsage();
 }
 
 void AppDelegate::startAwake(std::optional<AwakeManager::Time> end) {
@@ -227,6 +249,10 @@ void AppDelegate::keepDisplayOn(bool on) {
 void AppDelegate::toggleDisplayMode() { keepDisplayOn(!settings_.awakeDisplayOn()); }
 
 void AppDelegate::turnDisplayOff() { awake_.turnDisplayOff(); }
+
+void AppDelegate::configureUsage() {
+  for (const auto provider : kAllUsageProviders) usage_.setEnabled(provider, settings_.usageEnabled(provider));
+}
 
 void AppDelegate::applyAwakeRules() { awake_.setRules({settings_.awakeOnlyOnPower(), settings_.awakeBatteryFloor()}); }
 

@@ -12,6 +12,7 @@
 #include "app/status_items.h"
 #include "app/status_menu.h"
 #include "app/toolkit.h"
+#include "app/usage_readers.h"
 #include "awake/awake_manager.h"
 #include "platform/platform_services.h"
 #include "settings/settings.h"
@@ -63,17 +64,21 @@ class AppDelegate {
   void readingsChanged();
   void tabChanged();
   void awakeChanged();
+  void usageChanged();
 
   void startAwake(std::optional<AwakeManager::Time> end);
   void toggleAwake(std::optional<AwakeManager::Time> end);
   void keepDisplayOn(bool on);
   void applyAwakeRules();
+  void configureUsage();
   void showQuitAlert(QuitDecision decided);
 
   PlatformServices& platform_;
   Settings& settings_;
   bool sleeping_ = false;
   AwakeManager awake_;
+  UsageReaders usageReaders_;
+  UsageMonitor usage_;
   Toolkit toolkit_;
   SamplingLoop sampling_;
   Dashboard dashboard_;

@@ -3,6 +3,8 @@
 
 #include <utility>
 
+#include "app/usage_readers.h"
+
 namespace nimbo {
 namespace {
 
@@ -14,6 +16,7 @@ DashboardPreferences preferencesFrom(const Settings& settings) {
   preferences.monitorCpu = settings.monitorCpu();
   preferences.monitorTemperature = settings.monitorTemperature();
   preferences.refreshInterval = settings.refreshInterval();
+  preferences.providerOrder = settings.providerOrder();
   return preferences;
 }
 
@@ -41,6 +44,7 @@ bool Dashboard::prepare(std::optional<DashboardTab> tab) {
   controller.apply(preferencesFrom(sources_.settings));
   if (tab) controller.selectTab(*tab);
   controller.awakeView().refresh(sources_.awake);
+  showUsage();
   showReadings();
   return true;
 }
@@ -84,6 +88,8 @@ void Dashboard::wire(Parts& parts) {
       [&controller] { controller.activityClicked(); },
       [&controller] { controller.quitClicked(); },
       awakeView.actions(),
+      {callbacks_.refreshUsage, [&controller] { controller.settingsClicked(); },
+       [this](UsageProvider provider) { services_.workspace.openLink(usagePage(provider)); }},
   });
 }
 
@@ -109,6 +115,12 @@ void Dashboard::updateReadings() {
 void Dashboard::updateAwake() {
   if (visible()) parts_->controller.awakeView().refresh(sources_.awake);
 }
+
+void Dashboard::updateUsage() {
+  if (visible()) showUsage();
+}
+
+void Dashboard::showUsage() { parts_->controller.usageView().update(sources_.usage, std::nullopt); }
 
 void Dashboard::showReadings() {
   auto& controller = parts_->controller;

@@ -37,6 +37,7 @@ class Dashboard {
     Settings& settings;
     const SystemReadings& readings;
     const AwakeManager& awake;
+    const UsageStates& usage;
   };
   struct Callbacks {
     std::function<void()> tabChanged;  ///< the user picked another tab
@@ -47,6 +48,7 @@ class Dashboard {
     std::function<void()> awakeRulesChanged;
     std::function<void()> turnDisplayOff;
     std::function<void()> extendAwake;
+    std::function<void()> refreshUsage;
   };
 
   Dashboard(Services services, Sources sources, Callbacks callbacks);
@@ -68,6 +70,7 @@ class Dashboard {
   // New content for the open dashboard; a closed one costs nothing and catches up on opening.
   void updateReadings();
   void updateAwake();
+  void updateUsage();
   void updateProcesses(ProcessScan scan);
 
  private:
@@ -83,6 +86,7 @@ class Dashboard {
   void wire(Parts& parts);
   [[nodiscard]] bool prepare(std::optional<DashboardTab> tab);
   void showReadings();
+  void showUsage();
 
   Services services_;
   Sources sources_;

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "app/app_delegate.h"
+#include "app/claude_desktop_check.h"
 #include "app/diagnostics_report.h"
 #include "app/launch_mode.h"
 #include "app/performance_probe.h"
@@ -62,15 +63,20 @@ int runProfile() {
                              complain);
 }
 
-int notBuiltYet(const char* flag) {
-  fmt::print(stderr, "nimbo: {} is not available in this version\n", flag);
-  return 1;
+int runClaudeDesktopCheck() {
+  const SystemReaders readers = makeSystemReaders();
+  const auto accessibility = makeAccessibility();
+  const ClaudeDesktopUsage usage(*accessibility, *readers.clock);
+  const auto check = makeClaudeDesktopCheck(usage, userSurroundings().localZone());
+  std::fputs(check.output.c_str(), stdout);
+  std::fputs(check.errorOutput.c_str(), stderr);
+  return check.exitStatus;
 }
 
 int run(const std::vector<std::string>& arguments) {
   switch (launchMode(arguments)) {
     case LaunchMode::claudeDesktopCheck:
-      return notBuiltYet("--claude-desktop-check");
+      return runClaudeDesktopCheck();
     case LaunchMode::diagnostics:
       return runDiagnostics();
     case LaunchMode::profile:

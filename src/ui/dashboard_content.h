@@ -10,6 +10,7 @@
 #include "system/memory_snapshot.h"
 #include "ui/awake_page_content.h"
 #include "ui/control_content.h"
+#include "ui/usage_page_content.h"
 
 namespace nimbo {
 
@@ -80,6 +81,7 @@ struct DashboardContent {
   LabelContent footer;
 
   AwakePageContent awake;
+  UsagePageContent usage;
 
   Rect footerSeparator;
   ButtonContent quitButton;

@@ -59,8 +59,10 @@ void call(const std::function<void()>& callback) {
 
 }  // namespace
 
-DashboardController::DashboardController(AwakeView::Services services) : awakeView_(services) {
+DashboardController::DashboardController(AwakeView::Services services)
+    : awakeView_(services), usageView_(services.clock, services.dates) {
   awakeView_.onContentChanged = [this] { refresh(); };
+  usageView_.onContentChanged = [this] { refresh(); };
   refresh();
 }
 
@@ -76,6 +78,7 @@ void DashboardController::apply(const DashboardPreferences& preferences) {
   resources_.cpuVisible = preferences.monitorCpu;
   resources_.temperatureVisible = preferences.monitorTemperature;
   resources_.refreshInterval = preferences.refreshInterval;
+  usageView_.setOrder(preferences.providerOrder);
   awakeView_.load();
   refresh();
 }
@@ -147,6 +150,9 @@ void DashboardController::refresh() {
   fillHeader(content, tabOrder_, std::min(selectedSegment_, tabOrder_.size() - 1));
   content.settingsButton.enabled = settingsEnabled_;
   fillResourcesPage(content, resources_);
+  content.usage = usageView_.content(tab == DashboardTab::ai);
+  content.usage.configure.enabled = settingsEnabled_;
+  for (auto& card : content.usage.cards) card.connect.enabled = settingsEnabled_;
   content.awake = awakeView_.content(tab == DashboardTab::awake);
   fillFooter(content, height);
 

@@ -10,6 +10,7 @@
 #include "ui/awake_view.h"
 #include "ui/dashboard_content.h"
 #include "ui/resources_page.h"
+#include "ui/usage_view.h"
 
 namespace nimbo {
 
@@ -21,6 +22,7 @@ struct DashboardPreferences {
   bool monitorCpu = false;
   bool monitorTemperature = false;
   std::chrono::seconds refreshInterval{5};
+  std::vector<UsageProvider> providerOrder{kAllUsageProviders.begin(), kAllUsageProviders.end()};
 };
 
 /// Decides all that the dashboard shows; windows only put its content on screen. It samples
@@ -31,6 +33,7 @@ class DashboardController {
 
   /// The Keep Awake page; follows the settings by itself.
   [[nodiscard]] AwakeView& awakeView() { return awakeView_; }
+  [[nodiscard]] UsageView& usageView() { return usageView_; }
 
   [[nodiscard]] const DashboardContent& content() const { return content_; }
   [[nodiscard]] DashboardTab selectedTab() const;
@@ -76,6 +79,7 @@ class DashboardController {
   bool settingsEnabled_ = true;
   ResourcesPage resources_;
   AwakeView awakeView_;
+  UsageView usageView_;
   DashboardContent content_;
 };
 

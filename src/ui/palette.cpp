@@ -66,6 +66,10 @@ Color panelBackground(Appearance appearance) {
   return appearance == Appearance::dark ? Color{0x26, 0x26, 0x29} : Color{0xF7, 0xF7, 0xF8};
 }
 
+Color cardGround(Appearance appearance) {
+  return appearance == Appearance::dark ? Color{0xFF, 0xFF, 0xFF, 0.05} : Color{0xFF, 0xFF, 0xFF};
+}
+
 Color separatorColor(Appearance appearance) {
   return appearance == Appearance::dark ? Color{0xFF, 0xFF, 0xFF, 0.14} : Color{0x00, 0x00, 0x00, 0.12};
 }

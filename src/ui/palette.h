@@ -22,6 +22,9 @@ struct Color {
 
 [[nodiscard]] Color panelBackground(Appearance appearance);
 
+/// The ground of a card on the panel; the text roles are readable on it too.
+[[nodiscard]] Color cardGround(Appearance appearance);
+
 /// Thin lines: the panel's border and the one above its footer.
 [[nodiscard]] Color separatorColor(Appearance appearance);
 

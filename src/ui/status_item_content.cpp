@@ -56,11 +56,6 @@ StatusItemContent memoryItemContent(const std::optional<MemorySnapshot>& memory,
   return content;
 }
 
-StatusItemContent emptyUsageItemContent() {
-  const TemplateShape track{{{1, 7, 16, 4}, 2}, 0.18, {}, {}};
-  return {{}, {{track, dash({9, 9})}}, "AI usage · enable a subscription in Settings", "AI usage"};
-}
-
 StatusItemContent awakeItemContent(bool sessionActive) {
   const char* toolTip = sessionActive ? "Keep Awake is on" : "Keep Awake is off · click for session controls";
   return {{}, cupSymbol(), toolTip, "Keep Awake"};

@@ -12,9 +12,6 @@ namespace nimbo {
 [[nodiscard]] StatusItemContent memoryItemContent(const std::optional<MemorySnapshot>& memory, bool failed,
                                                   bool showChart);
 
-/// While no provider is enabled.
-[[nodiscard]] StatusItemContent emptyUsageItemContent();
-
 [[nodiscard]] StatusItemContent awakeItemContent(bool sessionActive);
 
 /// The one item that stands for the whole program.

@@ -13,6 +13,7 @@
 #include "base/subscription.h"
 #include "platform/main_loop.h"
 #include "platform/workspace.h"
+#include "settings/usage_provider.h"
 #include "ui/dashboard_content.h"
 
 namespace nimbo {
@@ -30,6 +31,13 @@ struct AwakePageActions {
   std::function<void()> turnDisplayOff;
 };
 
+/// What the user did with the controls of the AI page.
+struct UsagePageActions {
+  std::function<void()> refresh;
+  std::function<void()> configure;  ///< from below the cards and from a card without a reading
+  std::function<void(UsageProvider provider)> openLink;
+};
+
 /// What the user did with the dashboard's controls.
 struct DashboardActions {
   std::function<void(std::size_t index)> selectTab;
@@ -39,6 +47,7 @@ struct DashboardActions {
   std::function<void()> openActivityMonitor;
   std::function<void()> quit;
   AwakePageActions awake = {};
+  UsagePageActions usage = {};
 };
 
 enum class Key { escape, other };

@@ -8,6 +8,7 @@ import pathlib
 import subprocess
 import sys
 
+import claude_tool
 import program
 from nimbo_desktop import BOUND, Session, turn_for, wait_until
 from power_services import Logind
@@ -15,6 +16,7 @@ from program import Program
 from xfce_panel import XfcePanel
 
 SETTINGS = {"refreshInterval": 2, "menuAwake": True, "monitorCPU": True, "monitorTemperature": True}
+SUBSCRIPTIONS = {"usage.codex": True, "usage.claude": True}  # one signed in, by a stand-in for its tool
 TABS = {"ai": "AI", "memory": "Mem", "awake": "Awake"}
 
 
@@ -25,7 +27,8 @@ def show(folder, dark, scale):
         session.env["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
         if scale != 1:
             session.env["QT_SCALE_FACTOR"] = str(scale)
-        session.settings(**SETTINGS)
+        claude_tool.install(session, claude_tool.screen(61, 23))
+        session.settings(**SETTINGS, **SUBSCRIPTIONS)
         can_keep_awake = not Logind.missing()
         if can_keep_awake:
             Logind(session)
@@ -45,6 +48,8 @@ def show(folder, dark, scale):
         point_nowhere(session)  # so that no tooltip covers the picture
         for tab, label in TABS.items():
             nimbo.press(label)
+            if tab == "ai":
+                nimbo.wait_for_text(lambda text: text == "77% left", "the allowances")
             if tab == "memory":
                 nimbo.wait_for_text(lambda text: text.endswith((" MB", " GB")), "the process list")
             panel.settled_picture(folder / f"{tab}-{name}.png")

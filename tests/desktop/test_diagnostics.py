@@ -66,7 +66,7 @@ class DiagnosticsTest(unittest.TestCase):
     def test_claude_desktop_check_comes_before_the_report(self):
         run = report("--diagnostics", "--claude-desktop-check")
         self.assertEqual((run.returncode, run.stdout), (1, ""))
-        self.assertEqual(run.stderr, "nimbo: --claude-desktop-check is not available in this version\n")
+        self.assertEqual(run.stderr, "Desktop fallback: open Claude → Settings → Usage, then refresh.\n")
 
     def test_report_comes_before_the_profile(self):
         self.assertRegex(report("--profile", "--diagnostics").stdout, "^Total: ")

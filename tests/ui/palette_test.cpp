@@ -43,6 +43,23 @@ TEST_P(PaletteInAppearance, LabelsStepBackInOrderAndTertiaryStaysReadable) {
   EXPECT_EQ(color(ColorRole::tertiaryLabel, GetParam()).alpha, 1);
 }
 
+/// What is seen of `upper`, perhaps half transparent, on the opaque `lower`.
+Color blended(const Color& upper, const Color& lower) {
+  const auto channel = [&](std::uint8_t above, std::uint8_t below) {
+    return static_cast<std::uint8_t>(std::lround(above * upper.alpha + below * (1 - upper.alpha)));
+  };
+  return {channel(upper.red, lower.red), channel(upper.green, lower.green), channel(upper.blue, lower.blue)};
+}
+
+TEST_P(PaletteInAppearance, TextAndBarsAreReadableOnACardToo) {
+  const Color ground = blended(cardGround(GetParam()), panelBackground(GetParam()));
+  EXPECT_NE(ground, panelBackground(GetParam()));
+  for (const auto role :
+       {ColorRole::label, ColorRole::secondaryLabel, ColorRole::teal, ColorRole::orange, ColorRole::red}) {
+    EXPECT_GE(contrast(color(role, GetParam()), ground), 4.5) << "role " << static_cast<int>(role);
+  }
+}
+
 TEST_P(PaletteInAppearance, GroundsAndLinesAreFaint) {
   EXPECT_LT(color(ColorRole::quaternaryLabel, GetParam()).alpha, 0.3);
   EXPECT_LT(separatorColor(GetParam()).alpha, 0.3);

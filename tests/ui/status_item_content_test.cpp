@@ -95,14 +95,6 @@ TEST(MemoryItem, WithoutTheChartItShowsASymbol) {
   EXPECT_EQ(memoryItemContent(std::nullopt, true, false).image, barsSymbol());
 }
 
-TEST(UsageItem, WithoutAProviderIsAnEmptyGauge) {
-  const auto content = emptyUsageItemContent();
-  EXPECT_FALSE(content.title.has_value());
-  EXPECT_EQ(content.toolTip, "AI usage · enable a subscription in Settings");
-  EXPECT_EQ(content.accessibleName, "AI usage");
-  EXPECT_EQ(content.image, (TemplateImage{{{{{1, 7, 16, 4}, 2}, 0.18, {}, {}}, kDash}}));
-}
-
 TEST(AwakeItem, ToolTipTellsWhetherASessionRuns) {
   EXPECT_EQ(awakeItemContent(true).toolTip, "Keep Awake is on");
   EXPECT_EQ(awakeItemContent(false).toolTip, "Keep Awake is off · click for session controls");

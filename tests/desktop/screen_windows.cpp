@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: MIT
+#include <cstdio>
+#include <iostream>
+#include <iterator>
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "usage/usage_json.h"
+#include "usage/usage_screen_parser.h"
+
+/// Reads a terminal's screen from the standard input and prints its limits as JSON.
+int main() {
+  const std::string screen{std::istreambuf_iterator<char>(std::cin), std::istreambuf_iterator<char>()};
+  const auto snapshot = nimbo::parseUsageScreen(screen, std::chrono::system_clock::now(), "screen", "UTC");
+  if (!snapshot) {
+    std::fprintf(stderr, "%s\n", snapshot.error().message.c_str());
+    return 1;
+  }
+  std::puts(nimbo::compactJsonText(nimbo::usageJson(*snapshot, nimbo::DateCoding::secondsSince2001)).c_str());
+  return 0;
+}
