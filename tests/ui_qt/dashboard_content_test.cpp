@@ -3,22 +3,13 @@
 #include <QScrollBar>
 #include <QTabBar>
 
+#include "paint_counter.h"
 #include "qt_test.h"
 #include "ui/palette.h"
 #include "ui/qt/fitted_label.h"
 
 namespace nimbo {
 namespace {
-
-/// Counts the paint events of the widgets it is installed on.
-class PaintCounter : public QObject {
- public:
-  bool eventFilter(QObject* watched, QEvent* event) override {
-    if (event->type() == QEvent::Paint) ++counts[watched->objectName().toStdString()];
-    return false;
-  }
-  std::map<std::string, int> counts;
-};
 
 QRgb rgb(const Color& color) { return qRgb(color.red, color.green, color.blue); }
 
@@ -105,15 +96,9 @@ TEST_F(DashboardContentOnScreen, EveryControlCallsItsAction) {
 }
 
 TEST_F(DashboardContentOnScreen, OnlyWhatDiffersIsPainted) {
-  PaintCounter counter;
   open();
-  for (QWidget* const each : widget().findChildren<QWidget*>()) each->installEventFilter(&counter);
-  // The scroll bar shows itself for a moment when its view appears.
-  int quietTurns = 0;
-  ASSERT_TRUE(QTest::qWaitFor([&] {
-    quietTurns = std::exchange(counter.counts, {}).empty() ? quietTurns + 1 : 0;
-    return quietTurns == 5;
-  }));
+  PaintCounter counter(widget());
+  ASSERT_TRUE(counter.settles());
   render();
   QCoreApplication::processEvents();
   EXPECT_TRUE(counter.counts.empty()) << counter.counts.begin()->first;

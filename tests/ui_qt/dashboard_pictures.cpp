@@ -7,13 +7,18 @@
 #include <QDateTime>
 #include <QDir>
 #include <QEventLoop>
+#include <QHelpEvent>
 #include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTimer>
 #include <cstdio>
 #include <stdexcept>
 
 #include "sample_dashboard.h"
+#include "sample_usage.h"
 #include "ui/qt/qt_user_interface.h"
+#include "usage/usage_messages.h"
 
 namespace nimbo {
 namespace {
@@ -80,7 +85,49 @@ void monitoringOff(Scene& scene) {
   scene.controller.updateTemperature({});
 }
 
-void aiTab(Scene& scene) { fillDashboard(scene.controller, DashboardTab::ai, 3); }
+void showUsage(Scene& scene, const UsageStates& states, const std::optional<std::string>& note = {}) {
+  fillDashboard(scene.controller, DashboardTab::ai, 3);
+  scene.controller.usageView().update(states, note);
+}
+
+void usage(Scene& scene) { showUsage(scene, sampleUsage(scene.awake.clock.now())); }
+void usageUnconnected(Scene& scene) { showUsage(scene, {}); }
+
+void usageStale(Scene& scene) {
+  auto states = sampleUsage(scene.awake.clock.now());
+  states[UsageProvider::codex].snapshot->fetchedAt -= std::chrono::hours(1);
+  states[UsageProvider::claude].message = usage_messages::kDesktopNeedsAccessibility;
+  showUsage(scene, states, "Couldn’t open the usage dashboard in your browser. Please try again in a moment.");
+}
+
+void usageRefreshing(Scene& scene) {
+  auto states = sampleUsage(scene.awake.clock.now());
+  states[UsageProvider::codex].isRefreshing = true;
+  states[UsageProvider::claude] = {true, {}, {}, true};
+  showUsage(scene, states);
+}
+
+void usageMessages(Scene& scene) {
+  showUsage(scene, {{UsageProvider::codex, failedState(usage_messages::kDesktopNeedsAccessibility)},
+                    {UsageProvider::claude, failedState(usage_messages::kDesktopUnavailable)}});
+}
+
+void usageLongMessages(Scene& scene) {
+  const std::string both =
+      std::string(usage_messages::kClaudeCodeGaveNoUsage) + ' ' + usage_messages::kDesktopNeedsAccessibility;
+  showUsage(scene, {{UsageProvider::codex, failedState(usage_messages::kNoCodexCredentials)},
+                    {UsageProvider::claude, failedState(both)}});
+}
+
+void usageExtremes(Scene& scene) {
+  const auto now = scene.awake.clock.now();
+  const auto soon = now + std::chrono::minutes(5);
+  showUsage(scene, {{UsageProvider::codex,
+                     connectedState({sampleWindow("5-hour", 100, soon), sampleWindow("Weekly", 98.7, soon),
+                                     sampleWindow("90-minute", 0, soon)},
+                                    now)},
+                    {UsageProvider::claude, connectedState({sampleWindow("Sonnet weekly", 75, soon)}, now)}});
+}
 
 void awakeIdle(Scene& scene) { fillDashboard(scene.controller, DashboardTab::awake, 3); }
 
@@ -120,6 +167,17 @@ Control* control(QWidget& window, const char* name) {
   return window.findChild<Control*>(name);
 }
 
+void scrollToEnd(QWidget& window) {
+  auto& bar = *control<QScrollArea>(window, "usage")->verticalScrollBar();
+  bar.setValue(bar.maximum());
+}
+
+void showRowToolTip(QWidget& window) {
+  auto* const row = control<QWidget>(window, "usageRow");
+  QHelpEvent event(QEvent::ToolTip, {60, 10}, row->mapToGlobal(QPoint(60, 10)));
+  QCoreApplication::sendEvent(row, &event);
+}
+
 void openDurations(QWidget& window) { control<QComboBox>(window, "duration")->showPopup(); }
 
 void openContextMenu(QWidget& window) {
@@ -139,7 +197,18 @@ constexpr Picture kPictures[] = {
     {"memory-13", thirteenProcesses},
     {"memory-failed", memoryFailed},
     {"memory-off", monitoringOff},
-    {"ai", aiTab},
+    {"usage", usage},
+    {"usage-unconnected", usageUnconnected},
+    {"usage-stale", usageStale},
+    {"usage-refreshing", usageRefreshing},
+    {"usage-messages", usageMessages},
+    {"usage-long-messages", usageLongMessages},
+    {"usage-extremes", usageExtremes},
+    {"usage-end", usage, scrollToEnd},
+    {"usage-tip", usage, showRowToolTip},
+    {"usage-focus-cards", usage, [](QWidget& window) { focus(window, "usage"); }},
+    {"usage-focus-link", usage, [](QWidget& window) { focus(window, "link.codex"); }},
+    {"usage-focus-connect", usageUnconnected, [](QWidget& window) { focus(window, "connect.codex"); }},
     {"awake-idle", awakeIdle},
     {"awake-minutes", awakeMinutes},
     {"awake-date", awakeDate},

@@ -32,7 +32,7 @@ BackgroundThreads::~BackgroundThreads() {
   running_->ended.wait_for(guard, kPatience, [this] { return running_->count == 0; });
 }
 
-void BackgroundThreads::run(std::function<void()> work) {
+void BackgroundThreads::run(const std::function<void()>& work) {
   const auto task = [running = running_, work] {
     setpriority(PRIO_PROCESS, static_cast<id_t>(gettid()), kUtilityNice);
     work();

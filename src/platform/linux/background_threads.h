@@ -17,7 +17,7 @@ class BackgroundThreads {
   BackgroundThreads& operator=(const BackgroundThreads&) = delete;
 
   /// Where no thread can be made, the work is done at once.
-  void run(std::function<void()> work);
+  void run(const std::function<void()>& work);
 
  private:
   struct Running;

@@ -99,7 +99,7 @@ std::string x11Display(const Environment& environment) {
 /// Where the Wayland compositor listens; its name is relative to the session's run-time folder unless
 /// it is a whole path.
 std::string waylandSocket(const Environment& environment) {
-  const std::string name = environment.get("WAYLAND_DISPLAY");
+  std::string name = environment.get("WAYLAND_DISPLAY");
   if (name.empty() || name.front() == '/') return name;
   return environment.get("XDG_RUNTIME_DIR") + "/" + name;
 }

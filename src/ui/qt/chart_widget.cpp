@@ -14,7 +14,7 @@ namespace {
 
 class AccessibleChart final : public QAccessibleWidget, public QAccessibleValueInterface {
  public:
-  explicit AccessibleChart(ChartWidget& chart) : QAccessibleWidget(&chart, QAccessible::Chart), chart_(chart) {}
+  explicit AccessibleChart(ChartWidget& chart) : QAccessibleWidget(&chart, chart.accessibleRole()), chart_(chart) {}
 
   void* interface_cast(QAccessible::InterfaceType type) override {
     if (type == QAccessible::ValueInterface) return static_cast<QAccessibleValueInterface*>(this);

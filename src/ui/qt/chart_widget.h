@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QAccessible>
 #include <QString>
 #include <QWidget>
 #include <string>
 #include <vector>
 
 #include "ui/chart_bar.h"
-
-class QAccessibleInterface;
 
 namespace nimbo {
 
@@ -26,8 +25,10 @@ class ChartWidget : public QWidget {
   ChartWidget(const Theme& theme, QWidget* parent);
 
   [[nodiscard]] virtual ChartReading reading() const = 0;
+  [[nodiscard]] virtual QAccessible::Role accessibleRole() const { return QAccessible::Chart; }
 
  protected:
+  [[nodiscard]] const Theme& theme() const { return theme_; }
   [[nodiscard]] virtual std::vector<ChartBar> bars() const = 0;
   void place(const Rect& frame, const std::string& accessibleName, bool visible);
   void paintEvent(QPaintEvent* event) override;

@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QPainter>
+#include <algorithm>
 #include <utility>
 
 #include "ui/qt/control_painting.h"
@@ -18,9 +19,13 @@ namespace nimbo {
 namespace {
 
 constexpr double kPadding = 7;
-constexpr double kSymbolSide = 17;
+constexpr double kIconSide = 17;
 
 double cornerRadius(ButtonLook look, double height) { return look == ButtonLook::inlined ? height / 2 : 6; }
+
+double symbolSide(const ButtonContent& content) {
+  return content.look == ButtonLook::icon ? kIconSide : content.textSize;
+}
 
 /// What is left free at either side, so that buttons whose frames touch stand apart.
 double sideInset(ButtonLook look) { return look == ButtonLook::icon ? 0 : look == ButtonLook::inlined ? 4 : 3; }
@@ -72,7 +77,8 @@ void DashboardButton::keyPressEvent(QKeyEvent* event) {
 }
 
 QRectF DashboardButton::face() const {
-  const double inset = sideInset(content_->look);
+  // At most a circle, not an egg.
+  const double inset = std::min(sideInset(content_->look), std::max(width() - height(), 0) / 2.0);
   return rect().toRectF().adjusted(inset, 0, -inset, 0);
 }
 
@@ -88,10 +94,10 @@ void DashboardButton::drawFace(QPainter& painter) const {
   QColor ink = theme_.color(bareLook);
   if (isDefault()) ink = theme_.accentLabel();
   if (!isEnabled()) ink = theme_.disabledLabel();
-  const auto symbol = content_->look == ButtonLook::icon ? symbolPath(content_->title) : std::nullopt;
-  if (symbol) {
-    painter.translate(rect().toRectF().center() - QPointF(kSymbolSide, kSymbolSide) / 2);
-    painter.scale(kSymbolSide, kSymbolSide);
+  if (const auto symbol = symbolPath(content_->title)) {
+    const double side = symbolSide(*content_);
+    painter.translate(rect().toRectF().center() - QPointF(side, side) / 2);
+    painter.scale(side, side);
     painter.fillPath(*symbol, ink);
     return;
   }

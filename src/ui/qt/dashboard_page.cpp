@@ -58,6 +58,7 @@ DashboardPage::DashboardPage(const Theme& theme, QWidget* parent)
       activityButton_(makeButton(&DashboardActions::openActivityMonitor)),
       footer_(makeLabel("footer")),
       awake_(theme, *this),
+      usage_(theme, *this),
       quitButton_(makeButton(&DashboardActions::quit)),
       quitHint_(makeLabel("quitHint")) {
   setObjectName("page");
@@ -70,6 +71,7 @@ DashboardPage::DashboardPage(const Theme& theme, QWidget* parent)
 
 void DashboardPage::setActions(DashboardActions actions) {
   awake_.setActions(std::move(actions.awake));
+  usage_.setActions(std::move(actions.usage));
   actions_ = std::move(actions);
 }
 
@@ -98,6 +100,7 @@ void DashboardPage::render(const DashboardContent& content) {
   activityButton_->setContent(content.activityButton);
   footer_->setContent(content.footer);
   awake_.render(content.awake);
+  usage_.render(content.usage);
   quitButton_->setContent(content.quitButton);
   quitHint_->setContent(content.quitHint);
   if (std::exchange(footerSeparator_, content.footerSeparator) != content.footerSeparator) update();
@@ -114,10 +117,12 @@ bool DashboardPage::performKeyEquivalent(const QKeyEvent& key) {
 void DashboardPage::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
   painter.fillRect(toQRectF(footerSeparator_), theme_.separator());
-  if (keyboardFocusVisible(*processes_)) {
-    painter.setRenderHint(QPainter::Antialiasing);
-    drawFocusRing(painter, processes_->geometry().adjusted(-8, 0, 8, 0), 6, theme_);
-  }
+  painter.setRenderHint(QPainter::Antialiasing);
+  const auto drawRingAround = [&](const ScrollView& view, const QMargins& room) {
+    if (keyboardFocusVisible(view)) drawFocusRing(painter, view.geometry() + room, 6, theme_);
+  };
+  drawRingAround(*processes_, {8, 0, 8, 0});
+  drawRingAround(usage_.scroll(), {8, 6, 8, 6});  // its cards reach to its edges
 }
 
 }  // namespace nimbo

@@ -11,6 +11,7 @@
 #include "ui/qt/history_widget.h"
 #include "ui/qt/process_list_view.h"
 #include "ui/qt/segmented_tabs.h"
+#include "ui/qt/usage_page.h"
 #include "ui/user_interface.h"
 
 namespace nimbo {
@@ -63,6 +64,7 @@ class DashboardPage final : public QWidget {
   DashboardButton* const activityButton_;
   FittedLabel* const footer_;
   AwakePage awake_;
+  UsagePage usage_;
   DashboardButton* const quitButton_;
   FittedLabel* const quitHint_;
 };

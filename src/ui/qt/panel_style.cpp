@@ -10,7 +10,7 @@
 namespace nimbo {
 namespace {
 
-constexpr int kScrollBarExtent = 9;
+constexpr int kScrollBarExtent = 8;
 constexpr double kThumbMargin = 2;
 constexpr int kToolTipMargin = 5;
 constexpr int kMenuMargin = 4;

@@ -18,12 +18,14 @@
 #include "ui/qt/qt_dashboard_window.h"
 #include "ui/qt/qt_geometry.h"
 #include "ui/qt/screen_watch.h"
+#include "ui/qt/usage_card.h"
 #include "ui/qt/window_system.h"
 
 namespace nimbo {
 namespace {
 
-constexpr std::array kAccessibleControls{makeAccessibleChart, makeAccessiblePopUp, makeAccessibleAlert};
+constexpr std::array kAccessibleControls{makeAccessibleChart, makeAccessiblePopUp, makeAccessibleAlert,
+                                         makeAccessibleUsageCard};
 
 std::vector<char*> pointersTo(std::vector<std::string>& texts) {
   std::vector<char*> pointers;

@@ -42,10 +42,24 @@ QPainterPath gear() {
   return stroked(wheel, kLine).united(stroked(circle(0.15), kLine));
 }
 
+/// Up to the right, around the origin.
+QPainterPath arrow() {
+  constexpr double kEnd = 0.3;
+  constexpr double kHead = 0.46;
+  QPainterPath path;
+  path.moveTo(-kEnd, kEnd);
+  path.lineTo(kEnd, -kEnd);
+  path.moveTo(kEnd - kHead, -kEnd);
+  path.lineTo(kEnd, -kEnd);
+  path.lineTo(kEnd, kHead - kEnd);
+  return stroked(path, 0.13);
+}
+
 }  // namespace
 
 std::optional<QPainterPath> symbolPath(const std::string& name) {
   if (name == "gearshape") return QTransform::fromTranslate(0.5, 0.5).map(gear());
+  if (name == "↗") return QTransform::fromTranslate(0.5, 0.5).map(arrow());
   return std::nullopt;
 }
 

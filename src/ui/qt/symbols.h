@@ -8,7 +8,7 @@
 namespace nimbo {
 
 /// The outline of a symbol inside a square of side 1 with the origin at the top left; absent for a
-/// name that is not known.
+/// name that is not known. A sign that many fonts lack goes by itself as the name.
 [[nodiscard]] std::optional<QPainterPath> symbolPath(const std::string& name);
 
 }  // namespace nimbo

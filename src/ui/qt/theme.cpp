@@ -39,6 +39,8 @@ QColor Theme::background() const { return toolkitColor(panelBackground(appearanc
 
 QColor Theme::separator() const { return toolkitColor(separatorColor(appearance_)); }
 
+QColor Theme::cardGround() const { return toolkitColor(nimbo::cardGround(appearance_)); }
+
 QColor Theme::controlGround(ControlState state) const {
   return withAlpha(color(ColorRole::label), groundAlpha(state, appearance_ == Appearance::dark));
 }

@@ -21,6 +21,7 @@ class Theme {
   [[nodiscard]] QColor color(ColorRole role) const;
   [[nodiscard]] QColor background() const;
   [[nodiscard]] QColor separator() const;
+  [[nodiscard]] QColor cardGround() const;
   /// The ground of a button or of the track of a control.
   [[nodiscard]] QColor controlGround(ControlState state) const;
   /// The raised, selected part of a control.

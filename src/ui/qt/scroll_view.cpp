@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+#include "ui/qt/scroll_view.h"
+
+#include <QApplication>
+#include <QScrollBar>
+
+#include "ui/qt/focus_ring.h"
+#include "ui/qt/qt_geometry.h"
+
+namespace nimbo {
+
+ScrollView::ScrollView(int step, QWidget* parent) : QScrollArea(parent), document_(new QWidget) {
+  setFocusPolicy(Qt::StrongFocus);
+  setFrameShape(QFrame::NoFrame);
+  setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  setWidget(document_);
+  // Both would paint a ground of their own over the panel's.
+  document_->setAutoFillBackground(false);
+  viewport()->setAutoFillBackground(false);
+  verticalScrollBar()->setSingleStep(step);
+  connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* focused) { reveal(focused); });
+}
+
+void ScrollView::place(const Rect& frame, Size document, bool visible) {
+  setGeometry(toQRect(frame));
+  document_->resize(qRound(document.width), qRound(document.height));
+  setVisible(visible);
+}
+
+// Only for the keyboard: what is pressed with the pointer must not move away under it.
+void ScrollView::reveal(QWidget* focused) {
+  if (focused != nullptr && document_->isAncestorOf(focused) && keyboardFocusVisible(*focused)) {
+    ensureWidgetVisible(focused);
+  }
+}
+
+void ScrollView::focusInEvent(QFocusEvent* event) {
+  QScrollArea::focusInEvent(event);
+  parentWidget()->update();
+}
+
+void ScrollView::focusOutEvent(QFocusEvent* event) {
+  QScrollArea::focusOutEvent(event);
+  parentWidget()->update();
+}
+
+}  // namespace nimbo
