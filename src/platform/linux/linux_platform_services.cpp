@@ -141,7 +141,7 @@ class LinuxPlatformServices final : public PlatformServices {
             terminals_,
             accessibility_,
             claudeQueue_,
-            [this](std::function<void()> work) { background_.run(std::move(work)); },
+            [this](const std::function<void()>& work) { background_.run(work); },
             user_};
   }
 
