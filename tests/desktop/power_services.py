@@ -88,6 +88,7 @@ class CookieService:
         own(self.session, self.connection, self.name)
 
     def stop(self):
+        self.connection.flush_sync(None)  # closing alone drops answers that are not on their way yet
         self.connection.close_sync(None)
         self.held = {}
 
