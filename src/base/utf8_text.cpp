@@ -51,6 +51,15 @@ Part firstPart(std::string_view bytes) {
 
 }  // namespace
 
+bool isUtf8(std::string_view bytes) {
+  while (!bytes.empty()) {
+    const Part part = firstPart(bytes);
+    if (!part.wellFormed) return false;
+    bytes.remove_prefix(part.length);
+  }
+  return true;
+}
+
 std::string repairedUtf8(std::string_view bytes) {
   const auto isAscii = [](char byte) { return static_cast<unsigned char>(byte) < 0x80; };
   if (std::all_of(bytes.begin(), bytes.end(), isAscii)) return std::string(bytes);

@@ -5,6 +5,7 @@
 #include <optional>
 #include <utility>
 
+#include "base/utf8_text.h"
 #include "base/wipe.h"
 #include "usage/usage_messages.h"
 
@@ -23,8 +24,8 @@ namespace {
 using Object = rapidjson::Value;
 
 // Where the texts stand they are decoded, so that there is no copy to wipe, and nesting costs no stack.
-constexpr unsigned kParsing =
-    rapidjson::kParseInsituFlag | rapidjson::kParseIterativeFlag | rapidjson::kParseValidateEncodingFlag;
+// The parser's own check of the encoding reads on behind a text that ends inside a character.
+constexpr unsigned kParsing = rapidjson::kParseInsituFlag | rapidjson::kParseIterativeFlag;
 
 const Object* member(const Object& object, const char* key) {
   if (!object.IsObject()) return nullptr;
@@ -46,11 +47,10 @@ bool isExpired(const Object& signIn, UsageTime now) {
   return milliseconds->GetDouble() / 1000 <= sinceEpoch.count();
 }
 
-Result<UsageCredentials, UsageError> decode(char* text, UsageProvider provider, UsageTime now) {
+Result<UsageCredentials, UsageError> decode(std::string& text, UsageProvider provider, UsageTime now) {
   const bool isClaude = provider == UsageProvider::claude;
   rapidjson::Document file;
-  file.ParseInsitu<kParsing>(text);
-  if (file.HasParseError() || !file.IsObject()) {
+  if (!isUtf8(text) || file.ParseInsitu<kParsing>(text.data()).HasParseError() || !file.IsObject()) {
     return tl::unexpected(UsageError{usage_messages::signInUnreadable(provider)});
   }
   const Object* const signIn = member(file, isClaude ? "claudeAiOauth" : "tokens");
@@ -67,7 +67,7 @@ Result<UsageCredentials, UsageError> decode(char* text, UsageProvider provider, 
 }  // namespace
 
 Result<UsageCredentials, UsageError> decodeCredentials(std::string bytes, UsageProvider provider, UsageTime now) {
-  auto credentials = decode(bytes.data(), provider, now);
+  auto credentials = decode(bytes, provider, now);
   wipe(bytes);
   return credentials;
 }

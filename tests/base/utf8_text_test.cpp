@@ -6,6 +6,14 @@
 namespace nimbo {
 namespace {
 
+TEST(IsUtf8, TellsWellFormedTextFromCutOverlongAndStrayBytes) {
+  for (const char* const text : {"", "plain", "\uFFFD", "caf\u00E9 \U0001F600"}) EXPECT_TRUE(isUtf8(text)) << text;
+  for (const char* const text :
+       {"\xE9", "\x80", "caf\xC3", "\xF0\x9F\x98", "\xC0\xAF", "\xED\xA0\x80", "\xF4\x90\x80\x80"}) {
+    EXPECT_FALSE(isUtf8(text)) << text;
+  }
+}
+
 TEST(RepairedUtf8, WellFormedTextOfEveryLengthIsKept) {
   const std::string text = "Zoë — 日本語 \U0001F600 \U0010FFFF \uD7FF \uE000";
   EXPECT_EQ(repairedUtf8(text), text);

@@ -49,6 +49,13 @@ TEST(CredentialDecoder, WhatIsNoObjectIsUnreadable) {
   }
 }
 
+TEST(CredentialDecoder, TextCutInsideACharacterIsUnreadable) {
+  for (const char* const file :
+       {"{\"tokens\":{\"access_\xF4o", "{\"a\":\"\xE2\x82", "{\"tokens\":{\"access_token\":\"s\xC3\"}}"}) {
+    EXPECT_EQ(errorOf(file), kUnreadable) << file;
+  }
+}
+
 TEST(CredentialDecoder, FileOfAnApiKeyOnlyHoldsNoSubscription) {
   EXPECT_EQ(errorOf(R"({"OPENAI_API_KEY":"sk-secret"})"), kNoSignIn);
 }
