@@ -65,10 +65,19 @@ class XfcePanel:
         subprocess.run(["hsetroot", "-solid", self.background], env=session.env, check=True, **quiet)
         self.panel = session.start(["xfce4-panel", "--disable-wm-check"], **quiet)
         wait_until(lambda: "org.kde.StatusNotifierWatcher" in session.names(), "the panel's tray", 40)
+        wait_until(lambda: self.painted("2" if edge == TOP else "h-3"), "the panel on its background", 40)
 
     def picture(self, path):
         screenshot(self.session, path)
         return path
+
+    def painted(self, row):
+        """Whether the background is there, and the panel over that row of it."""
+        picture = self.picture(self.session.folder / "painted.png")
+        pixels = f"%[pixel:p{{2,h/2}}] %[pixel:p{{2,{row}}}] %[pixel:{self.background}]"
+        told = subprocess.run(["convert", str(picture), "-format", pixels, "info:"], capture_output=True, text=True)
+        middle, panel, background = told.stdout.split()
+        return middle == background != panel
 
     def settled_picture(self, path):
         """A picture of the desktop once two in a row are the same."""
