@@ -10,11 +10,13 @@ import sys
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "tests" / "desktop"))
 
+import codex_service  # noqa: E402
 import program  # noqa: E402
 from nimbo_desktop import Session, TrayHost, turn_for, wait_until  # noqa: E402
 from power_services import gnome_session  # noqa: E402
 
 LIMITS = {"RssAnon": 1.0, "VmRSS": 8.0, "CPU": 0.02}
+WITH_HTTPS = {"RssAnon": 3.0, "CPU": 0.02}
 
 
 class Reading:
@@ -33,36 +35,56 @@ def verdict(value, limit):
     return f"(limit {limit}) " + ("ok" if value <= limit else "OVER")
 
 
-def measure(nimbo, seconds, what):
+def measure(nimbo, seconds, what, limits=LIMITS):
     before = Reading(nimbo.pid)
     turn_for(seconds)
     after = Reading(nimbo.pid)
     for name, value in after.memory.items():
-        print(f"{what} {name}: {value:.2f} MiB {verdict(value, LIMITS[name])}")
+        told = verdict(value, limits[name]) if name in limits else ""
+        print(f"{what} {name}: {value:.2f} MiB {told}".rstrip())
     cpu = (after.cpu - before.cpu) / seconds * 100
-    print(f"{what} CPU: {cpu:.4f} % of one core over {seconds:.0f} s {verdict(cpu, LIMITS['CPU'])}")
+    print(f"{what} CPU: {cpu:.4f} % of one core over {seconds:.0f} s {verdict(cpu, limits['CPU'])}")
     print(f"{what} wake-ups: {after.wakeups - before.wakeups} in {seconds:.0f} s at one tick in 5 s")
     print(f"{what} threads: {after.threads}")
 
 
+def measure_bare(session, seconds):
+    service = gnome_session(session)
+    host = TrayHost(session)
+    nimbo = program.Program(session)
+    for item in host.wait_for_items(2):
+        item.properties()
+    turn_for(12)
+    measure(nimbo, seconds, "idle")
+    host.items[0].secondary_activate(0, 0)
+    wait_until(lambda: service.held, "the session")
+    turn_for(2)
+    measure(nimbo, seconds, "keeping awake")
+    nimbo.terminate()
+
+
+def measure_with_codex(session, seconds):
+    codex_service.sign_in(session, session.folder / "codex")
+    service = codex_service.CodexService(session, codex_service.windows(61, 23))
+    session.settings(usage__codex=True)
+    host = TrayHost(session)
+    nimbo = program.Program(session)
+    item = host.item("nimbo-ai")
+    wait_until(lambda: "77% remaining" in item.tooltip, "the allowances", 40)
+    turn_for(12)
+    measure(nimbo, seconds, "with Codex on", WITH_HTTPS)
+    nimbo.terminate()
+    service.close()
+
+
 def main(binary, seconds=60.0):
     program.BINARY = binary
-    session = Session(desktop="GNOME")
-    try:
-        service = gnome_session(session)
-        host = TrayHost(session)
-        nimbo = program.Program(session)
-        for item in host.wait_for_items(2):
-            item.properties()
-        turn_for(12)
-        measure(nimbo, float(seconds), "idle")
-        host.items[0].secondary_activate(0, 0)
-        wait_until(lambda: service.held, "the session")
-        turn_for(2)
-        measure(nimbo, float(seconds), "keeping awake")
-        nimbo.terminate()
-    finally:
-        session.close()
+    for measurement in (measure_bare, measure_with_codex):
+        session = Session(desktop="GNOME")
+        try:
+            measurement(session, float(seconds))
+        finally:
+            session.close()
 
 
 if __name__ == "__main__":

@@ -6,6 +6,7 @@ import pathlib
 import unittest
 
 import claude_tool
+import codex_service
 from nimbo_desktop import SLOW, wait_until
 from program import DesktopTest
 
@@ -38,6 +39,20 @@ class UsageTest(DesktopTest):
         bars = [control for control in self.program.controls() if control["role"] == "progress bar"]
         self.assertEqual([bar["name"] for bar in bars], ["Claude 5-hour", "Claude Weekly", "Claude Opus weekly"])
         self.assertEqual(self.descendants(), [], "the tool is gone")
+
+    def test_codexs_allowances_come_with_the_sign_in_of_another_folder(self):
+        codex_service.sign_in(self.session, self.session.folder / "elsewhere")
+        service = codex_service.CodexService(self.session, codex_service.windows(61, 23))
+        self.addCleanup(service.close)
+        self.launch(usage__codex=True)
+        self.wait_for_tooltip("Weekly: 77% remaining · Resets in 1d 1h", 40 * SLOW)
+        self.assertIn("OpenAI · Codex\n", self.item.tooltip)
+        [(path, headers)] = service.requests
+        self.assertEqual(path, "/backend-api/wham/usage")
+        self.assertEqual(headers["Authorization"], f"Bearer {codex_service.TOKEN}")
+        self.assertEqual(headers["ChatGPT-Account-Id"], "account")
+        arguments = (self.proc() / "cmdline").read_bytes() + (self.proc() / "environ").read_bytes()
+        self.assertNotIn(codex_service.TOKEN.encode(), arguments)
 
     def test_refresh_reads_again(self):
         claude_tool.install(self.session, claude_tool.screen(10, 20))

@@ -48,10 +48,10 @@ struct Environment {
   std::map<std::string, std::string> variables;
 
   Environment() {
-    for (const char* name : {"DBUS_SESSION_BUS_ADDRESS", "DBUS_SYSTEM_BUS_ADDRESS", "DISPLAY", "GTK_THEME", "HOME",
-                             "LANG", "LC_ALL", "LC_TIME", "PATH", "WAYLAND_DISPLAY", "XDG_CACHE_HOME",
-                             "XDG_CONFIG_HOME", "XDG_CURRENT_DESKTOP", "XDG_DATA_HOME", "XDG_RUNTIME_DIR"}) {
-      if (const char* const value = std::getenv(name)) variables[name] = value;
+    for (char** variable = ::environ; variable != nullptr && *variable != nullptr; ++variable) {
+      const std::string entry = *variable;
+      const std::size_t equals = entry.find('=');
+      if (equals != std::string::npos) variables.emplace(entry.substr(0, equals), entry.substr(equals + 1));
     }
   }
 
