@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <functional>
 #include <optional>
 #include <string>
@@ -18,6 +19,7 @@ struct HttpRequest {
   std::vector<std::pair<std::string, std::string>> headers;
   std::chrono::seconds idleLimit{20};   ///< without a byte from the server
   std::chrono::seconds wholeLimit{30};  ///< for everything
+  std::size_t bodyLimit = 1U << 20;     ///< of the answer, in bytes
 };
 
 struct HttpResponse {

@@ -119,12 +119,12 @@ TEST_F(HttpClientTest, AnswerThatIsCutOffIsNone) {
 }
 
 TEST_F(HttpClientTest, AnswerWithoutEndIsGivenUpAtTheSizeLimit) {
+  auto endless = request(server.url("HTTP/1.1 200 OK\r\n\r\n", "flood"));
+  endless.bodyLimit = 100'000;
+  EXPECT_EQ(failure(endless), kUnreachable);
   HttpOptions options = trusting(authority().authority());
-  options.sizeLimit = 100'000;
+  options.headLimit = 100'000;
   ModuleHttpClient frugal(loop, modules, options);
-  const auto body = get(frugal, request(server.url("HTTP/1.1 200 OK\r\n\r\n", "flood")));
-  ASSERT_FALSE(body);
-  EXPECT_EQ(body.error(), kUnreachable);
   const auto head = get(frugal, request(server.url("HTTP/1.1 200 OK\r\n", "flood")));
   ASSERT_FALSE(head);
   EXPECT_EQ(head.error(), kUnreachable);
@@ -132,16 +132,18 @@ TEST_F(HttpClientTest, AnswerWithoutEndIsGivenUpAtTheSizeLimit) {
 }
 
 TEST_F(HttpClientTest, BodyOfExactlyTheLimitIsTaken) {
-  HttpOptions options = trusting(authority().authority());
-  options.sizeLimit = 100;
-  ModuleHttpClient frugal(loop, modules, options);
-  const auto response = [](std::size_t size) {
-    return "HTTP/1.1 200 OK\r\nContent-Length: " + std::to_string(size) + "\r\n\r\n" + std::string(size, 'x');
+  const auto limited = [this](std::size_t size, std::size_t limit) {
+    auto wanted = request(
+        server.url("HTTP/1.1 200 OK\r\nContent-Length: " + std::to_string(size) + "\r\n\r\n" + std::string(size, 'x')));
+    wanted.bodyLimit = limit;
+    return get(wanted);
   };
-  const auto whole = get(frugal, request(server.url(response(100))));
+  const auto whole = limited(100, 100);
   ASSERT_TRUE(whole);
   EXPECT_EQ(whole->body.size(), 100U);
-  EXPECT_FALSE(get(frugal, request(server.url(response(101)))));
+  EXPECT_FALSE(limited(101, 100));
+  EXPECT_TRUE(limited(3U << 20, 3U << 20)) << "also above the usual limit";
+  EXPECT_FALSE(limited((1U << 20) + 1, HttpRequest{}.bodyLimit));
 }
 
 TEST_F(HttpClientTest, SilentServerIsGivenUpAtTheIdleLimit) {

@@ -13,7 +13,7 @@ struct HttpOptions {
   std::string userAgent;
   std::string certificateFile;       ///< trusted authorities, as in SSL_CERT_FILE; empty for the system's
   std::string certificateFolder;     ///< the same for SSL_CERT_DIR
-  std::size_t sizeLimit = 1U << 20;  ///< of a response, head and body each, in bytes
+  std::size_t headLimit = 1U << 20;  ///< of a response, in bytes
 };
 
 /// One request. Made on the main thread, carried out on any other.

@@ -172,7 +172,7 @@ std::size_t CurlTransfer::onHeadLine(char* bytes, std::size_t size, std::size_t 
   auto& transfer = *static_cast<CurlTransfer*>(self);
   const std::string_view line(bytes, size * count);
   transfer.headBytes_ += line.size();
-  if (transfer.headBytes_ > transfer.options_.sizeLimit) return 0;
+  if (transfer.headBytes_ > transfer.options_.headLimit) return 0;
   transfer.garbage_ = !transfer.head_.add(line);
   return transfer.garbage_ ? 0 : line.size();
 }
@@ -180,7 +180,7 @@ std::size_t CurlTransfer::onHeadLine(char* bytes, std::size_t size, std::size_t 
 std::size_t CurlTransfer::onBody(char* bytes, std::size_t size, std::size_t count, void* self) {
   auto& transfer = *static_cast<CurlTransfer*>(self);
   auto& body = transfer.body_;
-  if (size * count > transfer.options_.sizeLimit - body.size()) return 0;
+  if (size * count > transfer.request_.bodyLimit - body.size()) return 0;
   body.append(bytes, size * count);
   return size * count;
 }

@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "platform/http_client.h"
+#include "platform/main_loop.h"
+#include "platform/updater.h"
+#include "platform/work_queue.h"
+#include "platform/workspace.h"
+
+namespace nimbo {
+
+enum class UpdateRequest {
+  user,       ///< whatever comes of it is shown
+  automatic,  ///< only an update is
+};
+
+/// One check and all that comes of it, up to the downloaded package. Destroying it ends it at any
+/// point: nothing is left but a package that was already whole. Main thread only.
+class UpdateSession {
+ public:
+  virtual ~UpdateSession() = default;
+
+  /// Whether it has shown nothing so far.
+  [[nodiscard]] virtual bool silent() const = 0;
+};
+
+/// Begins a session. `finished` is called once, later, and may destroy it. Null when none is possible.
+using UpdateSessionMaker =
+    std::function<std::unique_ptr<UpdateSession>(UpdateRequest request, std::function<void()> finished)>;
+
+/// What a session works with. All outlive it.
+struct UpdateServices {
+  MainLoop& loop;
+  HttpClient& http;
+  WorkQueue& queue;
+  Workspace& workspace;
+  UpdateWindows& windows;
+};
+
+struct ProgramVersion {
+  std::string version;       ///< of the build: compared
+  std::string shortVersion;  ///< for people
+};
+
+/// What is the same for every session.
+struct UpdateSetup {
+  UpdateServices services;
+  UpdateFeed feed;
+  ProgramVersion installed;
+};
+
+}  // namespace nimbo
