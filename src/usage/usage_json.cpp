@@ -17,11 +17,6 @@ using nlohmann::ordered_json;
 
 constexpr UsageTime kYear2001{std::chrono::seconds(978307200)};
 
-ordered_json dateJson(UsageTime time, DateCoding dates) {
-  if (dates == DateCoding::iso8601) return iso8601Text(time);
-  return std::chrono::duration<double>(time - kYear2001).count();
-}
-
 template <class Value>
 std::optional<Value> decode(const json& value);
 
@@ -45,11 +40,6 @@ std::optional<UsageTime> secondsSince2001(const json& value) {
   const auto seconds = decode<double>(value);
   if (!seconds || std::abs(*seconds) > kReach) return std::nullopt;
   return kYear2001 + std::chrono::round<std::chrono::microseconds>(std::chrono::duration<double>(*seconds));
-}
-
-std::optional<UsageTime> decodeDate(const json& value, DateCoding dates) {
-  if (dates == DateCoding::secondsSince2001) return secondsSince2001(value);
-  return value.is_string() ? parseIso8601(value.get_ref<const std::string&>()) : std::nullopt;
 }
 
 // Reads the members of one object and remembers whether all was well.
@@ -93,6 +83,16 @@ std::optional<std::vector<UsageWindow>> decodeWindows(const json& value, DateCod
 
 }  // namespace
 
+ordered_json dateJson(UsageTime time, DateCoding dates) {
+  if (dates == DateCoding::iso8601) return iso8601Text(time);
+  return std::chrono::duration<double>(time - kYear2001).count();
+}
+
+std::optional<UsageTime> jsonDate(const json& value, DateCoding dates) {
+  if (dates == DateCoding::secondsSince2001) return secondsSince2001(value);
+  return value.is_string() ? parseIso8601(value.get_ref<const std::string&>()) : std::nullopt;
+}
+
 ordered_json usageJson(const UsageWindow& window, DateCoding dates) {
   ordered_json object;
   object["title"] = window.title;
@@ -125,7 +125,7 @@ std::optional<UsageWindow> usageWindow(const json& value, DateCoding dates) {
   UsageWindow window;
   members.require("title", window.title, decode<std::string>);
   members.require("usedPercent", window.usedPercent, decode<double>);
-  members.allow("resetsAt", window.resetsAt, [dates](const json& date) { return decodeDate(date, dates); });
+  members.allow("resetsAt", window.resetsAt, [dates](const json& date) { return jsonDate(date, dates); });
   return members.good() ? std::optional(std::move(window)) : std::nullopt;
 }
 
@@ -133,7 +133,7 @@ std::optional<UsageSnapshot> usageSnapshot(const json& value, DateCoding dates) 
   Members members(value);
   UsageSnapshot snapshot;
   members.require("windows", snapshot.windows, [dates](const json& list) { return decodeWindows(list, dates); });
-  members.require("fetchedAt", snapshot.fetchedAt, [dates](const json& date) { return decodeDate(date, dates); });
+  members.require("fetchedAt", snapshot.fetchedAt, [dates](const json& date) { return jsonDate(date, dates); });
   members.allow("source", snapshot.source, decode<std::string>);
   return members.good() ? std::optional(std::move(snapshot)) : std::nullopt;
 }

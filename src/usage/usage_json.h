@@ -15,6 +15,10 @@ enum class DateCoding {
   iso8601,           ///< "2026-11-21T14:30:00Z"
 };
 
+[[nodiscard]] nlohmann::ordered_json dateJson(UsageTime time, DateCoding dates);
+/// Absent when the value is no such date.
+[[nodiscard]] std::optional<UsageTime> jsonDate(const nlohmann::json& value, DateCoding dates);
+
 /// Objects whose keys are the names of the fields, in their order; what is absent is left out.
 [[nodiscard]] nlohmann::ordered_json usageJson(const UsageWindow& window, DateCoding dates);
 [[nodiscard]] nlohmann::ordered_json usageJson(const UsageSnapshot& snapshot, DateCoding dates);

@@ -98,6 +98,27 @@ TEST(AtomicFile, LinkStaysAndItsTargetIsNamed) {
   EXPECT_EQ(tree.read("folder/real"), "new");
 }
 
+TEST(AtomicFile, RefusedLinkIsAnErrorAndNothingChanges) {
+  const TemporaryTree tree;
+  tree.write("real", "old");
+  fs::create_symlink("real", tree.path() / "link");
+  fs::create_symlink("nowhere", tree.path() / "dangling");
+  for (const char* const name : {"link", "dangling"}) {
+    EXPECT_EQ(writeFileAtomically(tree.path() / name, "new", AtomicFile::Links::refuse), std::errc::not_supported);
+    EXPECT_TRUE(fs::is_symlink(tree.path() / name)) << name;
+  }
+  EXPECT_EQ(tree.read("real"), "old");
+  EXPECT_EQ(fileCount(tree.path()), 3);
+}
+
+TEST(AtomicFile, RefusingLinksStillReplacesFilesBelowALinkedFolder) {
+  const TemporaryTree tree;
+  tree.write("folder/file", "old");
+  fs::create_directory_symlink("folder", tree.path() / "link");
+  EXPECT_FALSE(writeFileAtomically(tree.path() / "link/file", "new", AtomicFile::Links::refuse));
+  EXPECT_EQ(tree.read("folder/file"), "new");
+}
+
 TEST(AtomicFile, LoopOfLinksIsAnError) {
   const TemporaryTree tree;
   fs::create_symlink("b", tree.path() / "a");

@@ -49,11 +49,11 @@ std::error_code writeAll(int descriptor, std::string_view contents) {
 
 }  // namespace
 
-Result<AtomicFile, std::error_code> AtomicFile::prepare(const fs::path& file, std::string_view contents) {
+Result<AtomicFile, std::error_code> AtomicFile::prepare(const fs::path& file, std::string_view contents, Links links) {
   std::error_code error;
   const fs::path absolute = fs::absolute(file, error);
   if (error) return tl::unexpected(error);
-  const auto target = followLinks(absolute);
+  const auto target = links == Links::follow ? followLinks(absolute) : Result<fs::path, std::error_code>(absolute);
   if (!target) return tl::unexpected(target.error());
   struct stat status {};
   if (::lstat(target->c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
@@ -77,8 +77,8 @@ std::error_code AtomicFile::commit() {
   return {};
 }
 
-std::error_code writeFileAtomically(const fs::path& file, std::string_view contents) {
-  auto prepared = AtomicFile::prepare(file, contents);
+std::error_code writeFileAtomically(const fs::path& file, std::string_view contents, AtomicFile::Links links) {
+  auto prepared = AtomicFile::prepare(file, contents, links);
   return prepared ? prepared->commit() : prepared.error();
 }
 

@@ -18,12 +18,19 @@ namespace nimbo {
 /// place: readers see the old or the new one, never a part. One that is not committed leaves nothing.
 class AtomicFile {
  public:
-  /// Writes with mode 0600 and makes missing folders with mode 0700. When `file` is a symbolic link, what
-  /// it points to is replaced and the link stays. Refuses to replace anything but a regular file.
-  [[nodiscard]] static Result<AtomicFile, std::error_code> prepare(const std::filesystem::path& file,
-                                                                   std::string_view contents);
+  /// What becomes of a symbolic link in the file's place.
+  enum class Links {
+    follow,  ///< what it points to is replaced and the link stays
+    refuse,  ///< an error, as for everything else that is not a regular file
+  };
 
-  /// The file that will be replaced: `file` with links followed.
+  /// Writes with mode 0600 and makes missing folders with mode 0700. Refuses to replace anything but a
+  /// regular file.
+  [[nodiscard]] static Result<AtomicFile, std::error_code> prepare(const std::filesystem::path& file,
+                                                                   std::string_view contents,
+                                                                   Links links = Links::follow);
+
+  /// The file that will be replaced: `file` itself or where its links lead.
   [[nodiscard]] const std::filesystem::path& target() const { return target_; }
 
   /// On an error the old version stands.
@@ -45,6 +52,7 @@ class AtomicFile {
 };
 
 /// Prepares and commits in one go.
-[[nodiscard]] std::error_code writeFileAtomically(const std::filesystem::path& file, std::string_view contents);
+[[nodiscard]] std::error_code writeFileAtomically(const std::filesystem::path& file, std::string_view contents,
+                                                  AtomicFile::Links links = AtomicFile::Links::follow);
 
 }  // namespace nimbo
