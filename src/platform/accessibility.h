@@ -43,6 +43,9 @@ class Accessibility {
 
   /// Whether the user and the system let this program look.
   [[nodiscard]] virtual bool isTrusted() = 0;
+  /// Asks for it, where the system has somebody to ask, and makes applications that start from now on
+  /// expose what they show.
+  virtual void requestTrust() = 0;
   /// A running application by its bundle identifier; null when it does not run.
   [[nodiscard]] virtual std::unique_ptr<AccessibleApplication> application(const std::string& bundleIdentifier) = 0;
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <filesystem>
 #include <functional>
 #include <string>
 
@@ -26,6 +27,11 @@ class Workspace {
 
   /// Hands a link to the program that the user opens such links with, without waiting.
   virtual void openLink(const std::string& url) = 0;
+  /// Starts the application of that bundle identifier, or brings it to the front, without waiting.
+  /// False when the system knows no such application.
+  virtual bool openApplication(const std::string& bundleIdentifier) = 0;
+  /// Shows a file in its folder, in the user's file manager, without waiting.
+  virtual void revealFile(const std::filesystem::path& file) = 0;
 };
 
 }  // namespace nimbo

@@ -126,6 +126,25 @@ TEST_F(AtspiAccessibilityTest, AccessibilityBusThatIsGoneMeansNoTrust) {
   EXPECT_TRUE(found->windows(5).empty());
 }
 
+TEST_F(AtspiAccessibilityTest, RequestForTrustHasLaterApplicationsShowThemselves) {
+  accessibility.requestTrust();
+  EXPECT_TRUE(desktop.enabled);
+  accessibility.requestTrust();
+  EXPECT_EQ(desktop.timesSet, 1);
+}
+
+TEST_F(AtspiAccessibilityTest, RequestForTrustWithoutALauncherOrABusEndsAtOnce) {
+  const PrivateBus empty;
+  EXPECT_LT(timeOf([&] { AtspiAccessibility(empty.address()).requestTrust(); }), milliseconds(1000));
+  EXPECT_LT(timeOf([] { AtspiAccessibility("unix:path=/nowhere").requestTrust(); }), milliseconds(1000));
+}
+
+TEST_F(AtspiAccessibilityTest, RequestForTrustGivesUpOnASilentLauncher) {
+  desktop.launcherManner = Manner::staysSilent;
+  EXPECT_LT(timeOf([this] { accessibility.requestTrust(); }), milliseconds(5000));
+  EXPECT_FALSE(desktop.enabled);
+}
+
 TEST_F(AtspiAccessibilityTest, ApplicationIsFoundByItsProcess) {
   show({});
   EXPECT_TRUE(open());

@@ -35,6 +35,11 @@ class FakeAccessibility final : public Accessibility {
     return trusted;
   }
 
+  void requestTrust() override {
+    log.emplace_back("request trust");
+    trusted = trusted || grantsTrust;
+  }
+
   [[nodiscard]] std::unique_ptr<AccessibleApplication> application(const std::string& bundleIdentifier) override {
     log.push_back("application " + bundleIdentifier);
     if (bundleIdentifier != running) return nullptr;
@@ -42,6 +47,7 @@ class FakeAccessibility final : public Accessibility {
   }
 
   bool trusted = true;
+  bool grantsTrust = true;                                 ///< what the user does when asked
   std::string running = "com.anthropic.claudefordesktop";  ///< the one that runs
   std::vector<FakeElement> windows;
   std::optional<std::vector<FakeElement>> content;  ///< the windows after `exposeContent`

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <filesystem>
 #include <functional>
 #include <map>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -27,6 +29,11 @@ class FakeWorkspace final : public Workspace {
   }
 
   void openLink(const std::string& url) override { linksOpened.push_back(url); }
+  bool openApplication(const std::string& bundleIdentifier) override {
+    applicationsOpened.push_back(bundleIdentifier);
+    return installed.contains(bundleIdentifier);
+  }
+  void revealFile(const std::filesystem::path& file) override { filesRevealed.push_back(file); }
 
   void setAppearance(Appearance appearance) {
     appearance_ = appearance;
@@ -37,6 +44,9 @@ class FakeWorkspace final : public Workspace {
   bool systemMonitor = true;
   int monitorsOpened = 0;
   std::vector<std::string> linksOpened;
+  std::set<std::string> installed{"com.anthropic.claudefordesktop"};  ///< bundle identifiers
+  std::vector<std::string> applicationsOpened;                        ///< also the ones that are not installed
+  std::vector<std::filesystem::path> filesRevealed;
 
  private:
   Appearance appearance_ = Appearance::light;

@@ -6,7 +6,9 @@
 #include <charconv>
 #include <filesystem>
 #include <optional>
+#include <string_view>
 #include <system_error>
+#include <vector>
 
 #include "platform/linux/proc_file.h"
 #include "platform/linux/proc_text.h"

@@ -3,18 +3,10 @@
 
 #include <cstdint>
 #include <string>
-#include <string_view>
-#include <vector>
+
+#include "platform/linux/application_marks.h"
 
 namespace nimbo {
-
-/// By what a desktop application is known among the processes of this system.
-struct ApplicationMarks {
-  std::string_view identifier;             ///< of the bundle; a Flatpak may bear it
-  std::vector<std::string_view> programs;  ///< its executable's base name, or its folder's for Electron
-  /// Base names that belong to the application only if the process also shows windows.
-  std::vector<std::string_view> ambiguousPrograms;
-};
 
 enum class ProcessShows { windows, perhapsNothing };
 

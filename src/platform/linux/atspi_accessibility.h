@@ -18,6 +18,8 @@ class AtspiAccessibility final : public Accessibility {
   explicit AtspiAccessibility(std::string sessionAddress, std::string procRoot = "/proc");
 
   [[nodiscard]] bool isTrusted() override;
+  /// Takes four seconds at most.
+  void requestTrust() override;
   [[nodiscard]] std::unique_ptr<AccessibleApplication> application(const std::string& bundleIdentifier) override;
 
  private:

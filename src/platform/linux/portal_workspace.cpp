@@ -6,7 +6,10 @@
 #include <string_view>
 #include <utility>
 
+#include "platform/linux/application_marks.h"
 #include "platform/linux/desktop_name.h"
+#include "platform/linux/file_uri.h"
+#include "platform/linux/installed_application.h"
 #include "platform/linux/sd_bus_calls.h"
 #include "platform/linux/system_monitor_programs.h"
 
@@ -23,6 +26,14 @@ constexpr const char* kKey = "color-scheme";
 bool isDarkTheme(std::string name) {
   std::transform(name.begin(), name.end(), name.begin(), [](unsigned char c) { return std::tolower(c); });
   return name.ends_with("-dark") || name.ends_with(":dark");
+}
+
+// Where an application of that bus name has its object, by the Desktop Entry Specification.
+std::string objectPath(const std::string& busName) {
+  std::string path = "/" + busName;
+  std::replace(path.begin(), path.end(), '.', '/');
+  std::replace(path.begin(), path.end(), '-', '_');
+  return path;
 }
 
 }  // namespace
@@ -105,17 +116,50 @@ bool PortalWorkspace::openSystemMonitor() {
 
 // The portal knows the user's choice also from inside a container; without one, xdg-open does.
 void PortalWorkspace::openLink(const std::string& url) {
-  const auto openBySelf = [this, url] {
-    const auto path = findProgram("xdg-open", setup_.searchPath);
-    if (path) (void)programs_.start(*path, {url});
-  };
   const BusMessage call =
       methodCall(session_, kPortal, kPath, "org.freedesktop.portal.OpenURI", "OpenURI", BusActivation::allowed);
   if (call) sd_bus_message_append(call.get(), "ssa{sv}", "", url.c_str(), 0);
-  link_ = callAsync(session_, call, [openBySelf](sd_bus_message* reply) {
-    if (isError(reply)) openBySelf();
+  link_ = callAsync(session_, call, [this, url](sd_bus_message* reply) {
+    if (isError(reply)) openByProgram(url);
   });
-  if (!link_) openBySelf();
+  if (!link_) openByProgram(url);
+}
+
+void PortalWorkspace::openByProgram(const std::string& url) {
+  const auto path = findProgram("xdg-open", setup_.searchPath);
+  if (path) (void)programs_.start(*path, {url});
+}
+
+bool PortalWorkspace::openApplication(const std::string& bundleIdentifier) {
+  const auto* const marks = applicationMarks(bundleIdentifier);
+  if (marks == nullptr) return false;
+  const auto application = findInstalledApplication(marks->desktopIds, setup_.applicationFolders, setup_.searchPath);
+  if (!application) return false;
+  if (!application->isActivatable) return start(application->command);
+
+  const std::string& name = application->desktopId;
+  const BusMessage call = methodCall(session_, name.c_str(), objectPath(name).c_str(), "org.freedesktop.Application",
+                                     "Activate", BusActivation::allowed);
+  if (call) sd_bus_message_append(call.get(), "a{sv}", 0);
+  application_ = callAsync(session_, call, [this, command = application->command](sd_bus_message* reply) {
+    if (isError(reply)) (void)start(command);
+  });
+  return application_ || start(application->command);
+}
+
+bool PortalWorkspace::start(const std::vector<std::string>& command) {
+  return !command.empty() && programs_.start(command.front(), {command.begin() + 1, command.end()});
+}
+
+// The portal's OpenURI would take a folder's URI and then quietly refuse it.
+void PortalWorkspace::revealFile(const std::filesystem::path& file) {
+  const BusMessage call = methodCall(session_, "org.freedesktop.FileManager1", "/org/freedesktop/FileManager1",
+                                     "org.freedesktop.FileManager1", "ShowItems", BusActivation::allowed);
+  if (call) sd_bus_message_append(call.get(), "ass", 1, fileUri(file).c_str(), "");
+  file_ = callAsync(session_, call, [this, folder = fileUri(file.parent_path())](sd_bus_message* reply) {
+    if (isError(reply)) openByProgram(folder);
+  });
+  if (!file_) openByProgram(fileUri(file.parent_path()));
 }
 
 }  // namespace nimbo

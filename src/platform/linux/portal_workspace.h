@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "base/observer_list.h"
 #include "platform/linux/bus_name_watch.h"
@@ -17,9 +19,10 @@ namespace nimbo {
 class PortalWorkspace final : public Workspace {
  public:
   struct Setup {
-    std::string desktop;     ///< value of XDG_CURRENT_DESKTOP
-    std::string searchPath;  ///< value of PATH
-    std::string gtkTheme;    ///< value of GTK_THEME; usually empty
+    std::string desktop;                                      ///< value of XDG_CURRENT_DESKTOP
+    std::string searchPath;                                   ///< value of PATH
+    std::string gtkTheme;                                     ///< value of GTK_THEME; usually empty
+    std::vector<std::filesystem::path> applicationFolders{};  ///< with desktop entries, see applicationFolders()
   };
 
   PortalWorkspace(sd_event* event, sd_bus* session, Setup setup);
@@ -29,12 +32,16 @@ class PortalWorkspace final : public Workspace {
   [[nodiscard]] bool hasSystemMonitor() const override;
   [[nodiscard]] bool openSystemMonitor() override;
   void openLink(const std::string& url) override;
+  bool openApplication(const std::string& bundleIdentifier) override;
+  void revealFile(const std::filesystem::path& file) override;
 
  private:
   void readColorScheme(const char* method);
   void setColorScheme(sd_bus_message* value);
   void update();
   [[nodiscard]] std::optional<std::string> systemMonitor() const;
+  void openByProgram(const std::string& url);
+  [[nodiscard]] bool start(const std::vector<std::string>& command);
 
   sd_bus* const session_;
   const Setup setup_;
@@ -45,6 +52,8 @@ class PortalWorkspace final : public Workspace {
   BusSlot settingChanged_;
   BusSlot query_;
   BusSlot link_;
+  BusSlot application_;
+  BusSlot file_;
   std::optional<BusNameWatch> portalOwner_;
   std::optional<XfconfProperty> xfceTheme_;
   DetachedPrograms programs_;
