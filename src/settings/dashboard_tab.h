@@ -4,6 +4,7 @@
 #include <array>
 #include <optional>
 #include <string_view>
+#include <vector>
 
 namespace nimbo {
 
@@ -15,5 +16,11 @@ inline constexpr std::array kAllDashboardTabs{DashboardTab::ai, DashboardTab::me
 /// "ai", "memory" or "awake", as stored in the settings.
 [[nodiscard]] std::string_view rawValue(DashboardTab tab);
 [[nodiscard]] std::optional<DashboardTab> dashboardTab(std::string_view rawValue);
+
+/// "AI", "Mem" or "Awake", as the user reads it.
+[[nodiscard]] std::string_view displayName(DashboardTab tab);
+
+/// Every order that the tabs can be put in, beginning with the default one.
+[[nodiscard]] std::vector<std::vector<DashboardTab>> offeredTabOrders();
 
 }  // namespace nimbo

@@ -10,18 +10,12 @@
 #include "system/memory_snapshot.h"
 #include "ui/awake_page_content.h"
 #include "ui/control_content.h"
+#include "ui/tabs_content.h"
 #include "ui/usage_page_content.h"
 
 namespace nimbo {
 
 // Frames are in points from the top left corner of the dashboard.
-
-struct TabsContent {
-  Rect frame;
-  std::vector<std::string> labels;
-  std::size_t selected = 0;
-  bool operator==(const TabsContent&) const = default;
-};
 
 struct HistoryContent {
   Rect frame;

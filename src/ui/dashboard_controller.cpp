@@ -103,11 +103,6 @@ void DashboardController::selectTab(DashboardTab tab) {
   refresh();
 }
 
-void DashboardController::setSettingsEnabled(bool enabled) {
-  settingsEnabled_ = enabled;
-  refresh();
-}
-
 void DashboardController::setActivityMonitorEnabled(bool enabled) {
   resources_.activityMonitorEnabled = enabled;
   refresh();
@@ -148,11 +143,8 @@ void DashboardController::refresh() {
   DashboardContent content;
   content.size = {kWidth, height + kFooterHeight};
   fillHeader(content, tabOrder_, std::min(selectedSegment_, tabOrder_.size() - 1));
-  content.settingsButton.enabled = settingsEnabled_;
   fillResourcesPage(content, resources_);
   content.usage = usageView_.content(tab == DashboardTab::ai);
-  content.usage.configure.enabled = settingsEnabled_;
-  for (auto& card : content.usage.cards) card.connect.enabled = settingsEnabled_;
   content.awake = awakeView_.content(tab == DashboardTab::awake);
   fillFooter(content, height);
 

@@ -47,9 +47,7 @@ class DashboardController {
   /// Shows a tab on the program's behalf, which is not reported to `onTabChanged`.
   void selectTab(DashboardTab tab);
 
-  /// For a control that would lead nowhere: while there is no settings window to open.
-  void setSettingsEnabled(bool enabled);
-  /// The same for a desktop that has no program for watching processes.
+  /// For a desktop that has no program for watching processes.
   void setActivityMonitorEnabled(bool enabled);
 
   void tabChanged(std::size_t index);
@@ -76,7 +74,6 @@ class DashboardController {
   std::vector<DashboardTab> tabOrder_{kAllDashboardTabs.begin(), kAllDashboardTabs.end()};
   std::size_t selectedSegment_ = 0;
   bool configuredOrder_ = false;
-  bool settingsEnabled_ = true;
   ResourcesPage resources_;
   AwakeView awakeView_;
   UsageView usageView_;

@@ -15,6 +15,8 @@
 #include "platform/workspace.h"
 #include "settings/usage_provider.h"
 #include "ui/dashboard_content.h"
+#include "ui/main_menu.h"
+#include "ui/settings_window_content.h"
 
 namespace nimbo {
 
@@ -87,11 +89,38 @@ class DashboardWindow {
   [[nodiscard]] virtual bool grabsPointer() const { return false; }
 };
 
+/// What the user did in the settings window.
+struct SettingsWindowActions {
+  std::function<void(std::size_t index)> selectTab;
+  std::function<void(const std::string& identifier, bool on)> check;
+  std::function<void(const std::string& identifier, std::size_t index)> choose;
+  std::function<void(const std::string& identifier)> press;
+  /// The window got the keyboard focus.
+  std::function<void()> becameKey;
+};
+
+/// An ordinary window with a title bar that can be closed and minimised, but not resized. Closing hides
+/// it. Main thread only.
+class SettingsWindow {
+ public:
+  virtual ~SettingsWindow() = default;
+
+  virtual void setActions(SettingsWindowActions actions) = 0;
+  /// Shows `content`; touches only what differs from what is shown.
+  virtual void render(const SettingsWindowContent& content) = 0;
+
+  /// Brings it to the front with the keyboard focus; the first time in the middle of the screen.
+  virtual void show() = 0;
+  virtual void close() = 0;
+  [[nodiscard]] virtual bool visible() const = 0;
+};
+
 /// A question in a window of its own.
 struct AlertContent {
   std::string title;  ///< the question in bold
   std::string text;
-  std::vector<std::string> buttons;  ///< the first is the default one, pressed by Return, Escape and closing
+  std::vector<std::string> buttons;  ///< the first is the default one, pressed by Return
+  std::size_t cancel = 0;            ///< the one pressed by Escape and closing
   bool operator==(const AlertContent&) const = default;
 };
 
@@ -125,7 +154,11 @@ class UserInterface {
   /// screen the pointer tells which.
   [[nodiscard]] virtual Rect toPoints(const Rect& reported) const { return reported; }
   virtual void setAppearance(Appearance appearance) = 0;
+  /// The application's own menu: its entries' keys work in every ordinary window of the program. A
+  /// system with a menu bar for the application in front shows it there.
+  virtual void setMainMenu(const MainMenu& menu) = 0;
   [[nodiscard]] virtual std::unique_ptr<DashboardWindow> makeDashboardWindow() = 0;
+  [[nodiscard]] virtual std::unique_ptr<SettingsWindow> makeSettingsWindow() = 0;
 
   /// Brings the program to the front with an alert. `answered` gets the index of the button, once,
   /// from the main loop; it may destroy the alert.

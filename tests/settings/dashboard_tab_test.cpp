@@ -21,6 +21,19 @@ TEST(DashboardTab, UnknownTextIsNone) {
   for (const char* const text : {"", "AI", "ai ", "usage", "awak"}) EXPECT_EQ(dashboardTab(text), std::nullopt);
 }
 
+TEST(DashboardTab, NamesAreWhatUsersRead) {
+  EXPECT_EQ(displayName(DashboardTab::ai), "AI");
+  EXPECT_EQ(displayName(DashboardTab::memory), "Mem");
+  EXPECT_EQ(displayName(DashboardTab::awake), "Awake");
+}
+
+TEST(DashboardTab, EveryOrderIsOfferedOnceBeginningWithTheDefault) {
+  using enum DashboardTab;
+  const std::vector<std::vector<DashboardTab>> expected{{ai, memory, awake}, {ai, awake, memory}, {memory, ai, awake},
+                                                        {memory, awake, ai}, {awake, ai, memory}, {awake, memory, ai}};
+  EXPECT_EQ(offeredTabOrders(), expected);
+}
+
 TEST(UsageProvider, RawValuesReadBackInOrder) {
   const std::array expected{"codex", "claude"};
   ASSERT_EQ(kAllUsageProviders.size(), expected.size());

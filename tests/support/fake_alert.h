@@ -29,7 +29,7 @@ class FakeAlert {
     return static_cast<bool>(answered);
   }
   /// Escape and the window's close button.
-  bool close() { return answer(0); }
+  bool close() { return answer(content_.cancel); }
 
   [[nodiscard]] const AlertContent& content() const { return content_; }
   /// Until the program destroys it.

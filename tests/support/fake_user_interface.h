@@ -12,6 +12,7 @@
 
 #include "support/fake_alert.h"
 #include "support/fake_dashboard_window.h"
+#include "support/fake_settings_window.h"
 #include "ui/user_interface.h"
 
 namespace nimbo {
@@ -56,10 +57,18 @@ class FakeUserInterface final : public UserInterface {
 
   void setAppearance(Appearance appearance) override { appearances_.push_back(appearance); }
 
+  void setMainMenu(const MainMenu& menu) override { mainMenu_ = menu; }
+
   /// Points to the made window are kept for the test; they end with the window.
   [[nodiscard]] std::unique_ptr<DashboardWindow> makeDashboardWindow() override {
     auto window = std::make_unique<FakeDashboardWindow>();
     windows_.push_back(window.get());
+    return window;
+  }
+
+  [[nodiscard]] std::unique_ptr<SettingsWindow> makeSettingsWindow() override {
+    auto window = std::make_unique<FakeSettingsWindow>();
+    settingsWindows_.push_back(window.get());
     return window;
   }
 
@@ -84,6 +93,9 @@ class FakeUserInterface final : public UserInterface {
   [[nodiscard]] std::size_t observerCount() const { return observers_->size(); }
   [[nodiscard]] const std::vector<Appearance>& appearances() const { return appearances_; }
   [[nodiscard]] const std::vector<FakeDashboardWindow*>& windows() const { return windows_; }
+  [[nodiscard]] const std::vector<FakeSettingsWindow*>& settingsWindows() const { return settingsWindows_; }
+  /// Empty before one was set.
+  [[nodiscard]] const MainMenu& mainMenu() const { return mainMenu_; }
   /// Every alert ever shown, the newest last.
   [[nodiscard]] const std::vector<std::shared_ptr<FakeAlert>>& alerts() const { return alerts_; }
   /// Those that are still up.
@@ -102,6 +114,8 @@ class FakeUserInterface final : public UserInterface {
   int lastId_ = 0;
   std::vector<Appearance> appearances_;
   std::vector<FakeDashboardWindow*> windows_;
+  std::vector<FakeSettingsWindow*> settingsWindows_;
+  MainMenu mainMenu_;
   std::vector<std::shared_ptr<FakeAlert>> alerts_;
 };
 

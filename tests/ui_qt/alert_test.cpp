@@ -130,6 +130,21 @@ TEST_F(AlertOnScreen, ClosingTheWindowPressesTheFirstButton) {
   EXPECT_EQ(answers_, std::vector<std::size_t>{0});
 }
 
+TEST_F(AlertOnScreen, EscapeAndClosingPressTheCancelButtonAndReturnTheFirstOne) {
+  auto content = kQuestion;
+  content.cancel = 1;
+  show(content);
+  press(Qt::Key_Escape);
+  ASSERT_TRUE(answered());
+  show(content);
+  window().close();
+  ASSERT_TRUE(QTest::qWaitFor([this] { return answers_.size() == 2; }));
+  show(content);
+  press(Qt::Key_Return);
+  ASSERT_TRUE(QTest::qWaitFor([this] { return answers_.size() == 3; }));
+  EXPECT_EQ(answers_, (std::vector<std::size_t>{1, 1, 0}));
+}
+
 TEST_F(AlertOnScreen, TabGoesAroundTheButtonsAndSpacePressesTheOneReached) {
   show();
   EXPECT_TRUE(button(0).hasFocus());

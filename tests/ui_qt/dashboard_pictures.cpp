@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Saves pictures of the dashboard as it stands on the screen, for people to look at:
+// Saves pictures of the windows as they stand on the screen, for people to look at:
 //   dashboard_pictures FOLDER [SUFFIX]
 #include <QApplication>
 #include <QComboBox>
@@ -18,6 +18,7 @@
 #include "sample_dashboard.h"
 #include "sample_usage.h"
 #include "ui/qt/qt_user_interface.h"
+#include "ui/settings_window_controller.h"
 #include "usage/usage_messages.h"
 
 namespace nimbo {
@@ -264,6 +265,47 @@ bool saveAlert(UserInterface& interface, const QString& path) {
   return saveScreen(topLevel("alert").frameGeometry().adjusted(-16, -40, 16, 16), path);
 }
 
+struct SettingsPicture {
+  const char* name;
+  std::size_t page;
+  void (*act)(QWidget& window) = nullptr;
+  LoginItemStatus loginStatus = LoginItemStatus::enabled;
+  const char* message = nullptr;
+};
+
+constexpr SettingsPicture kSettingsPictures[] = {
+    {"settings-general", 0},
+    {"settings-general-long", 0, nullptr, LoginItemStatus::requiresApproval,
+     "Widgets are unavailable in this build. Install the signed Nimbo app to use them."},
+    {"settings-monitors", 1},
+    {"settings-usage", 2},
+    {"settings-awake", 3},
+    {"settings-list", 0, [](QWidget& window) { control<QComboBox>(window, "tabOrder")->showPopup(); }},
+    {"settings-focus-tabs", 0, [](QWidget& window) { focus(window, "tabs"); }},
+    {"settings-focus-box", 1, [](QWidget& window) { focus(window, "cpu"); }},
+    {"settings-focus-list", 0, [](QWidget& window) { focus(window, "preset"); }},
+    {"settings-focus-button", 2, [](QWidget& window) { focus(window, "enableClaudeDesktop"); }}};
+
+bool saveSettings(UserInterface& interface, const SettingsPicture& picture, const QString& path) {
+  FakeUserDefaultsDomains domains;
+  FakeUserDefaults defaults{domains, "com.quellwerk.Nimbo"};
+  Settings settings(defaults);
+  BundleInfo bundle;
+  bundle.shortVersion = "1.0";
+  bundle.version = "1";
+  const auto window = interface.makeSettingsWindow();
+  SettingsWindowController controller(settings, *window, bundle, [&] { return picture.loginStatus; });
+  if (picture.message != nullptr) controller.setWidgetMessage(picture.message);
+  controller.tabChanged(picture.page);
+  controller.show();
+  QWidget& widget = topLevel("settingsWindow");
+  constexpr QMargins kRoom{24, 24, 24, 24};
+  widget.move(kRoom.left(), kRoom.top());
+  runLoopFor(std::chrono::milliseconds(200));
+  if (picture.act != nullptr) picture.act(widget);
+  return saveScreen(widget.geometry().marginsAdded(kRoom), path);
+}
+
 int savePictures(const QDir& folder, const QString& suffix) {
   QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
   const auto interface = QtUserInterface::make();
@@ -279,6 +321,9 @@ int savePictures(const QDir& folder, const QString& suffix) {
     };
     for (const auto& picture : kPictures) {
       if (!save(*interface, picture, path(picture.name))) return 1;
+    }
+    for (const auto& picture : kSettingsPictures) {
+      if (!saveSettings(*interface, picture, path(picture.name))) return 1;
     }
     if (!saveAlert(*interface, path("alert"))) return 1;
   }

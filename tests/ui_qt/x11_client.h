@@ -4,10 +4,12 @@
 #include <xcb/xcb.h>
 #include <xcb/xtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace nimbo {
 
@@ -17,6 +19,7 @@ class X11Client {
   static constexpr std::uint8_t kEscape = 9;  ///< key codes of the server's default keyboard
   static constexpr std::uint8_t kControl = 37;
   static constexpr std::uint8_t kQ = 24;
+  static constexpr std::uint8_t kW = 25;
   static constexpr std::uint8_t kA = 38;
   static constexpr std::uint8_t k4 = 13;
   static constexpr std::uint8_t k5 = 14;
@@ -82,6 +85,46 @@ class X11Client {
     xcb_set_input_focus(connection_, XCB_INPUT_FOCUS_POINTER_ROOT, window, XCB_CURRENT_TIME);
     sync();
   }
+  [[nodiscard]] bool hasWindowManager() {
+    return !propertyOf(screen_->root, "_NET_SUPPORTING_WM_CHECK", XCB_ATOM_WINDOW).empty();
+  }
+  /// Asks the window manager, as a panel would, for one of the states of the Extended Window Manager Hints.
+  void askFor(xcb_window_t window, const std::string& state) {
+    xcb_client_message_event_t message{};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = window;
+    message.type = atom("_NET_WM_STATE");
+    message.data.data32[0] = 1;  // add
+    message.data.data32[1] = atom(state);
+    message.data.data32[3] = 2;  // as a pager
+    xcb_send_event(connection_, 0, screen_->root,
+                   XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
+                   reinterpret_cast<const char*>(&message));
+    sync();
+  }
+  [[nodiscard]] bool hasState(xcb_window_t window, const std::string& state) {
+    const auto states = propertyOf(window, "_NET_WM_STATE", XCB_ATOM_ATOM);
+    return std::find(states.begin(), states.end(), atom(state)) != states.end();
+  }
+
+  /// Hears from now on what windows ask a window manager for, without doing it.
+  void listenAsWindowManager() {
+    const std::uint32_t mask = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+    xcb_change_window_attributes(connection_, screen_->root, XCB_CW_EVENT_MASK, &mask);
+    sync();
+  }
+  /// The window that has asked for the focus as pagers do, 0 if none has since the last call.
+  [[nodiscard]] xcb_window_t takeActivationFromPager() {
+    const xcb_atom_t activate = atom("_NET_ACTIVE_WINDOW");
+    while (const auto event = owned(xcb_poll_for_event(connection_))) {
+      const auto& message = reinterpret_cast<const xcb_client_message_event_t&>(*event);
+      const bool isMessage = (event->response_type & 0x7F) == XCB_CLIENT_MESSAGE;
+      if (isMessage && message.type == activate && message.data.data32[0] == 2) return message.window;
+    }
+    return XCB_WINDOW_NONE;
+  }
+
   void becomeCompositor() {
     xcb_set_selection_owner(connection_, makeWindow(), atom("_NET_WM_CM_S0"), XCB_CURRENT_TIME);
     sync();
@@ -108,6 +151,13 @@ class X11Client {
   void input(std::uint8_t type, std::uint8_t detail, std::int16_t x = 0, std::int16_t y = 0) {
     xcb_test_fake_input(connection_, type, detail, XCB_CURRENT_TIME, screen_->root, x, y, 0);
     sync();
+  }
+  [[nodiscard]] std::vector<std::uint32_t> propertyOf(xcb_window_t window, const std::string& name, xcb_atom_t type) {
+    const auto request = xcb_get_property(connection_, 0, window, atom(name), type, 0, 32);
+    const auto reply = owned(xcb_get_property_reply(connection_, request, nullptr));
+    if (reply == nullptr || reply->format != 32) return {};
+    const auto* const values = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
+    return {values, values + reply->value_len};
   }
   void sync() { owned(xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr)); }
   [[nodiscard]] xcb_atom_t atom(const std::string& name) {

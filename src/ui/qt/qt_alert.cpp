@@ -3,7 +3,6 @@
 
 #include <QAccessibleWidget>
 #include <QApplication>
-#include <QScreen>
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -12,6 +11,7 @@
 #include "ui/qt/fitted_label.h"
 #include "ui/qt/text_fitting.h"
 #include "ui/qt/theme.h"
+#include "ui/qt/window_presentation.h"
 
 namespace nimbo {
 namespace {
@@ -60,9 +60,11 @@ double buttonWidth(const std::string& title) {
 
 }  // namespace
 
-QtAlert::QtAlert(const Theme& theme, const AlertContent& content, std::function<void(std::size_t button)> answered)
-    : QDialog(nullptr, flags()), answered_(std::move(answered)) {
+QtAlert::QtAlert(const Theme& theme, WindowSystem& windowSystem, const AlertContent& content,
+                 std::function<void(std::size_t button)> answered)
+    : QDialog(nullptr, flags()), windowSystem_(windowSystem), cancel_(content.cancel), answered_(std::move(answered)) {
   setObjectName("alert");
+  setProgramIcon(*this);
   setWindowTitle("Nimbo");
   setAccessibleName(QString::fromStdString(content.title));
   setAccessibleDescription(QString::fromStdString(content.text));
@@ -104,18 +106,8 @@ double QtAlert::placeButtons(const Theme& theme, const std::vector<std::string>&
 
 void QtAlert::present() {
   if (pressed_) return;
-  if (!isVisible()) centre();
-  show();
-  raise();
-  activateWindow();
-}
-
-// A little above the middle, where the eye looks first, of the screen the user works on.
-void QtAlert::centre() {
-  const QScreen* screen = QGuiApplication::screenAt(QCursor::pos());
-  if (screen == nullptr) screen = QGuiApplication::primaryScreen();
-  const QRect free = screen->availableGeometry();
-  move(free.x() + (free.width() - width()) / 2, free.y() + (free.height() - height()) * 2 / 5);
+  if (!isVisible()) placeInMiddle(*this);
+  bringToFront(*this, windowSystem_);
 }
 
 void QtAlert::showEvent(QShowEvent* event) {
@@ -124,7 +116,7 @@ void QtAlert::showEvent(QShowEvent* event) {
   QAccessible::updateAccessibility(&announcement);
 }
 
-void QtAlert::reject() { answer(0); }
+void QtAlert::reject() { answer(cancel_); }
 
 // A turn later, because the answer may destroy the very button that is being pressed.
 void QtAlert::answer(std::size_t button) {

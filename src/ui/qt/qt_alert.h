@@ -17,12 +17,14 @@ namespace nimbo {
 class DashboardButton;
 class FittedLabel;
 class Theme;
+class WindowSystem;
 
 /// An alert in a dialog window of its own, above all other windows. It never waits: the answer comes
 /// from the event loop, after the window is gone from the screen.
 class QtAlert final : public QDialog, public Alert {
  public:
-  QtAlert(const Theme& theme, const AlertContent& content, std::function<void(std::size_t button)> answered);
+  QtAlert(const Theme& theme, WindowSystem& windowSystem, const AlertContent& content,
+          std::function<void(std::size_t button)> answered);
 
   void present() override;
 
@@ -36,9 +38,10 @@ class QtAlert final : public QDialog, public Alert {
   // Each returns where its part ends.
   double placeText(const Theme& theme, const LabelContent& content, const char* name);
   double placeButtons(const Theme& theme, const std::vector<std::string>& titles, double top);
-  void centre();
   void answer(std::size_t button);
 
+  WindowSystem& windowSystem_;
+  const std::size_t cancel_;
   const std::function<void(std::size_t button)> answered_;
   std::optional<std::size_t> pressed_;
   QTimer answerTimer_;

@@ -17,15 +17,18 @@
 #include "ui/qt/qt_alert.h"
 #include "ui/qt/qt_dashboard_window.h"
 #include "ui/qt/qt_geometry.h"
+#include "ui/qt/qt_settings_window.h"
 #include "ui/qt/screen_watch.h"
+#include "ui/qt/settings_page.h"
 #include "ui/qt/usage_card.h"
 #include "ui/qt/window_system.h"
 
 namespace nimbo {
 namespace {
 
-constexpr std::array kAccessibleControls{makeAccessibleChart, makeAccessiblePopUp, makeAccessibleAlert,
-                                         makeAccessibleUsageCard};
+constexpr std::array kAccessibleControls{makeAccessibleChart,        makeAccessiblePopUp,
+                                         makeAccessibleAlert,        makeAccessibleUsageCard,
+                                         makeAccessibleTitledWindow, makeAccessibleSettingsPage};
 
 std::vector<char*> pointersTo(std::vector<std::string>& texts) {
   std::vector<char*> pointers;
@@ -122,13 +125,22 @@ void QtUserInterface::setAppearance(Appearance appearance) {
   QToolTip::setPalette(theme_.palette());
 }
 
+void QtUserInterface::setMainMenu(const MainMenu& menu) { mainMenuKeys_.setMenu(menu); }
+
 std::unique_ptr<DashboardWindow> QtUserInterface::makeDashboardWindow() {
   return std::make_unique<QtDashboardWindow>(theme_, *windowSystem_);
 }
 
+std::unique_ptr<SettingsWindow> QtUserInterface::makeSettingsWindow() {
+  auto window = std::make_unique<QtSettingsWindow>(theme_, *windowSystem_);
+  mainMenuKeys_.serve(window->widget());
+  return window;
+}
+
 std::unique_ptr<Alert> QtUserInterface::showAlert(const AlertContent& content,
                                                   std::function<void(std::size_t button)> answered) {
-  auto alert = std::make_unique<QtAlert>(theme_, content, std::move(answered));
+  auto alert = std::make_unique<QtAlert>(theme_, *windowSystem_, content, std::move(answered));
+  mainMenuKeys_.serve(*alert);
   alert->present();
   return alert;
 }

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "ui/qt/main_menu_keys.h"
 #include "ui/qt/qt_outer_loop.h"
 #include "ui/qt/theme.h"
 #include "ui/user_interface.h"
@@ -29,7 +30,9 @@ class QtUserInterface final : public UserInterface {
   [[nodiscard]] Subscription observeScreens(std::function<void()> changed) override;
   [[nodiscard]] Rect toPoints(const Rect& reported) const override;
   void setAppearance(Appearance appearance) override;
+  void setMainMenu(const MainMenu& menu) override;
   [[nodiscard]] std::unique_ptr<DashboardWindow> makeDashboardWindow() override;
+  [[nodiscard]] std::unique_ptr<SettingsWindow> makeSettingsWindow() override;
   [[nodiscard]] std::unique_ptr<Alert> showAlert(const AlertContent& content,
                                                  std::function<void(std::size_t button)> answered) override;
 
@@ -46,6 +49,7 @@ class QtUserInterface final : public UserInterface {
   QtOuterLoop loop_;
   std::unique_ptr<WindowSystem> windowSystem_;
   std::unique_ptr<ScreenWatch> screenWatch_;
+  MainMenuKeys mainMenuKeys_;
 };
 
 }  // namespace nimbo

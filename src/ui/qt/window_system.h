@@ -8,9 +8,11 @@
 
 #include "base/subscription.h"
 
+class QWidget;
+
 namespace nimbo {
 
-/// What menu windows must know of the window system and the toolkit does not tell. Made after the
+/// What windows need of the window system and the toolkit does not offer. Made after the
 /// toolkit's application object. Main thread only.
 class WindowSystem {
  public:
@@ -29,6 +31,10 @@ class WindowSystem {
 
   /// Tells when a window of another application becomes the active one.
   [[nodiscard]] virtual Subscription observeOtherActivation(std::function<void()> activated) = 0;
+
+  /// Gives the keyboard focus to a window that the user asked for, perhaps in another program such as
+  /// the panel.
+  virtual void activate(QWidget& window) = 0;
 };
 
 [[nodiscard]] std::unique_ptr<WindowSystem> makeWindowSystem();

@@ -3,6 +3,7 @@
 
 #include <QGuiApplication>
 #include <QPluginLoader>
+#include <QWidget>
 
 #include "ui/qt/linux/platform_choice.h"
 #include "ui/qt/linux/x11_window_system.h"
@@ -20,6 +21,7 @@ class PlainWindowSystem final : public WindowSystem {
   }
   [[nodiscard]] bool inputIsFree() override { return true; }
   [[nodiscard]] Subscription observeOtherActivation(std::function<void()> /*activated*/) override { return {}; }
+  void activate(QWidget& window) override { window.activateWindow(); }
 };
 
 // Missing plugins, or libraries that they need, end the process as a missing display does.

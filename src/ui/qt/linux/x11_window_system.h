@@ -18,6 +18,7 @@ class X11WindowSystem final : public WindowSystem, private QAbstractNativeEventF
   [[nodiscard]] bool popupsHearAllClicks() const override { return !waylandSession_; }
   [[nodiscard]] bool inputIsFree() override;
   [[nodiscard]] Subscription observeOtherActivation(std::function<void()> activated) override;
+  void activate(QWidget& window) override;
 
  private:
   bool nativeEventFilter(const QByteArray& eventType, void* message, qintptr* result) override;

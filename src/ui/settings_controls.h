@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "settings/settings.h"
+
+namespace nimbo {
+
+/// What a written setting concerns, so that only that is applied anew.
+struct SettingsChange {
+  enum class Kind { display, monitors, appearance, interval, usage, awakeRules, presentation };
+
+  Kind kind;
+  bool on = false;  ///< of `display`: whether it is to stay on
+  bool operator==(const SettingsChange&) const = default;
+};
+
+/// A check box that stands for stored settings.
+struct SettingsCheck {
+  std::string_view identifier;
+  const char* title;
+  bool (*isOn)(const Settings& settings);
+  void (*write)(Settings& settings, bool on);
+  void (*also)(Settings& settings, bool on);  ///< after `write`: what the choice entails; null for nothing
+  SettingsChange::Kind change;
+};
+
+struct SettingsChoiceItem {
+  std::string title;
+  std::int64_t tag;
+  bool operator==(const SettingsChoiceItem&) const = default;
+};
+
+/// A pop-up that stands for a stored setting. Always offers the tag that is stored.
+struct SettingsChoice {
+  std::string_view identifier;
+  const char* label;
+  std::vector<SettingsChoiceItem> items;
+  std::int64_t (*tag)(const Settings& settings);
+  void (*write)(Settings& settings, std::int64_t tag);
+  SettingsChange::Kind change;
+
+  [[nodiscard]] std::size_t selected(const Settings& settings) const;
+};
+
+// Null for the identifier of anything else. What they return lives as long as the program.
+[[nodiscard]] const SettingsCheck* settingsCheck(std::string_view identifier);
+[[nodiscard]] const SettingsChoice* settingsChoice(std::string_view identifier);
+
+}  // namespace nimbo
