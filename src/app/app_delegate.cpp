@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/app_delegate.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "awake/session_length.h"
@@ -11,6 +12,7 @@ namespace nimbo {
 namespace {
 
 constexpr std::chrono::minutes kExtension{30};
+constexpr const char* kClaudeDesktop = "com.anthropic.claudefordesktop";
 
 std::optional<DashboardTab> tabOf(StatusItemKind kind) {
   switch (kind) {
@@ -28,7 +30,8 @@ std::optional<DashboardTab> tabOf(StatusItemKind kind) {
 
 }  // namespace
 
-AppDelegate::AppDelegate(PlatformServices& platform, UserInterfaceMaker makeUserInterface, Settings& settings)
+AppDelegate::AppDelegate(PlatformServices& platform, UserInterfaceMaker makeUserInterface, Settings& settings,
+                         Widgets widgets)
     : confirmEndingAwakeSession([this](QuitDecision decided) { showQuitAlert(std::move(decided)); }),
       platform_(platform),
       settings_(settings),
@@ -38,14 +41,25 @@ AppDelegate::AppDelegate(PlatformServices& platform, UserInterfaceMaker makeUser
           [&sources = platform.powerSources()] { return readBattery(sources); }, true),
       usageReaders_(platform),
       usage_(usageReaders_.reads(), *platform.readers().clock, platform.dates()),
-      toolkit_(platform.mainLoop(), platform.workspace(), std::move(makeUserInterface)),
+      toolkit_(platform.mainLoop(), platform.workspace(), std::move(makeUserInterface),
+               makeMainMenu({[this] { openSettings(); }, [this] { quit(); }})),
       sampling_({platform.mainLoop(), platform.readers(), platform.temperatureQueue(), platform.utilityQueue()},
                 settings,
                 {[this] { awake_.checkDeadline(platform_.readers().clock->now()); }, [this] { readingsChanged(); },
+                 [this] { widgets_.writeWidgetSnapshot(WidgetPublisher::Force::yes); },
                  [this] { return dashboard_.wantsProcesses(); },
                  [this](ProcessScan scan) { dashboard_.updateProcesses(std::move(scan)); }}),
+      widgets_({platform.bundleInfo(), *platform.readers().clock, platform.widgetCenter(), platform.utilityQueue(),
+                platform.mainLoop()},
+               {settings, sampling_.readings(), usage_.states()}, widgets == Widgets::published,
+               [this] { preferences_.update(); }),
+      updateAlerts_(toolkit_, platform.mainLoop(), [this] { dashboard_.close(); }),
+      updater_(
+          platform.bundleInfo(), [this](const UpdateFeed& feed) { return platform_.makeUpdater(feed, updateAlerts_); },
+          updateAlerts_),
       dashboard_({toolkit_, platform.mainLoop(), *platform.readers().clock, platform.dates(), platform.workspace()},
                  {settings, sampling_.readings(), awake_, usage_.states()}, dashboardCallbacks()),
+      preferences_({toolkit_, settings, platform.bundleInfo(), platform.loginItem()}, preferencesCallbacks()),
       statusItems_(platform.statusBar(), platform.mainLoop(), settings,
                    {[this](StatusItemKind kind) { return contentFor(kind); },
                     [this](StatusItemKind kind, const StatusClick& click) { statusClicked(kind, click); },
@@ -55,14 +69,34 @@ AppDelegate::AppDelegate(PlatformServices& platform, UserInterfaceMaker makeUser
 Dashboard::Callbacks AppDelegate::dashboardCallbacks() {
   return {
       [this] { tabChanged(); },
+      [this] { openSettings(); },
+      [this] { openSettings(SettingsPage::usage); },
       [this] { quit(); },
       [this] { return statusItems_.knownFrames(); },
       [this](std::optional<AwakeManager::Time> end) { toggleAwake(end); },
       [this](bool on) { keepDisplayOn(on); },
-      [this] { applyAwakeRules(); },
+      [this] {
+        applyAwakeRules();
+        preferences_.update();
+      },
       [this] { turnDisplayOff(); },
       [this] { awake_.extend(kExtension); },
       [this] { usage_.refresh(kAllUsageProviders, UsageRequest::manual); },
+  };
+}
+
+Preferences::Callbacks AppDelegate::preferencesCallbacks() {
+  return {
+      [this](const SettingsChange& change) { settingsChanged(change); },
+      [this] { toggleLogin(); },
+      [this] { checkForUpdates(); },
+      [this] {
+        updater_.toggleAutomaticChecks();
+        preferences_.update();
+      },
+      [this] { enableClaudeDesktop(); },
+      [this] { return updater_.automaticallyChecksForUpdates(); },
+      [this] { return widgets_.widgetMessage(); },
   };
 }
 
@@ -72,9 +106,14 @@ void AppDelegate::applicationDidFinishLaunching() {
   configureUsage();
   usage_.onChange = [this] { usageChanged(); };
   usage_.refresh(kAllUsageProviders, UsageRequest::automatic);
+  updater_.start();
   statusItems_.configure();
   sampling_.tick();
   sampling_.startTimer();
+  didFinishLaunching_ = true;
+  if (const auto destination = std::exchange(pendingDestination_, std::nullopt)) {
+    platform_.mainLoop().post([this, destination] { openDestination(*destination); });
+  }
   sleepObservation_ = platform_.systemSleep().observe([this] { willSleep(); }, [this] { didWake(); });
   // A log-out or a shutdown cannot wait for an answer.
   terminationObservation_ = platform_.termination().observe([this] { platform_.mainLoop().quit(); });
@@ -101,6 +140,20 @@ void AppDelegate::activate() {
   if (const auto first = statusItems_.firstItem()) openDashboard(*first, std::nullopt);
 }
 
+void AppDelegate::open(const std::vector<std::string>& links) {
+  const auto destination = lastWidgetDestination(links);
+  if (!destination) return;
+  if (didFinishLaunching_) {
+    openDestination(*destination);
+  } else {
+    pendingDestination_ = destination;
+  }
+}
+
+void AppDelegate::openDestination(WidgetDestination destination) {
+  if (const auto first = statusItems_.firstItem()) openDashboard(*first, tabFor(destination));
+}
+
 void AppDelegate::willSleep() {
   sleeping_ = true;
   statusItems_.stopRotation();
@@ -115,6 +168,79 @@ void AppDelegate::didWake() {
   awake_.checkBattery();
   sampling_.didWake();
   statusItems_.restartRotation();
+}
+
+void AppDelegate::openSettings() { openSettings(std::nullopt); }
+
+void AppDelegate::openSettings(std::optional<SettingsPage> page) {
+  dashboard_.close();
+  (void)preferences_.open(page);
+}
+
+void AppDelegate::checkForUpdates() { updater_.checkForUpdates(); }
+
+void AppDelegate::toggleLogin() {
+  auto& login = platform_.loginItem();
+  const auto status = login.status();
+  if (status == LoginItemStatus::requiresApproval) {
+    login.openSystemSettings();
+    return;
+  }
+  const auto done = status == LoginItemStatus::enabled ? login.unregisterItem() : login.registerItem();
+  if (done) return;
+  showNotice("Couldn’t update launch at login",
+             "Keep Nimbo in Applications before enabling launch at login. " + done.error().description);
+}
+
+void AppDelegate::showNotice(const std::string& title, const std::string& text) {
+  auto* const interface = toolkit_.interface();
+  if (interface != nullptr)
+    notice_ = interface->showAlert({title, text, {"OK"}}, [this](std::size_t) { notice_.reset(); });
+}
+
+// Applications learn when they start that somebody wants to look, so that comes first.
+void AppDelegate::enableClaudeDesktop() {
+  const auto services = platform_.usageServices();
+  services.claudeQueue.async([this, &accessibility = services.accessibility, &loop = platform_.mainLoop()] {
+    accessibility.requestTrust();
+    loop.post([this] {
+      if (platform_.workspace().openApplication(kClaudeDesktop)) return;
+      showNotice("Claude Desktop couldn’t be opened", "Open it yourself, then leave its Settings → Usage page open.");
+    });
+  });
+}
+
+void AppDelegate::settingsChanged(const SettingsChange& change) {
+  switch (change.kind) {
+    case SettingsChange::Kind::display:
+      keepDisplayOn(change.on);
+      return;
+    case SettingsChange::Kind::monitors:
+      monitorsChanged();
+      return;
+    case SettingsChange::Kind::appearance:
+      statusItems_.refresh();
+      return;
+    case SettingsChange::Kind::interval:
+      sampling_.tick();
+      sampling_.startTimer();
+      return;
+    case SettingsChange::Kind::usage:
+      usageSettingsChanged();
+      return;
+    case SettingsChange::Kind::awakeRules:
+      applyAwakeRules();
+      return;
+    case SettingsChange::Kind::presentation:
+      statusItems_.configure();
+      return;
+  }
+}
+
+void AppDelegate::monitorsChanged() {
+  statusItems_.configure();
+  sampling_.monitorsChanged();
+  widgets_.writeWidgetSnapshot(WidgetPublisher::Force::yes);
 }
 
 void AppDelegate::quit() {
@@ -193,6 +319,8 @@ StatusItemContent AppDelegate::contentFor(StatusItemKind kind) const {
 StatusMenu AppDelegate::statusMenu() {
   StatusMenuActions actions;
   actions.quickToggleAwake = [this] { quickToggleAwake(); };
+  actions.openSettings = [this] { openSettings(); };
+  actions.checkForUpdates = [this] { checkForUpdates(); };
   actions.quit = [this] { quit(); };
   return makeStatusMenu(actions, awake_.isActive() ? AwakeSession::running : AwakeSession::off);
 }
@@ -202,6 +330,7 @@ StatusMenu AppDelegate::statusMenu() {
 void AppDelegate::readingsChanged() {
   configureUsage();
   usage_.refresh(kAllUsageProviders, UsageRequest::automatic);
+  widgets_.writeWidgetSnapshot(WidgetPublisher::Force::no);
   statusItems_.refresh();
   dashboard_.updateReadings();
   dashboard_.updateUsage();
@@ -222,6 +351,9 @@ void AppDelegate::awakeChanged() {
 void AppDelegate::usageChanged() {
   statusItems_.refresh();
   dashboard_.updateUsage();
+  // What a read brought must not reach the widgets five minutes late.
+  const auto refreshing = [](const auto& state) { return state.second.isRefreshing; };
+  if (std::ranges::none_of(usage_.states(), refreshing)) widgets_.writeWidgetSnapshot(WidgetPublisher::Force::yes);
 }
 
 void AppDelegate::startAwake(std::optional<AwakeManager::Time> end) {
@@ -244,6 +376,7 @@ void AppDelegate::quickTimedSession() {
 void AppDelegate::keepDisplayOn(bool on) {
   if (awake_.setKeepDisplayOn(on)) settings_.setAwakeDisplayOn(on);
   awakeChanged();
+  preferences_.update();
 }
 
 void AppDelegate::toggleDisplayMode() { keepDisplayOn(!settings_.awakeDisplayOn()); }
@@ -252,6 +385,18 @@ void AppDelegate::turnDisplayOff() { awake_.turnDisplayOff(); }
 
 void AppDelegate::configureUsage() {
   for (const auto provider : kAllUsageProviders) usage_.setEnabled(provider, settings_.usageEnabled(provider));
+}
+
+void AppDelegate::usageSettingsChanged() {
+  std::vector<UsageProvider> added;
+  for (const auto provider : kAllUsageProviders) {
+    const auto state = usage_.states().find(provider);
+    const bool enabled = state != usage_.states().end() && state->second.enabled;
+    if (settings_.usageEnabled(provider) && !enabled) added.push_back(provider);
+  }
+  configureUsage();
+  usage_.refresh(added, UsageRequest::manual);
+  usage_.refresh(kAllUsageProviders, UsageRequest::automatic);
 }
 
 void AppDelegate::applyAwakeRules() { awake_.setRules({settings_.awakeOnlyOnPower(), settings_.awakeBatteryFloor()}); }

@@ -8,11 +8,16 @@
 #include <vector>
 
 #include "app/dashboard.h"
+#include "app/preferences.h"
 #include "app/sampling_loop.h"
 #include "app/status_items.h"
 #include "app/status_menu.h"
 #include "app/toolkit.h"
+#include "app/update_alerts.h"
+#include "app/update_checker.h"
 #include "app/usage_readers.h"
+#include "app/widget_destination.h"
+#include "app/widget_publisher.h"
 #include "awake/awake_manager.h"
 #include "platform/platform_services.h"
 #include "settings/settings.h"
@@ -23,8 +28,11 @@ namespace nimbo {
 /// callbacks and answers the life events. Main thread; lives until the process ends.
 class AppDelegate {
  public:
+  /// Whether widgets are shown what the program reads.
+  enum class Widgets { none, published };
+
   /// `platform` and `settings` outlive it.
-  AppDelegate(PlatformServices& platform, UserInterfaceMaker makeUserInterface, Settings& settings);
+  AppDelegate(PlatformServices& platform, UserInterfaceMaker makeUserInterface, Settings& settings, Widgets widgets);
 
   /// Gets the user's decision to quit, once, possibly much later.
   using QuitDecision = std::function<void(bool quit)>;
@@ -36,8 +44,14 @@ class AppDelegate {
 
   /// The program was started again.
   void activate();
+  /// Links were opened; the last one that leads somewhere counts. Before launch it waits for it.
+  void open(const std::vector<std::string>& links);
   void willSleep();
   void didWake();
+  void openSettings();
+  void checkForUpdates();
+  /// Starts the program at log-in, or no longer.
+  void toggleLogin();
   void quit();
 
   void statusClicked(StatusItemKind kind, const StatusClick& click);
@@ -60,7 +74,11 @@ class AppDelegate {
   [[nodiscard]] Dashboard::Callbacks dashboardCallbacks();
   [[nodiscard]] StatusItemContent contentFor(StatusItemKind kind) const;
   [[nodiscard]] StatusMenu statusMenu();
+  [[nodiscard]] Preferences::Callbacks preferencesCallbacks();
   void openDashboard(StatusItemKind kind, std::optional<DashboardTab> tab);
+  void openDestination(WidgetDestination destination);
+  void openSettings(std::optional<SettingsPage> page);
+  void enableClaudeDesktop();
   void readingsChanged();
   void tabChanged();
   void awakeChanged();
@@ -70,20 +88,31 @@ class AppDelegate {
   void toggleAwake(std::optional<AwakeManager::Time> end);
   void keepDisplayOn(bool on);
   void applyAwakeRules();
+  void settingsChanged(const SettingsChange& change);
+  void monitorsChanged();
   void configureUsage();
+  void usageSettingsChanged();
   void showQuitAlert(QuitDecision decided);
+  void showNotice(const std::string& title, const std::string& text);
 
   PlatformServices& platform_;
   Settings& settings_;
   bool sleeping_ = false;
+  bool didFinishLaunching_ = false;
+  std::optional<WidgetDestination> pendingDestination_;
   AwakeManager awake_;
   UsageReaders usageReaders_;
   UsageMonitor usage_;
   Toolkit toolkit_;
   SamplingLoop sampling_;
+  WidgetPublisher widgets_;
+  UpdateAlerts updateAlerts_;
+  UpdateChecker updater_;
   Dashboard dashboard_;
+  Preferences preferences_;
   StatusItems statusItems_;
   std::unique_ptr<Alert> quitAlert_;
+  std::unique_ptr<Alert> notice_;
   Subscription sleepObservation_;
   Subscription terminationObservation_;
 };

@@ -62,13 +62,12 @@ bool Dashboard::create() {
 
 void Dashboard::wire(Parts& parts) {
   auto& controller = parts.controller;
-  // The settings window does not exist yet, so its button leads nowhere.
-  controller.setSettingsEnabled(false);
   controller.onContentChanged = [&parts] {
     parts.window->render(parts.controller.content());
     parts.panel->setContentSize(parts.controller.content().size);
   };
   controller.onTabChanged = callbacks_.tabChanged;
+  controller.onSettings = callbacks_.openSettings;
   controller.onQuit = callbacks_.quit;
   controller.onActivityMonitor = [this] { (void)services_.workspace.openSystemMonitor(); };
 
@@ -88,7 +87,7 @@ void Dashboard::wire(Parts& parts) {
       [&controller] { controller.activityClicked(); },
       [&controller] { controller.quitClicked(); },
       awakeView.actions(),
-      {callbacks_.refreshUsage, [&controller] { controller.settingsClicked(); },
+      {callbacks_.refreshUsage, callbacks_.configureUsage,
        [this](UsageProvider provider) { services_.workspace.openLink(usagePage(provider)); }},
   });
 }

@@ -41,6 +41,8 @@ class Dashboard {
   };
   struct Callbacks {
     std::function<void()> tabChanged;  ///< the user picked another tab
+    std::function<void()> openSettings;
+    std::function<void()> configureUsage;  ///< the settings of the subscriptions
     std::function<void()> quit;
     std::function<std::vector<Rect>()> statusItemFrames;
     std::function<void(std::optional<AwakeManager::Time> end)> toggleAwake;

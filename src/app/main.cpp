@@ -30,11 +30,12 @@ int runDiagnostics() {
 int runMenuBar(const std::vector<std::string>& links) {
   const auto platform = makePlatformServices();
   AppDelegate* controller = nullptr;
-  const auto activate = [&controller] {
-    if (controller != nullptr) controller->activate();
-  };
-  const auto role =
-      platform->applicationInstance().claim(links, {activate, [activate](const auto& /*links*/) { activate(); }});
+  const auto role = platform->applicationInstance().claim(links, {[&controller] {
+                                                                    if (controller != nullptr) controller->activate();
+                                                                  },
+                                                                  [&controller](const std::vector<std::string>& later) {
+                                                                    if (controller != nullptr) controller->open(later);
+                                                                  }});
   if (!role) {
     fmt::print(stderr, "nimbo: {}\n", role.error().message);
     return 1;
@@ -42,8 +43,10 @@ int runMenuBar(const std::vector<std::string>& links) {
   if (*role == InstanceRole::later) return 0;
 
   Settings settings(platform->userDefaults(), platform->userDefaultsDomains(), platform->bundleInfo().identifier);
-  AppDelegate delegate(*platform, userInterfaceFromModule(platform->moduleLoader()), settings);
+  AppDelegate delegate(*platform, userInterfaceFromModule(platform->moduleLoader()), settings,
+                       AppDelegate::Widgets::published);
   controller = &delegate;
+  delegate.open(links);
   delegate.applicationDidFinishLaunching();
   platform->mainLoop().run();
   controller = nullptr;

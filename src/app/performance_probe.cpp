@@ -83,7 +83,7 @@ int runPerformanceProbe(PlatformServices& platform, UserInterfaceMaker makeUserI
   }
   {
     Settings settings(*defaults);
-    AppDelegate delegate(platform, std::move(makeUserInterface), settings);
+    AppDelegate delegate(platform, std::move(makeUserInterface), settings, AppDelegate::Widgets::none);
     delegate.applicationDidFinishLaunching();
     PerformanceProbe probe(platform, delegate, std::move(print), std::move(complain));
     probe.start();

@@ -62,8 +62,7 @@ void SamplingLoop::readCpu() {
 
 void SamplingLoop::startTemperatureRead() {
   if (!settings_.monitorTemperature()) {
-    readings_.temperature.reset();
-    readings_.temperatureDate.reset();
+    forgetTemperature();
     return;
   }
   if (temperatureScanning_ || sleeping_) return;
@@ -81,8 +80,10 @@ void SamplingLoop::finishTemperatureRead(std::optional<double> celsius, std::uin
   temperatureScanning_ = false;
   if (!settings_.monitorTemperature() || sleeping_ || generation != temperatureGeneration_) return;
   if (!celsius) return;  // the last one stands until there is another
+  const bool first = !readings_.temperatureDate;
   readings_.temperature = celsius;
   readings_.temperatureDate = sources_.readers.clock->now();
+  if (first) callbacks_.temperatureFound();
   callbacks_.readingsChanged();
 }
 
@@ -106,6 +107,17 @@ void SamplingLoop::finishProcessScan(ProcessScan scan, std::uint64_t generation)
   if (generation == scanGeneration_) callbacks_.processesScanned(std::move(scan));
 }
 
+void SamplingLoop::forgetTemperature() {
+  readings_.temperature.reset();
+  readings_.temperatureDate.reset();
+}
+
+void SamplingLoop::monitorsChanged() {
+  ++temperatureGeneration_;
+  forgetTemperature();
+  tick();
+}
+
 void SamplingLoop::willSleep() {
   sleeping_ = true;
   ++temperatureGeneration_;
@@ -115,8 +127,7 @@ void SamplingLoop::willSleep() {
 
 void SamplingLoop::didWake() {
   sleeping_ = false;
-  readings_.temperature.reset();
-  readings_.temperatureDate.reset();
+  forgetTemperature();
   readings_.memoryHistory.clear();
   readings_.cpuHistory.clear();
   sampler_ = std::make_unique<SystemSampler>(*sources_.readers.hostStatistics, *sources_.readers.clock);

@@ -31,6 +31,8 @@ class SamplingLoop {
     std::function<void()> willTick;
     /// The readings are new: after each tick and after each temperature.
     std::function<void()> readingsChanged;
+    /// Before that, when a temperature is the first one since launch, wake or a change of the monitors.
+    std::function<void()> temperatureFound;
     /// Whether somebody looks at the process list.
     std::function<bool()> wantsProcesses;
     std::function<void(ProcessScan)> processesScanned;
@@ -50,11 +52,15 @@ class SamplingLoop {
   /// least 5 s from the last one.
   void startProcessScan(Throttle throttle);
 
+  /// Other monitors were switched on or off: forgets the temperature, and what is read of those that are
+  /// off, and takes a sample at once.
+  void monitorsChanged();
   void willSleep();
   /// Forgets what sleep made stale, takes a fresh sample and starts the timer again.
   void didWake();
 
  private:
+  void forgetTemperature();
   void readMemory();
   void readCpu();
   void startTemperatureRead();

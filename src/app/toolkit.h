@@ -14,7 +14,7 @@ namespace nimbo {
 class Toolkit {
  public:
   /// `mainLoop` and `workspace` outlive it.
-  Toolkit(MainLoop& mainLoop, Workspace& workspace, UserInterfaceMaker makeUserInterface);
+  Toolkit(MainLoop& mainLoop, Workspace& workspace, UserInterfaceMaker makeUserInterface, MainMenu mainMenu);
 
   /// Null when there is no display; asked again, it tries again.
   [[nodiscard]] UserInterface* interface();
@@ -23,6 +23,7 @@ class Toolkit {
   MainLoop& mainLoop_;
   Workspace& workspace_;
   UserInterfaceMaker makeUserInterface_;
+  const MainMenu mainMenu_;
   std::unique_ptr<UserInterface> interface_;
   Subscription appearance_;
 };

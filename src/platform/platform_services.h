@@ -14,6 +14,7 @@
 #include "platform/display_power.h"
 #include "platform/host_statistics.h"
 #include "platform/http_client.h"
+#include "platform/login_item.h"
 #include "platform/main_loop.h"
 #include "platform/module_loader.h"
 #include "platform/own_process.h"
@@ -26,8 +27,10 @@
 #include "platform/temperature_sensor.h"
 #include "platform/termination.h"
 #include "platform/tool_files.h"
+#include "platform/updater.h"
 #include "platform/user_defaults.h"
 #include "platform/user_surroundings.h"
+#include "platform/widget_center.h"
 #include "platform/work_queue.h"
 #include "platform/workspace.h"
 
@@ -84,6 +87,10 @@ class PlatformServices {
   [[nodiscard]] virtual const Dates& dates() = 0;
   [[nodiscard]] virtual const OwnProcess& ownProcess() = 0;
   [[nodiscard]] virtual UsageServices usageServices() = 0;
+  [[nodiscard]] virtual LoginItem& loginItem() = 0;
+  [[nodiscard]] virtual WidgetCenter& widgetCenter() = 0;
+  /// An updater that has already begun; `windows` outlives it. Null when this system cannot have one.
+  [[nodiscard]] virtual std::unique_ptr<Updater> makeUpdater(const UpdateFeed& feed, UpdateWindows& windows) = 0;
 };
 
 // Implemented once per operating system.

@@ -32,6 +32,12 @@ class AppDelegateTest : public ::testing::Test {
     platform.loop.runPosted();
   }
 
+  /// Lets the widgets' file be written as often as somebody has asked for it.
+  void finishWrites() {
+    while (platform.utilities.runOne()) continue;
+    platform.loop.runPosted();
+  }
+
   /// Null before the dashboard was first opened.
   FakeDashboardWindow* window() const {
     return interface == nullptr || interface->windows().empty() ? nullptr : interface->windows().back();
@@ -53,7 +59,7 @@ class AppDelegateTest : public ::testing::Test {
         interface = made.get();
         return made;
       },
-      settings);
+      settings, AppDelegate::Widgets::published);
 };
 
 }  // namespace nimbo

@@ -25,7 +25,8 @@ class SamplingLoopTest : public ::testing::Test {
     return std::make_unique<SamplingLoop>(
         SamplingLoop::Sources{platform.loop, platform.readers(), platform.temperatures, platform.utilities}, settings,
         SamplingLoop::Callbacks{[this] { usedAtTick = readings().memory ? readings().memory->used() : 0; },
-                                [this] { ++changes; }, [this] { return wantsProcesses; },
+                                [this] { ++changes; }, [this] { changesWhenFound.push_back(changes); },
+                                [this] { return wantsProcesses; },
                                 [this](ProcessScan scan) { scans.push_back(std::move(scan)); }});
   }
 
@@ -52,6 +53,7 @@ class SamplingLoopTest : public ::testing::Test {
   Settings settings{platform.defaults};
   bool wantsProcesses = false;
   int changes = 0;
+  std::vector<int> changesWhenFound;  ///< how many there had been when a temperature was the first
   std::optional<std::uint64_t> usedAtTick;
   std::vector<ProcessScan> scans;
   std::unique_ptr<SamplingLoop> sampling;
@@ -179,6 +181,34 @@ TEST_F(SamplingLoopTest, TemperatureIsStoredWithTheTimeOfItsAcceptance) {
   EXPECT_EQ(readings().temperature, 50.0);
   EXPECT_EQ(readings().temperatureDate, platform.clock->now());
   EXPECT_EQ(changes, 2);
+}
+
+TEST_F(SamplingLoopTest, FirstTemperatureIsToldBeforeItIsShownAndOnlyOnce) {
+  settings.setMonitorTemperature(true);
+  sampling->tick();
+  finishTemperature();
+  EXPECT_EQ(changesWhenFound, std::vector<int>{1});
+  sampling->tick();
+  finishTemperature();
+  EXPECT_EQ(changesWhenFound.size(), 1U);
+  sampling->willSleep();
+  sampling->didWake();
+  finishTemperature();
+  EXPECT_EQ(changesWhenFound.size(), 2U) << "the first one since wake";
+}
+
+TEST_F(SamplingLoopTest, ChangeOfMonitorsForgetsTheTemperatureAndSamplesAtOnce) {
+  settings.setMonitorTemperature(true);
+  sampling->tick();
+  finishTemperature();
+  sampling->tick();  // a read is out
+  settings.setMonitorCpu(true);
+  const int before = changes;
+  sampling->monitorsChanged();
+  EXPECT_FALSE(readings().temperature);
+  EXPECT_EQ(changes, before + 1);
+  finishTemperature();
+  EXPECT_FALSE(readings().temperature) << "it was read for the monitors of before";
 }
 
 TEST_F(SamplingLoopTest, OneTemperatureReadAtATimeWithAFreshSensorEach) {

@@ -16,6 +16,7 @@
 #include "support/fake_display_power.h"
 #include "support/fake_host_statistics.h"
 #include "support/fake_http_client.h"
+#include "support/fake_login_item.h"
 #include "support/fake_main_loop.h"
 #include "support/fake_own_process.h"
 #include "support/fake_power_sources.h"
@@ -25,7 +26,9 @@
 #include "support/fake_status_bar.h"
 #include "support/fake_temperature_sensor.h"
 #include "support/fake_tool_files.h"
+#include "support/fake_updater.h"
 #include "support/fake_user_defaults.h"
+#include "support/fake_widget_center.h"
 #include "support/fake_work_queue.h"
 #include "support/fake_workspace.h"
 
@@ -155,6 +158,14 @@ class FakePlatformServices final : public PlatformServices {
             [this](std::function<void()> work) { background.async(std::move(work)); },
             user};
   }
+  [[nodiscard]] LoginItem& loginItem() override { return login; }
+  [[nodiscard]] WidgetCenter& widgetCenter() override { return widgets; }
+  [[nodiscard]] std::unique_ptr<Updater> makeUpdater(const UpdateFeed& feed, UpdateWindows& /*windows*/) override {
+    updateFeeds.push_back(feed);
+    auto made = std::make_unique<FakeUpdater>();
+    updater = made.get();
+    return made;
+  }
 
   FakeClock* clock = nullptr;
   FakeHostStatistics* host = nullptr;
@@ -188,6 +199,10 @@ class FakePlatformServices final : public PlatformServices {
   std::unique_ptr<FakeAccessibility> screens;
   FakeWorkQueue claude;
   FakeWorkQueue background;
+  FakeLoginItem login;
+  FakeWidgetCenter widgets;
+  std::vector<UpdateFeed> updateFeeds;  ///< that an updater was made for
+  FakeUpdater* updater = nullptr;       ///< the last one made
   UserSurroundings user{"/home/u", "/home/u/.cache", "/usr/bin", {}, {}, [] { return std::string("UTC"); }};
 
  private:

@@ -12,6 +12,7 @@
 #include "platform/linux/desktop_display_power.h"
 #include "platform/linux/dl_module_loader.h"
 #include "platform/linux/hwmon_temperature_sensor.h"
+#include "platform/linux/installed_application.h"
 #include "platform/linux/json_bundle_info.h"
 #include "platform/linux/json_user_defaults.h"
 #include "platform/linux/json_user_defaults_domains.h"
@@ -33,10 +34,14 @@
 #include "platform/linux/sni_status_bar.h"
 #include "platform/linux/sysfs_power_sources.h"
 #include "platform/linux/thread_work_queue.h"
+#include "platform/linux/update_module.h"
 #include "platform/linux/x11_screen_module.h"
 #include "platform/linux/xdg_folders.h"
+#include "platform/linux/xdg_login_item.h"
+#include "platform/linux/xdg_widget_center.h"
 #include "platform/platform_services.h"
 #include "platform/system_clock.h"
+#include "update/scheduled_updater.h"
 
 namespace nimbo {
 namespace {
@@ -104,11 +109,16 @@ std::string waylandSocket(const Environment& environment) {
   return environment.get("XDG_RUNTIME_DIR") + "/" + name;
 }
 
-/// The folder above the one that holds the executable: /usr, or a build folder.
-std::filesystem::path installationPrefix() {
+/// Where this program lies. Only at the start: an upgrade takes it away.
+std::filesystem::path executablePath() {
   std::error_code error;
-  const auto executable = std::filesystem::read_symlink("/proc/self/exe", error);
-  return executable.parent_path().parent_path();
+  return std::filesystem::read_symlink("/proc/self/exe", error);
+}
+
+/// What log-in is to start: this program, or the one file that it was unpacked from.
+std::filesystem::path programOf(const Environment& environment, const std::filesystem::path& executable) {
+  const std::filesystem::path image = environment.get("APPIMAGE");
+  return image.is_absolute() ? image : executable;
 }
 
 class LinuxPlatformServices final : public PlatformServices {
@@ -144,11 +154,20 @@ class LinuxPlatformServices final : public PlatformServices {
             [this](const std::function<void()>& work) { background_.run(work); },
             user_};
   }
+  [[nodiscard]] LoginItem& loginItem() override { return loginItem_; }
+  [[nodiscard]] WidgetCenter& widgetCenter() override { return widgetCenter_; }
+  [[nodiscard]] std::unique_ptr<Updater> makeUpdater(const UpdateFeed& feed, UpdateWindows& windows) override {
+    const ProgramVersion installed{bundleInfo_.version.value_or(""), bundleInfo_.shortVersion.value_or("Development")};
+    const UpdateSetup setup{{loop_, http_, utilityQueue_, workspace_, windows}, feed, installed};
+    return std::make_unique<ScheduledUpdater>(UpdateSchedule::Services{defaults_, *readers_.clock, loop_}, windows,
+                                              updateSessionFromModule(modules_, setup, {user_.home, folders_.config}));
+  }
 
  private:
   // In order of dependence: what comes later uses what comes before and goes first.
   const Environment environment_;
-  const std::filesystem::path prefix_ = installationPrefix();
+  const std::filesystem::path executable_ = executablePath();
+  const std::filesystem::path prefix_ = executable_.parent_path().parent_path();  // /usr, or a build folder
   const XdgFolders folders_ = xdgFolders(environment_.variables, accountHome());
   const std::string desktop_ = environment_.get("XDG_CURRENT_DESKTOP");
   const std::string sessionAddress_ = busAddressOf(environment_);
@@ -166,8 +185,12 @@ class LinuxPlatformServices final : public PlatformServices {
   SdBusConnection session_{loop_.event(), sessionAddress_, [this] { loop_.quit(); }};
   SdBusConnection system_{loop_.event(), systemAddress_};
   DbusApplicationInstance instance_{session_};
-  PortalWorkspace workspace_{
-      loop_.event(), session_.get(), {desktop_, environment_.get("PATH"), environment_.get("GTK_THEME")}};
+  PortalWorkspace workspace_{loop_.event(),
+                             session_.get(),
+                             {desktop_, environment_.get("PATH"), environment_.get("GTK_THEME"),
+                              applicationFolders(environment_.variables, folders_)}};
+  XdgLoginItem loginItem_{{folders_.config, programOf(environment_, executable_), desktop_, environment_.get("PATH")}};
+  XdgWidgetCenter widgetCenter_{session_.get(), folders_.data};
   PanelAppearance panel_{session_.get(), desktop_, workspace_};
   SniStatusBar statusBar_{loop_.event(), sessionAddress_, desktop_, panel_};
   LogindSystemSleep systemSleep_{system_.get()};

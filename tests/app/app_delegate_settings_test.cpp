@@ -1,0 +1,361 @@
+// SPDX-License-Identifier: MIT
+// The settings window as the application controller opens it, and what becomes of a changed setting.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "app/app_delegate_fixture.h"
+
+namespace nimbo {
+namespace {
+
+using namespace std::chrono_literals;
+
+class AppDelegateSettingsTest : public AppDelegateTest {
+ protected:
+  AppDelegateSettingsTest() { platform.bundle.appGroup = "group"; }
+
+  void openSettings() {
+    launch();
+    delegate->openSettings();
+    ASSERT_NE(preferences(), nullptr);
+  }
+  FakeSettingsWindow* preferences() const {
+    return interface == nullptr || interface->settingsWindows().empty() ? nullptr : interface->settingsWindows().back();
+  }
+  void showPage(SettingsPage page) { ASSERT_TRUE(preferences()->selectTab(static_cast<std::size_t>(page))); }
+  bool isOn(const std::string& identifier) const {
+    const auto* const box = preferences()->find<CheckBoxContent>(identifier);
+    return box != nullptr && box->on;
+  }
+  std::shared_ptr<FakeAlert> alert() const {
+    const auto open = interface->openAlerts();
+    return open.empty() ? nullptr : open.back();
+  }
+  std::chrono::milliseconds tickInterval() const { return platform.loop.repeatingTimers().front().interval; }
+};
+
+TEST_F(AppDelegateSettingsTest, WindowIsMadeOnceAndKept) {
+  openSettings();
+  EXPECT_TRUE(preferences()->visible());
+  preferences()->close();
+  delegate->openSettings();
+  EXPECT_EQ(interface->settingsWindows().size(), 1U);
+  EXPECT_TRUE(preferences()->visible());
+}
+
+TEST_F(AppDelegateSettingsTest, OpeningItClosesTheDashboard) {
+  launch();
+  clickItem("nimbo-memory");
+  window()->actions().openSettings();
+  EXPECT_FALSE(dashboardVisible());
+  EXPECT_TRUE(preferences()->visible());
+  EXPECT_EQ(preferences()->content().tabs.selected, 0U);
+}
+
+TEST_F(AppDelegateSettingsTest, ConfiguringSubscriptionsOpensTheirPage) {
+  launch();
+  clickItem("nimbo-ai");
+  window()->actions().usage.configure();
+  EXPECT_TRUE(preferences()->visible());
+  EXPECT_EQ(preferences()->content().tabs.selected, 2U);
+}
+
+TEST_F(AppDelegateSettingsTest, WithoutADisplayNothingHappens) {
+  hasDisplay = false;
+  launch();
+  delegate->openSettings();
+  EXPECT_EQ(interfacesMade, 0);
+}
+
+TEST_F(AppDelegateSettingsTest, MainMenuHasTheSettingsKey) {
+  openSettings();
+  ASSERT_FALSE(interface->mainMenu().sections.empty());
+  const auto& entry = interface->mainMenu().sections.front().entries.front();
+  EXPECT_EQ(entry.keyEquivalent, ",");
+  preferences()->close();
+  entry.action();
+  EXPECT_TRUE(preferences()->visible());
+}
+
+TEST_F(AppDelegateSettingsTest, PresentationMakesTheItemsAnewAtOnce) {
+  openSettings();
+  ASSERT_TRUE(preferences()->click("menuAwake"));
+  EXPECT_EQ(platform.bar.identifiers(), (std::vector<std::string>{"nimbo-ai", "nimbo-memory", "nimbo-awake"}));
+  ASSERT_TRUE(preferences()->click("compact"));
+  EXPECT_EQ(platform.bar.identifiers().size(), 1U);
+}
+
+TEST_F(AppDelegateSettingsTest, MonitorSwitchedOffLosesItsFiguresAndTheWidgetsLearnIt) {
+  settings.setMonitorTemperature(true);
+  openSettings();
+  ASSERT_TRUE(platform.temperatures.runOne());
+  platform.loop.runPosted();
+  finishWrites();
+  platform.widgets.events.clear();
+  showPage(SettingsPage::monitors);
+  ASSERT_TRUE(preferences()->click("temperature"));
+  finishWrites();
+  const auto& file = platform.widgets.files.begin()->second;
+  EXPECT_NE(file.find(R"("temperatureEnabled":false)"), std::string::npos) << file;
+  EXPECT_EQ(file.find(R"("temperature":)"), std::string::npos) << file;
+}
+
+TEST_F(AppDelegateSettingsTest, TemperatureReadBeforeAChangeOfMonitorsIsDropped) {
+  settings.setMonitorTemperature(true);
+  openSettings();
+  showPage(SettingsPage::monitors);
+  ASSERT_TRUE(preferences()->click("cpu"));  // while the first read is still out
+  ASSERT_TRUE(platform.temperatures.runOne());
+  platform.loop.runPosted();
+  finishWrites();
+  EXPECT_EQ(platform.widgets.files.begin()->second.find(R"("temperature":)"), std::string::npos);
+}
+
+TEST_F(AppDelegateSettingsTest, IntervalRestartsTheTimer) {
+  openSettings();
+  EXPECT_EQ(tickInterval(), 5s);
+  showPage(SettingsPage::monitors);
+  ASSERT_TRUE(preferences()->choose("interval", 3));
+  EXPECT_EQ(tickInterval(), 30s);
+}
+
+TEST_F(AppDelegateSettingsTest, SubscriptionSwitchedOnIsReadAsIfAskedForByHand) {
+  openSettings();
+  showPage(SettingsPage::usage);
+  ASSERT_TRUE(preferences()->click("codex"));
+  EXPECT_EQ(platform.background.waiting(), 1U);
+  EXPECT_NE(platform.bar.item("nimbo-ai")->content.toolTip.find("Refreshing…"), std::string::npos);
+  ASSERT_TRUE(preferences()->click("codex"));
+  EXPECT_EQ(platform.bar.item("nimbo-ai")->content.toolTip, "AI usage · enable a subscription in Settings");
+}
+
+TEST_F(AppDelegateSettingsTest, BatteryRuleEndsARunningSession) {
+  openSettings();
+  platform.batteries.onBattery(40);
+  delegate->quickToggleAwake();
+  ASSERT_TRUE(delegate->awake().isActive());
+  showPage(SettingsPage::awake);
+  ASSERT_TRUE(preferences()->choose("battery", 4));  // at 50 %
+  EXPECT_FALSE(delegate->awake().isActive());
+}
+
+TEST_F(AppDelegateSettingsTest, DisplayChoiceReachesARunningSession) {
+  openSettings();
+  delegate->quickToggleAwake();
+  showPage(SettingsPage::awake);
+  ASSERT_TRUE(preferences()->click("display"));
+  EXPECT_TRUE(settings.awakeDisplayOn());
+  EXPECT_EQ(platform.assertions.held().size(), 2U);
+}
+
+TEST_F(AppDelegateSettingsTest, ChoiceMadeOnTheDashboardShowsInTheOpenWindow) {
+  openSettings();
+  EXPECT_FALSE(isOn("display"));
+  delegate->toggleDisplayMode();
+  EXPECT_TRUE(isOn("display"));
+}
+
+TEST_F(AppDelegateSettingsTest, LoginIsRegisteredAndUnregistered) {
+  openSettings();
+  ASSERT_TRUE(preferences()->click("login"));
+  EXPECT_EQ(platform.login.current, LoginItemStatus::enabled);
+  EXPECT_TRUE(isOn("login"));
+  ASSERT_TRUE(preferences()->click("login"));
+  EXPECT_EQ(platform.login.current, LoginItemStatus::notRegistered);
+  EXPECT_FALSE(isOn("login"));
+}
+
+TEST_F(AppDelegateSettingsTest, LoginThatWaitsForApprovalOpensTheSystemsPage) {
+  platform.login.current = LoginItemStatus::requiresApproval;
+  openSettings();
+  ASSERT_TRUE(preferences()->click("login"));
+  EXPECT_EQ(platform.login.settingsOpened, 1);
+  EXPECT_EQ(platform.login.timesRegistered + platform.login.timesUnregistered, 0);
+}
+
+TEST_F(AppDelegateSettingsTest, RefusedLoginIsToldWithTheSystemsReason) {
+  platform.login.refusal = "Read-only file system";
+  openSettings();
+  ASSERT_TRUE(preferences()->click("login"));
+  EXPECT_FALSE(isOn("login"));
+  ASSERT_NE(alert(), nullptr);
+  EXPECT_EQ(alert()->content().title, "Couldn’t update launch at login");
+  EXPECT_EQ(alert()->content().text,
+            "Keep Nimbo in Applications before enabling launch at login. Read-only file system");
+  EXPECT_TRUE(alert()->answer(0));
+  EXPECT_EQ(alert(), nullptr);
+}
+
+TEST_F(AppDelegateSettingsTest, DesktopFallbackAsksForTrustBeforeItOpensTheApplication) {
+  openSettings();
+  showPage(SettingsPage::usage);
+  ASSERT_TRUE(preferences()->press("enableClaudeDesktop"));
+  EXPECT_TRUE(platform.desktop.applicationsOpened.empty());
+  ASSERT_TRUE(platform.claude.runOne());
+  EXPECT_EQ(platform.screens->log.back(), "request trust");
+  platform.loop.runPosted();
+  EXPECT_EQ(platform.desktop.applicationsOpened, (std::vector<std::string>{"com.anthropic.claudefordesktop"}));
+  EXPECT_EQ(alert(), nullptr);
+}
+
+TEST_F(AppDelegateSettingsTest, MissingDesktopApplicationIsTold) {
+  platform.desktop.installed.clear();
+  openSettings();
+  showPage(SettingsPage::usage);
+  ASSERT_TRUE(preferences()->press("enableClaudeDesktop"));
+  ASSERT_TRUE(platform.claude.runOne());
+  platform.loop.runPosted();
+  ASSERT_NE(alert(), nullptr);
+  EXPECT_EQ(alert()->content().title, "Claude Desktop couldn’t be opened");
+}
+
+TEST_F(AppDelegateSettingsTest, CheckWithoutAFeedSaysSo) {
+  openSettings();
+  ASSERT_TRUE(preferences()->press("checkUpdates"));
+  ASSERT_NE(alert(), nullptr);
+  EXPECT_EQ(alert()->content().title, "Updates aren’t connected yet");
+  EXPECT_TRUE(platform.updateFeeds.empty());
+}
+
+TEST_F(AppDelegateSettingsTest, UpdaterOfAConfiguredBuildStartsAtLaunchAndFollowsTheCheckBox) {
+  platform.bundle.feedUrl = "https://updates.example/feed.xml";
+  platform.bundle.publicKey = "key";
+  openSettings();
+  ASSERT_EQ(platform.updateFeeds.size(), 1U);
+  ASSERT_TRUE(preferences()->click("updates"));
+  EXPECT_TRUE(platform.updater->automatic);
+  EXPECT_TRUE(isOn("updates"));
+  ASSERT_TRUE(preferences()->press("checkUpdates"));
+  EXPECT_EQ(platform.updater->checks, 1);
+}
+
+TEST_F(AppDelegateSettingsTest, FailedWidgetFileIsToldInTheWindow) {
+  platform.widgets.failsToWrite = true;
+  openSettings();
+  showPage(SettingsPage::monitors);
+  ASSERT_TRUE(preferences()->click("cpu"));
+  finishWrites();
+  bool told = false;
+  for (const auto& control : preferences()->content().pages.front().controls) {
+    const auto* const label = std::get_if<LabelContent>(&control);
+    told = told || (label != nullptr && label->text.starts_with("Widget sharing unavailable."));
+  }
+  EXPECT_TRUE(told);
+}
+
+class AppDelegateLinksTest : public AppDelegateTest {};
+
+TEST_F(AppDelegateLinksTest, LinkOpensItsTabUnderTheFirstItem) {
+  launch();
+  delegate->open({"nimbo://awake"});
+  ASSERT_TRUE(dashboardVisible());
+  EXPECT_EQ(content().tabs.selected, 2U);
+  EXPECT_EQ(settings.lastDashboardTab(), DashboardTab::awake);
+}
+
+TEST_F(AppDelegateLinksTest, ResourcesMeanTheMemoryTab) {
+  launch();
+  delegate->open({"nimbo://resources"});
+  EXPECT_EQ(content().tabs.selected, 1U);
+}
+
+TEST_F(AppDelegateLinksTest, LinkMovesTheOpenDashboardToItsTab) {
+  launch();
+  clickItem("nimbo-memory");
+  delegate->open({"nimbo://usage"});
+  ASSERT_TRUE(dashboardVisible());
+  EXPECT_EQ(content().tabs.selected, 0U);
+}
+
+TEST_F(AppDelegateLinksTest, LastLinkThatLeadsSomewhereCounts) {
+  launch();
+  delegate->open({"nimbo://usage", "nimbo://awake", "nimbo://memory", "https://example.com"});
+  EXPECT_EQ(content().tabs.selected, 2U);
+}
+
+TEST_F(AppDelegateLinksTest, LinksThatLeadNowhereOpenNothing) {
+  launch();
+  delegate->open({"nimbo://memory", "nimbo://usage?x=1"});
+  EXPECT_EQ(interfacesMade, 0);
+}
+
+TEST_F(AppDelegateLinksTest, LinkBeforeLaunchOpensOnceRightAfterIt) {
+  delegate->open({"nimbo://usage"});
+  delegate->open({"nimbo://awake"});
+  EXPECT_EQ(interfacesMade, 0);
+  launch();
+  platform.loop.runPosted();
+  ASSERT_TRUE(dashboardVisible());
+  EXPECT_EQ(content().tabs.selected, 2U);
+  delegate->open({"nimbo://memory"});
+  EXPECT_EQ(content().tabs.selected, 2U);
+}
+
+class AppDelegateWidgetsTest : public AppDelegateTest {
+ protected:
+  std::size_t writes() const {
+    return static_cast<std::size_t>(std::ranges::count_if(
+        platform.widgets.events, [](const std::string& event) { return event.starts_with("write "); }));
+  }
+  void acceptTemperature() {
+    ASSERT_TRUE(platform.temperatures.runOne());
+    platform.loop.runPosted();
+    finishWrites();
+  }
+};
+
+TEST_F(AppDelegateWidgetsTest, FirstTemperatureIsWrittenAtOnceAndTheNextOnesEveryFiveMinutes) {
+  settings.setMonitorTemperature(true);
+  platform.bundle.appGroup = "group";
+  launch();
+  finishWrites();
+  EXPECT_EQ(writes(), 1U) << "the first tick";
+  acceptTemperature();
+  EXPECT_EQ(writes(), 2U) << "the first temperature";
+  platform.loop.advance(5s);
+  acceptTemperature();
+  EXPECT_EQ(writes(), 2U);
+  platform.loop.advance(296s);
+  finishWrites();
+  EXPECT_EQ(writes(), 3U);
+}
+
+TEST_F(AppDelegateWidgetsTest, NothingIsWrittenForAUserWithNothingToShow) {
+  platform.bundle.appGroup = "group";
+  launch();
+  platform.loop.advance(1h);
+  finishWrites();
+  EXPECT_TRUE(platform.widgets.events.empty());
+}
+
+TEST_F(AppDelegateWidgetsTest, AllowancesReachTheWidgetsWhenTheyHaveBeenRead) {
+  settings.setUsageEnabled(UsageProvider::codex, true);
+  platform.bundle.appGroup = "group";
+  platform.secretFiles.texts["/home/u/.codex/auth.json"] = R"({"tokens":{"access_token":"secret"}})";
+  launch();
+  finishWrites();
+  ASSERT_TRUE(platform.background.runOne());
+  platform.loop.runPosted();
+  ASSERT_TRUE(platform.network.answer(200, R"({"rate_limit":{"primary_window":{"used_percent":25}}})"));
+  platform.loop.runPosted();
+  finishWrites();
+  const auto& file = platform.widgets.files.begin()->second;
+  EXPECT_NE(file.find(R"("usedPercent":25)"), std::string::npos) << file;
+  EXPECT_EQ(file.find("secret"), std::string::npos);
+}
+
+TEST_F(AppDelegateWidgetsTest, ProgramWithoutWidgetsNeverWrites) {
+  settings.setMonitorTemperature(true);
+  platform.bundle.appGroup = "group";
+  delegate = std::make_unique<AppDelegate>(
+      platform, [] { return std::unique_ptr<UserInterface>(); }, settings, AppDelegate::Widgets::none);
+  launch();
+  acceptTemperature();
+  EXPECT_TRUE(platform.widgets.events.empty());
+}
+
+}  // namespace
+}  // namespace nimbo
