@@ -25,12 +25,15 @@ class UpdateAlertsTest : public ::testing::Test {
   FakeWorkspace workspace;
   bool hasDisplay = true;
   FakeUserInterface* interface = nullptr;
-  Toolkit toolkit{loop, workspace, [this]() -> std::unique_ptr<UserInterface> {
+  Toolkit toolkit{loop,
+                  workspace,
+                  [this]() -> std::unique_ptr<UserInterface> {
                     if (!hasDisplay) return nullptr;
                     auto made = std::make_unique<FakeUserInterface>();
                     interface = made.get();
                     return made;
-                  }};
+                  },
+                  {}};
   int roomMade = 0;
   std::vector<std::size_t> answers;
   UpdateAlerts alerts{toolkit, loop, [this] { ++roomMade; }};
