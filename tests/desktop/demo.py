@@ -62,6 +62,7 @@ def show(folder, dark, scale):
         point_nowhere(session)
         panel.settled_picture(folder / f"menu-{name}.png")
         session_key(session, "Escape")
+        show_settings(session, panel, nimbo, folder, name, (x + width // 2, y + height // 2))
         if can_keep_awake:
             show_session(session, panel, nimbo, folder, name, (x + width // 2, y + height // 2))
         status = nimbo.terminate()
@@ -69,6 +70,24 @@ def show(folder, dark, scale):
             raise SystemExit(f"nimbo ended with status {status}: {nimbo.errors()}")
     finally:
         session.close()
+
+
+def show_settings(session, panel, nimbo, folder, name, item):
+    click(session, *item)
+    nimbo.wait_for_dashboard()
+    nimbo.press("Settings")
+    for page in ("General", "Monitors", "AI Usage", "Keep Awake"):
+        nimbo.press(page)
+        wait_until(
+            lambda page=page: any(
+                control["name"] == page and control["role"] == "panel" for control in nimbo.controls()
+            ),
+            f"the page {page}",
+        )
+        point_nowhere(session)
+        panel.settled_picture(folder / f"settings-{page.lower().replace(' ', '-')}-{name}.png")
+    session_key(session, "ctrl+w")
+    nimbo.wait_for_no_dashboard()
 
 
 def show_session(session, panel, nimbo, folder, name, item):

@@ -22,6 +22,12 @@ class SettingsWindowTest(DesktopTest):
     def setUp(self):
         super().setUp()
         self.session.start(["xfwm4", "--compositor=off"], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        # Windows that are open while it starts change hands, which closes a dashboard.
+        wait_until(self.has_window_manager, "the window manager")
+
+    def has_window_manager(self):
+        ask = ["xprop", "-root", "_NET_SUPPORTING_WM_CHECK"]
+        return "window id" in subprocess.run(ask, env=self.session.env, capture_output=True, text=True).stdout
 
     def launch(self, page=None, **settings):
         self.path = self.session.settings(**settings)
