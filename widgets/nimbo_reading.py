@@ -84,11 +84,12 @@ def default_file():
 
 def _group():
     """The group of the installation that this file is part of, or the usual one."""
-    try:
-        info = json.loads((pathlib.Path(__file__).resolve().parent.parent / "Info.json").read_text())
-        return str(info["NimboAppGroup"])
-    except (OSError, ValueError, LookupError, TypeError):
-        return GROUP
+    for folder in pathlib.Path(__file__).resolve().parents:
+        try:
+            return str(json.loads((folder / "nimbo" / "Info.json").read_text())["NimboAppGroup"])
+        except (OSError, ValueError, LookupError, TypeError):
+            continue
+    return GROUP
 
 
 def read(path):

@@ -164,10 +164,12 @@ class FileTest(unittest.TestCase):
     def test_installed_widgets_follow_the_group_of_their_installation(self):
         os.environ["XDG_DATA_HOME"] = "/data"
         with tempfile.TemporaryDirectory() as share:
-            (pathlib.Path(share) / "widgets").mkdir()
-            copy = shutil.copy(nimbo_reading.__file__, pathlib.Path(share) / "widgets")
+            widgets = pathlib.Path(share) / "doc" / "nimbo" / "examples" / "widgets"
+            widgets.mkdir(parents=True)
+            (pathlib.Path(share) / "nimbo").mkdir()
+            copy = shutil.copy(nimbo_reading.__file__, widgets)
             for info, group in (('{"NimboAppGroup": "Other"}', "Other"), ("{}", nimbo_reading.GROUP)):
-                (pathlib.Path(share) / "Info.json").write_text(info)
+                (pathlib.Path(share) / "nimbo" / "Info.json").write_text(info)
                 installed = runpy.run_path(copy)
                 self.assertEqual(installed["default_file"]().parent, pathlib.Path("/data") / group)
 
