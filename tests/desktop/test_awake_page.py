@@ -196,7 +196,8 @@ class AwakePageTest(DesktopTest):
     def test_page_is_usable_by_keyboard_alone(self):
         self.open()
         self.wait_for("Ready for your next run")  # by then it has the keyboard, too
-        for name in ("Awake", "Keep Mac awake", "Session", "Keep display on too", "Only while connected to power"):
+        boxes = ("Keep display on too", "Only while connected to power")
+        for name in ("Awake", "Settings", "Keep Mac awake", "Session", *boxes):
             self.key("Tab")
             wait_until(lambda: name in self.focused(), f"the focus on {name}")
         self.key("space")
