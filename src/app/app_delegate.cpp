@@ -194,8 +194,8 @@ void AppDelegate::toggleLogin() {
 
 void AppDelegate::showNotice(const std::string& title, const std::string& text) {
   auto* const interface = toolkit_.interface();
-  if (interface != nullptr)
-    notice_ = interface->showAlert({title, text, {"OK"}}, [this](std::size_t) { notice_.reset(); });
+  if (interface == nullptr) return;
+  notice_ = interface->showAlert({title, text, {"OK"}}, [this](std::size_t) { notice_.reset(); });
 }
 
 // Applications learn when they start that somebody wants to look, so that comes first.

@@ -62,7 +62,7 @@ struct Word {
   bool isQuoted = false;
 };
 
-// Single quotes are no part of the specification, but of many files. Of the codes that start with "%" only "%%"
+// No rule knows single quotes, but many files have them. Of the codes that start with "%" only "%%"
 // stands for anything when nothing is to be opened.
 std::optional<Word> takeWord(std::string_view& rest) {
   Word word;

@@ -9,7 +9,7 @@
 
 namespace nimbo {
 
-/// What the main group of a .desktop file says, by the Desktop Entry Specification.
+/// What the main group of a .desktop file says, by freedesktop.org's rules for desktop entries.
 class DesktopEntry {
  public:
   /// Absent when the text has no group "Desktop Entry".

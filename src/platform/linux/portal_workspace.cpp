@@ -28,7 +28,7 @@ bool isDarkTheme(std::string name) {
   return name.ends_with("-dark") || name.ends_with(":dark");
 }
 
-// Where an application of that bus name has its object, by the Desktop Entry Specification.
+// Where an application of that bus name has its object, by freedesktop.org's rules for desktop entries.
 std::string objectPath(const std::string& busName) {
   std::string path = "/" + busName;
   std::replace(path.begin(), path.end(), '.', '/');

@@ -8,9 +8,9 @@
 
 namespace nimbo {
 
-/// An entry in the user's autostart folder, by the Desktop Application Autostart Specification. A
-/// system-wide entry of the same name is not looked for: this program installs none. Nobody has to
-/// approve an entry, so that state never occurs. Main thread only.
+/// An entry in the user's autostart folder, by freedesktop.org's rules for autostart. A system-wide entry
+/// of the same name is not looked for: this program installs none. Nobody has to approve an entry, so
+/// that state never occurs. Main thread only.
 class XdgLoginItem final : public LoginItem {
  public:
   struct Setup {
