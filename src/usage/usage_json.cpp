@@ -6,7 +6,7 @@
 #include <string_view>
 #include <utility>
 
-#include "usage/bounded_json.h"
+#include "base/bounded_json.h"
 #include "usage/iso8601.h"
 
 namespace nimbo {

@@ -10,7 +10,7 @@
 #include <string>
 #include <utility>
 
-#include "usage/bounded_json.h"
+#include "base/bounded_json.h"
 #include "usage/iso8601.h"
 #include "usage/usage_messages.h"
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include <nlohmann/json.hpp>
 
+#include "base/bounded_json.h"
 #include "fuzz/fuzz_input.h"
-#include "usage/bounded_json.h"
 #include "usage/usage_json.h"
 
 using namespace nimbo;

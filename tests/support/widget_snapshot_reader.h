@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "app/widget_snapshot.h"
-#include "usage/bounded_json.h"
+#include "base/bounded_json.h"
 #include "usage/usage_json.h"
 
 namespace nimbo {

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "base/bounded_json.h"
 #include "platform/linux/json_object_text.h"
 #include "platform/linux/regular_file.h"
 #include "platform/preference_value.h"

@@ -12,6 +12,7 @@
 #include <string>
 #include <utility>
 
+#include "base/bounded_json.h"
 #include "platform/linux/atomic_file.h"
 #include "platform/linux/json_object_text.h"
 

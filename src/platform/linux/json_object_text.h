@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <cstddef>
 #include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
@@ -9,10 +8,7 @@
 
 namespace nimbo {
 
-inline constexpr std::size_t kMaximumJsonBytes = std::size_t{1} << 20;
-
-/// The JSON object that is the whole text; of duplicate keys the last counts. Absent for anything else:
-/// not JSON, invalid UTF-8, another root, more than `kMaximumJsonBytes`, or nested deeper than 64 levels.
+/// The JSON object that is the whole text, within the bounds of `parseBoundedJson`. Absent for anything else.
 [[nodiscard]] std::optional<nlohmann::json> parseJsonObject(std::string_view text);
 
 /// For people to edit: one member a line, sorted by key. Invalid UTF-8 becomes U+FFFD.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "usage/bounded_json.h"
+#include "base/bounded_json.h"
 
 #include <cmath>
 #include <nlohmann/json.hpp>
@@ -9,16 +9,17 @@ namespace {
 
 using nlohmann::json;
 
-// Copying and comparing a value recurse once per level.
+// Copying, comparing and writing a value recurse once per level.
 constexpr int kMaximumDepth = 64;
 
 }  // namespace
 
 std::optional<json> parseBoundedJson(std::string_view text) {
-  if (text.size() > kMaximumUsageJsonBytes) return std::nullopt;
+  if (text.size() > kMaximumJsonBytes) return std::nullopt;
   bool tooDeep = false;
   const auto watchDepth = [&tooDeep](int depth, json::parse_event_t event, const json&) {
-    const bool opens = event == json::parse_event_t::object_start || event == json::parse_event_t::array_start;
+    using Event = json::parse_event_t;
+    const bool opens = event == Event::object_start || event == Event::array_start;
     tooDeep = tooDeep || (opens && depth >= kMaximumDepth);
     return !tooDeep;
   };

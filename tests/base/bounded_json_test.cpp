@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "usage/bounded_json.h"
+#include "base/bounded_json.h"
 
 #include <gtest/gtest.h>
 
@@ -36,7 +36,7 @@ TEST(BoundedJson, HalfAMillionLevelsAreRefusedWithoutHarm) {
 }
 
 TEST(BoundedJson, OneByteTooManyIsRefused) {
-  const std::string largest = "\"" + std::string(kMaximumUsageJsonBytes - 2, 'x') + "\"";
+  const std::string largest = "\"" + std::string(kMaximumJsonBytes - 2, 'x') + "\"";
   EXPECT_TRUE(parseBoundedJson(largest));
   EXPECT_EQ(parseBoundedJson(largest + " "), std::nullopt);
 }

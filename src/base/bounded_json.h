@@ -8,10 +8,10 @@
 
 namespace nimbo {
 
-inline constexpr std::size_t kMaximumUsageJsonBytes = std::size_t{1} << 20;
+inline constexpr std::size_t kMaximumJsonBytes = std::size_t{1} << 20;
 
-/// The JSON value that is the whole of `text`, which a stranger wrote. Absent for anything else: not JSON,
-/// invalid UTF-8, more than `kMaximumUsageJsonBytes`, or nested deeper than 64 levels.
+/// The JSON value that is the whole of `text`, which a stranger wrote; of duplicate keys the last counts. Absent for
+/// anything else: not JSON, invalid UTF-8, more than `kMaximumJsonBytes`, or nested deeper than 64 levels.
 [[nodiscard]] std::optional<nlohmann::json> parseBoundedJson(std::string_view text);
 
 /// A member of an object; null when the value is no object or has no such member.
