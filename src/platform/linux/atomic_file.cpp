@@ -1,21 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "platform/linux/atomic_file.h"
 
-#include <fcntl.h>
-#include <stdlib.h>
 #include <sys/stat.h>
 
-#include <cerrno>
 #include <cstdio>
 
-#include "platform/linux/unique_fd.h"
+#include "platform/linux/last_error.h"
+#include "platform/linux/private_folders.h"
 
 namespace nimbo {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::error_code lastError() { return {errno, std::generic_category()}; }
 
 // By hand because the standard library's canonical forms want the end of the chain to exist.
 Result<fs::path, std::error_code> followLinks(fs::path file) {
@@ -30,23 +26,6 @@ Result<fs::path, std::error_code> followLinks(fs::path file) {
   return tl::unexpected(std::make_error_code(std::errc::too_many_symbolic_link_levels));
 }
 
-std::error_code makeFolders(const fs::path& folder) {
-  if (::mkdir(folder.c_str(), S_IRWXU) == 0 || errno == EEXIST) return {};
-  if (errno != ENOENT || folder == folder.parent_path()) return lastError();
-  if (const auto error = makeFolders(folder.parent_path())) return error;
-  return ::mkdir(folder.c_str(), S_IRWXU) == 0 || errno == EEXIST ? std::error_code() : lastError();
-}
-
-std::error_code writeAll(int descriptor, std::string_view contents) {
-  while (!contents.empty()) {
-    const ssize_t count = ::write(descriptor, contents.data(), contents.size());
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) return lastError();
-    contents.remove_prefix(static_cast<std::size_t>(count));
-  }
-  return ::fsync(descriptor) == 0 ? std::error_code() : lastError();
-}
-
 }  // namespace
 
 Result<AtomicFile, std::error_code> AtomicFile::prepare(const fs::path& file, std::string_view contents, Links links) {
@@ -59,16 +38,12 @@ Result<AtomicFile, std::error_code> AtomicFile::prepare(const fs::path& file, st
   if (::lstat(target->c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
     return tl::unexpected(std::make_error_code(std::errc::not_supported));
   }
-  error = makeFolders(target->parent_path());
+  error = makePrivateFolders(target->parent_path());
   if (error) return tl::unexpected(error);
 
-  std::string name = (target->parent_path() / ("." + target->filename().string() + ".XXXXXX")).string();
-  const UniqueFd descriptor(::mkostemp(name.data(), O_CLOEXEC));
-  if (!descriptor) return tl::unexpected(lastError());
-  TemporaryName temporary(name);
-  error = writeAll(descriptor.get(), contents);
-  if (error) return tl::unexpected(error);
-  return AtomicFile(*target, std::move(temporary));
+  auto temporary = writeTemporaryFile(*target, contents);
+  if (!temporary) return tl::unexpected(temporary.error());
+  return AtomicFile(*target, std::move(*temporary));
 }
 
 std::error_code AtomicFile::commit() {

@@ -1,16 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <unistd.h>
-
 #include <filesystem>
-#include <string>
 #include <string_view>
 #include <system_error>
 #include <utility>
 
 #include "base/result.h"
-#include "base/unique_handle.h"
+#include "platform/linux/temporary_file.h"
 
 namespace nimbo {
 
@@ -37,13 +34,6 @@ class AtomicFile {
   [[nodiscard]] std::error_code commit();
 
  private:
-  struct TemporaryNameTraits {
-    using Handle = std::string;
-    static Handle invalid() { return {}; }
-    static void release(const Handle& name) { ::unlink(name.c_str()); }
-  };
-  using TemporaryName = UniqueHandle<TemporaryNameTraits>;
-
   AtomicFile(std::filesystem::path target, TemporaryName temporary)
       : target_(std::move(target)), temporary_(std::move(temporary)) {}
 

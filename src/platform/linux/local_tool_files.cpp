@@ -11,6 +11,8 @@
 #include <string>
 #include <string_view>
 
+#include "platform/linux/last_error.h"
+#include "platform/linux/private_folders.h"
 #include "platform/linux/unique_fd.h"
 
 namespace nimbo {
@@ -19,15 +21,6 @@ namespace {
 namespace fs = std::filesystem;
 
 using State = PrivateFolder::State;
-
-std::error_code lastError() { return {errno, std::generic_category()}; }
-
-std::error_code makeFolders(const fs::path& folder) {
-  if (::mkdir(folder.c_str(), S_IRWXU) == 0 || errno == EEXIST) return {};
-  if (errno != ENOENT || folder == folder.parent_path()) return lastError();
-  if (const auto error = makeFolders(folder.parent_path())) return error;
-  return ::mkdir(folder.c_str(), S_IRWXU) == 0 || errno == EEXIST ? std::error_code() : lastError();
-}
 
 bool isLink(const fs::path& path) {
   struct stat status {};
@@ -80,7 +73,7 @@ bool LocalToolFiles::isExecutable(const fs::path& file) const {
 
 Result<PrivateFolder, std::error_code> LocalToolFiles::preparePrivateFolder(const fs::path& given) const {
   const fs::path folder = withoutTrailingSlash(given);
-  if (const auto error = makeFolders(folder)) return tl::unexpected(error);
+  if (const auto error = makePrivateFolders(folder)) return tl::unexpected(error);
   const UniqueFd opened(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
   if (!opened) {
     const std::error_code error = lastError();

@@ -8,12 +8,11 @@
 #include <cerrno>
 
 #include "base/wipe.h"
+#include "platform/linux/last_error.h"
 #include "platform/linux/unique_fd.h"
 
 namespace nimbo {
 namespace {
-
-tl::unexpected<std::error_code> lastError() { return tl::unexpected(std::error_code(errno, std::generic_category())); }
 
 /// Fills `text` as far as the file reaches and returns how far that is.
 Result<std::size_t, std::error_code> fill(std::string& text, int descriptor) {
@@ -21,7 +20,7 @@ Result<std::size_t, std::error_code> fill(std::string& text, int descriptor) {
   while (filled < text.size()) {
     const ssize_t count = ::read(descriptor, text.data() + filled, text.size() - filled);
     if (count < 0 && errno == EINTR) continue;
-    if (count < 0) return lastError();
+    if (count < 0) return tl::unexpected(lastError());
     if (count == 0) break;
     filled += static_cast<std::size_t>(count);
   }
@@ -33,9 +32,9 @@ Result<std::size_t, std::error_code> fill(std::string& text, int descriptor) {
 Result<std::string, std::error_code> PlainSecretFiles::read(const std::filesystem::path& file,
                                                             std::size_t maximumBytes) const {
   const UniqueFd descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
-  if (!descriptor) return lastError();
+  if (!descriptor) return tl::unexpected(lastError());
   struct stat status {};
-  if (::fstat(descriptor.get(), &status) != 0) return lastError();
+  if (::fstat(descriptor.get(), &status) != 0) return tl::unexpected(lastError());
   if (!S_ISREG(status.st_mode)) return tl::unexpected(std::make_error_code(std::errc::not_supported));
   const auto bytes = static_cast<std::size_t>(status.st_size);
   if (bytes > maximumBytes) return tl::unexpected(std::make_error_code(std::errc::file_too_large));

@@ -6,17 +6,15 @@
 #include <sys/ioctl.h>
 
 #include <array>
-#include <cerrno>
 #include <utility>
 
+#include "platform/linux/last_error.h"
 #include "platform/linux/pty_program.h"
 #include "platform/linux/session_spawn.h"
 #include "platform/linux/unique_fd.h"
 
 namespace nimbo {
 namespace {
-
-std::error_code lastError() { return {errno, std::generic_category()}; }
 
 // Not openpty(): its descriptors are not close-on-exec, and another thread may start a program meanwhile.
 Result<UniqueFd, std::error_code> openPrimary(TerminalSize size) {

@@ -7,8 +7,9 @@
 #include <sys/syscall.h>
 #include <sys/wait.h>
 
-#include <cerrno>
 #include <vector>
+
+#include "platform/linux/last_error.h"
 
 namespace nimbo {
 namespace {
@@ -102,10 +103,10 @@ Result<SessionLeader, std::error_code> spawnSession(const ChildProgram& program,
   // glibc 2.36 declares its wrapper without C linkage.
   SessionLeader leader{*pid, UniqueFd(static_cast<int>(::syscall(SYS_pidfd_open, *pid, 0)))};
   if (leader.descriptor) return leader;
-  const std::error_code code(errno, std::generic_category());
+  const std::error_code reason = lastError();
   ::kill(*pid, SIGKILL);
   ::waitpid(*pid, nullptr, 0);
-  return tl::unexpected(code);
+  return tl::unexpected(reason);
 }
 
 }  // namespace nimbo

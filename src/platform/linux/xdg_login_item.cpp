@@ -13,6 +13,7 @@
 #include "platform/linux/atomic_file.h"
 #include "platform/linux/desktop_entry.h"
 #include "platform/linux/desktop_name.h"
+#include "platform/linux/last_error.h"
 #include "platform/linux/regular_file.h"
 
 namespace nimbo {
@@ -38,8 +39,6 @@ X-GNOME-Autostart-enabled=true
 tl::unexpected<LoginItemError> failure(std::error_code error) {
   return tl::unexpected(LoginItemError{error.message()});
 }
-
-std::error_code lastError() { return {errno, std::generic_category()}; }
 
 bool isShownOn(const DesktopEntry& entry, const std::string& desktop) {
   const auto isHere = [&desktop](const std::string& name) { return desktopIs(desktop, name); };

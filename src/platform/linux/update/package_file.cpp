@@ -3,12 +3,12 @@
 
 #include <fcntl.h>
 #include <stdio.h>
-#include <stdlib.h>
 #include <unistd.h>
 
 #include <cerrno>
 
-#include "platform/linux/unique_fd.h"
+#include "platform/linux/last_error.h"
+#include "platform/linux/temporary_file.h"
 
 namespace nimbo {
 namespace {
@@ -16,25 +16,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int kMostNames = 100;
-
-std::error_code lastError() { return {errno, std::generic_category()}; }
-
-struct TemporaryNameTraits {
-  using Handle = std::string;
-  static Handle invalid() { return {}; }
-  static void release(const Handle& name) { ::unlink(name.c_str()); }
-};
-using TemporaryName = UniqueHandle<TemporaryNameTraits>;
-
-std::error_code writeAll(int descriptor, std::string_view contents) {
-  while (!contents.empty()) {
-    const ssize_t count = ::write(descriptor, contents.data(), contents.size());
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) return lastError();
-    contents.remove_prefix(static_cast<std::size_t>(count));
-  }
-  return ::fsync(descriptor) == 0 ? std::error_code() : lastError();
-}
 
 /// Another name for the file, which must be nobody's.
 std::error_code giveName(const std::string& file, const fs::path& name) {
@@ -57,15 +38,11 @@ Result<fs::path, std::error_code> savePackage(const fs::path& folder, const std:
   std::error_code error;
   fs::create_directories(folder, error);
   if (error) return tl::unexpected(error);
-  std::string hidden = (folder / ("." + name + ".XXXXXX")).string();
-  const UniqueFd descriptor(::mkostemp(hidden.data(), O_CLOEXEC));
-  if (!descriptor) return tl::unexpected(lastError());
-  const TemporaryName temporary(hidden);
-  error = writeAll(descriptor.get(), package);
-  if (error) return tl::unexpected(error);
+  const auto hidden = writeTemporaryFile(folder / name, package);
+  if (!hidden) return tl::unexpected(hidden.error());
   for (int number = 0; number < kMostNames; ++number) {
     const fs::path file = folder / numbered(name, number);
-    error = giveName(hidden, file);
+    error = giveName(hidden->get(), file);
     if (!error) return file;
     if (error != std::errc::file_exists) break;
   }
