@@ -235,6 +235,17 @@ TEST_F(SniStatusBarTest, ChangedAccessibleNameIsSignalledAsATitle) {
             (Signals{{"NewTitle", {}}, {"PropertiesChanged", {"IconAccessibleDesc", "Title"}}}));
 }
 
+TEST_F(SniStatusBarTest, NothingIsNamedWhereTheNameWouldBeInTheToolTip) {
+  const std::string name = shown(content(), "XFCE");
+  EXPECT_EQ(host->text(name, "Title"), "");
+  EXPECT_EQ(host->text(name, "IconAccessibleDesc"), "");
+  host->takeSignals(name);
+  StatusItemContent changed = content();
+  changed.accessibleName = "Keep Awake, on";
+  item->setContent(changed);
+  EXPECT_EQ(host->takeSignals(name), Signals{});
+}
+
 TEST_F(SniStatusBarTest, EverythingChangedAtOnceIsOneBurst) {
   const std::string name = shown(content("70%"));
   host->takeSignals(name);

@@ -17,7 +17,7 @@ SniStatusBar::SniStatusBar(sd_event* event, std::string sessionAddress, const st
       sessionAddress_(std::move(sessionAddress)),
       clickOpensMenu_(desktopIs(desktop, "GNOME")),
       toolTipTitle_(toolTipTitleOn(desktop)),
-      // xfce4-panel shows the title as the second line of a tooltip that has none.
+      // xfce4-panel shows either as the second line of a tooltip that has none, and tells screen readers neither.
       titled_(!desktopIs(desktop, "XFCE")),
       panel_(panel),
       pacer_(event) {}

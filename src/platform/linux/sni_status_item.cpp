@@ -75,7 +75,7 @@ std::vector<sd_bus_vtable> SniStatusItem::makeTable(bool labelled) {
       SD_BUS_PROPERTY("IconName", "s", (busProperty<Self, &Self::iconName>), 0, kConst),
       // 35 KB that every host reads again after NewIcon would be sent for nothing with a change.
       SD_BUS_PROPERTY("IconPixmap", "a(iiay)", (busProperty<Self, &Self::iconPixmap>), 0, 0),
-      SD_BUS_PROPERTY("IconAccessibleDesc", "s", (busProperty<Self, &Self::accessibleDescription>), 0, kChanges),
+      SD_BUS_PROPERTY("IconAccessibleDesc", "s", (busProperty<Self, &Self::title>), 0, kChanges),
       SD_BUS_PROPERTY("ToolTip", "(sa(iiay)ss)", (busProperty<Self, &Self::toolTip>), 0, kChanges),
       SD_BUS_PROPERTY("ItemIsMenu", "b", (busProperty<Self, &Self::itemIsMenu>), 0, kConst),
       SD_BUS_PROPERTY("Menu", "o", (busProperty<Self, &Self::menuPath>), 0, kConst),
@@ -164,7 +164,7 @@ void SniStatusItem::setContent(const StatusItemContent& content) {
   if (!announced_ || content == before) return;
   std::vector<const char*> changed;
   if (!(content.image == before.image)) emit("NewIcon");
-  if (content.accessibleName != before.accessibleName) {
+  if (setup_.titled && content.accessibleName != before.accessibleName) {
     emit("NewTitle");
     changed.insert(changed.end(), {"Title", "IconAccessibleDesc"});
   }
@@ -253,10 +253,6 @@ int SniStatusItem::iconPixmap(sd_bus_message* reply) const {
     if (result >= 0) result = sd_bus_message_close_container(reply);
   }
   return result >= 0 ? sd_bus_message_close_container(reply) : result;
-}
-
-int SniStatusItem::accessibleDescription(sd_bus_message* reply) const {
-  return sd_bus_message_append(reply, "s", titleText(content_).c_str());
 }
 
 int SniStatusItem::toolTip(sd_bus_message* reply) const {

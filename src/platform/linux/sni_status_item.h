@@ -26,7 +26,7 @@ class SniStatusItem final : public StatusItem {
     std::string identifier;  ///< names the item to hosts across restarts
     bool dashboardInMenu;    ///< the host opens the menu on a plain click, so the menu offers the dashboard
     ToolTipTitle toolTipTitle;
-    bool titled;  ///< the host does not put the title below the tooltip
+    bool titled;  ///< has a title and an accessible description
   };
 
   /// `panel` and `pacer` outlive the item.
@@ -56,7 +56,6 @@ class SniStatusItem final : public StatusItem {
   int windowId(sd_bus_message* reply) const;
   int iconName(sd_bus_message* reply) const;
   int iconPixmap(sd_bus_message* reply) const;
-  int accessibleDescription(sd_bus_message* reply) const;
   int toolTip(sd_bus_message* reply) const;
   int itemIsMenu(sd_bus_message* reply) const;
   int menuPath(sd_bus_message* reply) const;
