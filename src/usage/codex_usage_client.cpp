@@ -22,7 +22,8 @@ std::string bearer(const std::string& token) {
   constexpr std::string_view kScheme = "Bearer ";
   std::string value;
   value.reserve(kScheme.size() + token.size());
-  return value.append(kScheme).append(token);
+  value.append(kScheme).append(token);
+  return value;  // itself; what append() gives would be copied
 }
 
 }  // namespace
@@ -44,7 +45,10 @@ Subscription CodexUsageClient::read(UsageRequest request, std::function<void(Usa
   const auto reading = std::make_shared<Reading>(Reading{std::move(done), {}});
   const auto onCredentials = [this, weak = std::weak_ptr(reading)](UsageCredentialReader::Outcome credentials) {
     const auto current = weak.lock();
-    if (!current) return;
+    if (!current) {
+      if (credentials) wipe(credentials->token);
+      return;
+    }
     if (!credentials) return current->finish(failure(std::move(credentials.error().message)));
     fetch(current, std::move(*credentials));
   };

@@ -36,7 +36,8 @@ class UsageCredentialReader::Completion {
 
   void limit(Subscription timeLimit) { timeLimit_ = std::move(timeLimit); }
 
-  void resume(Outcome outcome) {
+  /// Leaves the outcome as it is when nobody waits for it any more.
+  void resume(Outcome&& outcome) {
     timeLimit_.reset();
     if (const auto continuation = std::exchange(continuation_, nullptr)) continuation(std::move(outcome));
   }
@@ -79,7 +80,7 @@ Subscription UsageCredentialReader::read(UsageProvider provider, bool allowPromp
                                          std::function<void(Outcome)> done) {
   // Only the subscription owns it, so that dropping that is the end of it, and on this thread.
   const auto completion = std::make_shared<Completion>(std::move(done));
-  const auto resume = [weak = std::weak_ptr(completion)](Outcome outcome) {
+  const auto resume = [weak = std::weak_ptr(completion)](Outcome&& outcome) {
     if (const auto waiting = weak.lock()) waiting->resume(std::move(outcome));
   };
   if (!reads_->begin(provider)) {

@@ -29,17 +29,20 @@ class HiddenText {
     return text;
   }
 
-  /// Whether its end is there: memory that is given back has its beginning overwritten at once. More of
-  /// it than a register holds, because the dynamic linker saves those on the stack.
-  [[nodiscard]] bool endsAt(const char* bytes) const {
-    for (std::size_t index = 0; index < kEnd; ++index) {
-      if (bytes[index] != at(size() - kEnd + index)) return false;
+  /// Whether a piece from near its end is there: memory that is given back has its first and last bytes
+  /// overwritten at once. More of it than a register holds, because the dynamic linker saves those on the stack.
+  [[nodiscard]] bool isAt(const char* bytes) const {
+    const std::size_t end = suffix_.empty() ? letters_ - kOverwritten : size();
+    for (std::size_t index = 0; index < kPiece; ++index) {
+      if (bytes[index] != at(end - kPiece + index)) return false;
     }
     return true;
   }
-  static constexpr std::size_t kEnd = 128;
+  static constexpr std::size_t kPiece = 128;
 
  private:
+  static constexpr std::size_t kOverwritten = 32;
+
   [[nodiscard]] std::size_t size() const { return letters_ + suffix_.size(); }
   [[nodiscard]] char at(std::size_t index) const {
     if (index >= letters_) return suffix_[index - letters_];
@@ -155,9 +158,9 @@ class OwnMemory {
       const ssize_t got = ::pread(memory, copy.data(), wanted, static_cast<off_t>(at));
       if (got <= 0) return found;
       const auto size = static_cast<std::size_t>(got);
-      for (std::size_t n = 0; n + HiddenText::kEnd <= size; ++n) found += text.endsAt(copy.data() + n) ? 1 : 0;
+      for (std::size_t n = 0; n + HiddenText::kPiece <= size; ++n) found += text.isAt(copy.data() + n) ? 1 : 0;
       if (size < copy.size()) return found;
-      at += size - HiddenText::kEnd + 1;  // it may lie across the border
+      at += size - HiddenText::kPiece + 1;  // it may lie across the border
     }
     return found;
   }

@@ -5,6 +5,7 @@
 #include <systemd/sd-event.h>
 #include <unistd.h>
 
+#include <functional>
 #include <optional>
 #include <thread>
 
@@ -94,6 +95,35 @@ TEST(CodexSecrecy, OnlyTheRequestHoldsTheTokenWhileItIsUnderWay) {
   EXPECT_EQ(OwnMemory::find(kOther).size(), 1U);
   wipe(http.requests[0].headers[0].second);
   EXPECT_TRUE(OwnMemory::find(kOther).empty());
+}
+
+TEST(CodexSecrecy, TokenThatNobodyWaitsForAnyMoreIsWiped) {
+  if (kSanitized) GTEST_SKIP() << "their memory cannot be searched in reasonable time";
+  FakeMainLoop loop;
+  std::function<void()> work;
+  UsageCredentialReader credentials(loop, [&work](std::function<void()> given) { work = std::move(given); });
+  const HiddenText dropped(kTokenSize + 1500);
+  const HiddenText late(kTokenSize + 2000);
+  const auto read = [&credentials](const HiddenText& token) {
+    return credentials.read(
+        UsageProvider::codex, false, std::chrono::seconds(10),
+        [&token](UsageProvider, bool) { return UsageCredentials{token.reveal()}; },
+        [](const UsageCredentialReader::Outcome&) {});
+  };
+
+  auto reading = read(dropped);
+  work();
+  EXPECT_EQ(OwnMemory::find(dropped).size(), 1U);
+  reading.reset();
+  loop.runPosted();
+  EXPECT_TRUE(OwnMemory::find(dropped).empty());
+
+  reading = read(late);
+  loop.advance(std::chrono::seconds(10));
+  work();
+  EXPECT_EQ(OwnMemory::find(late).size(), 1U);
+  loop.runPosted();
+  EXPECT_TRUE(OwnMemory::find(late).empty());
 }
 
 TEST(CodexSecrecy, SignInOfTheFileReachesTheServiceAndNothingIsSaidOfIt) {
