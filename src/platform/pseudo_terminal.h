@@ -50,19 +50,22 @@ class TerminalProgram {
   virtual void stop(std::chrono::milliseconds patience) = 0;
 };
 
-struct TerminalError {
-  enum class Kind { noTerminal, notStarted };
-  Kind kind = Kind::noTerminal;
-  std::error_code code;
+/// A pseudo-terminal on which nothing runs yet. Destroying it closes it.
+class PseudoTerminal {
+ public:
+  virtual ~PseudoTerminal() = default;
+
+  /// Starts the program and gives it the terminal; at most once.
+  [[nodiscard]] virtual Result<std::unique_ptr<TerminalProgram>, std::error_code> start(
+      const ChildProgram& program) = 0;
 };
 
-/// Makes pseudo-terminals. Any thread.
+/// Opens pseudo-terminals. Any thread.
 class PseudoTerminals {
  public:
   virtual ~PseudoTerminals() = default;
 
-  [[nodiscard]] virtual Result<std::unique_ptr<TerminalProgram>, TerminalError> start(const ChildProgram& program,
-                                                                                      TerminalSize size) = 0;
+  [[nodiscard]] virtual Result<std::unique_ptr<PseudoTerminal>, std::error_code> open(TerminalSize size) = 0;
 };
 
 }  // namespace nimbo

@@ -14,12 +14,7 @@ namespace fs = std::filesystem;
 
 using Kind = UsageReadError::Kind;
 
-UsageReadError notPrepared(std::error_code code) { return {Kind::other, code.message()}; }
-
-UsageReadError notStarted(const TerminalError& error) {
-  if (error.kind == TerminalError::Kind::noTerminal) return {Kind::usage, usage_messages::kClaudeCodeNotStarted};
-  return {Kind::other, error.code.message()};
-}
+UsageReadError systemError(std::error_code code) { return {Kind::other, code.message()}; }
 
 }  // namespace
 
@@ -28,15 +23,17 @@ ClaudeUsageCLI::ClaudeUsageCLI(const Services& services, Surroundings surroundin
 
 Result<UsageSnapshot, UsageReadError> ClaudeUsageCLI::fetch(const fs::path& executable,
                                                             std::chrono::duration<double> timeout) {
+  const auto terminal = services_.terminals.open(claude_tool::kTerminalSize);
+  if (!terminal) return tl::unexpected(UsageReadError{Kind::usage, usage_messages::kClaudeCodeNotStarted});
   const auto folder = services_.files.preparePrivateFolder(surroundings_.workspace);
-  if (!folder) return tl::unexpected(notPrepared(folder.error()));
+  if (!folder) return tl::unexpected(systemError(folder.error()));
   if (folder->state == PrivateFolder::State::occupied) {
     return tl::unexpected(UsageReadError{Kind::usage, usage_messages::kClaudeWorkspaceNotEmpty});
   }
   if (canceled()) return tl::unexpected(UsageReadError{Kind::cancelled});
 
-  const auto tool = services_.terminals.start(program(executable, folder->path), claude_tool::kTerminalSize);
-  if (!tool) return tl::unexpected(notStarted(tool.error()));
+  const auto tool = (*terminal)->start(program(executable, folder->path));
+  if (!tool) return tl::unexpected(systemError(tool.error()));
   ClaudeScreenWatch watch(**tool, services_.clock,
                           {.folderNames = {surroundings_.workspace, folder->path},
                            .localZone = surroundings_.localZone,

@@ -61,9 +61,14 @@ class PtyTerminalsTest : public ::testing::Test {
 
   void start(const std::string& act) { start(tool(act)); }
   void start(const ChildProgram& child) {
-    auto started = terminals.start(child, {.columns = 160, .rows = 80});
-    ASSERT_TRUE(started) << started.error().code.message();
+    auto started = startAnother(child);
+    ASSERT_TRUE(started) << started.error().message();
     program = std::move(*started);
+  }
+  auto startAnother(const ChildProgram& child) -> Result<std::unique_ptr<TerminalProgram>, std::error_code> {
+    const auto terminal = terminals.open({.columns = 160, .rows = 80});
+    if (!terminal) return tl::unexpected(terminal.error());
+    return (*terminal)->start(child);
   }
 
   /// Reads until `text` was seen; false when it never came.
@@ -269,7 +274,7 @@ TEST_F(PtyTerminalsTest, ChildOfAProgramThatRunsEndsWithIt) {
 TEST_F(PtyTerminalsTest, AnotherProgramsSessionIsLeftAlone) {
   start("echoes");
   ASSERT_TRUE(readUntil("ready"));
-  auto other = terminals.start(tool("leaves a daemon"), {});
+  auto other = startAnother(tool("leaves a daemon"));
   ASSERT_TRUE(other);
   (*other)->stop(kPatience);
   EXPECT_TRUE(program->write("still here\r"));
@@ -280,10 +285,9 @@ TEST_F(PtyTerminalsTest, MissingExecutableIsNotStartedAndLeavesNothing) {
   const auto descriptors = openDescriptors();
   ChildProgram child = tool("ends");
   child.executable = elsewhere.path() / "missing";
-  const auto started = terminals.start(child, {});
+  const auto started = startAnother(child);
   ASSERT_FALSE(started);
-  EXPECT_EQ(started.error().kind, TerminalError::Kind::notStarted);
-  EXPECT_EQ(started.error().code, std::errc::no_such_file_or_directory);
+  EXPECT_EQ(started.error(), std::errc::no_such_file_or_directory);
   EXPECT_EQ(openDescriptors(), descriptors);
   EXPECT_FALSE(hasChildren());
 }
@@ -292,42 +296,37 @@ TEST_F(PtyTerminalsTest, FileThatIsNoProgramIsNotStarted) {
   ChildProgram child = tool("ends");
   child.executable = elsewhere.write("text", "not a program");
   fs::permissions(child.executable, fs::perms::owner_all);
-  const auto started = terminals.start(child, {});
+  const auto started = startAnother(child);
   ASSERT_FALSE(started);
-  EXPECT_EQ(started.error().kind, TerminalError::Kind::notStarted);
-  EXPECT_EQ(started.error().code, std::errc::executable_format_error);
+  EXPECT_EQ(started.error(), std::errc::executable_format_error);
 }
 
 TEST_F(PtyTerminalsTest, MissingFolderKeepsTheProgramFromStarting) {
   ChildProgram child = tool("ends");
   child.folder = folder.path() / "missing";
-  const auto started = terminals.start(child, {});
+  const auto started = startAnother(child);
   ASSERT_FALSE(started);
-  EXPECT_EQ(started.error().kind, TerminalError::Kind::notStarted);
+  EXPECT_EQ(started.error(), std::errc::no_such_file_or_directory);
 }
 
 TEST_F(PtyTerminalsTest, NoDescriptorLeftMeansNoTerminal) {
-  const ChildProgram child = tool("ends");
-  PseudoTerminals& used = terminals;
-  ASSERT_TRUE(used.start(child, {}));
   rlimit before{};
   ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
   rlimit none = before;
   none.rlim_cur = 3;
   ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
-  const auto started = used.start(child, {});
+  const auto terminal = terminals.open({});
   ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
-  ASSERT_FALSE(started);
-  EXPECT_EQ(started.error().kind, TerminalError::Kind::noTerminal);
-  EXPECT_EQ(started.error().code, std::errc::too_many_files_open);
+  ASSERT_FALSE(terminal);
+  EXPECT_EQ(terminal.error(), std::errc::too_many_files_open);
 }
 
 TEST_F(PtyTerminalsTest, TwoHundredProgramsOnFourThreadsLeaveNothing) {
   const auto descriptors = openDescriptors();
   const auto some = [this](const char* act) {
     for (int i = 0; i < 50; ++i) {
-      auto started = terminals.start(tool(act), {.columns = 160, .rows = 80});
-      ASSERT_TRUE(started) << started.error().code.message();
+      auto started = startAnother(tool(act));
+      ASSERT_TRUE(started) << started.error().message();
       std::string text;
       EXPECT_EQ((*started)->read(text, kBound), Input::some);
       (*started)->stop(kPatience);

@@ -10,6 +10,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -27,15 +28,10 @@ class FakePseudoTerminals final : public PseudoTerminals {
   /// `clock` outlives it.
   explicit FakePseudoTerminals(FakeClock& clock) : clock_(clock) {}
 
-  [[nodiscard]] Result<std::unique_ptr<TerminalProgram>, TerminalError> start(const ChildProgram& program,
-                                                                              TerminalSize size) override {
-    if (failure) return tl::unexpected(*failure);
-    started.push_back(program);
+  [[nodiscard]] Result<std::unique_ptr<PseudoTerminal>, std::error_code> open(TerminalSize size) override {
+    if (noTerminal) return tl::unexpected(*noTerminal);
     sizes.push_back(size);
-    startedAt_ = clock_.uptime();
-    running_ = true;
-    open_ = true;
-    return std::make_unique<Program>(*this);
+    return std::make_unique<Terminal>(*this);
   }
 
   void at(Milliseconds moment, std::function<void()> happen) { script_.emplace(moment, std::move(happen)); }
@@ -54,7 +50,8 @@ class FakePseudoTerminals final : public PseudoTerminals {
 
   [[nodiscard]] Milliseconds elapsed() const { return std::chrono::round<Milliseconds>(clock_.uptime() - startedAt_); }
 
-  std::optional<TerminalError> failure;  ///< what `start` answers
+  std::optional<std::error_code> noTerminal;  ///< why none can be opened
+  std::optional<std::error_code> notStarted;  ///< why no program can be started
   std::function<void(std::string_view)> onWrite;
 
   std::vector<ChildProgram> started;
@@ -66,6 +63,24 @@ class FakePseudoTerminals final : public PseudoTerminals {
   int alive = 0;  ///< programs that exist
 
  private:
+  class Terminal final : public PseudoTerminal {
+   public:
+    explicit Terminal(FakePseudoTerminals& owner) : owner_(owner) {}
+
+    [[nodiscard]] Result<std::unique_ptr<TerminalProgram>, std::error_code> start(
+        const ChildProgram& program) override {
+      if (owner_.notStarted) return tl::unexpected(*owner_.notStarted);
+      owner_.started.push_back(program);
+      owner_.startedAt_ = owner_.clock_.uptime();
+      owner_.running_ = true;
+      owner_.open_ = true;
+      return std::make_unique<Program>(owner_);
+    }
+
+   private:
+    FakePseudoTerminals& owner_;
+  };
+
   class Program final : public TerminalProgram {
    public:
     explicit Program(FakePseudoTerminals& owner) : owner_(owner) { ++owner_.alive; }

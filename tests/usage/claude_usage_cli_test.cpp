@@ -279,15 +279,24 @@ TEST_F(ClaudeUsageCLITest, WorkspaceThatCannotBeMadeIsTheSystemsError) {
 }
 
 TEST_F(ClaudeUsageCLITest, MissingTerminalIsToldTheUser) {
-  terminals.failure = {TerminalError::Kind::noTerminal, std::make_error_code(std::errc::too_many_files_open)};
+  terminals.noTerminal = std::make_error_code(std::errc::too_many_files_open);
   const auto outcome = fetch();
   ASSERT_FALSE(outcome);
   EXPECT_EQ(outcome.error(), (UsageReadError{Kind::usage, usage_messages::kClaudeCodeNotStarted}));
+  EXPECT_TRUE(files.prepared.empty());
+}
+
+TEST_F(ClaudeUsageCLITest, MissingTerminalCountsMoreThanAnOccupiedWorkspace) {
+  terminals.noTerminal = std::make_error_code(std::errc::too_many_files_open);
+  files.state = PrivateFolder::State::occupied;
+  const auto outcome = fetch();
+  ASSERT_FALSE(outcome);
+  EXPECT_EQ(outcome.error().message, usage_messages::kClaudeCodeNotStarted);
 }
 
 TEST_F(ClaudeUsageCLITest, ToolThatCannotBeStartedIsTheSystemsError) {
   const auto code = std::make_error_code(std::errc::permission_denied);
-  terminals.failure = {TerminalError::Kind::notStarted, code};
+  terminals.notStarted = code;
   const auto outcome = fetch();
   ASSERT_FALSE(outcome);
   EXPECT_EQ(outcome.error(), (UsageReadError{Kind::other, code.message()}));

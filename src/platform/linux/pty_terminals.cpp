@@ -32,27 +32,33 @@ Result<std::string, std::error_code> secondaryName(const UniqueFd& primary) {
   return std::string(name.data());
 }
 
-tl::unexpected<TerminalError> noTerminal(std::error_code code) {
-  return tl::unexpected(TerminalError{TerminalError::Kind::noTerminal, code});
-}
+class Pty final : public PseudoTerminal {
+ public:
+  Pty(UniqueFd primary, std::string secondary, const std::filesystem::path& procRoot)
+      : primary_(std::move(primary)), secondary_(std::move(secondary)), procRoot_(procRoot) {}
 
-tl::unexpected<TerminalError> notStarted(std::error_code code) {
-  return tl::unexpected(TerminalError{TerminalError::Kind::notStarted, code});
-}
+  [[nodiscard]] Result<std::unique_ptr<TerminalProgram>, std::error_code> start(const ChildProgram& program) override {
+    auto leader = spawnSession(program, secondary_);
+    if (!leader) return tl::unexpected(leader.error());
+    return std::make_unique<PtyProgram>(std::move(primary_), secondary_, std::move(*leader), procRoot_);
+  }
+
+ private:
+  UniqueFd primary_;
+  const std::string secondary_;
+  const std::filesystem::path procRoot_;
+};
 
 }  // namespace
 
 PtyTerminals::PtyTerminals(std::filesystem::path procRoot) : procRoot_(std::move(procRoot)) {}
 
-Result<std::unique_ptr<TerminalProgram>, TerminalError> PtyTerminals::start(const ChildProgram& program,
-                                                                            TerminalSize size) {
+Result<std::unique_ptr<PseudoTerminal>, std::error_code> PtyTerminals::open(TerminalSize size) {
   auto primary = openPrimary(size);
-  if (!primary) return noTerminal(primary.error());
+  if (!primary) return tl::unexpected(primary.error());
   auto secondary = secondaryName(*primary);
-  if (!secondary) return noTerminal(secondary.error());
-  auto leader = spawnSession(program, *secondary);
-  if (!leader) return notStarted(leader.error());
-  return std::make_unique<PtyProgram>(std::move(*primary), *std::move(secondary), std::move(*leader), procRoot_);
+  if (!secondary) return tl::unexpected(secondary.error());
+  return std::make_unique<Pty>(std::move(*primary), *std::move(secondary), procRoot_);
 }
 
 }  // namespace nimbo

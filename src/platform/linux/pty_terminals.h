@@ -14,8 +14,7 @@ class PtyTerminals final : public PseudoTerminals {
   /// `procRoot` is where the processes are listed that belong to a session that must end.
   explicit PtyTerminals(std::filesystem::path procRoot = "/proc");
 
-  [[nodiscard]] Result<std::unique_ptr<TerminalProgram>, TerminalError> start(const ChildProgram& program,
-                                                                              TerminalSize size) override;
+  [[nodiscard]] Result<std::unique_ptr<PseudoTerminal>, std::error_code> open(TerminalSize size) override;
 
  private:
   const std::filesystem::path procRoot_;
