@@ -18,7 +18,7 @@ ClaudeUsageReader claudeReader(PlatformServices& platform, const UsageServices& 
   return {
       {{services.terminals, services.toolFiles, *platform.readers().clock}, services.claudeQueue, platform.mainLoop()},
       {user.home, user.caches, user.searchPath, user.environment, user.localZone},
-      [desktop, zone = user.localZone] { return desktop.read(zone()); }};
+      [desktop, zone = user.localZone](const std::stop_token& stop) { return desktop.read(zone(), stop); }};
 }
 
 }  // namespace

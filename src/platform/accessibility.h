@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <memory>
 #include <optional>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -28,8 +29,8 @@ class AccessibleApplication {
 
   /// No later call waits longer than that for the application.
   virtual void setMessagingTimeout(std::chrono::milliseconds limit) = 0;
-  /// Makes an application that is built on a web engine expose its content.
-  virtual void exposeContent() = 0;
+  /// Makes an application that is built on a web engine expose its content. Ends soon after a stop is asked for.
+  virtual void exposeContent(const std::stop_token& stop) = 0;
   /// The first ones, at most `limit`.
   [[nodiscard]] virtual std::vector<std::unique_ptr<AccessibleElement>> windows(std::size_t limit) = 0;
 };
@@ -44,7 +45,7 @@ class Accessibility {
   /// Whether the user and the system let this program look.
   [[nodiscard]] virtual bool isTrusted() = 0;
   /// Asks for it, where the system has somebody to ask, and makes applications that start from now on
-  /// expose what they show.
+  /// expose what they show. Also while another thread uses the rest.
   virtual void requestTrust() = 0;
   /// A running application by its bundle identifier; null when it does not run.
   [[nodiscard]] virtual std::unique_ptr<AccessibleApplication> application(const std::string& bundleIdentifier) = 0;

@@ -31,7 +31,7 @@ Result<UsageSnapshot, UsageReadError> ClaudeDesktopUsage::read(std::string_view 
   if (!application) return failure(usage_messages::kDesktopNotRunning);
   if (!accessibility_.isTrusted()) return failure(usage_messages::kDesktopNeedsAccessibility);
   application->setMessagingTimeout(kMessagingTimeout);
-  application->exposeContent();
+  application->exposeContent(stop);
 
   for (const auto& window : application->windows(kMostWindows)) {
     const std::string text = windowText(*window, clock_, stop);

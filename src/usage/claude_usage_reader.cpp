@@ -39,11 +39,11 @@ struct ClaudeUsageReader::Setup {
   }
 
   /// Absent when nobody wants it any more.
-  [[nodiscard]] std::optional<UsageOutcome> readEither(ClaudeUsageCLI& tool) const {
+  [[nodiscard]] std::optional<UsageOutcome> readEither(ClaudeUsageCLI& tool, const std::stop_token& stop) const {
     const ReadResult fromTool = readTool(tool);
     if (tool.canceled()) return std::nullopt;
     if (fromTool) return *fromTool;
-    const ReadResult fromDesktop = desktop();
+    const ReadResult fromDesktop = desktop(stop);
     if (fromDesktop) return *fromDesktop;
     return tl::unexpected(bothFailed(fromTool.error(), fromDesktop.error()));
   }
@@ -55,6 +55,7 @@ struct ClaudeUsageReader::Read {
       : tool(services, std::move(surroundings)), done(std::move(whenDone)) {}
 
   ClaudeUsageCLI tool;
+  std::stop_source desktop;
   std::function<void(UsageOutcome)> done;  // main thread only; empty once nobody wants it
 };
 
@@ -70,7 +71,7 @@ Subscription ClaudeUsageReader::operator()(UsageRequest /*request*/, std::functi
                                                           .localZone = user.localZone()},
                              std::move(done));
   setup_->services.queue.async([setup = setup_, read] {
-    auto outcome = setup->readEither(read->tool);
+    auto outcome = setup->readEither(read->tool, read->desktop.get_token());
     if (!outcome) return;
     setup->services.loop.post([read, outcome = *std::move(outcome)] {
       if (const auto wanted = std::exchange(read->done, nullptr)) wanted(outcome);
@@ -79,6 +80,7 @@ Subscription ClaudeUsageReader::operator()(UsageRequest /*request*/, std::functi
   return Subscription([read] {
     read->done = nullptr;
     read->tool.cancel();
+    read->desktop.request_stop();
   });
 }
 

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -36,12 +37,12 @@ class ClaudeUsageReader {
     std::function<std::string()> localZone;  ///< as in `parseResetText`; asked at each read
   };
 
-  /// Blocks; called on the queue.
-  using DesktopRead = std::function<Result<UsageSnapshot, UsageReadError>()>;
+  /// Blocks, but ends soon after a stop is asked for; called on the queue.
+  using DesktopRead = std::function<Result<UsageSnapshot, UsageReadError>(const std::stop_token& stop)>;
 
   ClaudeUsageReader(const Services& services, User user, DesktopRead desktop);
 
-  /// As in `UsageRead`. A tool that runs when the subscription is dropped ends soon, on the queue.
+  /// As in `UsageRead`. What runs when the subscription is dropped ends soon, on the queue.
   [[nodiscard]] Subscription operator()(UsageRequest request, std::function<void(UsageOutcome)> done) const;
 
  private:

@@ -5,6 +5,8 @@
 #include <unistd.h>
 
 #include <functional>
+#include <stop_token>
+#include <thread>
 
 #include "support/fake_atspi.h"
 #include "support/temporary_tree.h"
@@ -167,7 +169,7 @@ TEST_F(AtspiAccessibilityTest, OtherIdentifiersAreNotKnown) {
 TEST_F(AtspiAccessibilityTest, ApplicationThatShowsNothingRunsAllTheSame) {
   const auto found = open();
   ASSERT_TRUE(found);
-  found->exposeContent();
+  found->exposeContent({});
   EXPECT_TRUE(found->windows(5).empty());
   EXPECT_TRUE(desktop.enabled) << "for when it starts anew";
 }
@@ -195,8 +197,8 @@ TEST_F(AtspiAccessibilityTest, RegistryThatStaysSilentIsLeftAfterASecond) {
 TEST_F(AtspiAccessibilityTest, EnablingIsDoneOnce) {
   show({});
   const auto found = open();
-  found->exposeContent();
-  found->exposeContent();
+  found->exposeContent({});
+  found->exposeContent({});
   EXPECT_TRUE(desktop.enabled);
   EXPECT_EQ(desktop.timesSet, 1);
 }
@@ -204,7 +206,7 @@ TEST_F(AtspiAccessibilityTest, EnablingIsDoneOnce) {
 TEST_F(AtspiAccessibilityTest, WhatIsEnabledAlreadyIsLeftAlone) {
   desktop.enabled = true;
   show({});
-  open()->exposeContent();
+  open()->exposeContent({});
   EXPECT_EQ(desktop.timesSet, 0);
 }
 
@@ -300,7 +302,7 @@ TEST_F(AtspiAccessibilityTest, SleepingEngineIsWokenAndItsPageWaitedFor) {
   application->asleep = true;
   application->emptyLooks = 3;
   const auto found = open();
-  found->exposeContent();
+  found->exposeContent({});
   EXPECT_FALSE(application->asleep);
   EXPECT_EQ(application->emptyLooks, 0);
   EXPECT_EQ(found->windows(5)[0]->children(10)[0]->children(10)[0]->value(), "61% used");
@@ -310,15 +312,29 @@ TEST_F(AtspiAccessibilityTest, PageThatStaysEmptyIsWaitedForThreeSeconds) {
   show({{.name = "Claude", .children = {{.role = kDocumentWeb}}}});
   application->asleep = true;
   const auto found = open();
-  const auto taken = timeOf([&] { found->exposeContent(); });
+  const auto taken = timeOf([&] { found->exposeContent({}); });
   EXPECT_GE(taken, milliseconds(3000));
   EXPECT_LT(taken, milliseconds(4000));
+}
+
+TEST_F(AtspiAccessibilityTest, PageThatNobodyWantsAnyMoreIsNotWaitedFor) {
+  show({{.name = "Claude", .children = {{.role = kDocumentWeb}}}});
+  application->asleep = true;
+  const auto found = open();
+  std::stop_source unwanted;
+  const std::jthread other([&unwanted] {
+    std::this_thread::sleep_for(milliseconds(200));
+    unwanted.request_stop();
+  });
+  const auto taken = timeOf([&] { found->exposeContent(unwanted.get_token()); });
+  EXPECT_GE(taken, milliseconds(200));
+  EXPECT_LT(taken, milliseconds(1000));
 }
 
 TEST_F(AtspiAccessibilityTest, EngineThatIsAwakeIsNotWaitedFor) {
   show({{.name = "Claude", .children = {{.role = kDocumentWeb}}}});
   const auto found = open();
-  EXPECT_LT(timeOf([&] { found->exposeContent(); }), milliseconds(1000));
+  EXPECT_LT(timeOf([&] { found->exposeContent({}); }), milliseconds(1000));
 }
 
 TEST_F(AtspiAccessibilityTest, StoppedApplicationHoldsEachCallForTheTimeout) {
@@ -341,7 +357,7 @@ TEST_F(AtspiAccessibilityTest, ApplicationStoppedBeforehandIsGivenUpAtOnce) {
   application->thread().freeze();
   const auto taken = timeOf([this] {
     const auto found = open(milliseconds(300));
-    found->exposeContent();
+    found->exposeContent({});
     EXPECT_TRUE(found->windows(5).empty());
   });
   EXPECT_GE(taken, milliseconds(600));

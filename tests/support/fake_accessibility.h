@@ -91,7 +91,7 @@ class FakeAccessibility final : public Accessibility {
       owner_.limit_ = limit;
       owner_.log.push_back("timeout " + std::to_string(limit.count()) + " ms");
     }
-    void exposeContent() override {
+    void exposeContent(const std::stop_token& /*stop*/) override {
       owner_.log.emplace_back("expose");
       if (owner_.content) owner_.windows = *owner_.content;
     }

@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <optional>
+#include <stop_token>
 
 #include "support/fake_clock.h"
 #include "support/fake_main_loop.h"
@@ -47,11 +49,15 @@ class ClaudeUsageReaderTest : public ::testing::Test {
   Result<UsageSnapshot, UsageReadError> desktop =
       tl::unexpected(UsageReadError{Kind::usage, "Desktop fallback: it is closed."});
   int desktopReads = 0;
+  bool desktopStopped = false;
+  std::function<void()> onDesktopRead;
   std::string zone = "UTC";
   ClaudeUsageReader reader{{{terminals, files, clock}, queue, loop},
                            {"/home/ada", "/home/ada/.cache", "/usr/bin", {"HOME=/home/ada"}, [this] { return zone; }},
-                           [this] {
+                           [this](const std::stop_token& stop) {
                              ++desktopReads;
+                             if (onDesktopRead) onDesktopRead();
+                             desktopStopped = stop.stop_requested();
                              return desktop;
                            }};
   UsageRead read = reader;
@@ -133,6 +139,22 @@ TEST_F(ClaudeUsageReaderTest, DroppedWhileTheToolRunsEndsItAndDeliversNothing) {
   EXPECT_EQ(terminals.alive, 0);
   EXPECT_EQ(deliveries, 0);
   EXPECT_EQ(desktopReads, 0);
+}
+
+TEST_F(ClaudeUsageReaderTest, DroppedWhileTheDesktopIsReadEndsThatAndDeliversNothing) {
+  files.executables.clear();
+  onDesktopRead = [this] { subscription.reset(); };
+  readAll();
+  EXPECT_EQ(desktopReads, 1);
+  EXPECT_TRUE(desktopStopped);
+  EXPECT_EQ(deliveries, 0);
+}
+
+TEST_F(ClaudeUsageReaderTest, DesktopThatIsWantedIsNotStopped) {
+  files.executables.clear();
+  readAll();
+  EXPECT_EQ(desktopReads, 1);
+  EXPECT_FALSE(desktopStopped);
 }
 
 TEST_F(ClaudeUsageReaderTest, DroppedBeforeItsTurnRunsNoTool) {

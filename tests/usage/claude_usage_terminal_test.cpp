@@ -206,7 +206,7 @@ class ClaudeUsageReaderTerminalTest : public ClaudeUsageTerminalTest {
     const ClaudeUsageReader reader(
         {{terminals, files, clock}, queue, loop},
         {tree.path(), tree.path() / "cache", "", environment(act), [] { return std::string("UTC"); }},
-        [this]() -> Outcome {
+        [this](const std::stop_token& /*stop*/) -> Outcome {
           ++desktopReads;
           return tl::unexpected(UsageReadError{Kind::usage, "No desktop."});
         });

@@ -9,6 +9,8 @@
 namespace nimbo {
 namespace {
 
+using std::chrono::steady_clock;
+
 constexpr std::uint32_t kDocumentWeb = 95;  // AtspiRole
 
 // A page of some twenty thousand elements took 1.2 s.
@@ -16,6 +18,18 @@ constexpr std::chrono::seconds kPagePatience{3};
 constexpr std::chrono::milliseconds kBetweenLooks{50};
 
 }  // namespace
+
+/// How long a page is waited for, which is no longer than somebody wants it.
+class AtspiApplication::Patience {
+ public:
+  explicit Patience(const std::stop_token& stop) : stop_(stop) {}
+
+  [[nodiscard]] bool isOver() const { return stop_.stop_requested() || steady_clock::now() >= deadline_; }
+
+ private:
+  const std::stop_token& stop_;
+  const Deadline deadline_ = steady_clock::now() + kPagePatience;
+};
 
 AtspiApplication::AtspiApplication(std::string sessionAddress, std::shared_ptr<AtspiBus> bus,
                                    std::optional<AtspiReference> root)
@@ -25,10 +39,10 @@ void AtspiApplication::setMessagingTimeout(std::chrono::milliseconds limit) {
   if (bus_) bus_->setTimeout(limit);
 }
 
-void AtspiApplication::exposeContent() {
+void AtspiApplication::exposeContent(const std::stop_token& stop) {
   enableAtspi(sessionAddress_);
   if (!root_) return;
-  if (const auto windows = wokenWindows(); !windows.empty()) waitForPages(windows);
+  if (const auto windows = wokenWindows(Patience(stop)); !windows.empty()) waitForPages(windows, Patience(stop));
 }
 
 std::vector<std::unique_ptr<AccessibleElement>> AtspiApplication::windows(std::size_t limit) {
@@ -42,29 +56,26 @@ std::vector<std::unique_ptr<AccessibleElement>> AtspiApplication::windows(std::s
 }
 
 // Chromium shows bare windows until somebody asks for the attributes of one; then it builds everything.
-std::vector<AtspiReference> AtspiApplication::wokenWindows() const {
-  const Deadline deadline = std::chrono::steady_clock::now() + kPagePatience;
+std::vector<AtspiReference> AtspiApplication::wokenWindows(const Patience& patience) const {
   std::vector<AtspiReference> woken;
   for (const auto& window : bus_->childrenOf(*root_)) {
-    if (std::chrono::steady_clock::now() >= deadline) break;
+    if (patience.isOver()) break;
     if (bus_->childrenOf(window).empty() && bus_->tellsAttributes(window)) woken.push_back(window);
   }
   return woken;
 }
 
-void AtspiApplication::waitForPages(const std::vector<AtspiReference>& windows) const {
-  using std::chrono::steady_clock;
-  const Deadline deadline = steady_clock::now() + kPagePatience;
-  const auto isReady = [&](const AtspiReference& window) { return showsAPage(window, deadline); };
-  while (!std::all_of(windows.begin(), windows.end(), isReady) && steady_clock::now() < deadline) {
-    bus_->waitUntil(std::min(deadline, steady_clock::now() + kBetweenLooks));
+void AtspiApplication::waitForPages(const std::vector<AtspiReference>& windows, const Patience& patience) const {
+  const auto isReady = [&](const AtspiReference& window) { return showsAPage(window, patience); };
+  while (!std::all_of(windows.begin(), windows.end(), isReady) && !patience.isOver()) {
+    bus_->waitUntil(steady_clock::now() + kBetweenLooks);
   }
 }
 
 // The page's element is there at once, but empty until the engine has built what is in it.
-bool AtspiApplication::showsAPage(const AtspiReference& window, Deadline deadline) const {
+bool AtspiApplication::showsAPage(const AtspiReference& window, const Patience& patience) const {
   std::vector<AtspiReference> open{window};
-  while (!open.empty() && std::chrono::steady_clock::now() < deadline) {
+  while (!open.empty() && !patience.isOver()) {
     const AtspiReference element = std::move(open.back());
     open.pop_back();
     auto children = bus_->childrenOf(element);

@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <optional>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -19,13 +20,15 @@ class AtspiApplication final : public AccessibleApplication {
   AtspiApplication(std::string sessionAddress, std::shared_ptr<AtspiBus> bus, std::optional<AtspiReference> root);
 
   void setMessagingTimeout(std::chrono::milliseconds limit) override;
-  void exposeContent() override;
+  void exposeContent(const std::stop_token& stop) override;
   [[nodiscard]] std::vector<std::unique_ptr<AccessibleElement>> windows(std::size_t limit) override;
 
  private:
-  [[nodiscard]] std::vector<AtspiReference> wokenWindows() const;
-  [[nodiscard]] bool showsAPage(const AtspiReference& window, Deadline deadline) const;
-  void waitForPages(const std::vector<AtspiReference>& windows) const;
+  class Patience;
+
+  [[nodiscard]] std::vector<AtspiReference> wokenWindows(const Patience& patience) const;
+  [[nodiscard]] bool showsAPage(const AtspiReference& window, const Patience& patience) const;
+  void waitForPages(const std::vector<AtspiReference>& windows, const Patience& patience) const;
 
   const std::string sessionAddress_;
   const std::shared_ptr<AtspiBus> bus_;
