@@ -7,6 +7,7 @@ namespace nimbo {
 namespace {
 
 constexpr std::chrono::milliseconds kDeadlineLeeway{100};
+constexpr std::chrono::seconds kBatteryInterval{30};
 
 }  // namespace
 
@@ -82,6 +83,13 @@ void AwakeManager::setRules(const AwakeRules& rules) {
 
 void AwakeManager::checkDeadline(Time now) {
   if (isActive() && endsAt_ && now >= *endsAt_) stop("Timer finished. Normal sleep is allowed.");
+}
+
+void AwakeManager::tick(Time now) {
+  checkDeadline(now);
+  if (!batteryObserver_ || std::chrono::abs(now - batteryCheckedAt_) < kBatteryInterval) return;
+  batteryCheckedAt_ = now;
+  checkBattery();
 }
 
 void AwakeManager::checkBattery() {

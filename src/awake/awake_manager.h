@@ -61,6 +61,9 @@ class AwakeManager {
   void checkDeadline(Time now);
   /// Ends the session when the rules forbid it now.
   void checkBattery();
+  /// What is to be seen to every few seconds: the deadline, and now and then the charge, which on many
+  /// machines falls without a word from the system.
+  void tick(Time now);
 
   /// After every change that the user should see.
   std::function<void()> onChange;
@@ -78,6 +81,7 @@ class AwakeManager {
   AwakeRules rules_;
   Subscription deadlineTimer_;
   std::optional<BatteryObserver> batteryObserver_;
+  Time batteryCheckedAt_;  ///< at the latest tick that did
   Subscription displayOffRequest_;
   std::optional<Time> endsAt_;
   std::string message_ = "Keep AI jobs running while your display rests.";

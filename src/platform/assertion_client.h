@@ -31,7 +31,7 @@ class AssertionClient {
 
   /// Takes an assertion of one of the types above; `reason` is shown to whoever asks the system who
   /// keeps it awake. An identifier means that the assertion really is held. Waits for the system's
-  /// answer, a second or so at most.
+  /// answer, a few seconds at most.
   [[nodiscard]] virtual Result<std::uint32_t, PowerError> create(const std::string& type,
                                                                  const std::string& reason) = 0;
 

@@ -100,8 +100,21 @@ TEST_F(AppDelegateAwakeTest, WakeOnBatteryBelowTheFloorEndsTheSession) {
   delegate->quickToggleAwake();
   platform.power.sleep();
   ASSERT_TRUE(awake().isActive());
-  platform.batteries.onBattery(5);
+  platform.batteries.changeSilently(std::vector{FakePowerSources::battery(kBatteryPower, 5)});
+  ASSERT_TRUE(awake().isActive());
   platform.power.wake();
+  EXPECT_FALSE(awake().isActive());
+  EXPECT_EQ(awake().message(), "Session stopped: battery is at or below 20%.");
+}
+
+TEST_F(AppDelegateAwakeTest, ChargeThatFallsWithoutAWordEndsTheSessionWithinHalfAMinute) {
+  platform.batteries.onBattery(21);
+  launch();
+  delegate->quickToggleAwake();
+  platform.loop.advance(10s);
+  platform.batteries.changeSilently(std::vector{FakePowerSources::battery(kBatteryPower, 20)});
+  ASSERT_TRUE(awake().isActive());
+  platform.loop.advance(30s);
   EXPECT_FALSE(awake().isActive());
   EXPECT_EQ(awake().message(), "Session stopped: battery is at or below 20%.");
 }

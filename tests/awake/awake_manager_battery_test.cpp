@@ -6,6 +6,8 @@
 namespace nimbo {
 namespace {
 
+using namespace std::chrono_literals;
+
 constexpr const char* kConnect = "Connect the charger to keep this Mac awake.";
 constexpr const char* kAtTwenty = "Session stopped: battery is at or below 20%.";
 
@@ -187,6 +189,38 @@ TEST_F(AwakeManagerBatteryTest, ManagerThatMustNotObserveAppliesTheRulesWhenAske
   unobserved.checkBattery();
   EXPECT_FALSE(unobserved.isActive());
   EXPECT_EQ(unobserved.message(), kAtTwenty);
+}
+
+TEST_F(AwakeManagerBatteryTest, TickReadsTheChargeOnceInHalfAMinute) {
+  sources.onBattery(60);
+  ASSERT_TRUE(start());
+  manager.tick(clock.now());
+  const int before = sources.readings;
+  manager.tick(clock.now() + 29s);
+  EXPECT_EQ(sources.readings, before);
+  sources.changeSilently(std::vector{FakePowerSources::battery(kBatteryPower, 20)});
+  manager.tick(clock.now() + 30s);
+  EXPECT_FALSE(manager.isActive());
+  EXPECT_EQ(manager.message(), kAtTwenty);
+}
+
+TEST_F(AwakeManagerBatteryTest, TickAfterTheClockWasSetBackReadsTheCharge) {
+  sources.onBattery(60);
+  ASSERT_TRUE(start());
+  manager.tick(clock.now());
+  sources.changeSilently(std::vector{FakePowerSources::battery(kBatteryPower, 20)});
+  manager.tick(clock.now() - 24h);
+  EXPECT_FALSE(manager.isActive());
+}
+
+TEST_F(AwakeManagerBatteryTest, TickWithoutASessionOrWithoutARuleReadsNothing) {
+  manager.tick(clock.now());
+  EXPECT_EQ(sources.readings, 0);
+  manager.setRules({false, 0});
+  ASSERT_TRUE(start());
+  const int before = sources.readings;
+  manager.tick(clock.now() + 1h);
+  EXPECT_EQ(sources.readings, before);
 }
 
 TEST_F(AwakeManagerBatteryTest, CheckWhileIdleDoesNotEvenRead) {

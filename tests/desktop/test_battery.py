@@ -83,6 +83,15 @@ class BatteryTest(DesktopTest):
         wait_until(lambda: self.sessions() == 0, "the end of the session", SLOW)
         self.detail("Session stopped: battery is at or below 20%.")
 
+    def test_charge_that_falls_without_an_event_ends_the_session(self):
+        self.power(0, "Discharging", 21)
+        self.start()
+        self.toggle()
+        wait_until(lambda: self.sessions() == 1, "the session")
+        self.bed.set_attribute(self.battery, "capacity", "20")
+        wait_until(lambda: self.sessions() == 0, "the end of the session", 40 + SLOW)
+        self.detail("Session stopped: battery is at or below 20%.")
+
     def test_unplugging_ends_a_session_that_needs_power(self):
         self.session.settings(menuAwake=True, awakeOnlyOnPower=True)
         self.start()

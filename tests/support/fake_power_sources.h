@@ -40,6 +40,9 @@ class FakePowerSources final : public PowerSources {
     list_.notify();
   }
 
+  /// Something changed, and the system does not tell.
+  void changeSilently(Descriptions descriptions) { now_ = std::move(descriptions); }
+
   // Without a percentage the battery does not tell its capacities.
   void onBattery(std::optional<int> percent) { change(std::vector{battery(kBatteryPower, percent)}); }
   void onMains(std::optional<int> percent) { change(std::vector{battery("AC Power", percent)}); }
