@@ -5,14 +5,12 @@
 #include <string>
 #include <system_error>
 
+#include "base/white_space.h"
+
 namespace nimbo {
 
 std::optional<std::int64_t> customMinutes(std::string_view text) {
-  constexpr std::string_view kSpace = " \t\n\v\f\r";
-  const auto first = text.find_first_not_of(kSpace);
-  if (first == std::string_view::npos) return std::nullopt;
-  text = text.substr(first, text.find_last_not_of(kSpace) - first + 1);
-
+  text = trimmedWhiteSpace(text);
   std::int64_t minutes = 0;
   const char* const end = text.data() + text.size();
   const auto [rest, error] = std::from_chars(text.data(), end, minutes);

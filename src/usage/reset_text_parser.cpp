@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <string>
 
+#include "base/white_space.h"
 #include "usage/named_time_zone.h"
 #include "usage/text_matching.h"
 

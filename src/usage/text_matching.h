@@ -8,10 +8,6 @@ namespace nimbo {
 
 // Upper and lower case are those of ASCII, in every locale. Texts are UTF-8.
 
-/// The bytes of the white-space character that `text` begins with, as Unicode counts them; 0 for none.
-[[nodiscard]] std::size_t leadingWhiteSpace(std::string_view text);
-[[nodiscard]] std::string_view trimmedWhiteSpace(std::string_view text);
-
 [[nodiscard]] char lowerCased(char character);
 [[nodiscard]] bool isDigit(char character);
 [[nodiscard]] bool equalsIgnoringCase(std::string_view text, std::string_view lowerCase);

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <utility>
 
+#include "base/white_space.h"
 #include "usage/text_matching.h"
 
 namespace nimbo {

@@ -28,6 +28,7 @@ TEST(SessionLength, TypedLengthIsAWholeNumberUpToAWeek) {
 TEST(SessionLength, WhiteSpaceAroundATypedLengthIsAllowed) {
   EXPECT_EQ(customMinutes("  45 "), 45);
   EXPECT_EQ(customMinutes("\t45\r\n"), 45);
+  EXPECT_EQ(customMinutes("\u00A045\u202F"), 45);
 }
 
 TEST(SessionLength, OtherTypedTextIsNoLength) {

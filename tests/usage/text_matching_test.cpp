@@ -6,17 +6,6 @@
 namespace nimbo {
 namespace {
 
-TEST(TextMatching, WhiteSpaceOfEveryKindIsTrimmed) {
-  EXPECT_EQ(trimmedWhiteSpace(" \t\r\n\v\f\u0085\u00A0\u2003\u202F\u3000 a b \u2028\u2029 "), "a b");
-  EXPECT_EQ(trimmedWhiteSpace("\u00A0"), "");
-  EXPECT_EQ(trimmedWhiteSpace(""), "");
-}
-
-TEST(TextMatching, CharactersThatLookAlikeInBytesAreKept) {
-  EXPECT_EQ(trimmedWhiteSpace("àĀ"), "àĀ");
-  EXPECT_EQ(trimmedWhiteSpace("\u200B"), "\u200B");
-}
-
 TEST(TextMatching, OnlyLatinCapitalsAreFolded) {
   EXPECT_TRUE(equalsIgnoringCase("Current SESSION", "current session"));
   EXPECT_FALSE(equalsIgnoringCase("Current session ", "current session"));

@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: MIT
+#include "base/white_space.h"
+
+#include <algorithm>
+#include <array>
+
+namespace nimbo {
+namespace {
+
+// What Unicode calls white space beyond ASCII, line breaks included.
+constexpr std::array<std::string_view, 19> kWideWhiteSpace = {
+    "\u0085", "\u00A0", "\u1680", "\u2000", "\u2001", "\u2002", "\u2003", "\u2004", "\u2005", "\u2006",
+    "\u2007", "\u2008", "\u2009", "\u200A", "\u2028", "\u2029", "\u202F", "\u205F", "\u3000"};
+
+constexpr bool isAscii(char character) { return static_cast<unsigned char>(character) < 0x80; }
+
+constexpr bool isAsciiWhiteSpace(char character) {
+  return character == ' ' || (character >= '\t' && character <= '\r');
+}
+
+std::size_t trailingWhiteSpace(std::string_view text) {
+  if (text.empty()) return 0;
+  if (isAscii(text.back())) return isAsciiWhiteSpace(text.back()) ? 1 : 0;
+  const auto* const found = std::find_if(kWideWhiteSpace.begin(), kWideWhiteSpace.end(),
+                                         [&](std::string_view character) { return text.ends_with(character); });
+  return found == kWideWhiteSpace.end() ? 0 : found->size();
+}
+
+}  // namespace
+
+std::size_t leadingWhiteSpace(std::string_view text) {
+  if (text.empty()) return 0;
+  if (isAscii(text.front())) return isAsciiWhiteSpace(text.front()) ? 1 : 0;
+  const auto* const found = std::find_if(kWideWhiteSpace.begin(), kWideWhiteSpace.end(),
+                                         [&](std::string_view character) { return text.starts_with(character); });
+  return found == kWideWhiteSpace.end() ? 0 : found->size();
+}
+
+std::string_view trimmedWhiteSpace(std::string_view text) {
+  while (const std::size_t length = leadingWhiteSpace(text)) text.remove_prefix(length);
+  while (const std::size_t length = trailingWhiteSpace(text)) text.remove_suffix(length);
+  return text;
+}
+
+}  // namespace nimbo
