@@ -45,7 +45,7 @@ AppDelegate::AppDelegate(PlatformServices& platform, UserInterfaceMaker makeUser
                makeMainMenu({[this] { openSettings(); }, [this] { quit(); }})),
       sampling_({platform.mainLoop(), platform.readers(), platform.temperatureQueue(), platform.utilityQueue()},
                 settings,
-                {[this] { awake_.checkDeadline(platform_.readers().clock->now()); }, [this] { readingsChanged(); },
+                {[this] { awake_.tick(platform_.readers().clock->now()); }, [this] { readingsChanged(); },
                  [this] { widgets_.writeWidgetSnapshot(WidgetPublisher::Force::yes); },
                  [this] { return dashboard_.wantsProcesses(); },
                  [this](ProcessScan scan) { dashboard_.updateProcesses(std::move(scan)); }}),
@@ -200,10 +200,12 @@ void AppDelegate::showNotice(const std::string& title, const std::string& text) 
 
 // Applications learn when they start that somebody wants to look, so that comes first.
 void AppDelegate::enableClaudeDesktop() {
-  const auto services = platform_.usageServices();
-  services.claudeQueue.async([this, &accessibility = services.accessibility, &loop = platform_.mainLoop()] {
+  if (std::exchange(enablingClaudeDesktop_, true)) return;
+  auto& accessibility = platform_.usageServices().accessibility;
+  platform_.utilityQueue().async([this, &accessibility, &loop = platform_.mainLoop()] {
     accessibility.requestTrust();
     loop.post([this] {
+      enablingClaudeDesktop_ = false;
       if (platform_.workspace().openApplication(kClaudeDesktop)) return;
       showNotice("Claude Desktop couldn’t be opened", "Open it yourself, then leave its Settings → Usage page open.");
     });

@@ -98,6 +98,7 @@ class AppDelegate {
   PlatformServices& platform_;
   Settings& settings_;
   bool sleeping_ = false;
+  bool enablingClaudeDesktop_ = false;
   bool didFinishLaunching_ = false;
   std::optional<WidgetDestination> pendingDestination_;
   AwakeManager awake_;

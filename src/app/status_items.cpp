@@ -24,6 +24,10 @@ std::string identifier(StatusItemKind kind) {
   return {};
 }
 
+bool contains(const std::vector<StatusItemKind>& kinds, StatusItemKind kind) {
+  return std::ranges::find(kinds, kind) != kinds.end();
+}
+
 }  // namespace
 
 StatusItems::StatusItems(StatusBar& statusBar, MainLoop& mainLoop, const Settings& settings, Callbacks callbacks)
@@ -37,14 +41,18 @@ void StatusItems::configure() {
 void StatusItems::updateItems() {
   const StatusItemPlan plan = planStatusItems(settings_, rotationTab_);
   rotationTab_ = plan.rotationTab;
-  const auto removed = std::erase_if(items_, [&](const auto& entry) {
-    return std::find(plan.shown.begin(), plan.shown.end(), entry.first) == plan.shown.end();
-  });
+  std::erase_if(order_, [&](StatusItemKind kind) { return !contains(plan.shown, kind); });
+  // Trays line items up as they come, so an item that is to follow another must be made after it.
+  const auto stay = std::ranges::mismatch(order_, plan.shown).in1;
+  order_.erase(stay, order_.end());
+  const auto removed = std::erase_if(items_, [&](const auto& entry) { return !contains(order_, entry.first); });
   if (removed > 0) trackingStatusMenu_ = false;  // a menu goes with its item and does not tell
+  refresh();
   for (const auto kind : plan.shown) {
     if (items_.contains(kind)) continue;
     items_[kind].item = statusBar_.makeItem(identifier(kind), callbacks_.content(kind), handlersFor(kind));
   }
+  order_ = plan.shown;
 }
 
 StatusItemHandlers StatusItems::handlersFor(StatusItemKind kind) {
@@ -82,7 +90,6 @@ void StatusItems::rotate() {
   if (!next) return;
   rotationTab_ = next;
   updateItems();
-  refresh();
 }
 
 std::shared_ptr<StatusItem> StatusItems::item(StatusItemKind kind) const {

@@ -30,7 +30,8 @@ class StatusItems {
 
   StatusItems(StatusBar& statusBar, MainLoop& mainLoop, const Settings& settings, Callbacks callbacks);
 
-  /// Makes the items that the settings ask for, removes the others, and restarts the rotation.
+  /// Makes the items that the settings ask for, in their order, removes the others, brings every item's
+  /// content up to date, and restarts the rotation.
   void configure();
   /// Brings every item's content up to date.
   void refresh();
@@ -61,6 +62,7 @@ class StatusItems {
   const Settings& settings_;
   Callbacks callbacks_;
   std::map<StatusItemKind, Entry> items_;
+  std::vector<StatusItemKind> order_;  ///< in which they were made
   std::optional<DashboardTab> rotationTab_;
   Subscription rotationTimer_;
   bool trackingStatusMenu_ = false;

@@ -88,6 +88,25 @@ TEST_F(AppDelegateSettingsTest, PresentationMakesTheItemsAnewAtOnce) {
   EXPECT_EQ(platform.bar.identifiers().size(), 1U);
 }
 
+TEST_F(AppDelegateSettingsTest, ItemsShowWhatTheyAreToPresentAtOnce) {
+  settings.setUsageEnabled(UsageProvider::codex, true);
+  settings.setUsageEnabled(UsageProvider::claude, true);
+  openSettings();
+  const auto item = platform.bar.item("nimbo-ai");
+  const std::string before = item->content.toolTip;
+  ASSERT_TRUE(preferences()->choose("providers", 1));
+  EXPECT_NE(item->content.toolTip, before);
+  EXPECT_EQ(platform.bar.item("nimbo-ai"), item);
+}
+
+TEST_F(AppDelegateSettingsTest, AppearanceRedrawsTheItemsAtOnce) {
+  openSettings();
+  const auto item = platform.bar.item("nimbo-memory");
+  const TemplateImage before = item->content.image;
+  ASSERT_TRUE(preferences()->choose("memoryStyle", 1));
+  EXPECT_NE(item->content.image, before);
+}
+
 TEST_F(AppDelegateSettingsTest, MonitorSwitchedOffLosesItsFiguresAndTheWidgetsLearnIt) {
   settings.setMonitorTemperature(true);
   openSettings();
@@ -118,8 +137,12 @@ TEST_F(AppDelegateSettingsTest, IntervalRestartsTheTimer) {
   openSettings();
   EXPECT_EQ(tickInterval(), 5s);
   showPage(SettingsPage::monitors);
+  const auto item = platform.bar.item("nimbo-memory");
+  const std::string before = item->content.toolTip;
+  platform.host->pages = PageCounts{1 << 20, 0, 2 << 20, 0, 0, 0};
   ASSERT_TRUE(preferences()->choose("interval", 3));
   EXPECT_EQ(tickInterval(), 30s);
+  EXPECT_NE(item->content.toolTip, before) << "one sample is taken at once";
 }
 
 TEST_F(AppDelegateSettingsTest, SubscriptionSwitchedOnIsReadAsIfAskedForByHand) {
@@ -128,6 +151,9 @@ TEST_F(AppDelegateSettingsTest, SubscriptionSwitchedOnIsReadAsIfAskedForByHand) 
   ASSERT_TRUE(preferences()->click("codex"));
   EXPECT_EQ(platform.background.waiting(), 1U);
   EXPECT_NE(platform.bar.item("nimbo-ai")->content.toolTip.find("Refreshing…"), std::string::npos);
+  const auto timers = platform.loop.repeatingTimers();
+  EXPECT_TRUE(std::ranges::any_of(timers, [](const auto& timer) { return timer.interval == 60s; }))
+      << "the user may be asked";
   ASSERT_TRUE(preferences()->click("codex"));
   EXPECT_EQ(platform.bar.item("nimbo-ai")->content.toolTip, "AI usage · enable a subscription in Settings");
 }
@@ -189,16 +215,42 @@ TEST_F(AppDelegateSettingsTest, RefusedLoginIsToldWithTheSystemsReason) {
   EXPECT_EQ(alert(), nullptr);
 }
 
+TEST_F(AppDelegateSettingsTest, RefusedEndOfLoginIsToldAndTheBoxStaysTicked) {
+  platform.login.current = LoginItemStatus::enabled;
+  platform.login.refusal = "Read-only file system";
+  openSettings();
+  ASSERT_TRUE(isOn("login"));
+  ASSERT_TRUE(preferences()->click("login"));
+  EXPECT_EQ(platform.login.timesUnregistered, 1);
+  EXPECT_TRUE(isOn("login"));
+  ASSERT_NE(alert(), nullptr);
+  EXPECT_EQ(alert()->content().title, "Couldn’t update launch at login");
+}
+
 TEST_F(AppDelegateSettingsTest, DesktopFallbackAsksForTrustBeforeItOpensTheApplication) {
   openSettings();
   showPage(SettingsPage::usage);
   ASSERT_TRUE(preferences()->press("enableClaudeDesktop"));
+  ASSERT_TRUE(preferences()->press("enableClaudeDesktop"));
   EXPECT_TRUE(platform.desktop.applicationsOpened.empty());
-  ASSERT_TRUE(platform.claude.runOne());
-  EXPECT_EQ(platform.screens->log.back(), "request trust");
+  EXPECT_TRUE(platform.screens->log.empty()) << "the main thread does not wait";
+  finishWrites();
+  EXPECT_EQ(platform.screens->log, std::vector<std::string>{"request trust"});
   platform.loop.runPosted();
   EXPECT_EQ(platform.desktop.applicationsOpened, (std::vector<std::string>{"com.anthropic.claudefordesktop"}));
   EXPECT_EQ(alert(), nullptr);
+}
+
+TEST_F(AppDelegateSettingsTest, DesktopFallbackDoesNotWaitForAReadThatIsUnderWay) {
+  settings.setUsageEnabled(UsageProvider::claude, true);
+  openSettings();
+  showPage(SettingsPage::usage);
+  ASSERT_TRUE(preferences()->press("enableClaudeDesktop"));
+  finishWrites();
+  EXPECT_EQ(platform.desktop.applicationsOpened, (std::vector<std::string>{"com.anthropic.claudefordesktop"}));
+  ASSERT_TRUE(preferences()->press("enableClaudeDesktop"));
+  finishWrites();
+  EXPECT_EQ(platform.desktop.applicationsOpened.size(), 2U);
 }
 
 TEST_F(AppDelegateSettingsTest, MissingDesktopApplicationIsTold) {
@@ -206,8 +258,7 @@ TEST_F(AppDelegateSettingsTest, MissingDesktopApplicationIsTold) {
   openSettings();
   showPage(SettingsPage::usage);
   ASSERT_TRUE(preferences()->press("enableClaudeDesktop"));
-  ASSERT_TRUE(platform.claude.runOne());
-  platform.loop.runPosted();
+  finishWrites();
   ASSERT_NE(alert(), nullptr);
   EXPECT_EQ(alert()->content().title, "Claude Desktop couldn’t be opened");
 }
@@ -287,9 +338,14 @@ TEST_F(AppDelegateLinksTest, LinkBeforeLaunchOpensOnceRightAfterIt) {
   delegate->open({"nimbo://awake"});
   EXPECT_EQ(interfacesMade, 0);
   launch();
+  EXPECT_EQ(interfacesMade, 0) << "the loop has not turned yet";
   platform.loop.runPosted();
   ASSERT_TRUE(dashboardVisible());
+  EXPECT_EQ(window()->shows(), 1);
   EXPECT_EQ(content().tabs.selected, 2U);
+  clickItem("nimbo-ai");
+  platform.loop.runPosted();
+  EXPECT_FALSE(dashboardVisible());
   delegate->open({"nimbo://memory"});
   EXPECT_EQ(content().tabs.selected, 2U);
 }

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <string>
 #include <vector>
 
@@ -59,6 +60,36 @@ TEST_F(StatusItemsTest, ConfigureAgainKeepsTheItemsThatStay) {
   items.configure();
   EXPECT_EQ(bar.identifiers(), Names{"nimbo-memory"});
   EXPECT_EQ(bar.item("nimbo-memory"), memory);
+}
+
+TEST_F(StatusItemsTest, ItemsThatFollowANewcomerAreMadeAfterIt) {
+  settings.setMenuAi(false);
+  settings.setMenuAwake(true);
+  items.configure();
+  const auto memory = bar.item("nimbo-memory");
+  settings.setMenuAi(true);
+  items.configure();
+  EXPECT_EQ(bar.identifiers(), (Names{"nimbo-ai", "nimbo-memory", "nimbo-awake"}));
+  EXPECT_FALSE(memory->alive);
+}
+
+TEST_F(StatusItemsTest, ItemsAreMadeAnewWhereTheirOrderChanged) {
+  settings.setMenuAwake(true);
+  items.configure();
+  const auto ai = bar.item("nimbo-ai");
+  settings.setTabOrder(std::array{DashboardTab::ai, DashboardTab::awake, DashboardTab::memory});
+  items.configure();
+  EXPECT_EQ(bar.identifiers(), (Names{"nimbo-ai", "nimbo-awake", "nimbo-memory"}));
+  EXPECT_EQ(bar.item("nimbo-ai"), ai);
+  EXPECT_EQ(bar.all().size(), 5U);
+}
+
+TEST_F(StatusItemsTest, ConfigureBringsNewContentToTheItemsThatStay) {
+  items.configure();
+  toolTip = "second";
+  items.configure();
+  EXPECT_EQ(bar.item("nimbo-ai")->content.toolTip, "second");
+  EXPECT_EQ(bar.all().size(), 2U);
 }
 
 TEST_F(StatusItemsTest, SwitchingEverythingOffReplacesAllByTheCompactItem) {
