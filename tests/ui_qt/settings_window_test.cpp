@@ -90,6 +90,23 @@ TEST_F(SettingsWindowOnScreen, EveryControlCallsItsActionWithItsIdentifier) {
   EXPECT_EQ(log_, (Log{"menuAI off", "login on", "preset 2", "checkUpdates"}));
 }
 
+TEST_F(SettingsWindowOnScreen, SelectedItemChosenAgainIsReported) {
+  popUp("preset").showPopup();
+  QTest::keyClick(popUp("preset").view(), Qt::Key_Return);
+  EXPECT_EQ(log_, Log{"preset 0"});
+}
+
+TEST_F(SettingsWindowOnScreen, EachChoiceIsReportedOnce) {
+  popUp("preset").showPopup();
+  QTest::keyClick(popUp("preset").view(), Qt::Key_Down);
+  QTest::keyClick(popUp("preset").view(), Qt::Key_Return);
+  EXPECT_EQ(log_, Log{"preset 1"});
+  popUp("preset").showPopup();
+  popUp("preset").hidePopup();
+  QTest::keyClick(&popUp("preset"), Qt::Key_Down);
+  EXPECT_EQ(log_, (Log{"preset 1", "preset 2"}));
+}
+
 TEST_F(SettingsWindowOnScreen, ClickOnATabSelectsItAndTheProgramDecidesWhatIsShown) {
   const QRect tabs = child("tabs").geometry();
   EXPECT_EQ(tabs, QRect(28, 20, 504, 28));

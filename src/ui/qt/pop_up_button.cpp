@@ -67,8 +67,13 @@ PopUpButton::PopUpButton(const Theme& theme, std::function<void(std::size_t inde
   setAttribute(Qt::WA_Hover);
   setFont(controlFont());
   setMaxVisibleItems(20);
-  connect(this, &QComboBox::currentIndexChanged, this, [selected = std::move(selected)](int index) {
+  connect(this, &QComboBox::currentIndexChanged, this, [this, selected](int index) {
+    reported_ = true;
     if (index >= 0) selected(static_cast<std::size_t>(index));
+  });
+  // The selected item chosen again is a choice, too: it may stand for more than what is shown.
+  connect(this, &QComboBox::activated, this, [this, selected = std::move(selected)](int index) {
+    if (!std::exchange(reported_, true)) selected(static_cast<std::size_t>(index));
   });
 }
 
@@ -96,6 +101,7 @@ void PopUpButton::setItems(const std::vector<std::string>& items) {
 // The toolkit makes the list only as wide as the button, but its items need room for the check mark.
 void PopUpButton::showPopup() {
   view()->setMinimumWidth(view()->sizeHintForColumn(0));
+  reported_ = false;
   QComboBox::showPopup();
 }
 

@@ -33,6 +33,7 @@ class PopUpButton final : public QComboBox {
 
   const Theme& theme_;
   std::optional<PopUpContent> content_;
+  bool reported_ = true;  ///< what was chosen since the list was opened
 };
 
 /// To be installed as the toolkit's accessibility factory: the toolkit's own interface calls a
