@@ -5,6 +5,7 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <system_error>
 #include <utility>
 
 namespace nimbo {
@@ -24,7 +25,11 @@ void ThreadWorkQueue::async(std::function<void()> job) {
   {
     const std::lock_guard lock(mutex_);
     jobs_.push_back(std::move(job));
-    if (!thread_.joinable()) thread_ = std::thread([this] { work(); });
+    try {
+      if (!thread_.joinable()) thread_ = std::thread([this] { work(); });
+    } catch (const std::system_error&) {
+      return;  // no thread can be made now: the job waits for the next one
+    }
   }
   changed_.notify_one();
 }
