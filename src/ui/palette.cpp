@@ -67,7 +67,7 @@ Color panelBackground(Appearance appearance) {
 }
 
 Color cardGround(Appearance appearance) {
-  return appearance == Appearance::dark ? Color{0xFF, 0xFF, 0xFF, 0.05} : Color{0xFF, 0xFF, 0xFF};
+  return appearance == Appearance::dark ? Color{0x1C, 0x1C, 0x1F, 0.6} : Color{0xFF, 0xFF, 0xFF, 0.6};
 }
 
 Color separatorColor(Appearance appearance) {

@@ -15,8 +15,8 @@
 namespace nimbo {
 
 /// The settings window: writes what the user changes straight into the store and says what that
-/// concerns. Keeps nothing but the page in front; all else is read anew for every look at it. Main
-/// thread only.
+/// concerns. Keeps the page in front and what its owner tells it of updates and widgets; all else is
+/// read anew for every look at it. Main thread only.
 class SettingsWindowController {
  public:
   using Change = SettingsChange;

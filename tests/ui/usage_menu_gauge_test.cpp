@@ -176,7 +176,7 @@ TEST(ResetCountdown, CountsDownInTheLargestTwoUnits) {
   EXPECT_EQ(text(kNow + 4h + 5min), "Resets in 4h 5m");
   EXPECT_EQ(text(kNow + 24h), "Resets in 1d 0h");
   EXPECT_EQ(text(kNow + 72h + 59min), "Resets in 3d 0h");
-  EXPECT_EQ(text(UsageTime::max()).substr(0, 10), "Resets in ");
+  EXPECT_EQ(text(UsageTime::max()), "Resets in 36500d 0h");
 }
 
 }  // namespace
