@@ -12,19 +12,33 @@ using nlohmann::json;
 // Copying, comparing and writing a value recurse once per level.
 constexpr int kMaximumDepth = 64;
 
+/// Whether brackets nest too deep. It follows strings as the parser does until the first error, where that gives up.
+bool isTooDeep(std::string_view text) {
+  int depth = 0;
+  bool inString = false;
+  bool escaped = false;
+  for (const char character : text) {
+    if (inString) {
+      if (character == '"' && !escaped) inString = false;
+      escaped = character == '\\' && !escaped;
+    } else if (character == '"') {
+      inString = true;
+    } else if (character == '[' || character == '{') {
+      if (++depth > kMaximumDepth) return true;
+    } else if (character == ']' || character == '}') {
+      --depth;
+    }
+  }
+  return false;
+}
+
 }  // namespace
 
 std::optional<json> parseBoundedJson(std::string_view text) {
-  if (text.size() > kMaximumJsonBytes) return std::nullopt;
-  bool tooDeep = false;
-  const auto watchDepth = [&tooDeep](int depth, json::parse_event_t event, const json&) {
-    using Event = json::parse_event_t;
-    const bool opens = event == Event::object_start || event == Event::array_start;
-    tooDeep = tooDeep || (opens && depth >= kMaximumDepth);
-    return !tooDeep;
-  };
-  json value = json::parse(text, watchDepth, /*allow_exceptions=*/false);
-  if (tooDeep || value.is_discarded()) return std::nullopt;
+  // The parser could watch the depth itself, but with somebody watching it takes quadratic time.
+  if (text.size() > kMaximumJsonBytes || isTooDeep(text)) return std::nullopt;
+  json value = json::parse(text, nullptr, /*allow_exceptions=*/false);
+  if (value.is_discarded()) return std::nullopt;
   return value;
 }
 

@@ -11,7 +11,7 @@ namespace nimbo {
 inline constexpr std::size_t kMaximumJsonBytes = std::size_t{1} << 20;
 
 /// The JSON value that is the whole of `text`, which a stranger wrote; of duplicate keys the last counts. Absent for
-/// anything else: not JSON, invalid UTF-8, more than `kMaximumJsonBytes`, or nested deeper than 64 levels.
+/// anything else: not JSON, invalid UTF-8, more than `kMaximumJsonBytes`, or nested deeper than 64 levels. Linear time.
 [[nodiscard]] std::optional<nlohmann::json> parseBoundedJson(std::string_view text);
 
 /// A member of an object; null when the value is no object or has no such member.

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <nlohmann/json.hpp>
 #include <string>
 
@@ -33,6 +34,20 @@ TEST(BoundedJson, SixtyFourLevelsAreTheDeepest) {
 TEST(BoundedJson, HalfAMillionLevelsAreRefusedWithoutHarm) {
   EXPECT_EQ(parseBoundedJson(nested(500'000)), std::nullopt);
   EXPECT_EQ(parseBoundedJson(std::string(1'000'000, '[')), std::nullopt);
+}
+
+TEST(BoundedJson, BracketsInStringsAreNoLevels) {
+  EXPECT_TRUE(parseBoundedJson("\"" + std::string(100, '[') + "\""));
+  EXPECT_TRUE(parseBoundedJson(R"({"a\"[": "\\", "b": ")" + std::string(100, '{') + "\"}"));
+  EXPECT_EQ(parseBoundedJson(R"(["]]]]\"]]]]",)" + nested(64) + "]"), std::nullopt);
+}
+
+TEST(BoundedJson, HundredsOfThousandsOfSiblingsTakeNoTime) {
+  std::string wide = "[{}";
+  while (wide.size() < kMaximumJsonBytes - 10) wide += ",{}";
+  const auto before = std::chrono::steady_clock::now();
+  EXPECT_TRUE(parseBoundedJson(wide + "]"));
+  EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(5));
 }
 
 TEST(BoundedJson, OneByteTooManyIsRefused) {

@@ -160,6 +160,32 @@ TEST_F(ProcfsHostStatisticsTest, CounterThatStepsBackStandsStill) {
   EXPECT_EQ(host.cpuTicks(), (CpuTicks{120, 110, 1505, 0}));
 }
 
+TEST_F(ProcfsHostStatisticsTest, CounterThatBeginsAnewGoesOnFromWhereItWas) {
+  tree.write("proc/stat", "cpu  1000 0 1000 6221800 0\n");
+  EXPECT_EQ(host.cpuTicks(), (CpuTicks{1000, 1000, 6221800, 0}));
+  tree.write("proc/stat", "cpu  1010 0 1005 5873300 0\n");
+  EXPECT_EQ(host.cpuTicks(), std::nullopt);
+  tree.write("proc/stat", "cpu  1020 0 1010 5873400 0\n");
+  EXPECT_EQ(host.cpuTicks(), (CpuTicks{1020, 1010, 6221900, 0}));
+  tree.write("proc/stat", "cpu  1030 0 1015 100 0\n");
+  EXPECT_EQ(host.cpuTicks(), std::nullopt);
+  tree.write("proc/stat", "cpu  1040 0 1020 200 0\n");
+  EXPECT_EQ(host.cpuTicks(), (CpuTicks{1040, 1020, 6222000, 0}));
+}
+
+TEST_F(ProcfsHostStatisticsTest, LoadIsTrueAgainRightAfterCountersBeganAnew) {
+  const SystemClock clock;
+  tree.write("proc/stat", "cpu  1000 0 1000 6221800 0\n");
+  (void)SystemSampler(host, clock).cpuUsage();
+  SystemSampler afterWake(host, clock);
+  tree.write("proc/stat", "cpu  1010 0 1005 5873300 0\n");
+  EXPECT_EQ(afterWake.cpuUsage(), std::nullopt);
+  tree.write("proc/stat", "cpu  1020 0 1010 5873400 0\n");
+  EXPECT_EQ(afterWake.cpuUsage(), std::nullopt);
+  tree.write("proc/stat", "cpu  1030 0 1030 5873470 0\n");
+  EXPECT_DOUBLE_EQ(afterWake.cpuUsage().value_or(-1), 0.3);
+}
+
 TEST_F(ProcfsHostStatisticsTest, MissingFilesAreAbsentUntilTheyAppear) {
   EXPECT_EQ(host.cpuTicks(), std::nullopt);
   tree.write("proc/stat", "cpu  1 2 3 4\n");

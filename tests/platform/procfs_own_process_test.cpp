@@ -43,7 +43,7 @@ TEST_F(ProcfsOwnProcessTest, AllResidentMemoryStandsInOnOldKernels) {
 
 TEST_F(ProcfsOwnProcessTest, UserInThousandsOfGroupsIsReadWhole) {
   std::string groups = "Groups:\t";
-  for (int group = 0; group < 2000; ++group) groups += std::to_string(1000000000 + group) + ' ';
+  for (int group = 0; group < 65536; ++group) groups += std::to_string(1000000000 + group) + ' ';
   const auto usage =
       this->usage("Name:\tnimbo\n" + groups + "\nVmRSS:\t 1024 kB\nRssAnon:\t 1024 kB\nVmSwap:\t 0 kB\n");
   ASSERT_TRUE(usage);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string_view>
@@ -8,6 +9,10 @@
 #include "platform/process_table.h"
 
 namespace nimbo {
+
+/// The bytes of a /proc/PID/status, which names all groups of a process ahead of its memory: up to 65,536 of ten
+/// digits.
+inline constexpr std::size_t kLargestStatus = std::size_t{1} << 20;
 
 /// Memory of one process in bytes.
 struct StatusMemory {

@@ -22,6 +22,8 @@ std::optional<double> shareOfTenSeconds(std::string_view line) {
   }
 }
 
+constexpr std::uint64_t kMostTicksBack = 1000;  // ten seconds; small steps are of some ticks for each processor
+
 }  // namespace
 
 std::optional<CpuTicks> parseCpuTicks(std::string_view text) {
@@ -92,11 +94,20 @@ std::optional<CpuTicks> ProcfsHostStatistics::cpuTicks() {
   const auto ticks = text ? parseCpuTicks(*text) : std::nullopt;
   if (!ticks) return std::nullopt;
   // Idle and waiting time are known to step back a little, which would look like a counter that
-  // wrapped and make the machine seem idle.
+  // wrapped and make the machine seem idle. Where they step back a lot, as they do on older kernels
+  // when processors come back after a suspend, they have begun anew and go on from where they were.
+  bool begunAnew = false;
   for (std::size_t index = 0; index < ticks->size(); ++index) {
-    lastTicks_[index] = std::max(lastTicks_[index], (*ticks)[index]);
+    auto& last = lastTicks_[index];
+    auto& lost = lostTicks_[index];
+    if ((*ticks)[index] + lost + kMostTicksBack < last) {
+      lost = last - (*ticks)[index];
+      begunAnew = true;
+    }
+    last = std::max(last, (*ticks)[index] + lost);
   }
-  return lastTicks_;
+  // How much was lost is not known, so nothing can be said of this interval.
+  return begunAnew ? std::nullopt : std::optional(lastTicks_);
 }
 
 MemInfo ProcfsHostStatistics::readMemInfo() {

@@ -44,6 +44,7 @@ class ProcfsHostStatistics final : public HostStatistics {
   ProcFile pressure_;
   std::string blockDevices_;
   CpuTicks lastTicks_{};
+  CpuTicks lostTicks_{};  ///< of counters that began anew
 };
 
 }  // namespace nimbo

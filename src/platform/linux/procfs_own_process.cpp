@@ -4,16 +4,11 @@
 #include <sys/resource.h>
 
 #include <array>
-#include <cstddef>
 
 #include "platform/linux/proc_file.h"
-#include "platform/linux/process_status.h"
 
 namespace nimbo {
 namespace {
-
-// All of the user's groups, ten digits each, come ahead of the memory.
-constexpr std::size_t kLargestStatus = 32768;
 
 std::chrono::nanoseconds durationOf(const timeval& time) {
   return std::chrono::seconds(time.tv_sec) + std::chrono::microseconds(time.tv_usec);
@@ -23,10 +18,17 @@ std::chrono::nanoseconds durationOf(const timeval& time) {
 
 ProcfsOwnProcess::ProcfsOwnProcess(const std::string& procRoot) : status_(procRoot + "/self/status") {}
 
+StatusMemory ProcfsOwnProcess::readMemory() const {
+  std::array<char, 8192> buffer;
+  auto text = ProcFile(status_).read(buffer);
+  if (text && text->size() < buffer.size()) return parseStatusMemory(*text);
+  std::string large(kLargestStatus, '\0');
+  text = ProcFile(status_).read(large);
+  return text ? parseStatusMemory(*text) : StatusMemory();
+}
+
 std::optional<ResourceUsage> ProcfsOwnProcess::usage() const {
-  std::array<char, kLargestStatus> buffer;
-  const auto text = ProcFile(status_).read(buffer);
-  const StatusMemory memory = text ? parseStatusMemory(*text) : StatusMemory();
+  const StatusMemory memory = readMemory();
   rusage times{};
   if (memory.resident == 0 || ::getrusage(RUSAGE_SELF, &times) != 0) return std::nullopt;
   return ResourceUsage{memory.footprint, memory.resident, durationOf(times.ru_utime) + durationOf(times.ru_stime)};

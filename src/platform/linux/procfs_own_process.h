@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "platform/linux/process_status.h"
 #include "platform/own_process.h"
 
 namespace nimbo {
@@ -17,6 +18,8 @@ class ProcfsOwnProcess final : public OwnProcess {
   [[nodiscard]] std::optional<ResourceUsage> usage() const override;
 
  private:
+  [[nodiscard]] StatusMemory readMemory() const;
+
   const std::string status_;
 };
 

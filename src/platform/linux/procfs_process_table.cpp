@@ -17,9 +17,6 @@ namespace {
 
 constexpr std::size_t kUsualSize = 8192;
 
-// The status names all groups of a process ahead of its memory: up to 65,536 of ten digits.
-constexpr std::size_t kLargestSize = std::size_t{1} << 20;
-
 }  // namespace
 
 ProcfsProcessTable::ProcfsProcessTable(std::string procRoot)
@@ -54,7 +51,7 @@ std::optional<ProcessReading> ProcfsProcessTable::readStatus(std::int32_t pid) c
   if (!text) return std::nullopt;
   if (text->size() < buffer.size()) return parseProcessStatus(*text);
 
-  std::string large(kLargestSize, '\0');
+  std::string large(kLargestStatus, '\0');
   const auto whole = readFile(pid, "status", large);
   return whole ? std::optional(parseProcessStatus(*whole)) : std::nullopt;
 }
