@@ -103,8 +103,8 @@ Preferences::Callbacks AppDelegate::preferencesCallbacks() {
 void AppDelegate::applicationDidFinishLaunching() {
   applyAwakeRules();
   awake_.onChange = [this] { awakeChanged(); };
-  configureUsage();
   usage_.onChange = [this] { usageChanged(); };
+  configureUsage();
   usage_.refresh(kAllUsageProviders, UsageRequest::automatic);
   updater_.start();
   statusItems_.configure();
@@ -254,7 +254,9 @@ void AppDelegate::quit() {
 void AppDelegate::showQuitAlert(QuitDecision decided) {
   dashboard_.close();
   if (quitAlert_) {
+    // The answer to the question that stands is for whoever asked it.
     quitAlert_->present();
+    decided(false);
     return;
   }
   auto* const interface = toolkit_.interface();

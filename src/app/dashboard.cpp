@@ -130,7 +130,7 @@ void Dashboard::showReadings() {
 }
 
 void Dashboard::updateProcesses(ProcessScan scan) {
-  if (parts_) parts_->controller.updateProcesses(std::move(scan));
+  if (offscreen_ || visible()) parts_->controller.updateProcesses(std::move(scan));
 }
 
 }  // namespace nimbo

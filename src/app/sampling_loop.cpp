@@ -22,6 +22,7 @@ SamplingLoop::SamplingLoop(Sources sources, const Settings& settings, Callbacks 
       sampler_(std::make_unique<SystemSampler>(*sources.readers.hostStatistics, *sources.readers.clock)) {}
 
 void SamplingLoop::startTimer() {
+  if (sleeping_) return;
   const seconds interval = settings_.refreshInterval();
   const milliseconds leeway(interval < seconds(5) ? 250 : 1000);
   timer_ = sources_.mainLoop.every(interval, leeway, [this] { tick(); });
@@ -30,6 +31,7 @@ void SamplingLoop::startTimer() {
 void SamplingLoop::stopTimer() { timer_.reset(); }
 
 void SamplingLoop::tick() {
+  if (sleeping_) return;
   callbacks_.willTick();
   readMemory();
   readCpu();

@@ -20,7 +20,8 @@ TemplateImage memoryChart(std::optional<double> fraction) {
   const RoundedRect track{{1, 6, 16, 6}, 2};
   TemplateImage image{{{track, 0.25, {}, {}}}};
   if (fraction && std::isfinite(*fraction)) {
-    const double width = 16 * std::clamp(*fraction, 0.0, 1.0);
+    // In steps of a sixteenth of a point: a finer one nobody could see, and every change is sent to the tray.
+    const double width = std::round(256 * std::clamp(*fraction, 0.0, 1.0)) / 16;
     image.shapes.push_back({{{1, 6, width, 6}, 0}, 1, track, {}});
   } else {
     image.shapes.push_back(dash({9, 9}));

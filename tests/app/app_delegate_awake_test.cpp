@@ -342,6 +342,16 @@ TEST_F(AppDelegateAwakeTest, QuittingAgainBringsTheAlertToTheFront) {
   EXPECT_EQ(alert()->presents(), 1);
 }
 
+TEST_F(AppDelegateAwakeTest, WhoeverAsksWhileTheAlertStandsIsToldNo) {
+  launch();
+  delegate->quickToggleAwake();
+  std::vector<std::string> answers;
+  delegate->applicationShouldTerminate([&](bool quit) { answers.emplace_back(quit ? "first yes" : "first no"); });
+  delegate->applicationShouldTerminate([&](bool quit) { answers.emplace_back(quit ? "second yes" : "second no"); });
+  EXPECT_TRUE(alert()->answer(1));
+  EXPECT_EQ(answers, (std::vector<std::string>{"second no", "first yes"}));
+}
+
 TEST_F(AppDelegateAwakeTest, WithoutADisplayQuittingDoesNotAsk) {
   hasDisplay = false;
   launch();

@@ -137,6 +137,16 @@ TEST_F(AppDelegateTest, ClosedDashboardIsNotScannedFor) {
   EXPECT_EQ(platform.utilities.waiting(), 0U);
 }
 
+TEST_F(AppDelegateTest, ScanThatComesAfterTheDashboardClosedIsNotDrawn) {
+  launch();
+  clickItem("nimbo-memory");
+  clickItem("nimbo-memory");
+  const int before = window()->renders();
+  ASSERT_TRUE(platform.utilities.runOne());
+  platform.loop.runPosted();
+  EXPECT_EQ(window()->renders(), before);
+}
+
 TEST_F(AppDelegateTest, OpenDashboardFollowsTheSamples) {
   launch();
   clickItem("nimbo-memory");

@@ -363,6 +363,19 @@ TEST_F(SamplingLoopTest, NoTickBetweenSleepAndWake) {
   EXPECT_EQ(changes, 2);
 }
 
+TEST_F(SamplingLoopTest, NothingIsReadOrStartedUntilTheMachineWakes) {
+  sampling->startTimer();
+  sampling->willSleep();
+  settings.setRefreshInterval(seconds(2));
+  sampling->tick();
+  sampling->startTimer();
+  sampling->monitorsChanged();
+  EXPECT_EQ(changes, 0);
+  EXPECT_TRUE(platform.loop.repeatingTimers().empty());
+  sampling->didWake();
+  EXPECT_EQ(platform.loop.repeatingTimers().at(0).interval, seconds(2));
+}
+
 TEST_F(SamplingLoopTest, WakeEmptiesHistoriesAndStartsAFreshCpuDelta) {
   settings.setMonitorCpu(true);
   for (std::uint64_t i = 1; i <= 5; ++i) {

@@ -66,6 +66,16 @@ TEST(MemoryItem, ChartOfEmptyAndFullMemory) {
   EXPECT_EQ(memoryItemContent(memory, false, true).image.shapes.at(1).outline.rect.width, 16);
 }
 
+TEST(MemoryItem, ChartStaysTheSameForAChangeThatNobodyCanSee) {
+  auto memory = snapshot();
+  memory.app = 8 * kGigabyte;
+  const auto before = memoryItemContent(memory, false, true).image;
+  memory.app += 10 << 20;
+  EXPECT_EQ(memoryItemContent(memory, false, true).image, before);
+  memory.app += 100 << 20;
+  EXPECT_NE(memoryItemContent(memory, false, true).image, before);
+}
+
 TEST(MemoryItem, FailedReadingShowsADashAndSaysSo) {
   const auto content = memoryItemContent(std::nullopt, true, true);
   EXPECT_EQ(content.title, "—");
