@@ -62,6 +62,19 @@ TEST_F(LogindSystemSleepTest, SleepIsToldBeforeTheLockIsLetGo) {
   EXPECT_EQ(events, Log{"sleep, held"});
 }
 
+TEST_F(LogindSystemSleepTest, StrangerWhoAnnouncesASleepIsNotBelieved) {
+  observe();
+  ASSERT_TRUE(heldBecomes(1));
+  const BusPeer stranger(loop, bus.address());
+  const char* name = nullptr;
+  sd_bus_get_unique_name(system.get(), &name);
+  stranger.tell(name, "/org/freedesktop/login1", "org.freedesktop.login1.Manager", "PrepareForSleep",
+                [](sd_bus_message* signal) { sd_bus_message_append(signal, "b", 1); });
+  stranger.settle(name);
+  EXPECT_EQ(events, Log{});
+  EXPECT_EQ(logind->held(), 1);
+}
+
 TEST_F(LogindSystemSleepTest, WakeIsToldAndTheLockTakenAgain) {
   observe();
   ASSERT_TRUE(heldBecomes(1));

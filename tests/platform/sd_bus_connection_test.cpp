@@ -157,6 +157,16 @@ TEST_F(BusNameWatchTest, TellsEveryChangeOfOwner) {
   EXPECT_EQ(owners, (Log{"", ownerName(), "", ownerName()}));
 }
 
+TEST_F(BusNameWatchTest, OnlyTheBusIsBelieved) {
+  watch();
+  const char* name = "";
+  sd_bus_get_unique_name(watcher.bus(), &name);
+  owner.tell(name, "/org/freedesktop/DBus", "org.freedesktop.DBus", "NameOwnerChanged",
+             [](sd_bus_message* signal) { sd_bus_message_append(signal, "sss", "org.example.Name", "", ":1.99"); });
+  owner.settle(name);
+  EXPECT_EQ(owners, Log{""});
+}
+
 TEST_F(BusNameWatchTest, OtherNamesAreNotHeard) {
   watch();
   owner.own("org.example.Name2");

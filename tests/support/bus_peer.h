@@ -68,6 +68,16 @@ class BusPeer {
     return answer;
   }
 
+  /// Sends a signal to one program alone.
+  void tell(const std::string& destination, const char* path, const char* interface, const char* member,
+            const Fill& fill) const {
+    sd_bus_message* message = nullptr;
+    if (sd_bus_message_new_signal(bus(), &message, path, interface, member) < 0) return;
+    const BusMessage signal(message);
+    fill(signal.get());
+    sd_bus_send_to(bus(), signal.get(), destination.c_str(), nullptr);
+  }
+
   /// A round trip: everything that `destination` has sent before is here afterwards.
   void settle(const std::string& destination) const { call(destination, "/", "org.freedesktop.DBus.Peer", "Ping"); }
 

@@ -15,6 +15,7 @@ BusNameWatch::BusNameWatch(sd_bus* bus, const std::string& name, std::function<v
       "interface='org.freedesktop.DBus',member='NameOwnerChanged',arg0='" +
       name + "'";
   match_ = addMatch(bus, rule.c_str(), [this](sd_bus_message* signal) {
+    if (!isFrom(signal, "org.freedesktop.DBus")) return;
     const char* owner = nullptr;
     if (sd_bus_message_read(signal, "sss", nullptr, nullptr, &owner) > 0) update(owner);
   });

@@ -31,10 +31,11 @@ void LogindSystemSleep::start() {
       "interface='org.freedesktop.login1.Manager',member='PrepareForSleep'";
   prepareForSleep_ = addMatch(system_, kRule, [this](sd_bus_message* signal) {
     int sleeping = 0;
-    if (sd_bus_message_read(signal, "b", &sleeping) > 0) prepareForSleep(sleeping != 0);
+    if (isFrom(signal, owner_) && sd_bus_message_read(signal, "b", &sleeping) > 0) prepareForSleep(sleeping != 0);
   });
   // A logind that starts anew may have lost the lock, and it is not in the middle of a sleep.
   logind_.emplace(system_, kLogind, [this](const std::string& owner) {
+    owner_ = owner;
     if (owner.empty()) return;
     if (sleeping_) {
       prepareForSleep(false);

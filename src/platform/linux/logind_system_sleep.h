@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 
 #include "base/observer_list.h"
 #include "platform/linux/bus_name_watch.h"
@@ -30,6 +31,7 @@ class LogindSystemSleep final : public SystemSleep {
   ObserverList<Notice> observers_;
   bool sleeping_ = false;
   UniqueFd lock_;
+  std::string owner_;  ///< of logind's name
   BusSlot prepareForSleep_;
   BusSlot inhibit_;
   std::optional<BusNameWatch> logind_;

@@ -58,4 +58,9 @@ bool readStrings(sd_bus_message* message, std::vector<std::string>& strings) {
 
 bool isError(sd_bus_message* reply) { return sd_bus_message_is_method_error(reply, nullptr) > 0; }
 
+bool isFrom(sd_bus_message* message, std::string_view sender) {
+  const char* const actual = sd_bus_message_get_sender(message);
+  return actual != nullptr && !sender.empty() && actual == sender;
+}
+
 }  // namespace nimbo

@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/linux/sd_bus_handles.h"
@@ -27,13 +28,17 @@ enum class BusActivation {
 /// sent the slot is null and `done` never called.
 [[nodiscard]] BusSlot callAsync(sd_bus* bus, const BusMessage& call, BusHandler done);
 
-/// Calls `received` for each matching signal, until the slot is dropped.
+/// Calls `received` for each matching signal, until the slot is dropped. The bus holds only broadcasts to the
+/// rule's sender: where others than the user are on the bus, `received` asks `isFrom`.
 [[nodiscard]] BusSlot addMatch(sd_bus* bus, const char* rule, BusHandler received);
 
 /// The strings of an "as" at the read position; false when there is none.
 [[nodiscard]] bool readStrings(sd_bus_message* message, std::vector<std::string>& strings);
 
 [[nodiscard]] bool isError(sd_bus_message* reply);
+
+/// Whether the bus says that it was sent by the owner of that unique name; never for an empty one.
+[[nodiscard]] bool isFrom(sd_bus_message* message, std::string_view sender);
 
 /// Adapters from a vtable's C callbacks to the member functions that answer.
 template <class Object, int (Object::*kMember)(sd_bus_message*, sd_bus_error*)>
