@@ -2,8 +2,10 @@
 #include "platform/linux/application_process.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -104,6 +106,18 @@ TEST_F(ApplicationProcessTest, FlatpakIsKnownByItsIdentifier) {
   EXPECT_TRUE(is(2));
   EXPECT_FALSE(is(3));
   EXPECT_FALSE(is(4));
+}
+
+TEST_F(ApplicationProcessTest, PipeOrLinkInASandboxIsNeitherWaitedForNorFollowed) {
+  addProcess(1, "/usr/bin/xdg-dbus-proxy");
+  std::filesystem::create_directories(proc.path() / "1/root");
+  ASSERT_EQ(::mkfifo((proc.path() / "1/root/.flatpak-info").c_str(), 0600), 0);
+  addProcess(2, "/usr/bin/xdg-dbus-proxy");
+  const auto elsewhere = proc.write("elsewhere", "name=org.example.diary\n");
+  std::filesystem::create_directories(proc.path() / "2/root");
+  std::filesystem::create_symlink(elsewhere, proc.path() / "2/root/.flatpak-info");
+  EXPECT_FALSE(is(1));
+  EXPECT_FALSE(is(2));
 }
 
 TEST_F(ApplicationProcessTest, ProcessThatIsGoneOrMayNotBeLookedAtIsNot) {

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstddef>
 #include <filesystem>
 #include <optional>
 #include <string_view>
@@ -12,6 +13,7 @@
 
 #include "platform/linux/proc_file.h"
 #include "platform/linux/proc_text.h"
+#include "platform/linux/regular_file.h"
 
 namespace nimbo {
 namespace {
@@ -52,8 +54,10 @@ std::optional<fs::path> electronProgram(const fs::path& process) {
 
 // On the bus a sandboxed application is seen as its bus proxy, which runs in a sandbox of the same name.
 bool isFlatpakOf(const ApplicationMarks& application, const fs::path& process) {
-  const std::string info = readAttribute(process / "root" / ".flatpak-info").value_or("");
-  std::string_view rest(info);
+  // Whoever made a sandbox could put a pipe there, which nobody writes to, or a link into our own files.
+  constexpr std::size_t kLongestInfo = 65536;
+  const auto info = readRegularFile(process / "root" / ".flatpak-info", kLongestInfo, LinkedFile::refuse);
+  std::string_view rest = info ? std::string_view(*info) : std::string_view();
   while (const auto line = takeLine(rest)) {
     constexpr std::string_view kName = "name=";
     if (!line->starts_with(kName)) continue;

@@ -29,8 +29,10 @@ Result<FileStamp, std::error_code> fileStamp(const std::filesystem::path& file) 
   return FileStamp{status.st_dev, status.st_ino, status.st_size, fileTime(status.st_mtim), fileTime(status.st_ctim)};
 }
 
-Result<std::string, std::error_code> readRegularFile(const std::filesystem::path& file, std::size_t maximumBytes) {
-  const UniqueFd descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+Result<std::string, std::error_code> readRegularFile(const std::filesystem::path& file, std::size_t maximumBytes,
+                                                     LinkedFile linked) {
+  const int noFollow = linked == LinkedFile::refuse ? O_NOFOLLOW : 0;
+  const UniqueFd descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | noFollow));
   if (!descriptor) return tl::unexpected(lastError());
   struct stat status {};
   if (::fstat(descriptor.get(), &status) != 0) return tl::unexpected(lastError());

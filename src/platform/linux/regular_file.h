@@ -37,9 +37,16 @@ struct FileStamp {
 /// Links are followed.
 [[nodiscard]] Result<FileStamp, std::error_code> fileStamp(const std::filesystem::path& file);
 
+/// What becomes of a file that is a symbolic link.
+enum class LinkedFile {
+  follow,
+  refuse,  ///< too_many_symbolic_link_levels; links on the way to the file are followed all the same
+};
+
 /// The whole file; file_too_large for one above `maximumBytes`, not_supported for anything but a regular
 /// file. Never waits for a pipe or a device.
 [[nodiscard]] Result<std::string, std::error_code> readRegularFile(const std::filesystem::path& file,
-                                                                   std::size_t maximumBytes);
+                                                                   std::size_t maximumBytes,
+                                                                   LinkedFile linked = LinkedFile::follow);
 
 }  // namespace nimbo
