@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/stat.h>
@@ -10,6 +11,7 @@
 #include "platform/linux/desktop_name.h"
 #include "platform/linux/detached_programs.h"
 #include "platform/linux/system_monitor_programs.h"
+#include "platform/linux/unique_fd.h"
 #include "support/bus_peer.h"
 #include "support/temporary_tree.h"
 
@@ -93,6 +95,20 @@ TEST(DetachedPrograms, ProgramRunsInASessionOfItsOwnWithNoSignalBlocked) {
   const std::string out = tree.read("out");
   const std::string pid = out.substr(0, out.find(' '));
   EXPECT_EQ(out, pid + " " + pid + "\nSigBlk:\t0000000000000000\n");
+}
+
+TEST(DetachedPrograms, ProgramInheritsNoDescriptorThatALibraryLeftOpen) {
+  BusLoop loop;
+  const TemporaryTree tree;
+  const UniqueFd leaked(::fcntl(STDERR_FILENO, F_DUPFD, 50));  // without close-on-exec
+  const std::string program =
+      writeProgram(tree, "monitor",
+                   "cd \"" + tree.path().string() + "\"; test -e /proc/$$/fd/" + std::to_string(leaked.get()) +
+                       " && echo open > a || echo closed > a; mv a out\n");
+  DetachedPrograms programs(loop.event());
+  ASSERT_TRUE(programs.start(program));
+  ASSERT_TRUE(loop.runUntil([&] { return !tree.read("out").empty(); }));
+  EXPECT_EQ(tree.read("out"), "closed\n");
 }
 
 TEST(DetachedPrograms, ProgramThatIsNotThereIsNotStarted) {

@@ -38,6 +38,8 @@ std::optional<pid_t> spawn(const std::string& path, std::vector<std::string>& ar
   posix_spawn_file_actions_init(&actions);
   setCleanStart(attributes);
   posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+  // Libraries open some that would outlive us in it.
+  posix_spawn_file_actions_addclosefrom_np(&actions, STDERR_FILENO + 1);
   std::string program = path;
   std::vector<char*> pointers{program.data()};
   for (auto& argument : arguments) pointers.push_back(argument.data());
