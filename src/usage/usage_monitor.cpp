@@ -44,20 +44,25 @@ bool UsageMonitor::start(UsageProvider provider, UsageRequest request) {
     if (manual && !interactiveTasks_.contains(provider)) pendingManualRefresh_.insert(provider);
     return false;
   }
-  const auto next = nextRefresh_.find(provider);
-  if (!manual && next != nextRefresh_.end() && clock_.now() < next->second) return false;
-  if (mustWait(provider)) {
+  if (!manual && isIn(nextRefresh_, provider)) return false;
+  if (isIn(retryNotBefore_, provider)) {
     if (manual)
-      states_[provider].message = usage_messages::rateLimitReached(dates_.shortTime(retryNotBefore_[provider]));
+      states_[provider].message = usage_messages::rateLimitReached(dates_.shortTime(retryNotBefore_[provider].until));
     return manual;
   }
   beginRead(provider, request);
   return true;
 }
 
-bool UsageMonitor::mustWait(UsageProvider provider) const {
-  const auto wait = retryNotBefore_.find(provider);
-  return wait != retryNotBefore_.end() && clock_.now() < wait->second;
+UsageMonitor::Wait UsageMonitor::waitUntil(Time instant) const {
+  using Seconds = std::chrono::duration<double>;
+  const Seconds left = Seconds(instant.time_since_epoch()) - Seconds(clock_.now().time_since_epoch());
+  return {instant, clock_.uptime() + left};
+}
+
+bool UsageMonitor::isIn(const std::map<UsageProvider, Wait>& waits, UsageProvider provider) const {
+  const auto wait = waits.find(provider);
+  return wait != waits.end() && clock_.now() < wait->second.until && clock_.uptime() < wait->second.untilUptime;
 }
 
 void UsageMonitor::beginRead(UsageProvider provider, UsageRequest request) {
@@ -78,9 +83,9 @@ void UsageMonitor::finish(UsageProvider provider, std::uint64_t generation, Usag
     state.message.reset();
   } else {
     state.message = std::move(outcome.error().message);
-    if (outcome.error().retryNotBefore) retryNotBefore_[provider] = *outcome.error().retryNotBefore;
+    if (outcome.error().retryNotBefore) retryNotBefore_[provider] = waitUntil(*outcome.error().retryNotBefore);
   }
-  nextRefresh_[provider] = clock_.now() + kRefreshInterval;
+  nextRefresh_[provider] = waitUntil(clock_.now() + kRefreshInterval);
   state.isRefreshing = false;
   tasks_.erase(provider);
   interactiveTasks_.erase(provider);

@@ -52,8 +52,15 @@ class UsageMonitor {
  private:
   using Time = UsageTime;
 
+  /// Ends at an instant of the wall clock, but lasts no longer than it was to when it began, however the clock is set.
+  struct Wait {
+    Time until;
+    std::chrono::duration<double> untilUptime{0};
+  };
+
   [[nodiscard]] bool start(UsageProvider provider, UsageRequest request);
-  [[nodiscard]] bool mustWait(UsageProvider provider) const;
+  [[nodiscard]] Wait waitUntil(Time instant) const;
+  [[nodiscard]] bool isIn(const std::map<UsageProvider, Wait>& waits, UsageProvider provider) const;
   void beginRead(UsageProvider provider, UsageRequest request);
   void finish(UsageProvider provider, std::uint64_t generation, UsageOutcome outcome);
   void abandon(UsageProvider provider);
@@ -64,8 +71,8 @@ class UsageMonitor {
   const Dates& dates_;
   UsageStates states_;
   std::map<UsageProvider, Subscription> tasks_;
-  std::map<UsageProvider, Time> retryNotBefore_;
-  std::map<UsageProvider, Time> nextRefresh_;
+  std::map<UsageProvider, Wait> retryNotBefore_;
+  std::map<UsageProvider, Wait> nextRefresh_;
   std::map<UsageProvider, std::uint64_t> generations_;
   std::set<UsageProvider> interactiveTasks_;
   std::set<UsageProvider> pendingManualRefresh_;

@@ -138,6 +138,30 @@ TEST_F(UsageMonitorTest, AutomaticRefreshDuringAReadDoesNothing) {
   EXPECT_EQ(codexRead.requests.size(), 1U);
 }
 
+TEST_F(UsageMonitorTest, ClockThatIsSetBackDelaysNoRefresh) {
+  refresh(kAuto);
+  codexRead.finish(snapshot(1));
+  clock.setNow(clock.now() - 9h);
+  clock.advance(299s);
+  refresh(kAuto);
+  EXPECT_EQ(codexRead.requests.size(), 1U);
+  clock.advance(1s);
+  refresh(kAuto);
+  EXPECT_EQ(codexRead.requests.size(), 2U);
+}
+
+TEST_F(UsageMonitorTest, ClockThatIsSetBackDoesNotLengthenARateLimitWait) {
+  refresh(kAuto);
+  codexRead.finish(tl::unexpected(rateLimit(clock.now() + 3600s)));
+  clock.setNow(clock.now() - 9h);
+  clock.advance(3599s);
+  refresh(kManual);
+  EXPECT_EQ(codexRead.requests.size(), 1U);
+  clock.advance(1s);
+  refresh(kManual);
+  EXPECT_EQ(codexRead.requests.size(), 2U);
+}
+
 TEST_F(UsageMonitorTest, FailedRefreshKeepsTheOldSnapshotAndItsDate) {
   refresh(kAuto);
   const auto first = snapshot(30);
