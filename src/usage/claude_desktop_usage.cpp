@@ -23,19 +23,25 @@ tl::unexpected<UsageReadError> failure(const char* message) {
   return tl::unexpected(UsageReadError{UsageReadError::Kind::usage, message});
 }
 
+tl::unexpected<UsageReadError> cancelled() {
+  return tl::unexpected(UsageReadError{UsageReadError::Kind::cancelled, {}});
+}
+
 }  // namespace
 
 Result<UsageSnapshot, UsageReadError> ClaudeDesktopUsage::read(std::string_view localZone,
                                                                const std::stop_token& stop) const {
   const auto application = accessibility_.application(kApplication);
+  if (stop.stop_requested()) return cancelled();
   if (!application) return failure(usage_messages::kDesktopNotRunning);
   if (!accessibility_.isTrusted()) return failure(usage_messages::kDesktopNeedsAccessibility);
+  if (stop.stop_requested()) return cancelled();
   application->setMessagingTimeout(kMessagingTimeout);
   application->exposeContent(stop);
 
   for (const auto& window : application->windows(kMostWindows)) {
     const std::string text = windowText(*window, clock_, stop);
-    if (stop.stop_requested()) return tl::unexpected(UsageReadError{UsageReadError::Kind::cancelled, {}});
+    if (stop.stop_requested()) return cancelled();
     if (text.find(kMarker) == std::string::npos) continue;
     if (auto snapshot = parseUsageScreen(text, clock_.now(), kSource, localZone)) return *std::move(snapshot);
   }

@@ -18,7 +18,7 @@ class ClaudeDesktopUsage {
  public:
   ClaudeDesktopUsage(Accessibility& accessibility, const Clock& clock) : accessibility_(accessibility), clock_(clock) {}
 
-  /// `localZone` as in `parseResetText`. Ends soon after a stop is asked for.
+  /// `localZone` as in `parseResetText`. Once a stop is asked for it ends with the call that runs.
   [[nodiscard]] Result<UsageSnapshot, UsageReadError> read(std::string_view localZone,
                                                            const std::stop_token& stop = {}) const;
 

@@ -37,7 +37,7 @@ class ClaudeUsageReader {
     std::function<std::string()> localZone;  ///< as in `parseResetText`; asked at each read
   };
 
-  /// Blocks, but ends soon after a stop is asked for; called on the queue.
+  /// Blocks; once a stop is asked for it ends with the call that runs. Called on the queue.
   using DesktopRead = std::function<Result<UsageSnapshot, UsageReadError>(const std::stop_token& stop)>;
 
   ClaudeUsageReader(const Services& services, User user, DesktopRead desktop);

@@ -25,9 +25,10 @@ UsageCredentialReader::Reader codexCredentialReader(std::filesystem::path file, 
   return [file = std::move(file), &files, &clock](UsageProvider provider,
                                                   bool /*allowPrompt*/) -> UsageCredentialReader::Outcome {
     if (provider != UsageProvider::codex) return tl::unexpected(UsageError{usage_messages::kClaudeHasNoCredentials});
+    const auto now = clock.now();  // a file that hangs may outlast the clock
     auto bytes = files.read(file, kMaximumBytes);
     if (!bytes) return tl::unexpected(UsageError{usage_messages::kNoCodexCredentials});
-    return decodeCredentials(std::move(*bytes), provider, clock.now());
+    return decodeCredentials(std::move(*bytes), provider, now);
   };
 }
 

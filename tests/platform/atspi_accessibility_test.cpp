@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <functional>
 #include <stop_token>
 #include <thread>
@@ -116,6 +117,18 @@ TEST_F(AtspiAccessibilityTest, AccessibilityBusThatHangsMeansNoTrust) {
   const auto taken = timeOf([this] { EXPECT_FALSE(accessibility.isTrusted()); });
   desktop.bus().thaw();
   EXPECT_LT(taken, milliseconds(2000));
+}
+
+TEST_F(AtspiAccessibilityTest, AddressThatWouldRunAProgramIsNotUsed) {
+  const TemporaryTree tree;
+  const std::string program = "unixexec:path=/usr/bin/touch,argv1=" + (tree.path() / "ran").string();
+  for (const std::string& address :
+       {program, "unix:path=/nowhere;" + program, std::string("tcp:host=localhost,port=1")}) {
+    desktop.otherAddress = address;
+    EXPECT_FALSE(accessibility.isTrusted()) << address;
+  }
+  std::this_thread::sleep_for(milliseconds(200));
+  EXPECT_FALSE(std::filesystem::exists(tree.path() / "ran"));
 }
 
 TEST_F(AtspiAccessibilityTest, AccessibilityBusThatIsGoneMeansNoTrust) {

@@ -56,6 +56,7 @@ class FakeAtspiDesktop {
   std::atomic<Manner> registryManner = Manner::answers;
   std::atomic<bool> enabled = false;  ///< org.a11y.Status.IsEnabled
   std::atomic<int> timesSet = 0;
+  std::string otherAddress;  ///< told instead of the bus's own; to be set before anybody asks
 
  private:
   static constexpr const char* kRoot = "/org/a11y";
@@ -71,7 +72,8 @@ class FakeAtspiDesktop {
     if (fake.launcherManner == Manner::staysSilent) return 1;
     if (fake.launcherManner == Manner::answersGarbage) return sd_bus_reply_method_return(call, "u", 7U);
     if (sd_bus_message_is_method_call(call, "org.a11y.Bus", "GetAddress") > 0) {
-      return sd_bus_reply_method_return(call, "s", fake.bus_.address().c_str());
+      const std::string& address = fake.otherAddress.empty() ? fake.bus_.address() : fake.otherAddress;
+      return sd_bus_reply_method_return(call, "s", address.c_str());
     }
     if (sd_bus_message_is_method_call(call, "org.freedesktop.DBus.Properties", "Get") > 0) {
       return sd_bus_reply_method_return(call, "v", "b", fake.enabled ? 1 : 0);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/linux/atspi_bus.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <string_view>
 #include <utility>
@@ -61,6 +62,16 @@ std::string accessibilityBusAddress(const std::string& sessionAddress) {
   return address;
 }
 
+// Of the other kinds of address one runs a program and another looks a host up.
+bool isLocal(std::string_view addresses) {
+  bool local = !addresses.empty();
+  while (!addresses.empty()) {
+    local = local && addresses.starts_with("unix:");
+    addresses.remove_prefix(std::min(addresses.find(';'), addresses.size() - 1) + 1);
+  }
+  return local;
+}
+
 bool isAtspiEnabled(const BoundedBus& session) {
   BusMessage call = launcherCall(session, kProperties, "Get");
   if (call) sd_bus_message_append(call.get(), "ss", kStatus, "IsEnabled");
@@ -73,7 +84,7 @@ bool isAtspiEnabled(const BoundedBus& session) {
 
 std::shared_ptr<AtspiBus> AtspiBus::connect(const std::string& sessionAddress) {
   const std::string address = accessibilityBusAddress(sessionAddress);
-  if (address.empty()) return nullptr;
+  if (!isLocal(address)) return nullptr;
   std::shared_ptr<AtspiBus> bus(new AtspiBus(address));
   return bus->answers() ? bus : nullptr;
 }

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include <signal.h>
+
 #include <cstdlib>
 #include <filesystem>
 #include <map>
@@ -230,6 +232,10 @@ std::unique_ptr<Accessibility> makeAccessibility() {
 
 UserSurroundings userSurroundings() { return surroundingsFrom(Environment()); }
 
-std::unique_ptr<PlatformServices> makePlatformServices() { return std::make_unique<LinuxPlatformServices>(); }
+std::unique_ptr<PlatformServices> makePlatformServices() {
+  // A careless launcher may have left the ends of children ignored; then nobody would keep their numbers for us.
+  ::signal(SIGCHLD, SIG_DFL);
+  return std::make_unique<LinuxPlatformServices>();
+}
 
 }  // namespace nimbo

@@ -104,8 +104,10 @@ Result<SessionLeader, std::error_code> spawnSession(const ChildProgram& program,
   SessionLeader leader{*pid, UniqueFd(static_cast<int>(::syscall(SYS_pidfd_open, *pid, 0)))};
   if (leader.descriptor) return leader;
   const std::error_code reason = lastError();
-  ::kill(*pid, SIGKILL);
-  ::waitpid(*pid, nullptr, 0);
+  if (reason != std::errc::no_such_process) {  // else the number is nobody's or a stranger's
+    ::kill(*pid, SIGKILL);
+    ::waitpid(*pid, nullptr, 0);
+  }
   return tl::unexpected(reason);
 }
 
