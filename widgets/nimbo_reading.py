@@ -1,8 +1,8 @@
 # SPDX-License-Identifier: MIT
 """What Nimbo shares with its widgets: the file, what it says, and when to look at it again.
 
-Nimbo replaces the file at most every five minutes and then sends a signal on the session bus. A widget
-that uses `Watch` therefore sleeps until there is something new, or until what it shows has become old.
+Nimbo replaces the file when there is something new, at most every five minutes otherwise, and then sends
+a signal on the session bus. A widget that uses `Watch` therefore sleeps until there is something new, or until what it shows has become old.
 """
 
 import ctypes

@@ -3,7 +3,6 @@
 
 #include <chrono>
 #include <functional>
-#include <optional>
 #include <string>
 
 #include "app/user_interface_maker.h"

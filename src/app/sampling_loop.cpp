@@ -67,7 +67,7 @@ void SamplingLoop::startTemperatureRead() {
     forgetTemperature();
     return;
   }
-  if (temperatureScanning_ || sleeping_) return;
+  if (temperatureScanning_) return;
   temperatureScanning_ = true;
   sources_.temperatureQueue.async([make = sources_.readers.makeTemperatureSensor, &loop = sources_.mainLoop,
                                    generation = temperatureGeneration_, weak = std::weak_ptr(self_)] {

@@ -2,7 +2,6 @@
 #include "awake/session_length.h"
 
 #include <charconv>
-#include <string>
 #include <system_error>
 
 #include "base/white_space.h"

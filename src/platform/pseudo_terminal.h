@@ -2,10 +2,7 @@
 #pragma once
 
 #include <chrono>
-#include <cstddef>
 #include <memory>
-#include <optional>
-#include <span>
 #include <string>
 #include <string_view>
 #include <system_error>

@@ -13,10 +13,7 @@ namespace {
 
 using namespace setting_keys;
 
-constexpr std::array<std::int64_t, 4> kRefreshIntervals{2, 5, 10, 30};
 constexpr std::array<std::int64_t, 7> kAwakeDurations{0, 1800, 3600, 7200, 14400, -1, -2};
-constexpr std::array<std::int64_t, 5> kBatteryFloors{0, 10, 20, 30, 50};
-constexpr std::array<std::int64_t, 8> kRotationIntervals{5, 10, 15, 30, 60, 120, 300, 600};
 
 template <std::size_t count>
 std::int64_t accepted(std::int64_t value, const std::array<std::int64_t, count>& choices, std::int64_t fallback) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <array>
 #include <chrono>
 #include <cstdint>
 #include <optional>
@@ -14,6 +15,11 @@
 #include "settings/usage_provider.h"
 
 namespace nimbo {
+
+// Values that are accepted, in the order in which they are offered; any other reads as the default.
+inline constexpr std::array<std::int64_t, 4> kRefreshIntervals{2, 5, 10, 30};                       // seconds
+inline constexpr std::array<std::int64_t, 5> kBatteryFloors{0, 10, 20, 30, 50};                     // percent
+inline constexpr std::array<std::int64_t, 8> kRotationIntervals{5, 10, 15, 30, 60, 120, 300, 600};  // seconds
 
 /// The user's preferences. Holds no value itself: every getter reads the defaults and validates, so a
 /// hand-edited value out of range reads as the fallback. Tells nobody about changes; whoever sets one does.

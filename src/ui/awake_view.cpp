@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
-#include <utility>
 
 #include "awake/session_length.h"
 
@@ -24,7 +23,6 @@ constexpr std::array kDurations{
     DurationItem{"Custom minutes…", kCustomMinutes},
     DurationItem{"Until a date / time…", kUntilDate},
 };
-constexpr std::array kFloors{0, 10, 20, 30, 50};
 
 constexpr const char* kNote =
     "Keep your MacBook’s lid open. Manual Sleep still applies. App-specific background limits still apply.";
@@ -58,7 +56,8 @@ void AwakeView::load() {
       indexOf(kDurations, [wanted = settings.awakeDuration()](const auto& item) { return item.duration == wanted; });
   minutes_ = std::to_string(clampedCustomMinutes(settings.awakeCustomMinutes()));
   onlyOnPower_ = settings.awakeOnlyOnPower();
-  floorIndex_ = indexOf(kFloors, [wanted = settings.awakeBatteryFloor()](int floor) { return floor == wanted; });
+  floorIndex_ =
+      indexOf(kBatteryFloors, [wanted = settings.awakeBatteryFloor()](std::int64_t floor) { return floor == wanted; });
   if (!active_) {
     displayOn_ = settings.awakeDisplayOn();
     const auto now = services_.clock.now();
@@ -88,7 +87,7 @@ AwakePageActions AwakeView::actions() {
         storeRules();
       },
       [this](std::size_t index) {
-        floorIndex_ = std::min(index, kFloors.size() - 1);
+        floorIndex_ = std::min(index, kBatteryFloors.size() - 1);
         storeRules();
       },
       [this] { call(onDisplayOff); },
@@ -144,7 +143,7 @@ void AwakeView::switchDisplay(bool on) {
 
 void AwakeView::storeRules() {
   services_.settings.setAwakeOnlyOnPower(onlyOnPower_);
-  services_.settings.setAwakeBatteryFloor(kFloors[floorIndex_]);
+  services_.settings.setAwakeBatteryFloor(static_cast<int>(kBatteryFloors[floorIndex_]));
   changed();
   call(onRules);
 }
@@ -210,7 +209,7 @@ void AwakeView::fillRules(AwakePageContent& content) const {
 
   content.batteryTitle = {{20, 306, 146, 20}, {13}, "Stop on battery at"};
   content.battery = {"battery", {170, 303, 150, 26}};
-  for (const int floor : kFloors) {
+  for (const auto floor : kBatteryFloors) {
     content.battery.items.push_back(floor == 0 ? std::string("Never") : std::to_string(floor) + "%");
   }
   content.battery.selected = floorIndex_;

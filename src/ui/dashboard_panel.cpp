@@ -2,7 +2,6 @@
 #include "ui/dashboard_panel.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace nimbo {
 namespace {

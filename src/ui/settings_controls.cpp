@@ -6,8 +6,8 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
-#include <initializer_list>
 #include <iterator>
+#include <span>
 
 #include "settings/dashboard_tab.h"
 
@@ -142,7 +142,7 @@ std::string durationTitle(std::int64_t seconds) {
 
 std::string floorTitle(std::int64_t percent) { return percent == 0 ? "Never" : fmt::format("{}%", percent); }
 
-Items itemsFor(std::initializer_list<std::int64_t> tags, std::string (*title)(std::int64_t tag)) {
+Items itemsFor(std::span<const std::int64_t> tags, std::string (*title)(std::int64_t tag)) {
   Items items;
   for (const auto tag : tags) items.push_back({title(tag), tag});
   return items;
@@ -169,7 +169,7 @@ std::vector<SettingsChoice> makeChoices() {
        tag<&Settings::menuPreset>,
        writeTag<&Settings::setMenuPreset>,
        monitors},
-      {"menuRotationInterval", "Rotate every", itemsFor({5, 10, 15, 30, 60, 120, 300, 600}, durationTitle),
+      {"menuRotationInterval", "Rotate every", itemsFor(kRotationIntervals, durationTitle),
        seconds<&Settings::menuRotationInterval>, writeSeconds<&Settings::setMenuRotationInterval>, presentation},
       {"aiWindows",
        "AI menu bar quotas",
@@ -196,9 +196,9 @@ std::vector<SettingsChoice> makeChoices() {
        onOrOff<&Settings::showChart>,
        writeOnOrOff<&Settings::setShowChart>,
        appearance},
-      {"interval", "Refresh interval", itemsFor({2, 5, 10, 30}, durationTitle), seconds<&Settings::refreshInterval>,
+      {"interval", "Refresh interval", itemsFor(kRefreshIntervals, durationTitle), seconds<&Settings::refreshInterval>,
        writeSeconds<&Settings::setRefreshInterval>, interval},
-      {"battery", "Stop on battery at", itemsFor({0, 10, 20, 30, 50}, floorTitle), tag<&Settings::awakeBatteryFloor>,
+      {"battery", "Stop on battery at", itemsFor(kBatteryFloors, floorTitle), tag<&Settings::awakeBatteryFloor>,
        writeTag<&Settings::setAwakeBatteryFloor>, awakeRules},
   };
 }

@@ -2,7 +2,6 @@
 #include "ui/settings_pages.h"
 
 #include <array>
-#include <utility>
 
 #include "ui/settings_page_builder.h"
 

@@ -149,10 +149,10 @@ class UserInterface {
   [[nodiscard]] virtual std::vector<Screen> screens() const = 0;
   /// A screen came, went, or changed its frames.
   [[nodiscard]] virtual Subscription observeScreens(std::function<void()> changed) = 0;
-  /// Where something is that another program has just reported, such as a status item that was
-  /// clicked. Some programs count in the window system's own pixels and some in points; on a scaled
-  /// screen the pointer tells which.
-  [[nodiscard]] virtual Rect toPoints(const Rect& reported) const { return reported; }
+  /// Where something is that another program has reported, such as a status item that was clicked. Some
+  /// programs count in the window system's own pixels and some in points; on a scaled screen the pointer
+  /// tells which, and where it is elsewhere by now, what it told last.
+  [[nodiscard]] virtual Rect toPoints(const Rect& reported) { return reported; }
   virtual void setAppearance(Appearance appearance) = 0;
   /// The application's own menu: its entries' keys work in every ordinary window of the program. A
   /// system with a menu bar for the application in front shows it there.

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "usage/credential_decoder.h"
 
-#include <cmath>
 #include <optional>
 #include <utility>
 

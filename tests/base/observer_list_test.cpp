@@ -63,6 +63,7 @@ TEST(ObserverList, SubscriptionMayOutliveTheList) {
     subscription = list.add([] {});
   }
   subscription.reset();
+  EXPECT_FALSE(subscription);
 }
 
 }  // namespace

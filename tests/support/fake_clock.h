@@ -12,7 +12,6 @@ class FakeClock final : public Clock {
   [[nodiscard]] std::chrono::duration<double> uptime() const override { return uptime_; }
 
   void setNow(std::chrono::system_clock::time_point now) { now_ = now; }
-  void setUptime(std::chrono::duration<double> uptime) { uptime_ = uptime; }
 
   /// Moves both clocks, as passing time does.
   void advance(std::chrono::duration<double> time) {

@@ -51,7 +51,7 @@ class FakeUserInterface final : public UserInterface {
     });
   }
 
-  [[nodiscard]] Rect toPoints(const Rect& reported) const override {
+  [[nodiscard]] Rect toPoints(const Rect& reported) override {
     return {reported.x / scale, reported.y / scale, reported.width / scale, reported.height / scale};
   }
 

@@ -186,6 +186,19 @@ TEST_F(X11Window, ScaleTwoTakesAPlaceAtThePointerAsItIs) {
   EXPECT_EQ(interface_->toPoints({988, 288, 24, 24}), (Rect{494, 144, 12, 12})) << "in pixels";
 }
 
+TEST_F(X11Window, ScaleTwoTakesAPlaceAwayFromThePointerAsTheLastOneWas) {
+  qputenv("QT_SCALE_FACTOR", "2");
+  open();
+  client_.click(1000, 300);
+  ASSERT_TRUE(eventually([this] { return !outside_.empty(); }));
+  const Rect away{100, 10, 24, 24};
+  EXPECT_EQ(interface_->toPoints(away), (Rect{50, 5, 12, 12})) << "nothing is known yet";
+  ASSERT_EQ(interface_->toPoints({488, 138, 24, 24}), (Rect{488, 138, 24, 24}));
+  EXPECT_EQ(interface_->toPoints(away), away);
+  ASSERT_EQ(interface_->toPoints({988, 288, 24, 24}), (Rect{494, 144, 12, 12}));
+  EXPECT_EQ(interface_->toPoints(away), (Rect{50, 5, 12, 12}));
+}
+
 TEST_F(X11Window, NoDisplayGivesNoUserInterfaceAndLaterItMay) {
   const std::string name = display_.name();
   qunsetenv("DISPLAY");

@@ -2,7 +2,6 @@
 #include "platform/linux/application_process.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <cstddef>
 #include <filesystem>

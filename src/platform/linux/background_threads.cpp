@@ -9,7 +9,6 @@
 #include <mutex>
 #include <system_error>
 #include <thread>
-#include <utility>
 
 namespace nimbo {
 namespace {

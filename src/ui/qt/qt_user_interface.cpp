@@ -6,6 +6,7 @@
 #include <QScreen>
 #include <QSessionManager>
 #include <QToolTip>
+#include <algorithm>
 #include <array>
 #include <clocale>
 #include <cmath>
@@ -104,7 +105,7 @@ Subscription QtUserInterface::observeScreens(std::function<void()> changed) {
   return screenWatch_->observe(std::move(changed));
 }
 
-Rect QtUserInterface::toPoints(const Rect& reported) const {
+Rect QtUserInterface::toPoints(const Rect& reported) {
   for (const QScreen* const screen : QGuiApplication::screens()) {
     const QRectF frame = pixelFrame(*screen);
     if (!frame.contains(toQRectF(reported).center())) continue;
@@ -113,8 +114,10 @@ Rect QtUserInterface::toPoints(const Rect& reported) const {
                       reported.width / scale, reported.height / scale};
     // Panels on GTK scale by themselves and report points already.
     constexpr double kNear = 48;
-    const double apart = distanceFromPointer(reported);
-    return apart <= kNear && apart < distanceFromPointer(scaled) ? reported : scaled;
+    const double inPoints = distanceFromPointer(reported);
+    const double inPixels = distanceFromPointer(scaled);
+    if (std::min(inPoints, inPixels) <= kNear) placesAreInPoints_ = inPoints < inPixels;
+    return placesAreInPoints_ ? reported : scaled;
   }
   return reported;
 }

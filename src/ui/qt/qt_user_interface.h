@@ -28,7 +28,7 @@ class QtUserInterface final : public UserInterface {
   [[nodiscard]] OuterLoop& loop() override { return loop_; }
   [[nodiscard]] std::vector<Screen> screens() const override;
   [[nodiscard]] Subscription observeScreens(std::function<void()> changed) override;
-  [[nodiscard]] Rect toPoints(const Rect& reported) const override;
+  [[nodiscard]] Rect toPoints(const Rect& reported) override;
   void setAppearance(Appearance appearance) override;
   void setMainMenu(const MainMenu& menu) override;
   [[nodiscard]] std::unique_ptr<DashboardWindow> makeDashboardWindow() override;
@@ -50,6 +50,7 @@ class QtUserInterface final : public UserInterface {
   std::unique_ptr<WindowSystem> windowSystem_;
   std::unique_ptr<ScreenWatch> screenWatch_;
   MainMenuKeys mainMenuKeys_;
+  bool placesAreInPoints_ = false;  ///< as the pointer told last
 };
 
 }  // namespace nimbo

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "platform/linux/http/certificate_store.h"
 
-#include <algorithm>
 #include <filesystem>
 #include <string_view>
 #include <system_error>

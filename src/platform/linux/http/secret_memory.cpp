@@ -5,7 +5,6 @@
 #include <sys/mman.h>
 
 #include <algorithm>
-#include <cstdint>
 #include <memory_resource>
 #include <mutex>
 #include <new>
