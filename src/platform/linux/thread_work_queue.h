@@ -12,6 +12,7 @@
 namespace nimbo {
 
 /// One thread at nice 10, started by the first job, so that an unused queue costs nothing.
+/// Where no thread can be made, a job waits for the next one to be given.
 class ThreadWorkQueue final : public WorkQueue {
  public:
   /// `label` names the thread; the kernel keeps its first 15 bytes.
