@@ -15,9 +15,9 @@
 #include <string>
 #include <vector>
 
-#include "platform/linux/hwmon_temperature_sensor.h"
-#include "platform/linux/procfs_host_statistics.h"
-#include "platform/linux/procfs_process_table.h"
+#include "platform/linux/machine/hwmon_temperature_sensor.h"
+#include "platform/linux/machine/procfs_host_statistics.h"
+#include "platform/linux/machine/procfs_process_table.h"
 #include "platform/system_clock.h"
 #include "system/process_scan.h"
 #include "system/system_sampler.h"

@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "awake/session_length.h"
-#include "ui/status_item_content.h"
-#include "ui/usage_menu_gauge.h"
+#include "ui/tray/status_item_content.h"
+#include "ui/tray/usage_menu_gauge.h"
 
 namespace nimbo {
 namespace {

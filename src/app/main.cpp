@@ -6,11 +6,11 @@
 #include <vector>
 
 #include "app/app_delegate.h"
-#include "app/claude_desktop_check.h"
-#include "app/diagnostics_report.h"
 #include "app/launch_mode.h"
-#include "app/performance_probe.h"
-#include "app/user_interface_maker.h"
+#include "app/reports/claude_desktop_check.h"
+#include "app/reports/diagnostics_report.h"
+#include "app/reports/performance_probe.h"
+#include "app/windows/user_interface_maker.h"
 #include "platform/platform_services.h"
 #include "settings/settings.h"
 

@@ -7,10 +7,10 @@
 #include <memory>
 #include <optional>
 
-#include "app/system_readings.h"
 #include "platform/platform_services.h"
 #include "settings/settings.h"
 #include "system/process_scan.h"
+#include "system/system_readings.h"
 #include "system/system_sampler.h"
 
 namespace nimbo {

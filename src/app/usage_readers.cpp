@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/usage_readers.h"
 
-#include "usage/claude_desktop_usage.h"
-#include "usage/codex_credential_file.h"
+#include "usage/claude/claude_desktop_usage.h"
+#include "usage/codex/codex_credential_file.h"
 
 namespace nimbo {
 namespace {
@@ -34,11 +34,6 @@ UsageMonitor::Reads UsageReaders::reads() {
             return codex_.read(request, std::move(done));
           },
           claude_};
-}
-
-const char* usagePage(UsageProvider provider) {
-  return provider == UsageProvider::codex ? "https://chatgpt.com/codex/settings/usage"
-                                          : "https://claude.ai/settings/usage";
 }
 
 }  // namespace nimbo

@@ -2,9 +2,9 @@
 #pragma once
 
 #include "platform/platform_services.h"
-#include "usage/claude_usage_reader.h"
-#include "usage/codex_usage_client.h"
-#include "usage/usage_credential_reader.h"
+#include "usage/claude/claude_usage_reader.h"
+#include "usage/codex/codex_usage_client.h"
+#include "usage/codex/usage_credential_reader.h"
 #include "usage/usage_monitor.h"
 
 namespace nimbo {
@@ -22,8 +22,5 @@ class UsageReaders {
   CodexUsageClient codex_;
   ClaudeUsageReader claude_;
 };
-
-/// Where a user sees the provider's own account of the limits.
-[[nodiscard]] const char* usagePage(UsageProvider provider);
 
 }  // namespace nimbo

@@ -10,7 +10,7 @@
 #include "platform/clock.h"
 #include "platform/main_loop.h"
 #include "platform/status_bar.h"
-#include "ui/panel_placement.h"
+#include "ui/dashboard/panel_placement.h"
 #include "ui/user_interface.h"
 
 namespace nimbo {

@@ -12,4 +12,10 @@ namespace nimbo {
   return provider == UsageProvider::codex ? "Codex" : "Claude";
 }
 
+/// Where a user sees the provider's own account of the limits.
+[[nodiscard]] constexpr const char* usagePage(UsageProvider provider) {
+  return provider == UsageProvider::codex ? "https://chatgpt.com/codex/settings/usage"
+                                          : "https://claude.ai/settings/usage";
+}
+
 }  // namespace nimbo

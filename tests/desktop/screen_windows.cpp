@@ -5,8 +5,8 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
+#include "usage/claude/usage_screen_parser.h"
 #include "usage/usage_json.h"
-#include "usage/usage_screen_parser.h"
 
 /// Reads a terminal's screen from the standard input and prints its limits as JSON.
 int main() {

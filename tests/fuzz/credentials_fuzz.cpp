@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "fuzz/fuzz_input.h"
-#include "usage/credential_decoder.h"
+#include "usage/codex/credential_decoder.h"
 
 using namespace nimbo;
 

@@ -2,7 +2,7 @@
 #include <string>
 
 #include "fuzz/fuzz_input.h"
-#include "usage/reset_text_parser.h"
+#include "usage/claude/reset_text_parser.h"
 
 using namespace nimbo;
 

@@ -2,9 +2,9 @@
 #include <algorithm>
 
 #include "fuzz/fuzz_input.h"
-#include "update/update_choice.h"
-#include "update/update_feed_parser.h"
-#include "update/version_order.h"
+#include "update/feed/update_choice.h"
+#include "update/feed/update_feed_parser.h"
+#include "update/feed/version_order.h"
 
 using namespace nimbo;
 

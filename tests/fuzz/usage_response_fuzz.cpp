@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "fuzz/fuzz_input.h"
-#include "usage/usage_response_parser.h"
+#include "usage/codex/usage_response_parser.h"
 
 using namespace nimbo;
 

@@ -2,7 +2,7 @@
 #include <string>
 
 #include "fuzz/fuzz_input.h"
-#include "usage/usage_screen_parser.h"
+#include "usage/claude/usage_screen_parser.h"
 
 using namespace nimbo;
 

@@ -2,10 +2,10 @@
 // The settings over the real files, where a hand-edited value and a migration meet the disk.
 #include <gtest/gtest.h>
 
-#include "platform/linux/json_user_defaults.h"
-#include "platform/linux/json_user_defaults_domains.h"
+#include "platform/linux/settings/json_user_defaults.h"
+#include "platform/linux/settings/json_user_defaults_domains.h"
 #include "settings/settings.h"
-#include "support/temporary_tree.h"
+#include "support/services/temporary_tree.h"
 
 namespace nimbo {
 namespace {

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "support/fake_update_windows.h"
-#include "update/update_fixture.h"
+#include "update/feed/update_fixture.h"
 
 namespace nimbo {
 namespace {

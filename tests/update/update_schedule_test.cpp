@@ -3,7 +3,7 @@
 
 #include <limits>
 
-#include "update/update_fixture.h"
+#include "update/feed/update_fixture.h"
 
 namespace nimbo {
 namespace {

@@ -12,17 +12,17 @@
 #include <cmath>
 
 #include "ui/qt/application_accessible.h"
-#include "ui/qt/chart_widget.h"
-#include "ui/qt/panel_style.h"
-#include "ui/qt/pop_up_button.h"
-#include "ui/qt/qt_alert.h"
-#include "ui/qt/qt_dashboard_window.h"
-#include "ui/qt/qt_geometry.h"
-#include "ui/qt/qt_settings_window.h"
-#include "ui/qt/screen_watch.h"
-#include "ui/qt/settings_page.h"
-#include "ui/qt/usage_card.h"
-#include "ui/qt/window_system.h"
+#include "ui/qt/controls/panel_style.h"
+#include "ui/qt/controls/pop_up_button.h"
+#include "ui/qt/controls/qt_geometry.h"
+#include "ui/qt/dashboard/chart_widget.h"
+#include "ui/qt/dashboard/qt_dashboard_window.h"
+#include "ui/qt/dashboard/usage_card.h"
+#include "ui/qt/settings/qt_settings_window.h"
+#include "ui/qt/settings/settings_page.h"
+#include "ui/qt/windows/qt_alert.h"
+#include "ui/qt/windows/screen_watch.h"
+#include "ui/qt/windows/window_system.h"
 
 namespace nimbo {
 namespace {

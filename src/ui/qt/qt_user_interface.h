@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "ui/qt/main_menu_keys.h"
+#include "ui/qt/controls/theme.h"
 #include "ui/qt/qt_outer_loop.h"
-#include "ui/qt/theme.h"
+#include "ui/qt/windows/main_menu_keys.h"
 #include "ui/user_interface.h"
 
 namespace nimbo {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ui/qt/window_system.h"
+#include "ui/qt/windows/window_system.h"
 
 #include <QGuiApplication>
 #include <QPluginLoader>

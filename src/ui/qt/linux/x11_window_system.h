@@ -5,7 +5,7 @@
 
 #include <QAbstractNativeEventFilter>
 
-#include "ui/qt/window_system.h"
+#include "ui/qt/windows/window_system.h"
 
 namespace nimbo {
 

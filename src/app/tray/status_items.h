@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "app/tray/status_item_plan.h"
+#include "platform/main_loop.h"
+#include "platform/status_bar.h"
+#include "settings/settings.h"
+
+namespace nimbo {
+
+/// The program's items in the menu bar or tray: makes and removes them as the settings ask, keeps
+/// their content current, and rotates one item through the tabs. Main thread.
+class StatusItems {
+ public:
+  struct Callbacks {
+    std::function<StatusItemContent(StatusItemKind)> content;
+    std::function<void(StatusItemKind, const StatusClick&)> clicked;
+    /// The menu as it is now; asked ahead of time too, so it changes nothing.
+    std::function<StatusMenu()> menu;
+    std::function<void()> menuWillOpen;
+    /// Asked at each rotation step; true while the machine sleeps or the dashboard is open.
+    std::function<bool()> rotationPaused;
+  };
+
+  StatusItems(StatusBar& statusBar, MainLoop& mainLoop, const Settings& settings, Callbacks callbacks);
+
+  /// Makes the items that the settings ask for, in their order, removes the others, brings every item's
+  /// content up to date, and restarts the rotation.
+  void configure();
+  /// Brings every item's content up to date.
+  void refresh();
+  void restartRotation();
+  void stopRotation() { rotationTimer_.reset(); }
+
+  [[nodiscard]] std::optional<DashboardTab> rotationTab() const { return rotationTab_; }
+  /// Null when there is no such item.
+  [[nodiscard]] std::shared_ptr<StatusItem> item(StatusItemKind kind) const;
+  /// The item that stands for the whole program: compact, else AI, else memory, else Keep Awake.
+  [[nodiscard]] std::optional<StatusItemKind> firstItem() const;
+  /// Where the items were when they were last clicked.
+  [[nodiscard]] std::vector<Rect> knownFrames() const;
+  [[nodiscard]] std::optional<Rect> knownFrame(StatusItemKind kind) const;
+
+ private:
+  struct Entry {
+    std::shared_ptr<StatusItem> item;
+    std::optional<Rect> frame;
+  };
+
+  void updateItems();
+  void rotate();
+  [[nodiscard]] StatusItemHandlers handlersFor(StatusItemKind kind);
+
+  StatusBar& statusBar_;
+  MainLoop& mainLoop_;
+  const Settings& settings_;
+  Callbacks callbacks_;
+  std::map<StatusItemKind, Entry> items_;
+  std::vector<StatusItemKind> order_;  ///< in which they were made
+  std::optional<DashboardTab> rotationTab_;
+  Subscription rotationTimer_;
+  bool trackingStatusMenu_ = false;
+};
+
+}  // namespace nimbo

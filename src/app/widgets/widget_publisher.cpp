@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: MIT
+#include "app/widgets/widget_publisher.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace nimbo {
+namespace {
+
+constexpr std::chrono::seconds kWriteDistance{300};
+constexpr std::array kWidgetKinds{"com.quellwerk.Nimbo.usage", "com.quellwerk.Nimbo.temperature"};
+constexpr const char* kUnavailable =
+    "Widget sharing unavailable. Install a signed build with its app group configured.";
+
+bool somethingToShow(const Settings& settings) {
+  return settings.monitorTemperature() ||
+         std::any_of(kAllUsageProviders.begin(), kAllUsageProviders.end(),
+                     [&settings](UsageProvider provider) { return settings.usageEnabled(provider); });
+}
+
+UsageState stateOf(const UsageStates& states, UsageProvider provider) {
+  const auto found = states.find(provider);
+  return found == states.end() ? UsageState() : found->second;
+}
+
+}  // namespace
+
+WidgetPublisher::WidgetPublisher(Services services, Sources sources, bool publishesWidgets,
+                                 std::function<void()> messageChanged)
+    : services_(services),
+      sources_(sources),
+      publishesWidgets_(publishesWidgets),
+      messageChanged_(std::move(messageChanged)) {}
+
+void WidgetPublisher::writeWidgetSnapshot(Force force) {
+  if (!publishesWidgets_) return;
+  const Time now = services_.clock.now();
+  if (force == Force::no && (!isDue(now) || !somethingToShow(sources_.settings))) return;
+  lastWidgetWrite_ = now;  // before the outcome is known: a failed write waits as long as any other
+  write(snapshot(now));
+}
+
+bool WidgetPublisher::isDue(Time now) const {
+  // A clock that was set back must not silence the widgets until it has caught up.
+  return !lastWidgetWrite_ || now < *lastWidgetWrite_ || now - *lastWidgetWrite_ >= kWriteDistance;
+}
+
+WidgetSnapshot WidgetPublisher::snapshot(Time now) const {
+  return {.date = now,
+          .temperature = sources_.readings.temperature,
+          .temperatureDate = sources_.readings.temperatureDate,
+          .temperatureEnabled = sources_.settings.monitorTemperature(),
+          .codex = stateOf(sources_.usage, UsageProvider::codex),
+          .claude = stateOf(sources_.usage, UsageProvider::claude)};
+}
+
+void WidgetPublisher::write(WidgetSnapshot snapshot) {
+  services_.queue.async([snapshot = std::move(snapshot), appGroup = services_.bundle.appGroup,
+                         &center = services_.center, &loop = services_.mainLoop, weak = std::weak_ptr(self_)] {
+    const bool written = snapshot.write(center, appGroup);
+    loop.post([weak, written] {
+      if (const auto self = weak.lock()) (*self)->finish(written);
+    });
+  });
+}
+
+void WidgetPublisher::finish(bool written) {
+  auto message = written ? std::nullopt : std::optional<std::string>(kUnavailable);
+  if (std::exchange(widgetMessage_, message) != message && messageChanged_) messageChanged_();
+  if (!written) return;
+  for (const char* const kind : kWidgetKinds) services_.center.reloadTimelines(kind);
+}
+
+}  // namespace nimbo

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "app/widgets/widget_snapshot.h"
+#include "platform/bundle_info.h"
+#include "platform/clock.h"
+#include "platform/main_loop.h"
+#include "platform/widget_center.h"
+#include "platform/work_queue.h"
+#include "settings/settings.h"
+#include "system/system_readings.h"
+#include "usage/usage_monitor.h"
+
+namespace nimbo {
+
+/// Keeps the widgets' file up to date, at most every five minutes unless forced. The file is written on
+/// the queue, because flushing it can take long; what comes of it is told on the main thread, where all
+/// else happens.
+class WidgetPublisher {
+ public:
+  /// They outlive the jobs of the queue.
+  struct Services {
+    const BundleInfo& bundle;
+    const Clock& clock;
+    WidgetCenter& center;
+    WorkQueue& queue;  ///< serial, so that the newest snapshot is written last
+    MainLoop& mainLoop;
+  };
+  /// What is published.
+  struct Sources {
+    const Settings& settings;
+    const SystemReadings& readings;
+    const UsageStates& usage;
+  };
+  enum class Force { no, yes };
+
+  /// Without `publishesWidgets` it never does anything. `messageChanged` may be empty.
+  WidgetPublisher(Services services, Sources sources, bool publishesWidgets, std::function<void()> messageChanged);
+  WidgetPublisher(const WidgetPublisher&) = delete;
+  WidgetPublisher& operator=(const WidgetPublisher&) = delete;
+
+  /// Unforced it does nothing when the widgets would have nothing to show, or too soon after the last
+  /// attempt, successful or not.
+  void writeWidgetSnapshot(Force force);
+
+  /// Why the widgets get nothing; absent when the last write succeeded.
+  [[nodiscard]] const std::optional<std::string>& widgetMessage() const { return widgetMessage_; }
+
+ private:
+  using Time = WidgetSnapshot::Time;
+
+  [[nodiscard]] bool isDue(Time now) const;
+  [[nodiscard]] WidgetSnapshot snapshot(Time now) const;
+  void write(WidgetSnapshot snapshot);
+  void finish(bool written);
+
+  Services services_;
+  Sources sources_;
+  const bool publishesWidgets_;
+  std::function<void()> messageChanged_;
+  std::optional<Time> lastWidgetWrite_;  // absent before the first
+  std::optional<std::string> widgetMessage_;
+  /// Results reach this object only while it lives.
+  std::shared_ptr<WidgetPublisher*> self_ = std::make_shared<WidgetPublisher*>(this);
+};
+
+}  // namespace nimbo

@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "app/windows/toolkit.h"
+#include "awake/awake_manager.h"
+#include "platform/clock.h"
+#include "platform/dates.h"
+#include "platform/main_loop.h"
+#include "platform/status_bar.h"
+#include "platform/workspace.h"
+#include "settings/settings.h"
+#include "system/system_readings.h"
+#include "ui/dashboard/dashboard_controller.h"
+#include "ui/dashboard_panel.h"
+#include "ui/user_interface.h"
+
+namespace nimbo {
+
+/// The dashboard from the application's side: made when it is opened for the first time, and from
+/// then on keeps its controller, its window and its panel together. Main thread.
+class Dashboard {
+ public:
+  struct Services {
+    Toolkit& toolkit;
+    MainLoop& mainLoop;
+    const Clock& clock;
+    const Dates& dates;
+    Workspace& workspace;
+  };
+  /// What the pages show.
+  struct Sources {
+    Settings& settings;
+    const SystemReadings& readings;
+    const AwakeManager& awake;
+    const UsageStates& usage;
+  };
+  struct Callbacks {
+    std::function<void()> tabChanged;  ///< the user picked another tab
+    std::function<void()> openSettings;
+    std::function<void()> configureUsage;  ///< the settings of the subscriptions
+    std::function<void()> quit;
+    std::function<std::vector<Rect>()> statusItemFrames;
+    std::function<void(std::optional<AwakeManager::Time> end)> toggleAwake;
+    std::function<void(bool on)> keepDisplayOn;
+    std::function<void()> awakeRulesChanged;
+    std::function<void()> turnDisplayOff;
+    std::function<void()> extendAwake;
+    std::function<void()> refreshUsage;
+  };
+
+  Dashboard(Services services, Sources sources, Callbacks callbacks);
+
+  /// Opens under `item`, on `tab` or else on the tab shown last. False when there is no display.
+  [[nodiscard]] bool open(const std::shared_ptr<StatusItem>& item, std::optional<Rect> reported,
+                          std::optional<DashboardTab> tab);
+  /// Makes and fills everything without showing it. False when there is no display.
+  [[nodiscard]] bool loadOffscreen(DashboardTab tab);
+  void close();
+  [[nodiscard]] bool visible() const { return parts_ && parts_->panel->visible(); }
+  /// Whether somebody looks at the process list, or it is being loaded off screen.
+  [[nodiscard]] bool wantsProcesses() const;
+  /// Whether a click on `item` is the one that has just closed the dashboard.
+  [[nodiscard]] bool justClosedBy(const StatusItem& item) const;
+  /// Absent before the dashboard was first opened.
+  [[nodiscard]] std::optional<DashboardTab> selectedTab() const;
+
+  // New content for the open dashboard; a closed one costs nothing and catches up on opening.
+  void updateReadings();
+  void updateAwake();
+  void updateUsage();
+  void updateProcesses(ProcessScan scan);
+
+ private:
+  /// In order of dependence, so that they go in the reverse order.
+  struct Parts {
+    explicit Parts(AwakeView::Services services) : controller(services) {}
+    DashboardController controller;
+    std::unique_ptr<DashboardWindow> window;
+    std::unique_ptr<DashboardPanel> panel;
+  };
+
+  [[nodiscard]] bool create();
+  void wire(Parts& parts);
+  [[nodiscard]] bool prepare(std::optional<DashboardTab> tab);
+  void showReadings();
+  void showUsage();
+
+  Services services_;
+  Sources sources_;
+  Callbacks callbacks_;
+  bool offscreen_ = false;
+  std::unique_ptr<Parts> parts_;
+};
+
+}  // namespace nimbo

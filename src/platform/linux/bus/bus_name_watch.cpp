@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: MIT
+#include "platform/linux/bus/bus_name_watch.h"
+
+#include <utility>
+
+#include "platform/linux/bus/sd_bus_calls.h"
+
+namespace nimbo {
+
+// The bus handles the match before the question, so no change can fall between the two.
+BusNameWatch::BusNameWatch(sd_bus* bus, const std::string& name, std::function<void(const std::string&)> changed)
+    : changed_(std::make_shared<std::function<void(const std::string&)>>(std::move(changed))) {
+  const std::string rule =
+      "type='signal',sender='org.freedesktop.DBus',path='/org/freedesktop/DBus',"
+      "interface='org.freedesktop.DBus',member='NameOwnerChanged',arg0='" +
+      name + "'";
+  match_ = addMatch(bus, rule.c_str(), [this](sd_bus_message* signal) {
+    if (!isFrom(signal, "org.freedesktop.DBus")) return;
+    const char* owner = nullptr;
+    if (sd_bus_message_read(signal, "sss", nullptr, nullptr, &owner) > 0) update(owner);
+  });
+  const BusMessage call =
+      methodCall(bus, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "GetNameOwner");
+  if (call) sd_bus_message_append(call.get(), "s", name.c_str());
+  query_ = callAsync(bus, call, [this](sd_bus_message* reply) {
+    const char* owner = "";
+    if (!isError(reply)) sd_bus_message_read(reply, "s", &owner);
+    update(owner);
+  });
+}
+
+void BusNameWatch::update(const std::string& owner) {
+  if (owner_ == owner) return;
+  owner_ = owner;
+  const auto changed = changed_;
+  (*changed)(owner);
+}
+
+}  // namespace nimbo

@@ -1,0 +1,154 @@
+// SPDX-License-Identifier: MIT
+#include "platform/linux/bus/dbus_application_instance.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <system_error>
+#include <utility>
+
+#include "base/utf8_text.h"
+#include "platform/linux/bus/sd_bus_calls.h"
+#include "platform/linux/bus/sd_bus_connection.h"
+
+namespace nimbo {
+namespace {
+
+constexpr const char* kName = "com.quellwerk.Nimbo";
+constexpr const char* kPath = "/com/quellwerk/Nimbo";
+constexpr const char* kInterface = "org.freedesktop.Application";
+
+// What sd-bus makes of the bus's "there is nobody of that name".
+constexpr int kNoOwner = -EHOSTUNREACH;
+
+// Answers of org.freedesktop.DBus.RequestName.
+constexpr int kPrimaryOwner = 1;
+constexpr int kExists = 3;
+constexpr int kAlreadyOwner = 4;
+
+std::string reason(int result) { return std::generic_category().message(-result); }
+
+std::uint64_t remaining(std::chrono::steady_clock::time_point deadline) {
+  using std::chrono::microseconds;
+  const auto left = std::chrono::duration_cast<microseconds>(deadline - std::chrono::steady_clock::now());
+  // sd-bus takes 0 for its own, longer limit.
+  return static_cast<std::uint64_t>(std::max<microseconds::rep>(left.count(), 1));
+}
+
+}  // namespace
+
+// Everybody on the bus belongs to the user; asking the bus about each caller's rights would block.
+const sd_bus_vtable DbusApplicationInstance::kTable[] = {
+    SD_BUS_VTABLE_START(0),
+    SD_BUS_METHOD("Activate", "a{sv}", "", (busMethod<DbusApplicationInstance, &DbusApplicationInstance::activate>),
+                  SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_METHOD("Open", "asa{sv}", "", (busMethod<DbusApplicationInstance, &DbusApplicationInstance::open>),
+                  SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_METHOD("ActivateAction", "sava{sv}", "",
+                  (busMethod<DbusApplicationInstance, &DbusApplicationInstance::activateAction>),
+                  SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_VTABLE_END,
+};
+
+DbusApplicationInstance::DbusApplicationInstance(SdBusConnection& session, std::chrono::milliseconds limit)
+    : session_(session), limit_(limit) {}
+
+Result<InstanceRole, InstanceError> DbusApplicationInstance::claim(const std::vector<std::string>& links,
+                                                                   ApplicationInstanceHandlers handlers) {
+  const auto unreachable = [](const std::string& why) {
+    return tl::unexpected(InstanceError{fmt::format("Nimbo needs a session bus, and none can be reached: {}.", why)});
+  };
+  if (session_.get() == nullptr) return unreachable(session_.failure());
+  handlers_ = std::move(handlers);
+  // The object stands before the name does: a later start may call at once.
+  sd_bus_slot* slot = nullptr;
+  sd_bus_add_object_vtable(session_.get(), &slot, kPath, kInterface, kTable, this);
+  object_.reset(slot);
+
+  const Deadline deadline = std::chrono::steady_clock::now() + limit_;
+  if (const int result = waitUntilReady(deadline); result < 0) return unreachable(reason(result));
+  int forwarded = 0;
+  // Twice, because the other program may end between its name being seen and its answer.
+  for (int attempt = 0; attempt < 2; ++attempt) {
+    const int request = requestName(deadline);
+    if (request < 0) return unreachable(reason(request));
+    if (request == kPrimaryOwner || request == kAlreadyOwner) return InstanceRole::first;
+    if (request != kExists) return unreachable("the bus gave an answer of no known meaning");
+    forwarded = forward(links, deadline);
+    if (forwarded >= 0) {
+      object_.reset();
+      return InstanceRole::later;
+    }
+    if (forwarded != kNoOwner) break;
+  }
+  return tl::unexpected(InstanceError{fmt::format("Nimbo is running but does not answer: {}.", reason(forwarded))});
+}
+
+// sd-bus would wait much longer for a bus that accepts the connection and then says nothing.
+int DbusApplicationInstance::waitUntilReady(Deadline deadline) {
+  sd_bus* const bus = session_.get();
+  while (true) {
+    const int ready = sd_bus_is_ready(bus);
+    if (ready != 0) return ready;
+    const int processed = sd_bus_process(bus, nullptr);
+    if (processed < 0) return processed;
+    if (processed > 0) continue;
+    if (std::chrono::steady_clock::now() >= deadline) return -ETIMEDOUT;
+    if (const int waited = sd_bus_wait(bus, remaining(deadline)); waited < 0) return waited;
+  }
+}
+
+int DbusApplicationInstance::requestName(Deadline deadline) {
+  constexpr std::uint32_t kDoNotQueue = 4;
+  const BusMessage call = methodCall(session_.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus",
+                                     "org.freedesktop.DBus", "RequestName");
+  if (!call) return -ENOTCONN;
+  sd_bus_message_append(call.get(), "su", kName, kDoNotQueue);
+  sd_bus_message* answer = nullptr;
+  const int result = sd_bus_call(session_.get(), call.get(), remaining(deadline), nullptr, &answer);
+  const BusMessage reply(answer);
+  if (result < 0) return result;
+  std::uint32_t outcome = 0;
+  const int read = sd_bus_message_read(reply.get(), "u", &outcome);
+  return read < 0 ? read : static_cast<int>(outcome);
+}
+
+int DbusApplicationInstance::forward(const std::vector<std::string>& links, Deadline deadline) {
+  const BusMessage call = methodCall(session_.get(), kName, kPath, kInterface, links.empty() ? "Activate" : "Open");
+  if (!call) return -ENOTCONN;
+  int result = 0;
+  if (!links.empty()) {
+    result = sd_bus_message_open_container(call.get(), SD_BUS_TYPE_ARRAY, "s");
+    for (const std::string& link : links) {
+      if (result >= 0) result = sd_bus_message_append(call.get(), "s", repairedUtf8(link).c_str());
+    }
+    if (result >= 0) result = sd_bus_message_close_container(call.get());
+  }
+  if (result >= 0) result = sd_bus_message_append(call.get(), "a{sv}", 0);
+  if (result >= 0) result = sd_bus_call(session_.get(), call.get(), remaining(deadline), nullptr, nullptr);
+  return result;
+}
+
+int DbusApplicationInstance::activate(sd_bus_message* call, sd_bus_error* /*error*/) {
+  const auto handler = handlers_.activate;
+  const int result = sd_bus_reply_method_return(call, "");
+  if (handler) handler();
+  return result;
+}
+
+int DbusApplicationInstance::open(sd_bus_message* call, sd_bus_error* error) {
+  std::vector<std::string> links;
+  if (!readStrings(call, links)) return -EINVAL;
+  if (links.empty()) return activate(call, error);
+  const auto handler = handlers_.open;
+  const int result = sd_bus_reply_method_return(call, "");
+  if (handler) handler(links);
+  return result;
+}
+
+int DbusApplicationInstance::activateAction(sd_bus_message* /*call*/, sd_bus_error* error) {
+  return sd_bus_error_set(error, SD_BUS_ERROR_INVALID_ARGS, "Nimbo has no such action.");
+}
+
+}  // namespace nimbo

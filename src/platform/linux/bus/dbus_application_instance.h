@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+
+#include "platform/application_instance.h"
+#include "platform/linux/bus/sd_bus_handles.h"
+
+namespace nimbo {
+
+class SdBusConnection;
+
+/// One instance per session through a bus name; later starts reach the first as
+/// org.freedesktop.Application. Main thread only.
+class DbusApplicationInstance final : public ApplicationInstance {
+ public:
+  /// `session` outlives this object. `limit` is for all answers together.
+  explicit DbusApplicationInstance(SdBusConnection& session, std::chrono::milliseconds limit = std::chrono::seconds(5));
+
+  [[nodiscard]] Result<InstanceRole, InstanceError> claim(const std::vector<std::string>& links,
+                                                          ApplicationInstanceHandlers handlers) override;
+
+ private:
+  using Deadline = std::chrono::steady_clock::time_point;
+  static const sd_bus_vtable kTable[];
+
+  /// Negative error code, or what the bus says of the request.
+  [[nodiscard]] int requestName(Deadline deadline);
+  [[nodiscard]] int waitUntilReady(Deadline deadline);
+  [[nodiscard]] int forward(const std::vector<std::string>& links, Deadline deadline);
+
+  int activate(sd_bus_message* call, sd_bus_error* error);
+  int open(sd_bus_message* call, sd_bus_error* error);
+  int activateAction(sd_bus_message* call, sd_bus_error* error);
+
+  SdBusConnection& session_;
+  const std::chrono::milliseconds limit_;
+  ApplicationInstanceHandlers handlers_;
+  BusSlot object_;
+};
+
+}  // namespace nimbo

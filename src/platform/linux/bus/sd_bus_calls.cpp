@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: MIT
+#include "platform/linux/bus/sd_bus_calls.h"
+
+#include <memory>
+#include <utility>
+
+namespace nimbo {
+namespace {
+
+int onMessage(sd_bus_message* message, void* handler, sd_bus_error* /*error*/) {
+  (*static_cast<BusHandler*>(handler))(message);
+  return 0;
+}
+
+void destroyHandler(void* handler) { delete static_cast<BusHandler*>(handler); }
+
+// The slot, not its owner, keeps the handler: a handler may drop its own slot while it runs.
+BusSlot adopt(sd_bus_slot* slot, std::unique_ptr<BusHandler> handler) {
+  sd_bus_slot_set_destroy_callback(slot, destroyHandler);
+  handler.release();  // NOLINT(bugprone-unused-return-value): the slot's destroy callback deletes it
+  return BusSlot(slot);
+}
+
+}  // namespace
+
+BusMessage methodCall(sd_bus* bus, const char* destination, const char* path, const char* interface, const char* member,
+                      BusActivation activation) {
+  sd_bus_message* call = nullptr;
+  if (bus == nullptr || sd_bus_message_new_method_call(bus, &call, destination, path, interface, member) < 0) return {};
+  sd_bus_message_set_auto_start(call, activation == BusActivation::allowed ? 1 : 0);
+  return BusMessage(call);
+}
+
+BusSlot callAsync(sd_bus* bus, const BusMessage& call, BusHandler done) {
+  if (!call) return {};
+  auto handler = std::make_unique<BusHandler>(std::move(done));
+  sd_bus_slot* slot = nullptr;
+  if (sd_bus_call_async(bus, &slot, call.get(), onMessage, handler.get(), 0) < 0) return {};
+  return adopt(slot, std::move(handler));
+}
+
+BusSlot addMatch(sd_bus* bus, const char* rule, BusHandler received) {
+  if (bus == nullptr) return {};
+  auto handler = std::make_unique<BusHandler>(std::move(received));
+  sd_bus_slot* slot = nullptr;
+  // Without an install callback a refused match would end the connection.
+  const auto installed = [](sd_bus_message*, void*, sd_bus_error*) { return 0; };
+  if (sd_bus_add_match_async(bus, &slot, rule, onMessage, installed, handler.get()) < 0) return {};
+  return adopt(slot, std::move(handler));
+}
+
+bool readStrings(sd_bus_message* message, std::vector<std::string>& strings) {
+  if (sd_bus_message_enter_container(message, SD_BUS_TYPE_ARRAY, "s") < 0) return false;
+  const char* text = nullptr;
+  while (sd_bus_message_read_basic(message, SD_BUS_TYPE_STRING, &text) > 0) strings.emplace_back(text);
+  return sd_bus_message_exit_container(message) >= 0;
+}
+
+bool isError(sd_bus_message* reply) { return sd_bus_message_is_method_error(reply, nullptr) > 0; }
+
+bool isFrom(sd_bus_message* message, std::string_view sender) {
+  const char* const actual = sd_bus_message_get_sender(message);
+  return actual != nullptr && !sender.empty() && actual == sender;
+}
+
+}  // namespace nimbo

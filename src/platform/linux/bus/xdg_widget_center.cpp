@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#include "platform/linux/bus/xdg_widget_center.h"
+
+#include <utility>
+
+#include "platform/linux/files/atomic_file.h"
+
+namespace nimbo {
+namespace {
+
+constexpr const char* kPath = "/com/quellwerk/Nimbo";
+constexpr const char* kInterface = "com.quellwerk.Nimbo.Widgets";
+
+bool isFolderName(const std::string& name) {
+  return !name.empty() && name != "." && name != ".." && name.find_first_of(std::string("/\0", 2)) == std::string::npos;
+}
+
+}  // namespace
+
+XdgWidgetCenter::XdgWidgetCenter(sd_bus* session, std::filesystem::path dataFolder)
+    : session_(session), dataFolder_(std::move(dataFolder)) {}
+
+std::optional<std::filesystem::path> XdgWidgetCenter::container(const std::string& appGroup) const {
+  return isFolderName(appGroup) ? std::optional(dataFolder_ / appGroup) : std::nullopt;
+}
+
+bool XdgWidgetCenter::writeAtomically(const std::filesystem::path& file, std::string_view contents) const {
+  return !writeFileAtomically(file, contents, AtomicFile::Links::refuse);
+}
+
+void XdgWidgetCenter::reloadTimelines(const std::string& kind) {
+  if (session_ == nullptr) return;
+  sd_bus_emit_signal(session_, kPath, kInterface, "TimelinesReloaded", "s", kind.c_str());
+}
+
+}  // namespace nimbo

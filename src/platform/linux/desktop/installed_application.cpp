@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: MIT
+#include "platform/linux/desktop/installed_application.h"
+
+#include <cstddef>
+
+#include "platform/linux/desktop/desktop_entry.h"
+#include "platform/linux/files/regular_file.h"
+#include "platform/linux/files/xdg_folders.h"
+
+namespace nimbo {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::size_t kLongestEntry = 262144;  // entries in a hundred languages are some 50 KB
+
+std::optional<DesktopEntry> readEntry(std::string_view desktopId, const std::vector<fs::path>& folders) {
+  for (const auto& folder : folders) {
+    const auto text = readRegularFile(folder / (std::string(desktopId) + ".desktop"), kLongestEntry);
+    if (text) return DesktopEntry::parse(*text);
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+std::vector<fs::path> applicationFolders(const std::map<std::string, std::string>& environment,
+                                         const XdgFolders& folders) {
+  std::vector<fs::path> found{folders.data};
+  const auto variable = environment.find("XDG_DATA_DIRS");
+  const bool isSet = variable != environment.end() && !variable->second.empty();
+  std::string_view rest = isSet ? std::string_view(variable->second) : "/usr/local/share:/usr/share";
+  while (!rest.empty()) {
+    const auto end = rest.find(':');
+    const fs::path folder(rest.substr(0, end));
+    if (folder.is_absolute()) found.push_back(folder);
+    rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
+  }
+  found.push_back(folders.data / "flatpak/exports/share");
+  found.emplace_back("/var/lib/flatpak/exports/share");
+  found.emplace_back("/var/lib/snapd/desktop");
+  for (auto& folder : found) folder /= "applications";
+  return found;
+}
+
+std::optional<InstalledApplication> findInstalledApplication(const std::vector<std::string_view>& desktopIds,
+                                                             const std::vector<fs::path>& folders,
+                                                             const std::string& searchPath) {
+  for (const std::string_view id : desktopIds) {
+    const auto entry = readEntry(id, folders);
+    if (!entry || entry->flag("Hidden").value_or(false)) continue;
+    const bool isActivatable = entry->flag("DBusActivatable").value_or(false);
+    auto command = entry->command(searchPath);
+    const bool needsCommand = !isActivatable || entry->text("Exec") || entry->text("TryExec");
+    if (!command && needsCommand) continue;
+    return InstalledApplication{std::string(id), std::move(command).value_or(std::vector<std::string>()),
+                                isActivatable};
+  }
+  return std::nullopt;
+}
+
+}  // namespace nimbo

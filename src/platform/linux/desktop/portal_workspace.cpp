@@ -1,0 +1,165 @@
+// SPDX-License-Identifier: MIT
+#include "platform/linux/desktop/portal_workspace.h"
+
+#include <algorithm>
+#include <cctype>
+#include <string_view>
+#include <utility>
+
+#include "platform/linux/bus/sd_bus_calls.h"
+#include "platform/linux/desktop/application_marks.h"
+#include "platform/linux/desktop/desktop_name.h"
+#include "platform/linux/desktop/file_uri.h"
+#include "platform/linux/desktop/installed_application.h"
+#include "platform/linux/desktop/system_monitor_programs.h"
+
+namespace nimbo {
+namespace {
+
+constexpr const char* kPortal = "org.freedesktop.portal.Desktop";
+constexpr const char* kPath = "/org/freedesktop/portal/desktop";
+constexpr const char* kInterface = "org.freedesktop.portal.Settings";
+constexpr const char* kNamespace = "org.freedesktop.appearance";
+constexpr const char* kKey = "color-scheme";
+
+// "Adwaita-dark", "Breeze-Dark", and "Adwaita:dark" as GTK_THEME has it.
+bool isDarkTheme(std::string name) {
+  std::transform(name.begin(), name.end(), name.begin(), [](unsigned char c) { return std::tolower(c); });
+  return name.ends_with("-dark") || name.ends_with(":dark");
+}
+
+// Where an application of that bus name has its object, by freedesktop.org's rules for desktop entries.
+std::string objectPath(const std::string& busName) {
+  std::string path = "/" + busName;
+  std::replace(path.begin(), path.end(), '.', '/');
+  std::replace(path.begin(), path.end(), '-', '_');
+  return path;
+}
+
+}  // namespace
+
+PortalWorkspace::PortalWorkspace(sd_event* event, sd_bus* session, Setup setup)
+    : session_(session), setup_(std::move(setup)), themeName_(setup_.gtkTheme), programs_(event) {
+  const std::string rule = std::string("type='signal',sender='") + kPortal + "',path='" + kPath + "',interface='" +
+                           kInterface + "',member='SettingChanged',arg0='" + kNamespace + "',arg1='" + kKey + "'";
+  settingChanged_ = addMatch(session, rule.c_str(), [this](sd_bus_message* signal) {
+    if (sd_bus_message_skip(signal, "ss") >= 0) setColorScheme(signal);
+  });
+  if (desktopIs(setup_.desktop, "XFCE")) {
+    xfceTheme_.emplace(session, "xsettings", "/Net/ThemeName", [this](std::optional<XfconfValue> value) {
+      const auto* name = value ? std::get_if<std::string>(&*value) : nullptr;
+      themeName_ = name ? *name : setup_.gtkTheme;
+      update();
+    });
+  }
+  update();
+  if (session == nullptr) return;
+  // Asked in any case at first, which may start it, and again whenever there is a new one.
+  portalOwner_.emplace(session, kPortal, [this, asked = false](const std::string& owner) mutable {
+    if (!std::exchange(asked, true) || !owner.empty()) readColorScheme("ReadOne");
+  });
+}
+
+// The portal may be started for this: a desktop that has one leaves the colour scheme to it.
+void PortalWorkspace::readColorScheme(const char* method) {
+  const BusMessage call = methodCall(session_, kPortal, kPath, kInterface, method, BusActivation::allowed);
+  if (call) sd_bus_message_append(call.get(), "ss", kNamespace, kKey);
+  query_ = callAsync(session_, call, [this, method](sd_bus_message* reply) {
+    if (!isError(reply)) {
+      setColorScheme(reply);
+    } else if (std::string_view(method) == "ReadOne" &&
+               sd_bus_message_is_method_error(reply, SD_BUS_ERROR_UNKNOWN_METHOD) > 0) {
+      readColorScheme("Read");  // portals before version 2
+    }
+  });
+}
+
+/// A "v" that holds 0 for no preference, 1 for dark or 2 for light; `Read` wraps it once more.
+void PortalWorkspace::setColorScheme(sd_bus_message* value) {
+  char type = 0;
+  const char* contents = nullptr;
+  while (sd_bus_message_peek_type(value, &type, &contents) > 0 && type == SD_BUS_TYPE_VARIANT) {
+    if (sd_bus_message_enter_container(value, SD_BUS_TYPE_VARIANT, contents) <= 0) return;
+  }
+  std::uint32_t scheme = 0;
+  if (sd_bus_message_read_basic(value, SD_BUS_TYPE_UINT32, &scheme) <= 0) return;
+  portal_.reset();
+  if (scheme == 1) portal_ = Appearance::dark;
+  if (scheme == 2) portal_ = Appearance::light;
+  update();
+}
+
+void PortalWorkspace::update() {
+  const Appearance now = portal_.value_or(isDarkTheme(themeName_) ? Appearance::dark : Appearance::light);
+  if (now == appearance_) return;
+  appearance_ = now;
+  observers_.notify(now);
+}
+
+Subscription PortalWorkspace::observeAppearance(std::function<void(Appearance)> changed) {
+  return observers_.add(std::move(changed));
+}
+
+std::optional<std::string> PortalWorkspace::systemMonitor() const {
+  for (const std::string_view program : systemMonitorPrograms(setup_.desktop)) {
+    if (auto path = findProgram(std::string(program), setup_.searchPath)) return path;
+  }
+  return std::nullopt;
+}
+
+bool PortalWorkspace::hasSystemMonitor() const { return systemMonitor().has_value(); }
+
+bool PortalWorkspace::openSystemMonitor() {
+  const auto path = systemMonitor();
+  return path && programs_.start(*path);
+}
+
+// The portal knows the user's choice also from inside a container; without one, xdg-open does.
+void PortalWorkspace::openLink(const std::string& url) {
+  const BusMessage call =
+      methodCall(session_, kPortal, kPath, "org.freedesktop.portal.OpenURI", "OpenURI", BusActivation::allowed);
+  if (call) sd_bus_message_append(call.get(), "ssa{sv}", "", url.c_str(), 0);
+  link_ = callAsync(session_, call, [this, url](sd_bus_message* reply) {
+    if (isError(reply)) openByProgram(url);
+  });
+  if (!link_) openByProgram(url);
+}
+
+void PortalWorkspace::openByProgram(const std::string& url) {
+  const auto path = findProgram("xdg-open", setup_.searchPath);
+  if (path) (void)programs_.start(*path, {url});
+}
+
+bool PortalWorkspace::openApplication(const std::string& bundleIdentifier) {
+  const auto* const marks = applicationMarks(bundleIdentifier);
+  if (marks == nullptr) return false;
+  const auto application = findInstalledApplication(marks->desktopIds, setup_.applicationFolders, setup_.searchPath);
+  if (!application) return false;
+  if (!application->isActivatable) return start(application->command);
+
+  const std::string& name = application->desktopId;
+  const BusMessage call = methodCall(session_, name.c_str(), objectPath(name).c_str(), "org.freedesktop.Application",
+                                     "Activate", BusActivation::allowed);
+  if (call) sd_bus_message_append(call.get(), "a{sv}", 0);
+  application_ = callAsync(session_, call, [this, command = application->command](sd_bus_message* reply) {
+    if (isError(reply)) (void)start(command);
+  });
+  return application_ || start(application->command);
+}
+
+bool PortalWorkspace::start(const std::vector<std::string>& command) {
+  return !command.empty() && programs_.start(command.front(), {command.begin() + 1, command.end()});
+}
+
+// The portal's OpenURI would take a folder's URI and then quietly refuse it.
+void PortalWorkspace::revealFile(const std::filesystem::path& file) {
+  const BusMessage call = methodCall(session_, "org.freedesktop.FileManager1", "/org/freedesktop/FileManager1",
+                                     "org.freedesktop.FileManager1", "ShowItems", BusActivation::allowed);
+  if (call) sd_bus_message_append(call.get(), "ass", 1, fileUri(file).c_str(), "");
+  file_ = callAsync(session_, call, [this, folder = fileUri(file.parent_path())](sd_bus_message* reply) {
+    if (isError(reply)) openByProgram(folder);
+  });
+  if (!file_) openByProgram(fileUri(file.parent_path()));
+}
+
+}  // namespace nimbo

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "base/observer_list.h"
+#include "platform/linux/bus/bus_name_watch.h"
+#include "platform/linux/bus/xfconf_property.h"
+#include "platform/linux/desktop/detached_programs.h"
+#include "platform/workspace.h"
+
+namespace nimbo {
+
+/// The desktop, asked through its settings portal and, where that has no opinion, by the name of
+/// the theme. Main thread only.
+class PortalWorkspace final : public Workspace {
+ public:
+  struct Setup {
+    std::string desktop;                                      ///< value of XDG_CURRENT_DESKTOP
+    std::string searchPath;                                   ///< value of PATH
+    std::string gtkTheme;                                     ///< value of GTK_THEME; usually empty
+    std::vector<std::filesystem::path> applicationFolders{};  ///< with desktop entries, see applicationFolders()
+  };
+
+  PortalWorkspace(sd_event* event, sd_bus* session, Setup setup);
+
+  [[nodiscard]] Appearance appearance() const override { return appearance_; }
+  [[nodiscard]] Subscription observeAppearance(std::function<void(Appearance)> changed) override;
+  [[nodiscard]] bool hasSystemMonitor() const override;
+  [[nodiscard]] bool openSystemMonitor() override;
+  void openLink(const std::string& url) override;
+  bool openApplication(const std::string& bundleIdentifier) override;
+  void revealFile(const std::filesystem::path& file) override;
+
+ private:
+  void readColorScheme(const char* method);
+  void setColorScheme(sd_bus_message* value);
+  void update();
+  [[nodiscard]] std::optional<std::string> systemMonitor() const;
+  void openByProgram(const std::string& url);
+  [[nodiscard]] bool start(const std::vector<std::string>& command);
+
+  sd_bus* const session_;
+  const Setup setup_;
+  std::optional<Appearance> portal_;
+  std::string themeName_;
+  Appearance appearance_ = Appearance::light;
+  ObserverList<Appearance> observers_;
+  BusSlot settingChanged_;
+  BusSlot query_;
+  BusSlot link_;
+  BusSlot application_;
+  BusSlot file_;
+  std::optional<BusNameWatch> portalOwner_;
+  std::optional<XfconfProperty> xfceTheme_;
+  DetachedPrograms programs_;
+};
+
+}  // namespace nimbo

@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+#include "platform/linux/files/atomic_file.h"
+
+#include <sys/stat.h>
+
+#include <cstdio>
+
+#include "platform/linux/files/last_error.h"
+#include "platform/linux/files/private_folders.h"
+
+namespace nimbo {
+namespace {
+
+namespace fs = std::filesystem;
+
+// By hand because the standard library's canonical forms want the end of the chain to exist.
+Result<fs::path, std::error_code> followLinks(fs::path file) {
+  constexpr int kMaximumLinks = 40;  // the kernel's own limit
+  for (int links = 0; links <= kMaximumLinks; ++links) {
+    std::error_code error;
+    const fs::path next = fs::read_symlink(file, error);
+    if (error == std::errc::invalid_argument || error == std::errc::no_such_file_or_directory) return file;
+    if (error) return tl::unexpected(error);
+    file = file.parent_path() / next;
+  }
+  return tl::unexpected(std::make_error_code(std::errc::too_many_symbolic_link_levels));
+}
+
+}  // namespace
+
+Result<AtomicFile, std::error_code> AtomicFile::prepare(const fs::path& file, std::string_view contents, Links links) {
+  std::error_code error;
+  const fs::path absolute = fs::absolute(file, error);
+  if (error) return tl::unexpected(error);
+  const auto target = links == Links::follow ? followLinks(absolute) : Result<fs::path, std::error_code>(absolute);
+  if (!target) return tl::unexpected(target.error());
+  struct stat status {};
+  if (::lstat(target->c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
+    return tl::unexpected(std::make_error_code(std::errc::not_supported));
+  }
+  error = makePrivateFolders(target->parent_path());
+  if (error) return tl::unexpected(error);
+
+  auto temporary = writeTemporaryFile(*target, contents);
+  if (!temporary) return tl::unexpected(temporary.error());
+  return AtomicFile(*target, std::move(*temporary));
+}
+
+std::error_code AtomicFile::commit() {
+  if (std::rename(temporary_.get().c_str(), target_.c_str()) != 0) return lastError();
+  (void)temporary_.detach();
+  return {};
+}
+
+std::error_code writeFileAtomically(const fs::path& file, std::string_view contents, AtomicFile::Links links) {
+  auto prepared = AtomicFile::prepare(file, contents, links);
+  return prepared ? prepared->commit() : prepared.error();
+}
+
+}  // namespace nimbo

@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+#include "platform/linux/loop/signal_termination.h"
+
+#include <pthread.h>
+#include <signal.h>
+
+#include <array>
+#include <system_error>
+#include <utility>
+
+namespace nimbo {
+
+SignalTermination::SignalTermination(SdEventMainLoop& loop) {
+  constexpr std::array kSignals{SIGTERM, SIGINT, SIGHUP};
+  sigset_t set;
+  sigemptyset(&set);
+  for (const int number : kSignals) sigaddset(&set, number);
+  pthread_sigmask(SIG_BLOCK, &set, nullptr);
+  for (const int number : kSignals) {
+    sd_event_source* source = nullptr;
+    const int result = sd_event_add_signal(loop.event(), &source, number, onSignal, this);
+    if (result < 0) throw std::system_error(-result, std::generic_category(), "signals");
+    sources_.emplace_back(source);
+  }
+}
+
+Subscription SignalTermination::observe(std::function<void()> requested) {
+  requested_ = std::move(requested);
+  return Subscription([this] { requested_ = nullptr; });
+}
+
+int SignalTermination::onSignal(sd_event_source* /*source*/, const signalfd_siginfo* /*info*/, void* self) {
+  const auto requested = static_cast<SignalTermination*>(self)->requested_;
+  if (requested) requested();
+  return 0;
+}
+
+}  // namespace nimbo

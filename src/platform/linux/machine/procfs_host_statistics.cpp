@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: MIT
+#include "platform/linux/machine/procfs_host_statistics.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
+#include "platform/linux/machine/proc_text.h"
+
+namespace nimbo {
+namespace {
+
+// "avg10=1.23" out of "some avg10=1.23 avg60=0.40 avg300=0.10 total=12345".
+std::optional<double> shareOfTenSeconds(std::string_view line) {
+  constexpr std::string_view kName = "avg10=";
+  while (true) {
+    const std::string_view word = takeWord(line);
+    if (word.empty()) return std::nullopt;
+    if (word.starts_with(kName)) return parseDecimal(word.substr(kName.size()));
+  }
+}
+
+constexpr std::uint64_t kMostTicksBack = 1000;  // ten seconds; small steps are of some ticks for each processor
+
+}  // namespace
+
+std::optional<CpuTicks> parseCpuTicks(std::string_view text) {
+  enum { kUser, kNice, kSystem, kIdle, kIoWait, kIrq, kSoftIrq, kSteal, kCount };
+  auto line = takeLine(text);
+  if (!line || takeWord(*line) != "cpu") return std::nullopt;
+  std::array<std::uint64_t, kCount> ticks{};
+  for (std::size_t index = 0; index < ticks.size(); ++index) {
+    const auto number = parseNumber(takeWord(*line));
+    if (!number && index <= kIdle) return std::nullopt;
+    ticks[index] = number.value_or(0);  // old kernels end the line earlier
+  }
+  return CpuTicks{ticks[kUser], ticks[kSystem] + ticks[kIrq] + ticks[kSoftIrq] + ticks[kSteal],
+                  ticks[kIdle] + ticks[kIoWait], ticks[kNice]};
+}
+
+std::optional<std::uint32_t> parsePressureLevel(std::string_view text) {
+  constexpr double kShare = 5.0;  // percent
+  std::optional<double> some;
+  double full = 0;
+  while (auto line = takeLine(text)) {
+    const std::string_view kind = takeWord(*line);
+    if (kind == "some") some = shareOfTenSeconds(*line);
+    if (kind == "full") full = shareOfTenSeconds(*line).value_or(0);
+  }
+  if (!some) return std::nullopt;
+  if (full >= kShare) return 4;
+  return *some >= kShare ? 2 : 1;
+}
+
+std::optional<std::uint64_t> parseZramUsed(std::string_view text) {
+  auto line = takeLine(text);
+  if (!line) return std::nullopt;
+  for (int skipped = 0; skipped < 2; ++skipped) (void)takeWord(*line);
+  return parseNumber(takeWord(*line));
+}
+
+ProcfsHostStatistics::ProcfsHostStatistics(const std::string& procRoot, const std::string& sysRoot)
+    : memInfo_(procRoot + "/meminfo"),
+      stat_(procRoot + "/stat"),
+      pressure_(procRoot + "/pressure/memory"),
+      blockDevices_(sysRoot + "/block") {}
+
+std::uint64_t ProcfsHostStatistics::physicalMemory() { return readMemInfo().total.value_or(0); }
+
+std::optional<PageCounts> ProcfsHostStatistics::pageCounts() {
+  return nimbo::pageCounts(readMemInfo(), zramBytes(), pageSize().value_or(4096));
+}
+
+std::optional<std::uint64_t> ProcfsHostStatistics::pageSize() {
+  const long size = ::sysconf(_SC_PAGESIZE);
+  return size > 0 ? std::optional(static_cast<std::uint64_t>(size)) : std::nullopt;
+}
+
+std::optional<std::uint64_t> ProcfsHostStatistics::swapUsed() { return nimbo::swapUsed(readMemInfo()); }
+
+std::optional<std::uint32_t> ProcfsHostStatistics::pressureLevel() {
+  std::array<char, 512> buffer;
+  if (const auto text = pressure_.read(buffer)) {
+    if (const auto level = parsePressureLevel(*text)) return level;
+  }
+  return nimbo::pressureLevel(readMemInfo());
+}
+
+std::optional<CpuTicks> ProcfsHostStatistics::cpuTicks() {
+  std::array<char, 256> buffer;  // the first line has at most ten numbers of 20 digits
+  const auto text = stat_.read(buffer);
+  const auto ticks = text ? parseCpuTicks(*text) : std::nullopt;
+  if (!ticks) return std::nullopt;
+  // Idle and waiting time are known to step back a little, which would look like a counter that
+  // wrapped and make the machine seem idle. Where they step back a lot, as they do on older kernels
+  // when processors come back after a suspend, they have begun anew and go on from where they were.
+  bool begunAnew = false;
+  for (std::size_t index = 0; index < ticks->size(); ++index) {
+    auto& last = lastTicks_[index];
+    auto& lost = lostTicks_[index];
+    if ((*ticks)[index] + lost + kMostTicksBack < last) {
+      lost = last - (*ticks)[index];
+      begunAnew = true;
+    }
+    last = std::max(last, (*ticks)[index] + lost);
+  }
+  // How much was lost is not known, so nothing can be said of this interval.
+  return begunAnew ? std::nullopt : std::optional(lastTicks_);
+}
+
+MemInfo ProcfsHostStatistics::readMemInfo() {
+  std::array<char, 8192> buffer;
+  return parseMemInfo(memInfo_.read(buffer).value_or(std::string_view()));
+}
+
+// Devices come and go while the system runs, so they are looked for each time.
+std::uint64_t ProcfsHostStatistics::zramBytes() const {
+  constexpr std::uint64_t kLimit = std::uint64_t{1} << 60;
+  std::uint64_t bytes = 0;
+  visitFolder(blockDevices_, [&](std::string_view device) {
+    if (!device.starts_with("zram")) return;
+    const auto text = readAttribute(blockDevices_ + '/' + std::string(device) + "/mm_stat");
+    const auto used = text ? parseZramUsed(*text) : std::nullopt;
+    if (used && *used < kLimit) bytes += *used;
+  });
+  return bytes;
+}
+
+}  // namespace nimbo

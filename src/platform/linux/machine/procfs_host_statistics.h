@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "platform/host_statistics.h"
+#include "platform/linux/machine/meminfo.h"
+#include "platform/linux/machine/proc_file.h"
+
+namespace nimbo {
+
+/// The first line of /proc/stat. Interrupts and stolen time count as system, waiting for a disk as
+/// idle; guests' time is part of user and nice already.
+[[nodiscard]] std::optional<CpuTicks> parseCpuTicks(std::string_view text);
+
+/// A level by /proc/pressure/memory: 2 when some tasks, 4 when all tasks at once stood still for want
+/// of memory during 5 % of the last ten seconds, else 1. That share, 100 ms in 2 s, is where GLib's
+/// GMemoryMonitor warns at its levels "medium" and "critical". Absent for other text.
+[[nodiscard]] std::optional<std::uint32_t> parsePressureLevel(std::string_view text);
+
+/// Bytes that a zram device takes, the third number of its mm_stat; absent for other text.
+[[nodiscard]] std::optional<std::uint64_t> parseZramUsed(std::string_view text);
+
+/// The counters of procfs, and of sysfs for zram. Keeps at most three files open; all readings of one
+/// sampling tick together take some 35 µs.
+class ProcfsHostStatistics final : public HostStatistics {
+ public:
+  explicit ProcfsHostStatistics(const std::string& procRoot = "/proc", const std::string& sysRoot = "/sys");
+
+  [[nodiscard]] std::uint64_t physicalMemory() override;
+  [[nodiscard]] std::optional<PageCounts> pageCounts() override;
+  [[nodiscard]] std::optional<std::uint64_t> pageSize() override;
+  [[nodiscard]] std::optional<std::uint64_t> swapUsed() override;
+  [[nodiscard]] std::optional<std::uint32_t> pressureLevel() override;
+  [[nodiscard]] std::optional<CpuTicks> cpuTicks() override;
+
+ private:
+  [[nodiscard]] MemInfo readMemInfo();
+  [[nodiscard]] std::uint64_t zramBytes() const;
+
+  ProcFile memInfo_;
+  ProcFile stat_;
+  ProcFile pressure_;
+  std::string blockDevices_;
+  CpuTicks lastTicks_{};
+  CpuTicks lostTicks_{};  ///< of counters that began anew
+};
+
+}  // namespace nimbo

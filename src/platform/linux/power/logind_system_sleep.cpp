@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: MIT
+#include "platform/linux/power/logind_system_sleep.h"
+
+#include <fcntl.h>
+
+#include <utility>
+
+#include "platform/linux/bus/sd_bus_calls.h"
+
+namespace nimbo {
+namespace {
+
+constexpr const char* kLogind = "org.freedesktop.login1";
+constexpr const char* kPath = "/org/freedesktop/login1";
+constexpr const char* kManager = "org.freedesktop.login1.Manager";
+
+}  // namespace
+
+LogindSystemSleep::LogindSystemSleep(sd_bus* system) : system_(system) {}
+
+Subscription LogindSystemSleep::observe(std::function<void()> willSleep, std::function<void()> didWake) {
+  if (system_ != nullptr && !logind_) start();
+  return observers_.add([willSleep = std::move(willSleep), didWake = std::move(didWake)](Notice notice) {
+    notice == Notice::willSleep ? willSleep() : didWake();
+  });
+}
+
+void LogindSystemSleep::start() {
+  constexpr const char* kRule =
+      "type='signal',sender='org.freedesktop.login1',path='/org/freedesktop/login1',"
+      "interface='org.freedesktop.login1.Manager',member='PrepareForSleep'";
+  prepareForSleep_ = addMatch(system_, kRule, [this](sd_bus_message* signal) {
+    int sleeping = 0;
+    if (isFrom(signal, owner_) && sd_bus_message_read(signal, "b", &sleeping) > 0) prepareForSleep(sleeping != 0);
+  });
+  // A logind that starts anew may have lost the lock, and it is not in the middle of a sleep.
+  logind_.emplace(system_, kLogind, [this](const std::string& owner) {
+    owner_ = owner;
+    if (owner.empty()) return;
+    if (sleeping_) {
+      prepareForSleep(false);
+    } else {
+      takeLock();
+    }
+  });
+}
+
+void LogindSystemSleep::takeLock() {
+  const BusMessage call = methodCall(system_, kLogind, kPath, kManager, "Inhibit");
+  if (call) sd_bus_message_append(call.get(), "ssss", "sleep", "Nimbo", "Nimbo pauses its readings", "delay");
+  inhibit_ = callAsync(system_, call, [this](sd_bus_message* reply) {
+    int descriptor = -1;
+    if (isError(reply) || sd_bus_message_read(reply, "h", &descriptor) <= 0) return;
+    lock_.reset(::fcntl(descriptor, F_DUPFD_CLOEXEC, 3));
+  });
+}
+
+void LogindSystemSleep::prepareForSleep(bool sleeping) {
+  if (std::exchange(sleeping_, sleeping) == sleeping) return;
+  if (sleeping) {
+    observers_.notify(Notice::willSleep);
+    inhibit_.reset();  // a lock that arrives now would only hold the machine up
+    lock_.reset();
+  } else {
+    takeLock();
+    observers_.notify(Notice::didWake);
+  }
+}
+
+}  // namespace nimbo

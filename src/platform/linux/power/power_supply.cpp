@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+#include "platform/linux/power/power_supply.h"
+
+#include <algorithm>
+
+namespace nimbo {
+namespace {
+
+constexpr const char* kAcPower = "AC Power";
+
+bool isForDevice(const PowerSupply& supply) { return supply.scope == "Device"; }
+
+std::optional<std::string> upsState(const PowerSupply& ups) {
+  if (ups.status.empty()) return std::nullopt;
+  return ups.status == "Discharging" ? kBatteryPower : kAcPower;
+}
+
+PowerSourceDescription describe(const char* type, std::optional<std::string> state, const PowerSupply& supply) {
+  PowerSourceDescription description{type, std::move(state)};
+  if (supply.charge) {
+    description.currentCapacity = supply.charge->now;
+    description.maxCapacity = supply.charge->full;
+  }
+  return description;
+}
+
+}  // namespace
+
+bool isInternalBattery(const PowerSupply& supply) {
+  return supply.type == "Battery" && !isForDevice(supply) && supply.present != 0;
+}
+
+bool isMains(const PowerSupply& supply) {
+  // Kernels before 4.19 name each kind of USB charger: USB_DCP, USB_PD and so on.
+  const bool feeds =
+      supply.type == "Mains" || supply.type == "Wireless" || supply.type == "BrickID" || supply.type.starts_with("USB");
+  return feeds && supply.online && !isForDevice(supply);
+}
+
+std::optional<std::string> powerSourceState(const std::vector<PowerSupply>& supplies) {
+  const auto any = [&](auto&& matches) { return std::any_of(supplies.begin(), supplies.end(), matches); };
+  const auto anyBatteryIs = [&](const char* status) {
+    return any([&](const PowerSupply& supply) { return isInternalBattery(supply) && supply.status == status; });
+  };
+  // Plugged in, even when the battery shrinks all the same because the charger is too weak.
+  if (any([](const PowerSupply& supply) { return isMains(supply) && supply.online != 0; })) return kAcPower;
+  // Asked before charging, because there are machines in which one battery charges the other.
+  if (anyBatteryIs("Discharging")) return kBatteryPower;
+  // Some firmware never says that its USB-C ports are online; a battery that fills gives them away.
+  if (anyBatteryIs("Charging")) return kAcPower;
+  // The battery lags behind: it may still say "Full" or "Not charging" just after the charger was pulled.
+  if (any(isMains)) return kBatteryPower;
+  // No supply that could tell, but a battery that does not drain is spared by something.
+  const auto isToldBattery = [](const PowerSupply& supply) {
+    return isInternalBattery(supply) && !supply.status.empty();
+  };
+  return any(isToldBattery) ? std::optional<std::string>(kAcPower) : std::nullopt;
+}
+
+std::vector<PowerSourceDescription> describePowerSources(const std::vector<PowerSupply>& supplies) {
+  const auto state = powerSourceState(supplies);
+  std::vector<PowerSourceDescription> sources;
+  for (const PowerSupply& supply : supplies) {
+    if (isInternalBattery(supply)) {
+      sources.push_back(describe(kInternalBattery, state, supply));
+    } else if (supply.type == "UPS") {
+      sources.push_back(describe("UPS", upsState(supply), supply));
+    }
+  }
+  return sources;
+}
+
+}  // namespace nimbo

@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: MIT
+#include "platform/linux/settings/json_domain_file.h"
+
+#include <fmt/chrono.h>
+#include <fmt/core.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cassert>
+#include <cstdio>
+#include <ctime>
+#include <string>
+#include <utility>
+
+#include "base/bounded_json.h"
+#include "platform/linux/files/atomic_file.h"
+#include "platform/linux/settings/json_object_text.h"
+
+namespace nimbo {
+namespace {
+
+namespace fs = std::filesystem;
+
+// The date is that of the edit that went wrong.
+fs::path unusedAsideName(const fs::path& file, const FileStamp& stamp) {
+  constexpr std::int64_t kLastSecondOfYear9999 = 253402300799;
+  const std::time_t edited = std::clamp(stamp.modified.seconds, std::int64_t{0}, kLastSecondOfYear9999);
+  const std::string name = fmt::format("{}.unreadable-{:%Y-%m-%dT%H-%M-%S}", file.string(), fmt::localtime(edited));
+  fs::path candidate = name;
+  std::error_code ignored;
+  for (int number = 2; fs::exists(fs::symlink_status(candidate, ignored)); ++number) {
+    candidate = fmt::format("{}-{}", name, number);
+  }
+  return candidate;
+}
+
+bool commitKeepingOldAside(AtomicFile& file) {
+  const auto stamp = fileStamp(file.target());
+  if (!stamp) return false;
+  const fs::path aside = unusedAsideName(file.target(), *stamp);
+  if (std::rename(file.target().c_str(), aside.c_str()) != 0) return false;
+  if (!file.commit()) return true;
+  std::rename(aside.c_str(), file.target().c_str());
+  return false;
+}
+
+}  // namespace
+
+JsonDomainFile::JsonDomainFile(const fs::path& folder, std::string_view domain)
+    : path_(folder / fmt::format("{}.json", domain)) {
+  assert(!domain.empty() && domain.find('/') == std::string_view::npos);
+}
+
+JsonDomainFile::State JsonDomainFile::state() {
+  refresh();
+  return state_;
+}
+
+const nlohmann::json& JsonDomainFile::values() {
+  refresh();
+  return values_;
+}
+
+void JsonDomainFile::refresh() {
+  const auto stamp = fileStamp(path_);
+  if (stamp && stamp_ == *stamp) return;
+  stamp_.reset();
+  if (!stamp && stamp.error() == std::errc::no_such_file_or_directory) {
+    state_ = State::missing;
+    values_ = nlohmann::json::object();
+    return;
+  }
+  const auto text = readRegularFile(path_, kMaximumJsonBytes);
+  if (!text && text.error() != std::errc::file_too_large) {
+    state_ = State::inaccessible;
+    return;
+  }
+  auto values = text ? parseJsonObject(*text) : std::nullopt;
+  state_ = values ? State::good : State::malformed;
+  if (values) values_ = std::move(*values);
+  if (stamp && isSettled(*stamp, std::time(nullptr))) stamp_ = *stamp;
+}
+
+bool JsonDomainFile::replace(const nlohmann::json& values) {
+  refresh();
+  if (state_ == State::inaccessible) return false;
+  if (state_ != State::missing && values == values_) return true;
+  const std::string text = jsonObjectText(values);
+  // What cannot be read back would take every other setting with it.
+  if (!parseJsonObject(text)) return false;
+  auto file = AtomicFile::prepare(path_, text);
+  if (!file) return false;
+  const bool written = state_ == State::malformed ? commitKeepingOldAside(*file) : !file->commit();
+  if (!written) return false;
+  values_ = values;
+  state_ = State::good;
+  stamp_.reset();
+  return true;
+}
+
+void JsonDomainFile::remove() { ::unlink(path_.c_str()); }
+
+}  // namespace nimbo

@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: MIT
+#include "platform/linux/terminal/local_tool_files.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "platform/linux/files/last_error.h"
+#include "platform/linux/files/private_folders.h"
+#include "platform/linux/files/unique_fd.h"
+
+namespace nimbo {
+namespace {
+
+namespace fs = std::filesystem;
+
+using State = PrivateFolder::State;
+
+bool isLink(const fs::path& path) {
+  struct stat status {};
+  return ::lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
+}
+
+// With a slash at its end a name is followed even when links are not.
+fs::path withoutTrailingSlash(const fs::path& folder) {
+  return folder.has_filename() || !folder.has_relative_path() ? folder : folder.parent_path();
+}
+
+Result<State, std::error_code> stateOf(const UniqueFd& folder) {
+  struct Closer {
+    void operator()(DIR* list) const { ::closedir(list); }
+  };
+  UniqueFd listed(::openat(folder.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (!listed) return tl::unexpected(lastError());
+  const std::unique_ptr<DIR, Closer> list(::fdopendir(listed.get()));
+  if (!list) return tl::unexpected(lastError());
+  (void)listed.detach();  // the list closes it
+  errno = 0;
+  while (const dirent* entry = ::readdir(list.get())) {
+    const std::string_view name = entry->d_name;
+    if (name != "." && name != "..") return State::occupied;
+  }
+  if (errno != 0) return tl::unexpected(lastError());
+  return State::empty;
+}
+
+// The kernel knows the name of what is open; the given one stands in where /proc is missing.
+fs::path ownName(const UniqueFd& folder, const fs::path& given) {
+  std::error_code error;
+  fs::path name = fs::read_symlink("/proc/self/fd/" + std::to_string(folder.get()), error);
+  return error ? given : name;
+}
+
+std::error_code keepOthersOut(const UniqueFd& folder) {
+  struct stat status {};
+  if (::fstat(folder.get(), &status) != 0) return lastError();
+  if ((status.st_mode & ALLPERMS) == S_IRWXU && status.st_uid == ::geteuid()) return {};
+  return ::fchmod(folder.get(), S_IRWXU) == 0 ? std::error_code() : lastError();
+}
+
+}  // namespace
+
+bool LocalToolFiles::isExecutable(const fs::path& file) const {
+  struct stat status {};
+  return ::stat(file.c_str(), &status) == 0 && S_ISREG(status.st_mode) && ::access(file.c_str(), X_OK) == 0;
+}
+
+Result<PrivateFolder, std::error_code> LocalToolFiles::preparePrivateFolder(const fs::path& given) const {
+  const fs::path folder = withoutTrailingSlash(given);
+  if (const auto error = makePrivateFolders(folder)) return tl::unexpected(error);
+  const UniqueFd opened(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+  if (!opened) {
+    const std::error_code error = lastError();
+    if (isLink(folder)) return PrivateFolder{State::occupied, folder};
+    return tl::unexpected(error);
+  }
+  if (const auto error = keepOthersOut(opened)) return tl::unexpected(error);
+  const auto state = stateOf(opened);
+  if (!state) return tl::unexpected(state.error());
+  return PrivateFolder{*state, ownName(opened, folder)};
+}
+
+}  // namespace nimbo

@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: MIT
+#include "platform/linux/terminal/session_processes.h"
+
+#include <poll.h>
+#include <signal.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <charconv>
+#include <functional>
+#include <vector>
+
+#include "platform/linux/files/unique_fd.h"
+#include "platform/linux/machine/proc_file.h"
+#include "platform/linux/machine/proc_text.h"
+
+namespace nimbo {
+namespace {
+
+namespace fs = std::filesystem;
+
+using Condition = std::function<bool(pid_t)>;
+
+constexpr int kMillisecondsToDie = 100;
+// A process that forks while it is looked for may escape one round.
+constexpr int kMaximumRounds = 8;
+
+std::optional<pid_t> processNumber(std::string_view name) {
+  pid_t pid = 0;
+  const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), pid);
+  return error == std::errc() && end == name.data() + name.size() ? std::optional(pid) : std::nullopt;
+}
+
+std::vector<pid_t> matching(const fs::path& procRoot, const Condition& condition) {
+  std::vector<pid_t> result;
+  visitFolder(procRoot, [&](std::string_view name) {
+    const auto pid = processNumber(name);
+    if (pid && *pid != ::getpid() && condition(*pid)) result.push_back(*pid);
+  });
+  return result;
+}
+
+// The number may pass to another process at any moment, a descriptor stays with its own: what
+// matches after it was opened is what gets the signal.
+void kill(pid_t pid, const Condition& condition) {
+  const UniqueFd process(static_cast<int>(::syscall(SYS_pidfd_open, pid, 0)));
+  if (!process || !condition(pid)) return;
+  if (::syscall(SYS_pidfd_send_signal, process.get(), SIGKILL, nullptr, 0) != 0) return;
+  pollfd ended{.fd = process.get(), .events = POLLIN, .revents = 0};
+  ::poll(&ended, 1, kMillisecondsToDie);
+}
+
+void killAll(const fs::path& procRoot, const Condition& condition) {
+  for (int round = 0; round < kMaximumRounds; ++round) {
+    const auto found = matching(procRoot, condition);
+    if (found.empty()) return;
+    for (const pid_t pid : found) kill(pid, condition);
+  }
+}
+
+bool isSame(const struct stat& one, const struct stat& other) {
+  return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
+}
+
+// The name alone does not tell: in a container another terminal may have the same one.
+bool holds(const fs::path& process, const std::string& path, const struct stat& file) {
+  bool found = false;
+  const fs::path folder = process / "fd";
+  visitFolder(folder, [&](std::string_view name) {
+    std::error_code error;
+    if (found || fs::read_symlink(folder / name, error) != path) return;
+    struct stat held {};
+    found = ::stat((folder / name).c_str(), &held) == 0 && isSame(held, file);
+  });
+  return found;
+}
+
+}  // namespace
+
+std::optional<ProcessPlace> parseProcessPlace(std::string_view text) {
+  // "PID (name) state parent group session …"; the name may hold anything, parentheses too.
+  const auto nameEnd = text.rfind(')');
+  if (nameEnd == std::string_view::npos) return std::nullopt;
+  text.remove_prefix(nameEnd + 1);
+  const std::string_view state = takeWord(text);
+  for (int skipped = 0; skipped < 2; ++skipped) (void)takeWord(text);
+  const auto session = processNumber(takeWord(text));
+  if (!session) return std::nullopt;
+  return ProcessPlace{.zombie = state == "Z" || state == "X", .session = *session};
+}
+
+void killSessionMembers(const fs::path& procRoot, pid_t leader) {
+  killAll(procRoot, [&](pid_t pid) {
+    const auto text = readAttribute(procRoot / std::to_string(pid) / "stat");
+    const auto place = text ? parseProcessPlace(*text) : std::nullopt;
+    return place && !place->zombie && place->session == leader;
+  });
+}
+
+void killHolders(const fs::path& procRoot, const std::string& path) {
+  struct stat file {};
+  if (::stat(path.c_str(), &file) != 0) return;
+  killAll(procRoot, [&](pid_t pid) { return holds(procRoot / std::to_string(pid), path, file); });
+}
+
+}  // namespace nimbo

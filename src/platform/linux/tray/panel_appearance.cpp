@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+#include "platform/linux/tray/panel_appearance.h"
+
+#include "platform/linux/desktop/desktop_name.h"
+
+namespace nimbo {
+
+PanelAppearance::PanelAppearance(sd_bus* session, const std::string& desktop, Workspace& workspace)
+    : workspace_(workspace),
+      alwaysDark_(desktopIs(desktop, "GNOME")),
+      appearance_(alwaysDark_ ? Appearance::dark : workspace.appearance()) {
+  if (alwaysDark_) return;
+  workspaceObserver_ = workspace.observeAppearance([this](Appearance /*appearance*/) { update(); });
+  if (!desktopIs(desktop, "XFCE")) return;
+  xfcePanel_.emplace(session, "xfce4-panel", "/panels/dark-mode", [this](std::optional<XfconfValue> value) {
+    const bool* dark = value ? std::get_if<bool>(&*value) : nullptr;
+    darkPanel_ = dark ? std::optional(*dark) : std::nullopt;
+    update();
+  });
+}
+
+// A panel that is not set to dark follows the theme, which may be dark all the same.
+void PanelAppearance::update() {
+  const Appearance now = darkPanel_.value_or(false) ? Appearance::dark : workspace_.appearance();
+  if (now == appearance_) return;
+  appearance_ = now;
+  observers_.notify();
+}
+
+}  // namespace nimbo

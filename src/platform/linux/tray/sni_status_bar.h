@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+
+#include "platform/linux/tray/registration_pacer.h"
+#include "platform/linux/tray/tool_tip_text.h"
+#include "platform/status_bar.h"
+
+struct sd_event;
+
+namespace nimbo {
+
+class PanelAppearance;
+
+/// The tray, reached as StatusNotifierItems over the session bus. Main thread only.
+class SniStatusBar final : public StatusBar {
+ public:
+  /// `desktop` is the value of XDG_CURRENT_DESKTOP. `panel` outlives the bar.
+  SniStatusBar(sd_event* event, std::string sessionAddress, const std::string& desktop, PanelAppearance& panel);
+
+  [[nodiscard]] std::unique_ptr<StatusItem> makeItem(const std::string& identifier, StatusItemContent content,
+                                                     StatusItemHandlers handlers) override;
+
+ private:
+  sd_event* const event_;
+  const std::string sessionAddress_;
+  const bool clickOpensMenu_;
+  const ToolTipTitle toolTipTitle_;
+  const bool titled_;
+  PanelAppearance& panel_;
+  RegistrationPacer pacer_;
+  int made_ = 0;
+};
+
+}  // namespace nimbo

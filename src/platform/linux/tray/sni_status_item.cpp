@@ -1,0 +1,271 @@
+// SPDX-License-Identifier: MIT
+#include "platform/linux/tray/sni_status_item.h"
+
+#include <utility>
+
+#include "base/utf8_text.h"
+#include "platform/linux/bus/sd_bus_calls.h"
+#include "platform/linux/tray/panel_appearance.h"
+#include "platform/linux/tray/registration_pacer.h"
+#include "platform/linux/tray/template_image_raster.h"
+
+namespace nimbo {
+namespace {
+
+constexpr const char* kPath = "/StatusNotifierItem";
+constexpr const char* kInterface = "org.kde.StatusNotifierItem";
+constexpr const char* kWatcher = "org.kde.StatusNotifierWatcher";
+
+/// Pixels; the sizes of panels at scale 1 and 2. Hosts scale between them.
+constexpr int kIconSides[] = {16, 22, 24, 32, 48, 64};
+constexpr TintColor kOnDark{0xf2, 0xf2, 0xf2};
+constexpr TintColor kOnLight{0x26, 0x26, 0x26};
+
+/// Hosts give a point only: the pointer, or a corner of the icon.
+std::optional<Rect> anchorAt(int x, int y) {
+  constexpr double kAnchorSide = 24;
+  constexpr int kFarthest = 32767;  // X11 coordinates are 16 bits wide
+  const bool nowhere = (x <= 0 && y <= 0) || x < -kFarthest || x > kFarthest || y < -kFarthest || y > kFarthest;
+  if (nowhere) return std::nullopt;
+  return Rect{x - kAnchorSide / 2, y - kAnchorSide / 2, kAnchorSide, kAnchorSide};
+}
+
+int click(sd_bus_message* call, bool alternate, const std::function<void(const StatusClick&)>& clicked) {
+  int x = 0;
+  int y = 0;
+  if (const int result = sd_bus_message_read(call, "ii", &x, &y); result < 0) return result;
+  // The answer first, because opening the dashboard may take a while; a copy of the handler,
+  // because it may destroy the item.
+  const int result = sd_bus_reply_method_return(call, "");
+  const auto handler = clicked;
+  if (handler) handler(StatusClick{alternate, anchorAt(x, y)});
+  return result;
+}
+
+// A label that became empty would hide the icon on one host.
+std::string labelText(const StatusItemContent& content) {
+  const std::string text = repairedUtf8(content.title.value_or(""));
+  return text.empty() ? " " : text;
+}
+
+std::string titleText(const StatusItemContent& content) {
+  return content.accessibleName.empty() ? "Nimbo" : repairedUtf8(content.accessibleName);
+}
+
+}  // namespace
+
+std::vector<sd_bus_vtable> SniStatusItem::makeTable(bool labelled) {
+  using Self = SniStatusItem;
+  constexpr auto kConst = SD_BUS_VTABLE_PROPERTY_CONST;
+  constexpr auto kChanges = SD_BUS_VTABLE_PROPERTY_EMITS_CHANGE;
+  // Everybody on the bus belongs to the user; asking the bus about each caller's rights would block.
+  constexpr auto kOpen = SD_BUS_VTABLE_UNPRIVILEGED;
+  std::vector<sd_bus_vtable> table{
+      SD_BUS_VTABLE_START(0),
+      SD_BUS_METHOD("Activate", "ii", "", (busMethod<Self, &Self::activate>), kOpen),
+      SD_BUS_METHOD("SecondaryActivate", "ii", "", (busMethod<Self, &Self::secondaryActivate>), kOpen),
+      SD_BUS_METHOD("ContextMenu", "ii", "", (busMethod<Self, &Self::ignore>), kOpen),
+      SD_BUS_METHOD("Scroll", "is", "", (busMethod<Self, &Self::ignore>), kOpen),
+      SD_BUS_METHOD("ProvideXdgActivationToken", "s", "", (busMethod<Self, &Self::ignore>), kOpen),
+      SD_BUS_PROPERTY("Category", "s", (busProperty<Self, &Self::category>), 0, kConst),
+      SD_BUS_PROPERTY("Id", "s", (busProperty<Self, &Self::identifier>), 0, kConst),
+      SD_BUS_PROPERTY("Title", "s", (busProperty<Self, &Self::title>), 0, kChanges),
+      SD_BUS_PROPERTY("Status", "s", (busProperty<Self, &Self::status>), 0, kChanges),
+      SD_BUS_PROPERTY("WindowId", "i", (busProperty<Self, &Self::windowId>), 0, kConst),
+      SD_BUS_PROPERTY("IconName", "s", (busProperty<Self, &Self::iconName>), 0, kConst),
+      // 35 KB that every host reads again after NewIcon would be sent for nothing with a change.
+      SD_BUS_PROPERTY("IconPixmap", "a(iiay)", (busProperty<Self, &Self::iconPixmap>), 0, 0),
+      SD_BUS_PROPERTY("IconAccessibleDesc", "s", (busProperty<Self, &Self::title>), 0, kChanges),
+      SD_BUS_PROPERTY("ToolTip", "(sa(iiay)ss)", (busProperty<Self, &Self::toolTip>), 0, kChanges),
+      SD_BUS_PROPERTY("ItemIsMenu", "b", (busProperty<Self, &Self::itemIsMenu>), 0, kConst),
+      SD_BUS_PROPERTY("Menu", "o", (busProperty<Self, &Self::menuPath>), 0, kConst),
+      SD_BUS_SIGNAL("NewTitle", "", 0),
+      SD_BUS_SIGNAL("NewIcon", "", 0),
+      SD_BUS_SIGNAL("NewToolTip", "", 0),
+      SD_BUS_SIGNAL("NewStatus", "s", 0),
+  };
+  if (labelled) {
+    table.insert(table.end(),
+                 {SD_BUS_PROPERTY("XAyatanaLabel", "s", (busProperty<Self, &Self::label>), 0, kChanges),
+                  SD_BUS_PROPERTY("XAyatanaLabelGuide", "s", (busProperty<Self, &Self::label>), 0, kChanges),
+                  SD_BUS_SIGNAL("XAyatanaNewLabel", "ss", 0)});
+  }
+  table.push_back(SD_BUS_VTABLE_END);
+  return table;
+}
+
+// For good: sd-bus reads the table once more after a handler that destroyed its item.
+const sd_bus_vtable* SniStatusItem::table(bool labelled) {
+  static const auto kPlain = makeTable(false);
+  static const auto kLabelled = makeTable(true);
+  return labelled ? kLabelled.data() : kPlain.data();
+}
+
+SniStatusItem::SniStatusItem(sd_event* event, const std::string& busAddress, Setup setup, StatusItemContent content,
+                             StatusItemHandlers handlers, PanelAppearance& panel, RegistrationPacer& pacer)
+    : setup_(std::move(setup)),
+      content_(std::move(content)),
+      handlers_(std::move(handlers)),
+      panel_(panel),
+      labelled_(content_.title && !content_.title->empty()),
+      connection_(event, busAddress),
+      menu_(connection_.get(), menuHandlers()),
+      pacer_(pacer) {
+  if (connection_.get() == nullptr) return;
+  sd_bus_slot* slot = nullptr;
+  sd_bus_add_object_vtable(connection_.get(), &slot, kPath, kInterface, table(labelled_), this);
+  object_.reset(slot);
+  requestName();
+  panelObserver_ = panel.observe([this] { emit("NewIcon"); });
+}
+
+void SniStatusItem::requestName() {
+  sd_bus* const bus = connection_.get();
+  const BusMessage call =
+      methodCall(bus, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName");
+  constexpr std::uint32_t kDoNotQueue = 4;
+  if (call) sd_bus_message_append(call.get(), "su", setup_.busName.c_str(), kDoNotQueue);
+  nameRequest_ = callAsync(bus, call, [this, bus](sd_bus_message* reply) {
+    constexpr std::uint32_t kPrimaryOwner = 1;
+    std::uint32_t outcome = 0;
+    const bool owned = !isError(reply) && sd_bus_message_read(reply, "u", &outcome) > 0 && outcome == kPrimaryOwner;
+    // In a sandbox process numbers repeat, so the name may be taken; trays accept the unique one too.
+    const char* unique = nullptr;
+    sd_bus_get_unique_name(bus, &unique);
+    registeredName_ = owned || unique == nullptr ? setup_.busName : unique;
+    followWatcher();
+  });
+}
+
+void SniStatusItem::followWatcher() {
+  watcher_.emplace(connection_.get(), kWatcher, [this](const std::string& owner) {
+    registration_.reset();
+    announced_ = false;
+    turn_ = owner.empty() ? Subscription() : pacer_.request([this, owner] { registerWith(owner); });
+  });
+}
+
+void SniStatusItem::registerWith(const std::string& watcher) {
+  const BusMessage call =
+      methodCall(connection_.get(), watcher.c_str(), "/StatusNotifierWatcher", kWatcher, "RegisterStatusNotifierItem");
+  if (call) sd_bus_message_append(call.get(), "s", registeredName_.c_str());
+  announced_ = true;
+  // A tray that refuses is gone or broken; the next one is registered with when it comes.
+  registration_ = callAsync(connection_.get(), call, [](sd_bus_message* /*reply*/) {});
+}
+
+void SniStatusItem::emit(const char* signal) {
+  if (announced_) sd_bus_emit_signal(connection_.get(), kPath, kInterface, signal, "");
+}
+
+void SniStatusItem::setContent(const StatusItemContent& content) {
+  const StatusItemContent before = std::exchange(content_, content);
+  // A tray reads everything when the item registers with it, so there is nobody to tell before.
+  if (!announced_ || content == before) return;
+  std::vector<const char*> changed;
+  if (!(content.image == before.image)) emit("NewIcon");
+  if (setup_.titled && content.accessibleName != before.accessibleName) {
+    emit("NewTitle");
+    changed.insert(changed.end(), {"Title", "IconAccessibleDesc"});
+  }
+  if (content.toolTip != before.toolTip) {
+    emit("NewToolTip");
+    changed.push_back("ToolTip");
+  }
+  if (labelled_ && content.title != before.title) {
+    const std::string text = labelText(content);
+    sd_bus_emit_signal(connection_.get(), kPath, kInterface, "XAyatanaNewLabel", "ss", text.c_str(), text.c_str());
+    changed.insert(changed.end(), {"XAyatanaLabel", "XAyatanaLabelGuide"});
+  }
+  if (changed.empty()) return;
+  changed.push_back(nullptr);
+  sd_bus_emit_properties_changed_strv(connection_.get(), kPath, kInterface, const_cast<char**>(changed.data()));
+}
+
+// Trays have no such mark.
+void SniStatusItem::setHighlighted(bool /*highlighted*/) {}
+
+StatusMenu SniStatusItem::withDashboardEntry(StatusMenu menu) const {
+  if (!setup_.dashboardInMenu) return menu;
+  MenuEntry entry;
+  entry.title = "Open Nimbo";
+  entry.action = [clicked = handlers_.clicked] {
+    if (clicked) clicked({});
+  };
+  menu.entries.insert(menu.entries.begin(), std::move(entry));
+  return menu;
+}
+
+DbusMenuHandlers SniStatusItem::menuHandlers() {
+  DbusMenuHandlers menu;
+  menu.willOpen = [this] {
+    return withDashboardEntry(handlers_.menuWillOpen ? handlers_.menuWillOpen() : StatusMenu{});
+  };
+  menu.didClose = [didClose = handlers_.menuDidClose] {
+    if (didClose) didClose();
+  };
+  menu.menu = [this, willOpen = menu.willOpen, didClose = menu.didClose] {
+    if (handlers_.menuPreview) return withDashboardEntry(handlers_.menuPreview());
+    StatusMenu built = willOpen();
+    didClose();
+    return built;
+  };
+  return menu;
+}
+
+int SniStatusItem::activate(sd_bus_message* call, sd_bus_error* /*error*/) {
+  return click(call, false, handlers_.clicked);
+}
+
+int SniStatusItem::secondaryActivate(sd_bus_message* call, sd_bus_error* /*error*/) {
+  return click(call, true, handlers_.clicked);
+}
+
+// Hosts show the menu themselves, and there is nothing to scroll; activation tokens are not needed.
+int SniStatusItem::ignore(sd_bus_message* call, sd_bus_error* /*error*/) {
+  return sd_bus_reply_method_return(call, "");
+}
+
+int SniStatusItem::category(sd_bus_message* reply) const { return sd_bus_message_append(reply, "s", "SystemServices"); }
+
+int SniStatusItem::identifier(sd_bus_message* reply) const {
+  return sd_bus_message_append(reply, "s", setup_.identifier.c_str());
+}
+
+int SniStatusItem::title(sd_bus_message* reply) const {
+  return sd_bus_message_append(reply, "s", setup_.titled ? titleText(content_).c_str() : "");
+}
+
+int SniStatusItem::status(sd_bus_message* reply) const { return sd_bus_message_append(reply, "s", "Active"); }
+
+int SniStatusItem::windowId(sd_bus_message* reply) const { return sd_bus_message_append(reply, "i", 0); }
+
+int SniStatusItem::iconName(sd_bus_message* reply) const { return sd_bus_message_append(reply, "s", ""); }
+
+int SniStatusItem::iconPixmap(sd_bus_message* reply) const {
+  const TintColor tint = panel_.appearance() == Appearance::dark ? kOnDark : kOnLight;
+  int result = sd_bus_message_open_container(reply, SD_BUS_TYPE_ARRAY, "(iiay)");
+  for (const int side : kIconSides) {
+    const auto pixels = argbPixels(content_.image, side, tint);
+    if (result >= 0) result = sd_bus_message_open_container(reply, SD_BUS_TYPE_STRUCT, "iiay");
+    if (result >= 0) result = sd_bus_message_append(reply, "ii", side, side);
+    if (result >= 0) result = sd_bus_message_append_array(reply, SD_BUS_TYPE_BYTE, pixels.data(), pixels.size());
+    if (result >= 0) result = sd_bus_message_close_container(reply);
+  }
+  return result >= 0 ? sd_bus_message_close_container(reply) : result;
+}
+
+int SniStatusItem::toolTip(sd_bus_message* reply) const {
+  const ToolTipText text = toolTipText(content_.toolTip, setup_.toolTipTitle);
+  return sd_bus_message_append(reply, "(sa(iiay)ss)", "", 0, text.title.c_str(), text.subtitle.c_str());
+}
+
+int SniStatusItem::itemIsMenu(sd_bus_message* reply) const { return sd_bus_message_append(reply, "b", 0); }
+
+int SniStatusItem::menuPath(sd_bus_message* reply) const { return sd_bus_message_append(reply, "o", DbusMenu::kPath); }
+
+int SniStatusItem::label(sd_bus_message* reply) const {
+  return sd_bus_message_append(reply, "s", labelText(content_).c_str());
+}
+
+}  // namespace nimbo

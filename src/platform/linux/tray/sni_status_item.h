@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "base/subscription.h"
+#include "platform/linux/bus/bus_name_watch.h"
+#include "platform/linux/bus/sd_bus_connection.h"
+#include "platform/linux/tray/dbus_menu.h"
+#include "platform/linux/tray/tool_tip_text.h"
+#include "platform/status_bar.h"
+
+namespace nimbo {
+
+class PanelAppearance;
+class RegistrationPacer;
+
+/// One tray icon: an org.kde.StatusNotifierItem on a bus connection of its own, because hosts keep
+/// a dead icon when one of several objects on a connection goes. It registers with every tray that
+/// appears. Main thread only.
+class SniStatusItem final : public StatusItem {
+ public:
+  struct Setup {
+    std::string busName;     ///< org.kde.StatusNotifierItem-PID-N
+    std::string identifier;  ///< names the item to hosts across restarts
+    bool dashboardInMenu;    ///< the host opens the menu on a plain click, so the menu offers the dashboard
+    ToolTipTitle toolTipTitle;
+    bool titled;  ///< has a title and an accessible description
+  };
+
+  /// `panel` and `pacer` outlive the item.
+  SniStatusItem(sd_event* event, const std::string& busAddress, Setup setup, StatusItemContent content,
+                StatusItemHandlers handlers, PanelAppearance& panel, RegistrationPacer& pacer);
+
+  void setContent(const StatusItemContent& content) override;
+  void setHighlighted(bool highlighted) override;
+
+ private:
+  static std::vector<sd_bus_vtable> makeTable(bool labelled);
+  static const sd_bus_vtable* table(bool labelled);
+  void requestName();
+  void followWatcher();
+  void registerWith(const std::string& watcher);
+  void emit(const char* signal);
+  [[nodiscard]] StatusMenu withDashboardEntry(StatusMenu menu) const;
+  [[nodiscard]] DbusMenuHandlers menuHandlers();
+
+  int activate(sd_bus_message* call, sd_bus_error* error);
+  int secondaryActivate(sd_bus_message* call, sd_bus_error* error);
+  int ignore(sd_bus_message* call, sd_bus_error* error);
+  int category(sd_bus_message* reply) const;
+  int identifier(sd_bus_message* reply) const;
+  int title(sd_bus_message* reply) const;
+  int status(sd_bus_message* reply) const;
+  int windowId(sd_bus_message* reply) const;
+  int iconName(sd_bus_message* reply) const;
+  int iconPixmap(sd_bus_message* reply) const;
+  int toolTip(sd_bus_message* reply) const;
+  int itemIsMenu(sd_bus_message* reply) const;
+  int menuPath(sd_bus_message* reply) const;
+  int label(sd_bus_message* reply) const;
+
+  const Setup setup_;
+  StatusItemContent content_;
+  const StatusItemHandlers handlers_;
+  const PanelAppearance& panel_;
+  const bool labelled_;  // an empty label hides the icon on one host, so it is only there when used
+
+  SdBusConnection connection_;
+  std::string registeredName_;
+  BusSlot object_;
+  DbusMenu menu_;
+  BusSlot nameRequest_;
+  std::optional<BusNameWatch> watcher_;
+  RegistrationPacer& pacer_;
+  Subscription turn_;
+  BusSlot registration_;
+  bool announced_ = false;  // some tray knows of the item
+  Subscription panelObserver_;
+};
+
+}  // namespace nimbo

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+#include "ui/dashboard/history_view.h"
+
+#include <algorithm>
+
+namespace nimbo {
+namespace {
+
+constexpr std::size_t kSlots = 40;
+constexpr double kGap = 3;
+constexpr double kRadius = 2;
+constexpr double kMinimumHeight = 3;  // so that a sample of zero is still seen
+
+}  // namespace
+
+std::vector<ChartBar> historyBars(const std::vector<double>& history, ColorRole tint, Size size) {
+  const double width = (size.width - kGap * (kSlots - 1)) / kSlots;
+  const std::size_t used = std::min(history.size(), kSlots);
+  const std::size_t firstUsed = kSlots - used;
+  const std::size_t firstSample = history.size() - used;
+
+  std::vector<ChartBar> bars;
+  bars.reserve(kSlots + used);
+  for (std::size_t slot = 0; slot < kSlots; ++slot) {
+    const double x = (width + kGap) * static_cast<double>(slot);
+    bars.push_back({{{x, 0, width, size.height}, kRadius}, ColorRole::quaternaryLabel, 0.13, {}});
+    if (slot < firstUsed) continue;
+    const double height = std::max(size.height * history[firstSample + slot - firstUsed], kMinimumHeight);
+    const double alpha = slot == kSlots - 1 ? 1.0 : 0.65;
+    bars.push_back({{{x, size.height - height, width, height}, kRadius}, tint, alpha, {}});
+  }
+  return bars;
+}
+
+}  // namespace nimbo

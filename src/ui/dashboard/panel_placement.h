@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "base/geometry.h"
+
+namespace nimbo {
+
+struct Screen {
+  Rect frame;
+  Rect visibleFrame;  ///< without panels and docks
+  bool operator==(const Screen&) const = default;
+};
+
+/// The edge of a screen along which the menu bar or the desktop's panel runs.
+enum class ScreenEdge { top, bottom, left, right };
+
+/// What the dashboard hangs from. Global coordinates, y downwards.
+struct PanelAnchor {
+  Rect rect;  ///< spans the menu bar or panel across its thickness
+  ScreenEdge edge = ScreenEdge::top;
+  Rect visibleFrame;  ///< of the screen it is on
+  bool operator==(const PanelAnchor&) const = default;
+};
+
+/// The place for a panel whose item the bar reported at `reported`. Bars report in three ways, in
+/// screen coordinates, relative to the item, and not at all; a place that is not along a screen's
+/// edge is not believed and the end of the panel where items usually are is taken. Absent only
+/// without a screen.
+[[nodiscard]] std::optional<PanelAnchor> panelAnchor(const std::vector<Screen>& screens,
+                                                     const std::optional<Rect>& reported);
+
+/// The frame of a dashboard of that size: 4 points off the anchor, moved and cut only as far as
+/// its screen's visible frame demands.
+[[nodiscard]] Rect panelFrame(const PanelAnchor& anchor, Size contentSize);
+
+}  // namespace nimbo

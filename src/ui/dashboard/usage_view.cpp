@@ -1,0 +1,144 @@
+// SPDX-License-Identifier: MIT
+#include "ui/dashboard/usage_view.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "usage/usage_provider_name.h"
+#include "usage/usage_status.h"
+
+namespace nimbo {
+namespace {
+
+constexpr double kPageTop = 56;
+constexpr double kCardGap = 10;
+constexpr double kRowHeight = 58;
+constexpr double kVisibleHeight = 371;
+constexpr double kStaleAlpha = 0.45;
+constexpr const char* kDefaultNote = "Updates every 5 minutes · hover for countdowns";
+
+const TextStyle kSecondaryText{11, FontWeight::regular, ColorRole::secondaryLabel};
+
+/// What a card's parts have in common.
+struct CardState {
+  UsageProvider provider;
+  const UsageState& state;
+  UsageTime now;
+  const Dates& dates;
+  bool stale;
+  std::string status;
+};
+
+ColorRole tintFor(const UsageWindow& window, UsageProvider provider) {
+  if (window.usedPercent >= 90) return ColorRole::red;
+  if (window.usedPercent >= 75 || provider == UsageProvider::claude) return ColorRole::orange;
+  return ColorRole::teal;
+}
+
+std::string resetText(const UsageWindow& window, const Dates& dates) {
+  if (!window.resetsAt) return "Reset time unavailable";
+  return "Resets " + dates.abbreviatedDateAndShortTime(*window.resetsAt);
+}
+
+UsageBarContent barFor(const UsageWindow& window, const CardState& card, double y) {
+  UsageBarContent bar{{12, y + 24, 276, 7}};
+  const double left = percentLeft(window);
+  bar.fraction = std::isfinite(left) ? std::clamp(left / 100, 0.0, 1.0) : 0;
+  bar.tint = tintFor(window, card.provider);
+  bar.alpha = card.stale ? kStaleAlpha : 1;
+  bar.accessibleName = std::string(displayName(card.provider)) + " " + window.title;
+  bar.accessibleValue = fmt::format("{:.0f} percent remaining", bar.fraction * 100);
+  return bar;
+}
+
+UsageRowContent rowFor(const UsageWindow& window, const CardState& card, double y) {
+  UsageRowContent row;
+  const std::string amount = fmt::format("{:.0f}% left", percentLeft(window));
+  const std::string reset = resetText(window, card.dates);
+  const std::string toolTip =
+      fmt::format("{} · {} · {}\n{}\n{}", window.title, amount, resetCountdown(window, card.now), reset, card.status);
+  row.title = {{12, y, 170, 20}, {12, FontWeight::medium}, window.title, toolTip};
+  row.amount = {
+      {182, y, 106, 20}, {12, FontWeight::medium, ColorRole::label, TextAlignment::right, true}, amount, toolTip};
+  row.bar = barFor(window, card, y);
+  row.bar.toolTip = toolTip;
+  row.reset = {{12, y + 34, 276, 18}, kSecondaryText, reset, toolTip};
+  return row;
+}
+
+UsageCardContent cardFor(const CardState& card, double y) {
+  static const std::vector<UsageWindow> kNone;
+  const auto& windows = card.state.enabled && card.state.snapshot ? card.state.snapshot->windows : kNone;
+  const std::string name(displayName(card.provider));
+  const double height = windows.empty() ? 110 : kRowHeight * static_cast<double>(windows.size()) + 63;
+
+  UsageCardContent content{card.provider, {0, y, 300, height}};
+  content.title = {{12, y + 11, 245, 22}, {14, FontWeight::semibold}, providerLabel(card.provider)};
+  content.link = {"link." + std::string(rawValue(card.provider)), {263, y + 10, 26, 24}, ButtonLook::inlined, 12, "↗"};
+  content.link.accessibleName = content.link.toolTip = "Open " + name + " usage dashboard";
+  const bool lastKnown = card.stale && !windows.empty();
+  content.status = {{12, y + 35, 276, 26},
+                    {10, FontWeight::regular, ColorRole::secondaryLabel},
+                    lastKnown ? "Last known · " + card.status : card.status,
+                    card.status};
+  content.status.lines = 2;
+  content.connect = {"connect." + std::string(rawValue(card.provider)), {8, y + 71, 230, 28}};
+  content.connect.title = "Connect in Settings…";
+  content.connect.visible = windows.empty() && !card.state.isRefreshing;
+  double rowY = y + 58;
+  for (const auto& window : windows) {
+    content.rows.push_back(rowFor(window, card, rowY));
+    rowY += kRowHeight;
+  }
+  return content;
+}
+
+bool anyState(const UsageStates& states, bool UsageState::*flag) {
+  return std::any_of(states.begin(), states.end(), [flag](const auto& entry) { return entry.second.*flag; });
+}
+
+}  // namespace
+
+void UsageView::update(const UsageStates& states, const std::optional<std::string>& note) {
+  states_ = states;
+  note_ = note;
+  if (onContentChanged) onContentChanged();
+}
+
+void UsageView::setOrder(std::vector<UsageProvider> order) {
+  order_ = std::move(order);
+  if (onContentChanged) onContentChanged();
+}
+
+UsagePageContent UsageView::content(bool visible) const {
+  static const UsageState kUnknown;
+  UsagePageContent content;
+  const auto now = clock_.now();
+  double y = 0;
+  for (const auto provider : order_) {
+    const auto found = states_.find(provider);
+    const auto& state = found == states_.end() ? kUnknown : found->second;
+    content.cards.push_back(
+        cardFor({provider, state, now, dates_, isStale(state, now), statusLine(state, now, dates_)}, y));
+    y += content.cards.back().frame.height + kCardGap;
+  }
+  content.scroll = {20, kPageTop + 6, 306, kVisibleHeight};
+  content.document = {300, std::max(y, kVisibleHeight)};
+
+  content.refresh = {"refresh", {16, kPageTop + 388, 95, 28}, ButtonLook::rounded, 13, "Refresh"};
+  content.refresh.toolTip =
+      "Read the latest limits and reset times. Claude Code is checked first, then Claude Desktop.";
+  content.refresh.enabled = anyState(states_, &UsageState::enabled);
+  content.progress = {{119, kPageTop + 393, 90, 18}, kSecondaryText};
+  if (anyState(states_, &UsageState::isRefreshing)) content.progress.text = "Refreshing…";
+  content.configure = {"configure", {216, kPageTop + 390, 110, 24}, ButtonLook::inlined, 12, "Configure…"};
+  const std::string note = note_.value_or(kDefaultNote);
+  content.note = {{20, kPageTop + 421, 300, 18}, {10, FontWeight::regular, ColorRole::tertiaryLabel}, note, note};
+  content.visible = visible;
+  return content;
+}
+
+}  // namespace nimbo

@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QDateTimeEdit>
+#include <chrono>
+#include <functional>
+#include <optional>
+
+#include "ui/controls/control_content.h"
+
+class QLocale;
+
+namespace nimbo {
+
+class Theme;
+
+/// The locale's short date and time with the whole year and without seconds, as a format of the
+/// toolkit's.
+[[nodiscard]] QString dateAndTimeFormat(const QLocale& locale);
+
+/// Day, hour and minute in the user's time zone, typed or stepped part by part; years 2000 to 2199.
+class DatePicker final : public QDateTimeEdit {
+ public:
+  using Time = std::chrono::system_clock::time_point;
+
+  /// `picked` is called with whole minutes whenever the user's input makes another moment.
+  DatePicker(const Theme& theme, std::function<void(Time date)> picked, QWidget* parent);
+
+  /// The date is taken over when it is another one than in the content before; otherwise what the
+  /// user has typed since stays.
+  void setContent(const DatePickerContent& content);
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void contextMenuEvent(QContextMenuEvent* event) override;
+  void wheelEvent(QWheelEvent* event) override;
+  void focusOutEvent(QFocusEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  void changeEvent(QEvent* event) override;
+  [[nodiscard]] bool focusNextPrevChild(bool next) override;
+
+ private:
+  [[nodiscard]] QDateTime inRange(const QDateTime& wall) const;
+  void display(Time date);
+  void fitFont();
+
+  const Theme& theme_;
+  std::optional<DatePickerContent> content_;
+  Time shown_{};
+};
+
+}  // namespace nimbo

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QTabBar>
+#include <functional>
+#include <optional>
+
+#include "ui/controls/tabs_content.h"
+
+namespace nimbo {
+
+class Theme;
+
+/// A segmented control. To assistive technology a list of page tabs, one of them selected; arrow
+/// keys move the selection.
+class SegmentedTabs final : public QTabBar {
+ public:
+  /// `selected` is called for the user's choices only.
+  SegmentedTabs(const Theme& theme, std::function<void(std::size_t)> selected, QWidget* parent);
+
+  void setContent(const TabsContent& content);
+
+ protected:
+  [[nodiscard]] QSize tabSizeHint(int index) const override;
+  [[nodiscard]] QSize minimumTabSizeHint(int index) const override;
+  void paintEvent(QPaintEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void wheelEvent(QWheelEvent* event) override;
+
+ private:
+  [[nodiscard]] QRectF segment(int index) const;
+
+  const Theme& theme_;
+  std::optional<TabsContent> content_;
+};
+
+}  // namespace nimbo

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QLineEdit>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "ui/controls/control_content.h"
+
+namespace nimbo {
+
+class Theme;
+
+/// One line of text to be typed.
+class TextField final : public QLineEdit {
+ public:
+  /// `edited` is called with the whole text for each change that the user makes.
+  TextField(const Theme& theme, std::function<void(const std::string& text)> edited, QWidget* parent);
+
+  /// The text is taken over when it is another one than in the content before; otherwise what the
+  /// user has typed since stays.
+  void setContent(const TextFieldContent& content);
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+
+ private:
+  const Theme& theme_;
+  std::optional<TextFieldContent> content_;
+};
+
+}  // namespace nimbo

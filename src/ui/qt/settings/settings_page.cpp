@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: MIT
+#include "ui/qt/settings/settings_page.h"
+
+#include <QAccessibleWidget>
+#include <algorithm>
+#include <utility>
+
+#include "ui/qt/controls/check_box.h"
+#include "ui/qt/controls/dashboard_button.h"
+#include "ui/qt/controls/fitted_label.h"
+#include "ui/qt/controls/moved_content.h"
+#include "ui/qt/controls/pop_up_button.h"
+#include "ui/qt/controls/qt_geometry.h"
+
+namespace nimbo {
+namespace {
+
+/// On either side of the page's frame, for the focus rings of controls at its edges.
+constexpr int kRingRoom = 4;
+
+/// Calls a copy, because the action may give the window other actions.
+template <class Action, class... Values>
+void call(const Action& action, const Values&... values) {
+  if (const Action act = action) act(values...);
+}
+
+QString identifierOf(const SettingsControl& content) {
+  return std::visit(
+      [](const auto& each) {
+        QString identifier;
+        if constexpr (requires { each.identifier; }) identifier = QString::fromStdString(each.identifier);
+        return identifier;
+      },
+      content);
+}
+
+template <class Control>
+QWidget& widgetOf(const Control& control) {
+  return *std::visit([](auto* widget) -> QWidget* { return widget; }, control);
+}
+
+/// Whether a widget made for one content can show another: what it reports to the program never changes.
+template <class Control>
+bool fits(const Control& control, const SettingsControl& content) {
+  return control.index() == content.index() && widgetOf(control).objectName() == identifierOf(content);
+}
+
+template <class Control>
+void setContent(const Control& control, const SettingsControl& content) {
+  std::visit(
+      [](auto* widget, const auto& shown) {
+        if constexpr (requires { widget->setContent(shown); }) {
+          widget->setContent(movedInto(Rect{-kRingRoom, 0, 0, 0}, shown));
+        }
+      },
+      control, content);
+}
+
+void discard(QWidget& control) {
+  control.setObjectName({});
+  control.hide();
+  // Not at once: it may be what the user is pressing.
+  control.deleteLater();
+}
+
+}  // namespace
+
+SettingsPage::SettingsPage(const Theme& theme, const SettingsWindowActions& actions, QWidget* parent)
+    : QWidget(parent), theme_(theme), actions_(actions) {}
+
+FittedLabel* SettingsPage::make(const LabelContent& /*content*/) { return new FittedLabel(theme_, this); }
+
+CheckBox* SettingsPage::make(const CheckBoxContent& content) {
+  return new CheckBox(
+      theme_, [this, identifier = content.identifier](bool on) { call(actions_.check, identifier, on); }, this);
+}
+
+PopUpButton* SettingsPage::make(const PopUpContent& content) {
+  return new PopUpButton(
+      theme_, [this, identifier = content.identifier](std::size_t index) { call(actions_.choose, identifier, index); },
+      this);
+}
+
+DashboardButton* SettingsPage::make(const ButtonContent& content) {
+  return new DashboardButton(
+      theme_, [this, identifier = content.identifier] { call(actions_.press, identifier); }, this);
+}
+
+SettingsPage::Control SettingsPage::take(std::vector<Control>& candidates, const SettingsControl& content) {
+  const auto found = std::ranges::find_if(candidates, [&](const auto& each) { return fits(each, content); });
+  if (found == candidates.end()) return std::visit([this](const auto& each) -> Control { return make(each); }, content);
+  const Control control = *found;
+  candidates.erase(found);
+  return control;
+}
+
+void SettingsPage::render(const SettingsPageContent& content) {
+  const QString name = QString::fromStdString(content.accessibleName);
+  // The toolkit would announce the same name again.
+  if (accessibleName() != name) setAccessibleName(name);
+  setGeometry(toQRect(content.frame).adjusted(-kRingRoom, 0, kRingRoom, 0));
+  const auto before = controls_;
+  auto rest = std::exchange(controls_, {});
+  for (const auto& each : content.controls) {
+    controls_.push_back(take(rest, each));
+    setContent(controls_.back(), each);
+  }
+  for (const auto& gone : rest) discard(widgetOf(gone));
+  if (controls_ != before) orderTabs();
+  setVisible(content.visible);
+}
+
+void SettingsPage::orderTabs() const {
+  QWidget* previous = nullptr;
+  for (const auto& control : controls_) {
+    QWidget& next = widgetOf(control);
+    if (next.focusPolicy() == Qt::NoFocus) continue;
+    if (previous != nullptr) setTabOrder(previous, &next);
+    previous = &next;
+  }
+}
+
+QAccessibleInterface* makeAccessibleSettingsPage(const QString& /*className*/, QObject* object) {
+  auto* const page = dynamic_cast<SettingsPage*>(object);
+  return page != nullptr ? new QAccessibleWidget(page, QAccessible::Grouping) : nullptr;
+}
+
+}  // namespace nimbo

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QWidget>
+#include <variant>
+#include <vector>
+
+#include "ui/settings/settings_window.h"
+
+class QAccessibleInterface;
+
+namespace nimbo {
+
+class CheckBox;
+class DashboardButton;
+class FittedLabel;
+class PopUpButton;
+class Theme;
+
+/// A page of the settings window: one widget for each control, in the same order, which is also the
+/// order in which Tab visits them.
+class SettingsPage final : public QWidget {
+ public:
+  /// `actions` outlives the page.
+  SettingsPage(const Theme& theme, const SettingsWindowActions& actions, QWidget* parent);
+
+  void render(const SettingsPageContent& content);
+
+ private:
+  /// A widget for each alternative of SettingsControl, in the same order.
+  using Control = std::variant<FittedLabel*, CheckBox*, PopUpButton*, DashboardButton*>;
+
+  [[nodiscard]] FittedLabel* make(const LabelContent& content);
+  [[nodiscard]] CheckBox* make(const CheckBoxContent& content);
+  [[nodiscard]] PopUpButton* make(const PopUpContent& content);
+  [[nodiscard]] DashboardButton* make(const ButtonContent& content);
+  /// Takes the first of `candidates` that can show `content`, or makes a widget that can.
+  [[nodiscard]] Control take(std::vector<Control>& candidates, const SettingsControl& content);
+  void orderTabs() const;
+
+  const Theme& theme_;
+  const SettingsWindowActions& actions_;
+  std::vector<Control> controls_;
+};
+
+/// To be installed as the toolkit's accessibility factory.
+[[nodiscard]] QAccessibleInterface* makeAccessibleSettingsPage(const QString& className, QObject* object);
+
+}  // namespace nimbo

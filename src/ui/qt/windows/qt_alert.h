@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QDialog>
+#include <QTimer>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "ui/alert.h"
+#include "ui/controls/control_content.h"
+
+class QAccessibleInterface;
+
+namespace nimbo {
+
+class DashboardButton;
+class FittedLabel;
+class Theme;
+class WindowSystem;
+
+/// An alert in a dialog window of its own, above all other windows. It never waits: the answer comes
+/// from the event loop, after the window is gone from the screen.
+class QtAlert final : public QDialog, public Alert {
+ public:
+  QtAlert(const Theme& theme, WindowSystem& windowSystem, const AlertContent& content,
+          std::function<void(std::size_t button)> answered);
+
+  void present() override;
+
+  /// Escape and the window's close button.
+  void reject() override;
+
+ protected:
+  void showEvent(QShowEvent* event) override;
+
+ private:
+  // Each returns where its part ends.
+  double placeText(const Theme& theme, const LabelContent& content, const char* name);
+  double placeButtons(const Theme& theme, const std::vector<std::string>& titles, double top);
+  void answer(std::size_t button);
+
+  WindowSystem& windowSystem_;
+  const std::size_t cancel_;
+  const std::function<void(std::size_t button)> answered_;
+  std::optional<std::size_t> pressed_;
+  QTimer answerTimer_;
+};
+
+/// To be installed as the toolkit's accessibility factory: makes alerts known as such.
+[[nodiscard]] QAccessibleInterface* makeAccessibleAlert(const QString& className, QObject* object);
+
+}  // namespace nimbo

@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: MIT
+#include "update/feed/feed_update_session.h"
+
+#include <chrono>
+#include <utility>
+
+#include "update/feed/update_feed_parser.h"
+#include "update/feed/update_notices.h"
+#include "update/feed/update_signature.h"
+
+namespace nimbo {
+namespace {
+
+constexpr int kOk = 200;
+constexpr std::chrono::minutes kLongestDownload{30};
+
+KeptPackage verifyAndSave(const UpdateItem& item, const std::string& package, const PackageSaver& save) {
+  if (!describes(item, package)) return tl::unexpected(std::optional<std::error_code>());
+  return save(packageFileName(item), package).map_error([](std::error_code error) { return std::optional(error); });
+}
+
+void removeUnwanted(const KeptPackage& kept) {
+  std::error_code ignored;
+  if (kept) std::filesystem::remove(*kept, ignored);
+}
+
+}  // namespace
+
+FeedUpdateSession::FeedUpdateSession(UpdateSetup setup, UpdateHost host, UpdateRequest request,
+                                     std::function<void()> finished)
+    : setup_(std::move(setup)),
+      host_(std::move(host)),
+      finished_(std::move(finished)),
+      self_(std::make_shared<FeedUpdateSession*>(this)) {
+  if (request == UpdateRequest::user) show(update_notices::checking(), &FeedUpdateSession::finish);
+  transfer_ = setup_.services.http.get({.url = setup_.feed.url, .headers = {}, .bodyLimit = kMaximumFeedBytes},
+                                       [this](const HttpClient::Answer& answer) { feedCame(answer); });
+}
+
+FeedUpdateSession::~FeedUpdateSession() {
+  if (!silent_) setup_.services.windows.dismiss();
+}
+
+void FeedUpdateSession::feedCame(const HttpClient::Answer& answer) {
+  if (!answer && answer.error() == HttpFailure::unreachable) return conclude(update_notices::unreachableFeed());
+  const auto items = answer && answer->status == kOk ? parseUpdateFeed(answer->body) : std::nullopt;
+  if (!items) return conclude(update_notices::unreadableFeed());
+  auto update = chooseUpdate(*items, {setup_.installed.version, host_.architecture, host_.system},
+                             [this](const UpdateItem& item) { return isSigned(item, setup_.feed.publicKey); });
+  if (!update) return conclude(update_notices::nothing(update.error(), setup_.installed.shortVersion));
+  offer(std::move(*update));
+}
+
+void FeedUpdateSession::offer(UpdateItem item) {
+  item_ = std::move(item);
+  show(update_notices::available(item_.shortVersion, setup_.installed.shortVersion), &FeedUpdateSession::download);
+}
+
+void FeedUpdateSession::download() {
+  show(update_notices::downloading(item_.shortVersion), &FeedUpdateSession::finish);
+  transfer_ = setup_.services.http.get(
+      {.url = item_.url, .headers = {}, .wholeLimit = kLongestDownload, .bodyLimit = item_.length},
+      [this](HttpClient::Answer answer) { packageCame(std::move(answer)); });
+}
+
+void FeedUpdateSession::packageCame(HttpClient::Answer answer) {
+  if (!answer && answer.error() == HttpFailure::unreachable) {
+    return conclude(update_notices::unreachablePackage(item_.shortVersion));
+  }
+  if (!answer || answer->status != kOk) return conclude(update_notices::missingPackage(item_.shortVersion));
+  keep(std::move(answer->body));
+}
+
+// On the work queue, because a large package takes a second to read through and longer to write.
+void FeedUpdateSession::keep(std::string package) {
+  setup_.services.queue.async([&loop = setup_.services.loop, weak = std::weak_ptr(self_), item = item_,
+                               save = host_.save, package = std::make_shared<std::string>(std::move(package))] {
+    loop.post([weak, kept = verifyAndSave(item, *package, save)] {
+      const auto self = weak.lock();
+      if (self == nullptr) return removeUnwanted(kept);  // cancelled meanwhile
+      (*self)->packageKept(kept);
+    });
+  });
+}
+
+void FeedUpdateSession::packageKept(const KeptPackage& kept) {
+  const std::string& version = item_.shortVersion;
+  if (!kept && !kept.error()) return conclude(update_notices::wrongPackage(version));
+  if (!kept) return conclude(update_notices::unsavedPackage(version, *kept.error()));
+  file_ = *kept;
+  show(update_notices::ready(version), &FeedUpdateSession::reveal);
+}
+
+void FeedUpdateSession::reveal() {
+  setup_.services.workspace.revealFile(file_);
+  finish();
+}
+
+void FeedUpdateSession::show(const UpdateNotice& notice, Step first) {
+  silent_ = false;
+  setup_.services.windows.show(notice,
+                               [this, first](std::size_t button) { button == 0 ? (this->*first)() : finish(); });
+}
+
+void FeedUpdateSession::conclude(const UpdateNotice& notice) {
+  silent_ ? finish() : show(notice, &FeedUpdateSession::finish);
+}
+
+void FeedUpdateSession::finish() {
+  const auto finished = std::move(finished_);
+  finished();
+}
+
+}  // namespace nimbo

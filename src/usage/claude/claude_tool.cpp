@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: MIT
+#include "usage/claude/claude_tool.h"
+
+#include <algorithm>
+#include <array>
+
+namespace nimbo::claude_tool {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::array<std::string_view, 5> kRemoved{"ANTHROPIC_API_KEY", "ANTHROPIC_AUTH_TOKEN", "ANTHROPIC_BASE_URL",
+                                                   "CLAUDE_CODE_OAUTH_TOKEN", "CLAUDECODE"};
+
+struct Variable {
+  std::string_view name;
+  std::string_view value;
+};
+constexpr std::array<Variable, 2> kSet{{{"TERM", "xterm-256color"}, {"NO_COLOR", "1"}}};
+
+bool isReplacedOrRemoved(std::string_view entry) {
+  const std::string_view name = entry.substr(0, entry.find('='));
+  const auto isSet = [&](const Variable& variable) { return variable.name == name; };
+  return std::ranges::find(kRemoved, name) != kRemoved.end() || std::ranges::any_of(kSet, isSet);
+}
+
+std::vector<fs::path> candidates(const fs::path& home, std::string_view searchPath) {
+  std::vector<fs::path> result{home / ".local/bin/claude", "/opt/homebrew/bin/claude", "/usr/local/bin/claude"};
+  while (!searchPath.empty()) {
+    const auto end = searchPath.find(':');
+    const std::string_view folder = searchPath.substr(0, end);
+    searchPath.remove_prefix(end == std::string_view::npos ? searchPath.size() : end + 1);
+    if (folder.starts_with('/')) result.push_back(fs::path(folder) / "claude");
+  }
+  return result;
+}
+
+}  // namespace
+
+std::optional<fs::path> findExecutable(const fs::path& home, std::string_view searchPath, const ToolFiles& files) {
+  for (fs::path& file : candidates(home, searchPath)) {
+    if (files.isExecutable(file)) return std::move(file);
+  }
+  return std::nullopt;
+}
+
+fs::path workspace(const fs::path& caches) { return caches / "com.quellwerk.Nimbo/ClaudeUsage"; }
+
+std::vector<std::string> arguments() { return {"--safe-mode", "--tools", "", "--ax-screen-reader", "/usage"}; }
+
+std::vector<std::string> environment(const std::vector<std::string>& inherited) {
+  std::vector<std::string> result;
+  std::ranges::remove_copy_if(inherited, std::back_inserter(result), isReplacedOrRemoved);
+  for (const auto& [name, value] : kSet) result.push_back(std::string(name) + "=" + std::string(value));
+  return result;
+}
+
+}  // namespace nimbo::claude_tool

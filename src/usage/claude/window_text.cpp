@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: MIT
+#include "usage/claude/window_text.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstddef>
+#include <optional>
+#include <string_view>
+
+namespace nimbo {
+namespace {
+
+constexpr std::chrono::seconds kTimePerWindow{2};
+constexpr std::size_t kMostElements = 1500;
+constexpr int kDeepest = 34;
+constexpr std::ptrdiff_t kTooLong = 300;
+
+std::ptrdiff_t characters(std::string_view utf8) {
+  return std::count_if(utf8.begin(), utf8.end(), [](char byte) { return (byte & 0xC0) != 0x80; });
+}
+
+class Walk {
+ public:
+  Walk(const Clock& clock, const std::stop_token& stop)
+      : clock_(clock), stop_(stop), deadline_(clock.uptime() + kTimePerWindow) {}
+
+  void visit(AccessibleElement& element, int depth = 0) {
+    if (depth > kDeepest || visited_ >= kMostElements || clock_.uptime() > deadline_ || stop_.stop_requested()) return;
+    ++visited_;
+    add(element.title());
+    add(element.description());
+    add(element.value());
+    for (const auto& child : element.children(kMostElements - visited_)) visit(*child, depth + 1);
+  }
+
+  [[nodiscard]] const std::string& text() const { return text_; }
+
+ private:
+  // An element often repeats its title as its value.
+  void add(const std::optional<std::string>& line) {
+    if (!line || line->empty() || characters(*line) >= kTooLong || line == lastLine_) return;
+    if (lastLine_) text_ += '\n';
+    text_ += *line;
+    lastLine_ = line;
+  }
+
+  const Clock& clock_;
+  const std::stop_token& stop_;
+  const std::chrono::duration<double> deadline_;
+  std::size_t visited_ = 0;
+  std::optional<std::string> lastLine_;
+  std::string text_;
+};
+
+}  // namespace
+
+std::string windowText(AccessibleElement& window, const Clock& clock, const std::stop_token& stop) {
+  Walk walk(clock, stop);
+  walk.visit(window);
+  return walk.text();
+}
+
+}  // namespace nimbo

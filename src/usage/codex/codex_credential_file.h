@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "platform/clock.h"
+#include "platform/secret_files.h"
+#include "usage/codex/usage_credential_reader.h"
+
+namespace nimbo {
+
+/// Where Codex keeps its sign-in: below the folder that the environment names in CODEX_HOME, or
+/// `home`/.codex when it names none.
+[[nodiscard]] std::filesystem::path codexCredentialFile(const std::string& codexHome,
+                                                        const std::filesystem::path& home);
+
+/// Reads the sign-in that Codex keeps in `file`, anew each time. That of Claude is none of our
+/// business. `files` and `clock` outlive every read.
+[[nodiscard]] UsageCredentialReader::Reader codexCredentialReader(std::filesystem::path file, const SecretFiles& files,
+                                                                  const Clock& clock);
+
+}  // namespace nimbo

@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: MIT
+#include "usage/codex/codex_usage_client.h"
+
+#include <utility>
+
+#include "base/wipe.h"
+#include "usage/codex/retry_after.h"
+#include "usage/codex/usage_response_parser.h"
+#include "usage/usage_messages.h"
+
+namespace nimbo {
+namespace {
+
+constexpr UsageProvider kProvider = UsageProvider::codex;
+constexpr std::chrono::seconds kIdleLimit{20};
+constexpr std::chrono::seconds kWholeLimit{30};
+
+UsageOutcome failure(std::string message) { return tl::unexpected(UsageReadFailure{std::move(message)}); }
+
+// In one piece from the start: a string that grows leaves copies behind.
+std::string bearer(const std::string& token) {
+  constexpr std::string_view kScheme = "Bearer ";
+  std::string value;
+  value.reserve(kScheme.size() + token.size());
+  value.append(kScheme).append(token);
+  return value;  // itself; what append() gives would be copied
+}
+
+}  // namespace
+
+/// One read: the sign-in, then the request. It belongs to the subscription.
+struct CodexUsageClient::Reading {
+  std::function<void(UsageOutcome)> done;
+  Subscription step;  ///< what is waited for now
+
+  void finish(UsageOutcome outcome) {
+    if (const auto continuation = std::exchange(done, nullptr)) continuation(std::move(outcome));
+  }
+};
+
+CodexUsageClient::CodexUsageClient(Services services, std::string serviceHost)
+    : services_(std::move(services)), serviceHost_(std::move(serviceHost)) {}
+
+Subscription CodexUsageClient::read(UsageRequest request, std::function<void(UsageOutcome)> done) const {
+  const auto reading = std::make_shared<Reading>(Reading{std::move(done), {}});
+  const auto onCredentials = [this, weak = std::weak_ptr(reading)](UsageCredentialReader::Outcome credentials) {
+    const auto current = weak.lock();
+    if (!current) {
+      if (credentials) wipe(credentials->token);
+      return;
+    }
+    if (!credentials) return current->finish(failure(std::move(credentials.error().message)));
+    fetch(current, std::move(*credentials));
+  };
+  reading->step = services_.credentials.read(kProvider, request == UsageRequest::manual, std::nullopt, services_.reader,
+                                             onCredentials);
+  return Subscription([reading] {});
+}
+
+void CodexUsageClient::fetch(const std::shared_ptr<Reading>& reading, UsageCredentials credentials) const {
+  const auto onAnswer = [this, weak = std::weak_ptr(reading)](const HttpClient::Answer& answer) {
+    if (const auto current = weak.lock()) current->finish(conclude(answer));
+  };
+  reading->step = services_.http.get(usageRequest(std::move(credentials)), onAnswer);
+}
+
+HttpRequest CodexUsageClient::usageRequest(UsageCredentials credentials) const {
+  HttpRequest request;
+  request.url = serviceHost_ + "/backend-api/wham/usage";
+  request.headers.reserve(3);
+  request.headers.emplace_back("Authorization", bearer(credentials.token));
+  wipe(credentials.token);
+  if (credentials.accountId) request.headers.emplace_back("ChatGPT-Account-Id", *credentials.accountId);
+  request.headers.emplace_back("Accept", "application/json");
+  request.idleLimit = kIdleLimit;
+  request.wholeLimit = kWholeLimit;
+  return request;
+}
+
+UsageOutcome CodexUsageClient::conclude(const HttpClient::Answer& answer) const {
+  if (!answer) {
+    return failure(answer.error() == HttpFailure::notHttp ? usage_messages::kNoHttpResponse
+                                                          : usage_messages::kProviderUnreachable);
+  }
+  switch (answer->status) {
+    case 200: {
+      auto snapshot = parseUsageResponse(answer->body, kProvider, services_.clock.now());
+      if (!snapshot) return failure(std::move(snapshot.error().message));
+      return std::move(*snapshot);
+    }
+    case 401:
+      return failure(usage_messages::signInExpired(kProvider));
+    case 403:
+      return failure(usage_messages::kSignInCannotReadUsage);
+    case 429:
+      return rateLimited(*answer);
+    default:
+      return failure(usage_messages::serviceUnavailable(answer->status));
+  }
+}
+
+UsageOutcome CodexUsageClient::rateLimited(const HttpResponse& response) const {
+  const UsageTime retryNotBefore = services_.clock.now() + rateLimitWait(response.header("retry-after"));
+  return tl::unexpected(
+      UsageReadFailure{usage_messages::rateLimitReached(services_.dates.shortTime(retryNotBefore)), retryNotBefore});
+}
+
+}  // namespace nimbo

@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: MIT
+#include "usage/codex/usage_credential_reader.h"
+
+#include <mutex>
+#include <set>
+#include <utility>
+
+#include "base/wipe.h"
+#include "usage/usage_messages.h"
+
+namespace nimbo {
+namespace {
+
+using std::chrono::seconds;
+
+// Whoever waits for these does not mind when the kernel joins wake-ups.
+constexpr std::chrono::milliseconds kLeeway{250};
+
+seconds defaultTimeout(bool allowPrompt) { return allowPrompt ? seconds{60} : seconds{10}; }
+
+/// An outcome on its way between threads: copied by nobody, and wiped when it arrives nowhere.
+std::shared_ptr<UsageCredentialReader::Outcome> wrap(UsageCredentialReader::Outcome outcome) {
+  return {new UsageCredentialReader::Outcome(std::move(outcome)), [](UsageCredentialReader::Outcome* wrapped) {
+            if (*wrapped) wipe((*wrapped)->token);
+            delete wrapped;
+          }};
+}
+
+}  // namespace
+
+/// One caller who waits. The reader returning and the time limit passing both come here, and only the
+/// first of them finds the continuation; both happen on the main thread.
+class UsageCredentialReader::Completion {
+ public:
+  explicit Completion(std::function<void(Outcome)> continuation) : continuation_(std::move(continuation)) {}
+
+  void limit(Subscription timeLimit) { timeLimit_ = std::move(timeLimit); }
+
+  /// Leaves the outcome as it is when nobody waits for it any more.
+  void resume(Outcome&& outcome) {
+    timeLimit_.reset();
+    if (const auto continuation = std::exchange(continuation_, nullptr)) continuation(std::move(outcome));
+  }
+
+ private:
+  std::function<void(Outcome)> continuation_;
+  Subscription timeLimit_;
+};
+
+/// What the work in the background shares with the main thread.
+struct UsageCredentialReader::Reads {
+  std::mutex lock;
+  std::set<UsageProvider> busy;  ///< whose reader has not returned yet
+  MainLoop* loop = nullptr;      ///< null once nobody can wait any more
+
+  [[nodiscard]] bool begin(UsageProvider provider) {
+    const std::scoped_lock guard(lock);
+    return busy.insert(provider).second;
+  }
+
+  void end(UsageProvider provider, std::function<void()> resume) {
+    const std::scoped_lock guard(lock);
+    busy.erase(provider);
+    if (loop != nullptr) loop->post(std::move(resume));
+  }
+};
+
+UsageCredentialReader::UsageCredentialReader(MainLoop& loop, Background background)
+    : loop_(loop), background_(std::move(background)), reads_(std::make_shared<Reads>()) {
+  reads_->loop = &loop;
+}
+
+UsageCredentialReader::~UsageCredentialReader() {
+  const std::scoped_lock guard(reads_->lock);
+  reads_->loop = nullptr;
+}
+
+Subscription UsageCredentialReader::read(UsageProvider provider, bool allowPrompt,
+                                         std::optional<seconds> timeoutInterval, Reader reader,
+                                         std::function<void(Outcome)> done) {
+  // Only the subscription owns it, so that dropping that is the end of it, and on this thread.
+  const auto completion = std::make_shared<Completion>(std::move(done));
+  const auto resume = [weak = std::weak_ptr(completion)](Outcome&& outcome) {
+    if (const auto waiting = weak.lock()) waiting->resume(std::move(outcome));
+  };
+  if (!reads_->begin(provider)) {
+    loop_.post([resume] { resume(tl::unexpected(UsageError{usage_messages::kSignInReadStillWaiting})); });
+    return Subscription([completion] {});
+  }
+  completion->limit(loop_.every(timeoutInterval.value_or(defaultTimeout(allowPrompt)), kLeeway,
+                                [resume] { resume(tl::unexpected(UsageError{usage_messages::kSignInReadTimedOut})); }));
+  background_([reads = reads_, provider, allowPrompt, reader = std::move(reader), resume] {
+    const auto outcome = wrap(reader(provider, allowPrompt));
+    reads->end(provider, [resume, outcome] { resume(std::move(*outcome)); });
+  });
+  return Subscription([completion] {});
+}
+
+}  // namespace nimbo

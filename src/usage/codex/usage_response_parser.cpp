@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: MIT
+#include "usage/codex/usage_response_parser.h"
+
+#include <fmt/format.h>
+
+#include <cmath>
+#include <cstdint>
+#include <nlohmann/json.hpp>
+#include <span>
+#include <string>
+#include <utility>
+
+#include "base/bounded_json.h"
+#include "usage/iso8601.h"
+#include "usage/usage_messages.h"
+
+namespace nimbo {
+namespace {
+
+using nlohmann::json;
+
+struct Candidate {
+  std::string_view key;
+  std::string_view title;
+};
+
+constexpr Candidate kCodexWindows[] = {{"primary_window", "Session"}, {"secondary_window", "Weekly"}};
+constexpr Candidate kClaudeWindows[] = {{"five_hour", "5-hour"},
+                                        {"seven_day", "Weekly"},
+                                        {"seven_day_sonnet", "Sonnet weekly"},
+                                        {"seven_day_opus", "Opus weekly"}};
+
+// Some writers put whole numbers down as 18000.0.
+std::optional<std::int64_t> wholeNumber(const json* value) {
+  constexpr double kLargestExact = 9007199254740992.0;
+  const auto number = jsonNumber(value);
+  if (!number || std::abs(*number) > kLargestExact || *number != std::trunc(*number)) return std::nullopt;
+  return static_cast<std::int64_t>(*number);
+}
+
+std::string windowTitle(const json& window, std::string_view fallback) {
+  constexpr std::int64_t kWeek = 604800;
+  constexpr std::int64_t kHour = 3600;
+  const auto length = wholeNumber(jsonMember(window, "limit_window_seconds"));
+  if (!length || *length < 1) return std::string(fallback);
+  if (*length == kWeek) return "Weekly";
+  return *length % kHour == 0 ? fmt::format("{}-hour", *length / kHour) : fmt::format("{}-minute", *length / 60);
+}
+
+// A number that no instant reaches says nothing.
+std::optional<UsageTime> secondsSince1970(const json* value) {
+  constexpr double kLast = 9.2e9;
+  const auto number = jsonNumber(value);
+  if (!number || *number <= 0 || *number > kLast) return std::nullopt;
+  return UsageTime(std::chrono::round<std::chrono::microseconds>(std::chrono::duration<double>(*number)));
+}
+
+std::optional<UsageTime> resetTime(const json& window) {
+  if (const auto time = secondsSince1970(jsonMember(window, "reset_at"))) return time;
+  const json* const text = jsonMember(window, "resets_at");
+  return text != nullptr && text->is_string() ? parseIso8601(text->get_ref<const std::string&>()) : std::nullopt;
+}
+
+std::vector<UsageWindow> readWindows(const json& limits, std::span<const Candidate> candidates,
+                                     std::string_view percentKey) {
+  std::vector<UsageWindow> windows;
+  for (const auto& [key, title] : candidates) {
+    const json* const window = jsonMember(limits, key);
+    const auto percent = window == nullptr ? std::nullopt : jsonNumber(jsonMember(*window, percentKey));
+    if (percent && *percent >= 0 && *percent <= 100) {
+      windows.push_back({windowTitle(*window, title), *percent, resetTime(*window)});
+    }
+  }
+  return windows;
+}
+
+std::vector<UsageWindow> readWindows(const json& answer, UsageProvider provider) {
+  if (provider == UsageProvider::claude) return readWindows(answer, kClaudeWindows, "utilization");
+  const json* const limits = jsonMember(answer, "rate_limit");
+  return limits == nullptr ? std::vector<UsageWindow>{} : readWindows(*limits, kCodexWindows, "used_percent");
+}
+
+}  // namespace
+
+Result<UsageSnapshot, UsageReadError> parseUsageResponse(std::string_view body, UsageProvider provider, UsageTime now) {
+  using Kind = UsageReadError::Kind;
+  const auto answer = parseBoundedJson(body);
+  if (!answer) return tl::unexpected(UsageReadError{Kind::other, usage_messages::kNotJson});
+  if (!answer->is_object()) return tl::unexpected(UsageReadError{Kind::usage, usage_messages::kUnreadableUsageData});
+  auto windows = readWindows(*answer, provider);
+  if (windows.empty()) return tl::unexpected(UsageReadError{Kind::usage, usage_messages::kNoSupportedLimits});
+  return UsageSnapshot{.windows = std::move(windows), .fetchedAt = now};
+}
+
+}  // namespace nimbo

@@ -1,0 +1,258 @@
+// SPDX-License-Identifier: MIT
+#include "app/tray/status_items.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "support/fake_main_loop.h"
+#include "support/fake_status_bar.h"
+#include "support/fake_user_defaults.h"
+
+namespace nimbo {
+namespace {
+
+using std::chrono::seconds;
+using Names = std::vector<std::string>;
+
+class StatusItemsTest : public ::testing::Test {
+ protected:
+  void rotateThroughAll() {
+    settings.setMenuAwake(true);
+    settings.setMenuRotation(true);
+    items.configure();
+  }
+
+  FakeUserDefaultsDomains domains;
+  FakeUserDefaults defaults{domains, "test"};
+  Settings settings{defaults};
+  FakeStatusBar bar;
+  FakeMainLoop loop;
+  bool paused = false;
+  int menusOpened = 0;
+  std::string toolTip = "first";
+  std::vector<StatusItemKind> clicks;
+  StatusItems items{bar,
+                    loop,
+                    settings,
+                    {[this](StatusItemKind) {
+                       return StatusItemContent{{}, {}, toolTip, "Nimbo"};
+                     },
+                     [this](StatusItemKind kind, const StatusClick&) { clicks.push_back(kind); },
+                     [] {
+                       return StatusMenu{"Nimbo", {}};
+                     },
+                     [this] { ++menusOpened; }, [this] { return paused; }}};
+};
+
+TEST_F(StatusItemsTest, ConfigureMakesTheItemsInTabOrder) {
+  settings.setMenuAwake(true);
+  items.configure();
+  EXPECT_EQ(bar.identifiers(), (Names{"nimbo-ai", "nimbo-memory", "nimbo-awake"}));
+}
+
+TEST_F(StatusItemsTest, ConfigureAgainKeepsTheItemsThatStay) {
+  items.configure();
+  const auto memory = bar.item("nimbo-memory");
+  settings.setMenuAi(false);
+  items.configure();
+  EXPECT_EQ(bar.identifiers(), Names{"nimbo-memory"});
+  EXPECT_EQ(bar.item("nimbo-memory"), memory);
+}
+
+TEST_F(StatusItemsTest, ItemsThatFollowANewcomerAreMadeAfterIt) {
+  settings.setMenuAi(false);
+  settings.setMenuAwake(true);
+  items.configure();
+  const auto memory = bar.item("nimbo-memory");
+  settings.setMenuAi(true);
+  items.configure();
+  EXPECT_EQ(bar.identifiers(), (Names{"nimbo-ai", "nimbo-memory", "nimbo-awake"}));
+  EXPECT_FALSE(memory->alive);
+}
+
+TEST_F(StatusItemsTest, ItemsAreMadeAnewWhereTheirOrderChanged) {
+  settings.setMenuAwake(true);
+  items.configure();
+  const auto ai = bar.item("nimbo-ai");
+  settings.setTabOrder(std::array{DashboardTab::ai, DashboardTab::awake, DashboardTab::memory});
+  items.configure();
+  EXPECT_EQ(bar.identifiers(), (Names{"nimbo-ai", "nimbo-awake", "nimbo-memory"}));
+  EXPECT_EQ(bar.item("nimbo-ai"), ai);
+  EXPECT_EQ(bar.all().size(), 5U);
+}
+
+TEST_F(StatusItemsTest, ConfigureBringsNewContentToTheItemsThatStay) {
+  items.configure();
+  toolTip = "second";
+  items.configure();
+  EXPECT_EQ(bar.item("nimbo-ai")->content.toolTip, "second");
+  EXPECT_EQ(bar.all().size(), 2U);
+}
+
+TEST_F(StatusItemsTest, SwitchingEverythingOffReplacesAllByTheCompactItem) {
+  items.configure();
+  settings.setMenuAi(false);
+  settings.setMenuMemory(false);
+  items.configure();
+  EXPECT_EQ(bar.identifiers(), Names{"nimbo"});
+}
+
+TEST_F(StatusItemsTest, RefreshBringsNewContent) {
+  items.configure();
+  toolTip = "second";
+  items.refresh();
+  EXPECT_EQ(bar.item("nimbo-memory")->content.toolTip, "second");
+  EXPECT_EQ(bar.item("nimbo-memory")->contentChanges, 1);
+  items.refresh();
+  EXPECT_EQ(bar.item("nimbo-memory")->contentChanges, 1);
+}
+
+TEST_F(StatusItemsTest, ClickIsReportedWithItsItemAndItsPlaceIsKept) {
+  items.configure();
+  const Rect frame{100, 0, 24, 24};
+  bar.click("nimbo-memory", {false, frame});
+  EXPECT_EQ(clicks, std::vector{StatusItemKind::memory});
+  EXPECT_EQ(items.knownFrame(StatusItemKind::memory), frame);
+  EXPECT_EQ(items.knownFrames(), std::vector{frame});
+  EXPECT_EQ(items.knownFrame(StatusItemKind::ai), std::nullopt);
+}
+
+TEST_F(StatusItemsTest, ClickWithoutAPlaceKeepsTheOldOne) {
+  items.configure();
+  bar.click("nimbo-memory", {false, Rect{100, 0, 24, 24}});
+  bar.click("nimbo-memory", {});
+  EXPECT_TRUE(items.knownFrame(StatusItemKind::memory));
+}
+
+TEST_F(StatusItemsTest, CompactItemStandsForTheProgramElseAiElseMemoryElseAwake) {
+  settings.setMenuAwake(true);
+  items.configure();
+  EXPECT_EQ(items.firstItem(), StatusItemKind::ai);
+  settings.setMenuAi(false);
+  items.configure();
+  EXPECT_EQ(items.firstItem(), StatusItemKind::memory);
+  settings.setMenuMemory(false);
+  items.configure();
+  EXPECT_EQ(items.firstItem(), StatusItemKind::awake);
+  settings.setCompactMenuBar(true);
+  items.configure();
+  EXPECT_EQ(items.firstItem(), StatusItemKind::compact);
+}
+
+TEST_F(StatusItemsTest, WithoutConfigurationThereIsNoFirstItem) { EXPECT_EQ(items.firstItem(), std::nullopt); }
+
+TEST_F(StatusItemsTest, RotationShowsOneItemAtATimeAndWraps) {
+  rotateThroughAll();
+  Names seen = bar.identifiers();
+  for (int step = 0; step < 3; ++step) {
+    loop.advance(seconds(10));
+    ASSERT_EQ(bar.identifiers().size(), 1U);
+    seen.push_back(bar.identifiers()[0]);
+  }
+  EXPECT_EQ(seen, (Names{"nimbo-ai", "nimbo-memory", "nimbo-awake", "nimbo-ai"}));
+}
+
+TEST_F(StatusItemsTest, RotationUsesItsInterval) {
+  settings.setMenuRotationInterval(seconds(30));
+  rotateThroughAll();
+  loop.advance(seconds(29));
+  EXPECT_EQ(bar.identifiers(), Names{"nimbo-ai"});
+  loop.advance(seconds(1));
+  EXPECT_EQ(bar.identifiers(), Names{"nimbo-memory"});
+}
+
+TEST_F(StatusItemsTest, RotationWithOneTabStartsNoTimer) {
+  settings.setMenuAi(false);
+  settings.setMenuRotation(true);
+  items.configure();
+  EXPECT_TRUE(loop.repeatingTimers().empty());
+  EXPECT_EQ(bar.identifiers(), Names{"nimbo-memory"});
+}
+
+TEST_F(StatusItemsTest, RotationTogetherWithCompactModeShowsOnlyTheCompactItem) {
+  settings.setCompactMenuBar(true);
+  settings.setMenuRotation(true);
+  items.configure();
+  EXPECT_TRUE(loop.repeatingTimers().empty());
+  EXPECT_EQ(bar.identifiers(), Names{"nimbo"});
+}
+
+TEST_F(StatusItemsTest, RotationWaitsWhileThePanelIsOpenAndGoesOnAtTheNextBeat) {
+  rotateThroughAll();
+  paused = true;
+  loop.advance(seconds(35));
+  EXPECT_EQ(items.rotationTab(), DashboardTab::ai);
+  paused = false;
+  loop.advance(seconds(4));
+  EXPECT_EQ(items.rotationTab(), DashboardTab::ai) << "the beat itself was not moved";
+  loop.advance(seconds(1));
+  EXPECT_EQ(items.rotationTab(), DashboardTab::memory);
+}
+
+TEST_F(StatusItemsTest, RotationWaitsWhileAMenuIsOpen) {
+  rotateThroughAll();
+  bar.openMenu("nimbo-ai");
+  loop.advance(seconds(10));
+  EXPECT_EQ(items.rotationTab(), DashboardTab::ai);
+  bar.closeMenu("nimbo-ai");
+  loop.advance(seconds(10));
+  EXPECT_EQ(items.rotationTab(), DashboardTab::memory);
+}
+
+TEST_F(StatusItemsTest, MenuReadAheadOfTimeDoesNotCountAsOpen) {
+  rotateThroughAll();
+  EXPECT_EQ(bar.item("nimbo-ai")->handlers.menuPreview().title, "Nimbo");
+  EXPECT_EQ(menusOpened, 0);
+  loop.advance(seconds(10));
+  EXPECT_EQ(items.rotationTab(), DashboardTab::memory);
+}
+
+TEST_F(StatusItemsTest, MenuOfARemovedItemDoesNotHoldTheRotationUp) {
+  rotateThroughAll();
+  bar.openMenu("nimbo-ai");
+  settings.setMenuAi(false);
+  items.configure();
+  loop.advance(seconds(10));
+  EXPECT_EQ(items.rotationTab(), DashboardTab::awake);
+}
+
+TEST_F(StatusItemsTest, RotationSwitchedOffInTheSettingsStopsAtTheNextBeat) {
+  rotateThroughAll();
+  settings.setMenuRotation(false);
+  loop.advance(seconds(10));
+  EXPECT_EQ(items.rotationTab(), DashboardTab::ai);
+}
+
+TEST_F(StatusItemsTest, TurningRotationOffForgetsTheTab) {
+  rotateThroughAll();
+  loop.advance(seconds(10));
+  settings.setMenuRotation(false);
+  items.configure();
+  EXPECT_EQ(items.rotationTab(), std::nullopt);
+  EXPECT_EQ(bar.identifiers().size(), 3U);
+}
+
+TEST_F(StatusItemsTest, StoppedRotationStaysStoppedUntilRestarted) {
+  rotateThroughAll();
+  items.stopRotation();
+  loop.advance(seconds(100));
+  EXPECT_EQ(items.rotationTab(), DashboardTab::ai);
+  items.restartRotation();
+  loop.advance(seconds(10));
+  EXPECT_EQ(items.rotationTab(), DashboardTab::memory);
+}
+
+TEST_F(StatusItemsTest, RestartingTheRotationBeginsTheIntervalAnew) {
+  rotateThroughAll();
+  loop.advance(seconds(9));
+  items.restartRotation();
+  loop.advance(seconds(9));
+  EXPECT_EQ(items.rotationTab(), DashboardTab::ai);
+  EXPECT_EQ(loop.repeatingTimers().size(), 1U);
+}
+
+}  // namespace
+}  // namespace nimbo

@@ -1,0 +1,213 @@
+// SPDX-License-Identifier: MIT
+#include "platform/linux/display/desktop_display_power.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <optional>
+
+#include "support/fake_main_loop.h"
+#include "support/fake_x11_screen.h"
+#include "support/services/bus_peer.h"
+#include "support/services/private_bus.h"
+
+namespace nimbo {
+namespace {
+
+using std::chrono::milliseconds;
+
+/// A service of the desktop with one method that has one argument.
+class FakeDesktopService {
+ public:
+  FakeDesktopService(BusLoop& loop, const std::string& address, const std::string& name, const char* path,
+                     std::string method)
+      : peer(loop, address), method_(std::move(method)) {
+    sd_bus_slot* slot = nullptr;
+    sd_bus_add_object(peer.bus(), &slot, path, onCall, this);
+    object_.reset(slot);
+    peer.own(name);
+  }
+
+  BusPeer peer;
+  bool refuses = false;
+  std::vector<std::string> calls;  ///< with the argument
+
+ private:
+  static int onCall(sd_bus_message* call, void* self, sd_bus_error* error) {
+    auto& fake = *static_cast<FakeDesktopService*>(self);
+    const std::string method = std::string(sd_bus_message_get_interface(call)) + "." + sd_bus_message_get_member(call);
+    if (method != fake.method_) return 0;
+    if (fake.refuses) return sd_bus_error_set(error, "org.freedesktop.DBus.Error.AccessDenied", "no");
+    fake.calls.push_back(argument(call));
+    return sd_bus_reply_method_return(call, "");
+  }
+
+  static std::string argument(sd_bus_message* call) {
+    const char* text = nullptr;
+    if (sd_bus_message_has_signature(call, "s") > 0 && sd_bus_message_read(call, "s", &text) > 0) return text;
+    int flag = 0;
+    if (sd_bus_message_has_signature(call, "b") > 0 && sd_bus_message_read(call, "b", &flag) > 0) {
+      return flag != 0 ? "true" : "false";
+    }
+    return "something else";
+  }
+
+  const std::string method_;
+  BusSlot object_;
+};
+
+class DesktopDisplayPowerTest : public ::testing::Test {
+ protected:
+  void useDesktop(const std::string& desktop, bool x11Session) {
+    power.emplace(timers, session.get(), x11Session ? x11.maker() : X11ScreenMaker(),
+                  DesktopDisplayPower::Setup{desktop, {}});
+  }
+
+  [[nodiscard]] auto sleepNow() {
+    return power->sleepNow([this] { ++failures; });
+  }
+
+  PrivateBus bus;
+  BusLoop loop;
+  SdBusConnection session{loop.event(), bus.address()};
+  FakeMainLoop timers;
+  FakeX11Screen x11;
+  std::optional<DesktopDisplayPower> power;
+  int failures = 0;
+};
+
+TEST_F(DesktopDisplayPowerTest, X11DisplayGoesOffOnceAfterTheKeyIsLetGo) {
+  useDesktop("XFCE", true);
+  const auto request = sleepNow();
+  ASSERT_TRUE(request);
+  timers.advance(milliseconds(600));
+  EXPECT_EQ(x11.turnedOff, 0);
+  timers.advance(milliseconds(100));
+  EXPECT_EQ(x11.turnedOff, 1);
+  EXPECT_TRUE(timers.repeatingTimers().empty());
+  EXPECT_EQ(failures, 0);
+}
+
+TEST_F(DesktopDisplayPowerTest, X11RequestThatIsDroppedInTimeIsNotCarriedOut) {
+  useDesktop("XFCE", true);
+  {
+    const auto request = sleepNow();
+    ASSERT_TRUE(request);
+    timers.advance(milliseconds(600));
+  }
+  timers.advance(milliseconds(1000));
+  EXPECT_EQ(x11.turnedOff, 0);
+}
+
+TEST_F(DesktopDisplayPowerTest, X11ServerThatRefusesIsToldOnceLater) {
+  useDesktop("XFCE", true);
+  x11.works = false;
+  const auto request = sleepNow();
+  ASSERT_TRUE(request);
+  EXPECT_EQ(failures, 0);
+  timers.advance(milliseconds(2000));
+  EXPECT_EQ(failures, 1);
+}
+
+TEST_F(DesktopDisplayPowerTest, FailureMayDropItsOwnRequest) {
+  useDesktop("XFCE", true);
+  x11.works = false;
+  std::optional<Subscription> request;
+  auto made = power->sleepNow([&] { request.reset(); });
+  ASSERT_TRUE(made);
+  request = std::move(*made);
+  timers.advance(milliseconds(700));
+  EXPECT_FALSE(request.has_value());
+}
+
+TEST_F(DesktopDisplayPowerTest, X11ModuleIsLoadedForTheFirstRequestOnly) {
+  useDesktop("XFCE", true);
+  EXPECT_EQ(x11.made, 0);
+  for (int turn = 0; turn < 2; ++turn) {
+    const auto request = sleepNow();
+    timers.advance(milliseconds(700));
+  }
+  EXPECT_EQ(x11.made, 1);
+  EXPECT_EQ(x11.turnedOff, 2);
+}
+
+TEST_F(DesktopDisplayPowerTest, RequestMayOutliveIt) {
+  useDesktop("XFCE", true);
+  const auto request = sleepNow();
+  ASSERT_TRUE(request);
+  power.reset();
+  timers.advance(milliseconds(700));
+  EXPECT_EQ(x11.turnedOff, 1);
+}
+
+TEST_F(DesktopDisplayPowerTest, PlasmaOnWaylandIsAskedByItsShortcut) {
+  FakeDesktopService shortcuts(loop, bus.address(), "org.kde.kglobalaccel", "/component/org_kde_powerdevil",
+                               "org.kde.kglobalaccel.Component.invokeShortcut");
+  useDesktop("KDE", false);
+  const auto request = sleepNow();
+  ASSERT_TRUE(request);
+  ASSERT_TRUE(loop.runUntil([&] { return !shortcuts.calls.empty(); }));
+  EXPECT_EQ(shortcuts.calls, std::vector<std::string>{"Turn Off Screen"});
+  EXPECT_EQ(x11.made, 0);
+}
+
+TEST_F(DesktopDisplayPowerTest, GnomeOnWaylandIsAskedForItsScreenSaver) {
+  FakeDesktopService saver(loop, bus.address(), "org.gnome.ScreenSaver", "/org/gnome/ScreenSaver",
+                           "org.gnome.ScreenSaver.SetActive");
+  useDesktop("ubuntu:GNOME", false);
+  const auto request = sleepNow();
+  ASSERT_TRUE(request);
+  ASSERT_TRUE(loop.runUntil([&] { return !saver.calls.empty(); }));
+  EXPECT_EQ(saver.calls, std::vector<std::string>{"true"});
+  saver.peer.settle("org.freedesktop.DBus");
+  EXPECT_EQ(failures, 0);
+}
+
+TEST_F(DesktopDisplayPowerTest, RefusalIsToldLater) {
+  FakeDesktopService saver(loop, bus.address(), "org.gnome.ScreenSaver", "/org/gnome/ScreenSaver",
+                           "org.gnome.ScreenSaver.SetActive");
+  saver.refuses = true;
+  useDesktop("GNOME", false);
+  const auto request = sleepNow();
+  ASSERT_TRUE(request);
+  EXPECT_EQ(failures, 0);
+  EXPECT_TRUE(loop.runUntil([this] { return failures == 1; }));
+}
+
+TEST_F(DesktopDisplayPowerTest, ServiceThatDoesNotRunIsToldLater) {
+  useDesktop("KDE", false);
+  const auto request = sleepNow();
+  ASSERT_TRUE(request);
+  EXPECT_TRUE(loop.runUntil([this] { return failures == 1; }));
+}
+
+TEST_F(DesktopDisplayPowerTest, DroppedRequestSilencesTheRefusal) {
+  useDesktop("KDE", false);
+  {
+    const auto request = sleepNow();
+    ASSERT_TRUE(request);
+  }
+  const BusPeer peer(loop, bus.address());
+  peer.settle("org.freedesktop.DBus");
+  const char* name = nullptr;
+  ASSERT_GE(sd_bus_get_unique_name(session.get(), &name), 0);
+  peer.settle(name);
+  EXPECT_EQ(failures, 0);
+}
+
+TEST_F(DesktopDisplayPowerTest, DesktopWithoutAWaySaysSo) {
+  for (const char* desktop : {"XFCE", ""}) {
+    useDesktop(desktop, false);
+    const auto request = sleepNow();
+    ASSERT_FALSE(request);
+    EXPECT_EQ(request.error().description, "This desktop offers no way to turn the display off.");
+  }
+}
+
+TEST_F(DesktopDisplayPowerTest, WithoutASessionBusThereIsNoWay) {
+  power.emplace(timers, nullptr, X11ScreenMaker(), DesktopDisplayPower::Setup{"KDE", {}});
+  EXPECT_FALSE(sleepNow());
+}
+
+}  // namespace
+}  // namespace nimbo

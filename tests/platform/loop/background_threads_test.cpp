@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: MIT
+#include "platform/linux/loop/background_threads.h"
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <chrono>
+#include <future>
+#include <optional>
+#include <thread>
+
+namespace nimbo {
+namespace {
+
+using namespace std::chrono_literals;
+
+TEST(BackgroundThreads, WorkRunsElsewhereAtLowPriority) {
+  BackgroundThreads threads;
+  std::promise<std::pair<std::thread::id, int>> told;
+  threads.run([&told] {
+    told.set_value({std::this_thread::get_id(), getpriority(PRIO_PROCESS, static_cast<id_t>(gettid()))});
+  });
+  const auto [thread, nice] = told.get_future().get();
+  EXPECT_NE(thread, std::this_thread::get_id());
+  EXPECT_EQ(nice, 10);
+}
+
+TEST(BackgroundThreads, WorkThatHangsHoldsUpNoOther) {
+  std::promise<void> release;
+  std::promise<void> done;
+  BackgroundThreads threads;
+  threads.run([&release] { release.get_future().wait(); });
+  threads.run([&done] { done.set_value(); });
+  EXPECT_EQ(done.get_future().wait_for(10s), std::future_status::ready);
+  release.set_value();
+}
+
+TEST(BackgroundThreads, DestructionWaitsForWorkThatIsNearlyDone) {
+  std::atomic<bool> done = false;
+  {
+    BackgroundThreads threads;
+    threads.run([&done] {
+      std::this_thread::sleep_for(20ms);  // the work itself, not a wait for something
+      done = true;
+    });
+  }
+  EXPECT_TRUE(done);
+}
+
+TEST(BackgroundThreads, DestructionDoesNotWaitForWorkThatHangs) {
+  auto release = std::make_shared<std::promise<void>>();
+  auto ended = std::make_shared<std::promise<void>>();
+  const auto before = std::chrono::steady_clock::now();
+  {
+    BackgroundThreads threads;
+    threads.run([release, ended] {
+      release->get_future().wait();
+      ended->set_value();
+    });
+  }
+  EXPECT_LT(std::chrono::steady_clock::now() - before, 5s);
+  release->set_value();
+  EXPECT_EQ(ended->get_future().wait_for(10s), std::future_status::ready);
+}
+
+}  // namespace
+}  // namespace nimbo

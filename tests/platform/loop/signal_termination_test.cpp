@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+#include "platform/linux/loop/signal_termination.h"
+
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <chrono>
+
+namespace nimbo {
+namespace {
+
+using std::chrono::milliseconds;
+
+class SignalTerminationTest : public ::testing::TestWithParam<int> {
+ protected:
+  SdEventMainLoop loop;
+  SignalTermination termination{loop};
+};
+
+TEST_P(SignalTerminationTest, SignalIsReportedOnTheLoop) {
+  bool requested = false;
+  const auto observation = termination.observe([&] {
+    requested = true;
+    loop.quit();
+  });
+  const auto limit = loop.every(milliseconds(5000), milliseconds(1), [&] { loop.quit(); });
+  loop.post([] { kill(getpid(), GetParam()); });
+  loop.run();
+  EXPECT_TRUE(requested);
+}
+
+TEST_P(SignalTerminationTest, SignalWithoutObserverDoesNotEndTheProcess) {
+  int requested = 0;
+  {
+    const auto observation = termination.observe([&] { ++requested; });
+  }
+  const auto limit = loop.every(milliseconds(30), milliseconds(1), [&] { loop.quit(); });
+  loop.post([] { kill(getpid(), GetParam()); });
+  loop.run();
+  EXPECT_EQ(requested, 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Signals, SignalTerminationTest, ::testing::Values(SIGTERM, SIGINT, SIGHUP));
+
+}  // namespace
+}  // namespace nimbo

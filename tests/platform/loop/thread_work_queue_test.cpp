@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: MIT
+#include "platform/linux/loop/thread_work_queue.h"
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <future>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace nimbo {
+namespace {
+
+constexpr std::chrono::seconds kBound{5};
+
+TEST(ThreadWorkQueue, JobsRunOneAfterTheOtherInOrder) {
+  ThreadWorkQueue queue("test");
+  std::vector<int> order;
+  std::promise<void> done;
+  for (int i = 0; i < 100; ++i) queue.async([&order, i] { order.push_back(i); });
+  queue.async([&] { done.set_value(); });
+  ASSERT_EQ(done.get_future().wait_for(kBound), std::future_status::ready);
+  ASSERT_EQ(order.size(), 100U);
+  for (int i = 0; i < 100; ++i) EXPECT_EQ(order[static_cast<std::size_t>(i)], i);
+}
+
+TEST(ThreadWorkQueue, JobsRunAtLowPriorityOnANamedThread) {
+  ThreadWorkQueue queue("Nimbo.temperature");
+  std::promise<int> nice;
+  std::promise<std::string> name;
+  queue.async([&] {
+    nice.set_value(getpriority(PRIO_PROCESS, static_cast<id_t>(gettid())));
+    char text[16] = {};
+    pthread_getname_np(pthread_self(), text, sizeof text);
+    name.set_value(text);
+  });
+  EXPECT_EQ(nice.get_future().get(), 10);
+  EXPECT_EQ(name.get_future().get(), "Nimbo.temperatu");
+  EXPECT_EQ(getpriority(PRIO_PROCESS, static_cast<id_t>(gettid())), 0) << "the caller keeps its own priority";
+}
+
+TEST(ThreadWorkQueue, DestructionWaitsForTheRunningJob) {
+  std::promise<void> started;
+  std::promise<void> release;
+  bool finished = false;
+  std::thread releaser;
+  {
+    ThreadWorkQueue queue("test");
+    queue.async([&] {
+      started.set_value();
+      release.get_future().wait_for(kBound);
+      finished = true;
+    });
+    started.get_future().wait();
+    releaser = std::thread([&] { release.set_value(); });
+  }
+  releaser.join();
+  EXPECT_TRUE(finished);
+}
+
+TEST(ThreadWorkQueue, WhatAJobHeldIsReleasedOnceItHasRun) {
+  ThreadWorkQueue queue("test");
+  auto held = std::make_shared<int>(1);
+  const std::weak_ptr<int> watched = held;
+  std::promise<void> done;
+  queue.async([held = std::move(held)] {});
+  queue.async([&] { done.set_value(); });
+  ASSERT_EQ(done.get_future().wait_for(kBound), std::future_status::ready);
+  EXPECT_TRUE(watched.expired());
+}
+
+TEST(ThreadWorkQueue, UnusedQueueEndsAtOnce) { const ThreadWorkQueue queue("test"); }
+
+}  // namespace
+}  // namespace nimbo

@@ -1,0 +1,235 @@
+// SPDX-License-Identifier: MIT
+#include "platform/linux/machine/procfs_host_statistics.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <iterator>
+
+#include "platform/machine/meminfo_recordings.h"
+#include "platform/system_clock.h"
+#include "support/services/temporary_tree.h"
+#include "system/system_sampler.h"
+
+namespace nimbo {
+namespace {
+
+constexpr char kCalmPressure[] =
+    "some avg10=0.00 avg60=0.12 avg300=0.30 total=81264\n"
+    "full avg10=0.00 avg60=0.05 avg300=0.11 total=40210\n";
+
+std::string pressure(const std::string& some, const std::string& full) {
+  return "some avg10=" + some + " avg60=50.00 avg300=50.00 total=81264\nfull avg10=" + full +
+         " avg60=50.00 avg300=50.00 total=40210\n";
+}
+
+TEST(CpuTicksText, InterruptsAndStolenTimeAreSystemAndDiskWaitIsIdle) {
+  EXPECT_EQ(parseCpuTicks("cpu  1000 20 300 40000 500 6 70 8 0 0\ncpu0 1 1 1 1 1 1 1 1 1 1\n"),
+            (CpuTicks{1000, 300 + 6 + 70 + 8, 40500, 20}));
+}
+
+TEST(CpuTicksText, GuestTimeIsNotCountedASecondTime) {
+  EXPECT_EQ(parseCpuTicks("cpu  1000 20 300 40000 0 0 0 0 900 15\n"), (CpuTicks{1000, 300, 40000, 20}));
+}
+
+TEST(CpuTicksText, LineOfAnOldKernelEndsEarlier) {
+  EXPECT_EQ(parseCpuTicks("cpu  1000 20 300 40000\n"), (CpuTicks{1000, 300, 40000, 20}));
+  EXPECT_EQ(parseCpuTicks("cpu  1000 20 300 40000 7\n"), (CpuTicks{1000, 300, 40007, 20}));
+}
+
+TEST(CpuTicksText, CountersBeyond32BitsAreWhole) {
+  EXPECT_EQ(parseCpuTicks("cpu  18446744073709551615 0 0 5000000000\n"),
+            (CpuTicks{18446744073709551615U, 0, 5000000000, 0}));
+}
+
+TEST(CpuTicksText, CutAndForeignTextIsAbsent) {
+  for (const char* text : {"", "cpu", "cpu  1000 20 300 40000 7", "cpu  1000 20 300\n", "cpu0 1 2 3 4\n",
+                           "intr 1 2 3 4\n", "cpu  1000 x 300 40000\n", "cpu  1000 -20 300 40000\n"}) {
+    EXPECT_EQ(parseCpuTicks(text), std::nullopt) << text;
+  }
+}
+
+TEST(PressureText, LevelFollowsTheShareOfTheLastTenSeconds) {
+  EXPECT_EQ(parsePressureLevel(kCalmPressure), 1U);
+  EXPECT_EQ(parsePressureLevel(pressure("4.99", "0.00")), 1U);
+  EXPECT_EQ(parsePressureLevel(pressure("5.00", "0.00")), 2U);
+  EXPECT_EQ(parsePressureLevel(pressure("80.00", "4.99")), 2U);
+  EXPECT_EQ(parsePressureLevel(pressure("80.00", "5.00")), 4U);
+}
+
+TEST(PressureText, KernelWithoutTheFullLineStillWarns) {
+  EXPECT_EQ(parsePressureLevel("some avg10=7.50 avg60=1.00 avg300=0.20 total=1\n"), 2U);
+}
+
+TEST(PressureText, CutAndForeignTextIsAbsent) {
+  for (const char* text : {"", "some", "some \n", "some avg10= avg60=1.00\n", "some avg60=1.00\n", "some avg10=high\n",
+                           "some avg10=0.00 avg60=0.00", "full avg10=9.00\n"}) {
+    EXPECT_EQ(parsePressureLevel(text), std::nullopt) << text;
+  }
+}
+
+TEST(ZramText, ThirdNumberIsWhatTheDeviceTakes) {
+  EXPECT_EQ(parseZramUsed("838860800 209715200 314572800        0 314572800      512        0     1024     1024\n"),
+            314572800U);
+  EXPECT_EQ(parseZramUsed("  4096     74    12288        0    12288        0        0\n"), 12288U);
+}
+
+TEST(ZramText, CutAndForeignTextIsAbsent) {
+  for (const char* text : {"", "1 2 3", "1 2\n", "1 2 x\n", "1 2 -3\n"}) {
+    EXPECT_EQ(parseZramUsed(text), std::nullopt) << text;
+  }
+}
+
+class ProcfsHostStatisticsTest : public testing::Test {
+ protected:
+  ProcfsHostStatisticsTest() { tree.write("proc/meminfo", kDesktopMemInfo); }
+
+  TemporaryTree tree;
+  ProcfsHostStatistics host{(tree.path() / "proc").string(), (tree.path() / "sys").string()};
+};
+
+TEST_F(ProcfsHostStatisticsTest, PhysicalMemoryIsTheTotalOrZero) {
+  EXPECT_EQ(host.physicalMemory(), 16265608U * std::uint64_t{1024});
+  tree.write("proc/meminfo", "garbage");
+  EXPECT_EQ(host.physicalMemory(), 0U);
+}
+
+TEST_F(ProcfsHostStatisticsTest, ReadingsFollowTheFile) {
+  EXPECT_EQ(host.swapUsed(), (12582908U - 10485756U) * std::uint64_t{1024});
+  tree.write("proc/meminfo", kVirtualMachineMemInfo);
+  EXPECT_EQ(host.swapUsed(), 0U);
+  tree.write("proc/meminfo", "");
+  EXPECT_EQ(host.swapUsed(), std::nullopt);
+  EXPECT_EQ(host.pageCounts(), std::nullopt);
+}
+
+TEST_F(ProcfsHostStatisticsTest, EveryZramDeviceCountsAndOtherDisksDoNot) {
+  const auto compressorBytes = [&] { return host.pageCounts()->compressor * host.pageSize().value(); };
+  const std::uint64_t zswap = 204800 * 1024;
+  EXPECT_EQ(compressorBytes(), zswap);
+  tree.write("sys/block/zram0/mm_stat", "9 9 1048576 0 0 0 0\n");
+  EXPECT_EQ(compressorBytes(), zswap + (1 << 20));
+  tree.write("sys/block/zram3/mm_stat", "9 9 2097152 0 0 0 0\n");
+  tree.write("sys/block/zram4/mm_stat", "no numbers\n");
+  tree.write("sys/block/zram5/size", "0\n");
+  tree.write("sys/block/sda/mm_stat", "9 9 4194304 0 0 0 0\n");
+  EXPECT_EQ(compressorBytes(), zswap + (3 << 20));
+}
+
+TEST_F(ProcfsHostStatisticsTest, StallInformationDecidesThePressureWhereThereIsSome) {
+  tree.write("proc/pressure/memory", pressure("9.00", "0.00"));
+  EXPECT_EQ(host.pressureLevel(), 2U);
+  tree.write("proc/pressure/memory", kCalmPressure);
+  EXPECT_EQ(host.pressureLevel(), 1U);
+}
+
+TEST_F(ProcfsHostStatisticsTest, AvailableMemoryDecidesThePressureOnOtherKernels) {
+  EXPECT_EQ(host.pressureLevel(), 1U);
+  tree.write("proc/meminfo", "MemTotal: 1000 kB\nMemAvailable: 80 kB\n");
+  EXPECT_EQ(host.pressureLevel(), 2U);
+  tree.write("proc/pressure/memory", "not supported\n");
+  EXPECT_EQ(host.pressureLevel(), 2U);
+}
+
+TEST_F(ProcfsHostStatisticsTest, PressureIsAbsentWhenTheKernelTellsNeither) {
+  tree.write("proc/meminfo", kOldKernelMemInfo);
+  EXPECT_EQ(host.pressureLevel(), std::nullopt);
+}
+
+TEST_F(ProcfsHostStatisticsTest, TicksComeFromTheFirstLineOfALongFile) {
+  std::string text = "cpu  10 20 30 40 50 60 70 80 90 100\n";
+  for (int cpu = 0; cpu < 512; ++cpu) text += "cpu" + std::to_string(cpu) + " 1 1 1 1 1 1 1 1 1 1\n";
+  tree.write("proc/stat", text);
+  EXPECT_EQ(host.cpuTicks(), (CpuTicks{10, 240, 90, 20}));
+}
+
+TEST_F(ProcfsHostStatisticsTest, LongestPossibleTickLineIsReadWhole) {
+  std::string text = "cpu ";
+  for (int field = 0; field < 10; ++field) text += " 10000000000000000000";
+  tree.write("proc/stat", text + "\n");
+  EXPECT_EQ(host.cpuTicks()->at(0), 10000000000000000000U);
+}
+
+TEST_F(ProcfsHostStatisticsTest, CounterThatStepsBackStandsStill) {
+  tree.write("proc/stat", "cpu  100 0 100 1000 500\n");
+  EXPECT_EQ(host.cpuTicks(), (CpuTicks{100, 100, 1500, 0}));
+  tree.write("proc/stat", "cpu  110 0 105 1003 490\n");
+  EXPECT_EQ(host.cpuTicks(), (CpuTicks{110, 105, 1500, 0}));
+  tree.write("proc/stat", "cpu  120 0 110 1010 495\n");
+  EXPECT_EQ(host.cpuTicks(), (CpuTicks{120, 110, 1505, 0}));
+}
+
+TEST_F(ProcfsHostStatisticsTest, CounterThatBeginsAnewGoesOnFromWhereItWas) {
+  tree.write("proc/stat", "cpu  1000 0 1000 6221800 0\n");
+  EXPECT_EQ(host.cpuTicks(), (CpuTicks{1000, 1000, 6221800, 0}));
+  tree.write("proc/stat", "cpu  1010 0 1005 5873300 0\n");
+  EXPECT_EQ(host.cpuTicks(), std::nullopt);
+  tree.write("proc/stat", "cpu  1020 0 1010 5873400 0\n");
+  EXPECT_EQ(host.cpuTicks(), (CpuTicks{1020, 1010, 6221900, 0}));
+  tree.write("proc/stat", "cpu  1030 0 1015 100 0\n");
+  EXPECT_EQ(host.cpuTicks(), std::nullopt);
+  tree.write("proc/stat", "cpu  1040 0 1020 200 0\n");
+  EXPECT_EQ(host.cpuTicks(), (CpuTicks{1040, 1020, 6222000, 0}));
+}
+
+TEST_F(ProcfsHostStatisticsTest, LoadIsTrueAgainRightAfterCountersBeganAnew) {
+  const SystemClock clock;
+  tree.write("proc/stat", "cpu  1000 0 1000 6221800 0\n");
+  (void)SystemSampler(host, clock).cpuUsage();
+  SystemSampler afterWake(host, clock);
+  tree.write("proc/stat", "cpu  1010 0 1005 5873300 0\n");
+  EXPECT_EQ(afterWake.cpuUsage(), std::nullopt);
+  tree.write("proc/stat", "cpu  1020 0 1010 5873400 0\n");
+  EXPECT_EQ(afterWake.cpuUsage(), std::nullopt);
+  tree.write("proc/stat", "cpu  1030 0 1030 5873470 0\n");
+  EXPECT_DOUBLE_EQ(afterWake.cpuUsage().value_or(-1), 0.3);
+}
+
+TEST_F(ProcfsHostStatisticsTest, MissingFilesAreAbsentUntilTheyAppear) {
+  EXPECT_EQ(host.cpuTicks(), std::nullopt);
+  tree.write("proc/stat", "cpu  1 2 3 4\n");
+  EXPECT_TRUE(host.cpuTicks());
+}
+
+std::uint64_t realMemAvailable() {
+  std::ifstream file("/proc/meminfo");
+  const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  return parseMemInfo(text).available.value_or(0);
+}
+
+TEST(RealHostStatistics, ReadingsOfThisMachineAgreeWithEachOther) {
+  ProcfsHostStatistics host;
+  const SystemClock clock;
+  SystemSampler sampler(host, clock);
+  const auto memory = sampler.snapshot();
+  ASSERT_TRUE(memory);
+  EXPECT_GT(memory->app, 0U);
+  EXPECT_GT(memory->wired, 0U);
+  EXPECT_GT(memory->cached, 0U);
+  EXPECT_LE(memory->used() + memory->cached, memory->total);
+  EXPECT_TRUE(memory->swap);
+  EXPECT_NE(memory->pressure, MemoryPressure::unknown);
+}
+
+// Three percent is what an ordinary machine keeps; the kernel's reserve is a larger share of a small one.
+TEST(RealHostStatistics, UsedMemoryIsThatOfMemAvailable) {
+  ProcfsHostStatistics host;
+  const SystemClock clock;
+  const auto memory = SystemSampler(host, clock).snapshot();
+  ASSERT_TRUE(memory);
+  const double available = static_cast<double>(realMemAvailable());
+  EXPECT_NEAR(memory->usedFraction(), 1 - available / static_cast<double>(memory->total), 0.05);
+}
+
+TEST(RealHostStatistics, TicksOfThisMachineOnlyGrow) {
+  ProcfsHostStatistics host;
+  const auto before = host.cpuTicks();
+  const auto after = host.cpuTicks();
+  ASSERT_TRUE(before && after);
+  for (std::size_t index = 0; index < before->size(); ++index) EXPECT_GE((*after)[index], (*before)[index]);
+  EXPECT_GT((*after)[2], 0U);
+}
+
+}  // namespace
+}  // namespace nimbo

@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: MIT
+#include "platform/linux/machine/procfs_own_process.h"
+
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+
+#include <fstream>
+#include <sstream>
+
+#include "platform/linux/machine/process_status.h"
+#include "support/services/temporary_tree.h"
+
+namespace nimbo {
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr std::uint64_t kMebibyte = 1048576;
+
+class ProcfsOwnProcessTest : public testing::Test {
+ protected:
+  [[nodiscard]] std::optional<ResourceUsage> usage(const std::string& status) const {
+    tree.write("self/status", status);
+    return ProcfsOwnProcess(tree.path().string()).usage();
+  }
+
+  TemporaryTree tree;
+};
+
+TEST_F(ProcfsOwnProcessTest, FootprintIsPrivateMemoryAndItsSwapBesideAllResidentMemory) {
+  const auto usage = this->usage(
+      "Name:\tnimbo\nVmRSS:\t   40960 kB\nRssAnon:\t   10240 kB\nRssFile:\t   30720 kB\nVmSwap:\t    2048 kB\n");
+  ASSERT_TRUE(usage);
+  EXPECT_EQ(usage->physicalFootprint, 12 * kMebibyte);
+  EXPECT_EQ(usage->residentSize, 40 * kMebibyte);
+}
+
+TEST_F(ProcfsOwnProcessTest, AllResidentMemoryStandsInOnOldKernels) {
+  const auto usage = this->usage("Name:\tnimbo\nVmRSS:\t   40960 kB\nVmSwap:\t       0 kB\n");
+  ASSERT_TRUE(usage);
+  EXPECT_EQ(usage->physicalFootprint, 40 * kMebibyte);
+}
+
+TEST_F(ProcfsOwnProcessTest, UserInThousandsOfGroupsIsReadWhole) {
+  std::string groups = "Groups:\t";
+  for (int group = 0; group < 65536; ++group) groups += std::to_string(1000000000 + group) + ' ';
+  const auto usage =
+      this->usage("Name:\tnimbo\n" + groups + "\nVmRSS:\t 1024 kB\nRssAnon:\t 1024 kB\nVmSwap:\t 0 kB\n");
+  ASSERT_TRUE(usage);
+  EXPECT_EQ(usage->residentSize, kMebibyte);
+}
+
+TEST_F(ProcfsOwnProcessTest, MissingAndForeignTextIsAbsent) {
+  EXPECT_FALSE(ProcfsOwnProcess(tree.path().string()).usage());
+  for (const char* text : {"", "\n", "Name:\tnimbo\n", "VmRSS:\t many kB\nRssAnon:\t 5 kB\n", "VmRSS:\t 1024 kB"}) {
+    EXPECT_FALSE(usage(text)) << text;
+  }
+}
+
+TEST(RealOwnProcess, MemoryIsWhatTheKernelSaysOfThisProcess) {
+  const auto usage = ProcfsOwnProcess().usage();
+  std::stringstream status;
+  status << std::ifstream("/proc/self/status").rdbuf();
+  const StatusMemory memory = parseStatusMemory(status.str());
+  ASSERT_TRUE(usage);
+  // The reading in between may have touched a few pages.
+  constexpr double kSlack = 2 * kMebibyte;
+  EXPECT_NEAR(static_cast<double>(usage->physicalFootprint), static_cast<double>(memory.footprint), kSlack);
+  EXPECT_NEAR(static_cast<double>(usage->residentSize), static_cast<double>(memory.resident), kSlack);
+  EXPECT_LE(usage->physicalFootprint, usage->residentSize);
+}
+
+TEST(RealOwnProcess, TouchedMemoryIsAddedToTheFootprint) {
+  constexpr std::size_t kSize = 16 * kMebibyte;
+  const auto before = ProcfsOwnProcess().usage();
+  void* const memory =
+      ::mmap(nullptr, kSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_POPULATE, -1, 0);
+  ASSERT_NE(memory, MAP_FAILED);
+  const auto after = ProcfsOwnProcess().usage();
+  ::munmap(memory, kSize);
+  ASSERT_TRUE(before && after);
+  EXPECT_GE(after->physicalFootprint, before->physicalFootprint + kSize - kMebibyte);
+}
+
+TEST(RealOwnProcess, WorkIsAddedToTheCpuTime) {
+  const ProcfsOwnProcess process;
+  const auto before = process.usage();
+  ASSERT_TRUE(before);
+  std::optional<ResourceUsage> after;
+  do {
+    after = process.usage();
+    ASSERT_TRUE(after);
+    ASSERT_GE(after->cpuTime, before->cpuTime);
+  } while (after->cpuTime < before->cpuTime + milliseconds(20));
+}
+
+}  // namespace
+}  // namespace nimbo

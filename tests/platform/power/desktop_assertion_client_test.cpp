@@ -1,0 +1,309 @@
+// SPDX-License-Identifier: MIT
+#include "platform/linux/power/desktop_assertion_client.h"
+
+#include <cerrno>
+
+#include "assertion_client_fixture.h"
+
+namespace nimbo {
+namespace {
+
+using Locks = std::vector<std::string>;
+using DesktopAssertionClientTest = AssertionClientTest;
+
+const Locks kSleepLock = {"sleep block Nimbo a reason"};
+const Locks kIdleLock = {"idle block Nimbo a reason"};
+
+TEST_F(DesktopAssertionClientTest, SessionManagerIsToldTheProgramTheReasonAndWhatToPrevent) {
+  const auto manager = start(FakeCookieService::kSessionManager);
+  ASSERT_TRUE(holdSystem());
+  ASSERT_TRUE(holdDisplay());
+  const auto cookies = manager->held();
+  ASSERT_EQ(cookies.size(), 2U);
+  EXPECT_EQ(cookies[0].flags, 4U);
+  EXPECT_EQ(cookies[1].flags, 8U);
+  for (const auto& cookie : cookies) {
+    EXPECT_EQ(cookie.application, "Nimbo");
+    EXPECT_EQ(cookie.reason, "a reason");
+  }
+}
+
+TEST_F(DesktopAssertionClientTest, SessionManagerComesBeforeEverythingElse) {
+  const auto manager = start(FakeCookieService::kSessionManager);
+  const auto power = start(FakeCookieService::kPowerManagement);
+  const auto saver = start(FakeCookieService::kScreenSaver);
+  startPlasma();
+  startLogind();
+  x11Session = true;
+  ASSERT_TRUE(holdSystem());
+  ASSERT_TRUE(holdDisplay());
+  EXPECT_EQ(manager->held().size(), 2U);
+  EXPECT_EQ(power->asked() + saver->asked(), 0);
+  EXPECT_EQ(locks(), Locks{});
+  EXPECT_EQ(x11.made, 0);
+}
+
+TEST_F(DesktopAssertionClientTest, EitherAssertionIsReleasedWithoutTouchingTheOther) {
+  const auto manager = start(FakeCookieService::kSessionManager);
+  const auto systemId = holdSystem();
+  const auto displayId = holdDisplay();
+  ASSERT_TRUE(systemId && displayId);
+  EXPECT_NE(*systemId, *displayId);
+  client().release(*systemId);
+  ASSERT_TRUE(manager->heldBecomes(1));
+  EXPECT_EQ(manager->held()[0].flags, 8U);
+  ASSERT_TRUE(holdSystem());
+  client().release(*displayId);
+  ASSERT_TRUE(manager->heldBecomes(1));
+  EXPECT_EQ(manager->held()[0].flags, 4U);
+}
+
+TEST_F(DesktopAssertionClientTest, ReleaseTakesTheCookieBackByCall) {
+  const auto manager = start(FakeCookieService::kSessionManager);
+  const auto id = holdSystem();
+  ASSERT_TRUE(id);
+  client().release(*id);
+  EXPECT_TRUE(manager->heldBecomes(0));
+  EXPECT_EQ(manager->givenBack(), 1);
+}
+
+TEST_F(DesktopAssertionClientTest, ReleasingTwiceOrSomethingUnknownDoesNothing) {
+  const auto manager = start(FakeCookieService::kSessionManager);
+  const auto first = holdSystem();
+  const auto second = holdSystem();
+  ASSERT_TRUE(first && second);
+  client().release(*first);
+  client().release(*first);
+  client().release(12345);
+  ASSERT_TRUE(manager->heldBecomes(1));
+  EXPECT_EQ(manager->givenBack(), 1);
+}
+
+TEST_F(DesktopAssertionClientTest, DestroyedClientReleasesEverything) {
+  const auto manager = start(FakeCookieService::kSessionManager);
+  ASSERT_TRUE(holdSystem());
+  ASSERT_TRUE(holdDisplay());
+  destroyClient();
+  EXPECT_TRUE(manager->heldBecomes(0));
+}
+
+TEST_F(DesktopAssertionClientTest, PlasmaHasOneServiceForEachAssertion) {
+  startPlasma();
+  startLogind();
+  const auto power = start(FakeCookieService::kPowerManagement);
+  const auto saver = start(FakeCookieService::kScreenSaver);
+  x11Session = true;
+  const auto systemId = holdSystem();
+  ASSERT_TRUE(systemId);
+  EXPECT_EQ(power->held().size(), 1U);
+  EXPECT_EQ(saver->held().size(), 0U);
+  ASSERT_TRUE(holdDisplay());
+  EXPECT_EQ(power->held().size(), 1U);
+  ASSERT_EQ(saver->held().size(), 1U);
+  EXPECT_EQ(saver->held()[0].application, "Nimbo");
+  EXPECT_EQ(saver->held()[0].reason, "a reason");
+  client().release(*systemId);
+  ASSERT_TRUE(power->heldBecomes(0));
+  EXPECT_EQ(saver->held().size(), 1U);
+  EXPECT_EQ(locks(), Locks{});
+  EXPECT_EQ(x11.made, 0);
+}
+
+TEST_F(DesktopAssertionClientTest, ElsewhereASleepLockKeepsTheSystemAwake) {
+  startLogind();
+  const auto power = start(FakeCookieService::kPowerManagement);
+  const auto id = holdSystem();
+  ASSERT_TRUE(id);
+  EXPECT_EQ(locks(), kSleepLock);
+  EXPECT_EQ(power->asked(), 0);
+  client().release(*id);
+  EXPECT_TRUE(lockIsLetGo());
+}
+
+TEST_F(DesktopAssertionClientTest, ElsewhereEveryServiceThatIsThereKeepsTheDisplayOn) {
+  startLogind();
+  const auto power = start(FakeCookieService::kPowerManagement);
+  ASSERT_TRUE(holdDisplay());
+  EXPECT_EQ(power->held().size(), 1U);
+  const auto saver = start(FakeCookieService::kScreenSaver);
+  const auto both = holdDisplay();
+  ASSERT_TRUE(both);
+  EXPECT_EQ(power->held().size(), 2U);
+  EXPECT_EQ(saver->held().size(), 1U);
+  EXPECT_EQ(locks(), Locks{});
+  client().release(*both);
+  EXPECT_TRUE(power->heldBecomes(1));
+  EXPECT_TRUE(saver->heldBecomes(0));
+}
+
+TEST_F(DesktopAssertionClientTest, OneOfTwoServicesIsEnough) {
+  const auto power = start(FakeCookieService::kPowerManagement, Manner::refuses);
+  const auto saver = start(FakeCookieService::kScreenSaver);
+  ASSERT_TRUE(holdDisplay());
+  EXPECT_EQ(power->asked(), 1);
+  EXPECT_EQ(saver->held().size(), 1U);
+}
+
+TEST_F(DesktopAssertionClientTest, WithoutAnyServiceAnIdleLockKeepsTheDisplayOn) {
+  startLogind();
+  const auto systemId = holdSystem();
+  const auto displayId = holdDisplay();
+  ASSERT_TRUE(systemId && displayId);
+  EXPECT_EQ(locks(), (Locks{kSleepLock[0], kIdleLock[0]}));
+  client().release(*systemId);
+  EXPECT_EQ(locks(), kIdleLock);
+  client().release(*displayId);
+  EXPECT_TRUE(lockIsLetGo());
+}
+
+TEST_F(DesktopAssertionClientTest, DesktopThatStartsLaterIsFoundByTheNextAssertion) {
+  startLogind();
+  ASSERT_TRUE(holdSystem());
+  EXPECT_EQ(locks(), kSleepLock);
+  const auto manager = start(FakeCookieService::kSessionManager);
+  ASSERT_TRUE(holdSystem());
+  EXPECT_EQ(manager->held().size(), 1U);
+}
+
+TEST_F(DesktopAssertionClientTest, RefusedSystemAssertionFallsBackToASleepLock) {
+  startLogind();
+  const auto manager = start(FakeCookieService::kSessionManager, Manner::refuses);
+  ASSERT_TRUE(holdSystem());
+  EXPECT_EQ(manager->asked(), 1);
+  EXPECT_EQ(locks(), kSleepLock);
+}
+
+TEST_F(DesktopAssertionClientTest, PlasmaWithoutItsServicesFallsBackToLocks) {
+  startPlasma();
+  startLogind();
+  ASSERT_TRUE(holdSystem());
+  EXPECT_EQ(locks(), kSleepLock);
+  ASSERT_TRUE(holdDisplay());
+  EXPECT_EQ(locks(), (Locks{kSleepLock[0], kIdleLock[0]}));
+}
+
+TEST_F(DesktopAssertionClientTest, RefusalByEverybodyIsAPermissionError) {
+  startLogind(true);
+  const auto manager = start(FakeCookieService::kSessionManager, Manner::refuses);
+  EXPECT_EQ(holdSystem().error(), PowerError{EACCES});
+  EXPECT_EQ(holdDisplay().error(), PowerError{EACCES});
+  EXPECT_TRUE(manager->held().empty());
+}
+
+TEST_F(DesktopAssertionClientTest, SessionManagerThatRefusesTheDisplayIsNotReplacedByALockThatItIgnores) {
+  startLogind();
+  const auto manager = start(FakeCookieService::kSessionManager, Manner::refuses);
+  EXPECT_EQ(holdDisplay().error(), PowerError{EACCES});
+  EXPECT_EQ(locks(), Locks{});
+}
+
+TEST_F(DesktopAssertionClientTest, AnswerThatIsNoCookieIsAnErrorAndLeavesNothing) {
+  const auto manager = start(FakeCookieService::kSessionManager, Manner::answersGarbage);
+  EXPECT_EQ(holdSystem().error(), PowerError{EBADMSG});
+  EXPECT_TRUE(manager->held().empty());
+}
+
+TEST_F(DesktopAssertionClientTest, ServiceThatEndsInsteadOfAnsweringIsReplaced) {
+  startLogind();
+  const auto manager = start(FakeCookieService::kSessionManager, Manner::vanishes);
+  ASSERT_TRUE(holdSystem());
+  EXPECT_EQ(locks(), kSleepLock);
+  EXPECT_LT(took, std::chrono::milliseconds(900)) << "the bus tells at once that nobody answers any more";
+}
+
+TEST_F(DesktopAssertionClientTest, WithoutAnyMechanismIsNotSupported) {
+  EXPECT_EQ(holdSystem().error(), PowerError{ENOTSUP});
+  EXPECT_EQ(holdDisplay().error(), PowerError{ENOTSUP});
+}
+
+TEST_F(DesktopAssertionClientTest, WithoutAnyBusIsNotSupported) {
+  sessionAddress = "";
+  systemAddress = "unix:path=/nonexistent/bus";
+  EXPECT_EQ(holdSystem().error(), PowerError{ENOTSUP});
+  EXPECT_EQ(holdDisplay().error(), PowerError{ENOTSUP});
+  EXPECT_LT(took, std::chrono::milliseconds(900));
+}
+
+TEST_F(DesktopAssertionClientTest, WithoutASessionBusTheLocksRemain) {
+  sessionAddress = "unix:path=/nonexistent/bus";
+  startLogind();
+  ASSERT_TRUE(holdSystem());
+  ASSERT_TRUE(holdDisplay());
+  EXPECT_EQ(locks(), (Locks{kSleepLock[0], kIdleLock[0]}));
+}
+
+TEST_F(DesktopAssertionClientTest, WithoutASystemBusTheServicesRemain) {
+  systemAddress = "";
+  const auto manager = start(FakeCookieService::kSessionManager);
+  ASSERT_TRUE(holdSystem());
+  ASSERT_TRUE(holdDisplay());
+  EXPECT_EQ(manager->held().size(), 2U);
+}
+
+TEST_F(DesktopAssertionClientTest, UnknownTypeIsNotSupported) {
+  startLogind();
+  EXPECT_EQ(create("PreventRain").error(), PowerError{ENOTSUP});
+  EXPECT_EQ(locks(), Locks{});
+}
+
+TEST_F(DesktopAssertionClientTest, BareX11SessionIsResetUnderEveryHalfMinuteWhileTheDisplayIsKeptOn) {
+  startLogind();
+  x11Session = true;
+  ASSERT_TRUE(holdSystem());
+  EXPECT_EQ(x11.made, 0) << "the system's assertion needs no X server";
+  const auto id = holdDisplay();
+  ASSERT_TRUE(id);
+  EXPECT_EQ(x11.resets, 1);
+  ASSERT_EQ(timers.repeatingTimers().size(), 1U);
+  const auto timer = timers.repeatingTimers()[0];
+  EXPECT_LT(timer.interval + timer.leeway, std::chrono::seconds(30));
+  EXPECT_GE(timer.leeway, std::chrono::seconds(2));
+  timers.advance(2 * timer.interval);
+  EXPECT_EQ(x11.resets, 3);
+  EXPECT_EQ(locks(), (Locks{kSleepLock[0], kIdleLock[0]}));
+  client().release(*id);
+  timers.advance(2 * timer.interval);
+  EXPECT_EQ(x11.resets, 3);
+  EXPECT_TRUE(timers.repeatingTimers().empty());
+}
+
+TEST_F(DesktopAssertionClientTest, X11ResetAloneKeepsABareDisplayOn) {
+  systemAddress = "";
+  x11Session = true;
+  EXPECT_TRUE(holdDisplay());
+  EXPECT_EQ(holdSystem().error(), PowerError{ENOTSUP});
+}
+
+TEST_F(DesktopAssertionClientTest, X11ServerThatCannotBeReachedDoesNotCount) {
+  x11Session = true;
+  x11.works = false;
+  EXPECT_EQ(holdDisplay().error(), PowerError{ENOTSUP});
+  startLogind();
+  EXPECT_TRUE(holdDisplay());
+  EXPECT_EQ(locks(), kIdleLock);
+  EXPECT_TRUE(timers.repeatingTimers().empty());
+}
+
+TEST_F(DesktopAssertionClientTest, X11ServerThatFailsOnceIsResetAgainNextTime) {
+  x11Session = true;
+  ASSERT_TRUE(holdDisplay());
+  x11.works = false;
+  timers.advance(std::chrono::seconds(30));
+  x11.works = true;
+  timers.advance(std::chrono::seconds(30));
+  EXPECT_EQ(x11.resets, 2);
+}
+
+TEST_F(DesktopAssertionClientTest, XfceHasItsPowerManagerAndTheResets) {
+  startLogind();
+  x11Session = true;
+  const auto power = start(FakeCookieService::kPowerManagement);
+  ASSERT_TRUE(holdSystem());
+  ASSERT_TRUE(holdDisplay());
+  EXPECT_EQ(locks(), kSleepLock);
+  EXPECT_EQ(power->held().size(), 1U);
+  EXPECT_EQ(x11.resets, 1);
+}
+
+}  // namespace
+}  // namespace nimbo

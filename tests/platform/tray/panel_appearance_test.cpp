@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: MIT
+#include "platform/linux/tray/panel_appearance.h"
+
+#include <gtest/gtest.h>
+
+#include "support/fake_workspace.h"
+#include "support/services/fake_xfconf.h"
+#include "support/services/private_bus.h"
+
+namespace nimbo {
+namespace {
+
+class PanelAppearanceTest : public ::testing::Test {
+ protected:
+  void make(const std::string& desktop) {
+    panel.emplace(session.get(), desktop, workspace);
+    observer = panel->observe([this] { ++changes; });
+  }
+
+  [[nodiscard]] bool becomes(Appearance appearance) {
+    return loop.runUntil([&] { return panel->appearance() == appearance; });
+  }
+
+  PrivateBus bus;
+  BusLoop loop;
+  SdBusConnection session{loop.event(), bus.address()};
+  FakeWorkspace workspace;
+  std::optional<PanelAppearance> panel;
+  Subscription observer;
+  int changes = 0;
+};
+
+TEST_F(PanelAppearanceTest, GnomePanelIsAlwaysDark) {
+  make("ubuntu:GNOME");
+  EXPECT_EQ(panel->appearance(), Appearance::dark);
+  workspace.setAppearance(Appearance::dark);
+  workspace.setAppearance(Appearance::light);
+  EXPECT_EQ(panel->appearance(), Appearance::dark);
+  EXPECT_EQ(changes, 0);
+}
+
+TEST_F(PanelAppearanceTest, OtherPanelsFollowTheDesktop) {
+  make("KDE");
+  EXPECT_EQ(panel->appearance(), Appearance::light);
+  workspace.setAppearance(Appearance::dark);
+  EXPECT_EQ(panel->appearance(), Appearance::dark);
+  EXPECT_EQ(changes, 1);
+}
+
+TEST_F(PanelAppearanceTest, XfcePanelMayBeDarkOnALightDesktop) {
+  FakeXfconf xfconf(loop, bus.address());
+  xfconf.set("xfce4-panel", "/panels/dark-mode", true);
+  make("XFCE");
+  EXPECT_TRUE(becomes(Appearance::dark));
+  EXPECT_EQ(changes, 1);
+}
+
+TEST_F(PanelAppearanceTest, XfcePanelSwitchedInItsSettingsIsFollowed) {
+  FakeXfconf xfconf(loop, bus.address());
+  make("XFCE");
+  xfconf.set("xfce4-panel", "/panels/dark-mode", true);
+  ASSERT_TRUE(becomes(Appearance::dark));
+  xfconf.set("xfce4-panel", "/panels/dark-mode", false);
+  ASSERT_TRUE(becomes(Appearance::light));
+  xfconf.set("xfce4-panel", "/panels/dark-mode", true);
+  ASSERT_TRUE(becomes(Appearance::dark));
+  xfconf.remove("xfce4-panel", "/panels/dark-mode");
+  EXPECT_TRUE(becomes(Appearance::light));
+  EXPECT_EQ(changes, 4);
+}
+
+TEST_F(PanelAppearanceTest, XfcePanelThatIsNotSetToDarkFollowsADarkDesktop) {
+  FakeXfconf xfconf(loop, bus.address());
+  xfconf.set("xfce4-panel", "/panels/dark-mode", false);
+  workspace.setAppearance(Appearance::dark);
+  make("XFCE");
+  ASSERT_TRUE(loop.runUntil([&] { return xfconf.asked == 1; }));
+  EXPECT_EQ(panel->appearance(), Appearance::dark);
+}
+
+TEST_F(PanelAppearanceTest, SettingOfAnotherTypeCountsAsNone) {
+  FakeXfconf xfconf(loop, bus.address());
+  xfconf.set("xfce4-panel", "/panels/dark-mode", true);
+  make("XFCE");
+  ASSERT_TRUE(becomes(Appearance::dark));
+  xfconf.set("xfce4-panel", "/panels/dark-mode", std::string("yes"));
+  EXPECT_TRUE(becomes(Appearance::light));
+}
+
+TEST_F(PanelAppearanceTest, WithoutXfconfTheDesktopDecides) {
+  make("XFCE");
+  workspace.setAppearance(Appearance::dark);
+  EXPECT_EQ(panel->appearance(), Appearance::dark);
+}
+
+}  // namespace
+}  // namespace nimbo

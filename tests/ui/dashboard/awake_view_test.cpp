@@ -1,0 +1,433 @@
+// SPDX-License-Identifier: MIT
+#include "ui/dashboard/awake_view.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "settings/setting_keys.h"
+#include "ui/dashboard/awake_view_fixture.h"
+
+namespace nimbo {
+namespace {
+
+using namespace std::chrono_literals;
+using Time = AwakeManager::Time;
+using Titles = std::vector<std::string>;
+
+constexpr std::size_t kOneHourItem = 2;
+constexpr std::size_t kCustomItem = 5;
+constexpr std::size_t kDateItem = 6;
+
+class AwakeViewTest : public testing::Test {
+ protected:
+  AwakeViewTest() {
+    view.onContentChanged = [this] { ++changes; };
+    view.onToggle = [this](std::optional<Time> end) { toggles.push_back(end); };
+    view.onDisplay = [this](bool on) { displays.push_back(on); };
+    view.onRules = [this] { ++rules; };
+    view.onDisplayOff = [this] { ++displayOffs; };
+    view.onExtend = [this] { ++extensions; };
+    view.refresh(world.manager);
+    changes = 0;
+  }
+
+  AwakePageContent content() const { return view.content(true); }
+  Time now() const { return world.clock.now(); }
+
+  void startSession(std::optional<Time> end, bool display = false) {
+    ASSERT_TRUE(world.manager.start(end, display, now()));
+    view.refresh(world.manager);
+  }
+
+  AwakeViewWorld world;
+  AwakeView view{world.viewServices()};
+  AwakePageActions actions = view.actions();
+  int changes = 0;
+  int rules = 0;
+  int displayOffs = 0;
+  int extensions = 0;
+  std::vector<std::optional<Time>> toggles;
+  std::vector<bool> displays;
+};
+
+TEST_F(AwakeViewTest, OffersTheSpecifiedLengthsAndFloors) {
+  EXPECT_EQ(content().duration.items, (Titles{"Until I stop it", "30 minutes", "1 hour", "2 hours", "4 hours",
+                                              "Custom minutes…", "Until a date / time…"}));
+  EXPECT_EQ(content().battery.items, (Titles{"Never", "10%", "20%", "30%", "50%"}));
+}
+
+TEST_F(AwakeViewTest, ShowsTheDefaultsOfANewUser) {
+  EXPECT_EQ(content().duration.selected, 0U);
+  EXPECT_FALSE(content().display.on);
+  EXPECT_FALSE(content().plugged.on);
+  EXPECT_EQ(content().battery.items[content().battery.selected], "20%");
+  EXPECT_FALSE(content().minutes.visible);
+  EXPECT_FALSE(content().date.visible);
+}
+
+TEST_F(AwakeViewTest, StoredChoicesAreShown) {
+  world.settings.setAwakeDuration(-1);
+  world.settings.setAwakeCustomMinutes(45);
+  world.settings.setAwakeDisplayOn(true);
+  world.settings.setAwakeOnlyOnPower(true);
+  world.settings.setAwakeBatteryFloor(50);
+  view.load();
+  EXPECT_EQ(content().duration.selected, kCustomItem);
+  EXPECT_EQ(content().minutes.text, "45");
+  EXPECT_TRUE(content().minutes.visible);
+  EXPECT_TRUE(content().display.on);
+  EXPECT_TRUE(content().plugged.on);
+  EXPECT_EQ(content().battery.items[content().battery.selected], "50%");
+}
+
+TEST_F(AwakeViewTest, StoredCustomLengthIsBroughtIntoItsRange) {
+  for (const auto& [stored, shown] : {std::pair<int, const char*>{0, "1"}, {20000, "10080"}, {-7, "1"}}) {
+    world.settings.setAwakeCustomMinutes(stored);
+    view.load();
+    EXPECT_EQ(content().minutes.text, shown) << stored;
+  }
+}
+
+TEST_F(AwakeViewTest, UnknownStoredValuesShowTheDefaults) {
+  world.defaults.set(setting_keys::kAwakeDuration, 777);
+  world.defaults.set(setting_keys::kAwakeBatteryFloor, 33);
+  view.load();
+  EXPECT_EQ(content().duration.selected, 0U);
+  EXPECT_EQ(content().battery.items[content().battery.selected], "20%");
+}
+
+TEST_F(AwakeViewTest, IdlePageTellsTheManagersMessageAndOffersToStart) {
+  EXPECT_EQ(content().state.text, "Ready for your next run");
+  EXPECT_EQ(content().detail.text, "Keep AI jobs running while your display rests.");
+  EXPECT_EQ(content().start.title, "Keep Mac awake");
+  EXPECT_TRUE(content().duration.enabled);
+  EXPECT_FALSE(content().off.enabled);
+  EXPECT_FALSE(content().extend.enabled);
+}
+
+TEST_F(AwakeViewTest, RunningSessionWithoutEndCannotBeExtended) {
+  startSession(std::nullopt);
+  EXPECT_EQ(content().state.text, "Your Mac is staying awake");
+  EXPECT_EQ(content().detail.text, "Until you stop it. Display may sleep.");
+  EXPECT_EQ(content().start.title, "Stop keeping awake");
+  EXPECT_TRUE(content().off.enabled);
+  EXPECT_FALSE(content().extend.enabled);
+}
+
+TEST_F(AwakeViewTest, RunningSessionNamesItsEndAndWhatTheDisplayDoes) {
+  startSession(Time(std::chrono::seconds(1'795'271'400)), true);
+  EXPECT_EQ(content().detail.text, "Until 2026-11-21 14:30. Display stays on.");
+  EXPECT_TRUE(content().extend.enabled);
+}
+
+TEST_F(AwakeViewTest, StatesDifferInColour) {
+  const auto idle = content().state.style.color;
+  startSession(std::nullopt);
+  EXPECT_NE(content().state.style.color, idle);
+}
+
+TEST_F(AwakeViewTest, LengthIsLockedWhileASessionRuns) {
+  startSession(std::nullopt);
+  EXPECT_FALSE(content().duration.enabled);
+  EXPECT_FALSE(content().minutes.enabled);
+  EXPECT_FALSE(content().date.enabled);
+  EXPECT_TRUE(content().display.enabled);
+  EXPECT_TRUE(content().plugged.enabled);
+  EXPECT_TRUE(content().battery.enabled);
+}
+
+TEST_F(AwakeViewTest, SwitchShowsWhatIsHeldWhileRunningAndTheStoredChoiceOtherwise) {
+  world.settings.setAwakeDisplayOn(true);
+  startSession(std::nullopt, false);
+  EXPECT_FALSE(content().display.on);
+  world.manager.stopByUser();
+  view.refresh(world.manager);
+  EXPECT_TRUE(content().display.on);
+}
+
+TEST_F(AwakeViewTest, ReopeningDuringASessionKeepsTheHeldDisplayState) {
+  startSession(std::nullopt, true);
+  view.load();
+  EXPECT_TRUE(content().display.on);
+}
+
+TEST_F(AwakeViewTest, ChosenLengthIsStoredAndShowsItsField) {
+  actions.selectDuration(kCustomItem);
+  EXPECT_EQ(world.settings.awakeDuration(), -1);
+  EXPECT_TRUE(content().minutes.visible);
+  EXPECT_FALSE(content().date.visible);
+  actions.selectDuration(kDateItem);
+  EXPECT_EQ(world.settings.awakeDuration(), -2);
+  EXPECT_FALSE(content().minutes.visible);
+  EXPECT_TRUE(content().date.visible);
+  actions.selectDuration(kOneHourItem);
+  EXPECT_EQ(world.settings.awakeDuration(), 3600);
+  EXPECT_FALSE(content().minutes.visible);
+  EXPECT_FALSE(content().date.visible);
+}
+
+TEST_F(AwakeViewTest, StartWithoutEndReportsNone) {
+  actions.startOrStop();
+  EXPECT_EQ(toggles, (std::vector<std::optional<Time>>{std::nullopt}));
+}
+
+TEST_F(AwakeViewTest, EveryFixedLengthCountsFromNow) {
+  const std::vector<std::chrono::seconds> lengths{30min, 1h, 2h, 4h};
+  for (std::size_t item = 1; item <= lengths.size(); ++item) {
+    actions.selectDuration(item);
+    actions.startOrStop();
+    EXPECT_EQ(toggles.back(), now() + lengths[item - 1]) << item;
+  }
+}
+
+TEST_F(AwakeViewTest, CustomLengthCountsFromNowAndIsStored) {
+  actions.selectDuration(kCustomItem);
+  actions.editMinutes("90");
+  actions.startOrStop();
+  EXPECT_EQ(toggles.back(), now() + 90min);
+  EXPECT_EQ(world.settings.awakeCustomMinutes(), 90);
+}
+
+TEST_F(AwakeViewTest, WhiteSpaceAroundTheCustomLengthIsAccepted) {
+  actions.selectDuration(kCustomItem);
+  actions.editMinutes(" \t45\n");
+  actions.startOrStop();
+  EXPECT_EQ(toggles.back(), now() + 45min);
+  EXPECT_EQ(world.settings.awakeCustomMinutes(), 45);
+}
+
+TEST_F(AwakeViewTest, LongestCustomLengthStartsASevenDaySession) {
+  actions.selectDuration(kCustomItem);
+  actions.editMinutes("10080");
+  actions.startOrStop();
+  EXPECT_EQ(toggles.back(), now() + 7 * 24h);
+}
+
+TEST_F(AwakeViewTest, BadCustomLengthStartsNothingAndSaysSo) {
+  actions.selectDuration(kCustomItem);
+  for (const char* text : {"ten", "0", "10081", "", "  ", "1.5", "-3", "99999999999999999999", "4 5", "12a"}) {
+    actions.editMinutes(text);
+    actions.startOrStop();
+    EXPECT_EQ(content().detail.text, "Enter a whole number from 1 to 10080 minutes.") << text;
+  }
+  EXPECT_TRUE(toggles.empty());
+  EXPECT_EQ(world.settings.awakeCustomMinutes(), 60);
+}
+
+TEST_F(AwakeViewTest, InputErrorStaysOverTheDetailUntilTheMinutesChange) {
+  actions.selectDuration(kCustomItem);
+  actions.editMinutes("x");
+  actions.startOrStop();
+  view.refresh(world.manager);
+  EXPECT_EQ(content().detail.text, "Enter a whole number from 1 to 10080 minutes.");
+  actions.editMinutes("x1");
+  EXPECT_EQ(content().detail.text, "Keep AI jobs running while your display rests.");
+}
+
+TEST_F(AwakeViewTest, InputErrorGoesWithAnotherLengthAndWithAStart) {
+  actions.selectDuration(kCustomItem);
+  actions.editMinutes("x");
+  actions.startOrStop();
+  actions.selectDuration(0);
+  EXPECT_EQ(content().detail.text, "Keep AI jobs running while your display rests.");
+
+  actions.selectDuration(kCustomItem);
+  actions.startOrStop();
+  ASSERT_EQ(content().detail.text, "Enter a whole number from 1 to 10080 minutes.");
+  startSession({});  // by another control
+  ASSERT_EQ(content().detail.text, "Enter a whole number from 1 to 10080 minutes.");
+  actions.startOrStop();
+  EXPECT_NE(content().detail.text, "Enter a whole number from 1 to 10080 minutes.");
+}
+
+TEST_F(AwakeViewTest, WrongMinutesDoNotMatterToAnotherLength) {
+  actions.editMinutes("x");
+  actions.selectDuration(kOneHourItem);
+  actions.startOrStop();
+  EXPECT_EQ(toggles.back(), now() + 1h);
+}
+
+TEST_F(AwakeViewTest, OnlyValidMinutesAreStoredWhileTyping) {
+  actions.editMinutes("12");
+  EXPECT_EQ(world.settings.awakeCustomMinutes(), 12);
+  actions.editMinutes("12x");
+  EXPECT_EQ(world.settings.awakeCustomMinutes(), 12);
+  EXPECT_EQ(content().minutes.text, "12x");
+}
+
+TEST_F(AwakeViewTest, PickerSuggestsAnHourFromNowOnTheMinute) {
+  world.clock.setNow(Time(std::chrono::seconds(1'795'271'459)));
+  const AwakeView fresh(world.viewServices());
+  EXPECT_EQ(fresh.content(true).date.date, Time(std::chrono::seconds(1'795'271'400 + 3600)));
+}
+
+TEST_F(AwakeViewTest, PickedDateIsTheEnd) {
+  actions.selectDuration(kDateItem);
+  const Time end = now() + 49h;
+  actions.pickDate(end);
+  EXPECT_EQ(content().date.date, end);
+  actions.startOrStop();
+  EXPECT_EQ(toggles.back(), end);
+}
+
+TEST_F(AwakeViewTest, PastDateReachesTheManagerWhichRefusesIt) {
+  view.onToggle = [this](std::optional<Time> end) {
+    EXPECT_FALSE(world.manager.start(end, false, now()));
+    view.refresh(world.manager);
+  };
+  actions.selectDuration(kDateItem);
+  actions.pickDate(now() - 1min);
+  actions.startOrStop();
+  EXPECT_EQ(content().detail.text, "Choose an end time in the future.");
+  EXPECT_EQ(content().state.text, "Ready for your next run");
+}
+
+TEST_F(AwakeViewTest, DateThatHasPassedGivesWayToANewSuggestionWhenThePageIsLoadedAgain) {
+  actions.pickDate(now() + 2h);
+  view.load();
+  EXPECT_EQ(content().date.date, now() + 2h);
+  const Time picked = content().date.date;
+  world.clock.advance(3h);
+  view.load();
+  EXPECT_GT(content().date.date, picked);
+  EXPECT_GT(content().date.date, now());
+}
+
+TEST_F(AwakeViewTest, StopReportsNoEndWhateverTheLength) {
+  actions.selectDuration(kCustomItem);
+  actions.editMinutes("x");
+  startSession(now() + 1h);
+  actions.startOrStop();
+  EXPECT_EQ(toggles, (std::vector<std::optional<Time>>{std::nullopt}));
+}
+
+TEST_F(AwakeViewTest, DisplaySwitchIsReportedNotStored) {
+  actions.switchDisplay(true);
+  EXPECT_EQ(displays, (std::vector<bool>{true}));
+  EXPECT_FALSE(world.settings.awakeDisplayOn());
+}
+
+TEST_F(AwakeViewTest, RefusedDisplaySwitchGoesBackAndThatIsAChange) {
+  startSession(std::nullopt);
+  world.assertions.refuse(kPreventDisplaySleep, 5);
+  std::vector<bool> shown;
+  view.onContentChanged = [&] { shown.push_back(content().display.on); };
+  view.onDisplay = [this](bool on) {
+    EXPECT_FALSE(world.manager.setKeepDisplayOn(on));
+    view.refresh(world.manager);
+  };
+  actions.switchDisplay(true);
+  EXPECT_EQ(shown, (std::vector<bool>{true, false}));
+  EXPECT_EQ(content().detail.text, "macOS couldn’t keep your Mac awake (error 5). Please try again.");
+}
+
+TEST_F(AwakeViewTest, EitherRuleIsStoredBeforeItIsReported) {
+  bool onlyOnPower = false;
+  int floor = -1;
+  view.onRules = [&] {
+    onlyOnPower = world.settings.awakeOnlyOnPower();
+    floor = world.settings.awakeBatteryFloor();
+  };
+  actions.switchPlugged(true);
+  EXPECT_TRUE(onlyOnPower);
+  EXPECT_EQ(floor, 20);
+  actions.selectBatteryFloor(4);
+  EXPECT_EQ(floor, 50);
+  actions.selectBatteryFloor(0);
+  EXPECT_EQ(floor, 0);
+  actions.switchPlugged(false);
+  EXPECT_FALSE(onlyOnPower);
+}
+
+TEST_F(AwakeViewTest, ButtonsReportThemselves) {
+  actions.turnDisplayOff();
+  actions.extend();
+  EXPECT_EQ(displayOffs, 1);
+  EXPECT_EQ(extensions, 1);
+}
+
+TEST_F(AwakeViewTest, IndicesBeyondTheListsAreClamped) {
+  actions.selectDuration(99);
+  EXPECT_EQ(world.settings.awakeDuration(), -2);
+  actions.selectBatteryFloor(99);
+  EXPECT_EQ(world.settings.awakeBatteryFloor(), 50);
+}
+
+TEST_F(AwakeViewTest, ChangesOfTheContentAreReported) {
+  actions.selectDuration(1);
+  EXPECT_GT(changes, 0);
+  changes = 0;
+  actions.editMinutes("7");
+  EXPECT_GT(changes, 0);
+}
+
+TEST_F(AwakeViewTest, WorksWithoutCallbacks) {
+  AwakeView bare(world.viewServices());
+  const auto act = bare.actions();
+  act.startOrStop();
+  act.extend();
+  act.switchDisplay(true);
+  act.switchPlugged(true);
+  act.selectBatteryFloor(1);
+  act.turnDisplayOff();
+  EXPECT_TRUE(bare.content(true).plugged.on);
+}
+
+TEST_F(AwakeViewTest, NothingIsVisibleOnTheOtherPages) {
+  for (const std::size_t item : {std::size_t{0}, kCustomItem, kDateItem}) {
+    actions.selectDuration(item);
+    const auto hidden = view.content(false);
+    for (const bool visible :
+         {hidden.state.visible, hidden.detail.visible, hidden.start.visible, hidden.extend.visible,
+          hidden.durationTitle.visible, hidden.duration.visible, hidden.minutes.visible, hidden.date.visible,
+          hidden.display.visible, hidden.plugged.visible, hidden.batteryTitle.visible, hidden.battery.visible,
+          hidden.off.visible, hidden.note.visible}) {
+      EXPECT_FALSE(visible);
+    }
+  }
+}
+
+TEST_F(AwakeViewTest, ControlsCarryTheirHelpAndNames) {
+  const auto page = content();
+  EXPECT_EQ(page.minutes.placeholder, "1–10080 minutes");
+  EXPECT_EQ(page.minutes.toolTip, "Custom session length in minutes (up to 7 days)");
+  EXPECT_EQ(page.minutes.accessibleName, "Custom duration in minutes");
+  EXPECT_EQ(page.date.accessibleName, "Session end date and time");
+  EXPECT_EQ(page.durationTitle.text, "Session");
+  EXPECT_EQ(page.duration.accessibleName, "Session");
+  EXPECT_EQ(page.display.title, "Keep display on too");
+  EXPECT_EQ(page.display.toolTip, "Off by default: the display may sleep while the Mac stays awake.");
+  EXPECT_EQ(page.plugged.title, "Only while connected to power");
+  EXPECT_EQ(page.batteryTitle.text, "Stop on battery at");
+  EXPECT_EQ(page.battery.accessibleName, "Stop on battery at");
+  EXPECT_EQ(page.off.title, "Turn display off now");
+  EXPECT_EQ(page.extend.title, "+30 min");
+  EXPECT_EQ(page.note.text,
+            "Keep your MacBook’s lid open. Manual Sleep still applies. App-specific background limits still apply.");
+}
+
+TEST_F(AwakeViewTest, EverythingLiesOnThePageAndNothingOverlaps) {
+  for (const std::size_t item : {kCustomItem, kDateItem}) {
+    actions.selectDuration(item);
+    const auto page = content();
+    std::vector<Rect> frames{page.state.frame,         page.detail.frame,   page.start.frame,   page.extend.frame,
+                             page.durationTitle.frame, page.duration.frame, page.display.frame, page.plugged.frame,
+                             page.batteryTitle.frame,  page.battery.frame,  page.off.frame,     page.note.frame};
+    frames.push_back(item == kCustomItem ? page.minutes.frame : page.date.frame);
+    for (std::size_t one = 0; one < frames.size(); ++one) {
+      const Rect& a = frames[one];
+      EXPECT_TRUE(a.x >= 17 && a.x + a.width <= 323 && a.y >= 56 && a.y + a.height <= 446) << one;
+      for (std::size_t other = one + 1; other < frames.size(); ++other) {
+        const Rect& b = frames[other];
+        const bool apart =
+            a.x + a.width <= b.x || b.x + b.width <= a.x || a.y + a.height <= b.y || b.y + b.height <= a.y;
+        EXPECT_TRUE(apart) << one << " and " << other;
+      }
+    }
+  }
+}
+
+}  // namespace
+}  // namespace nimbo

@@ -1,0 +1,179 @@
+// SPDX-License-Identifier: MIT
+#include "ui/dashboard/usage_view.h"
+
+#include <gtest/gtest.h>
+
+#include "support/fake_clock.h"
+#include "support/fake_dates.h"
+
+namespace nimbo {
+namespace {
+
+using namespace std::chrono_literals;
+
+class UsageViewTest : public testing::Test {
+ protected:
+  UsageViewTest() {
+    clock.setNow(UsageTime(std::chrono::seconds(1'795'271'400)));  // 2026-11-21 14:30 UTC
+    view.onContentChanged = [this] { ++changes; };
+  }
+
+  UsageState stateWith(std::vector<UsageWindow> windows) const {
+    return {true, UsageSnapshot{std::move(windows), clock.now(), {}}, {}, false};
+  }
+  UsageWindow window(double used, const std::string& title = "Weekly") const {
+    return {title, used, clock.now() + 26h};
+  }
+  /// What Codex's card shows of that state.
+  UsageCardContent card(const UsageState& state, UsageProvider provider = UsageProvider::codex) {
+    view.setOrder({provider});
+    view.update({{provider, state}}, std::nullopt);
+    return view.content(true).cards.at(0);
+  }
+
+  FakeClock clock;
+  FakeDates dates;
+  UsageView view{clock, dates};
+  int changes = 0;
+};
+
+TEST_F(UsageViewTest, BothProvidersOffLeaveNothingToRefresh) {
+  view.update({{UsageProvider::codex, {}}, {UsageProvider::claude, {}}}, std::nullopt);
+  const auto page = view.content(true);
+  EXPECT_FALSE(page.refresh.enabled);
+  ASSERT_EQ(page.cards.size(), 2U);
+  for (const auto& card : page.cards) {
+    EXPECT_EQ(card.status.text, "Enable in Settings to connect your sign-in.");
+    EXPECT_TRUE(card.connect.visible);
+    EXPECT_EQ(card.connect.title, "Connect in Settings…");
+    EXPECT_EQ(card.frame.height, 110);
+  }
+  EXPECT_EQ(page.cards[1].frame.y, 120);
+  EXPECT_EQ(page.document, (Size{300, 371}));
+}
+
+TEST_F(UsageViewTest, PageIsCompleteBeforeAnythingIsKnown) {
+  const auto page = view.content(true);
+  EXPECT_EQ(page.cards.size(), 2U);
+  EXPECT_EQ(page.note.text, "Updates every 5 minutes · hover for countdowns");
+}
+
+TEST_F(UsageViewTest, ThreeWindowsMakeACardOf237Points) {
+  const auto shown = card(stateWith({window(1, "5-hour"), window(2), window(3, "Opus weekly")}));
+  EXPECT_EQ(shown.frame, (Rect{0, 0, 300, 237}));
+  ASSERT_EQ(shown.rows.size(), 3U);
+  EXPECT_EQ(shown.rows[0].title.frame, (Rect{12, 58, 170, 20}));
+  EXPECT_EQ(shown.rows[1].title.frame.y, 116);
+  EXPECT_EQ(shown.rows[2].title.frame.y, 174);
+  EXPECT_FALSE(shown.connect.visible);
+}
+
+TEST_F(UsageViewTest, TintWarnsWithUse) {
+  const auto tint = [this](double used, UsageProvider provider) {
+    return card(stateWith({window(used)}), provider).rows.at(0).bar.tint;
+  };
+  EXPECT_EQ(tint(74.9, UsageProvider::codex), ColorRole::teal);
+  EXPECT_EQ(tint(75, UsageProvider::codex), ColorRole::orange);
+  EXPECT_EQ(tint(90, UsageProvider::codex), ColorRole::red);
+  EXPECT_EQ(tint(10, UsageProvider::claude), ColorRole::orange);
+  EXPECT_EQ(tint(90, UsageProvider::claude), ColorRole::red);
+}
+
+TEST_F(UsageViewTest, RowTellsWhatIsLeftAndWhenItResets) {
+  const auto row = card(stateWith({window(30)})).rows.at(0);
+  EXPECT_EQ(row.title.text, "Weekly");
+  EXPECT_EQ(row.amount.text, "70% left");
+  EXPECT_EQ(row.reset.text, "Resets Nov 22, 2026 16:30");
+  EXPECT_DOUBLE_EQ(row.bar.fraction, 0.7);
+  EXPECT_EQ(row.bar.accessibleName, "Codex Weekly");
+  EXPECT_EQ(row.bar.accessibleValue, "70 percent remaining");
+  const std::string toolTip = "Weekly · 70% left · Resets in 1d 2h\nResets Nov 22, 2026 16:30\nUpdated 14:30";
+  for (const auto& text : {row.title.toolTip, row.amount.toolTip, row.bar.toolTip, row.reset.toolTip}) {
+    EXPECT_EQ(text, toolTip);
+  }
+}
+
+TEST_F(UsageViewTest, MissingResetTimeIsSaid) {
+  const auto row = card(stateWith({{"Weekly", 30, {}}})).rows.at(0);
+  EXPECT_EQ(row.reset.text, "Reset time unavailable");
+}
+
+TEST_F(UsageViewTest, MoreThanAllLeavesNothing) {
+  const auto row = card(stateWith({window(110)})).rows.at(0);
+  EXPECT_EQ(row.amount.text, "0% left");
+  EXPECT_EQ(row.bar.fraction, 0);
+}
+
+TEST_F(UsageViewTest, MessageWithoutWindowsStandsAlone) {
+  UsageState state;
+  state.enabled = true;
+  state.message = "No Codex auth.json found.";
+  const auto shown = card(state);
+  EXPECT_EQ(shown.status.text, "No Codex auth.json found.");
+  EXPECT_TRUE(shown.connect.visible);
+}
+
+TEST_F(UsageViewTest, OldFiguresAreNeverShownAsNew) {
+  auto state = stateWith({window(30)});
+  state.message = "Couldn’t reach the provider.";
+  auto shown = card(state);
+  EXPECT_EQ(shown.status.text, "Last known · Couldn’t reach the provider.");
+  EXPECT_EQ(shown.status.toolTip, "Couldn’t reach the provider.");
+  EXPECT_EQ(shown.rows.at(0).bar.alpha, 0.45);
+
+  state.message.reset();
+  state.snapshot->fetchedAt = clock.now() - 901s;
+  shown = card(state);
+  EXPECT_EQ(shown.status.text, "Last known · Updated 14:14 · Stale");
+  EXPECT_EQ(shown.rows.at(0).bar.alpha, 0.45);
+}
+
+TEST_F(UsageViewTest, DisabledStateHidesItsSnapshot) {
+  auto state = stateWith({window(30)});
+  state.enabled = false;
+  EXPECT_TRUE(card(state).rows.empty());
+}
+
+TEST_F(UsageViewTest, RunningRefreshIsVisible) {
+  UsageState state;
+  state.enabled = true;
+  EXPECT_EQ(view.content(true).progress.text, "");
+  state.isRefreshing = true;
+  EXPECT_FALSE(card(state).connect.visible);
+  EXPECT_EQ(view.content(true).progress.text, "Refreshing…");
+  EXPECT_TRUE(view.content(true).refresh.enabled);
+}
+
+TEST_F(UsageViewTest, NoteCanBeReplacedAndIsReadableInFull) {
+  view.update({}, "A long note");
+  EXPECT_EQ(view.content(true).note.text, "A long note");
+  EXPECT_EQ(view.content(true).note.toolTip, "A long note");
+}
+
+TEST_F(UsageViewTest, OrderIsTheUsers) {
+  view.setOrder({UsageProvider::claude, UsageProvider::codex});
+  EXPECT_EQ(view.content(true).cards[0].title.text, "Anthropic · Claude");
+  EXPECT_EQ(view.content(true).cards[1].title.text, "OpenAI · Codex");
+  EXPECT_EQ(changes, 1);
+}
+
+TEST_F(UsageViewTest, DocumentGrowsWithTheCards) {
+  const auto state = stateWith({window(1, "a"), window(2, "b"), window(3, "c")});
+  view.update({{UsageProvider::codex, state}, {UsageProvider::claude, state}}, std::nullopt);
+  EXPECT_EQ(view.content(true).document, (Size{300, 494}));
+  EXPECT_EQ(view.content(true).scroll, (Rect{20, 62, 306, 371}));
+}
+
+TEST_F(UsageViewTest, LinksNameTheirProvider) {
+  view.update({}, std::nullopt);
+  EXPECT_EQ(view.content(true).cards[0].link.toolTip, "Open Codex usage dashboard");
+  EXPECT_EQ(view.content(true).cards[1].link.toolTip, "Open Claude usage dashboard");
+}
+
+TEST_F(UsageViewTest, VisibilityIsOfEverything) {
+  EXPECT_TRUE(view.content(true).visible);
+  EXPECT_FALSE(view.content(false).visible);
+}
+
+}  // namespace
+}  // namespace nimbo

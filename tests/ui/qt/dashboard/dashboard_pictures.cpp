@@ -1,0 +1,342 @@
+// SPDX-License-Identifier: MIT
+// Saves pictures of the windows as they stand on the screen, for people to look at:
+//   dashboard_pictures FOLDER [SUFFIX]
+#include <QApplication>
+#include <QComboBox>
+#include <QContextMenuEvent>
+#include <QDateTime>
+#include <QDir>
+#include <QEventLoop>
+#include <QHelpEvent>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QTimer>
+#include <cstdio>
+#include <stdexcept>
+
+#include "sample_dashboard.h"
+#include "sample_usage.h"
+#include "ui/qt/qt_user_interface.h"
+#include "ui/settings/settings_window_controller.h"
+#include "usage/usage_messages.h"
+
+namespace nimbo {
+namespace {
+
+/// As in the United States, in the process's time zone.
+class AmericanDates final : public Dates {
+ public:
+  [[nodiscard]] std::string shortDateAndTime(std::chrono::system_clock::time_point time) const override {
+    return text(time, "M/d/yyyy, h:mm AP");
+  }
+  [[nodiscard]] std::string shortTime(std::chrono::system_clock::time_point time) const override {
+    return text(time, "h:mm AP");
+  }
+  [[nodiscard]] std::string abbreviatedDateAndShortTime(std::chrono::system_clock::time_point time) const override {
+    return text(time, "MMM d, yyyy, h:mm AP");
+  }
+
+ private:
+  static std::string text(std::chrono::system_clock::time_point time, const char* format) {
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(time).time_since_epoch().count();
+    return QDateTime::fromSecsSinceEpoch(seconds).toString(format).toStdString();
+  }
+};
+
+struct Scene {
+  Scene() {
+    awake.clock.setNow(
+        std::chrono::system_clock::time_point(std::chrono::seconds{1795267800}));  // 2026-11-21 13:30 UTC
+    awake.connect(controller);
+  }
+
+  SampleAwakePage awake;
+  AmericanDates dates;
+  DashboardController controller{{awake.settings, awake.clock, dates}};
+};
+
+struct Picture {
+  const char* name;
+  void (*fill)(Scene& scene);
+  /// Done to the window once it is on the screen.
+  void (*act)(QWidget& window) = nullptr;
+};
+
+void threeProcesses(Scene& scene) { fillDashboard(scene.controller, DashboardTab::memory, 3); }
+
+void thirteenProcesses(Scene& scene) {
+  fillDashboard(scene.controller, DashboardTab::memory, 40);
+  scene.controller.expandClicked();
+}
+
+void memoryFailed(Scene& scene) {
+  scene.controller.apply({.lastDashboardTab = DashboardTab::memory});
+  auto sample = sampleReadings();
+  sample.memoryFailed = true;
+  scene.controller.update(sample);
+  scene.controller.updateProcesses({});
+}
+
+void monitoringOff(Scene& scene) {
+  auto preferences = samplePreferences(DashboardTab::memory);
+  preferences.monitorMemory = false;
+  scene.controller.apply(preferences);
+  scene.controller.update(sampleReadings());
+  scene.controller.updateTemperature({});
+}
+
+void showUsage(Scene& scene, const UsageStates& states, const std::optional<std::string>& note = {}) {
+  fillDashboard(scene.controller, DashboardTab::ai, 3);
+  scene.controller.usageView().update(states, note);
+}
+
+void usage(Scene& scene) { showUsage(scene, sampleUsage(scene.awake.clock.now())); }
+void usageUnconnected(Scene& scene) { showUsage(scene, {}); }
+
+void usageStale(Scene& scene) {
+  auto states = sampleUsage(scene.awake.clock.now());
+  states[UsageProvider::codex].snapshot->fetchedAt -= std::chrono::hours(1);
+  states[UsageProvider::claude].message = usage_messages::kDesktopNeedsAccessibility;
+  showUsage(scene, states, "Couldn’t open the usage dashboard in your browser. Please try again in a moment.");
+}
+
+void usageRefreshing(Scene& scene) {
+  auto states = sampleUsage(scene.awake.clock.now());
+  states[UsageProvider::codex].isRefreshing = true;
+  states[UsageProvider::claude] = {true, {}, {}, true};
+  showUsage(scene, states);
+}
+
+void usageMessages(Scene& scene) {
+  showUsage(scene, {{UsageProvider::codex, failedState(usage_messages::kDesktopNeedsAccessibility)},
+                    {UsageProvider::claude, failedState(usage_messages::kDesktopUnavailable)}});
+}
+
+void usageLongMessages(Scene& scene) {
+  const std::string both =
+      std::string(usage_messages::kClaudeCodeGaveNoUsage) + ' ' + usage_messages::kDesktopNeedsAccessibility;
+  showUsage(scene, {{UsageProvider::codex, failedState(usage_messages::kNoCodexCredentials)},
+                    {UsageProvider::claude, failedState(both)}});
+}
+
+void usageExtremes(Scene& scene) {
+  const auto now = scene.awake.clock.now();
+  const auto soon = now + std::chrono::minutes(5);
+  showUsage(scene, {{UsageProvider::codex,
+                     connectedState({sampleWindow("5-hour", 100, soon), sampleWindow("Weekly", 98.7, soon),
+                                     sampleWindow("90-minute", 0, soon)},
+                                    now)},
+                    {UsageProvider::claude, connectedState({sampleWindow("Sonnet weekly", 75, soon)}, now)}});
+}
+
+void awakeIdle(Scene& scene) { fillDashboard(scene.controller, DashboardTab::awake, 3); }
+
+AwakePageActions awakeActions(Scene& scene, std::size_t duration) {
+  awakeIdle(scene);
+  auto actions = scene.controller.awakeView().actions();
+  actions.selectDuration(duration);
+  return actions;
+}
+
+void awakeMinutes(Scene& scene) { awakeActions(scene, 5).editMinutes(""); }
+void awakeDate(Scene& scene) { awakeActions(scene, 6); }
+
+void awakeRunning(Scene& scene) {
+  const auto actions = awakeActions(scene, 2);
+  actions.switchDisplay(true);
+  actions.switchPlugged(true);
+  actions.selectBatteryFloor(2);
+  actions.startOrStop();
+}
+
+void awakeRunningUntilDate(Scene& scene) { awakeActions(scene, 6).startOrStop(); }
+
+void awakeInputError(Scene& scene) {
+  const auto actions = awakeActions(scene, 5);
+  actions.editMinutes("soon");
+  actions.startOrStop();
+}
+
+void awakeRefused(Scene& scene) {
+  scene.awake.assertions.refuse("PreventUserIdleSystemSleep", 95);
+  awakeActions(scene, 0).startOrStop();
+}
+
+template <class Control>
+Control* control(QWidget& window, const char* name) {
+  return window.findChild<Control*>(name);
+}
+
+void scrollToEnd(QWidget& window) {
+  auto& bar = *control<QScrollArea>(window, "usage")->verticalScrollBar();
+  bar.setValue(bar.maximum());
+}
+
+void showRowToolTip(QWidget& window) {
+  auto* const row = control<QWidget>(window, "usageRow");
+  QHelpEvent event(QEvent::ToolTip, {60, 10}, row->mapToGlobal(QPoint(60, 10)));
+  QCoreApplication::sendEvent(row, &event);
+}
+
+void openDurations(QWidget& window) { control<QComboBox>(window, "duration")->showPopup(); }
+
+void openContextMenu(QWidget& window) {
+  auto* const field = control<QWidget>(window, "minutes");
+  QContextMenuEvent event(QContextMenuEvent::Mouse, {20, 10}, field->mapToGlobal(QPoint(20, 10)));
+  QCoreApplication::sendEvent(field, &event);
+}
+
+/// As if Tab had been pressed until there.
+void focus(QWidget& window, const char* name) {
+  window.setAttribute(Qt::WA_KeyboardFocusChange);
+  control<QWidget>(window, name)->setFocus(Qt::TabFocusReason);
+}
+
+constexpr Picture kPictures[] = {
+    {"memory-3", threeProcesses},
+    {"memory-13", thirteenProcesses},
+    {"memory-failed", memoryFailed},
+    {"memory-off", monitoringOff},
+    {"usage", usage},
+    {"usage-unconnected", usageUnconnected},
+    {"usage-stale", usageStale},
+    {"usage-refreshing", usageRefreshing},
+    {"usage-messages", usageMessages},
+    {"usage-long-messages", usageLongMessages},
+    {"usage-extremes", usageExtremes},
+    {"usage-end", usage, scrollToEnd},
+    {"usage-tip", usage, showRowToolTip},
+    {"usage-focus-cards", usage, [](QWidget& window) { focus(window, "usage"); }},
+    {"usage-focus-link", usage, [](QWidget& window) { focus(window, "link.codex"); }},
+    {"usage-focus-connect", usageUnconnected, [](QWidget& window) { focus(window, "connect.codex"); }},
+    {"awake-idle", awakeIdle},
+    {"awake-minutes", awakeMinutes},
+    {"awake-date", awakeDate},
+    {"awake-running", awakeRunning},
+    {"awake-running-date", awakeRunningUntilDate},
+    {"awake-input-error", awakeInputError},
+    {"awake-refused", awakeRefused},
+    {"awake-list", awakeIdle, openDurations},
+    {"awake-menu", awakeMinutes, openContextMenu},
+    {"awake-focus-date", awakeDate, [](QWidget& window) { focus(window, "date"); }},
+    {"awake-focus-minutes", awakeMinutes, [](QWidget& window) { focus(window, "minutes"); }},
+    {"awake-focus-box", awakeIdle, [](QWidget& window) { focus(window, "plugged"); }},
+    {"awake-focus-list", awakeIdle, [](QWidget& window) { focus(window, "battery"); }}};
+
+void runLoopFor(std::chrono::milliseconds time) {
+  QEventLoop loop;
+  QTimer::singleShot(time, &loop, &QEventLoop::quit);
+  loop.exec();
+}
+
+QWidget& topLevel(const char* name) {
+  for (QWidget* const candidate : QApplication::topLevelWidgets()) {
+    if (candidate->objectName() == name) return *candidate;
+  }
+  throw std::logic_error(name);
+}
+
+bool saveScreen(const QRect& part, const QString& path) {
+  runLoopFor(std::chrono::milliseconds(400));
+  return QGuiApplication::primaryScreen()->grabWindow(0, part.x(), part.y(), part.width(), part.height()).save(path);
+}
+
+bool save(UserInterface& interface, const Picture& picture, const QString& path) {
+  Scene scene;
+  picture.fill(scene);
+  const auto window = interface.makeDashboardWindow();
+  const auto& content = scene.controller.content();
+  constexpr double kMargin = 24;
+  window->render(content);
+  window->setFrame({kMargin, kMargin, content.size.width, content.size.height});
+  window->show();
+  runLoopFor(std::chrono::milliseconds(200));
+  if (picture.act != nullptr) picture.act(topLevel("dashboard"));
+  return saveScreen({0, 0, qRound(content.size.width + 2 * kMargin), qRound(content.size.height + 2 * kMargin)}, path);
+}
+
+bool saveAlert(UserInterface& interface, const QString& path) {
+  const auto alert =
+      interface.showAlert({"Keep Awake is running",
+                           "Quitting or installing an update ends this session. Your Mac may sleep afterward.",
+                           {"Keep Running", "End Session & Quit"}},
+                          {});
+  return saveScreen(topLevel("alert").frameGeometry().adjusted(-16, -40, 16, 16), path);
+}
+
+struct SettingsPicture {
+  const char* name;
+  std::size_t page;
+  void (*act)(QWidget& window) = nullptr;
+  LoginItemStatus loginStatus = LoginItemStatus::enabled;
+  const char* message = nullptr;
+};
+
+constexpr SettingsPicture kSettingsPictures[] = {
+    {"settings-general", 0},
+    {"settings-general-long", 0, nullptr, LoginItemStatus::requiresApproval,
+     "Widgets are unavailable in this build. Install the signed Nimbo app to use them."},
+    {"settings-monitors", 1},
+    {"settings-usage", 2},
+    {"settings-awake", 3},
+    {"settings-list", 0, [](QWidget& window) { control<QComboBox>(window, "tabOrder")->showPopup(); }},
+    {"settings-focus-tabs", 0, [](QWidget& window) { focus(window, "tabs"); }},
+    {"settings-focus-box", 1, [](QWidget& window) { focus(window, "cpu"); }},
+    {"settings-focus-list", 0, [](QWidget& window) { focus(window, "preset"); }},
+    {"settings-focus-button", 2, [](QWidget& window) { focus(window, "enableClaudeDesktop"); }}};
+
+bool saveSettings(UserInterface& interface, const SettingsPicture& picture, const QString& path) {
+  FakeUserDefaultsDomains domains;
+  FakeUserDefaults defaults{domains, "com.quellwerk.Nimbo"};
+  Settings settings(defaults);
+  BundleInfo bundle;
+  bundle.shortVersion = "1.0";
+  bundle.version = "1";
+  const auto window = interface.makeSettingsWindow();
+  SettingsWindowController controller(settings, *window, bundle, [&] { return picture.loginStatus; });
+  if (picture.message != nullptr) controller.setWidgetMessage(picture.message);
+  controller.tabChanged(picture.page);
+  controller.show();
+  QWidget& widget = topLevel("settingsWindow");
+  constexpr QMargins kRoom{24, 24, 24, 24};
+  widget.move(kRoom.left(), kRoom.top());
+  runLoopFor(std::chrono::milliseconds(200));
+  if (picture.act != nullptr) picture.act(widget);
+  return saveScreen(widget.geometry().marginsAdded(kRoom), path);
+}
+
+int savePictures(const QDir& folder, const QString& suffix) {
+  QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+  const auto interface = QtUserInterface::make();
+  if (!interface || !folder.mkpath(".")) {
+    std::fputs("No display or no folder.\n", stderr);
+    return 1;
+  }
+  for (const auto appearance : {Appearance::light, Appearance::dark}) {
+    interface->setAppearance(appearance);
+    const auto path = [&](const char* name) {
+      return folder.filePath(
+          QString("%1-%2%3.png").arg(name, appearance == Appearance::light ? "light" : "dark", suffix));
+    };
+    for (const auto& picture : kPictures) {
+      if (!save(*interface, picture, path(picture.name))) return 1;
+    }
+    for (const auto& picture : kSettingsPictures) {
+      if (!saveSettings(*interface, picture, path(picture.name))) return 1;
+    }
+    if (!saveAlert(*interface, path("alert"))) return 1;
+  }
+  return 0;
+}
+
+}  // namespace
+}  // namespace nimbo
+
+int main(int count, char** arguments) {
+  if (count < 2) {
+    std::fputs("usage: dashboard_pictures FOLDER [SUFFIX]\n", stderr);
+    return 2;
+  }
+  return nimbo::savePictures(QDir(arguments[1]), count > 2 ? arguments[2] : "");
+}

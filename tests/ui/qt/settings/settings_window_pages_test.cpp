@@ -1,0 +1,173 @@
+// SPDX-License-Identifier: MIT
+// The window with the program's own pages in it.
+#include <QComboBox>
+
+#include "support/fake_user_defaults.h"
+#include "ui/qt/controls/fitted_label.h"
+#include "ui/qt/qt_test.h"
+#include "ui/settings/settings_window_controller.h"
+
+namespace nimbo {
+namespace {
+
+class SettingsPagesOnScreen : public QtTest {
+ protected:
+  void SetUp() override {
+    interface().setAppearance(Appearance::light);
+    controller_.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&widget()));
+  }
+
+  static QWidget& widget() {
+    for (QWidget* const candidate : QApplication::topLevelWidgets()) {
+      if (candidate->objectName() == "settingsWindow") return *candidate;
+    }
+    throw std::logic_error("no settings window");
+  }
+  template <class Child>
+  static Child& child(const char* name) {
+    if (auto* const found = widget().findChild<Child*>(name)) return *found;
+    throw std::logic_error(name);
+  }
+  static QAbstractButton& box(const char* name) { return child<QAbstractButton>(name); }
+  /// All controls of that kind on all pages.
+  template <class Control>
+  static QList<Control*> all() {
+    return widget().findChildren<Control*>();
+  }
+  static QFont stretched(const char* family, int percent) {
+    QFont font(family);
+    font.setStretch(percent);
+    return font;
+  }
+  static void expectWhole(const FittedLabel& label) {
+    QString drawn;
+    for (const auto& line : label.lines()) {
+      drawn += line.text;
+      EXPECT_LE(textWidth(line.text, line.font, false), label.width()) << line.text.toStdString();
+    }
+    // Without the blanks, which lines may lose where they break.
+    EXPECT_EQ(drawn.remove(' ').toStdString(), label.text().simplified().remove(' ').toStdString());
+  }
+  static double widthOf(const QString& text, double size, FontWeight weight) {
+    return textWidth(text, fontFor(QApplication::font(), size, weight), false);
+  }
+
+  FakeUserDefaultsDomains domains_;
+  FakeUserDefaults defaults_{domains_, "com.quellwerk.Nimbo"};
+  Settings settings_{defaults_};
+  BundleInfo bundle_{.identifier = {},
+                     .shortVersion = "10.12.3",
+                     .version = "20261121",
+                     .feedUrl = {},
+                     .publicKey = {},
+                     .appGroup = {}};
+  LoginItemStatus loginStatus_ = LoginItemStatus::notRegistered;
+  std::unique_ptr<SettingsWindow> window_ = interface().makeSettingsWindow();
+  SettingsWindowController controller_{settings_, *window_, bundle_, [this] { return loginStatus_; }};
+};
+
+/// With another font for as long as it lives.
+class FontInUse {
+ public:
+  explicit FontInUse(const QFont& font) {
+    QApplication::setFont(font);
+    QCoreApplication::processEvents();
+  }
+  ~FontInUse() { QApplication::setFont(before_); }
+  FontInUse(const FontInUse&) = delete;
+  FontInUse& operator=(const FontInUse&) = delete;
+
+ private:
+  const QFont before_ = QApplication::font();
+};
+
+TEST_F(SettingsPagesOnScreen, EachTabShowsItsPage) {
+  for (const auto& [tab, control] : {std::pair{1, "cpu"}, {2, "codex"}, {3, "power"}, {0, "login"}}) {
+    QTest::mouseClick(widget().windowHandle(), Qt::LeftButton, {}, {28 + 126 * tab + 63, 34});
+    EXPECT_TRUE(box(control).isVisible()) << control;
+    int visible = 0;
+    for (const auto* const each : {"cpu", "codex", "power", "login"}) visible += box(each).isVisible();
+    EXPECT_EQ(visible, 1) << control;
+  }
+}
+
+TEST_F(SettingsPagesOnScreen, NoLabelIsCutEvenInAFontWiderByAFifth) {
+  controller_.setWidgetMessage("Widgets are unavailable in this build. Install the signed Nimbo app to use them.");
+  for (const auto status : {LoginItemStatus::enabled, LoginItemStatus::requiresApproval}) {
+    loginStatus_ = status;
+    controller_.sync();
+    for (const auto& font : {stretched("Noto Sans", 100), stretched("Noto Sans", 120), stretched("DejaVu Sans", 100)}) {
+      const FontInUse inUse(font);
+      for (const auto* const label : all<FittedLabel>()) expectWhole(*label);
+    }
+  }
+}
+
+TEST_F(SettingsPagesOnScreen, TextsOnControlsFitInAFontWiderByATenth) {
+  for (const auto& font : {stretched("Noto Sans", 110), stretched("DejaVu Sans", 100)}) {
+    const FontInUse inUse(font);
+    for (const auto* const each : all<QAbstractButton>()) {
+      // Without the box, or what a button leaves free around its title.
+      const int room = each->width() - (each->isCheckable() ? 27 : 20);
+      const auto weight = each->isCheckable() ? FontWeight::regular : FontWeight::medium;
+      EXPECT_LE(widthOf(each->text(), 13, weight), room) << each->text().toStdString();
+    }
+    for (const auto* const each : all<QComboBox>()) {
+      for (int item = 0; item < each->count(); ++item) {
+        EXPECT_LE(widthOf(each->itemText(item), 12, FontWeight::regular), each->width() - 28)
+            << each->itemText(item).toStdString();
+      }
+    }
+  }
+}
+
+TEST_F(SettingsPagesOnScreen, BoxesThatExcludeEachOtherChangeTogether) {
+  box("compact").click();
+  ASSERT_TRUE(settings_.compactMenuBar());
+  box("menuRotation").click();
+  EXPECT_TRUE(box("menuRotation").isChecked());
+  EXPECT_FALSE(box("compact").isChecked());
+  EXPECT_FALSE(settings_.compactMenuBar());
+}
+
+TEST_F(SettingsPagesOnScreen, ChoiceIsStoredAndShown) {
+  auto& battery = child<QComboBox>("battery");
+  battery.setCurrentText("50%");
+  EXPECT_EQ(settings_.awakeBatteryFloor(), 50);
+  EXPECT_EQ(battery.currentText(), "50%");
+}
+
+TEST_F(SettingsPagesOnScreen, RefusedLaunchAtLoginGoesBackAtOnce) {
+  int asked = 0;
+  controller_.onLogin = [&] { ++asked; };
+  box("login").click();
+  EXPECT_EQ(asked, 1);
+  EXPECT_FALSE(box("login").isChecked());
+  controller_.onLogin = [&] { loginStatus_ = LoginItemStatus::enabled; };
+  box("login").click();
+  EXPECT_TRUE(box("login").isChecked());
+}
+
+TEST_F(SettingsPagesOnScreen, ComingBackToItShowsWhatWasStoredMeanwhile) {
+  QWidget other;
+  other.show();
+  other.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+  settings_.setAwakeOnlyOnPower(!settings_.awakeOnlyOnPower());
+  EXPECT_NE(box("power").isChecked(), settings_.awakeOnlyOnPower());
+  widget().activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&widget()));
+  EXPECT_EQ(box("power").isChecked(), settings_.awakeOnlyOnPower());
+}
+
+TEST_F(SettingsPagesOnScreen, MessageAppearsAboveAFocusedControlWithoutTakingItsFocus) {
+  box("login").setFocus(Qt::TabFocusReason);
+  controller_.setWidgetMessage("A message.");
+  EXPECT_TRUE(box("login").hasFocus());
+  controller_.setWidgetMessage({});
+  EXPECT_TRUE(box("login").hasFocus());
+}
+
+}  // namespace
+}  // namespace nimbo

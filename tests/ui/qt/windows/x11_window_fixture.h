@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "support/services/private_display.h"
+#include "ui/qt/qt_test.h"
+#include "x11_client.h"
+
+namespace nimbo {
+
+/// The dashboard on a real X server, opened at 100, 50.
+class X11WindowTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    for (const char* name : {"QT_QPA_PLATFORM", "WAYLAND_DISPLAY", "QT_SCALE_FACTOR"}) qunsetenv(name);
+  }
+  ~X11WindowTest() override {
+    window_.reset();
+    interface_.reset();
+  }
+
+  void start() {
+    interface_ = QtUserInterface::make();
+    ASSERT_NE(interface_, nullptr);
+    window_ = interface_->makeDashboardWindow();
+    window_->setActions({.selectTab = {},
+                         .openSettings = {},
+                         .showMore = {},
+                         .showLess = {},
+                         .openActivityMonitor = {},
+                         .quit = [this] { ++quits_; }});
+    window_->setEvents({.keyDown =
+                            [this](Key key) {
+                              keys_.push_back(key);
+                              return key == Key::escape;
+                            },
+                        .clickedOutside = [this](std::optional<Point> place) { outside_.push_back(place); },
+                        .otherApplicationActivated = [this] { ++activations_; },
+                        .closeRequested = {}});
+    fillDashboard(controller_, DashboardTab::memory, 3);
+    window_->render(controller_.content());
+    window_->setFrame({100, 50, controller_.content().size.width, controller_.content().size.height});
+  }
+  void open() {
+    start();
+    window_->show();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return widget().windowHandle()->isExposed(); }));
+  }
+  [[nodiscard]] static QWidget& widget() {
+    for (QWidget* const candidate : QApplication::topLevelWidgets()) {
+      if (candidate->objectName() == "dashboard") return *candidate;
+    }
+    throw std::logic_error("no dashboard");
+  }
+  template <class Condition>
+  static bool eventually(Condition condition) {
+    return QTest::qWaitFor(condition, 5000);
+  }
+
+  PrivateDisplay display_;
+  X11Client client_;
+  std::unique_ptr<QtUserInterface> interface_;
+  std::unique_ptr<DashboardWindow> window_;
+  SampleAwakePage awake_;
+  DashboardController controller_{awake_.viewServices()};
+  std::vector<Key> keys_;
+  std::vector<std::optional<Point>> outside_;
+  int activations_ = 0;
+  int quits_ = 0;
+};
+
+}  // namespace nimbo

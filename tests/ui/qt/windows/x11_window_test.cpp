@@ -1,0 +1,239 @@
+// SPDX-License-Identifier: MIT
+#include <QTimer>
+#include <QToolTip>
+#include <cstdlib>
+
+#include "platform/linux/loop/dl_module_loader.h"
+#include "ui/controls/palette.h"
+#include "x11_window_fixture.h"
+
+namespace nimbo {
+namespace {
+
+using X11Window = X11WindowTest;
+
+TEST_F(X11Window, StandsWhereItWasPut) {
+  open();
+  const auto ground = panelBackground(Appearance::light);
+  const std::uint32_t expected = qRgb(ground.red, ground.green, ground.blue) & 0xFFFFFF;
+  EXPECT_TRUE(eventually([&] { return client_.pixel(115, 400) == expected; }));
+  EXPECT_NE(client_.pixel(95, 400), expected);
+  EXPECT_EQ(client_.pixel(435, 400), expected);
+  EXPECT_NE(client_.pixel(442, 400), expected);
+}
+
+TEST_F(X11Window, CornersAreCutOutWithoutACompositor) {
+  const std::uint32_t root = client_.pixel(100, 50);
+  open();
+  ASSERT_TRUE(eventually([&] { return client_.pixel(115, 400) != root; }));
+  EXPECT_EQ(client_.pixel(100, 50), root);
+  EXPECT_EQ(client_.pixel(439, 50), root);
+  EXPECT_NE(client_.pixel(106, 56), root);
+}
+
+TEST_F(X11Window, CornersAreLeftToACompositorThatRuns) {
+  client_.becomeCompositor();
+  open();
+  EXPECT_TRUE(widget().mask().isEmpty());
+}
+
+TEST_F(X11Window, KeysReachItWithoutAWindowManager) {
+  open();
+  client_.typeKey(X11Client::kEscape);
+  ASSERT_TRUE(eventually([this] { return !keys_.empty(); }));
+  EXPECT_EQ(keys_, std::vector<Key>{Key::escape});
+  EXPECT_TRUE(window_->visible());
+}
+
+TEST_F(X11Window, ControlQQuits) {
+  open();
+  client_.pressKey(X11Client::kControl);
+  client_.typeKey(X11Client::kQ);
+  client_.releaseKey(X11Client::kControl);
+  EXPECT_TRUE(eventually([this] { return quits_ == 1; }));
+}
+
+TEST_F(X11Window, ClickOutsideIsReportedWithItsPlaceAndKeptFromOthers) {
+  open();
+  EXPECT_TRUE(window_->grabsPointer());
+  client_.click(600, 300);
+  ASSERT_TRUE(eventually([this] { return !outside_.empty(); }));
+  EXPECT_EQ(outside_[0], (Point{600, 300}));
+  EXPECT_TRUE(window_->visible()) << "closing is the owner's decision";
+}
+
+TEST_F(X11Window, ClickInsideIsNotReported) {
+  open();
+  client_.click(130, 200);
+  client_.click(600, 300);
+  ASSERT_TRUE(eventually([this] { return !outside_.empty(); }));
+  EXPECT_EQ(outside_, std::vector<std::optional<Point>>{(Point{600, 300})});
+}
+
+TEST_F(X11Window, TakesThePointerAsSoonAsThePanelLetsGo) {
+  start();
+  ASSERT_TRUE(client_.grabPointer());
+  window_->show();
+  EXPECT_FALSE(window_->grabsPointer());
+  client_.ungrabPointer();
+  EXPECT_TRUE(eventually([this] { return window_->grabsPointer(); }));
+  EXPECT_FALSE(client_.grabPointer());
+  client_.click(600, 300);
+  EXPECT_TRUE(eventually([this] { return !outside_.empty(); }));
+  client_.typeKey(X11Client::kEscape);
+  EXPECT_TRUE(eventually([this] { return !keys_.empty(); }));
+}
+
+TEST_F(X11Window, PointerThatRestsShowsTheToolTipInTheWindowsColours) {
+  open();
+  interface_->setAppearance(Appearance::dark);
+  client_.movePointer(300, 420);
+  client_.movePointer(302, 422);
+  ASSERT_TRUE(eventually([] { return QToolTip::isVisible(); }));
+  EXPECT_TRUE(QToolTip::text().contains("Memory stored on disk.")) << QToolTip::text().toStdString();
+  const auto ground = panelBackground(Appearance::dark);
+  EXPECT_EQ(QToolTip::palette().color(QPalette::ToolTipBase).rgb(), qRgb(ground.red, ground.green, ground.blue));
+  EXPECT_TRUE(window_->visible());
+  client_.typeKey(X11Client::kEscape);
+  EXPECT_TRUE(eventually([this] { return !keys_.empty(); }));
+}
+
+TEST_F(X11Window, ShownAgainWhileOpenKeepsThePointer) {
+  open();
+  window_->show();
+  EXPECT_TRUE(window_->grabsPointer());
+  EXPECT_FALSE(client_.grabPointer());
+  client_.click(600, 300);
+  EXPECT_TRUE(eventually([this] { return !outside_.empty(); }));
+}
+
+TEST_F(X11Window, HiddenWindowLetsThePointerGo) {
+  open();
+  window_->hide();
+  EXPECT_FALSE(window_->grabsPointer());
+  EXPECT_TRUE(eventually([this] { return client_.grabPointer(); }));
+}
+
+TEST_F(X11Window, OpensAgainAfterHiding) {
+  open();
+  window_->hide();
+  client_.click(600, 300);
+  window_->show();
+  client_.click(700, 350);
+  ASSERT_TRUE(eventually([this] { return !outside_.empty(); }));
+  EXPECT_EQ(outside_, std::vector<std::optional<Point>>{(Point{700, 350})});
+}
+
+TEST_F(X11Window, OtherApplicationsActiveWindowIsReported) {
+  const auto before = client_.makeWindow();
+  client_.announceActiveWindow(before);
+  open();
+  const auto later = client_.makeWindow();
+  client_.announceActiveWindow(later);
+  EXPECT_TRUE(eventually([this] { return activations_ == 1; }));
+}
+
+TEST_F(X11Window, PanelsAndLostFocusAreNoActivation) {
+  open();
+  client_.announceActiveWindow(client_.makeWindow("_NET_WM_WINDOW_TYPE_DOCK"));
+  client_.announceActiveWindow(XCB_WINDOW_NONE);
+  client_.announceActiveWindow(client_.makeWindow("_NET_WM_WINDOW_TYPE_DESKTOP"));
+  client_.announceActiveWindow(client_.makeWindow());
+  ASSERT_TRUE(eventually([this] { return activations_ > 0; }));
+  EXPECT_EQ(activations_, 1);
+}
+
+TEST_F(X11Window, ActivationsAreOfNoInterestWhileHidden) {
+  open();
+  window_->hide();
+  client_.announceActiveWindow(client_.makeWindow());
+  window_->show();
+  client_.announceActiveWindow(client_.makeWindow());
+  ASSERT_TRUE(eventually([this] { return activations_ > 0; }));
+  EXPECT_EQ(activations_, 1);
+}
+
+TEST_F(X11Window, InAWaylandSessionLosingTheFocusIsReported) {
+  qputenv("WAYLAND_DISPLAY", "wayland-0");
+  open();
+  EXPECT_EQ(widget().windowType(), Qt::Tool);
+  EXPECT_FALSE(window_->grabsPointer());
+  client_.focus(static_cast<xcb_window_t>(widget().winId()));
+  ASSERT_TRUE(eventually([&] { return widget().isActiveWindow(); }));
+  EXPECT_EQ(activations_, 0);
+  client_.focus(client_.makeWindow());
+  EXPECT_TRUE(eventually([this] { return activations_ == 1; }));
+}
+
+TEST_F(X11Window, ScaleTwoHalvesPixelsIntoPoints) {
+  qputenv("QT_SCALE_FACTOR", "2");
+  open();
+  const auto screens = interface_->screens();
+  ASSERT_EQ(screens.size(), 1U);
+  EXPECT_EQ(screens[0].frame, (Rect{0, 0, 640, 400}));
+  EXPECT_EQ(interface_->toPoints({1200, 10, 24, 24}), (Rect{600, 5, 12, 12}));
+  client_.click(1000, 300);
+  ASSERT_TRUE(eventually([this] { return !outside_.empty(); }));
+  EXPECT_EQ(outside_[0], (Point{500, 150}));
+}
+
+TEST_F(X11Window, ScaleTwoTakesAPlaceAtThePointerAsItIs) {
+  qputenv("QT_SCALE_FACTOR", "2");
+  open();
+  client_.click(1000, 300);
+  ASSERT_TRUE(eventually([this] { return !outside_.empty(); }));
+  EXPECT_EQ(interface_->toPoints({488, 138, 24, 24}), (Rect{488, 138, 24, 24})) << "in points";
+  EXPECT_EQ(interface_->toPoints({988, 288, 24, 24}), (Rect{494, 144, 12, 12})) << "in pixels";
+}
+
+TEST_F(X11Window, ScaleTwoTakesAPlaceAwayFromThePointerAsTheLastOneWas) {
+  qputenv("QT_SCALE_FACTOR", "2");
+  open();
+  client_.click(1000, 300);
+  ASSERT_TRUE(eventually([this] { return !outside_.empty(); }));
+  const Rect away{100, 10, 24, 24};
+  EXPECT_EQ(interface_->toPoints(away), (Rect{50, 5, 12, 12})) << "nothing is known yet";
+  ASSERT_EQ(interface_->toPoints({488, 138, 24, 24}), (Rect{488, 138, 24, 24}));
+  EXPECT_EQ(interface_->toPoints(away), away);
+  ASSERT_EQ(interface_->toPoints({988, 288, 24, 24}), (Rect{494, 144, 12, 12}));
+  EXPECT_EQ(interface_->toPoints(away), (Rect{50, 5, 12, 12}));
+}
+
+TEST_F(X11Window, NoDisplayGivesNoUserInterfaceAndLaterItMay) {
+  const std::string name = display_.name();
+  qunsetenv("DISPLAY");
+  EXPECT_EQ(QtUserInterface::make(), nullptr);
+  qputenv("DISPLAY", ":98765");
+  EXPECT_EQ(QtUserInterface::make(), nullptr);
+  qputenv("DISPLAY", name.c_str());
+  EXPECT_NE(QtUserInterface::make(), nullptr);
+}
+
+TEST_F(X11Window, ModuleGivesAUserInterface) {
+  DlModuleLoader loader(NIMBO_MODULE_FOLDER);
+  const auto symbol = loader.symbol("nimbo-ui", kUserInterfaceEntryName);
+  ASSERT_TRUE(symbol) << symbol.error().message;
+  const std::unique_ptr<UserInterface> loaded(reinterpret_cast<UserInterfaceEntry>(*symbol)(DisplayNeed::required));
+  ASSERT_NE(loaded, nullptr);
+  EXPECT_EQ(loaded->screens().size(), 1U);
+  const auto window = loaded->makeDashboardWindow();
+  window->show();
+  EXPECT_TRUE(window->visible());
+}
+
+[[noreturn]] void loseServer(PrivateDisplay& display) {
+  const auto interface = QtUserInterface::make();
+  const auto window = interface->makeDashboardWindow();
+  window->show();
+  QTimer::singleShot(100, [&] { display.stop(); });
+  QCoreApplication::exec();
+  std::_Exit(77);
+}
+
+TEST_F(X11Window, LostServerEndsTheProcessWithoutACrash) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(loseServer(display_), testing::ExitedWithCode(1), "connection broke");
+}
+
+}  // namespace
+}  // namespace nimbo

@@ -1,0 +1,250 @@
+// SPDX-License-Identifier: MIT
+#include "ui/settings/settings_window_controller.h"
+
+#include <memory>
+#include <optional>
+
+#include "ui/settings/settings_window_fixture.h"
+
+namespace nimbo {
+namespace {
+
+constexpr char kSavedNote[] = "Nimbo stays in the menu bar. Settings are saved as you change them.";
+constexpr char kApprovalNote[] = "Approval needed in System Settings → General → Login Items. Click above to open it.";
+
+class SettingsWindowControllerTest : public SettingsWindowTest {
+ protected:
+  [[nodiscard]] std::vector<bool> pagesVisible() const {
+    std::vector<bool> visible;
+    for (const auto& page : window.content().pages) visible.push_back(page.visible);
+    return visible;
+  }
+};
+
+// Pages and the window.
+
+TEST_F(SettingsWindowControllerTest, OpensOnTheFirstOfFourPages) {
+  EXPECT_TRUE(window.visible());
+  EXPECT_EQ(window.shows(), 1);
+  EXPECT_EQ(window.content().tabs.selected, kGeneralPage);
+  EXPECT_EQ(pagesVisible(), (std::vector{true, false, false, false}));
+}
+
+TEST_F(SettingsWindowControllerTest, TabShowsItsPageAndHidesTheOthers) {
+  for (const std::size_t tab : {kAwakePage, kMonitorsPage, kUsagePage, kGeneralPage}) {
+    ASSERT_TRUE(window.selectTab(tab));
+    std::vector<bool> expected(4, false);
+    expected[tab] = true;
+    EXPECT_EQ(pagesVisible(), expected);
+    EXPECT_EQ(window.content().tabs.selected, tab);
+  }
+  EXPECT_EQ(takeChanges(), std::vector<Change>{});
+}
+
+TEST_F(SettingsWindowControllerTest, TabThatIsNotThereIsIgnored) {
+  controller.tabChanged(kUsagePage);
+  controller.tabChanged(4);
+  EXPECT_EQ(pagesVisible(), (std::vector{false, false, true, false}));
+}
+
+TEST_F(SettingsWindowControllerTest, ReopenedWindowKeepsItsPage) {
+  ASSERT_TRUE(window.selectTab(kUsagePage));
+  controller.close();
+  EXPECT_FALSE(controller.visible());
+  controller.show();
+  EXPECT_TRUE(controller.visible());
+  EXPECT_EQ(window.content().tabs.selected, kUsagePage);
+}
+
+TEST_F(SettingsWindowControllerTest, OpensWithWhatWasStoredMeanwhile) {
+  controller.close();
+  settings.setMonitorCpu(true);
+  EXPECT_FALSE(check("cpu").on);
+  controller.show();
+  EXPECT_TRUE(check("cpu").on);
+}
+
+TEST_F(SettingsWindowControllerTest, BecomingKeyShowsWhatWasStoredMeanwhile) {
+  settings.setAwakeBatteryFloor(50);
+  settings.setMenuRotation(true);
+  EXPECT_EQ(chosen("battery"), "20%");
+  ASSERT_TRUE(window.becomeKey());
+  EXPECT_EQ(chosen("battery"), "50%");
+  EXPECT_TRUE(check("menuRotation").on);
+}
+
+TEST_F(SettingsWindowControllerTest, EveryActionShowsWhatElseWasStoredMeanwhile) {
+  settings.setMonitorCpu(true);
+  click("codex");
+  EXPECT_TRUE(check("cpu").on);
+  settings.setMonitorCpu(false);
+  choose("interval", 0);
+  EXPECT_FALSE(check("cpu").on);
+  settings.setMonitorCpu(true);
+  press("checkUpdates");
+  EXPECT_TRUE(check("cpu").on);
+}
+
+TEST_F(SettingsWindowControllerTest, ChangesFromElsewhereReachAnOpenWindowOnly) {
+  settings.setMonitorCpu(true);
+  controller.syncIfVisible();
+  EXPECT_TRUE(check("cpu").on);
+  controller.close();
+  const int renders = window.renders();
+  settings.setMonitorCpu(false);
+  controller.syncIfVisible();
+  EXPECT_EQ(window.renders(), renders);
+}
+
+TEST_F(SettingsWindowControllerTest, OwnerIsToldAfterTheSettingIsWrittenAndBeforeItIsShown) {
+  bool stored = false;
+  bool shown = true;
+  controller.onChange = [&](const Change&) {
+    stored = settings.monitorCpu();
+    shown = check("cpu").on;
+  };
+  click("cpu");
+  EXPECT_TRUE(stored);
+  EXPECT_FALSE(shown);
+}
+
+TEST_F(SettingsWindowControllerTest, WhatTheOwnerPutsBackIsShownAtOnce) {
+  controller.onChange = [this](const Change& change) {
+    if (change.kind == Kind::display) settings.setAwakeDisplayOn(false);
+  };
+  click("display");
+  EXPECT_FALSE(check("display").on);
+}
+
+// Launch at login.
+
+TEST_F(SettingsWindowControllerTest, LoginAsksTheOwnerAndShowsTheNewState) {
+  controller.onLogin = [this] { loginStatus = LoginItemStatus::enabled; };
+  EXPECT_EQ(check("login").title, "Launch at login");
+  click("login");
+  EXPECT_TRUE(check("login").on);
+  EXPECT_EQ(takeChanges(), std::vector<Change>{});
+  EXPECT_EQ(takeWrittenKeys(), std::vector<std::string>{});
+}
+
+TEST_F(SettingsWindowControllerTest, RefusedLoginStaysUnticked) {
+  const int renders = window.renders();
+  click("login");
+  EXPECT_EQ(logins, 1);
+  EXPECT_FALSE(check("login").on);
+  EXPECT_GT(window.renders(), renders) << "the window has to be told, since its box is ticked by now";
+}
+
+TEST_F(SettingsWindowControllerTest, EnabledLoginThatStaysEnabledStaysTicked) {
+  loginStatus = LoginItemStatus::enabled;
+  controller.sync();
+  click("login");
+  EXPECT_EQ(logins, 1);
+  EXPECT_TRUE(check("login").on);
+}
+
+TEST_F(SettingsWindowControllerTest, NoteAsksForApprovalOnlyWhileItIsNeeded) {
+  for (const auto status : {LoginItemStatus::notRegistered, LoginItemStatus::enabled}) {
+    loginStatus = status;
+    controller.sync();
+    EXPECT_TRUE(shows(kSavedNote));
+    EXPECT_FALSE(shows(kApprovalNote));
+  }
+  loginStatus = LoginItemStatus::requiresApproval;
+  ASSERT_TRUE(window.becomeKey());
+  EXPECT_TRUE(shows(kApprovalNote));
+  EXPECT_FALSE(shows(kSavedNote));
+  EXPECT_FALSE(check("login").on);
+}
+
+// Updates and the desktop fallback.
+
+TEST_F(SettingsWindowControllerTest, UpdatesBoxOnlyAsksTheOwner) {
+  EXPECT_EQ(check("updates").title, "Check for updates automatically");
+  click("updates");
+  EXPECT_EQ(updateToggles, 1);
+  EXPECT_FALSE(check("updates").on);
+  EXPECT_EQ(takeChanges(), std::vector<Change>{});
+  EXPECT_EQ(takeWrittenKeys(), std::vector<std::string>{});
+}
+
+TEST_F(SettingsWindowControllerTest, UpdatesBoxShowsWhatTheOwnerPushesIn) {
+  controller.onToggleAutomaticUpdates = [this] { controller.setAutomaticUpdates(true); };
+  click("updates");
+  EXPECT_TRUE(check("updates").on);
+  controller.setAutomaticUpdates(false);
+  EXPECT_FALSE(check("updates").on);
+}
+
+TEST_F(SettingsWindowControllerTest, UpdatesPushedInWhileClosedAreShownOnOpening) {
+  controller.close();
+  controller.setAutomaticUpdates(true);
+  EXPECT_FALSE(check("updates").on);
+  controller.show();
+  EXPECT_TRUE(check("updates").on);
+}
+
+TEST_F(SettingsWindowControllerTest, ButtonsAskTheOwnerOnce) {
+  press("checkUpdates");
+  EXPECT_EQ(updateChecks, 1);
+  EXPECT_EQ(claudeDesktopRequests, 0);
+  press("enableClaudeDesktop");
+  EXPECT_EQ(updateChecks, 1);
+  EXPECT_EQ(claudeDesktopRequests, 1);
+  EXPECT_EQ(takeChanges(), std::vector<Change>{});
+}
+
+// The widgets' trouble.
+
+TEST_F(SettingsWindowControllerTest, WidgetMessageIsThereOnlyWhileThereIsOne) {
+  const auto without = window.content();
+  controller.setWidgetMessage("Widget sharing unavailable.");
+  EXPECT_TRUE(shows("Widget sharing unavailable."));
+  controller.setWidgetMessage(std::nullopt);
+  EXPECT_EQ(window.content(), without);
+}
+
+TEST_F(SettingsWindowControllerTest, WidgetMessageComesOnOpeningToAClosedWindow) {
+  controller.close();
+  controller.setWidgetMessage("Widget sharing unavailable.");
+  EXPECT_FALSE(shows("Widget sharing unavailable."));
+  controller.show();
+  EXPECT_TRUE(shows("Widget sharing unavailable."));
+}
+
+// Its ends.
+
+TEST_F(SettingsWindowControllerTest, EverythingWorksWithoutAnOwner) {
+  controller.onChange = nullptr;
+  controller.onLogin = controller.onCheckUpdates = nullptr;
+  controller.onToggleAutomaticUpdates = controller.onEnableClaudeDesktop = nullptr;
+  click("cpu");
+  click("login");
+  click("updates");
+  press("checkUpdates");
+  press("enableClaudeDesktop");
+  EXPECT_EQ(stored("monitorCPU"), true);
+}
+
+TEST_F(SettingsWindowControllerTest, LetsGoOfTheWindowAtItsEnd) {
+  FakeSettingsWindow other;
+  auto second = std::make_unique<SettingsWindowController>(settings, other, bundle, [this] { return loginStatus; });
+  EXPECT_TRUE(other.hasListeners());
+  EXPECT_EQ(other.renders(), 0) << "nothing is made for a window that nobody opened";
+  second.reset();
+  EXPECT_FALSE(other.hasListeners());
+}
+
+TEST_F(SettingsWindowControllerTest, WindowThatCannotBeShownCostsNothingLater) {
+  controller.close();
+  window.canBeShown = false;
+  controller.show();
+  EXPECT_FALSE(controller.visible());
+  const int renders = window.renders();
+  controller.syncIfVisible();
+  controller.setAutomaticUpdates(true);
+  EXPECT_EQ(window.renders(), renders);
+}
+
+}  // namespace
+}  // namespace nimbo

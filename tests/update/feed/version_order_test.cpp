@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: MIT
+#include "update/feed/version_order.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace nimbo {
+namespace {
+
+TEST(VersionOrder, NumbersAreComparedAsNumbers) {
+  EXPECT_TRUE(isNewerVersion("1.10", "1.9"));
+  EXPECT_TRUE(isNewerVersion("10", "9.9.9"));
+  EXPECT_TRUE(isNewerVersion("1.2.1", "1.2"));
+  EXPECT_FALSE(isNewerVersion("1.9", "1.10"));
+  EXPECT_FALSE(isNewerVersion("0.1.0", "0.1.0"));
+}
+
+TEST(VersionOrder, MissingNumbersAndLeadingZerosDoNotMatter) {
+  EXPECT_EQ(compareVersions("1", "1.0.0"), std::strong_ordering::equal);
+  EXPECT_EQ(compareVersions("1.02", "1.2"), std::strong_ordering::equal);
+  EXPECT_EQ(compareVersions("0", "0.0"), std::strong_ordering::equal);
+  EXPECT_EQ(compareVersions("1", "1.0.1"), std::strong_ordering::less);
+  EXPECT_FALSE(isNewerVersion("1.0", "1"));
+}
+
+TEST(VersionOrder, NumbersOfAnyLengthAreCompared) {
+  const std::string huge(1000, '9');
+  EXPECT_TRUE(isNewerVersion(huge, "18446744073709551616"));
+  EXPECT_TRUE(isNewerVersion("18446744073709551617", "18446744073709551616"));
+  EXPECT_TRUE(isNewerVersion("1" + std::string(1000, '0'), huge));
+  EXPECT_FALSE(isNewerVersion(std::string(1000, '0') + "1", "1"));
+}
+
+TEST(VersionOrder, WhatIsNoVersionIsNeverNewerNorOlder) {
+  for (const char* const text :
+       {"", ".", "1.", ".1", "1..2", "1.2-beta", "1.2b1", "v1.2", "-1", "+1", "1,2", " 1", "1\n", "١", "1.2~rc1"}) {
+    EXPECT_FALSE(isVersion(text)) << text;
+    EXPECT_FALSE(isNewerVersion(text, "0.1")) << text;
+    EXPECT_FALSE(isNewerVersion("99", text)) << text;
+  }
+}
+
+}  // namespace
+}  // namespace nimbo
