@@ -8,6 +8,7 @@ import json
 import os
 import pathlib
 import re
+import signal
 import subprocess
 import sys
 import tempfile
@@ -34,6 +35,7 @@ PAGES = {
     "settings-keep-awake": "Keep Awake",
 }
 AGAIN = 5  # seconds after which a click or a key counts as lost
+MIN_WIDTH = 420  # of a picture
 HISTORY = 8  # seconds of readings that make a history to see
 RUNNING = "Your Mac is staying awake"
 STARTED = time.monotonic()
@@ -53,7 +55,8 @@ class WatchedProgram(Program):
 
     def status(self):
         code = self.child.process.returncode
-        return f"status {code}; standard error: {self.errors().strip() or 'nothing'}"
+        how = f"status {code}" if code >= 0 else signal.Signals(-code).name
+        return f"{how}; on its standard error: {self.errors().strip() or 'nothing'}"
 
     def dashboard(self):
         self.check()
@@ -157,7 +160,7 @@ class Demonstration:
                 self.steps[picture]()
                 frame = self.panel.settled()
                 self.nimbo.check()
-                frame.save(self.folder / f"{picture}-{self.column}.png")
+                self.cropped(frame).save(self.folder / f"{picture}-{self.column}.png")
                 return
             except FAILURES as error:
                 self.report(picture, str(error))
@@ -165,6 +168,13 @@ class Demonstration:
                 self.start()
                 if not isinstance(error, Ended):
                     return
+
+    def cropped(self, frame):
+        """Without the empty part of the desktop, but from the panel to what hangs from it."""
+        x, y, width, height = self.empty.changed_box(frame) or (0, 0, frame.width, frame.height)
+        margin = 24 * self.scale
+        left = max(0, min(x - margin, frame.width - MIN_WIDTH * self.scale))
+        return frame.cropped(left, 0, frame.width - left, min(frame.height, y + height + margin))
 
     def end(self):
         self.close()
@@ -322,10 +332,11 @@ def main(binary, target, scales):
     for scale in scales:
         problems += passes(binary, folder, scale)
     page, missing = demo_page.write(folder, scales, problems)
+    print("\nWhat went wrong:" if problems or missing else "\nEvery picture is there.")
     for column, picture, reason, screen in problems:
-        print(f"{column}: {picture}: {reason}" + (f" (the screen then: {folder / screen})" if screen else ""))
+        print(f"  {column}, {picture}: {reason}" + (f"\n    on the screen then: {folder / screen}" if screen else ""))
     for name in missing:
-        print(f"missing: {name}")
+        print(f"  missing: {name}")
     print(f"\n{page}", flush=True)
     return 1 if problems or missing else 0
 

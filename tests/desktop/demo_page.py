@@ -35,7 +35,7 @@ PAGE = """<!DOCTYPE html>
   h2 {{ margin: 2.5rem 0 .5rem; font-size: 1.1rem }}
   .row {{ display: grid; grid-template-columns: repeat(auto-fit, minmax(min(100%, 26rem), 1fr)); gap: 1rem }}
   figure {{ margin: 0 }}
-  img {{ display: block; width: 100%; border: 1px solid var(--line); border-radius: 8px }}
+  img {{ display: block; max-width: 100%; border: 1px solid var(--line); border-radius: 8px }}
   figcaption, header p {{ color: var(--faint); font-size: .85rem }}
   .missing {{ color: var(--bad); border: 1px dashed; border-radius: 8px; padding: 2rem; text-align: center }}
   .problems {{ color: var(--bad) }}
@@ -66,11 +66,10 @@ def write(folder, scales, problems):
                 count += path.exists()
                 if not path.exists():
                     missing.append(path.name)
-                figures.append(_figure(path, f"{title}, {scheme}"))
+                figures.append(_figure(path, title, scheme))
             suffix = "" if scale == 1 else f" at scale {scale}"
             rows.append(f"<h2>{title}{suffix}</h2>\n<div class=row>\n" + "\n".join(figures) + "\n</div>")
-    entries = [f"{column}, {picture}: {reason}" for column, picture, reason, _screen in problems]
-    listed = "".join(f"<li>{html.escape(entry)}</li>\n" for entry in entries)
+    listed = "".join(f"<li>{_problem(*problem)}</li>\n" for problem in problems)
     page = folder / "index.html"
     page.write_text(
         PAGE.format(
@@ -82,9 +81,14 @@ def write(folder, scales, problems):
     return page, missing
 
 
-def _figure(path, caption):
+def _problem(column, picture, reason, screen):
+    text = html.escape(f"{column}, {picture}: {reason}")
+    return f'{text} (<a href="{screen}">the screen then</a>)' if screen else text
+
+
+def _figure(path, title, scheme):
     if not path.exists():
         return f"<figure><div class=missing>{path.name} is missing</div></figure>"
     data = base64.b64encode(path.read_bytes()).decode()
-    image = f'<a href="{path.name}"><img alt="{caption}" src="data:image/png;base64,{data}"></a>'
-    return f"<figure>{image}<figcaption>{caption}</figcaption></figure>"
+    image = f'<a href="{path.name}"><img alt="{title}, {scheme}" src="data:image/png;base64,{data}"></a>'
+    return f"<figure>{image}<figcaption>{scheme}</figcaption></figure>"

@@ -44,6 +44,10 @@ class Frame:
         right = self.width - 1 - ((changed & -changed).bit_length() - 1) // bits
         return left, rows[0], right - left + 1, rows[-1] - rows[0] + 1
 
+    def cropped(self, x, y, width, height):
+        rows = (self.row(line)[x * PIXEL : (x + width) * PIXEL] for line in range(y, y + height))
+        return Frame(width, height, b"".join(rows))
+
     def save(self, path):
         """As PNG."""
         colors = bytearray(self.width * self.height * 3)
