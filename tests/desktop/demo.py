@@ -19,9 +19,10 @@ from gi.repository import GLib
 import accessibility
 import claude_tool
 import demo_page
+import power_services
 import program
 from nimbo_desktop import BOUND, Session, wait_until, xdotool
-from power_services import Logind, power_management
+from power_services import Logind
 from program import Program
 from screen import Screen
 from xfce_panel import XfcePanel
@@ -115,6 +116,7 @@ class Demonstration:
         self.say("starting a desktop")
         size = f"{1280 * self.scale}x{800 * self.scale}x24"
         self.session = Session(display=True, system_bus=True, size=size)
+        signal.signal(signal.SIGTERM, self.stop)
         try:
             self.prepare()
             self.start()
@@ -127,6 +129,11 @@ class Demonstration:
         finally:
             self.session.close()
 
+    def stop(self, *_signal):
+        """At once, because what is raised inside the main loop would be lost there."""
+        self.session.close()
+        os._exit(1)
+
     def prepare(self):
         self.session.env["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
         if self.scale != 1:
@@ -135,9 +142,11 @@ class Demonstration:
         claude_tool.install(self.session, claude_tool.screen(61, 23))
         self.session.settings(**SETTINGS, **SUBSCRIPTIONS)
         if Logind.missing():
-            self.power = power_management(self.session)
+            # In a process of its own: while the program asks it, this one may be waiting for the program.
+            self.session.start([sys.executable, "-B", power_services.__file__])
+            wait_until(lambda: "org.gnome.SessionManager" in self.session.names(), "the session manager")
         else:
-            self.power = Logind(self.session)
+            self.logind = Logind(self.session)
         self.panel = XfcePanel(self.session, dark=self.scheme == "dark", scale=self.scale)
         self.empty = self.panel.settled()
 
@@ -184,10 +193,13 @@ class Demonstration:
 
     def report(self, picture, reason):
         """`picture` is "end" for what has to do with none."""
-        screen = self.folder / f"failed-{picture}-{self.column}.png"
-        Screen(self.session.display.frame_buffer).frame().save(screen)
+        screen = f"failed-{picture}-{self.column}.png"
+        try:
+            Screen(self.session.display.frame_buffer).frame().save(self.folder / screen)
+        except OSError as error:
+            screen, reason = None, f"{reason}; no screen: {error}"
         with self.problems.open("a") as stream:
-            print(json.dumps([self.column, picture, reason, screen.name]), file=stream)
+            print(json.dumps([self.column, picture, reason, screen]), file=stream)
         self.say(f"{picture}: {reason}")
 
     def say(self, text):
@@ -306,16 +318,23 @@ def passes(binary, folder, scale):
     problems = []
     with tempfile.TemporaryDirectory(prefix="nimbo-demo-") as reports:
         running = []
-        for scheme in demo_page.SCHEMES:
-            report = pathlib.Path(reports) / scheme
-            command = [sys.executable, "-B", __file__, binary, folder, scheme, str(scale), report]
-            # What is slow on a machine under load has not failed.
-            running.append((subprocess.Popen(command, env={**os.environ, "NIMBO_SLOW": "1"}), scheme, report))
-        for child, scheme, report in running:
-            if child.wait() != 0:
-                problems.append([demo_page.column(scheme, scale), "end", f"ended with status {child.returncode}", None])
-            if report.exists():
-                problems += map(json.loads, report.read_text().splitlines())
+        try:
+            for scheme in demo_page.SCHEMES:
+                report = pathlib.Path(reports) / scheme
+                command = [sys.executable, "-B", __file__, binary, folder, scheme, str(scale), report]
+                # What is slow on a machine under load has not failed. Ctrl-C is only for this process, which ends the others.
+                child = subprocess.Popen(command, env={**os.environ, "NIMBO_SLOW": "1"}, start_new_session=True)
+                running.append((child, scheme, report))
+            for child, scheme, report in running:
+                if child.wait() != 0:
+                    column = demo_page.column(scheme, scale)
+                    problems.append([column, "end", f"ended with status {child.returncode}", None])
+                if report.exists():
+                    problems += map(json.loads, report.read_text().splitlines())
+        finally:
+            for child, _scheme, _report in running:
+                child.terminate()
+                child.wait()
     return problems
 
 
@@ -342,8 +361,12 @@ def main(binary, target, scales):
 
 
 if __name__ == "__main__":
-    if len(sys.argv) == 6:
-        program.BINARY, _folder, _scheme, _scale, _problems = sys.argv[1:]
-        Demonstration(pathlib.Path(_folder), _scheme, int(_scale), pathlib.Path(_problems)).run()
-    else:
-        sys.exit(main(*sys.argv[1:3], (1, 2) if "--all" in sys.argv[3:] else (1,)))
+    signal.signal(signal.SIGTERM, signal.default_int_handler)
+    try:
+        if len(sys.argv) == 6:
+            program.BINARY, _folder, _scheme, _scale, _problems = sys.argv[1:]
+            Demonstration(pathlib.Path(_folder), _scheme, int(_scale), pathlib.Path(_problems)).run()
+        else:
+            sys.exit(main(*sys.argv[1:3], (1, 2) if "--all" in sys.argv[3:] else (1,)))
+    except KeyboardInterrupt:
+        sys.exit(128 + signal.SIGINT)

@@ -97,14 +97,18 @@ class Bus:
         self.variable = "DBUS_SYSTEM_BUS_ADDRESS" if system else "DBUS_SESSION_BUS_ADDRESS"
 
     def connect(self):
-        connection = Gio.DBusConnection.new_for_address_sync(
-            self.address,
-            Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION,
-            None,
-            None,
-        )
-        connection.set_exit_on_close(False)
-        return connection
+        return connect(self.address)
+
+
+def connect(address):
+    connection = Gio.DBusConnection.new_for_address_sync(
+        address,
+        Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION,
+        None,
+        None,
+    )
+    connection.set_exit_on_close(False)
+    return connection
 
 
 class Display:
