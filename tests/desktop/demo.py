@@ -63,22 +63,19 @@ class WatchedProgram(Program):
         self.check()
         return super().dashboard()
 
-    def controls(self):
+    def ask(self, question, *arguments):
+        """None for what came or went meanwhile, which shows in more than one way."""
         self.check()
         try:
-            return [control for control in accessibility.described(self.pid) if control["showing"]]
-        except GLib.Error:  # a window came or went meanwhile
-            return []
+            return question(self.pid, *arguments)
+        except (GLib.Error, AttributeError, TypeError):
+            return None
+
+    def controls(self):
+        return [control for control in self.ask(accessibility.described) or [] if control["showing"]]
 
     def press(self, name):
-        def pressed():
-            self.check()
-            try:
-                return accessibility.pressed(self.pid, name)
-            except GLib.Error:
-                return False
-
-        wait_until(pressed, f"a control named {name!r} to press")
+        wait_until(lambda: self.ask(accessibility.pressed, name), f"a control named {name!r} to press")
 
     def wait_for_control(self, matches, what):
         wait_until(lambda: any(matches(control) for control in self.controls()), what)
@@ -99,6 +96,7 @@ class Demonstration:
         self.scale = scale
         self.problems = problems  # a file that gets a line for each
         self.column = demo_page.column(scheme, scale)
+        self.nimbo = None  # while it does not run
         self.open = None  # the dashboard, the settings, the menu or the question
         self.steps = {
             "tray": self.close,
@@ -119,7 +117,6 @@ class Demonstration:
         signal.signal(signal.SIGTERM, self.stop)
         try:
             self.prepare()
-            self.start()
             for picture in self.steps:
                 self.say(picture)
                 self.take(picture)
@@ -166,6 +163,8 @@ class Demonstration:
         """Saves a picture of what its steps lead to. A program that ends is started again, for a second try."""
         for _ in range(2):
             try:
+                if not self.nimbo:
+                    self.start()
                 self.steps[picture]()
                 frame = self.panel.settled()
                 self.nimbo.check()
@@ -174,7 +173,7 @@ class Demonstration:
             except FAILURES as error:
                 self.report(picture, str(error))
                 self.nimbo.child.end()
-                self.start()
+                self.nimbo = None
                 if not isinstance(error, Ended):
                     return
 
@@ -186,6 +185,8 @@ class Demonstration:
         return frame.cropped(left, 0, frame.width - left, min(frame.height, y + height + margin))
 
     def end(self):
+        if not self.nimbo:
+            return  # and it is known why
         self.close()
         self.nimbo.terminate()
         if self.nimbo.child.process.returncode != 0 or self.nimbo.errors():
@@ -253,9 +254,6 @@ class Demonstration:
 
     # The pictures
 
-    def tray(self):
-        self.close()
-
     def menu(self):
         self.close()
         self.do_until(lambda: self.click(button=3), self.menu_shown, "the menu")
@@ -322,7 +320,7 @@ def passes(binary, folder, scale):
             for scheme in demo_page.SCHEMES:
                 report = pathlib.Path(reports) / scheme
                 command = [sys.executable, "-B", __file__, binary, folder, scheme, str(scale), report]
-                # What is slow on a machine under load has not failed. Ctrl-C is only for this process, which ends the others.
+                # What is slow on a machine under load has not failed. Ctrl-C comes here only, where both are ended.
                 child = subprocess.Popen(command, env={**os.environ, "NIMBO_SLOW": "1"}, start_new_session=True)
                 running.append((child, scheme, report))
             for child, scheme, report in running:
@@ -344,10 +342,11 @@ def main(binary, target, scales):
     for old in [*folder.glob("*.png"), *folder.glob("index.html")]:
         old.unlink()
     problems = []
-    diagnostics = subprocess.run([binary, "--diagnostics"], timeout=BOUND)
-    if diagnostics.returncode != 0:
-        problems.append(["report", "end", f"--diagnostics ended with status {diagnostics.returncode}", None])
-    print("\nNo desktop session here: taking pictures on a virtual one.", flush=True)
+    try:
+        subprocess.run([binary, "--diagnostics"], check=True, timeout=BOUND)
+    except subprocess.SubprocessError as error:
+        problems.append(["report", "end", str(error), None])
+    print("\nTaking pictures on a virtual desktop, in light and dark:", flush=True)
     for scale in scales:
         problems += passes(binary, folder, scale)
     page, missing = demo_page.write(folder, scales, problems)

@@ -26,7 +26,8 @@ PAGE = """<!DOCTYPE html>
 <meta name="viewport" content="width=device-width">
 <title>Nimbo</title>
 <style>
-  :root {{ color-scheme: light dark; --paper: #f6f7f9; --ink: #1d2430; --faint: #5d6878; --line: #d5dae2; --bad: #a3262a }}
+  :root {{ color-scheme: light dark;
+    --paper: #f6f7f9; --ink: #1d2430; --faint: #5d6878; --line: #d5dae2; --bad: #a3262a }}
   @media (prefers-color-scheme: dark) {{
     :root {{ --paper: #14181e; --ink: #e6e9ee; --faint: #9aa5b4; --line: #343c48; --bad: #ff8f8f }}
   }}
@@ -56,7 +57,7 @@ def column(scheme, scale):
 
 
 def write(folder, scales, problems):
-    """Writes index.html with the pictures of the folder in it; returns its path and the names of those that are missing."""
+    """Writes index.html with the folder's pictures in it; returns its path and the names of those that are missing."""
     rows, missing, count = [], [], 0
     for scale in scales:
         for subject, title in SUBJECTS.items():

@@ -8,7 +8,7 @@ import struct
 import time
 import zlib
 
-from nimbo_desktop import BOUND, wait_until
+from nimbo_desktop import wait_until
 
 STILL = 0.25  # seconds without a change that count as standing still
 PIXEL = 4  # bytes: blue, green, red and one unused
@@ -78,8 +78,8 @@ class Screen:
         begin = header + colors * 12
         return Frame(width, height, data[begin : begin + width * height * PIXEL])
 
-    def settled(self, bound=BOUND):
-        """What is shown once it stands still and nobody here has work left; what is shown then if that never comes."""
+    def settled(self, bound=10):
+        """What is shown once it stands still and nobody here has work left, or at the end of the bound."""
         frame, since = self.frame(), time.monotonic()
 
         def still():
