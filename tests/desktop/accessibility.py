@@ -59,22 +59,33 @@ def _describe(element):
     }
 
 
-def main(action, pid, *names):
-    application = _application(int(pid))
-    if application is None:
-        return 1
+def _elements(pid):
     elements = []
-    _walk(application, elements.append)
-    if action == "tree":
-        print(json.dumps([_describe(element) for element in elements]))
-        return 0
-    for element in elements:
+    _walk(_application(pid), elements.append)
+    return elements
+
+
+def described(pid):
+    """Every control of the program as dictionaries, for a process that lives in one session only."""
+    return [_describe(element) for element in _elements(pid)]
+
+
+def pressed(pid, name):
+    """Whether a control of that name was there to press; for a process that lives in one session only."""
+    for element in _elements(pid):
         actions = element.get_action_iface()
-        if element.get_name() != names[0] or not actions or element.get_role_name() == "label":
+        if element.get_name() != name or not actions or element.get_role_name() == "label":
             continue  # a control's caption has its name
         if _describe(element)["showing"]:
-            return 0 if actions.do_action(0) else 1
-    return 1
+            return actions.do_action(0)
+    return False
+
+
+def main(action, pid, *names):
+    if action == "press":
+        return 0 if pressed(int(pid), *names) else 1
+    print(json.dumps(described(int(pid))))
+    return 0
 
 
 def _run(session, *arguments):

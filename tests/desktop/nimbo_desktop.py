@@ -97,23 +97,28 @@ class Bus:
         self.variable = "DBUS_SYSTEM_BUS_ADDRESS" if system else "DBUS_SESSION_BUS_ADDRESS"
 
     def connect(self):
-        connection = Gio.DBusConnection.new_for_address_sync(
-            self.address,
-            Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION,
-            None,
-            None,
-        )
-        connection.set_exit_on_close(False)
-        return connection
+        return connect(self.address)
+
+
+def connect(address):
+    connection = Gio.DBusConnection.new_for_address_sync(
+        address,
+        Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION,
+        None,
+        None,
+    )
+    connection.set_exit_on_close(False)
+    return connection
 
 
 class Display:
-    """An X server without a screen of glass, on a number that is free."""
+    """An X server without a screen of glass, on a number that is free. A file has what it shows, without the pointer."""
 
     def __init__(self, env, size="1440x900x24", dpi=96):
         read, write = os.pipe()
         self.server = Process(
-            ["Xvfb", "-displayfd", str(write), "-screen", "0", size, "-dpi", str(dpi), "-nolisten", "tcp", "-noreset"],
+            ["Xvfb", "-displayfd", str(write), "-screen", "0", size, "-dpi", str(dpi), "-nolisten", "tcp", "-noreset"]
+            + ["-nocursor", "-fbdir", env["XDG_RUNTIME_DIR"]],
             env,
             pass_fds=[write],
             stderr=subprocess.DEVNULL,
@@ -121,6 +126,7 @@ class Display:
         os.close(write)
         with os.fdopen(read) as stream:
             self.name = ":" + stream.readline().strip()
+        self.frame_buffer = pathlib.Path(env["XDG_RUNTIME_DIR"]) / "Xvfb_screen0"
 
 
 class Session:
@@ -380,12 +386,6 @@ def windows_of(session, pid):
         if {"X", "Y", "WIDTH", "HEIGHT"} <= values.keys():
             windows[int(identifier)] = tuple(int(values[key]) for key in ("X", "Y", "WIDTH", "HEIGHT"))
     return windows
-
-
-def screenshot(session, path):
-    subprocess.run(
-        ["import", "-window", "root", str(path)], env=session.env, check=True, stderr=subprocess.DEVNULL
-    )
 
 
 def xdotool(session, *arguments):

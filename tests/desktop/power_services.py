@@ -1,6 +1,8 @@
 # SPDX-License-Identifier: MIT
 """What keeps a desktop awake: a real logind on the session's system bus, and stand-ins for the
 services of GNOME, Plasma, XFCE and the screen savers that behave as those do towards their clients.
+
+As a program it is GNOME's session manager on the session bus of its environment, until it is ended.
 """
 
 import os
@@ -9,7 +11,7 @@ import subprocess
 
 from gi.repository import Gio, GLib
 
-from nimbo_desktop import wait_until
+from nimbo_desktop import Session, connect, wait_until
 
 LOGIND = "/lib/systemd/systemd-logind"
 LOGIN1 = ("org.freedesktop.login1", "/org/freedesktop/login1", "org.freedesktop.login1.Manager")
@@ -144,3 +146,21 @@ def plasma_policy_agent(session):
     connection = session.bus.connect()
     own(session, connection, "org.kde.Solid.PowerManagement.PolicyAgent")
     return connection
+
+
+class JoinedSession:
+    """What the stand-ins need of a session that another process owns."""
+
+    call = Session.call
+
+    def __init__(self):
+        self.bus = self
+        self.connection = self.connect()
+
+    def connect(self):
+        return connect(os.environ["DBUS_SESSION_BUS_ADDRESS"])
+
+
+if __name__ == "__main__":
+    gnome_session(JoinedSession())
+    GLib.MainLoop().run()

@@ -25,12 +25,9 @@ class AwakePageTest(DesktopTest):
         self.service = gnome_session(self.session)
         self.session.settings(menuAI=False, menuMemory=False, menuAwake=True)
         self.panel = XfcePanel(self.session)
-        before = self.panel.settled_picture(self.session.folder / "before.png")
+        before = self.panel.settled()
         self.start(host=False)
-        after = self.session.folder / "after.png"
-        x, y, width, height = wait_until(
-            lambda: self.panel.changed_box(before, self.panel.settled_picture(after)), "the item in the panel"
-        )
+        x, y, width, height = wait_until(lambda: before.changed_box(self.panel.settled()), "the item in the panel")
         self.item = (x + width // 2, y + height // 2)
 
     def open(self):

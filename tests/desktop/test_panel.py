@@ -17,14 +17,9 @@ class PanelTest(DesktopTest):
         super().setUp()
         self.session.settings(menuAI=False)
         self.panel = XfcePanel(self.session, edge=self.edge)
-        before = self.panel.settled_picture(self.session.folder / "before.png")
+        before = self.panel.settled()
         self.start(host=False)
-        after = self.session.folder / "after.png"
-
-        def appeared():
-            return self.panel.changed_box(before, self.panel.settled_picture(after))
-
-        self.box = wait_until(appeared, "the item in the panel")
+        self.box = wait_until(lambda: before.changed_box(self.panel.settled()), "the item in the panel")
 
     def center(self):
         x, y, width, height = self.box
@@ -69,12 +64,11 @@ class PanelTest(DesktopTest):
         self.program.wait_for_no_dashboard()
 
     def test_right_click_gives_the_menu(self):
-        without = self.panel.settled_picture(self.session.folder / "without.png")
+        without = self.panel.settled()
         self.click_at(*self.center(), button=3)
-        shown = self.session.folder / "menu.png"
 
         def menu():
-            box = self.panel.changed_box(without, self.panel.settled_picture(shown))
+            box = without.changed_box(self.panel.settled())
             return box if box and box[3] > 100 else None
 
         wait_until(menu, "the menu")

@@ -1,10 +1,10 @@
 # SPDX-License-Identifier: MIT
 """A real panel with a real tray: xfce4-panel and xfwm4 on the session's display."""
 
-import contextlib
 import subprocess
 
-from nimbo_desktop import screenshot, turn_for, wait_until
+from nimbo_desktop import wait_until
+from screen import Screen
 
 PANEL_XML = """<?xml version="1.0" encoding="UTF-8"?>
 <channel name="xfce4-panel" version="1.0">
@@ -64,45 +64,14 @@ class XfcePanel:
         # The compositor paints the picture that this leaves on the root window.
         subprocess.run(["hsetroot", "-solid", self.background], env=session.env, check=True, **quiet)
         self.panel = session.start(["xfce4-panel", "--disable-wm-check"], **quiet)
+        self.screen = Screen(session.display.frame_buffer)
         wait_until(lambda: "org.kde.StatusNotifierWatcher" in session.names(), "the panel's tray", 40)
-        wait_until(lambda: self.painted("2" if edge == TOP else "h-3"), "the panel on its background", 40)
-
-    def picture(self, path):
-        screenshot(self.session, path)
-        return path
+        wait_until(lambda: self.painted(2 if edge == TOP else -3), "the panel on its background", 40)
 
     def painted(self, row):
         """Whether the background is there, and the panel over that row of it."""
-        picture = self.picture(self.session.folder / "painted.png")
-        pixels = f"%[pixel:p{{2,h/2}}] %[pixel:p{{2,{row}}}] %[pixel:{self.background}]"
-        told = subprocess.run(["convert", str(picture), "-format", pixels, "info:"], capture_output=True, text=True)
-        middle, panel, background = told.stdout.split()
-        return middle == background != panel
+        frame = self.screen.frame()
+        return frame.color(2, frame.height // 2) == self.background != frame.color(2, row)
 
-    def settled_picture(self, path):
-        """A picture of the desktop once two in a row are the same."""
-        previous = None
-        for _ in range(20):
-            turn_for(0.25)
-            with contextlib.suppress(FileNotFoundError):
-                self.picture(path)
-            current = path.read_bytes()
-            if current == previous:
-                return path
-            previous = current
-        return path
-
-    def changed_box(self, before, after):
-        """Bounding box (x, y, width, height) of what differs between two pictures; None if nothing does."""
-        trim = subprocess.run(
-            ["convert", str(before), str(after), "-compose", "difference", "-composite"]
-            + ["-colorspace", "gray", "-threshold", "2%", "-format", "%@", "info:"],
-            env=self.session.env,
-            capture_output=True,
-            text=True,
-        ).stdout.strip()
-        if not trim or trim.startswith("0x0"):
-            return None
-        size, x, y = trim.replace("+", " ").split()
-        width, height = size.split("x")
-        return int(x), int(y), int(width), int(height)
+    def settled(self):
+        return self.screen.settled()

@@ -43,7 +43,7 @@ class InstalledProgramTest(DesktopTest):
         self.session.settings(refreshInterval=2)
         self.panel = XfcePanel(self.session)
         # A dashboard that opens while the panel still takes its place may be closed by that.
-        self.before = self.panel.settled_picture(self.session.folder / "before.png")
+        self.before = self.panel.settled()
 
     def run_here(self, *arguments):
         finished = subprocess.Popen(arguments, env=self.session.env, stdout=subprocess.DEVNULL)
@@ -60,10 +60,7 @@ class InstalledProgramTest(DesktopTest):
 
     def start_in_panel(self):
         self.start(host=False)
-        after = self.session.folder / "after.png"
-        return wait_until(
-            lambda: self.panel.changed_box(self.before, self.panel.settled_picture(after)), "the item in the panel"
-        )
+        return wait_until(lambda: self.before.changed_box(self.panel.settled()), "the item in the panel")
 
     def assert_awake_page(self, program):
         program.wait_for_dashboard()
