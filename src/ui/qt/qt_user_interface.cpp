@@ -20,6 +20,7 @@
 #include "ui/qt/qt_geometry.h"
 #include "ui/qt/qt_settings_window.h"
 #include "ui/qt/screen_watch.h"
+#include "ui/qt/scroll_view.h"
 #include "ui/qt/settings_page.h"
 #include "ui/qt/usage_card.h"
 #include "ui/qt/window_system.h"
@@ -27,9 +28,9 @@
 namespace nimbo {
 namespace {
 
-constexpr std::array kAccessibleControls{makeAccessibleChart,        makeAccessiblePopUp,
-                                         makeAccessibleAlert,        makeAccessibleUsageCard,
-                                         makeAccessibleTitledWindow, makeAccessibleSettingsPage};
+constexpr std::array kAccessibleControls{
+    makeAccessibleChart,        makeAccessiblePopUp,        makeAccessibleAlert,     makeAccessibleUsageCard,
+    makeAccessibleTitledWindow, makeAccessibleSettingsPage, makeAccessibleScrollView};
 
 std::vector<char*> pointersTo(std::vector<std::string>& texts) {
   std::vector<char*> pointers;
