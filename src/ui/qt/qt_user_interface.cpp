@@ -15,6 +15,7 @@
 #include "ui/qt/controls/panel_style.h"
 #include "ui/qt/controls/pop_up_button.h"
 #include "ui/qt/controls/qt_geometry.h"
+#include "ui/qt/controls/scroll_area.h"
 #include "ui/qt/dashboard/chart_widget.h"
 #include "ui/qt/dashboard/qt_dashboard_window.h"
 #include "ui/qt/dashboard/usage_card.h"
@@ -27,9 +28,9 @@
 namespace nimbo {
 namespace {
 
-constexpr std::array kAccessibleControls{makeAccessibleChart,        makeAccessiblePopUp,
-                                         makeAccessibleAlert,        makeAccessibleUsageCard,
-                                         makeAccessibleTitledWindow, makeAccessibleSettingsPage};
+constexpr std::array kAccessibleControls{
+    makeAccessibleChart,        makeAccessiblePopUp,        makeAccessibleAlert,     makeAccessibleUsageCard,
+    makeAccessibleTitledWindow, makeAccessibleSettingsPage, makeAccessibleScrollArea};
 
 std::vector<char*> pointersTo(std::vector<std::string>& texts) {
   std::vector<char*> pointers;

@@ -92,6 +92,16 @@ TEST_F(DashboardAccessibility, ProcessListIsNamedByItsHeading) {
   EXPECT_EQ(nameOf(accessible("processes")), "TOP 13 PROCESSES");
 }
 
+TEST_F(DashboardAccessibility, ProcessListKeepsTheChildrenThatWereCountedWhenTheWindowCloses) {
+  auto& list = accessible("processes");
+  const int counted = list.childCount();
+  EXPECT_GT(counted, 1) << "the viewport and a bar";
+  window_->hide();
+  EXPECT_EQ(list.childCount(), counted);
+  EXPECT_TRUE(list.child(counted - 1)->state().invisible);
+  EXPECT_EQ(list.child(counted), nullptr);
+}
+
 TEST_F(DashboardAccessibility, EveryFocusableControlHasAName) {
   int controls = 0;
   for (QWidget* const each : widget().findChildren<QWidget*>()) {
