@@ -1,8 +1,10 @@
 # SPDX-License-Identifier: MIT
 """The program under test inside a session, and the test case that owns both."""
 
+import contextlib
 import os
 import pathlib
+import re
 import signal
 import subprocess
 import tempfile
@@ -67,6 +69,17 @@ class Program:
     def press(self, name):
         self.controls()
         accessibility.press(self.session, self.pid, name)
+
+
+def armed_timers(pid):
+    """Seconds until each of the kernel's timers that the process waits for."""
+    remaining = []
+    for descriptor in pathlib.Path(f"/proc/{pid}/fdinfo").iterdir():
+        with contextlib.suppress(FileNotFoundError):
+            found = re.search(r"it_value: \((\d+), (\d+)\)", descriptor.read_text())
+            seconds = int(found[1]) + int(found[2]) / 1e9 if found else 0
+            remaining += [seconds] if seconds else []
+    return remaining
 
 
 class DesktopTest(unittest.TestCase):

@@ -4,8 +4,8 @@
 import re
 import unittest
 
-from nimbo_desktop import turn_for, wait_until
-from program import DesktopTest, Program
+from nimbo_desktop import wait_until
+from program import DesktopTest, Program, armed_timers
 
 TOOLTIP = re.compile(
     r"Memory: \d+% · \d+\.\d GB used of \d+\.\d GB; \d+\.\d GB available; (normal|elevated|high|unavailable) pressure"
@@ -102,10 +102,25 @@ class TrayTest(DesktopTest):
         self.session.settings(refreshInterval=2)
         self.start()
         item = self.host.item("nimbo-ai")
-        turn_for(1)
+        self.wait_for_tick()
         item.signals.clear()
-        turn_for(5)
+        self.wait_for_tick()
+        self.wait_for_tick()
+        self.assertEqual(item.identifier, "nimbo-ai")  # what was sent before this answer has come
         self.assertEqual(item.signals, [])
+
+    def wait_for_tick(self):
+        """The only timer that runs here counts down to a tick, and then from the start again."""
+        before = None
+
+        def restarted():
+            nonlocal before
+            now = max(armed_timers(self.program.pid), default=0)
+            rose = before is not None and now > before
+            before = now
+            return rose
+
+        wait_until(restarted, "a tick")
 
     def test_termination_leaves_nothing_on_the_bus(self):
         program = self.start()
