@@ -3,7 +3,7 @@
 
 #include <systemd/sd-event.h>
 
-#include <memory>
+#include <string>
 
 #include "platform/power_sources.h"
 
@@ -20,11 +20,8 @@ class SysfsPowerSources final : public PowerSources {
   [[nodiscard]] Subscription observe(std::function<void()> changed) override;
 
  private:
-  class Monitor;
-
   sd_event* const event_;
   const std::string folder_;
-  std::weak_ptr<Monitor> monitor_;  // its observers hold it
 };
 
 }  // namespace nimbo
