@@ -10,7 +10,6 @@
 #include <system_error>
 #include <utility>
 
-#include "base/unique_handle.h"
 #include "platform/linux/machine/proc_file.h"
 #include "platform/linux/machine/proc_text.h"
 #include "platform/linux/power/power_supply.h"
@@ -80,23 +79,14 @@ PowerSupply readSupply(const Attributes& attributes) {
   return supply;
 }
 
-struct SdDeviceMonitorTraits {
-  using Handle = sd_device_monitor*;
-  static Handle invalid() { return nullptr; }
-  static void release(Handle monitor) { sd_device_monitor_unref(monitor); }
-};
-using DeviceMonitor = UniqueHandle<SdDeviceMonitorTraits>;
-
 struct Observer {
   std::function<void()> changed;
-  DeviceMonitor monitor;
+  std::shared_ptr<sd_device_monitor> monitor;
 };
 
-int onDevice(sd_device_monitor* monitor, sd_device* /*device*/, void* observer) {
-  // The observer may go away while it is told.
-  const DeviceMonitor keep(sd_device_monitor_ref(monitor));
-  const auto changed = static_cast<Observer*>(observer)->changed;
-  changed();
+int onDevice(sd_device_monitor* /*monitor*/, sd_device* /*device*/, void* observer) {
+  const Observer copy = *static_cast<Observer*>(observer);  // which may go away while it is told
+  copy.changed();
   return 0;
 }
 
@@ -116,11 +106,13 @@ std::optional<std::vector<PowerSourceDescription>> SysfsPowerSources::list() con
 Subscription SysfsPowerSources::observe(std::function<void()> changed) {
   sd_device_monitor* monitor = nullptr;
   if (sd_device_monitor_new(&monitor) < 0) return Subscription([] {});
-  auto observer = std::make_shared<Observer>(Observer{std::move(changed), DeviceMonitor(monitor)});
-  const bool listening = sd_device_monitor_filter_add_match_subsystem_devtype(monitor, kSubsystem, nullptr) >= 0 &&
-                         sd_device_monitor_attach_event(monitor, event_) >= 0 &&
-                         sd_device_monitor_start(monitor, onDevice, observer.get()) >= 0;
-  if (!listening) observer->monitor.reset();
+  auto observer = std::make_shared<Observer>();
+  observer->changed = std::move(changed);
+  observer->monitor.reset(monitor, sd_device_monitor_unref);
+  [[maybe_unused]] const bool listening =
+      sd_device_monitor_filter_add_match_subsystem_devtype(monitor, kSubsystem, nullptr) >= 0 &&
+      sd_device_monitor_attach_event(monitor, event_) >= 0 &&
+      sd_device_monitor_start(monitor, onDevice, observer.get()) >= 0;
   return Subscription([observer = std::move(observer)]() mutable { observer.reset(); });
 }
 

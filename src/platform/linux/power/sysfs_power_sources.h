@@ -9,7 +9,7 @@
 
 namespace nimbo {
 
-/// The kernel's power supplies, and udev's word when one of them changed. Batteries of mice, headsets
+/// The kernel's power supplies, and udev's notice when one of them changes. Batteries of mice, headsets
 /// and the like are left out and never asked for their charge, which may wake them.
 class SysfsPowerSources final : public PowerSources {
  public:

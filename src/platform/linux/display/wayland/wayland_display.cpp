@@ -44,7 +44,7 @@ void WaylandDisplay::eventsHandled(bool connected) {
   if (!connected) {
     lost();
   } else if (state_ == State::connecting && session_->answered()) {
-    this->connected();
+    introduced();
   } else if (state_ == State::waitingForPause && session_->inputPauses()) {
     turnOff();
   } else if (state_ == State::off && session_->outputsRefuse()) {
@@ -58,7 +58,7 @@ void WaylandDisplay::eventsHandled(bool connected) {
   }
 }
 
-void WaylandDisplay::connected() {
+void WaylandDisplay::introduced() {
   if (std::exchange(leftOff_, false)) session_->turnOutputs(true);
   if (failed_ && session_->canTurnOutputsOff()) return waitForPause();
   finish();

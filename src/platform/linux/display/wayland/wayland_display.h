@@ -40,7 +40,7 @@ class WaylandDisplay final : public DisplayPower {
 
   void connect();
   void eventsHandled(bool connected);
-  void connected();
+  void introduced();
   void waitForPause();
   void turnOff();
   void turnOn();
