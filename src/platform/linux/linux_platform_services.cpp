@@ -17,7 +17,7 @@
 #include "platform/linux/desktop/portal_workspace.h"
 #include "platform/linux/desktop/xdg_login_item.h"
 #include "platform/linux/display/desktop_display_power.h"
-#include "platform/linux/display/x11_screen_module.h"
+#include "platform/linux/display/display_modules.h"
 #include "platform/linux/files/plain_secret_files.h"
 #include "platform/linux/files/xdg_folders.h"
 #include "platform/linux/http/module_http_client.h"
@@ -200,7 +200,10 @@ class LinuxPlatformServices final : public PlatformServices {
   const X11ScreenMaker makeX11Screen_ = x11ScreenFromModule(modules_, x11Display(environment_));
   DesktopAssertionClient assertionClient_{{{loop_.event(), loop_}, sessionAddress_, systemAddress_, makeX11Screen_}};
   DesktopDisplayPower displayPower_{
-      loop_, session_.get(), makeX11Screen_, {desktop_, {environment_.get("SWAYSOCK"), waylandSocket(environment_)}}};
+      loop_,
+      session_.get(),
+      desktop_,
+      {makeX11Screen_, waylandDisplayFromModule(modules_, loop_, waylandSocket(environment_))}};
   SysfsPowerSources powerSources_{loop_.event()};
   LocaleDates dates_{dateLocale(environment_)};
   ProcfsOwnProcess ownProcess_;

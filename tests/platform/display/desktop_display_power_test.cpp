@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 
+#include "support/fake_display_power.h"
 #include "support/fake_main_loop.h"
 #include "support/fake_x11_screen.h"
 #include "support/services/bus_peer.h"
@@ -59,8 +60,8 @@ class FakeDesktopService {
 class DesktopDisplayPowerTest : public ::testing::Test {
  protected:
   void useDesktop(const std::string& desktop, bool x11Session) {
-    power.emplace(timers, session.get(), x11Session ? x11.maker() : X11ScreenMaker(),
-                  DesktopDisplayPower::Setup{desktop, {}});
+    const X11ScreenMaker makeX11 = x11Session ? x11.maker() : X11ScreenMaker();
+    power.emplace(timers, session.get(), desktop, DesktopDisplayPower::Makers{makeX11, makeWayland});
   }
 
   [[nodiscard]] auto sleepNow() {
@@ -72,6 +73,7 @@ class DesktopDisplayPowerTest : public ::testing::Test {
   SdBusConnection session{loop.event(), bus.address()};
   FakeMainLoop timers;
   FakeX11Screen x11;
+  WaylandDisplayMaker makeWayland = [] { return nullptr; };
   std::optional<DesktopDisplayPower> power;
   int failures = 0;
 };
@@ -195,6 +197,24 @@ TEST_F(DesktopDisplayPowerTest, DroppedRequestSilencesTheRefusal) {
   EXPECT_EQ(failures, 0);
 }
 
+TEST_F(DesktopDisplayPowerTest, OtherWaylandDesktopsAreAskedByTheirCompositor) {
+  int made = 0;
+  FakeDisplayPower* compositor = nullptr;
+  makeWayland = [&] {
+    auto display = std::make_unique<FakeDisplayPower>();
+    compositor = display.get();
+    ++made;
+    return display;
+  };
+  useDesktop("sway", false);
+  for (int turn = 1; turn <= 2; ++turn) {
+    const auto request = sleepNow();
+    ASSERT_TRUE(request);
+    EXPECT_EQ(compositor->requests, turn);
+    EXPECT_EQ(made, 1);
+  }
+}
+
 TEST_F(DesktopDisplayPowerTest, DesktopWithoutAWaySaysSo) {
   for (const char* desktop : {"XFCE", ""}) {
     useDesktop(desktop, false);
@@ -205,7 +225,7 @@ TEST_F(DesktopDisplayPowerTest, DesktopWithoutAWaySaysSo) {
 }
 
 TEST_F(DesktopDisplayPowerTest, WithoutASessionBusThereIsNoWay) {
-  power.emplace(timers, nullptr, X11ScreenMaker(), DesktopDisplayPower::Setup{"KDE", {}});
+  power.emplace(timers, nullptr, "KDE", DesktopDisplayPower::Makers{});
   EXPECT_FALSE(sleepNow());
 }
 

@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <memory>
 
-#include "platform/linux/display/x11_screen_module.h"
+#include "platform/linux/display/display_modules.h"
 #include "platform/linux/loop/dl_module_loader.h"
 #include "support/services/fake_x11_server.h"
 #include "support/services/private_display.h"

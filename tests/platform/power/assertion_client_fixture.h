@@ -70,7 +70,7 @@ class AssertionClientTest : public ::testing::Test {
 
   [[nodiscard]] DesktopAssertionClient& client() {
     if (!client_) {
-      client_ = std::make_unique<DesktopAssertionClient>(Inhibition::Means{
+      client_ = std::make_unique<DesktopAssertionClient>(DesktopAssertionClient::Means{
           {loop.event(), timers}, sessionAddress, systemAddress, x11Session ? x11.maker() : X11ScreenMaker()});
     }
     return *client_;

@@ -9,32 +9,30 @@
 namespace nimbo {
 namespace {
 
-// Letting go of the key or the button that asked for it must not turn the display on again.
-constexpr std::chrono::milliseconds kX11Delay{700};
 constexpr std::chrono::milliseconds kX11Leeway{100};
 
 }  // namespace
 
-DesktopDisplayPower::DesktopDisplayPower(MainLoop& loop, sd_bus* session, X11ScreenMaker makeX11Screen, Setup setup)
-    : loop_(loop), session_(session), makeX11Screen_(std::move(makeX11Screen)), desktop_(std::move(setup.desktop)) {
-  if (!setup.sway.commands.empty()) sway_.emplace(loop, std::move(setup.sway));
-}
+DesktopDisplayPower::DesktopDisplayPower(MainLoop& loop, sd_bus* session, std::string desktop, Makers makers)
+    : loop_(loop), session_(session), desktop_(std::move(desktop)), make_(std::move(makers)) {}
 
 Result<Subscription, DisplayPowerError> DesktopDisplayPower::sleepNow(std::function<void()> failed) {
-  if (!x11Screen_ && makeX11Screen_) x11Screen_ = makeX11Screen_();
+  if (!x11Screen_ && make_.x11) x11Screen_ = make_.x11();
   if (x11Screen_) return turnOffX11(std::move(failed));
-  if (sway_) return sway_->turnOff(std::move(failed));
-  auto call = std::make_shared<BusSlot>(
-      callAsync(session_, callForDesktop(), [failed = std::move(failed)](sd_bus_message* reply) {
-        if (isError(reply)) failed();
-      }));
-  if (!*call) return tl::unexpected(DisplayPowerError{"This desktop offers no way to turn the display off."});
-  return Subscription([call] { call->reset(); });
+  if (const BusMessage call = callForDesktop()) {
+    auto slot = std::make_shared<BusSlot>(callAsync(session_, call, [failed](sd_bus_message* reply) {
+      if (isError(reply)) failed();
+    }));
+    if (*slot) return Subscription([slot] { slot->reset(); });
+  }
+  if (!wayland_ && make_.wayland) wayland_ = make_.wayland();
+  if (wayland_) return wayland_->sleepNow(std::move(failed));
+  return tl::unexpected(DisplayPowerError{"This desktop offers no way to turn the display off."});
 }
 
 Subscription DesktopDisplayPower::turnOffX11(std::function<void()> failed) {
   auto timer = std::make_shared<Subscription>();
-  *timer = loop_.every(kX11Delay, kX11Leeway,
+  *timer = loop_.every(kPauseBeforeOff, kX11Leeway,
                        [screen = x11Screen_, weak = std::weak_ptr(timer), failed = std::move(failed)] {
                          if (const auto once = weak.lock()) once->reset();
                          if (!screen->turnOff()) failed();

@@ -5,28 +5,27 @@
 
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 
 #include "platform/display_power.h"
 #include "platform/linux/bus/sd_bus_handles.h"
-#include "platform/linux/display/sway_display.h"
+#include "platform/linux/display/display_modules.h"
 #include "platform/linux/display/x11_screen.h"
 #include "platform/main_loop.h"
 
 namespace nimbo {
 
-/// The display turned off in the way of the desktop that runs: by the X server, by a
-/// command to sway, or by what the desktop has on the session bus. Main thread only.
+/// The display turned off in the way of the desktop that runs: by the X server, by what the desktop
+/// has on the session bus, or by the Wayland compositor. Main thread only.
 class DesktopDisplayPower final : public DisplayPower {
  public:
-  struct Setup {
-    std::string desktop;        ///< value of XDG_CURRENT_DESKTOP
-    SwayDisplay::Sockets sway;  ///< of commands: empty outside sway
+  struct Makers {
+    X11ScreenMaker x11;
+    WaylandDisplayMaker wayland;
   };
 
-  /// `session` may be null; `loop` outlives the object.
-  DesktopDisplayPower(MainLoop& loop, sd_bus* session, X11ScreenMaker makeX11Screen, Setup setup);
+  /// `session` may be null; `loop` outlives the object. `desktop` is the value of XDG_CURRENT_DESKTOP.
+  DesktopDisplayPower(MainLoop& loop, sd_bus* session, std::string desktop, Makers makers);
 
   [[nodiscard]] Result<Subscription, DisplayPowerError> sleepNow(std::function<void()> failed) override;
 
@@ -36,10 +35,10 @@ class DesktopDisplayPower final : public DisplayPower {
 
   MainLoop& loop_;
   sd_bus* const session_;
-  const X11ScreenMaker makeX11Screen_;
   const std::string desktop_;
+  const Makers make_;
   std::shared_ptr<X11Screen> x11Screen_;
-  std::optional<SwayDisplay> sway_;
+  std::unique_ptr<DisplayPower> wayland_;
 };
 
 }  // namespace nimbo

@@ -3,7 +3,6 @@
 
 #include <functional>
 #include <memory>
-#include <string>
 
 namespace nimbo {
 
@@ -23,10 +22,5 @@ class X11Screen {
 
 /// Null outside X11 sessions, and when that part of the program is not installed.
 using X11ScreenMaker = std::function<std::unique_ptr<X11Screen>()>;
-
-/// The one function that the module "nimbo-x11" exports, under the name kX11ScreenEntryName.
-/// Reaches for the server only when something is asked of the screen.
-using X11ScreenEntry = X11Screen* (*)(const std::string& display);
-inline constexpr const char* kX11ScreenEntryName = "nimboMakeX11Screen";
 
 }  // namespace nimbo

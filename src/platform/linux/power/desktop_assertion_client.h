@@ -2,10 +2,13 @@
 #pragma once
 
 #include <map>
-#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "platform/assertion_client.h"
-#include "platform/linux/power/inhibition.h"
+#include "platform/linux/display/x11_screen.h"
+#include "platform/linux/power/inhibitors.h"
 
 namespace nimbo {
 
@@ -14,16 +17,21 @@ namespace nimbo {
 /// assertion, so that a desktop may start after the program or be replaced. Main thread only.
 class DesktopAssertionClient final : public AssertionClient {
  public:
-  explicit DesktopAssertionClient(Inhibition::Means means) : means_(std::move(means)) {}
-  DesktopAssertionClient(const DesktopAssertionClient&) = delete;
-  DesktopAssertionClient& operator=(const DesktopAssertionClient&) = delete;
+  struct Means {
+    InhibitorLoops loops;
+    std::string sessionAddress;
+    std::string systemAddress;
+    X11ScreenMaker makeX11Screen;
+  };
+
+  explicit DesktopAssertionClient(Means means) : means_(std::move(means)) {}
 
   [[nodiscard]] Result<std::uint32_t, PowerError> create(const std::string& type, const std::string& reason) override;
   void release(std::uint32_t id) override { held_.erase(id); }
 
  private:
-  const Inhibition::Means means_;
-  std::map<std::uint32_t, std::unique_ptr<Inhibition>> held_;
+  const Means means_;
+  std::map<std::uint32_t, std::vector<Subscription>> held_;  // inhibitors of each assertion
   std::uint32_t lastId_ = 0;
 };
 

@@ -10,6 +10,14 @@ constexpr const char* kAcPower = "AC Power";
 
 bool isForDevice(const PowerSupply& supply) { return supply.scope == "Device"; }
 
+/// Something outside that may feed the machine and tells whether it does.
+bool isMains(const PowerSupply& supply) {
+  // Kernels before 4.19 name each kind of USB charger: USB_DCP, USB_PD and so on.
+  const bool feeds =
+      supply.type == "Mains" || supply.type == "Wireless" || supply.type == "BrickID" || supply.type.starts_with("USB");
+  return feeds && supply.online && !isForDevice(supply);
+}
+
 std::optional<std::string> upsState(const PowerSupply& ups) {
   if (ups.status.empty()) return std::nullopt;
   return ups.status == "Discharging" ? kBatteryPower : kAcPower;
@@ -28,13 +36,6 @@ PowerSourceDescription describe(const char* type, std::optional<std::string> sta
 
 bool isInternalBattery(const PowerSupply& supply) {
   return supply.type == "Battery" && !isForDevice(supply) && supply.present != 0;
-}
-
-bool isMains(const PowerSupply& supply) {
-  // Kernels before 4.19 name each kind of USB charger: USB_DCP, USB_PD and so on.
-  const bool feeds =
-      supply.type == "Mains" || supply.type == "Wireless" || supply.type == "BrickID" || supply.type.starts_with("USB");
-  return feeds && supply.online && !isForDevice(supply);
 }
 
 std::optional<std::string> powerSourceState(const std::vector<PowerSupply>& supplies) {

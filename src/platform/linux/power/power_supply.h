@@ -28,8 +28,6 @@ struct PowerSupply {
 
 /// A battery that runs the machine itself.
 [[nodiscard]] bool isInternalBattery(const PowerSupply& supply);
-/// Something outside that may feed the machine and tells whether it does.
-[[nodiscard]] bool isMains(const PowerSupply& supply);
 
 /// What the machine runs on, by all of its supplies: "AC Power" or "Battery Power"; absent when
 /// nothing tells.

@@ -1,16 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "platform/linux/power/sysfs_power_sources.h"
 
-#include <dirent.h>
 #include <systemd/sd-device.h>
 
 #include <algorithm>
-#include <cerrno>
+#include <filesystem>
 #include <limits>
+#include <memory>
+#include <system_error>
 #include <utility>
 
-#include "base/observer_list.h"
-#include "base/unique_handle.h"
 #include "platform/linux/machine/proc_file.h"
 #include "platform/linux/machine/proc_text.h"
 #include "platform/linux/power/power_supply.h"
@@ -20,20 +19,16 @@ namespace {
 
 constexpr const char* kSubsystem = "power_supply";
 
-struct FolderRelease {
-  void operator()(DIR* folder) const { ::closedir(folder); }
-};
-
 /// In the order of their names; none without the folder, absent when it cannot be listed.
-std::optional<std::vector<std::string>> namesIn(const std::string& path) {
-  const std::unique_ptr<DIR, FolderRelease> folder(::opendir(path.c_str()));
-  if (!folder) return errno == ENOENT ? std::optional(std::vector<std::string>()) : std::nullopt;
-  std::vector<std::string> names;
-  while (const dirent* entry = ::readdir(folder.get())) {
-    if (entry->d_name[0] != '.') names.emplace_back(entry->d_name);
+std::optional<std::vector<std::filesystem::path>> entriesOf(const std::string& folder) {
+  std::vector<std::filesystem::path> entries;
+  std::error_code error;
+  for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
+    entries.push_back(entry->path());
   }
-  std::sort(names.begin(), names.end());
-  return names;
+  if (error && error != std::errc::no_such_file_or_directory) return std::nullopt;
+  std::sort(entries.begin(), entries.end());
+  return entries;
 }
 
 /// The attributes of one supply.
@@ -84,62 +79,41 @@ PowerSupply readSupply(const Attributes& attributes) {
   return supply;
 }
 
-struct SdDeviceMonitorTraits {
-  using Handle = sd_device_monitor*;
-  static Handle invalid() { return nullptr; }
-  static void release(Handle monitor) { sd_device_monitor_unref(monitor); }
+struct Observer {
+  std::function<void()> changed;
+  std::shared_ptr<sd_device_monitor> monitor;
 };
-using DeviceMonitor = UniqueHandle<SdDeviceMonitorTraits>;
+
+int onDevice(sd_device_monitor* /*monitor*/, sd_device* /*device*/, void* observer) {
+  const Observer copy = *static_cast<Observer*>(observer);  // which may go away while it is told
+  copy.changed();
+  return 0;
+}
 
 }  // namespace
-
-/// Listens to udev for as long as it lives, where udev can be listened to.
-class SysfsPowerSources::Monitor {
- public:
-  explicit Monitor(sd_event* event) {
-    sd_device_monitor* monitor = nullptr;
-    if (sd_device_monitor_new(&monitor) < 0) return;
-    monitor_.reset(monitor);
-    const bool listening = sd_device_monitor_filter_add_match_subsystem_devtype(monitor, kSubsystem, nullptr) >= 0 &&
-                           sd_device_monitor_attach_event(monitor, event) >= 0 &&
-                           sd_device_monitor_start(monitor, onDevice, this) >= 0;
-    if (!listening) monitor_.reset();
-  }
-  Monitor(const Monitor&) = delete;
-  Monitor& operator=(const Monitor&) = delete;
-
-  [[nodiscard]] Subscription add(std::function<void()> changed) { return observers_.add(std::move(changed)); }
-
- private:
-  static int onDevice(sd_device_monitor* monitor, sd_device* /*device*/, void* data) {
-    // The last observer may drop both of them while it is told.
-    const DeviceMonitor keep(sd_device_monitor_ref(monitor));
-    const ObserverList<> observers = static_cast<Monitor*>(data)->observers_;
-    observers.notify();
-    return 0;
-  }
-
-  ObserverList<> observers_;
-  DeviceMonitor monitor_;
-};
 
 SysfsPowerSources::SysfsPowerSources(sd_event* event, const std::string& sysRoot)
     : event_(event), folder_(sysRoot + "/class/" + kSubsystem) {}
 
 std::optional<std::vector<PowerSourceDescription>> SysfsPowerSources::list() const {
-  const auto names = namesIn(folder_);
-  if (!names) return std::nullopt;
+  const auto entries = entriesOf(folder_);
+  if (!entries) return std::nullopt;
   std::vector<PowerSupply> supplies;
-  for (const std::string& name : *names) supplies.push_back(readSupply(Attributes(folder_ + '/' + name)));
+  for (const auto& entry : *entries) supplies.push_back(readSupply(Attributes(entry.string())));
   return describePowerSources(supplies);
 }
 
 Subscription SysfsPowerSources::observe(std::function<void()> changed) {
-  auto monitor = monitor_.lock();
-  if (!monitor) monitor_ = monitor = std::make_shared<Monitor>(event_);
-  auto entry = std::make_shared<Subscription>(monitor->add(std::move(changed)));
-  // The observer holds the monitor, which therefore goes with the last one.
-  return Subscription([monitor = std::move(monitor), entry = std::move(entry)] { entry->reset(); });
+  sd_device_monitor* monitor = nullptr;
+  if (sd_device_monitor_new(&monitor) < 0) return Subscription([] {});
+  auto observer = std::make_shared<Observer>();
+  observer->changed = std::move(changed);
+  observer->monitor.reset(monitor, sd_device_monitor_unref);
+  [[maybe_unused]] const bool listening =
+      sd_device_monitor_filter_add_match_subsystem_devtype(monitor, kSubsystem, nullptr) >= 0 &&
+      sd_device_monitor_attach_event(monitor, event_) >= 0 &&
+      sd_device_monitor_start(monitor, onDevice, observer.get()) >= 0;
+  return Subscription([observer = std::move(observer)]() mutable { observer.reset(); });
 }
 
 }  // namespace nimbo

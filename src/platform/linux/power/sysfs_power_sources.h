@@ -3,13 +3,13 @@
 
 #include <systemd/sd-event.h>
 
-#include <memory>
+#include <string>
 
 #include "platform/power_sources.h"
 
 namespace nimbo {
 
-/// The kernel's power supplies, and udev's word when one of them changed. Batteries of mice, headsets
+/// The kernel's power supplies, and udev's notice when one of them changes. Batteries of mice, headsets
 /// and the like are left out and never asked for their charge, which may wake them.
 class SysfsPowerSources final : public PowerSources {
  public:
@@ -20,11 +20,8 @@ class SysfsPowerSources final : public PowerSources {
   [[nodiscard]] Subscription observe(std::function<void()> changed) override;
 
  private:
-  class Monitor;
-
   sd_event* const event_;
   const std::string folder_;
-  std::weak_ptr<Monitor> monitor_;  // its observers hold it
 };
 
 }  // namespace nimbo

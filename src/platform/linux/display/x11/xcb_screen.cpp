@@ -16,7 +16,7 @@ namespace nimbo {
 namespace {
 
 // A server that works needs a millisecond or two.
-constexpr std::chrono::milliseconds kPatience{400};
+constexpr std::chrono::milliseconds kLongestWaitForServer{400};
 
 struct Free {
   void operator()(void* memory) const { std::free(memory); }
@@ -89,7 +89,7 @@ bool XcbScreen::carryOut(Request request) {
     outcome_ = {};
     return false;
   }
-  if (outcome_.wait_for(kPatience) != std::future_status::ready) return false;
+  if (outcome_.wait_for(kLongestWaitForServer) != std::future_status::ready) return false;
   return outcome_.get();
 }
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/linux/power/cookie_inhibitor.h"
+#include "platform/linux/power/inhibitors.h"
 
 #include <cerrno>
 

@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "platform/display_power.h"
+#include "platform/linux/display/x11_screen.h"
+#include "platform/main_loop.h"
+#include "platform/module_loader.h"
+
+namespace nimbo {
+
+/// How long there is to be no input before the display is turned off: letting go of the key or the button that asked
+/// for it must not turn it on again.
+inline constexpr std::chrono::milliseconds kPauseBeforeOff{700};
+
+/// The one function that the module "nimbo-x11" exports. `display` has the form of DISPLAY.
+using X11ScreenEntry = X11Screen* (*)(const std::string& display);
+inline constexpr const char* kX11ScreenEntryName = "nimboMakeX11Screen";
+
+/// The one function that the module "nimbo-wayland" exports. `socket` is the compositor's, as a whole path.
+using WaylandDisplayEntry = DisplayPower* (*)(MainLoop& loop, const std::string& socket);
+inline constexpr const char* kWaylandDisplayEntryName = "nimboMakeWaylandDisplay";
+
+/// Null outside Wayland sessions, and when that part of the program is not installed.
+using WaylandDisplayMaker = std::function<std::unique_ptr<DisplayPower>()>;
+
+// Both load their module when they are first called. An empty address says that this is no such session. What is
+// passed by reference outlives them.
+[[nodiscard]] X11ScreenMaker x11ScreenFromModule(ModuleLoader& loader, std::string display);
+[[nodiscard]] WaylandDisplayMaker waylandDisplayFromModule(ModuleLoader& loader, MainLoop& loop, std::string socket);
+
+}  // namespace nimbo
