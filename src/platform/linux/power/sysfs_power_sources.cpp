@@ -12,7 +12,6 @@
 #include "base/observer_list.h"
 #include "base/unique_handle.h"
 #include "platform/linux/machine/proc_file.h"
-#include "platform/linux/machine/proc_text.h"
 #include "platform/linux/power/power_supply.h"
 
 namespace nimbo {
