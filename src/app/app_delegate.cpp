@@ -35,10 +35,8 @@ AppDelegate::AppDelegate(PlatformServices& platform, UserInterfaceMaker makeUser
     : confirmEndingAwakeSession([this](QuitDecision decided) { showQuitAlert(std::move(decided)); }),
       platform_(platform),
       settings_(settings),
-      awake_(
-          {platform.mainLoop(), *platform.readers().clock, platform.assertionClient(), platform.powerSources(),
-           platform.displayPower()},
-          [&sources = platform.powerSources()] { return readBattery(sources); }, true),
+      awake_({platform.mainLoop(), *platform.readers().clock, platform.assertionClient(), platform.powerSources(),
+              platform.displayPower()}),
       usageReaders_(platform),
       usage_(usageReaders_.reads(), *platform.readers().clock, platform.dates()),
       toolkit_(platform.mainLoop(), platform.workspace(), std::move(makeUserInterface),

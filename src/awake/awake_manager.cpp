@@ -11,34 +11,28 @@ constexpr std::chrono::seconds kBatteryInterval{30};
 
 }  // namespace
 
-AwakeManager::AwakeManager(Services services, BatteryReader batteryReader, bool observesBattery)
-    : services_(services),
-      assertions_(services.assertionClient),
-      batteryReader_(std::move(batteryReader)),
-      observesBattery_(observesBattery) {}
-
 bool AwakeManager::start(std::optional<Time> until, bool keepDisplayOn, Time now) {
   if (until && *until <= now) {
     tell("Choose an end time in the future.");
     return false;
   }
-  if (auto reason = stopReason(batteryReader_(), rules_)) {
+  if (auto reason = stopReason(readBattery(services_.powerSources), rules_)) {
     isActive() ? stop(std::move(*reason)) : tell(std::move(*reason));
     return false;
   }
   if (!activate(keepDisplayOn)) return false;
   endsAt_ = until;
   scheduleDeadline();
-  updateBatteryObserver();
+  observeBattery();
   tell({});
-  // The charger may have been pulled before the observer listened.
-  if (batteryObserver_) checkBattery();
+  // The charger may have been pulled before it was observed.
+  if (batteryObservation_) checkBattery();
   return isActive();
 }
 
 void AwakeManager::stop(std::string message) {
   deadlineTimer_.reset();
-  batteryObserver_.reset();
+  batteryObservation_.reset();
   displayOffRequest_.reset();
   assertions_.deactivate();
   endsAt_.reset();
@@ -77,7 +71,7 @@ void AwakeManager::turnDisplayOff() {
 void AwakeManager::setRules(const AwakeRules& rules) {
   rules_ = rules;
   if (!isActive()) return;
-  updateBatteryObserver();
+  observeBattery();
   checkBattery();
 }
 
@@ -87,14 +81,14 @@ void AwakeManager::checkDeadline(Time now) {
 
 void AwakeManager::tick(Time now) {
   checkDeadline(now);
-  if (!batteryObserver_ || std::chrono::abs(now - batteryCheckedAt_) < kBatteryInterval) return;
+  if (!batteryObservation_ || std::chrono::abs(now - batteryCheckedAt_) < kBatteryInterval) return;
   batteryCheckedAt_ = now;
   checkBattery();
 }
 
 void AwakeManager::checkBattery() {
   if (!isActive()) return;
-  if (auto reason = stopReason(batteryReader_(), rules_)) stop(std::move(*reason));
+  if (auto reason = stopReason(readBattery(services_.powerSources), rules_)) stop(std::move(*reason));
 }
 
 bool AwakeManager::activate(bool keepDisplayOn) {
@@ -123,14 +117,12 @@ void AwakeManager::scheduleDeadline() {
   });
 }
 
-void AwakeManager::updateBatteryObserver() {
-  if (!observesBattery_ || (!rules_.onlyOnPower && rules_.batteryFloor < 1)) {
-    batteryObserver_.reset();
-    return;
+void AwakeManager::observeBattery() {
+  if (!rules_.onlyOnPower && rules_.batteryFloor < 1) {
+    batteryObservation_.reset();
+  } else if (!batteryObservation_) {
+    batteryObservation_ = services_.powerSources.observe([this] { checkBattery(); });
   }
-  if (batteryObserver_) return;
-  batteryObserver_.emplace(services_.powerSources);
-  batteryObserver_->onChange = [this] { checkBattery(); };
 }
 
 }  // namespace nimbo

@@ -7,7 +7,6 @@
 #include <string>
 
 #include "awake/awake_rules.h"
-#include "awake/battery_observer.h"
 #include "awake/power_assertions.h"
 #include "platform/clock.h"
 #include "platform/display_power.h"
@@ -31,8 +30,7 @@ class AwakeManager {
     DisplayPower& displayPower;
   };
 
-  /// Without `observesBattery` the rules are only applied when asked for.
-  AwakeManager(Services services, BatteryReader batteryReader, bool observesBattery);
+  explicit AwakeManager(Services services) : services_(services), assertions_(services.assertionClient) {}
 
   [[nodiscard]] bool isActive() const { return assertions_.isActive(); }
   [[nodiscard]] bool keepsDisplayOn() const { return assertions_.keepsDisplayOn(); }
@@ -55,14 +53,14 @@ class AwakeManager {
   /// Turns the display off at once during a session that lets it sleep; the session goes on.
   void turnDisplayOff();
 
-  /// Takes over the rules and applies them to a running session.
+  /// Keeps the rules and applies them to a running session.
   void setRules(const AwakeRules& rules);
   /// Ends the session when its end has come.
   void checkDeadline(Time now);
   /// Ends the session when the rules forbid it now.
   void checkBattery();
-  /// What is to be seen to every few seconds: the deadline, and now and then the charge, which on many
-  /// machines falls without a word from the system.
+  /// To be called every few seconds: checks the deadline, and twice a minute the charge, of which many
+  /// machines do not tell when it falls.
   void tick(Time now);
 
   /// After every change that the user should see.
@@ -72,16 +70,14 @@ class AwakeManager {
   [[nodiscard]] bool activate(bool keepDisplayOn);
   void tell(std::string message);
   void scheduleDeadline();
-  void updateBatteryObserver();
+  void observeBattery();
 
   Services services_;
   PowerAssertions assertions_;
-  BatteryReader batteryReader_;
-  const bool observesBattery_;
   AwakeRules rules_;
   Subscription deadlineTimer_;
-  std::optional<BatteryObserver> batteryObserver_;
-  Time batteryCheckedAt_;  ///< at the latest tick that did
+  Subscription batteryObservation_;
+  Time batteryCheckedAt_;  ///< by the latest tick that did
   Subscription displayOffRequest_;
   std::optional<Time> endsAt_;
   std::string message_ = "Keep AI jobs running while your display rests.";

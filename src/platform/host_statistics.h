@@ -7,14 +7,18 @@
 
 namespace nimbo {
 
-/// How many pages of physical memory stand in each of the roles that the memory split needs.
-struct PageCounts {
-  std::uint64_t wired = 0;       ///< cannot be moved out of memory: kernel, locked, reserved
-  std::uint64_t compressor = 0;  ///< hold compressed pages of others
-  std::uint64_t active = 0;      ///< application and file pages in use lately
-  std::uint64_t inactive = 0;    ///< application and file pages not used lately
-  std::uint64_t purgeable = 0;   ///< of active + inactive: the owner lets go when asked
-  std::uint64_t fileBacked = 0;  ///< of active + inactive: can be read again from a file
+enum class MemoryPressure { normal, warning, critical, unknown };
+
+/// Bytes of physical memory in each of the roles that the memory split needs, and what else tells how short memory is.
+struct MemoryCounts {
+  std::uint64_t wired = 0;                  ///< cannot be moved out of memory: kernel, locked, reserved
+  std::uint64_t compressor = 0;             ///< hold compressed pages of others
+  std::uint64_t active = 0;                 ///< of applications and files, in use lately
+  std::uint64_t inactive = 0;               ///< of applications and files, not used lately
+  std::uint64_t purgeable = 0;              ///< of active + inactive: the owner lets go when asked
+  std::uint64_t fileBacked = 0;             ///< of active + inactive: can be read again from a file
+  std::optional<std::uint64_t> swapUsed{};  ///< 0 on a machine without swap; absent when it cannot be read
+  MemoryPressure pressure = MemoryPressure::unknown;
 };
 
 /// Cumulative CPU time of all processors in clock ticks, in the order user, system, idle, nice.
@@ -30,16 +34,7 @@ class HostStatistics {
   [[nodiscard]] virtual std::uint64_t physicalMemory() = 0;
 
   /// Absent when the system does not tell.
-  [[nodiscard]] virtual std::optional<PageCounts> pageCounts() = 0;
-
-  /// Bytes; absent when the system does not tell.
-  [[nodiscard]] virtual std::optional<std::uint64_t> pageSize() = 0;
-
-  /// Bytes of swap in use (0 on a machine without swap); absent when it cannot be read.
-  [[nodiscard]] virtual std::optional<std::uint64_t> swapUsed() = 0;
-
-  /// 1 normal, 2 warning, 4 critical; absent when the system does not tell.
-  [[nodiscard]] virtual std::optional<std::uint32_t> pressureLevel() = 0;
+  [[nodiscard]] virtual std::optional<MemoryCounts> memory() = 0;
 
   /// Absent when the counters cannot be read.
   [[nodiscard]] virtual std::optional<CpuTicks> cpuTicks() = 0;

@@ -4,7 +4,7 @@
 #include <array>
 #include <nlohmann/json.hpp>
 
-#include "platform/preference_value.h"
+#include "base/preference_value.h"
 #include "settings/setting_keys.h"
 
 namespace nimbo {

@@ -6,9 +6,9 @@
 #include <optional>
 #include <string_view>
 
-namespace nimbo {
+#include "platform/host_statistics.h"
 
-enum class MemoryPressure { normal, warning, critical, unknown };
+namespace nimbo {
 
 /// "Normal", "Elevated", "High" or "Unavailable".
 [[nodiscard]] std::string_view pressureWord(MemoryPressure pressure);

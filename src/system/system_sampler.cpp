@@ -9,13 +9,7 @@
 namespace nimbo {
 namespace {
 
-// Counts that overflow 64 bits are no memory of any machine: going on would show made-up figures.
-std::uint64_t bytesOf(std::uint64_t pages, std::uint64_t pageSize) {
-  std::uint64_t bytes = 0;
-  if (__builtin_mul_overflow(pages, pageSize, &bytes)) std::abort();
-  return bytes;
-}
-
+// Sizes that overflow 64 bits are no memory of any machine: going on would show made-up figures.
 std::uint64_t sum(std::uint64_t left, std::uint64_t right) {
   std::uint64_t result = 0;
   if (__builtin_add_overflow(left, right, &result)) std::abort();
@@ -29,27 +23,14 @@ std::uint64_t take(std::uint64_t wanted, std::uint64_t& left) {
   return taken;
 }
 
-void split(const PageCounts& pages, std::uint64_t pageSize, MemorySnapshot& snapshot) {
-  const std::uint64_t cached = sum(bytesOf(pages.purgeable, pageSize), bytesOf(pages.fileBacked, pageSize));
-  const std::uint64_t inUse = sum(bytesOf(pages.active, pageSize), bytesOf(pages.inactive, pageSize));
+void split(const MemoryCounts& counts, MemorySnapshot& snapshot) {
+  const std::uint64_t cached = sum(counts.purgeable, counts.fileBacked);
+  const std::uint64_t inUse = sum(counts.active, counts.inactive);
   std::uint64_t left = snapshot.total;
-  snapshot.wired = take(bytesOf(pages.wired, pageSize), left);
-  snapshot.compressed = take(bytesOf(pages.compressor, pageSize), left);
+  snapshot.wired = take(counts.wired, left);
+  snapshot.compressed = take(counts.compressor, left);
   snapshot.app = take(inUse > cached ? inUse - cached : 0, left);
   snapshot.cached = take(cached, left);
-}
-
-MemoryPressure pressureOf(std::optional<std::uint32_t> level) {
-  switch (level.value_or(0)) {
-    case 1:
-      return MemoryPressure::normal;
-    case 2:
-      return MemoryPressure::warning;
-    case 4:
-      return MemoryPressure::critical;
-    default:
-      return MemoryPressure::unknown;
-  }
 }
 
 // The counters may be 32 bits wide: the difference modulo 2^32 is right across a wrap too.
@@ -63,16 +44,14 @@ SystemSampler::SystemSampler(HostStatistics& host, const Clock& clock)
     : host_(host), clock_(clock), total_(host.physicalMemory()) {}
 
 std::optional<MemorySnapshot> SystemSampler::snapshot() {
-  const auto pages = host_.pageCounts();
-  if (!pages) return std::nullopt;
-  const auto pageSize = host_.pageSize();
-  if (!pageSize) return std::nullopt;
+  const auto counts = host_.memory();
+  if (!counts) return std::nullopt;
 
   MemorySnapshot snapshot;
   snapshot.total = total_;
-  snapshot.swap = host_.swapUsed();
-  snapshot.pressure = pressureOf(host_.pressureLevel());
-  split(*pages, *pageSize, snapshot);
+  snapshot.swap = counts->swapUsed;
+  snapshot.pressure = counts->pressure;
+  split(*counts, snapshot);
   snapshot.timestamp = clock_.now();
   return snapshot;
 }

@@ -16,7 +16,7 @@ class SystemSampler {
  public:
   SystemSampler(HostStatistics& host, const Clock& clock);
 
-  /// Absent when the page counts or the page size cannot be read.
+  /// Absent when the memory counts cannot be read.
   [[nodiscard]] std::optional<MemorySnapshot> snapshot();
 
   /// Busy fraction, 0…1, of all processors since the previous successful reading. Absent on the

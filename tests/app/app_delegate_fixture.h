@@ -14,14 +14,15 @@
 
 namespace nimbo {
 
+inline constexpr std::uint64_t kGibibyte = std::uint64_t{1} << 30;
 inline const StatusClick kClick{false, Rect{1000, 0, 24, 24}};
 
 /// The whole program on a fake machine and desktop.
 class AppDelegateTest : public ::testing::Test {
  protected:
   AppDelegateTest() {
-    platform.host->memory = std::uint64_t{16} << 30;
-    platform.host->pages = PageCounts{1 << 20, 0, 1 << 20, 0, 0, 0};
+    platform.host->total = kGibibyte * 16;
+    platform.host->counts = MemoryCounts{.wired = kGibibyte * 4, .active = kGibibyte * 4};
     platform.processes->add(10, 200 << 20, "big");
   }
 

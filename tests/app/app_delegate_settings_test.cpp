@@ -139,7 +139,7 @@ TEST_F(AppDelegateSettingsTest, IntervalRestartsTheTimer) {
   showPage(SettingsPage::monitors);
   const auto item = platform.bar.item("nimbo-memory");
   const std::string before = item->content.toolTip;
-  platform.host->pages = PageCounts{1 << 20, 0, 2 << 20, 0, 0, 0};
+  platform.host->counts = MemoryCounts{.wired = kGibibyte * 4, .active = kGibibyte * 8};
   ASSERT_TRUE(preferences()->choose("interval", 3));
   EXPECT_EQ(tickInterval(), 30s);
   EXPECT_NE(item->content.toolTip, before) << "one sample is taken at once";

@@ -33,14 +33,14 @@ TEST_F(AppDelegateTest, LaunchDoesNotLoadTheToolkit) {
 
 TEST_F(AppDelegateTest, TickRefreshesTheMemoryItem) {
   launch();
-  platform.host->pages = PageCounts{3 << 20, 0, 0, 0, 0, 0};
+  platform.host->counts = MemoryCounts{.wired = kGibibyte * 12};
   platform.loop.advance(seconds(5));
   EXPECT_EQ(platform.bar.item("nimbo-memory")->content.title, "75%");
 }
 
 TEST_F(AppDelegateTest, FailedReadingIsToldByTheMemoryItem) {
   launch();
-  platform.host->pages.reset();
+  platform.host->counts.reset();
   platform.loop.advance(seconds(5));
   EXPECT_EQ(platform.bar.item("nimbo-memory")->content.toolTip, "Memory unavailable; retrying");
 }
@@ -150,7 +150,7 @@ TEST_F(AppDelegateTest, ScanThatComesAfterTheDashboardClosedIsNotDrawn) {
 TEST_F(AppDelegateTest, OpenDashboardFollowsTheSamples) {
   launch();
   clickItem("nimbo-memory");
-  platform.host->pages = PageCounts{1 << 20, 0, 0, 0, 0, 0};
+  platform.host->counts = MemoryCounts{.wired = kGibibyte * 4};
   platform.loop.advance(seconds(5));
   EXPECT_EQ(content().hero.text, "25%");
   EXPECT_EQ(content().time.text, "RECENT USAGE · 5s");
@@ -161,7 +161,7 @@ TEST_F(AppDelegateTest, ClosedDashboardIsNotRenderedAndCatchesUpOnOpening) {
   clickItem("nimbo-memory");
   clickItem("nimbo-memory");
   const int renders = window()->renders();
-  platform.host->pages = PageCounts{1 << 20, 0, 0, 0, 0, 0};
+  platform.host->counts = MemoryCounts{.wired = kGibibyte * 4};
   platform.loop.advance(seconds(10));
   EXPECT_EQ(window()->renders(), renders);
   clickItem("nimbo-memory");

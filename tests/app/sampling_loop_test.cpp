@@ -31,8 +31,8 @@ class SamplingLoopTest : public ::testing::Test {
   }
 
   void setUsedPages(std::uint64_t pages) {
-    platform.host->memory = 2000 * 4096;
-    platform.host->pages = PageCounts{pages, 0, 0, 0, 0, 0};
+    platform.host->total = 2000 * 4096;
+    platform.host->counts = MemoryCounts{.wired = pages * 4096};
   }
 
   void setTicks(std::uint64_t busy, std::uint64_t idle) { platform.host->ticks = CpuTicks{busy, 0, idle, 0}; }
@@ -118,7 +118,7 @@ TEST_F(SamplingLoopTest, FortyFirstReadingDropsTheFirst) {
 }
 
 TEST_F(SamplingLoopTest, MachineWithoutMemoryGivesZeroInTheHistory) {
-  platform.host->memory = 0;
+  platform.host->total = 0;
   sampling = makeLoop();
   sampling->tick();
   EXPECT_EQ(readings().memoryHistory, std::vector{0.0});
@@ -126,7 +126,7 @@ TEST_F(SamplingLoopTest, MachineWithoutMemoryGivesZeroInTheHistory) {
 
 TEST_F(SamplingLoopTest, FailedMemoryReadingEmptiesMemoryAndTheNextTickTriesAgain) {
   sampling->tick();
-  platform.host->pages.reset();
+  platform.host->counts.reset();
   sampling->tick();
   EXPECT_FALSE(readings().memory);
   EXPECT_TRUE(readings().memoryFailed);

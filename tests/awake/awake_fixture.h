@@ -61,7 +61,7 @@ class AwakeManagerTest : public testing::Test {
   FakeAssertionClient client;
   FakePowerSources sources;
   FakeDisplayPower display;
-  AwakeManager manager{{loop, clock, client, sources, display}, [this] { return readBattery(sources); }, true};
+  AwakeManager manager{{loop, clock, client, sources, display}};
   Log told;  ///< the message at each change
 };
 

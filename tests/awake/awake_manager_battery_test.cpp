@@ -65,17 +65,14 @@ TEST_F(AwakeManagerBatteryTest, OnlyOnPowerRefusesToStartOnBattery) {
 }
 
 TEST_F(AwakeManagerBatteryTest, StartThatTheRulesRefuseEndsARunningSession) {
-  AwakeManager unobserved(
-      {loop, clock, client, sources, display}, [this] { return readBattery(sources); }, false);
-  ASSERT_TRUE(unobserved.start(at(15, 0), true, clock.now()));
-  sources.onBattery(10);
-  ASSERT_TRUE(unobserved.isActive());
-  EXPECT_FALSE(unobserved.start(at(16, 0), true, clock.now()));
-  EXPECT_FALSE(unobserved.isActive());
-  EXPECT_EQ(unobserved.endsAt(), std::nullopt);
+  ASSERT_TRUE(start(at(15, 0), true));
+  sources.changeSilently({{FakePowerSources::battery(kBatteryPower, 10)}});
+  EXPECT_FALSE(start(at(16, 0), true));
+  EXPECT_FALSE(manager.isActive());
+  EXPECT_EQ(manager.endsAt(), std::nullopt);
   EXPECT_EQ(timerEnd(), std::nullopt);
   EXPECT_TRUE(client.held().empty());
-  EXPECT_EQ(unobserved.message(), kAtTwenty);
+  EXPECT_EQ(manager.message(), kAtTwenty);
 }
 
 TEST_F(AwakeManagerBatteryTest, MachineWithoutABatteryIsNeverStopped) {
@@ -93,20 +90,32 @@ TEST_F(AwakeManagerBatteryTest, UnknownChargeDoesNotReachTheFloor) {
   EXPECT_TRUE(manager.isActive());
 }
 
+/// The charger is pulled after the first reading, and nobody is told.
+class PulledMeanwhile final : public PowerSources {
+ public:
+  [[nodiscard]] std::optional<std::vector<PowerSourceDescription>> list() const override {
+    const char* const state = std::exchange(pulled_, true) ? kBatteryPower : "AC Power";
+    return {{FakePowerSources::battery(state, 80)}};
+  }
+  [[nodiscard]] Subscription observe(std::function<void()> changed) override {
+    return sources.observe(std::move(changed));
+  }
+
+  FakePowerSources sources;
+
+ private:
+  mutable bool pulled_ = false;
+};
+
 TEST_F(AwakeManagerBatteryTest, ChargerPulledBetweenReadingAndObservingEndsTheSession) {
-  bool pulled = false;
-  AwakeManager late(
-      {loop, clock, client, sources, display},
-      [&] {
-        return std::exchange(pulled, true) ? BatteryState{true, 80} : BatteryState{false, 80};
-      },
-      true);
+  PulledMeanwhile pulled;
+  AwakeManager late({loop, clock, client, pulled, display});
   late.setRules({true, 20});
   EXPECT_FALSE(late.start(at(14, 0), true, clock.now()));
   EXPECT_FALSE(late.isActive());
   EXPECT_EQ(late.message(), kConnect);
   EXPECT_TRUE(client.held().empty());
-  EXPECT_EQ(sources.observers(), 0);
+  EXPECT_EQ(pulled.sources.observers(), 0);
 }
 
 TEST_F(AwakeManagerBatteryTest, PowerSourcesAreObservedWhileASessionWithARuleRuns) {
@@ -176,19 +185,6 @@ TEST_F(AwakeManagerBatteryTest, RulesWhileIdleWaitForTheNextSession) {
   EXPECT_EQ(told, Log{});
   EXPECT_FALSE(start());
   EXPECT_EQ(told, Log{kConnect});
-}
-
-TEST_F(AwakeManagerBatteryTest, ManagerThatMustNotObserveAppliesTheRulesWhenAsked) {
-  AwakeManager unobserved(
-      {loop, clock, client, sources, display}, [this] { return readBattery(sources); }, false);
-  sources.onBattery(60);
-  ASSERT_TRUE(unobserved.start({}, false, clock.now()));
-  EXPECT_EQ(sources.subscriptions, 0);
-  sources.onBattery(10);
-  EXPECT_TRUE(unobserved.isActive());
-  unobserved.checkBattery();
-  EXPECT_FALSE(unobserved.isActive());
-  EXPECT_EQ(unobserved.message(), kAtTwenty);
 }
 
 TEST_F(AwakeManagerBatteryTest, TickReadsTheChargeOnceInHalfAMinute) {

@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include "awake/battery_state.h"
+#include "awake/awake_rules.h"
 
 #include <gtest/gtest.h>
 
 #include <limits>
-#include <memory>
 
-#include "awake/battery_observer.h"
 #include "support/fake_power_sources.h"
 
 namespace nimbo {
@@ -93,44 +91,6 @@ TEST_F(BatteryStateTest, UnusableMaximumLeavesOnlyTheState) {
 TEST_F(BatteryStateTest, MissingCapacityLeavesOnlyTheState) {
   EXPECT_EQ(percent(std::nullopt, 100), std::nullopt);
   EXPECT_EQ(percent(57, std::nullopt), std::nullopt);
-}
-
-class BatteryObserverTest : public testing::Test {
- protected:
-  FakePowerSources sources;
-  int changes = 0;
-};
-
-TEST_F(BatteryObserverTest, EveryChangeIsToldWhileItLives) {
-  {
-    BatteryObserver observer(sources);
-    EXPECT_EQ(sources.observers(), 1);
-    observer.onChange = [this] { ++changes; };
-    sources.onBattery(50);
-    sources.onBattery(49);
-    EXPECT_EQ(changes, 2);
-  }
-  EXPECT_EQ(sources.observers(), 0);
-  sources.onMains(49);
-  EXPECT_EQ(changes, 2);
-}
-
-TEST_F(BatteryObserverTest, ChangeWithoutACallbackIsIgnored) {
-  BatteryObserver observer(sources);
-  sources.onBattery(50);
-  observer.onChange = [this] { ++changes; };
-  EXPECT_EQ(changes, 0);
-}
-
-TEST_F(BatteryObserverTest, ObserverMayGoAwayInItsOwnCallback) {
-  auto observer = std::make_unique<BatteryObserver>(sources);
-  observer->onChange = [&] {
-    observer.reset();
-    ++changes;
-  };
-  sources.onBattery(50);
-  sources.onBattery(49);
-  EXPECT_EQ(changes, 1);
 }
 
 }  // namespace

@@ -2,10 +2,9 @@
 // The settings over the real files, where a hand-edited value and a migration meet the disk.
 #include <gtest/gtest.h>
 
-#include "platform/linux/settings/json_user_defaults.h"
-#include "platform/linux/settings/json_user_defaults_domains.h"
 #include "settings/settings.h"
 #include "support/services/temporary_tree.h"
+#include "support/turning_user_defaults.h"
 
 namespace nimbo {
 namespace {
@@ -23,7 +22,7 @@ class SettingsInFiles : public ::testing::Test {
 
   TemporaryTree tree;
   JsonUserDefaultsDomains domains{tree.path()};
-  JsonUserDefaults defaults{tree.path(), kDomain};
+  TurningUserDefaults defaults{tree.path(), kDomain};
 };
 
 TEST_F(SettingsInFiles, FirstStartStoresNothingButTheMark) {
@@ -66,7 +65,7 @@ TEST_F(SettingsInFiles, MistakeMadeBeforeTheStartIsLeftForItsUserToCorrect) {
 
 TEST_F(SettingsInFiles, TwoStoresOverOneFileAgree) {
   Settings ours = launch();
-  JsonUserDefaults otherDefaults(tree.path(), kDomain);
+  TurningUserDefaults otherDefaults(tree.path(), kDomain);
   Settings theirs(otherDefaults);
   ours.setMenuPreset(3);
   EXPECT_EQ(theirs.menuPreset(), 3);

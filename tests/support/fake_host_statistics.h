@@ -10,19 +10,20 @@ class FakeHostStatistics final : public HostStatistics {
  public:
   [[nodiscard]] std::uint64_t physicalMemory() override {
     ++physicalMemoryReads;
-    return memory;
+    return total;
   }
-  [[nodiscard]] std::optional<PageCounts> pageCounts() override { return pages; }
-  [[nodiscard]] std::optional<std::uint64_t> pageSize() override { return bytesPerPage; }
-  [[nodiscard]] std::optional<std::uint64_t> swapUsed() override { return swap; }
-  [[nodiscard]] std::optional<std::uint32_t> pressureLevel() override { return level; }
+  [[nodiscard]] std::optional<MemoryCounts> memory() override {
+    auto result = counts;
+    if (result) result->swapUsed = swap;
+    if (result) result->pressure = pressure;
+    return result;
+  }
   [[nodiscard]] std::optional<CpuTicks> cpuTicks() override { return ticks; }
 
-  std::uint64_t memory = std::uint64_t{16} << 30;
-  std::optional<PageCounts> pages = PageCounts{};
-  std::optional<std::uint64_t> bytesPerPage = 4096;
+  std::uint64_t total = std::uint64_t{16} << 30;
+  std::optional<MemoryCounts> counts = MemoryCounts{};  ///< without the two below
   std::optional<std::uint64_t> swap = 0;
-  std::optional<std::uint32_t> level = 1;
+  MemoryPressure pressure = MemoryPressure::normal;
   std::optional<CpuTicks> ticks = CpuTicks{};
   int physicalMemoryReads = 0;
 };

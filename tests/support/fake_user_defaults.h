@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/preference_value.h"
+#include "base/preference_value.h"
 #include "platform/user_defaults.h"
 
 namespace nimbo {

@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
-
 #include "support/fake_clock.h"
 #include "support/fake_host_statistics.h"
 
@@ -28,11 +26,15 @@ using SystemSamplerMemory = SystemSamplerTest;
 using SystemSamplerCpu = SystemSamplerTest;
 
 TEST_F(SystemSamplerMemory, OrdinaryMachineIsSplitIntoItsParts) {
-  host.memory = 1000 * kPage;
-  host.pages =
-      PageCounts{.wired = 100, .compressor = 50, .active = 300, .inactive = 350, .purgeable = 20, .fileBacked = 180};
+  host.total = 1000 * kPage;
+  host.counts = MemoryCounts{.wired = 100 * kPage,
+                             .compressor = 50 * kPage,
+                             .active = 300 * kPage,
+                             .inactive = 350 * kPage,
+                             .purgeable = 20 * kPage,
+                             .fileBacked = 180 * kPage};
   host.swap = 12345;
-  host.level = 2;
+  host.pressure = MemoryPressure::warning;
   EXPECT_EQ(snapshot(), (MemorySnapshot{.total = 1000 * kPage,
                                         .app = 450 * kPage,
                                         .wired = 100 * kPage,
@@ -43,27 +45,16 @@ TEST_F(SystemSamplerMemory, OrdinaryMachineIsSplitIntoItsParts) {
                                         .timestamp = clock.now()}));
 }
 
-TEST_F(SystemSamplerMemory, SizesFollowThePageSize) {
-  host.bytesPerPage = 16384;
-  host.pages = PageCounts{.wired = 3};
-  EXPECT_EQ(snapshot().wired, 3U * 16384);
-}
-
-TEST_F(SystemSamplerMemory, UnreadablePageCountsGiveNoSnapshot) {
-  host.pages.reset();
-  EXPECT_EQ(SystemSampler(host, clock).snapshot(), std::nullopt);
-}
-
-TEST_F(SystemSamplerMemory, UnreadablePageSizeGivesNoSnapshot) {
-  host.bytesPerPage.reset();
+TEST_F(SystemSamplerMemory, UnreadableMemoryGivesNoSnapshot) {
+  host.counts.reset();
   EXPECT_EQ(SystemSampler(host, clock).snapshot(), std::nullopt);
 }
 
 TEST_F(SystemSamplerMemory, FailureIsNotRemembered) {
   SystemSampler sampler(host, clock);
-  host.pages.reset();
+  host.counts.reset();
   EXPECT_FALSE(sampler.snapshot());
-  host.pages = PageCounts{};
+  host.counts = MemoryCounts{};
   EXPECT_TRUE(sampler.snapshot());
 }
 
@@ -75,8 +66,13 @@ TEST_F(SystemSamplerMemory, UnreadableSwapGivesASnapshotWithoutSwap) {
 TEST_F(SystemSamplerMemory, UnusedSwapIsZeroNotAbsent) { EXPECT_EQ(snapshot().swap, 0U); }
 
 TEST_F(SystemSamplerMemory, WiredBeyondPhysicalMemoryTakesAllOfIt) {
-  host.memory = 10 * kPage;
-  host.pages = PageCounts{.wired = 11, .compressor = 5, .active = 7, .inactive = 7, .purgeable = 1, .fileBacked = 3};
+  host.total = 10 * kPage;
+  host.counts = MemoryCounts{.wired = 11 * kPage,
+                             .compressor = 5 * kPage,
+                             .active = 7 * kPage,
+                             .inactive = 7 * kPage,
+                             .purgeable = 1 * kPage,
+                             .fileBacked = 3 * kPage};
   const MemorySnapshot memory = snapshot();
   EXPECT_EQ(memory.wired, memory.total);
   EXPECT_EQ(memory.compressed, 0U);
@@ -85,49 +81,49 @@ TEST_F(SystemSamplerMemory, WiredBeyondPhysicalMemoryTakesAllOfIt) {
 }
 
 TEST_F(SystemSamplerMemory, CachedBeyondPagesInUseLeavesNoAppAndTakesWhatIsLeft) {
-  host.memory = 100 * kPage;
-  host.pages =
-      PageCounts{.wired = 60, .compressor = 10, .active = 20, .inactive = 20, .purgeable = 15, .fileBacked = 30};
+  host.total = 100 * kPage;
+  host.counts = MemoryCounts{.wired = 60 * kPage,
+                             .compressor = 10 * kPage,
+                             .active = 20 * kPage,
+                             .inactive = 20 * kPage,
+                             .purgeable = 15 * kPage,
+                             .fileBacked = 30 * kPage};
   const MemorySnapshot memory = snapshot();
   EXPECT_EQ(memory.app, 0U);
   EXPECT_EQ(memory.cached, 30 * kPage);
 }
 
 TEST_F(SystemSamplerMemory, CompressedIsCappedByWhatWiredLeft) {
-  host.memory = 100 * kPage;
-  host.pages = PageCounts{.wired = 60, .compressor = 70, .active = 20, .inactive = 20};
+  host.total = 100 * kPage;
+  host.counts =
+      MemoryCounts{.wired = 60 * kPage, .compressor = 70 * kPage, .active = 20 * kPage, .inactive = 20 * kPage};
   const MemorySnapshot memory = snapshot();
   EXPECT_EQ(memory.compressed, 40 * kPage);
   EXPECT_EQ(memory.app, 0U);
 }
 
 TEST_F(SystemSamplerMemory, AppIsCappedByWhatWiredAndCompressedLeft) {
-  host.memory = 100 * kPage;
-  host.pages = PageCounts{.wired = 40, .compressor = 40, .active = 90, .inactive = 0, .fileBacked = 10};
+  host.total = 100 * kPage;
+  host.counts = MemoryCounts{
+      .wired = 40 * kPage, .compressor = 40 * kPage, .active = 90 * kPage, .inactive = 0, .fileBacked = 10 * kPage};
   const MemorySnapshot memory = snapshot();
   EXPECT_EQ(memory.app, 20 * kPage);
   EXPECT_EQ(memory.cached, 0U);
   EXPECT_EQ(memory.used(), memory.total);
 }
 
-TEST_F(SystemSamplerMemory, EveryPressureLevelHasItsWord) {
-  const auto word = [&](std::optional<std::uint32_t> level) {
-    host.level = level;
-    return pressureWord(snapshot().pressure);
-  };
-  EXPECT_EQ(word(1), "Normal");
-  EXPECT_EQ(word(2), "Elevated");
-  EXPECT_EQ(word(4), "High");
-  for (const std::uint32_t other : {0U, 3U, 5U, std::numeric_limits<std::uint32_t>::max()}) {
-    EXPECT_EQ(word(other), "Unavailable") << other;
+TEST_F(SystemSamplerMemory, PressureIsTheHosts) {
+  for (const auto pressure :
+       {MemoryPressure::normal, MemoryPressure::warning, MemoryPressure::critical, MemoryPressure::unknown}) {
+    host.pressure = pressure;
+    EXPECT_EQ(snapshot().pressure, pressure);
   }
-  EXPECT_EQ(word(std::nullopt), "Unavailable");
 }
 
 TEST_F(SystemSamplerMemory, TotalIsReadOnceAndTimestampIsOfTheReading) {
   SystemSampler sampler(host, clock);
-  const std::uint64_t before = host.memory;
-  host.memory = 1;
+  const std::uint64_t before = host.total;
+  host.total = 1;
   clock.advance(std::chrono::seconds(5));
   const auto memory = sampler.snapshot();
   EXPECT_EQ(memory->total, before);
@@ -137,17 +133,15 @@ TEST_F(SystemSamplerMemory, TotalIsReadOnceAndTimestampIsOfTheReading) {
 
 using SystemSamplerDeathTest = SystemSamplerTest;
 
-TEST_F(SystemSamplerDeathTest, PageCountThatOverflowsIsFatal) {
-  for (auto count : {&PageCounts::wired, &PageCounts::compressor, &PageCounts::active, &PageCounts::inactive,
-                     &PageCounts::purgeable, &PageCounts::fileBacked}) {
-    PageCounts pages;
-    pages.*count = (std::uint64_t{1} << 52);
-    host.pages = pages;
+TEST_F(SystemSamplerDeathTest, SumThatOverflowsIsFatal) {
+  constexpr std::uint64_t kHalf = std::uint64_t{1} << 63;
+  for (const MemoryCounts& counts :
+       {MemoryCounts{.active = kHalf, .inactive = kHalf}, MemoryCounts{.purgeable = kHalf, .fileBacked = kHalf}}) {
+    host.counts = counts;
     EXPECT_DEATH((void)snapshot(), "");
-    pages.*count -= 1;
-    host.pages = pages;
-    EXPECT_LE(snapshot().used(), host.memory);
   }
+  host.counts = MemoryCounts{.active = kHalf, .inactive = kHalf - 1, .purgeable = kHalf, .fileBacked = kHalf - 1};
+  EXPECT_LE(snapshot().used(), host.total);
 }
 
 TEST_F(SystemSamplerCpu, FirstReadingGivesNothingSecondAFraction) {

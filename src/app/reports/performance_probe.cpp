@@ -3,10 +3,10 @@
 
 #include <fmt/format.h>
 
+#include <random>
 #include <utility>
 
 #include "app/app_delegate.h"
-#include "base/uuid.h"
 
 namespace nimbo {
 namespace {
@@ -75,13 +75,15 @@ void PerformanceProbe::finish() {
 
 int runPerformanceProbe(PlatformServices& platform, UserInterfaceMaker makeUserInterface, PerformanceProbe::Print print,
                         PerformanceProbe::Print complain) {
-  const std::string domain = "Nimbo.Performance." + makeUuid();
-  const auto defaults = platform.makeUserDefaults(domain);
-  if (!defaults) {
-    complain("the settings of the run cannot be kept");
-    return 1;
-  }
+  std::random_device random;
+  const std::string domain = fmt::format("Nimbo.Performance.{:08X}{:08X}", random(), random());
   {
+    // It goes before its domain is removed, because it may write until then.
+    const auto defaults = platform.makeUserDefaults(domain);
+    if (!defaults) {
+      complain("the settings of the run cannot be kept");
+      return 1;
+    }
     Settings settings(*defaults);
     AppDelegate delegate(platform, std::move(makeUserInterface), settings, AppDelegate::Widgets::none);
     delegate.applicationDidFinishLaunching();

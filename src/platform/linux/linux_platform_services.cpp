@@ -35,7 +35,6 @@
 #include "platform/linux/power/sysfs_power_sources.h"
 #include "platform/linux/settings/json_bundle_info.h"
 #include "platform/linux/settings/json_user_defaults.h"
-#include "platform/linux/settings/json_user_defaults_domains.h"
 #include "platform/linux/terminal/local_tool_files.h"
 #include "platform/linux/terminal/pty_terminals.h"
 #include "platform/linux/tray/panel_appearance.h"
@@ -134,7 +133,7 @@ class LinuxPlatformServices final : public PlatformServices {
   [[nodiscard]] UserDefaults& userDefaults() override { return defaults_; }
   [[nodiscard]] UserDefaultsDomains& userDefaultsDomains() override { return domains_; }
   [[nodiscard]] std::unique_ptr<UserDefaults> makeUserDefaults(const std::string& domain) override {
-    return std::make_unique<JsonUserDefaults>(folders_.config, domain);
+    return std::make_unique<JsonUserDefaults>(folders_.config, domain, defaultsServices());
   }
   [[nodiscard]] ModuleLoader& moduleLoader() override { return modules_; }
   [[nodiscard]] ApplicationInstance& applicationInstance() override { return instance_; }
@@ -147,14 +146,7 @@ class LinuxPlatformServices final : public PlatformServices {
   [[nodiscard]] const Dates& dates() override { return dates_; }
   [[nodiscard]] const OwnProcess& ownProcess() override { return ownProcess_; }
   [[nodiscard]] UsageServices usageServices() override {
-    return {http_,
-            secretFiles_,
-            toolFiles_,
-            terminals_,
-            accessibility_,
-            claudeQueue_,
-            [this](const std::function<void()>& work) { background_.run(work); },
-            user_};
+    return {http_, secretFiles_, toolFiles_, terminals_, accessibility_, claudeQueue_, inBackground(), user_};
   }
   [[nodiscard]] LoginItem& loginItem() override { return loginItem_; }
   [[nodiscard]] WidgetCenter& widgetCenter() override { return widgetCenter_; }
@@ -166,6 +158,12 @@ class LinuxPlatformServices final : public PlatformServices {
   }
 
  private:
+  std::function<void(std::function<void()>)> inBackground() {
+    return [this](const std::function<void()>& work) { background_.run(work); };
+  }
+  // Not on the utility queue, whose other work may take seconds: a setting is to be on disk at once.
+  JsonUserDefaults::Services defaultsServices() { return {loop_, inBackground()}; }
+
   // In order of dependence: what comes later uses what comes before and goes first.
   const Environment environment_;
   const std::filesystem::path executable_ = executablePath();
@@ -177,7 +175,6 @@ class LinuxPlatformServices final : public PlatformServices {
 
   SystemReaders readers_ = makeSystemReaders();
   BundleInfo bundleInfo_ = readBundleInfo(prefix_ / "share" / "nimbo" / "Info.json");
-  JsonUserDefaults defaults_{folders_.config, kDomain};
   JsonUserDefaultsDomains domains_{folders_.config};
   DlModuleLoader modules_{(prefix_ / "lib" / "nimbo").string()};
 
@@ -220,6 +217,7 @@ class LinuxPlatformServices final : public PlatformServices {
   ThreadWorkQueue claudeQueue_{"Nimbo.claude"};
   ThreadWorkQueue temperatureQueue_{"Nimbo.temperature"};
   ThreadWorkQueue utilityQueue_{"Nimbo.utility"};
+  JsonUserDefaults defaults_{folders_.config, kDomain, defaultsServices()};
 };
 
 }  // namespace

@@ -13,16 +13,16 @@
 namespace nimbo {
 namespace {
 
-constexpr std::uint64_t kPagesOfAGigabyte = std::uint64_t{1} << 18;
+constexpr std::uint64_t kGigabyte = std::uint64_t{1} << 30;
 
 class DiagnosticsReportTest : public testing::Test {
  protected:
   DiagnosticsReportTest() {
-    host.pages = PageCounts{.wired = kPagesOfAGigabyte * 5 / 2,
-                            .compressor = kPagesOfAGigabyte * 27 / 10,
-                            .active = kPagesOfAGigabyte * 5,
-                            .inactive = kPagesOfAGigabyte * 3,
-                            .fileBacked = kPagesOfAGigabyte * 2};
+    host.counts = MemoryCounts{.wired = kGigabyte * 5 / 2,
+                               .compressor = kGigabyte * 27 / 10,
+                               .active = kGigabyte * 5,
+                               .inactive = kGigabyte * 3,
+                               .fileBacked = kGigabyte * 2};
   }
 
   DiagnosticsReport make() {
@@ -66,7 +66,7 @@ TEST_F(DiagnosticsReportTest, HealthyMachinePrintsEveryLineInOrder) {
 }
 
 TEST_F(DiagnosticsReportTest, UnreadableMemoryIsTheOnlyErrorAndStopsTheReport) {
-  host.pages.reset();
+  host.counts.reset();
   processes.add(1, 1, "init");
   const DiagnosticsReport report = make();
   EXPECT_EQ(report.output, "");
@@ -82,11 +82,11 @@ TEST_F(DiagnosticsReportTest, SwapThatCannotBeReadIsUnavailable) {
 }
 
 TEST_F(DiagnosticsReportTest, PressureIsNamedByItsWord) {
-  host.level = 2;
+  host.pressure = MemoryPressure::warning;
   EXPECT_EQ(line("Pressure"), "Pressure: Elevated; swap: 0.0 GB");
-  host.level = 4;
+  host.pressure = MemoryPressure::critical;
   EXPECT_EQ(line("Pressure"), "Pressure: High; swap: 0.0 GB");
-  host.level.reset();
+  host.pressure = MemoryPressure::unknown;
   EXPECT_EQ(line("Pressure"), "Pressure: Unavailable; swap: 0.0 GB");
 }
 
@@ -96,7 +96,7 @@ TEST_F(DiagnosticsReportTest, TemperatureThatCannotBeReadIsUnavailableAndNoError
 }
 
 TEST_F(DiagnosticsReportTest, TotalOfNothingPrintsZeroPercent) {
-  host.memory = 0;
+  host.total = 0;
   EXPECT_EQ(line("Used"), "Used: 0.0 GB (0%)");
   EXPECT_EQ(line("Available"), "Available: 0.0 GB");
 }

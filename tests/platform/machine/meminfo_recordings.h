@@ -1,7 +1,19 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstdint>
+#include <string>
+
 namespace nimbo {
+
+inline std::string withoutField(std::string text, const std::string& field) {
+  const auto start = ('\n' + text).find('\n' + field + ':');
+  return text.erase(start, text.find('\n', start) + 1 - start);
+}
+
+inline std::string withField(const std::string& text, const std::string& field, std::uint64_t kilobytes) {
+  return withoutField(text, field) + field + ": " + std::to_string(kilobytes) + " kB\n";
+}
 
 /// Kernel 6.18, a virtual machine without swap.
 inline constexpr char kVirtualMachineMemInfo[] = R"(MemTotal:       24684084 kB

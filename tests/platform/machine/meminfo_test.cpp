@@ -12,9 +12,7 @@
 namespace nimbo {
 namespace {
 
-constexpr std::uint64_t kPage = 4096;
-
-// What the pages give once they are split, in kB.
+// What the counts give once they are split, in kB.
 struct Split {
   std::uint64_t wired = 0;
   std::uint64_t compressed = 0;
@@ -28,114 +26,110 @@ void PrintTo(const Split& split, std::ostream* out) {
        << split.cached;
 }
 
-Split splitOf(const MemInfo& info, std::uint64_t zramBytes = 0) {
-  const PageCounts pages = pageCounts(info, zramBytes, kPage).value();
-  const std::uint64_t cached = pages.purgeable + pages.fileBacked;
-  return {pages.wired * 4, pages.compressor * 4, (pages.active + pages.inactive - cached) * 4, cached * 4};
+Split splitOf(std::string_view text, std::uint64_t zramBytes = 0) {
+  const MemoryCounts counts = parseMemInfo(text, zramBytes).value();
+  const std::uint64_t cached = counts.purgeable + counts.fileBacked;
+  return {counts.wired / 1024, counts.compressor / 1024, (counts.active + counts.inactive - cached) / 1024,
+          cached / 1024};
+}
+
+std::uint64_t kilobytes(std::string_view text, std::string_view field) {
+  return memInfoField(text, field).value() / 1024;
 }
 
 // Used memory by us less MemTotal - MemAvailable, in percent of the whole.
-double usedAgainstAvailable(const MemInfo& info, std::uint64_t zramBytes = 0) {
-  const Split split = splitOf(info, zramBytes);
-  const auto used = static_cast<double>((split.wired + split.compressed + split.app) * 1024);
-  return (used - static_cast<double>(*info.total - *info.available)) * 100 / static_cast<double>(*info.total);
-}
-
-std::string without(std::string text, const std::string& field) {
-  const auto start = text.find('\n' + field + ':');
-  return text.erase(start, text.find('\n', start + 1) - start);
+double usedAgainstAvailable(std::string_view text, std::uint64_t zramBytes = 0) {
+  const Split split = splitOf(text, zramBytes);
+  const auto used = static_cast<double>(split.wired + split.compressed + split.app);
+  const auto total = static_cast<double>(kilobytes(text, "MemTotal"));
+  return (used - total + static_cast<double>(kilobytes(text, "MemAvailable"))) * 100 / total;
 }
 
 TEST(MemInfo, VirtualMachineIsSplitByThePageLists) {
-  EXPECT_EQ(splitOf(parseMemInfo(kVirtualMachineMemInfo)),
+  EXPECT_EQ(splitOf(kVirtualMachineMemInfo),
             (Split{.wired = 92452, .compressed = 0, .app = 1532 + 7160, .cached = 14420 + 29540 + 134432}));
 }
 
 TEST(MemInfo, DesktopCountsZswapAndZramAsCompressed) {
-  EXPECT_EQ(splitOf(parseMemInfo(kDesktopMemInfo), 307200 * 1024), (Split{.wired = 2829448,
-                                                                          .compressed = 204800 + 307200,
-                                                                          .app = 5120000 + 2048000,
-                                                                          .cached = 1536000 + 2457600 + 512000}));
+  EXPECT_EQ(splitOf(kDesktopMemInfo, 307200 * 1024), (Split{.wired = 2829448,
+                                                            .compressed = 204800 + 307200,
+                                                            .app = 5120000 + 2048000,
+                                                            .cached = 1536000 + 2457600 + 512000}));
 }
 
 TEST(MemInfo, PartsAndFreeMemoryAreTheWhole) {
   for (const char* text : {kVirtualMachineMemInfo, kDesktopMemInfo, kOldKernelMemInfo}) {
-    const MemInfo info = parseMemInfo(text);
-    const Split split = splitOf(info, 10 << 20);
-    EXPECT_EQ((split.wired + split.compressed + split.app + split.cached) * 1024 + *info.free, *info.total);
+    const Split split = splitOf(text, 10 << 20);
+    EXPECT_EQ(split.wired + split.compressed + split.app + split.cached + kilobytes(text, "MemFree"),
+              kilobytes(text, "MemTotal"));
   }
 }
 
 TEST(MemInfo, UsedMemoryIsThatOfMemAvailableWithinThreePercent) {
-  EXPECT_LT(std::abs(usedAgainstAvailable(parseMemInfo(kVirtualMachineMemInfo))), 3);
-  EXPECT_LT(std::abs(usedAgainstAvailable(parseMemInfo(kDesktopMemInfo), 307200 * 1024)), 3);
+  EXPECT_LT(std::abs(usedAgainstAvailable(kVirtualMachineMemInfo)), 3);
+  EXPECT_LT(std::abs(usedAgainstAvailable(kDesktopMemInfo, 307200 * 1024)), 3);
 }
 
 TEST(MemInfo, ZramMovesWhatNoFieldNamesFromWiredToCompressed) {
-  const MemInfo info = parseMemInfo(kDesktopMemInfo);
-  const Split before = splitOf(info, 0);
-  const Split after = splitOf(info, 4 << 20);
+  const Split before = splitOf(kDesktopMemInfo, 0);
+  const Split after = splitOf(kDesktopMemInfo, 4 << 20);
   EXPECT_EQ(before.wired - after.wired, 4096U);
   EXPECT_EQ(after.compressed - before.compressed, 4096U);
   EXPECT_EQ(after.app, before.app);
 }
 
 TEST(MemInfo, OldKernelIsSplitWithoutTheNewerFields) {
-  const MemInfo info = parseMemInfo(kOldKernelMemInfo);
-  EXPECT_EQ(info.available, std::nullopt);
-  EXPECT_EQ(splitOf(info), (Split{.wired = 4046736 - 204800 - 3379200 - 143360,
-                                  .compressed = 0,
-                                  .app = 1331200 + 327680,
-                                  .cached = 921600 + 798720 + 143360}));
-  EXPECT_EQ(swapUsed(info), (2097148U - 2064380U) * 1024);
+  EXPECT_EQ(memInfoField(kOldKernelMemInfo, "MemAvailable"), std::nullopt);
+  EXPECT_EQ(splitOf(kOldKernelMemInfo), (Split{.wired = 4046736 - 204800 - 3379200 - 143360,
+                                               .compressed = 0,
+                                               .app = 1331200 + 327680,
+                                               .cached = 921600 + 798720 + 143360}));
+  EXPECT_EQ(swapUsed(kOldKernelMemInfo), (2097148U - 2064380U) * 1024);
 }
 
 TEST(MemInfo, MemoryThatIsInUseWithoutBeingInAListIsWired) {
   // A reserved pool of huge pages and memory of a driver: free memory falls and no list grows.
-  MemInfo info = parseMemInfo(kDesktopMemInfo);
-  const Split before = splitOf(info);
-  *info.free -= 1 << 20;
-  const Split after = splitOf(info);
+  const Split before = splitOf(kDesktopMemInfo);
+  const Split after = splitOf(withField(kDesktopMemInfo, "MemFree", kilobytes(kDesktopMemInfo, "MemFree") - 1024));
   EXPECT_EQ(after.wired - before.wired, 1024U);
   EXPECT_EQ(after.app, before.app);
   EXPECT_EQ(after.cached, before.cached);
 }
 
-TEST(MemInfo, WithoutATotalOrAPageListThereAreNoPages) {
-  for (const char* field : {"MemFree", "Active(anon)", "Inactive(anon)", "Active(file)", "Inactive(file)"}) {
-    EXPECT_EQ(pageCounts(parseMemInfo(without(kDesktopMemInfo, field)), 0, kPage), std::nullopt) << field;
+TEST(MemInfo, WithoutATotalOrAPageListThereAreNoCounts) {
+  for (const char* field :
+       {"MemTotal", "MemFree", "Active(anon)", "Inactive(anon)", "Active(file)", "Inactive(file)"}) {
+    EXPECT_FALSE(parseMemInfo(withoutField(kDesktopMemInfo, field), 0)) << field;
   }
-  EXPECT_EQ(pageCounts(parseMemInfo("MemFree: 1 kB\n"), 0, kPage), std::nullopt);
+  EXPECT_FALSE(parseMemInfo("MemFree: 1 kB\n", 0));
 }
 
 TEST(MemInfo, ListsThatSumToMoreThanIsInUseLeaveNothingWired) {
-  MemInfo info = parseMemInfo(kDesktopMemInfo);
-  info.activeAnonymous = info.total;
-  EXPECT_EQ(splitOf(info).wired, 0U);
-  info.free = *info.total + kPage;
-  EXPECT_EQ(splitOf(info).wired, 0U);
+  const std::uint64_t total = kilobytes(kDesktopMemInfo, "MemTotal");
+  EXPECT_EQ(splitOf(withField(kDesktopMemInfo, "Active(anon)", total)).wired, 0U);
+  EXPECT_EQ(splitOf(withField(kDesktopMemInfo, "MemFree", total + 4)).wired, 0U);
 }
 
 TEST(MemInfo, SwapIsAbsentWhenAFieldIsAndZeroOnAMachineWithoutSwap) {
-  EXPECT_EQ(swapUsed(parseMemInfo(kVirtualMachineMemInfo)), 0U);
-  EXPECT_EQ(swapUsed(parseMemInfo(kDesktopMemInfo)), (12582908U - 10485756U) * std::uint64_t{1024});
-  EXPECT_EQ(swapUsed(parseMemInfo(without(kDesktopMemInfo, "SwapFree"))), std::nullopt);
-  EXPECT_EQ(swapUsed(parseMemInfo(without(kDesktopMemInfo, "SwapTotal"))), std::nullopt);
+  EXPECT_EQ(swapUsed(kVirtualMachineMemInfo), 0U);
+  EXPECT_EQ(swapUsed(kDesktopMemInfo), (12582908U - 10485756U) * std::uint64_t{1024});
+  EXPECT_EQ(swapUsed(withoutField(kDesktopMemInfo, "SwapFree")), std::nullopt);
+  EXPECT_EQ(swapUsed(withoutField(kDesktopMemInfo, "SwapTotal")), std::nullopt);
 }
 
 TEST(MemInfo, TextCutInsideALineLosesThatLineOnly) {
   const std::string whole = kDesktopMemInfo;
-  const MemInfo cut = parseMemInfo(whole.substr(0, whole.find("Inactive(file)") + 20));
-  EXPECT_EQ(cut.activeFile, 1536000U * 1024);
-  EXPECT_EQ(cut.inactiveFile, std::nullopt);
-  EXPECT_EQ(pageCounts(cut, 0, kPage), std::nullopt);
+  const std::string cut = whole.substr(0, whole.find("Inactive(file)") + 20);
+  EXPECT_EQ(memInfoField(cut, "Active(file)"), 1536000U * 1024);
+  EXPECT_EQ(memInfoField(cut, "Inactive(file)"), std::nullopt);
+  EXPECT_FALSE(parseMemInfo(cut, 0));
 }
 
 TEST(MemInfo, GarbageIsNotTakenForFigures) {
   for (const char* text : {"", "\n\n\n", "MemTotal", "MemTotal\n", "MemTotal:\n", "MemTotal: kB\n", "MemTotal: -5 kB\n",
                            "MemTotal: 12\n", "MemTotal: 12 MB\n", "MemTotal: 1x2 kB\n", "\xFF\xFE\x01:\x02\n",
                            "MemTotal: 99999999999999999999 kB\n", "MemTotal: 1125899906842624 kB\n"}) {
-    EXPECT_EQ(parseMemInfo(text).total, std::nullopt) << text;
+    EXPECT_EQ(memInfoField(text, "MemTotal"), std::nullopt) << text;
   }
 }
 
@@ -145,26 +139,24 @@ TEST(MemInfo, LargestFiguresTakenDoNotOverflowTheirSums) {
                             "KReclaimable", "Zswap"}) {
     text += std::string(field) + ": 1125899906842623 kB\n";
   }
-  const auto pages = pageCounts(parseMemInfo(text), (std::uint64_t{1} << 60) - 1, kPage).value();
-  EXPECT_EQ(pages.wired, 0U);
-  EXPECT_GT(pages.inactive, pages.active);
-  EXPECT_LT(pages.inactive, std::uint64_t{1} << 50);
+  const auto counts = parseMemInfo(text, (std::uint64_t{1} << 60) - 1).value();
+  EXPECT_EQ(counts.wired, 0U);
+  EXPECT_GT(counts.inactive, counts.active);
+  EXPECT_LT(counts.inactive, std::uint64_t{1} << 62);
 }
 
 TEST(MemInfo, PressureWithoutStallInformationFollowsAvailableMemory) {
-  MemInfo info;
-  info.total = 1000 << 20;
-  const auto levelAt = [&](std::uint64_t megabytes) {
-    info.available = megabytes << 20;
-    return pressureLevel(info);
+  const std::string text = withField(kDesktopMemInfo, "MemTotal", 1000 << 10);
+  const auto pressureAt = [&](std::uint64_t megabytes) {
+    return parseMemInfo(withField(text, "MemAvailable", megabytes << 10), 0)->pressure;
   };
-  EXPECT_EQ(levelAt(600), 1U);
-  EXPECT_EQ(levelAt(100), 1U);
-  EXPECT_EQ(levelAt(99), 2U);
-  EXPECT_EQ(levelAt(50), 2U);
-  EXPECT_EQ(levelAt(49), 4U);
-  EXPECT_EQ(levelAt(0), 4U);
-  EXPECT_EQ(pressureLevel(parseMemInfo(kOldKernelMemInfo)), std::nullopt);
+  EXPECT_EQ(pressureAt(600), MemoryPressure::normal);
+  EXPECT_EQ(pressureAt(100), MemoryPressure::normal);
+  EXPECT_EQ(pressureAt(99), MemoryPressure::warning);
+  EXPECT_EQ(pressureAt(50), MemoryPressure::warning);
+  EXPECT_EQ(pressureAt(49), MemoryPressure::critical);
+  EXPECT_EQ(pressureAt(0), MemoryPressure::critical);
+  EXPECT_EQ(parseMemInfo(kOldKernelMemInfo, 0)->pressure, MemoryPressure::unknown);
 }
 
 }  // namespace

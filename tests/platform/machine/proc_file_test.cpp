@@ -7,7 +7,6 @@
 #include <array>
 #include <vector>
 
-#include "platform/linux/machine/proc_text.h"
 #include "support/services/temporary_tree.h"
 
 namespace nimbo {

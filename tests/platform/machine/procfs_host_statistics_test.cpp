@@ -7,6 +7,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "platform/linux/machine/meminfo.h"
 #include "platform/machine/meminfo_recordings.h"
 #include "platform/system_clock.h"
 #include "support/services/temporary_tree.h"
@@ -51,21 +52,21 @@ TEST(CpuTicksText, CutAndForeignTextIsAbsent) {
 }
 
 TEST(PressureText, LevelFollowsTheShareOfTheLastTenSeconds) {
-  EXPECT_EQ(parsePressureLevel(kCalmPressure), 1U);
-  EXPECT_EQ(parsePressureLevel(pressure("4.99", "0.00")), 1U);
-  EXPECT_EQ(parsePressureLevel(pressure("5.00", "0.00")), 2U);
-  EXPECT_EQ(parsePressureLevel(pressure("80.00", "4.99")), 2U);
-  EXPECT_EQ(parsePressureLevel(pressure("80.00", "5.00")), 4U);
+  EXPECT_EQ(parsePressure(kCalmPressure), MemoryPressure::normal);
+  EXPECT_EQ(parsePressure(pressure("4.99", "0.00")), MemoryPressure::normal);
+  EXPECT_EQ(parsePressure(pressure("5.00", "0.00")), MemoryPressure::warning);
+  EXPECT_EQ(parsePressure(pressure("80.00", "4.99")), MemoryPressure::warning);
+  EXPECT_EQ(parsePressure(pressure("80.00", "5.00")), MemoryPressure::critical);
 }
 
 TEST(PressureText, KernelWithoutTheFullLineStillWarns) {
-  EXPECT_EQ(parsePressureLevel("some avg10=7.50 avg60=1.00 avg300=0.20 total=1\n"), 2U);
+  EXPECT_EQ(parsePressure("some avg10=7.50 avg60=1.00 avg300=0.20 total=1\n"), MemoryPressure::warning);
 }
 
 TEST(PressureText, CutAndForeignTextIsAbsent) {
   for (const char* text : {"", "some", "some \n", "some avg10= avg60=1.00\n", "some avg60=1.00\n", "some avg10=high\n",
                            "some avg10=0.00 avg60=0.00", "full avg10=9.00\n"}) {
-    EXPECT_EQ(parsePressureLevel(text), std::nullopt) << text;
+    EXPECT_EQ(parsePressure(text), std::nullopt) << text;
   }
 }
 
@@ -96,16 +97,15 @@ TEST_F(ProcfsHostStatisticsTest, PhysicalMemoryIsTheTotalOrZero) {
 }
 
 TEST_F(ProcfsHostStatisticsTest, ReadingsFollowTheFile) {
-  EXPECT_EQ(host.swapUsed(), (12582908U - 10485756U) * std::uint64_t{1024});
+  EXPECT_EQ(host.memory()->swapUsed, (12582908U - 10485756U) * std::uint64_t{1024});
   tree.write("proc/meminfo", kVirtualMachineMemInfo);
-  EXPECT_EQ(host.swapUsed(), 0U);
+  EXPECT_EQ(host.memory()->swapUsed, 0U);
   tree.write("proc/meminfo", "");
-  EXPECT_EQ(host.swapUsed(), std::nullopt);
-  EXPECT_EQ(host.pageCounts(), std::nullopt);
+  EXPECT_FALSE(host.memory());
 }
 
 TEST_F(ProcfsHostStatisticsTest, EveryZramDeviceCountsAndOtherDisksDoNot) {
-  const auto compressorBytes = [&] { return host.pageCounts()->compressor * host.pageSize().value(); };
+  const auto compressorBytes = [&] { return host.memory()->compressor; };
   const std::uint64_t zswap = 204800 * 1024;
   EXPECT_EQ(compressorBytes(), zswap);
   tree.write("sys/block/zram0/mm_stat", "9 9 1048576 0 0 0 0\n");
@@ -119,22 +119,22 @@ TEST_F(ProcfsHostStatisticsTest, EveryZramDeviceCountsAndOtherDisksDoNot) {
 
 TEST_F(ProcfsHostStatisticsTest, StallInformationDecidesThePressureWhereThereIsSome) {
   tree.write("proc/pressure/memory", pressure("9.00", "0.00"));
-  EXPECT_EQ(host.pressureLevel(), 2U);
+  EXPECT_EQ(host.memory()->pressure, MemoryPressure::warning);
   tree.write("proc/pressure/memory", kCalmPressure);
-  EXPECT_EQ(host.pressureLevel(), 1U);
+  EXPECT_EQ(host.memory()->pressure, MemoryPressure::normal);
 }
 
 TEST_F(ProcfsHostStatisticsTest, AvailableMemoryDecidesThePressureOnOtherKernels) {
-  EXPECT_EQ(host.pressureLevel(), 1U);
-  tree.write("proc/meminfo", "MemTotal: 1000 kB\nMemAvailable: 80 kB\n");
-  EXPECT_EQ(host.pressureLevel(), 2U);
+  EXPECT_EQ(host.memory()->pressure, MemoryPressure::normal);
+  tree.write("proc/meminfo", withField(kDesktopMemInfo, "MemAvailable", 16265608 / 100 * 8));
+  EXPECT_EQ(host.memory()->pressure, MemoryPressure::warning);
   tree.write("proc/pressure/memory", "not supported\n");
-  EXPECT_EQ(host.pressureLevel(), 2U);
+  EXPECT_EQ(host.memory()->pressure, MemoryPressure::warning);
 }
 
 TEST_F(ProcfsHostStatisticsTest, PressureIsAbsentWhenTheKernelTellsNeither) {
   tree.write("proc/meminfo", kOldKernelMemInfo);
-  EXPECT_EQ(host.pressureLevel(), std::nullopt);
+  EXPECT_EQ(host.memory()->pressure, MemoryPressure::unknown);
 }
 
 TEST_F(ProcfsHostStatisticsTest, TicksComeFromTheFirstLineOfALongFile) {
@@ -195,7 +195,7 @@ TEST_F(ProcfsHostStatisticsTest, MissingFilesAreAbsentUntilTheyAppear) {
 std::uint64_t realMemAvailable() {
   std::ifstream file("/proc/meminfo");
   const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-  return parseMemInfo(text).available.value_or(0);
+  return memInfoField(text, "MemAvailable").value_or(0);
 }
 
 TEST(RealHostStatistics, ReadingsOfThisMachineAgreeWithEachOther) {

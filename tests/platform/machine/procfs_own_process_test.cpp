@@ -61,7 +61,7 @@ TEST(RealOwnProcess, MemoryIsWhatTheKernelSaysOfThisProcess) {
   const auto usage = ProcfsOwnProcess().usage();
   std::stringstream status;
   status << std::ifstream("/proc/self/status").rdbuf();
-  const StatusMemory memory = parseStatusMemory(status.str());
+  const ProcessStatus memory = parseProcessStatus(status.str());
   ASSERT_TRUE(usage);
   // The reading in between may have touched a few pages.
   constexpr double kSlack = 2 * kMebibyte;

@@ -41,7 +41,7 @@ constexpr char kKernelThread[] =
     "FDSize:\t64\nGroups:\t \nKthread:\t1\nThreads:\t1\nCpus_allowed:\t1\n";
 
 TEST(ProcessStatus, FootprintIsPrivateMemoryAndItsSwap) {
-  const ProcessReading reading = parseProcessStatus(kStatus);
+  const ProcessStatus reading = parseProcessStatus(kStatus);
   EXPECT_EQ(reading.footprint, (241668U + 12000U) * 1024);
   EXPECT_EQ(reading.name, "gnome-shell");
 }
@@ -55,7 +55,7 @@ TEST(ProcessStatus, ProcessWhollyInSwapHasAFootprint) {
 }
 
 TEST(ProcessStatus, KernelThreadHasNoFootprintAndNoNameIsLookedUp) {
-  const ProcessReading reading = parseProcessStatus(kKernelThread);
+  const ProcessStatus reading = parseProcessStatus(kKernelThread);
   EXPECT_EQ(reading.footprint, 0U);
   EXPECT_EQ(reading.name, "");
 }

@@ -12,8 +12,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/linux/settings/json_user_defaults.h"
 #include "support/services/temporary_tree.h"
+#include "support/turning_user_defaults.h"
 
 namespace nimbo {
 
@@ -58,7 +58,7 @@ class JsonUserDefaultsTest : public ::testing::Test {
   }
 
   TemporaryTree tree;
-  JsonUserDefaults defaults{tree.path(), kDomain};
+  TurningUserDefaults defaults{tree.path(), kDomain};
 };
 
 }  // namespace nimbo

@@ -7,7 +7,6 @@
 #include <string>
 #include <vector>
 
-#include "platform/linux/settings/json_user_defaults_domains.h"
 #include "platform/settings/json_user_defaults_fixture.h"
 
 namespace nimbo {

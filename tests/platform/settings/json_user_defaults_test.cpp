@@ -10,7 +10,6 @@
 #include <string>
 #include <vector>
 
-#include "platform/linux/settings/json_user_defaults_domains.h"
 #include "platform/settings/json_user_defaults_fixture.h"
 
 namespace nimbo {
@@ -32,7 +31,7 @@ TEST_F(JsonUserDefaultsTest, ReadingAndRegisteringCreateNoFile) {
 }
 
 TEST_F(JsonUserDefaultsTest, FileAndItsNewFoldersAreTheUsersAlone) {
-  JsonUserDefaults deep(tree.path() / "one" / "two", kDomain);
+  TurningUserDefaults deep(tree.path() / "one" / "two", kDomain);
   deep.set("count", 1);
   EXPECT_EQ(mode(tree.path() / "one"), 0700U);
   EXPECT_EQ(mode(tree.path() / "one" / "two"), 0700U);
@@ -102,7 +101,7 @@ TEST_F(JsonUserDefaultsTest, AnotherProcessSeesAndChangesTheSameValues) {
   const pid_t child = ::fork();
   ASSERT_GE(child, 0);
   if (child == 0) {
-    JsonUserDefaults theirs(tree.path(), kDomain);
+    TurningUserDefaults theirs(tree.path(), kDomain);
     const bool seen = theirs.integer("count") == 1;
     theirs.set("count", 2);
     ::_exit(seen ? 0 : 1);
@@ -126,7 +125,7 @@ TEST_F(JsonUserDefaultsTest, ByteOrderMarkIsAllowed) {
 TEST_F(JsonUserDefaultsTest, InvalidUtf8SetByTheProgramIsReplacedNowAndAfterARestart) {
   defaults.set("name", "a\xff");
   EXPECT_EQ(defaults.string("name"), "a\xEF\xBF\xBD");
-  EXPECT_EQ(JsonUserDefaults(tree.path(), kDomain).string("name"), "a\xEF\xBF\xBD");
+  EXPECT_EQ(TurningUserDefaults(tree.path(), kDomain).string("name"), "a\xEF\xBF\xBD");
 }
 
 TEST_F(JsonUserDefaultsTest, ValueThatWouldMakeTheFileUnreadableIsHeldForThisRunOnly) {
@@ -200,7 +199,7 @@ TEST_F(JsonUserDefaultsTest, LinkToAPipeIsLeftAlone) {
 
 TEST_F(JsonUserDefaultsTest, FailedWritesHoldForThisRunAndAreWrittenWithTheNextThatSucceeds) {
   tree.write("blocked", "a file where the folder should be");
-  JsonUserDefaults blocked(tree.path() / "blocked", kDomain);
+  TurningUserDefaults blocked(tree.path() / "blocked", kDomain);
   blocked.registerDefault("count", 5);
   blocked.set("count", 6);
   blocked.set("on", true);

@@ -6,11 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "platform/linux/settings/json_user_defaults.h"
-#include "platform/linux/settings/json_user_defaults_domains.h"
 #include "platform/user_defaults.h"
 #include "support/fake_user_defaults.h"
 #include "support/services/temporary_tree.h"
+#include "support/turning_user_defaults.h"
 
 namespace nimbo {
 namespace {
@@ -27,9 +26,9 @@ struct InMemory {
 struct InFiles {
   TemporaryTree tree;
   JsonUserDefaultsDomains domains{tree.path()};
-  JsonUserDefaults defaults{tree.path(), "test.domain"};
-  JsonUserDefaults sameDomain{tree.path(), "test.domain"};
-  JsonUserDefaults otherDomain{tree.path(), "test.other"};
+  TurningUserDefaults defaults{tree.path(), "test.domain"};
+  TurningUserDefaults sameDomain{tree.path(), "test.domain"};
+  TurningUserDefaults otherDomain{tree.path(), "test.other"};
 };
 
 template <class Store>

@@ -29,8 +29,7 @@ struct AwakeViewWorld {
   FakeAssertionClient assertions;
   FakePowerSources batteries;
   FakeDisplayPower displayPower;
-  AwakeManager manager{
-      {loop, clock, assertions, batteries, displayPower}, [this] { return readBattery(batteries); }, true};
+  AwakeManager manager{{loop, clock, assertions, batteries, displayPower}};
 
   [[nodiscard]] AwakeView::Services viewServices() { return {settings, clock, dates}; }
 };

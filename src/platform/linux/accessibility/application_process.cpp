@@ -12,7 +12,6 @@
 
 #include "platform/linux/files/regular_file.h"
 #include "platform/linux/machine/proc_file.h"
-#include "platform/linux/machine/proc_text.h"
 
 namespace nimbo {
 namespace {

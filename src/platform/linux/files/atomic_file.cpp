@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "platform/linux/files/atomic_file.h"
 
+#include <fcntl.h>
+#include <stdlib.h>
 #include <sys/stat.h>
 
+#include <cerrno>
 #include <cstdio>
 
 #include "platform/linux/files/last_error.h"
-#include "platform/linux/files/private_folders.h"
+#include "platform/linux/files/unique_fd.h"
 
 namespace nimbo {
 namespace {
@@ -26,7 +29,33 @@ Result<fs::path, std::error_code> followLinks(fs::path file) {
   return tl::unexpected(std::make_error_code(std::errc::too_many_symbolic_link_levels));
 }
 
+std::error_code writeAll(int descriptor, std::string_view contents) {
+  while (!contents.empty()) {
+    const ssize_t count = ::write(descriptor, contents.data(), contents.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) return lastError();
+    contents.remove_prefix(static_cast<std::size_t>(count));
+  }
+  return ::fsync(descriptor) == 0 ? std::error_code() : lastError();
+}
+
 }  // namespace
+
+std::error_code makePrivateFolders(const fs::path& folder) {
+  if (::mkdir(folder.c_str(), S_IRWXU) == 0 || errno == EEXIST) return {};
+  if (errno != ENOENT || folder == folder.parent_path()) return lastError();
+  if (const auto error = makePrivateFolders(folder.parent_path())) return error;
+  return ::mkdir(folder.c_str(), S_IRWXU) == 0 || errno == EEXIST ? std::error_code() : lastError();
+}
+
+Result<TemporaryName, std::error_code> writeTemporaryFile(const fs::path& file, std::string_view contents) {
+  std::string name = (file.parent_path() / ("." + file.filename().string() + ".XXXXXX")).string();
+  const UniqueFd descriptor(::mkostemp(name.data(), O_CLOEXEC));
+  if (!descriptor) return tl::unexpected(lastError());
+  TemporaryName temporary(name);
+  if (const auto error = writeAll(descriptor.get(), contents)) return tl::unexpected(error);
+  return temporary;
+}
 
 Result<AtomicFile, std::error_code> AtomicFile::prepare(const fs::path& file, std::string_view contents, Links links) {
   std::error_code error;

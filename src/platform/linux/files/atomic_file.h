@@ -1,15 +1,35 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <unistd.h>
+
 #include <filesystem>
+#include <string>
 #include <string_view>
 #include <system_error>
 #include <utility>
 
 #include "base/result.h"
-#include "platform/linux/files/temporary_file.h"
+#include "base/unique_handle.h"
 
 namespace nimbo {
+
+/// Makes the folder and those it lies in, each with mode 0700. What is there already stays as it is,
+/// even when it is no folder.
+[[nodiscard]] std::error_code makePrivateFolders(const std::filesystem::path& folder);
+
+struct TemporaryNameTraits {
+  using Handle = std::string;
+  static Handle invalid() { return {}; }
+  static void release(const Handle& name) { ::unlink(name.c_str()); }
+};
+
+/// The name of a file that is removed with it; `detach` it once the file has a better one.
+using TemporaryName = UniqueHandle<TemporaryNameTraits>;
+
+/// Writes and flushes a hidden file of mode 0600 beside where `file` is to be. On an error nothing is left.
+[[nodiscard]] Result<TemporaryName, std::error_code> writeTemporaryFile(const std::filesystem::path& file,
+                                                                        std::string_view contents);
 
 /// A file's next version, complete and flushed beside it under another name until `commit` puts it in
 /// place: readers see the old or the new one, never a part. One that is not committed leaves nothing.

@@ -13,20 +13,16 @@
 #include "platform/linux/files/unique_fd.h"
 
 namespace nimbo {
-namespace {
-
-FileTime fileTime(const timespec& time) { return {time.tv_sec, time.tv_nsec}; }
-
-}  // namespace
 
 bool isSettled(const FileStamp& stamp, std::int64_t secondsSince1970) {
-  return std::abs(secondsSince1970 - stamp.changed.seconds) > 2;
+  return std::abs(secondsSince1970 - stamp.changedSeconds) > 2;
 }
 
 Result<FileStamp, std::error_code> fileStamp(const std::filesystem::path& file) {
   struct stat status {};
   if (::stat(file.c_str(), &status) != 0) return tl::unexpected(lastError());
-  return FileStamp{status.st_dev, status.st_ino, status.st_size, fileTime(status.st_mtim), fileTime(status.st_ctim)};
+  return FileStamp{status.st_dev,         status.st_ino,         status.st_size,
+                   status.st_mtim.tv_sec, status.st_ctim.tv_sec, status.st_ctim.tv_nsec};
 }
 
 Result<std::string, std::error_code> readRegularFile(const std::filesystem::path& file, std::size_t maximumBytes,

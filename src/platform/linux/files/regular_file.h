@@ -12,21 +12,14 @@
 
 namespace nimbo {
 
-/// A point in time as file systems count it; far more than 64 bits of nanoseconds can hold.
-struct FileTime {
-  std::int64_t seconds = 0;  ///< since 1970
-  std::int64_t nanoseconds = 0;
-
-  bool operator==(const FileTime&) const = default;
-};
-
-/// Tells one state of a file from another without reading it.
+/// Tells one state of a file from another without reading it. Times are since 1970.
 struct FileStamp {
   std::uint64_t device = 0;
   std::uint64_t inode = 0;
   std::int64_t bytes = 0;
-  FileTime modified;
-  FileTime changed;  ///< contents, name or mode; unlike the one above, nobody can set it back
+  std::int64_t modifiedSeconds = 0;
+  std::int64_t changedSeconds = 0;  ///< contents, name or mode; unlike the one above, nobody can set it back
+  std::int64_t changedNanoseconds = 0;
 
   bool operator==(const FileStamp&) const = default;
 };

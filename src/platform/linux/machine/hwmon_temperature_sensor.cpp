@@ -6,7 +6,6 @@
 #include <iterator>
 
 #include "platform/linux/machine/proc_file.h"
-#include "platform/linux/machine/proc_text.h"
 #include "platform/plausible_temperature.h"
 
 namespace nimbo {

@@ -3,77 +3,61 @@
 
 #include <algorithm>
 
-#include "platform/linux/machine/proc_text.h"
+#include "platform/linux/machine/proc_file.h"
 
 namespace nimbo {
 namespace {
 
-struct Field {
-  std::string_view name;
-  std::optional<std::uint64_t> MemInfo::*value;
-};
-
-constexpr Field kFields[] = {{"MemTotal", &MemInfo::total},
-                             {"MemFree", &MemInfo::free},
-                             {"MemAvailable", &MemInfo::available},
-                             {"Active(anon)", &MemInfo::activeAnonymous},
-                             {"Inactive(anon)", &MemInfo::inactiveAnonymous},
-                             {"Active(file)", &MemInfo::activeFile},
-                             {"Inactive(file)", &MemInfo::inactiveFile},
-                             {"KReclaimable", &MemInfo::kernelReclaimable},
-                             {"SReclaimable", &MemInfo::slabReclaimable},
-                             {"Zswap", &MemInfo::zswapPool},
-                             {"SwapTotal", &MemInfo::swapTotal},
-                             {"SwapFree", &MemInfo::swapFree}};
-
 // The counters are read one after the other while memory moves, so a sum may pass its whole.
 std::uint64_t lessAtLeastZero(std::uint64_t whole, std::uint64_t part) { return whole - std::min(whole, part); }
 
+// Where earlyoom(1) by default asks and then forces a process to end. Its condition on swap is left out,
+// because a machine is short of memory while it still has swap to fill.
+MemoryPressure pressureOf(std::uint64_t total, std::optional<std::uint64_t> available) {
+  if (!available) return MemoryPressure::unknown;
+  if (*available < 5 * (total / 100)) return MemoryPressure::critical;
+  return *available < 10 * (total / 100) ? MemoryPressure::warning : MemoryPressure::normal;
+}
+
 }  // namespace
 
-MemInfo parseMemInfo(std::string_view text) {
-  MemInfo info;
-  while (const auto line = takeLine(text)) {
-    const std::string_view name = line->substr(0, line->find(':'));
-    const auto* const field = std::find_if(std::begin(kFields), std::end(kFields),
-                                           [&](const Field& candidate) { return candidate.name == name; });
-    if (field == std::end(kFields) || name.size() == line->size()) continue;
-    info.*field->value = parseKilobytes(line->substr(name.size() + 1));
+std::optional<std::uint64_t> memInfoField(std::string_view text, std::string_view name) {
+  while (auto line = takeLine(text)) {
+    if (takePrefix(*line, name) && takePrefix(*line, ":")) return parseKilobytes(*line);
   }
-  return info;
+  return std::nullopt;
 }
 
-std::optional<PageCounts> pageCounts(const MemInfo& info, std::uint64_t zramBytes, std::uint64_t pageSize) {
-  if (!info.total || !info.free || !info.activeAnonymous || !info.inactiveAnonymous || !info.activeFile ||
-      !info.inactiveFile) {
-    return std::nullopt;
-  }
-  const std::uint64_t reclaimable = info.kernelReclaimable.value_or(info.slabReclaimable.value_or(0));
-  const std::uint64_t compressor = info.zswapPool.value_or(0) + zramBytes;
-  const std::uint64_t active = *info.activeAnonymous + *info.activeFile;
-  const std::uint64_t inactive = *info.inactiveAnonymous + *info.inactiveFile + reclaimable;
-  const std::uint64_t inUse = lessAtLeastZero(*info.total, *info.free);
+std::optional<MemoryCounts> parseMemInfo(std::string_view text, std::uint64_t zramBytes) {
+  const auto field = [text](std::string_view name) { return memInfoField(text, name); };
+  const auto total = field("MemTotal");
+  const auto free = field("MemFree");
+  const auto activeAnonymous = field("Active(anon)");
+  const auto inactiveAnonymous = field("Inactive(anon)");
+  const auto activeFile = field("Active(file)");
+  const auto inactiveFile = field("Inactive(file)");
+  if (!total || !free || !activeAnonymous || !inactiveAnonymous || !activeFile || !inactiveFile) return std::nullopt;
+  auto reclaimable = field("KReclaimable");  // since Linux 4.20: the slabs' and drivers' own caches
+  if (!reclaimable) reclaimable = field("SReclaimable");
 
-  PageCounts pages;
-  pages.wired = lessAtLeastZero(inUse, active + inactive + compressor) / pageSize;
-  pages.compressor = compressor / pageSize;
-  pages.active = active / pageSize;
-  pages.inactive = inactive / pageSize;
-  pages.purgeable = reclaimable / pageSize;
-  pages.fileBacked = (*info.activeFile + *info.inactiveFile) / pageSize;
-  return pages;
+  MemoryCounts counts;
+  counts.compressor = field("Zswap").value_or(0) + zramBytes;  // since 5.19
+  counts.active = *activeAnonymous + *activeFile;
+  counts.purgeable = reclaimable.value_or(0);
+  counts.inactive = *inactiveAnonymous + *inactiveFile + counts.purgeable;
+  counts.fileBacked = *activeFile + *inactiveFile;
+  const std::uint64_t inUse = lessAtLeastZero(*total, *free);
+  counts.wired = lessAtLeastZero(inUse, counts.active + counts.inactive + counts.compressor);
+  counts.swapUsed = swapUsed(text);
+  counts.pressure = pressureOf(*total, field("MemAvailable"));  // since 3.14
+  return counts;
 }
 
-std::optional<std::uint64_t> swapUsed(const MemInfo& info) {
-  if (!info.swapTotal || !info.swapFree) return std::nullopt;
-  return lessAtLeastZero(*info.swapTotal, *info.swapFree);
-}
-
-std::optional<std::uint32_t> pressureLevel(const MemInfo& info) {
-  if (!info.total || !info.available) return std::nullopt;
-  const std::uint64_t percentOfAll = *info.total / 100;
-  if (*info.available < 5 * percentOfAll) return 4;
-  return *info.available < 10 * percentOfAll ? 2 : 1;
+std::optional<std::uint64_t> swapUsed(std::string_view text) {
+  const auto total = memInfoField(text, "SwapTotal");
+  const auto free = memInfoField(text, "SwapFree");
+  if (!total || !free) return std::nullopt;
+  return lessAtLeastZero(*total, *free);
 }
 
 }  // namespace nimbo

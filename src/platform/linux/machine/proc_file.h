@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <span>
@@ -32,5 +33,23 @@ class ProcFile {
 /// Calls `visit` with each name in a folder, "." and ".." included; not at all when it cannot be
 /// listed.
 void visitFolder(const std::string& path, const std::function<void(std::string_view name)>& visit);
+
+/// Takes the next whole line off `rest`, without its newline. A last line without a newline was cut
+/// off and does not count.
+[[nodiscard]] std::optional<std::string_view> takeLine(std::string_view& rest);
+
+/// Takes the next word (blanks and tabs separate) off `rest`; empty at the end.
+[[nodiscard]] std::string_view takeWord(std::string_view& rest);
+
+/// Takes `prefix` off `rest` when it begins with it.
+[[nodiscard]] bool takePrefix(std::string_view& rest, std::string_view prefix);
+
+/// All of `word` as a decimal number; absent for anything else.
+[[nodiscard]] std::optional<std::uint64_t> parseNumber(std::string_view word);
+[[nodiscard]] std::optional<double> parseDecimal(std::string_view word);
+
+/// Bytes of a value like "   16632 kB". Absent for anything else and from 2^60 bytes on, so that
+/// a few of them can be added.
+[[nodiscard]] std::optional<std::uint64_t> parseKilobytes(std::string_view value);
 
 }  // namespace nimbo

@@ -2,11 +2,16 @@
 #include "platform/linux/machine/process_status.h"
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
 
-#include "platform/linux/machine/proc_text.h"
+#include "platform/linux/machine/proc_file.h"
 
 namespace nimbo {
 namespace {
+
+// The file names all groups of a process ahead of its memory: up to 65,536 of ten digits.
+constexpr std::size_t kLargestStatus = std::size_t{1} << 20;
 
 // The kernel writes a newline as \n and a backslash as \\.
 std::string unescaped(std::string_view escaped) {
@@ -19,49 +24,40 @@ std::string unescaped(std::string_view escaped) {
   return name;
 }
 
-bool takePrefix(std::string_view& line, std::string_view prefix) {
-  if (!line.starts_with(prefix)) return false;
-  line.remove_prefix(prefix.size());
-  return true;
-}
+}  // namespace
 
-struct StatusFields {
-  std::string_view name;  // as escaped
+ProcessStatus parseProcessStatus(std::string_view text) {
+  ProcessStatus status;
+  std::string_view escapedName;
   std::optional<std::uint64_t> anonymous;
-  std::uint64_t resident = 0;
   std::uint64_t swapped = 0;
-
-  [[nodiscard]] std::uint64_t footprint() const { return anonymous.value_or(resident) + swapped; }
-};
-
-StatusFields parseFields(std::string_view text) {
-  StatusFields fields;
   while (auto line = takeLine(text)) {
     if (takePrefix(*line, "Name:\t")) {
-      fields.name = *line;
+      escapedName = *line;
     } else if (takePrefix(*line, "VmRSS:")) {
-      fields.resident = parseKilobytes(*line).value_or(0);
+      status.resident = parseKilobytes(*line).value_or(0);
     } else if (takePrefix(*line, "RssAnon:")) {
-      fields.anonymous = parseKilobytes(*line);
+      anonymous = parseKilobytes(*line);
     } else if (takePrefix(*line, "VmSwap:")) {
-      fields.swapped = parseKilobytes(*line).value_or(0);
+      swapped = parseKilobytes(*line).value_or(0);
       break;  // the last of those wanted
     }
   }
-  return fields;
+  status.footprint = anonymous.value_or(status.resident) + swapped;
+  if (status.footprint > 0) status.name = unescaped(escapedName);
+  return status;
 }
 
-}  // namespace
-
-ProcessReading parseProcessStatus(std::string_view text) {
-  const StatusFields fields = parseFields(text);
-  const std::uint64_t footprint = fields.footprint();
-  return {footprint, footprint > 0 ? unescaped(fields.name) : std::string()};
-}
-
-StatusMemory parseStatusMemory(std::string_view text) {
-  const StatusFields fields = parseFields(text);
-  return {fields.footprint(), fields.resident};
+std::optional<ProcessStatus> readProcessStatus(
+    const std::function<std::optional<std::string_view>(std::span<char>)>& read) {
+  std::array<char, 8192> usual;
+  std::string large;
+  auto text = read(usual);
+  if (text && text->size() == usual.size()) {
+    large.resize(kLargestStatus);
+    text = read(large);
+  }
+  return text ? std::optional(parseProcessStatus(*text)) : std::nullopt;
 }
 
 std::optional<std::uint64_t> parseAnonymousPages(std::string_view text) {

@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "platform/linux/machine/procfs_host_statistics.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
 #include <cstddef>
 
-#include "platform/linux/machine/proc_text.h"
+#include "platform/linux/machine/meminfo.h"
 
 namespace nimbo {
 namespace {
@@ -22,6 +20,7 @@ std::optional<double> shareOfTenSeconds(std::string_view line) {
   }
 }
 
+constexpr std::size_t kMemInfoSize = 8192;
 constexpr std::uint64_t kMostTicksBack = 1000;  // ten seconds; small steps are of some ticks for each processor
 
 }  // namespace
@@ -40,7 +39,7 @@ std::optional<CpuTicks> parseCpuTicks(std::string_view text) {
                   ticks[kIdle] + ticks[kIoWait], ticks[kNice]};
 }
 
-std::optional<std::uint32_t> parsePressureLevel(std::string_view text) {
+std::optional<MemoryPressure> parsePressure(std::string_view text) {
   constexpr double kShare = 5.0;  // percent
   std::optional<double> some;
   double full = 0;
@@ -50,8 +49,8 @@ std::optional<std::uint32_t> parsePressureLevel(std::string_view text) {
     if (kind == "full") full = shareOfTenSeconds(*line).value_or(0);
   }
   if (!some) return std::nullopt;
-  if (full >= kShare) return 4;
-  return *some >= kShare ? 2 : 1;
+  if (full >= kShare) return MemoryPressure::critical;
+  return *some >= kShare ? MemoryPressure::warning : MemoryPressure::normal;
 }
 
 std::optional<std::uint64_t> parseZramUsed(std::string_view text) {
@@ -67,25 +66,17 @@ ProcfsHostStatistics::ProcfsHostStatistics(const std::string& procRoot, const st
       pressure_(procRoot + "/pressure/memory"),
       blockDevices_(sysRoot + "/block") {}
 
-std::uint64_t ProcfsHostStatistics::physicalMemory() { return readMemInfo().total.value_or(0); }
-
-std::optional<PageCounts> ProcfsHostStatistics::pageCounts() {
-  return nimbo::pageCounts(readMemInfo(), zramBytes(), pageSize().value_or(4096));
+std::uint64_t ProcfsHostStatistics::physicalMemory() {
+  std::array<char, kMemInfoSize> buffer;
+  return memInfoField(memInfo_.read(buffer).value_or(""), "MemTotal").value_or(0);
 }
 
-std::optional<std::uint64_t> ProcfsHostStatistics::pageSize() {
-  const long size = ::sysconf(_SC_PAGESIZE);
-  return size > 0 ? std::optional(static_cast<std::uint64_t>(size)) : std::nullopt;
-}
-
-std::optional<std::uint64_t> ProcfsHostStatistics::swapUsed() { return nimbo::swapUsed(readMemInfo()); }
-
-std::optional<std::uint32_t> ProcfsHostStatistics::pressureLevel() {
-  std::array<char, 512> buffer;
-  if (const auto text = pressure_.read(buffer)) {
-    if (const auto level = parsePressureLevel(*text)) return level;
-  }
-  return nimbo::pressureLevel(readMemInfo());
+std::optional<MemoryCounts> ProcfsHostStatistics::memory() {
+  std::array<char, kMemInfoSize> buffer;
+  auto counts = parseMemInfo(memInfo_.read(buffer).value_or(""), zramBytes());
+  if (!counts) return std::nullopt;
+  if (const auto text = pressure_.read(buffer)) counts->pressure = parsePressure(*text).value_or(counts->pressure);
+  return counts;
 }
 
 std::optional<CpuTicks> ProcfsHostStatistics::cpuTicks() {
@@ -108,11 +99,6 @@ std::optional<CpuTicks> ProcfsHostStatistics::cpuTicks() {
   }
   // How much was lost is not known, so nothing can be said of this interval.
   return begunAnew ? std::nullopt : std::optional(lastTicks_);
-}
-
-MemInfo ProcfsHostStatistics::readMemInfo() {
-  std::array<char, 8192> buffer;
-  return parseMemInfo(memInfo_.read(buffer).value_or(std::string_view()));
 }
 
 // Devices come and go while the system runs, so they are looked for each time.

@@ -5,7 +5,6 @@
 #include <string_view>
 
 #include "platform/host_statistics.h"
-#include "platform/linux/machine/meminfo.h"
 #include "platform/linux/machine/proc_file.h"
 
 namespace nimbo {
@@ -14,10 +13,10 @@ namespace nimbo {
 /// idle; guests' time is part of user and nice already.
 [[nodiscard]] std::optional<CpuTicks> parseCpuTicks(std::string_view text);
 
-/// A level by /proc/pressure/memory: 2 when some tasks, 4 when all tasks at once stood still for want
-/// of memory during 5 % of the last ten seconds, else 1. That share, 100 ms in 2 s, is where GLib's
+/// By /proc/pressure/memory: a warning when some tasks, critical when all tasks at once stood still for want
+/// of memory during 5 % of the last ten seconds, else normal. That share, 100 ms in 2 s, is where GLib's
 /// GMemoryMonitor warns at its levels "medium" and "critical". Absent for other text.
-[[nodiscard]] std::optional<std::uint32_t> parsePressureLevel(std::string_view text);
+[[nodiscard]] std::optional<MemoryPressure> parsePressure(std::string_view text);
 
 /// Bytes that a zram device takes, the third number of its mm_stat; absent for other text.
 [[nodiscard]] std::optional<std::uint64_t> parseZramUsed(std::string_view text);
@@ -29,14 +28,10 @@ class ProcfsHostStatistics final : public HostStatistics {
   explicit ProcfsHostStatistics(const std::string& procRoot = "/proc", const std::string& sysRoot = "/sys");
 
   [[nodiscard]] std::uint64_t physicalMemory() override;
-  [[nodiscard]] std::optional<PageCounts> pageCounts() override;
-  [[nodiscard]] std::optional<std::uint64_t> pageSize() override;
-  [[nodiscard]] std::optional<std::uint64_t> swapUsed() override;
-  [[nodiscard]] std::optional<std::uint32_t> pressureLevel() override;
+  [[nodiscard]] std::optional<MemoryCounts> memory() override;
   [[nodiscard]] std::optional<CpuTicks> cpuTicks() override;
 
  private:
-  [[nodiscard]] MemInfo readMemInfo();
   [[nodiscard]] std::uint64_t zramBytes() const;
 
   ProcFile memInfo_;

@@ -3,9 +3,8 @@
 
 #include <sys/resource.h>
 
-#include <array>
-
 #include "platform/linux/machine/proc_file.h"
+#include "platform/linux/machine/process_status.h"
 
 namespace nimbo {
 namespace {
@@ -18,20 +17,11 @@ std::chrono::nanoseconds durationOf(const timeval& time) {
 
 ProcfsOwnProcess::ProcfsOwnProcess(const std::string& procRoot) : status_(procRoot + "/self/status") {}
 
-StatusMemory ProcfsOwnProcess::readMemory() const {
-  std::array<char, 8192> buffer;
-  auto text = ProcFile(status_).read(buffer);
-  if (text && text->size() < buffer.size()) return parseStatusMemory(*text);
-  std::string large(kLargestStatus, '\0');
-  text = ProcFile(status_).read(large);
-  return text ? parseStatusMemory(*text) : StatusMemory();
-}
-
 std::optional<ResourceUsage> ProcfsOwnProcess::usage() const {
-  const StatusMemory memory = readMemory();
+  const auto status = readProcessStatus([this](std::span<char> buffer) { return ProcFile(status_).read(buffer); });
   rusage times{};
-  if (memory.resident == 0 || ::getrusage(RUSAGE_SELF, &times) != 0) return std::nullopt;
-  return ResourceUsage{memory.footprint, memory.resident, durationOf(times.ru_utime) + durationOf(times.ru_stime)};
+  if (!status || status->resident == 0 || ::getrusage(RUSAGE_SELF, &times) != 0) return std::nullopt;
+  return ResourceUsage{status->footprint, status->resident, durationOf(times.ru_utime) + durationOf(times.ru_stime)};
 }
 
 }  // namespace nimbo

@@ -3,7 +3,6 @@
 
 #include <string>
 
-#include "platform/linux/machine/process_status.h"
 #include "platform/own_process.h"
 
 namespace nimbo {
@@ -18,8 +17,6 @@ class ProcfsOwnProcess final : public OwnProcess {
   [[nodiscard]] std::optional<ResourceUsage> usage() const override;
 
  private:
-  [[nodiscard]] StatusMemory readMemory() const;
-
   const std::string status_;
 };
 

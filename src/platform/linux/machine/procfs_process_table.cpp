@@ -13,11 +13,6 @@
 #include "platform/linux/machine/process_status.h"
 
 namespace nimbo {
-namespace {
-
-constexpr std::size_t kUsualSize = 8192;
-
-}  // namespace
 
 ProcfsProcessTable::ProcfsProcessTable(std::string procRoot)
     : root_(std::move(procRoot)),
@@ -40,20 +35,14 @@ std::optional<ProcessReading> ProcfsProcessTable::read(std::int32_t pid) {
 }
 
 bool ProcfsProcessTable::swapInUse() {
-  std::array<char, kUsualSize> buffer;
+  std::array<char, 8192> buffer;
   const auto text = memInfo_.read(buffer);
-  return !text || swapUsed(parseMemInfo(*text)) != 0;
+  return !text || swapUsed(*text) != 0;
 }
 
 std::optional<ProcessReading> ProcfsProcessTable::readStatus(std::int32_t pid) const {
-  std::array<char, kUsualSize> buffer;
-  const auto text = readFile(pid, "status", buffer);
-  if (!text) return std::nullopt;
-  if (text->size() < buffer.size()) return parseProcessStatus(*text);
-
-  std::string large(kLargestStatus, '\0');
-  const auto whole = readFile(pid, "status", large);
-  return whole ? std::optional(parseProcessStatus(*whole)) : std::nullopt;
+  auto status = readProcessStatus([&](std::span<char> buffer) { return readFile(pid, "status", buffer); });
+  return status ? std::optional(ProcessReading{status->footprint, std::move(status->name)}) : std::nullopt;
 }
 
 std::optional<ProcessReading> ProcfsProcessTable::readResident(std::int32_t pid) const {

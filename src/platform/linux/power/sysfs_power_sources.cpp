@@ -11,7 +11,6 @@
 #include <utility>
 
 #include "platform/linux/machine/proc_file.h"
-#include "platform/linux/machine/proc_text.h"
 #include "platform/linux/power/power_supply.h"
 
 namespace nimbo {

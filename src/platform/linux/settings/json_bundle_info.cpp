@@ -6,31 +6,25 @@
 #include <string>
 
 #include "base/bounded_json.h"
+#include "base/preference_value.h"
 #include "platform/linux/files/regular_file.h"
-#include "platform/linux/settings/json_object_text.h"
-#include "platform/preference_value.h"
 
 namespace nimbo {
-namespace {
-
-std::optional<std::string> text(const nlohmann::json& info, const char* key) {
-  const auto found = info.find(key);
-  if (found == info.end()) return std::nullopt;
-  auto value = stringValue(*found);
-  return value == "" ? std::nullopt : value;
-}
-
-}  // namespace
 
 BundleInfo parseBundleInfo(std::string_view json) {
-  const auto info = parseJsonObject(json);
+  const auto info = parseBoundedJson(json);
   if (!info) return {};
-  return {.identifier = text(*info, "CFBundleIdentifier"),
-          .shortVersion = text(*info, "CFBundleShortVersionString"),
-          .version = text(*info, "CFBundleVersion"),
-          .feedUrl = text(*info, "SUFeedURL"),
-          .publicKey = text(*info, "SUPublicEDKey"),
-          .appGroup = text(*info, "NimboAppGroup")};
+  const auto text = [&info](std::string_view key) -> std::optional<std::string> {
+    const auto* const member = jsonMember(*info, key);
+    auto value = member != nullptr ? stringValue(*member) : std::nullopt;
+    return value == "" ? std::nullopt : value;
+  };
+  return {.identifier = text("CFBundleIdentifier"),
+          .shortVersion = text("CFBundleShortVersionString"),
+          .version = text("CFBundleVersion"),
+          .feedUrl = text("SUFeedURL"),
+          .publicKey = text("SUPublicEDKey"),
+          .appGroup = text("NimboAppGroup")};
 }
 
 BundleInfo readBundleInfo(const std::filesystem::path& file) {

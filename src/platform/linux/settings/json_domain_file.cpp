@@ -9,22 +9,33 @@
 #include <cassert>
 #include <cstdio>
 #include <ctime>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <utility>
 
 #include "base/bounded_json.h"
 #include "platform/linux/files/atomic_file.h"
-#include "platform/linux/settings/json_object_text.h"
 
 namespace nimbo {
 namespace {
 
 namespace fs = std::filesystem;
+using nlohmann::json;
+
+std::optional<json> parseObject(std::string_view text) {
+  auto value = parseBoundedJson(text);
+  return value && value->is_object() ? std::move(value) : std::nullopt;
+}
+
+// For people to edit: one member a line, sorted by key. Invalid UTF-8 becomes U+FFFD.
+std::string textOf(const json& object) {
+  return object.dump(2, ' ', /*ensure_ascii=*/false, json::error_handler_t::replace) + "\n";
+}
 
 // The date is that of the edit that went wrong.
 fs::path unusedAsideName(const fs::path& file, const FileStamp& stamp) {
   constexpr std::int64_t kLastSecondOfYear9999 = 253402300799;
-  const std::time_t edited = std::clamp(stamp.modified.seconds, std::int64_t{0}, kLastSecondOfYear9999);
+  const std::time_t edited = std::clamp(stamp.modifiedSeconds, std::int64_t{0}, kLastSecondOfYear9999);
   const std::string name = fmt::format("{}.unreadable-{:%Y-%m-%dT%H-%M-%S}", file.string(), fmt::localtime(edited));
   fs::path candidate = name;
   std::error_code ignored;
@@ -47,52 +58,37 @@ bool commitKeepingOldAside(AtomicFile& file) {
 }  // namespace
 
 JsonDomainFile::JsonDomainFile(const fs::path& folder, std::string_view domain)
-    : path_(folder / fmt::format("{}.json", domain)) {
+    : path_(folder / fmt::format("{}.json", domain)), values_(std::make_shared<json>(json::object())) {
   assert(!domain.empty() && domain.find('/') == std::string_view::npos);
 }
 
-JsonDomainFile::State JsonDomainFile::state() {
-  refresh();
-  return state_;
-}
-
-const nlohmann::json& JsonDomainFile::values() {
-  refresh();
-  return values_;
-}
-
-void JsonDomainFile::refresh() {
+JsonDomainFile::State JsonDomainFile::refresh() {
   const auto stamp = fileStamp(path_);
-  if (stamp && stamp_ == *stamp) return;
+  if (stamp && stamp_ == *stamp) return state_;
   stamp_.reset();
   if (!stamp && stamp.error() == std::errc::no_such_file_or_directory) {
-    state_ = State::missing;
-    values_ = nlohmann::json::object();
-    return;
+    values_ = std::make_shared<json>(json::object());
+    return state_ = State::missing;
   }
   const auto text = readRegularFile(path_, kMaximumJsonBytes);
-  if (!text && text.error() != std::errc::file_too_large) {
-    state_ = State::inaccessible;
-    return;
-  }
-  auto values = text ? parseJsonObject(*text) : std::nullopt;
-  state_ = values ? State::good : State::malformed;
-  if (values) values_ = std::move(*values);
+  if (!text && text.error() != std::errc::file_too_large) return state_ = State::inaccessible;
+  auto values = text ? parseObject(*text) : std::nullopt;
+  if (values) values_ = std::make_shared<json>(std::move(*values));
   if (stamp && isSettled(*stamp, std::time(nullptr))) stamp_ = *stamp;
+  return state_ = values ? State::good : State::malformed;
 }
 
-bool JsonDomainFile::replace(const nlohmann::json& values) {
-  refresh();
+bool JsonDomainFile::write(const json& values) {
   if (state_ == State::inaccessible) return false;
-  if (state_ != State::missing && values == values_) return true;
-  const std::string text = jsonObjectText(values);
+  if (state_ != State::missing && values == *values_) return true;
+  const std::string text = textOf(values);
   // What cannot be read back would take every other setting with it.
-  if (!parseJsonObject(text)) return false;
+  if (!parseObject(text)) return false;
   auto file = AtomicFile::prepare(path_, text);
   if (!file) return false;
   const bool written = state_ == State::malformed ? commitKeepingOldAside(*file) : !file->commit();
   if (!written) return false;
-  values_ = values;
+  values_ = std::make_shared<json>(values);
   state_ = State::good;
   stamp_.reset();
   return true;

@@ -2,7 +2,8 @@
 #pragma once
 
 #include <filesystem>
-#include <nlohmann/json.hpp>
+#include <memory>
+#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string_view>
 
@@ -10,8 +11,8 @@
 
 namespace nimbo {
 
-/// The JSON file of one preference domain, `<folder>/<domain>.json`, which its user may edit at any time:
-/// every call first looks whether it changed. Main thread only.
+/// The JSON file of one preference domain, `<folder>/<domain>.json`, as it was at the last look: its user
+/// may edit it at any time. One thread at a time; a copy may go to another.
 class JsonDomainFile {
  public:
   enum class State {
@@ -23,24 +24,23 @@ class JsonDomainFile {
 
   JsonDomainFile(const std::filesystem::path& folder, std::string_view domain);
 
-  [[nodiscard]] State state();
+  /// Looks at the file, and reads it when it has changed.
+  State refresh();
 
-  /// What the file holds, or held when it was last readable.
-  [[nodiscard]] const nlohmann::json& values();
+  /// The object in the file, or the one that was there when it was last readable.
+  [[nodiscard]] const nlohmann::json& values() const { return *values_; }
 
-  /// Writes the whole file unless it already says so; a malformed one is first renamed to a dated name
-  /// beside it. False when nothing could be written.
-  [[nodiscard]] bool replace(const nlohmann::json& values);
+  /// After a `refresh`: writes the whole file unless it already says so; a malformed one is first renamed
+  /// to a dated name beside it. False when nothing could be written.
+  [[nodiscard]] bool write(const nlohmann::json& values);
 
   void remove();
 
  private:
-  void refresh();
-
   std::filesystem::path path_;
   State state_ = State::missing;
   std::optional<FileStamp> stamp_;  // of the contents that were read last; absent when they must be read again
-  nlohmann::json values_ = nlohmann::json::object();
+  std::shared_ptr<const nlohmann::json> values_;
 };
 
 }  // namespace nimbo

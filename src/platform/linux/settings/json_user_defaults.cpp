@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "platform/linux/settings/json_user_defaults.h"
 
+#include <mutex>
+#include <nlohmann/json.hpp>
 #include <utility>
 
-#include "platform/preference_value.h"
+#include "base/preference_value.h"
+#include "platform/linux/settings/json_domain_file.h"
 
 namespace nimbo {
 namespace {
@@ -15,33 +18,113 @@ json asReadBack(const json& value) {
   return json::parse(value.dump(-1, ' ', /*ensure_ascii=*/false, json::error_handler_t::replace));
 }
 
-}  // namespace
-
-void JsonUserDefaults::registerDefault(std::string_view key, json value) { registered_[key] = std::move(value); }
-
-template <class Value>
-std::optional<Value> JsonUserDefaults::value(std::string_view key, std::optional<Value> (*read)(const json&)) const {
-  const json& stored = unsaved_.contains(key) ? unsaved_ : file_.values();
-  for (const json* const layer : {&stored, &registered_}) {
-    const auto found = layer->find(key);
-    if (found == layer->end()) continue;
-    if (auto result = read(*found)) return result;
-  }
-  return std::nullopt;
+// Into the file as it is now, so that what others wrote into it meanwhile stays.
+bool save(JsonDomainFile& file, const json& changes) {
+  file.refresh();
+  json values = file.values();
+  values.update(changes);
+  return file.write(values);
 }
 
-std::optional<bool> JsonUserDefaults::boolean(std::string_view key) const { return value(key, booleanValue); }
-std::optional<std::int64_t> JsonUserDefaults::integer(std::string_view key) const { return value(key, integerValue); }
-std::optional<std::string> JsonUserDefaults::string(std::string_view key) const { return value(key, stringValue); }
+}  // namespace
+
+struct JsonUserDefaults::State : std::enable_shared_from_this<State> {
+  State(JsonDomainFile domainFile, Services given) : file(std::move(domainFile)), services(std::move(given)) {}
+
+  template <class Value>
+  std::optional<Value> value(std::string_view key, std::optional<Value> (*read)(const json&)) {
+    lookAtFile();
+    const json& stored = unsaved.contains(key) ? unsaved : file.values();
+    for (const json* const layer : {&stored, &std::as_const(registered)}) {
+      const auto found = layer->find(key);
+      if (found == layer->end()) continue;
+      if (auto result = read(*found)) return result;
+    }
+    return std::nullopt;
+  }
+
+  void lookAtFile() {
+    if (std::exchange(lookedAt, true)) return;
+    file.refresh();
+    services.loop.post([weak = weak_from_this()] {
+      if (const auto self = weak.lock()) self->lookedAt = false;
+    });
+  }
+
+  /// Hands all that is unsaved to the background.
+  void startWriting() {
+    writing = true;
+    services.background([self = shared_from_this(), file = file, changes = unsaved]() mutable {
+      const std::scoped_lock lock(self->writer);
+      if (self->ended) return;
+      const bool saved = save(file, changes);
+      self->services.loop.post([weak = std::weak_ptr(self), saved, file, changes] {
+        if (const auto owner = weak.lock()) owner->finishWriting(saved, file, changes);
+      });
+    });
+  }
+
+  /// What was set meanwhile is written next. What could not be written waits for the next change.
+  void finishWriting(bool saved, const JsonDomainFile& as, const json& changes) {
+    writing = false;
+    if (saved) {
+      file = as;
+      for (const auto& [key, value] : changes.items()) {
+        if (unsaved[key] == value) unsaved.erase(key);
+      }
+    }
+    if (!unsaved.empty() && unsaved != changes) startWriting();
+  }
+
+  JsonDomainFile file;
+  const Services services;
+  json registered = json::object();
+  json unsaved = json::object();  // what was set and is not known to be in the file
+  bool lookedAt = false;          // in this turn of the main loop
+  bool writing = false;
+
+  std::mutex writer;   // held while the file is written
+  bool ended = false;  // guarded by writer
+};
+
+JsonUserDefaults::JsonUserDefaults(const std::filesystem::path& folder, std::string_view domain, Services services)
+    : state_(std::make_shared<State>(JsonDomainFile(folder, domain), std::move(services))) {}
+
+JsonUserDefaults::~JsonUserDefaults() {
+  const std::scoped_lock lock(state_->writer);
+  state_->ended = true;
+  if (state_->writing) (void)save(state_->file, state_->unsaved);
+}
+
+void JsonUserDefaults::registerDefault(std::string_view key, json value) { state_->registered[key] = std::move(value); }
+
+std::optional<bool> JsonUserDefaults::boolean(std::string_view key) const { return state_->value(key, booleanValue); }
+std::optional<std::int64_t> JsonUserDefaults::integer(std::string_view key) const {
+  return state_->value(key, integerValue);
+}
+std::optional<std::string> JsonUserDefaults::string(std::string_view key) const {
+  return state_->value(key, stringValue);
+}
 std::optional<std::vector<std::string>> JsonUserDefaults::stringArray(std::string_view key) const {
-  return value(key, stringArrayValue);
+  return state_->value(key, stringArrayValue);
 }
 
 void JsonUserDefaults::set(std::string_view key, json value) {
-  unsaved_[key] = asReadBack(value);
-  json values = file_.values();
-  values.update(unsaved_);
-  if (file_.replace(values)) unsaved_.clear();
+  state_->unsaved[key] = asReadBack(value);
+  if (!state_->writing) state_->startWriting();
 }
+
+std::optional<json> JsonUserDefaultsDomains::persistentDomain(std::string_view name) const {
+  JsonDomainFile file(folder_, name);
+  if (file.refresh() != JsonDomainFile::State::good) return std::nullopt;
+  return file.values();
+}
+
+bool JsonUserDefaultsDomains::setPersistentDomain(std::string_view name, const json& values) {
+  JsonDomainFile file(folder_, name);
+  return file.refresh() != JsonDomainFile::State::malformed && file.write(values);
+}
+
+void JsonUserDefaultsDomains::removePersistentDomain(std::string_view name) { JsonDomainFile(folder_, name).remove(); }
 
 }  // namespace nimbo

@@ -2,18 +2,30 @@
 #pragma once
 
 #include <filesystem>
-#include <nlohmann/json.hpp>
+#include <functional>
+#include <memory>
 
-#include "platform/linux/settings/json_domain_file.h"
+#include "platform/main_loop.h"
 #include "platform/user_defaults.h"
 
 namespace nimbo {
 
-/// Preferences in `<folder>/<domain>.json`, a file that people may edit: what they change is seen at the
-/// next read, keys nobody knows are kept, and a text that is no JSON object is kept aside, not overwritten.
+/// Preferences in `<folder>/<domain>.json`, a file that people may edit: it is looked at once in a turn of
+/// the main loop, keys nobody knows are kept, and a text that is no JSON object is kept aside, not
+/// overwritten. A change counts at once and is written in the background, one after the other, so that a
+/// slow disk holds nobody up; the destructor waits until all is written.
 class JsonUserDefaults final : public UserDefaults {
  public:
-  JsonUserDefaults(const std::filesystem::path& folder, std::string_view domain) : file_(folder, domain) {}
+  /// Both outlive it.
+  struct Services {
+    MainLoop& loop;
+    std::function<void(std::function<void()>)> background;  ///< runs work on another thread, without delay
+  };
+
+  JsonUserDefaults(const std::filesystem::path& folder, std::string_view domain, Services services);
+  ~JsonUserDefaults() override;
+  JsonUserDefaults(const JsonUserDefaults&) = delete;
+  JsonUserDefaults& operator=(const JsonUserDefaults&) = delete;
 
   void registerDefault(std::string_view key, nlohmann::json value) override;
   [[nodiscard]] std::optional<bool> boolean(std::string_view key) const override;
@@ -23,12 +35,23 @@ class JsonUserDefaults final : public UserDefaults {
   void set(std::string_view key, nlohmann::json value) override;
 
  private:
-  template <class Value>
-  std::optional<Value> value(std::string_view key, std::optional<Value> (*read)(const nlohmann::json&)) const;
+  struct State;
 
-  mutable JsonDomainFile file_;  // reading may find that the file changed
-  nlohmann::json registered_ = nlohmann::json::object();
-  nlohmann::json unsaved_ = nlohmann::json::object();  // what could not be written; tried again with the next change
+  const std::shared_ptr<State> state_;  // shared with the background
+};
+
+/// Domains as the files `<folder>/<name>.json`. One whose file exists but cannot be read is not replaced,
+/// so that nothing stands in the way of its user correcting it.
+class JsonUserDefaultsDomains final : public UserDefaultsDomains {
+ public:
+  explicit JsonUserDefaultsDomains(std::filesystem::path folder) : folder_(std::move(folder)) {}
+
+  [[nodiscard]] std::optional<nlohmann::json> persistentDomain(std::string_view name) const override;
+  [[nodiscard]] bool setPersistentDomain(std::string_view name, const nlohmann::json& values) override;
+  void removePersistentDomain(std::string_view name) override;
+
+ private:
+  std::filesystem::path folder_;
 };
 
 }  // namespace nimbo

@@ -11,8 +11,8 @@
 #include <string>
 #include <string_view>
 
+#include "platform/linux/files/atomic_file.h"
 #include "platform/linux/files/last_error.h"
-#include "platform/linux/files/private_folders.h"
 #include "platform/linux/files/unique_fd.h"
 
 namespace nimbo {

@@ -13,7 +13,6 @@
 
 #include "platform/linux/files/unique_fd.h"
 #include "platform/linux/machine/proc_file.h"
-#include "platform/linux/machine/proc_text.h"
 
 namespace nimbo {
 namespace {

@@ -7,8 +7,8 @@
 
 #include <cerrno>
 
+#include "platform/linux/files/atomic_file.h"
 #include "platform/linux/files/last_error.h"
-#include "platform/linux/files/temporary_file.h"
 
 namespace nimbo {
 namespace {
