@@ -1,128 +1,154 @@
 // SPDX-License-Identifier: MIT
 #include "app/app_delegate.h"
 
-#include <algorithm>
 #include <utility>
 
-#include "awake/session_length.h"
+#include "app/tray/status_menu.h"
+#include "app/widgets/widget_link.h"
 #include "ui/tray/status_item_content.h"
 #include "ui/tray/usage_menu_gauge.h"
 
 namespace nimbo {
-namespace {
-
-constexpr std::chrono::minutes kExtension{30};
-constexpr const char* kClaudeDesktop = "com.anthropic.claudefordesktop";
-
-std::optional<DashboardTab> tabOf(StatusItemKind kind) {
-  switch (kind) {
-    case StatusItemKind::ai:
-      return DashboardTab::ai;
-    case StatusItemKind::memory:
-      return DashboardTab::memory;
-    case StatusItemKind::awake:
-      return DashboardTab::awake;
-    case StatusItemKind::compact:
-      break;
-  }
-  return std::nullopt;  // stands for the whole program: whatever was shown last
-}
-
-}  // namespace
 
 AppDelegate::AppDelegate(PlatformServices& platform, UserInterfaceMaker makeUserInterface, Settings& settings,
                          Widgets widgets)
-    : confirmEndingAwakeSession([this](QuitDecision decided) { showQuitAlert(std::move(decided)); }),
-      platform_(platform),
+    : platform_(platform),
+      clock_(*platform.readers().clock),
       settings_(settings),
-      awake_({platform.mainLoop(), *platform.readers().clock, platform.assertionClient(), platform.powerSources(),
-              platform.displayPower()}),
-      usageReaders_(platform),
-      usage_(usageReaders_.reads(), *platform.readers().clock, platform.dates()),
+      awake_({.mainLoop = platform.mainLoop(),
+              .clock = clock_,
+              .assertionClient = platform.assertionClient(),
+              .powerSources = platform.powerSources(),
+              .displayPower = platform.displayPower()}),
+      awakeCommands_(awake_, settings, clock_),
+      usage_(platform, settings, [this] { usageChanged(); }),
       toolkit_(platform.mainLoop(), platform.workspace(), std::move(makeUserInterface),
-               makeMainMenu({[this] { openSettings(); }, [this] { quit(); }})),
-      sampling_({platform.mainLoop(), platform.readers(), platform.temperatureQueue(), platform.utilityQueue()},
-                settings,
-                {[this] { awake_.tick(platform_.readers().clock->now()); }, [this] { readingsChanged(); },
-                 [this] { widgets_.writeWidgetSnapshot(WidgetPublisher::Force::yes); },
-                 [this] { return dashboard_.wantsProcesses(); },
-                 [this](ProcessScan scan) { dashboard_.updateProcesses(std::move(scan)); }}),
-      widgets_({platform.bundleInfo(), *platform.readers().clock, platform.widgetCenter(), platform.utilityQueue(),
-                platform.mainLoop()},
-               {settings, sampling_.readings(), usage_.states()}, widgets == Widgets::published,
-               [this] { preferences_.update(); }),
+               makeMainMenu({.openSettings = [this] { openSettings(); }, .quit = [this] { quit(); }})),
+      sampling_({.mainLoop = platform.mainLoop(),
+                 .readers = platform.readers(),
+                 .temperatureQueue = platform.temperatureQueue(),
+                 .utilityQueue = platform.utilityQueue()},
+                settings, samplingCallbacks()),
+      widgets_({.bundle = platform.bundleInfo(),
+                .clock = clock_,
+                .center = platform.widgetCenter(),
+                .queue = platform.utilityQueue(),
+                .mainLoop = platform.mainLoop()},
+               {.settings = settings, .readings = sampling_.readings(), .usage = usage_.states()},
+               widgets == Widgets::published, [this] { settingsWindow_.update(); }),
       updateAlerts_(toolkit_, platform.mainLoop(), [this] { dashboard_.close(); }),
-      updater_(
-          platform.bundleInfo(), [this](const UpdateFeed& feed) { return platform_.makeUpdater(feed, updateAlerts_); },
-          updateAlerts_),
-      dashboard_({toolkit_, platform.mainLoop(), *platform.readers().clock, platform.dates(), platform.workspace()},
-                 {settings, sampling_.readings(), awake_, usage_.states()}, dashboardCallbacks()),
-      preferences_({toolkit_, settings, platform.bundleInfo(), platform.loginItem()}, preferencesCallbacks()),
-      statusItems_(platform.statusBar(), platform.mainLoop(), settings,
-                   {[this](StatusItemKind kind) { return contentFor(kind); },
-                    [this](StatusItemKind kind, const StatusClick& click) { statusClicked(kind, click); },
-                    [this] { return statusMenu(); }, [this] { dashboard_.close(); },
-                    [this] { return sleeping_ || dashboard_.visible(); }}) {}
+      updater_(platform, updateAlerts_),
+      dashboard_({.toolkit = toolkit_,
+                  .mainLoop = platform.mainLoop(),
+                  .clock = clock_,
+                  .dates = platform.dates(),
+                  .workspace = platform.workspace()},
+                 {.settings = settings, .readings = sampling_.readings(), .awake = awake_, .usage = usage_.states()},
+                 dashboardCallbacks()),
+      systemRequests_(platform, toolkit_),
+      settingsWindow_({.toolkit = toolkit_,
+                       .settings = settings,
+                       .bundle = platform.bundleInfo(),
+                       .loginItem = platform.loginItem()},
+                      {.made = [this](SettingsWindowController& window) { wireSettingsWindow(window); },
+                       .update =
+                           [this](SettingsWindowController& window) {
+                             window.setAutomaticUpdates(updater_.automaticallyChecksForUpdates());
+                             window.setWidgetMessage(widgets_.widgetMessage());
+                           }}),
+      quitQuestion_(toolkit_, platform.mainLoop(), awake_, [this] { dashboard_.close(); }),
+      statusItems_(platform.statusBar(), platform.mainLoop(), settings, statusItemCallbacks()) {
+  awake_.onChange = [this] { awakeChanged(); };
+}
+
+SamplingLoop::Callbacks AppDelegate::samplingCallbacks() {
+  return {
+      .willTick = [this] { awake_.tick(clock_.now()); },
+      .readingsChanged = [this] { readingsChanged(); },
+      .temperatureFound = [this] { widgets_.writeWidgetSnapshot(WidgetPublisher::Force::yes); },
+      .wantsProcesses = [this] { return dashboard_.wantsProcesses(); },
+      .processesScanned = [this](ProcessScan scan) { dashboard_.updateProcesses(std::move(scan)); },
+  };
+}
 
 Dashboard::Callbacks AppDelegate::dashboardCallbacks() {
   return {
-      [this] { tabChanged(); },
-      [this] { openSettings(); },
-      [this] { openSettings(SettingsPage::usage); },
-      [this] { quit(); },
-      [this] { return statusItems_.knownFrames(); },
-      [this](std::optional<AwakeManager::Time> end) { toggleAwake(end); },
-      [this](bool on) { keepDisplayOn(on); },
-      [this] {
-        applyAwakeRules();
-        preferences_.update();
-      },
-      [this] { turnDisplayOff(); },
-      [this] { awake_.extend(kExtension); },
-      [this] { usage_.refresh(kAllUsageProviders, UsageRequest::manual); },
+      .tabChanged = [this] { tabChanged(); },
+      .openSettings = [this] { openSettings(); },
+      .configureUsage = [this] { openSettings(SettingsPage::usage); },
+      .quit = [this] { quit(); },
+      .statusItemFrames = [this] { return statusItems_.knownFrames(); },
+      .toggleAwake = [this](std::optional<AwakeManager::Time> end) { awakeCommands_.toggle(end); },
+      .keepDisplayOn = [this](bool on) { keepDisplayOn(on); },
+      .awakeRulesChanged =
+          [this] {
+            awakeCommands_.applyRules();
+            settingsWindow_.update();
+          },
+      .turnDisplayOff = [this] { awake_.turnDisplayOff(); },
+      .extendAwake = [this] { awakeCommands_.extend(); },
+      .refreshUsage = [this] { usage_.refreshAll(); },
   };
 }
 
-Preferences::Callbacks AppDelegate::preferencesCallbacks() {
+StatusItems::Callbacks AppDelegate::statusItemCallbacks() {
   return {
-      [this](const SettingsChange& change) { settingsChanged(change); },
-      [this] { toggleLogin(); },
-      [this] { checkForUpdates(); },
-      [this] {
-        updater_.toggleAutomaticChecks();
-        preferences_.update();
-      },
-      [this] { enableClaudeDesktop(); },
-      [this] { return updater_.automaticallyChecksForUpdates(); },
-      [this] { return widgets_.widgetMessage(); },
+      .content = [this](StatusItemTab tab) { return contentFor(tab); },
+      .clicked = [this](StatusItemTab tab, const StatusClick& click) { statusClicked(tab, click); },
+      .menu = [this] { return statusMenu(); },
+      .menuWillOpen = [this] { dashboard_.close(); },
+      .rotationPaused = [this] { return sleeping_ || dashboard_.visible(); },
   };
+}
+
+void AppDelegate::wireSettingsWindow(SettingsWindowController& window) {
+  window.onChange = [this](const SettingsChange& change) { settingsChanged(change); };
+  window.onLogin = [this] { systemRequests_.toggleLogin(); };
+  window.onCheckUpdates = [this] { updater_.checkForUpdates(); };
+  window.onToggleAutomaticUpdates = [this] {
+    updater_.toggleAutomaticChecks();
+    settingsWindow_.update();
+  };
+  window.onEnableClaudeDesktop = [this] { systemRequests_.openClaudeDesktop(); };
+}
+
+StatusItemContent AppDelegate::contentFor(StatusItemTab tab) const {
+  if (!tab) return compactItemContent(awake_.isActive());
+  switch (*tab) {
+    case DashboardTab::ai: {
+      const auto gauges = menuGauges(settings_, usage_.states(), clock_.now(), platform_.dates());
+      return usageItemContent(gauges, settings_.aiMenuRemaining(), clock_.now());
+    }
+    case DashboardTab::memory: {
+      const auto& readings = sampling_.readings();
+      return memoryItemContent(readings.memory, readings.memoryFailed, settings_.showChart());
+    }
+    case DashboardTab::awake:
+      return awakeItemContent(awake_.isActive());
+  }
+  return {};
+}
+
+StatusMenu AppDelegate::statusMenu() {
+  return makeStatusMenu({.quickToggleAwake = [this] { awakeCommands_.toggle(std::nullopt); },
+                         .openSettings = [this] { openSettings(); },
+                         .checkForUpdates = [this] { updater_.checkForUpdates(); },
+                         .quit = [this] { quit(); }},
+                        awake_.isActive() ? AwakeSession::running : AwakeSession::off);
 }
 
 void AppDelegate::applicationDidFinishLaunching() {
-  applyAwakeRules();
-  awake_.onChange = [this] { awakeChanged(); };
-  usage_.onChange = [this] { usageChanged(); };
-  configureUsage();
-  usage_.refresh(kAllUsageProviders, UsageRequest::automatic);
+  awakeCommands_.applyRules();
+  usage_.refreshDue();
   updater_.start();
   statusItems_.configure();
   sampling_.tick();
   sampling_.startTimer();
   didFinishLaunching_ = true;
-  if (const auto destination = std::exchange(pendingDestination_, std::nullopt)) {
-    platform_.mainLoop().post([this, destination] { openDestination(*destination); });
-  }
+  if (pendingTab_) platform_.mainLoop().post([this] { openDashboard(statusItems_.firstItem(), pendingTab_); });
   sleepObservation_ = platform_.systemSleep().observe([this] { willSleep(); }, [this] { didWake(); });
   // A log-out or a shutdown cannot wait for an answer.
   terminationObservation_ = platform_.termination().observe([this] { platform_.mainLoop().quit(); });
-}
-
-void AppDelegate::applicationShouldTerminate(QuitDecision decided) {
-  if (awake_.isActive()) {
-    confirmEndingAwakeSession(std::move(decided));
-  } else {
-    decided(true);
-  }
 }
 
 void AppDelegate::applicationWillTerminate() {
@@ -134,22 +160,27 @@ void AppDelegate::applicationWillTerminate() {
   terminationObservation_.reset();
 }
 
-void AppDelegate::activate() {
-  if (const auto first = statusItems_.firstItem()) openDashboard(*first, std::nullopt);
-}
+void AppDelegate::activate() { openDashboard(statusItems_.firstItem(), std::nullopt); }
 
 void AppDelegate::open(const std::vector<std::string>& links) {
-  const auto destination = lastWidgetDestination(links);
-  if (!destination) return;
+  const auto tab = tabOfLastLink(links);
+  if (!tab) return;
   if (didFinishLaunching_) {
-    openDestination(*destination);
+    openDashboard(statusItems_.firstItem(), tab);
   } else {
-    pendingDestination_ = destination;
+    pendingTab_ = tab;
   }
 }
 
-void AppDelegate::openDestination(WidgetDestination destination) {
-  if (const auto first = statusItems_.firstItem()) openDashboard(*first, tabFor(destination));
+void AppDelegate::openSettings(std::optional<SettingsPage> page) {
+  dashboard_.close();
+  settingsWindow_.open(page);
+}
+
+bool AppDelegate::loadDashboardOffscreen() {
+  if (!dashboard_.loadOffscreen(DashboardTab::memory)) return false;
+  sampling_.startProcessScan(SamplingLoop::Throttle::ignore);
+  return true;
 }
 
 void AppDelegate::willSleep() {
@@ -162,176 +193,35 @@ void AppDelegate::willSleep() {
 
 void AppDelegate::didWake() {
   sleeping_ = false;
-  awake_.checkDeadline(platform_.readers().clock->now());
+  awake_.checkDeadline(clock_.now());
   awake_.checkBattery();
   sampling_.didWake();
   statusItems_.restartRotation();
 }
 
-void AppDelegate::openSettings() { openSettings(std::nullopt); }
-
-void AppDelegate::openSettings(std::optional<SettingsPage> page) {
-  dashboard_.close();
-  (void)preferences_.open(page);
+void AppDelegate::statusClicked(StatusItemTab item, const StatusClick& click) {
+  if (click.alternate) return awakeCommands_.toggleTimed();
+  if (dashboard_.visible()) return dashboard_.close();
+  const auto clicked = statusItems_.item(item);
+  if (clicked && dashboard_.justClosedBy(*clicked)) return;
+  openDashboard(item, item);
 }
 
-void AppDelegate::checkForUpdates() { updater_.checkForUpdates(); }
-
-void AppDelegate::toggleLogin() {
-  auto& login = platform_.loginItem();
-  const auto status = login.status();
-  if (status == LoginItemStatus::requiresApproval) {
-    login.openSystemSettings();
-    return;
-  }
-  const auto done = status == LoginItemStatus::enabled ? login.unregisterItem() : login.registerItem();
-  if (done) return;
-  showNotice("Couldn’t update launch at login",
-             "Keep Nimbo in Applications before enabling launch at login. " + done.error().description);
-}
-
-void AppDelegate::showNotice(const std::string& title, const std::string& text) {
-  auto* const interface = toolkit_.interface();
-  if (interface == nullptr) return;
-  notice_ = interface->showAlert({title, text, {"OK"}}, [this](std::size_t) { notice_.reset(); });
-}
-
-// Applications learn when they start that somebody wants to look, so that comes first.
-void AppDelegate::enableClaudeDesktop() {
-  if (std::exchange(enablingClaudeDesktop_, true)) return;
-  auto& accessibility = platform_.usageServices().accessibility;
-  platform_.utilityQueue().async([this, &accessibility, &loop = platform_.mainLoop()] {
-    accessibility.requestTrust();
-    loop.post([this] {
-      enablingClaudeDesktop_ = false;
-      if (platform_.workspace().openApplication(kClaudeDesktop)) return;
-      showNotice("Claude Desktop couldn’t be opened", "Open it yourself, then leave its Settings → Usage page open.");
-    });
-  });
-}
-
-void AppDelegate::settingsChanged(const SettingsChange& change) {
-  switch (change.kind) {
-    case SettingsChange::Kind::display:
-      keepDisplayOn(change.on);
-      return;
-    case SettingsChange::Kind::monitors:
-      monitorsChanged();
-      return;
-    case SettingsChange::Kind::appearance:
-      statusItems_.refresh();
-      return;
-    case SettingsChange::Kind::interval:
-      sampling_.tick();
-      sampling_.startTimer();
-      return;
-    case SettingsChange::Kind::usage:
-      usageSettingsChanged();
-      return;
-    case SettingsChange::Kind::awakeRules:
-      applyAwakeRules();
-      return;
-    case SettingsChange::Kind::presentation:
-      statusItems_.configure();
-      return;
-  }
-}
-
-void AppDelegate::monitorsChanged() {
-  statusItems_.configure();
-  sampling_.monitorsChanged();
-  widgets_.writeWidgetSnapshot(WidgetPublisher::Force::yes);
-}
-
-void AppDelegate::quit() {
-  applicationShouldTerminate([this](bool quit) {
-    if (quit) platform_.mainLoop().quit();
-  });
-}
-
-void AppDelegate::showQuitAlert(QuitDecision decided) {
-  dashboard_.close();
-  if (quitAlert_) {
-    // The answer to the question that stands is for whoever asked it.
-    quitAlert_->present();
-    decided(false);
-    return;
-  }
-  auto* const interface = toolkit_.interface();
-  if (interface == nullptr) {
-    // Nobody can be asked, and the user said so.
-    decided(true);
-    return;
-  }
-  quitAlert_ = interface->showAlert({"Keep Awake is running",
-                                     "Quitting or installing an update ends this session. Your Mac may sleep "
-                                     "afterward.",
-                                     {"Keep Running", "End Session & Quit"}},
-                                    [this, decided = std::move(decided)](std::size_t button) {
-                                      const auto answer = decided;  // goes with the alert
-                                      quitAlert_.reset();
-                                      answer(button == 1);
-                                    });
-}
-
-void AppDelegate::statusClicked(StatusItemKind kind, const StatusClick& click) {
-  if (click.alternate) {
-    quickTimedSession();
-    return;
-  }
-  if (dashboard_.visible()) {
-    dashboard_.close();
-    return;
-  }
-  const auto item = statusItems_.item(kind);
-  if (item && dashboard_.justClosedBy(*item)) return;
-  openDashboard(kind, tabOf(kind));
-}
-
-void AppDelegate::openDashboard(StatusItemKind kind, std::optional<DashboardTab> tab) {
-  if (!dashboard_.open(statusItems_.item(kind), statusItems_.knownFrame(kind), tab)) return;
+void AppDelegate::openDashboard(StatusItemTab item, std::optional<DashboardTab> tab) {
+  if (!dashboard_.open(statusItems_.item(item), statusItems_.knownFrame(item), tab)) return;
   tabChanged();
   statusItems_.restartRotation();
 }
 
-bool AppDelegate::loadDashboardOffscreen() {
-  if (!dashboard_.loadOffscreen(DashboardTab::memory)) return false;
-  sampling_.startProcessScan(SamplingLoop::Throttle::ignore);
-  return true;
+void AppDelegate::keepDisplayOn(bool on) {
+  awakeCommands_.keepDisplayOn(on);
+  awakeChanged();
+  settingsWindow_.update();
 }
 
-StatusItemContent AppDelegate::contentFor(StatusItemKind kind) const {
-  const auto& readings = sampling_.readings();
-  switch (kind) {
-    case StatusItemKind::ai: {
-      const auto now = platform_.readers().clock->now();
-      return usageItemContent(menuGauges(settings_, usage_.states(), now, platform_.dates()),
-                              settings_.aiMenuRemaining(), now);
-    }
-    case StatusItemKind::memory:
-      return memoryItemContent(readings.memory, readings.memoryFailed, settings_.showChart());
-    case StatusItemKind::awake:
-      return awakeItemContent(awake_.isActive());
-    case StatusItemKind::compact:
-      break;
-  }
-  return compactItemContent(awake_.isActive());
-}
-
-StatusMenu AppDelegate::statusMenu() {
-  StatusMenuActions actions;
-  actions.quickToggleAwake = [this] { quickToggleAwake(); };
-  actions.openSettings = [this] { openSettings(); };
-  actions.checkForUpdates = [this] { checkForUpdates(); };
-  actions.quit = [this] { quit(); };
-  return makeStatusMenu(actions, awake_.isActive() ? AwakeSession::running : AwakeSession::off);
-}
-
-// Comes with every tick, which is also when a provider may be due and the countdowns go on. A provider
-// that was switched on by hand in the settings file is found here, too.
+// Comes with every tick, which is also when a provider may be due and the countdowns go on.
 void AppDelegate::readingsChanged() {
-  configureUsage();
-  usage_.refresh(kAllUsageProviders, UsageRequest::automatic);
+  usage_.refreshDue();
   widgets_.writeWidgetSnapshot(WidgetPublisher::Force::no);
   statusItems_.refresh();
   dashboard_.updateReadings();
@@ -354,53 +244,29 @@ void AppDelegate::usageChanged() {
   statusItems_.refresh();
   dashboard_.updateUsage();
   // What a read brought must not reach the widgets five minutes late.
-  const auto refreshing = [](const auto& state) { return state.second.isRefreshing; };
-  if (std::ranges::none_of(usage_.states(), refreshing)) widgets_.writeWidgetSnapshot(WidgetPublisher::Force::yes);
+  if (!usage_.isRefreshing()) widgets_.writeWidgetSnapshot(WidgetPublisher::Force::yes);
 }
 
-void AppDelegate::startAwake(std::optional<AwakeManager::Time> end) {
-  awake_.start(end, settings_.awakeDisplayOn(), platform_.readers().clock->now());
-}
-
-void AppDelegate::toggleAwake(std::optional<AwakeManager::Time> end) {
-  awake_.isActive() ? awake_.stopByUser() : startAwake(end);
-}
-
-void AppDelegate::quickToggleAwake() { toggleAwake(std::nullopt); }
-
-void AppDelegate::quickTimedSession() {
-  // A date that was picked on the page is not kept, so that choice means what the page suggests.
-  const auto now = platform_.readers().clock->now();
-  toggleAwake(sessionEnd(settings_.awakeDuration(), clampedCustomMinutes(settings_.awakeCustomMinutes()),
-                         suggestedEnd(now), now));
-}
-
-void AppDelegate::keepDisplayOn(bool on) {
-  if (awake_.setKeepDisplayOn(on)) settings_.setAwakeDisplayOn(on);
-  awakeChanged();
-  preferences_.update();
-}
-
-void AppDelegate::toggleDisplayMode() { keepDisplayOn(!settings_.awakeDisplayOn()); }
-
-void AppDelegate::turnDisplayOff() { awake_.turnDisplayOff(); }
-
-void AppDelegate::configureUsage() {
-  for (const auto provider : kAllUsageProviders) usage_.setEnabled(provider, settings_.usageEnabled(provider));
-}
-
-void AppDelegate::usageSettingsChanged() {
-  std::vector<UsageProvider> added;
-  for (const auto provider : kAllUsageProviders) {
-    const auto state = usage_.states().find(provider);
-    const bool enabled = state != usage_.states().end() && state->second.enabled;
-    if (settings_.usageEnabled(provider) && !enabled) added.push_back(provider);
+void AppDelegate::settingsChanged(const SettingsChange& change) {
+  switch (change.kind) {
+    case SettingsChange::Kind::display:
+      return keepDisplayOn(change.on);
+    case SettingsChange::Kind::monitors:
+      statusItems_.configure();
+      sampling_.monitorsChanged();
+      return widgets_.writeWidgetSnapshot(WidgetPublisher::Force::yes);
+    case SettingsChange::Kind::appearance:
+      return statusItems_.refresh();
+    case SettingsChange::Kind::interval:
+      sampling_.tick();
+      return sampling_.startTimer();
+    case SettingsChange::Kind::usage:
+      return usage_.settingsChanged();
+    case SettingsChange::Kind::awakeRules:
+      return awakeCommands_.applyRules();
+    case SettingsChange::Kind::presentation:
+      return statusItems_.configure();
   }
-  configureUsage();
-  usage_.refresh(added, UsageRequest::manual);
-  usage_.refresh(kAllUsageProviders, UsageRequest::automatic);
 }
-
-void AppDelegate::applyAwakeRules() { awake_.setRules({settings_.awakeOnlyOnPower(), settings_.awakeBatteryFloor()}); }
 
 }  // namespace nimbo

@@ -1,21 +1,20 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "app/awake_commands.h"
 #include "app/sampling_loop.h"
+#include "app/system_requests.h"
 #include "app/tray/status_items.h"
-#include "app/tray/status_menu.h"
 #include "app/update_checker.h"
-#include "app/usage_readers.h"
-#include "app/widgets/widget_destination.h"
+#include "app/usage_providers.h"
 #include "app/widgets/widget_publisher.h"
 #include "app/windows/dashboard.h"
-#include "app/windows/preferences.h"
+#include "app/windows/quit_question.h"
+#include "app/windows/settings_window_opener.h"
 #include "app/windows/toolkit.h"
 #include "app/windows/update_alerts.h"
 #include "awake/awake_manager.h"
@@ -34,86 +33,62 @@ class AppDelegate {
   /// `platform` and `settings` outlive it.
   AppDelegate(PlatformServices& platform, UserInterfaceMaker makeUserInterface, Settings& settings, Widgets widgets);
 
-  /// Gets the user's decision to quit, once, possibly much later.
-  using QuitDecision = std::function<void(bool quit)>;
-
   void applicationDidFinishLaunching();
-  /// Decides whether the program may end now: at once, or after asking when a session runs.
-  void applicationShouldTerminate(QuitDecision decided);
   void applicationWillTerminate();
 
   /// The program was started again.
   void activate();
   /// Links were opened; the last one that leads somewhere counts. Before launch it waits for it.
   void open(const std::vector<std::string>& links);
-  void willSleep();
-  void didWake();
-  void openSettings();
-  void checkForUpdates();
-  /// Starts the program at log-in, or no longer.
-  void toggleLogin();
-  void quit();
-
-  void statusClicked(StatusItemKind kind, const StatusClick& click);
-
-  /// Stops the session, or starts one until stopped.
-  void quickToggleAwake();
-  /// Stops the session, or starts one of the length chosen last.
-  void quickTimedSession();
-  void toggleDisplayMode();
-  void turnDisplayOff();
-
-  [[nodiscard]] AwakeManager& awake() { return awake_; }
+  void openSettings(std::optional<SettingsPage> page = std::nullopt);
+  /// Ends the program, after asking when a session runs.
+  void quit() { quitQuestion_.quit(); }
   /// Makes the dashboard with its process list without showing it; false when there is no display.
   [[nodiscard]] bool loadDashboardOffscreen();
 
-  /// Asked before quitting ends a session. Shows an alert unless replaced.
-  std::function<void(QuitDecision)> confirmEndingAwakeSession;
+  [[nodiscard]] AwakeManager& awake() { return awake_; }
+  [[nodiscard]] AwakeCommands& awakeCommands() { return awakeCommands_; }
 
  private:
+  [[nodiscard]] SamplingLoop::Callbacks samplingCallbacks();
   [[nodiscard]] Dashboard::Callbacks dashboardCallbacks();
-  [[nodiscard]] StatusItemContent contentFor(StatusItemKind kind) const;
+  [[nodiscard]] StatusItems::Callbacks statusItemCallbacks();
+  void wireSettingsWindow(SettingsWindowController& window);
+  [[nodiscard]] StatusItemContent contentFor(StatusItemTab tab) const;
   [[nodiscard]] StatusMenu statusMenu();
-  [[nodiscard]] Preferences::Callbacks preferencesCallbacks();
-  void openDashboard(StatusItemKind kind, std::optional<DashboardTab> tab);
-  void openDestination(WidgetDestination destination);
-  void openSettings(std::optional<SettingsPage> page);
-  void enableClaudeDesktop();
+
+  void willSleep();
+  void didWake();
+  void statusClicked(StatusItemTab item, const StatusClick& click);
+  /// Under `item`, on `tab` or else on the tab shown last.
+  void openDashboard(StatusItemTab item, std::optional<DashboardTab> tab);
+  void keepDisplayOn(bool on);
+
   void readingsChanged();
   void tabChanged();
   void awakeChanged();
   void usageChanged();
-
-  void startAwake(std::optional<AwakeManager::Time> end);
-  void toggleAwake(std::optional<AwakeManager::Time> end);
-  void keepDisplayOn(bool on);
-  void applyAwakeRules();
   void settingsChanged(const SettingsChange& change);
-  void monitorsChanged();
-  void configureUsage();
-  void usageSettingsChanged();
-  void showQuitAlert(QuitDecision decided);
-  void showNotice(const std::string& title, const std::string& text);
 
   PlatformServices& platform_;
+  const Clock& clock_;
   Settings& settings_;
   bool sleeping_ = false;
-  bool enablingClaudeDesktop_ = false;
   bool didFinishLaunching_ = false;
-  std::optional<WidgetDestination> pendingDestination_;
+  std::optional<DashboardTab> pendingTab_;  ///< of a link that was opened before launch
   AwakeManager awake_;
-  UsageReaders usageReaders_;
-  UsageMonitor usage_;
+  AwakeCommands awakeCommands_;
+  UsageProviders usage_;
   Toolkit toolkit_;
   SamplingLoop sampling_;
   WidgetPublisher widgets_;
   UpdateAlerts updateAlerts_;
   UpdateChecker updater_;
   Dashboard dashboard_;
-  Preferences preferences_;
+  SystemRequests systemRequests_;
+  SettingsWindowOpener settingsWindow_;
+  QuitQuestion quitQuestion_;
   StatusItems statusItems_;
-  std::unique_ptr<Alert> quitAlert_;
-  std::unique_ptr<Alert> notice_;
   Subscription sleepObservation_;
   Subscription terminationObservation_;
 };

@@ -7,6 +7,8 @@
 #include <string_view>
 #include <utility>
 
+#include "usage/text_matching.h"
+
 namespace nimbo {
 namespace {
 
@@ -18,22 +20,13 @@ constexpr std::array kFlags{
     std::pair{"--profile"sv, LaunchMode::profile},
 };
 
-// Not std::tolower, whose answer depends on the locale.
-bool equalIgnoringCase(char character, char lowercase) {
-  return character == lowercase || (character >= 'A' && character <= 'Z' && character - 'A' + 'a' == lowercase);
-}
-
-bool isLink(std::string_view argument) {
-  constexpr std::string_view kScheme = "nimbo:";
-  const std::string_view head = argument.substr(0, kScheme.size());
-  return std::equal(head.begin(), head.end(), kScheme.begin(), kScheme.end(), equalIgnoringCase);
-}
+bool isLink(const std::string& argument) { return startsWithIgnoringCase(argument, "nimbo:"); }
 
 }  // namespace
 
 LaunchMode launchMode(std::span<const std::string> arguments) {
   for (const auto& [flag, mode] : kFlags) {
-    if (std::find(arguments.begin(), arguments.end(), flag) != arguments.end()) return mode;
+    if (std::ranges::find(arguments, flag) != arguments.end()) return mode;
   }
   return LaunchMode::menuBar;
 }

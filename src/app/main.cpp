@@ -7,35 +7,38 @@
 
 #include "app/app_delegate.h"
 #include "app/launch_mode.h"
-#include "app/reports/claude_desktop_check.h"
-#include "app/reports/diagnostics_report.h"
+#include "app/reports/console_reports.h"
 #include "app/reports/performance_probe.h"
-#include "app/windows/user_interface_maker.h"
 #include "platform/platform_services.h"
 #include "settings/settings.h"
 
 namespace nimbo {
 namespace {
 
-int runDiagnostics() {
-  const SystemReaders readers = makeSystemReaders();
-  SystemSampler sampler(*readers.hostStatistics, *readers.clock);
-  const auto sensor = readers.makeTemperatureSensor();
-  const auto report = makeDiagnosticsReport(sampler, *sensor, *readers.processTable, *readers.clock);
+int print(const ConsoleReport& report) {
   std::fputs(report.output.c_str(), stdout);
   std::fputs(report.errorOutput.c_str(), stderr);
   return report.exitStatus;
 }
 
+int runDiagnostics() {
+  const SystemReaders readers = makeSystemReaders();
+  SystemSampler sampler(*readers.hostStatistics, *readers.clock);
+  const auto sensor = readers.makeTemperatureSensor();
+  return print(makeDiagnosticsReport(sampler, *sensor, *readers.processTable, *readers.clock));
+}
+
 int runMenuBar(const std::vector<std::string>& links) {
   const auto platform = makePlatformServices();
   AppDelegate* controller = nullptr;
-  const auto role = platform->applicationInstance().claim(links, {[&controller] {
-                                                                    if (controller != nullptr) controller->activate();
-                                                                  },
-                                                                  [&controller](const std::vector<std::string>& later) {
-                                                                    if (controller != nullptr) controller->open(later);
-                                                                  }});
+  ApplicationInstanceHandlers handlers;
+  handlers.activate = [&controller] {
+    if (controller != nullptr) controller->activate();
+  };
+  handlers.open = [&controller](const std::vector<std::string>& later) {
+    if (controller != nullptr) controller->open(later);
+  };
+  const auto role = platform->applicationInstance().claim(links, handlers);
   if (!role) {
     fmt::print(stderr, "nimbo: {}\n", role.error().message);
     return 1;
@@ -70,10 +73,7 @@ int runClaudeDesktopCheck() {
   const SystemReaders readers = makeSystemReaders();
   const auto accessibility = makeAccessibility();
   const ClaudeDesktopUsage usage(*accessibility, *readers.clock);
-  const auto check = makeClaudeDesktopCheck(usage, userSurroundings().localZone());
-  std::fputs(check.output.c_str(), stdout);
-  std::fputs(check.errorOutput.c_str(), stderr);
-  return check.exitStatus;
+  return print(makeClaudeDesktopCheck(usage, userSurroundings().localZone()));
 }
 
 int run(const std::vector<std::string>& arguments) {

@@ -69,12 +69,11 @@ void SamplingLoop::startTemperatureRead() {
   }
   if (temperatureScanning_) return;
   temperatureScanning_ = true;
-  sources_.temperatureQueue.async([make = sources_.readers.makeTemperatureSensor, &loop = sources_.mainLoop,
-                                   generation = temperatureGeneration_, weak = std::weak_ptr(self_)] {
-    const auto celsius = make()->temperature();
-    loop.post([weak, celsius, generation] {
-      if (const auto self = weak.lock()) (*self)->finishTemperatureRead(celsius, generation);
-    });
+  auto finish = lifetime_.guard([this, generation = temperatureGeneration_](std::optional<double> celsius) {
+    finishTemperatureRead(celsius, generation);
+  });
+  sources_.temperatureQueue.async([make = sources_.readers.makeTemperatureSensor, &loop = sources_.mainLoop, finish] {
+    loop.post([finish, celsius = make()->temperature()] { finish(celsius); });
   });
 }
 
@@ -96,17 +95,13 @@ void SamplingLoop::startProcessScan(Throttle throttle) {
   if (throttle == Throttle::apply && uptime - lastScan_ < static_cast<double>(distance.count())) return;
   scanning_ = true;
   lastScan_ = uptime;
-  sources_.utilityQueue.async([&table = *sources_.readers.processTable, &loop = sources_.mainLoop,
-                               generation = scanGeneration_, weak = std::weak_ptr(self_)] {
-    loop.post([weak, scan = scanProcesses(table), generation]() mutable {
-      if (const auto self = weak.lock()) (*self)->finishProcessScan(std::move(scan), generation);
-    });
+  auto finish = lifetime_.guard([this, generation = scanGeneration_](ProcessScan scan) {
+    scanning_ = false;
+    if (generation == scanGeneration_) callbacks_.processesScanned(std::move(scan));
   });
-}
-
-void SamplingLoop::finishProcessScan(ProcessScan scan, std::uint64_t generation) {
-  scanning_ = false;
-  if (generation == scanGeneration_) callbacks_.processesScanned(std::move(scan));
+  sources_.utilityQueue.async([&table = *sources_.readers.processTable, &loop = sources_.mainLoop, finish] {
+    loop.post([finish, scan = scanProcesses(table)]() mutable { finish(std::move(scan)); });
+  });
 }
 
 void SamplingLoop::forgetTemperature() {

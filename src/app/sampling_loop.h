@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 
+#include "base/lifetime.h"
 #include "platform/platform_services.h"
 #include "settings/settings.h"
 #include "system/process_scan.h"
@@ -65,7 +66,6 @@ class SamplingLoop {
   void readCpu();
   void startTemperatureRead();
   void finishTemperatureRead(std::optional<double> celsius, std::uint64_t generation);
-  void finishProcessScan(ProcessScan scan, std::uint64_t generation);
 
   Sources sources_;
   const Settings& settings_;
@@ -79,8 +79,7 @@ class SamplingLoop {
   bool scanning_ = false;
   std::uint64_t scanGeneration_ = 0;
   double lastScan_ = -std::numeric_limits<double>::infinity();  // seconds of uptime
-  /// Background results reach this object only while it lives.
-  std::shared_ptr<SamplingLoop*> self_ = std::make_shared<SamplingLoop*>(this);
+  Lifetime lifetime_;
 };
 
 }  // namespace nimbo

@@ -4,33 +4,41 @@
 #include <utility>
 
 #include "update/https_url.h"
+#include "update/scheduled_updater.h"
 
 namespace nimbo {
 
-UpdateChecker::UpdateChecker(const BundleInfo& bundle, UpdaterMaker makeUpdater, UpdateWindows& windows)
-    : bundle_(bundle), makeUpdater_(std::move(makeUpdater)), windows_(windows) {}
-
 void UpdateChecker::start() {
-  if (controller_ || !bundle_.feedUrl || !isHttpsUrl(*bundle_.feedUrl) || !bundle_.publicKey) return;
-  controller_ = makeUpdater_({*bundle_.feedUrl, *bundle_.publicKey});
+  const auto& bundle = platform_.bundleInfo();
+  if (updater_ || !bundle.feedUrl || !isHttpsUrl(*bundle.feedUrl) || !bundle.publicKey) return;
+  updater_ = makeUpdater({*bundle.feedUrl, *bundle.publicKey});
+}
+
+std::unique_ptr<Updater> UpdateChecker::makeUpdater(const UpdateFeed& feed) {
+  auto source = platform_.updateSource(feed, windows_);
+  if (auto* const whole = std::get_if<std::unique_ptr<Updater>>(&source)) return std::move(*whole);
+  auto& sessions = std::get<UpdateSessionMaker>(source);
+  if (!sessions) return nullptr;
+  const UpdateSchedule::Services services{platform_.userDefaults(), *platform_.readers().clock, platform_.mainLoop()};
+  return std::make_unique<ScheduledUpdater>(services, windows_, std::move(sessions));
 }
 
 void UpdateChecker::checkForUpdates() {
   start();
-  if (!controller_) {
+  if (!updater_) {
     windows_.show(
         {"Updates aren’t connected yet", "This development build has no signed update feed configured.", {"OK"}}, {});
-  } else if (controller_->canCheckForUpdates()) {
-    controller_->checkForUpdates();
+  } else if (updater_->canCheckForUpdates()) {
+    updater_->checkForUpdates();
   }
 }
 
 bool UpdateChecker::automaticallyChecksForUpdates() const {
-  return controller_ && controller_->automaticallyChecksForUpdates();
+  return updater_ && updater_->automaticallyChecksForUpdates();
 }
 
 void UpdateChecker::toggleAutomaticChecks() {
-  if (controller_) controller_->setAutomaticallyChecksForUpdates(!controller_->automaticallyChecksForUpdates());
+  if (updater_) updater_->setAutomaticallyChecksForUpdates(!updater_->automaticallyChecksForUpdates());
 }
 
 }  // namespace nimbo

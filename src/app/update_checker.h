@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <functional>
 #include <memory>
 
-#include "platform/bundle_info.h"
-#include "platform/updater.h"
+#include "platform/platform_services.h"
 
 namespace nimbo {
 
@@ -13,11 +11,8 @@ namespace nimbo {
 /// are without, and says so when they are asked. Main thread only.
 class UpdateChecker {
  public:
-  /// Null when this system cannot have one.
-  using UpdaterMaker = std::function<std::unique_ptr<Updater>(const UpdateFeed& feed)>;
-
-  /// `bundle` and `windows` outlive it.
-  UpdateChecker(const BundleInfo& bundle, UpdaterMaker makeUpdater, UpdateWindows& windows);
+  /// Both outlive it.
+  UpdateChecker(PlatformServices& platform, UpdateWindows& windows) : platform_(platform), windows_(windows) {}
 
   /// Makes the updater, once; does nothing without a feed and a key.
   void start();
@@ -29,10 +24,11 @@ class UpdateChecker {
   void toggleAutomaticChecks();
 
  private:
-  const BundleInfo& bundle_;
-  UpdaterMaker makeUpdater_;
+  [[nodiscard]] std::unique_ptr<Updater> makeUpdater(const UpdateFeed& feed);
+
+  PlatformServices& platform_;
   UpdateWindows& windows_;
-  std::unique_ptr<Updater> controller_;
+  std::unique_ptr<Updater> updater_;
 };
 
 }  // namespace nimbo

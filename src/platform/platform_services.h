@@ -27,7 +27,7 @@
 #include "platform/temperature_sensor.h"
 #include "platform/termination.h"
 #include "platform/tool_files.h"
-#include "platform/updater.h"
+#include "platform/update_session.h"
 #include "platform/user_defaults.h"
 #include "platform/user_surroundings.h"
 #include "platform/widget_center.h"
@@ -89,8 +89,8 @@ class PlatformServices {
   [[nodiscard]] virtual UsageServices usageServices() = 0;
   [[nodiscard]] virtual LoginItem& loginItem() = 0;
   [[nodiscard]] virtual WidgetCenter& widgetCenter() = 0;
-  /// An updater that has already begun; `windows` outlives it. Null when this system cannot have one.
-  [[nodiscard]] virtual std::unique_ptr<Updater> makeUpdater(const UpdateFeed& feed, UpdateWindows& windows) = 0;
+  /// `windows` outlives what it gives.
+  [[nodiscard]] virtual UpdateSource updateSource(const UpdateFeed& feed, UpdateWindows& windows) = 0;
 };
 
 // Implemented once per operating system.

@@ -37,9 +37,9 @@ void DashboardPanel::show(const std::shared_ptr<StatusItem>& item, std::optional
   window_.show();
   if (visible()) setAnchorHighlighted(true);
   // A bar takes its own highlight away when the click that opened the panel ends.
-  loop_.post([this, alive = std::weak_ptr(alive_)] {
-    if (!alive.expired() && visible()) setAnchorHighlighted(true);
-  });
+  loop_.post(lifetime_.guard([this] {
+    if (visible()) setAnchorHighlighted(true);
+  }));
 }
 
 void DashboardPanel::close() {

@@ -7,6 +7,7 @@
 #include <optional>
 #include <vector>
 
+#include "base/lifetime.h"
 #include "platform/clock.h"
 #include "platform/main_loop.h"
 #include "platform/status_bar.h"
@@ -68,7 +69,7 @@ class DashboardPanel {
 
   std::weak_ptr<StatusItem> closedItem_;
   std::chrono::duration<double> closedAt_{};
-  std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
+  Lifetime lifetime_;
 };
 
 }  // namespace nimbo

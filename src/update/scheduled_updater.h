@@ -3,9 +3,8 @@
 
 #include <memory>
 
-#include "platform/updater.h"
+#include "platform/update_session.h"
 #include "update/update_schedule.h"
-#include "update/update_session.h"
 
 namespace nimbo {
 

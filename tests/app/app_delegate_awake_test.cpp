@@ -97,7 +97,7 @@ TEST_F(AppDelegateAwakeTest, SessionWhoseEndPassedDuringSleepEndsAtWake) {
 TEST_F(AppDelegateAwakeTest, WakeOnBatteryBelowTheFloorEndsTheSession) {
   platform.batteries.onMains(80);
   launch();
-  delegate->quickToggleAwake();
+  toggleAwake();
   platform.power.sleep();
   ASSERT_TRUE(awake().isActive());
   platform.batteries.changeSilently(std::vector{FakePowerSources::battery(kBatteryPower, 5)});
@@ -110,7 +110,7 @@ TEST_F(AppDelegateAwakeTest, WakeOnBatteryBelowTheFloorEndsTheSession) {
 TEST_F(AppDelegateAwakeTest, ChargeThatFallsWithoutAWordEndsTheSessionWithinHalfAMinute) {
   platform.batteries.onBattery(21);
   launch();
-  delegate->quickToggleAwake();
+  toggleAwake();
   platform.loop.advance(10s);
   platform.batteries.changeSilently(std::vector{FakePowerSources::battery(kBatteryPower, 20)});
   ASSERT_TRUE(awake().isActive());
@@ -123,7 +123,7 @@ TEST_F(AppDelegateAwakeTest, RulesOfTheSettingsHoldFromLaunch) {
   settings.setAwakeOnlyOnPower(true);
   platform.batteries.onBattery(90);
   launch();
-  delegate->quickToggleAwake();
+  toggleAwake();
   EXPECT_FALSE(awake().isActive());
   EXPECT_EQ(awake().message(), "Connect the charger to keep this Mac awake.");
 }
@@ -178,16 +178,6 @@ TEST_F(AppDelegateAwakeTest, DisplayChoiceWithoutASessionIsOnlyStored) {
   EXPECT_TRUE(platform.assertions.calls.empty());
   actions().startOrStop();
   EXPECT_TRUE(awake().keepsDisplayOn());
-}
-
-TEST_F(AppDelegateAwakeTest, ToggledDisplayModeIsTheOppositeOfTheStoredOne) {
-  launch();
-  delegate->quickToggleAwake();
-  delegate->toggleDisplayMode();
-  EXPECT_TRUE(awake().keepsDisplayOn());
-  delegate->toggleDisplayMode();
-  EXPECT_FALSE(awake().keepsDisplayOn());
-  EXPECT_FALSE(settings.awakeDisplayOn());
 }
 
 TEST_F(AppDelegateAwakeTest, DisplayIsTurnedOffFromThePage) {
@@ -249,7 +239,7 @@ TEST_F(AppDelegateAwakeTest, MenuKeepsAwakeUntilStoppedWhateverTheStoredLength) 
 TEST_F(AppDelegateAwakeTest, CompactItemTellsOfTheSession) {
   settings.setCompactMenuBar(true);
   launch();
-  delegate->quickToggleAwake();
+  toggleAwake();
   EXPECT_EQ(platform.bar.item("nimbo")->content.toolTip,
             "Nimbo · Resources, AI usage & Keep Awake · Keeping Mac awake");
 }
@@ -258,7 +248,7 @@ TEST_F(AppDelegateAwakeTest, ClosedDashboardCatchesUpWithTheSessionWhenItOpens) 
   launchAndOpen();
   clickItem("nimbo-awake");
   const int renders = window()->renders();
-  delegate->quickToggleAwake();
+  toggleAwake();
   EXPECT_EQ(window()->renders(), renders);
   clickItem("nimbo-awake");
   EXPECT_EQ(page().state.text, "Your Mac is staying awake");
@@ -267,35 +257,9 @@ TEST_F(AppDelegateAwakeTest, ClosedDashboardCatchesUpWithTheSessionWhenItOpens) 
 TEST_F(AppDelegateAwakeTest, SessionAloneAddsNoTimerAndNoSignal) {
   launch();
   const auto timers = platform.loop.repeatingTimers().size();
-  delegate->quickToggleAwake();
+  toggleAwake();
   EXPECT_EQ(platform.loop.repeatingTimers().size(), timers);
   EXPECT_TRUE(platform.loop.wallTimers().empty());
-}
-
-TEST_F(AppDelegateAwakeTest, QuittingWithoutASessionAsksNothing) {
-  bool asked = false;
-  delegate->confirmEndingAwakeSession = [&](const auto&) { asked = true; };
-  launch();
-  delegate->quit();
-  EXPECT_FALSE(asked);
-  EXPECT_TRUE(platform.loop.hasQuit());
-}
-
-TEST_F(AppDelegateAwakeTest, QuittingDuringASessionIsCancelledByARefusal) {
-  delegate->confirmEndingAwakeSession = [](const auto& decided) { decided(false); };
-  launch();
-  delegate->quickToggleAwake();
-  delegate->quit();
-  EXPECT_FALSE(platform.loop.hasQuit());
-  EXPECT_TRUE(awake().isActive());
-}
-
-TEST_F(AppDelegateAwakeTest, QuittingDuringASessionGoesOnWithConsent) {
-  delegate->confirmEndingAwakeSession = [](const auto& decided) { decided(true); };
-  launch();
-  delegate->quickToggleAwake();
-  delegate->quit();
-  EXPECT_TRUE(platform.loop.hasQuit());
 }
 
 TEST_F(AppDelegateAwakeTest, QuitAlertHasItsTextsAndClosesTheDashboard) {
@@ -313,7 +277,7 @@ TEST_F(AppDelegateAwakeTest, QuitAlertHasItsTextsAndClosesTheDashboard) {
 
 TEST_F(AppDelegateAwakeTest, KeepRunningTakesTheAlertAwayAndTheSessionGoesOn) {
   launch();
-  delegate->quickToggleAwake();
+  toggleAwake();
   delegate->quit();
   EXPECT_TRUE(alert()->answer(0));
   EXPECT_EQ(alert(), nullptr);
@@ -325,7 +289,7 @@ TEST_F(AppDelegateAwakeTest, KeepRunningTakesTheAlertAwayAndTheSessionGoesOn) {
 
 TEST_F(AppDelegateAwakeTest, EndSessionAndQuitEndsBoth) {
   launch();
-  delegate->quickToggleAwake();
+  toggleAwake();
   delegate->quit();
   EXPECT_TRUE(alert()->answer(1));
   EXPECT_TRUE(platform.loop.hasQuit());
@@ -335,34 +299,24 @@ TEST_F(AppDelegateAwakeTest, EndSessionAndQuitEndsBoth) {
 
 TEST_F(AppDelegateAwakeTest, QuittingAgainBringsTheAlertToTheFront) {
   launch();
-  delegate->quickToggleAwake();
+  toggleAwake();
   delegate->quit();
   delegate->quit();
   EXPECT_EQ(interface->alerts().size(), 1U);
   EXPECT_EQ(alert()->presents(), 1);
 }
 
-TEST_F(AppDelegateAwakeTest, WhoeverAsksWhileTheAlertStandsIsToldNo) {
-  launch();
-  delegate->quickToggleAwake();
-  std::vector<std::string> answers;
-  delegate->applicationShouldTerminate([&](bool quit) { answers.emplace_back(quit ? "first yes" : "first no"); });
-  delegate->applicationShouldTerminate([&](bool quit) { answers.emplace_back(quit ? "second yes" : "second no"); });
-  EXPECT_TRUE(alert()->answer(1));
-  EXPECT_EQ(answers, (std::vector<std::string>{"second no", "first yes"}));
-}
-
 TEST_F(AppDelegateAwakeTest, WithoutADisplayQuittingDoesNotAsk) {
   hasDisplay = false;
   launch();
-  delegate->quickToggleAwake();
+  toggleAwake();
   delegate->quit();
   EXPECT_TRUE(platform.loop.hasQuit());
 }
 
 TEST_F(AppDelegateAwakeTest, LogOutDuringASessionDoesNotAsk) {
   launch();
-  delegate->quickToggleAwake();
+  toggleAwake();
   platform.terminationRequests.request();
   EXPECT_TRUE(platform.loop.hasQuit());
   EXPECT_EQ(interfacesMade, 0);
@@ -371,7 +325,7 @@ TEST_F(AppDelegateAwakeTest, LogOutDuringASessionDoesNotAsk) {
 TEST_F(AppDelegateAwakeTest, TerminationEndsTheSessionAndWhatItAskedFor) {
   launch();
   awake().start(platform.clock->now() + 1h, false, platform.clock->now());
-  delegate->turnDisplayOff();
+  awake().turnDisplayOff();
   ASSERT_EQ(platform.display.pending(), 1U);
   delegate->applicationWillTerminate();
   EXPECT_EQ(platform.display.pending(), 0U);

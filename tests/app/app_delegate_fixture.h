@@ -33,6 +33,8 @@ class AppDelegateTest : public ::testing::Test {
     platform.loop.runPosted();
   }
 
+  void toggleAwake() { delegate->awakeCommands().toggle(std::nullopt); }
+
   /// Lets the widgets' file be written as often as somebody has asked for it.
   void finishWrites() {
     while (platform.utilities.runOne()) continue;

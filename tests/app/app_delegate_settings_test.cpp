@@ -20,14 +20,14 @@ class AppDelegateSettingsTest : public AppDelegateTest {
   void openSettings() {
     launch();
     delegate->openSettings();
-    ASSERT_NE(preferences(), nullptr);
+    ASSERT_NE(settingsWindow(), nullptr);
   }
-  FakeSettingsWindow* preferences() const {
+  FakeSettingsWindow* settingsWindow() const {
     return interface == nullptr || interface->settingsWindows().empty() ? nullptr : interface->settingsWindows().back();
   }
-  void showPage(SettingsPage page) { ASSERT_TRUE(preferences()->selectTab(static_cast<std::size_t>(page))); }
+  void showPage(SettingsPage page) { ASSERT_TRUE(settingsWindow()->selectTab(static_cast<std::size_t>(page))); }
   bool isOn(const std::string& identifier) const {
-    const auto* const box = preferences()->find<CheckBoxContent>(identifier);
+    const auto* const box = settingsWindow()->find<CheckBoxContent>(identifier);
     return box != nullptr && box->on;
   }
   std::shared_ptr<FakeAlert> alert() const {
@@ -39,11 +39,11 @@ class AppDelegateSettingsTest : public AppDelegateTest {
 
 TEST_F(AppDelegateSettingsTest, WindowIsMadeOnceAndKept) {
   openSettings();
-  EXPECT_TRUE(preferences()->visible());
-  preferences()->close();
+  EXPECT_TRUE(settingsWindow()->visible());
+  settingsWindow()->close();
   delegate->openSettings();
   EXPECT_EQ(interface->settingsWindows().size(), 1U);
-  EXPECT_TRUE(preferences()->visible());
+  EXPECT_TRUE(settingsWindow()->visible());
 }
 
 TEST_F(AppDelegateSettingsTest, OpeningItClosesTheDashboard) {
@@ -51,16 +51,16 @@ TEST_F(AppDelegateSettingsTest, OpeningItClosesTheDashboard) {
   clickItem("nimbo-memory");
   window()->actions().openSettings();
   EXPECT_FALSE(dashboardVisible());
-  EXPECT_TRUE(preferences()->visible());
-  EXPECT_EQ(preferences()->content().tabs.selected, 0U);
+  EXPECT_TRUE(settingsWindow()->visible());
+  EXPECT_EQ(settingsWindow()->content().tabs.selected, 0U);
 }
 
 TEST_F(AppDelegateSettingsTest, ConfiguringSubscriptionsOpensTheirPage) {
   launch();
   clickItem("nimbo-ai");
   window()->actions().usage.configure();
-  EXPECT_TRUE(preferences()->visible());
-  EXPECT_EQ(preferences()->content().tabs.selected, 2U);
+  EXPECT_TRUE(settingsWindow()->visible());
+  EXPECT_EQ(settingsWindow()->content().tabs.selected, 2U);
 }
 
 TEST_F(AppDelegateSettingsTest, WithoutADisplayNothingHappens) {
@@ -75,16 +75,16 @@ TEST_F(AppDelegateSettingsTest, MainMenuHasTheSettingsKey) {
   ASSERT_FALSE(interface->mainMenu().sections.empty());
   const auto& entry = interface->mainMenu().sections.front().entries.front();
   EXPECT_EQ(entry.keyEquivalent, ",");
-  preferences()->close();
+  settingsWindow()->close();
   entry.action();
-  EXPECT_TRUE(preferences()->visible());
+  EXPECT_TRUE(settingsWindow()->visible());
 }
 
 TEST_F(AppDelegateSettingsTest, PresentationMakesTheItemsAnewAtOnce) {
   openSettings();
-  ASSERT_TRUE(preferences()->click("menuAwake"));
+  ASSERT_TRUE(settingsWindow()->click("menuAwake"));
   EXPECT_EQ(platform.bar.identifiers(), (std::vector<std::string>{"nimbo-ai", "nimbo-memory", "nimbo-awake"}));
-  ASSERT_TRUE(preferences()->click("compact"));
+  ASSERT_TRUE(settingsWindow()->click("compact"));
   EXPECT_EQ(platform.bar.identifiers().size(), 1U);
 }
 
@@ -94,7 +94,7 @@ TEST_F(AppDelegateSettingsTest, ItemsShowWhatTheyAreToPresentAtOnce) {
   openSettings();
   const auto item = platform.bar.item("nimbo-ai");
   const std::string before = item->content.toolTip;
-  ASSERT_TRUE(preferences()->choose("providers", 1));
+  ASSERT_TRUE(settingsWindow()->choose("providers", 1));
   EXPECT_NE(item->content.toolTip, before);
   EXPECT_EQ(platform.bar.item("nimbo-ai"), item);
 }
@@ -103,7 +103,7 @@ TEST_F(AppDelegateSettingsTest, AppearanceRedrawsTheItemsAtOnce) {
   openSettings();
   const auto item = platform.bar.item("nimbo-memory");
   const TemplateImage before = item->content.image;
-  ASSERT_TRUE(preferences()->choose("memoryStyle", 1));
+  ASSERT_TRUE(settingsWindow()->choose("memoryStyle", 1));
   EXPECT_NE(item->content.image, before);
 }
 
@@ -115,7 +115,7 @@ TEST_F(AppDelegateSettingsTest, MonitorSwitchedOffLosesItsFiguresAndTheWidgetsLe
   finishWrites();
   platform.widgets.events.clear();
   showPage(SettingsPage::monitors);
-  ASSERT_TRUE(preferences()->click("temperature"));
+  ASSERT_TRUE(settingsWindow()->click("temperature"));
   finishWrites();
   const auto& file = platform.widgets.files.begin()->second;
   EXPECT_NE(file.find(R"("temperatureEnabled":false)"), std::string::npos) << file;
@@ -126,7 +126,7 @@ TEST_F(AppDelegateSettingsTest, TemperatureReadBeforeAChangeOfMonitorsIsDropped)
   settings.setMonitorTemperature(true);
   openSettings();
   showPage(SettingsPage::monitors);
-  ASSERT_TRUE(preferences()->click("cpu"));  // while the first read is still out
+  ASSERT_TRUE(settingsWindow()->click("cpu"));  // while the first read is still out
   ASSERT_TRUE(platform.temperatures.runOne());
   platform.loop.runPosted();
   finishWrites();
@@ -140,7 +140,7 @@ TEST_F(AppDelegateSettingsTest, IntervalRestartsTheTimer) {
   const auto item = platform.bar.item("nimbo-memory");
   const std::string before = item->content.toolTip;
   platform.host->counts = MemoryCounts{.wired = kGibibyte * 4, .active = kGibibyte * 8};
-  ASSERT_TRUE(preferences()->choose("interval", 3));
+  ASSERT_TRUE(settingsWindow()->choose("interval", 3));
   EXPECT_EQ(tickInterval(), 30s);
   EXPECT_NE(item->content.toolTip, before) << "one sample is taken at once";
 }
@@ -148,48 +148,50 @@ TEST_F(AppDelegateSettingsTest, IntervalRestartsTheTimer) {
 TEST_F(AppDelegateSettingsTest, SubscriptionSwitchedOnIsReadAsIfAskedForByHand) {
   openSettings();
   showPage(SettingsPage::usage);
-  ASSERT_TRUE(preferences()->click("codex"));
+  ASSERT_TRUE(settingsWindow()->click("codex"));
   EXPECT_EQ(platform.background.waiting(), 1U);
   EXPECT_NE(platform.bar.item("nimbo-ai")->content.toolTip.find("Refreshing…"), std::string::npos);
   const auto timers = platform.loop.repeatingTimers();
   EXPECT_TRUE(std::ranges::any_of(timers, [](const auto& timer) { return timer.interval == 60s; }))
       << "the user may be asked";
-  ASSERT_TRUE(preferences()->click("codex"));
+  ASSERT_TRUE(settingsWindow()->click("codex"));
   EXPECT_EQ(platform.bar.item("nimbo-ai")->content.toolTip, "AI usage · enable a subscription in Settings");
 }
 
 TEST_F(AppDelegateSettingsTest, BatteryRuleEndsARunningSession) {
   openSettings();
   platform.batteries.onBattery(40);
-  delegate->quickToggleAwake();
+  toggleAwake();
   ASSERT_TRUE(delegate->awake().isActive());
   showPage(SettingsPage::awake);
-  ASSERT_TRUE(preferences()->choose("battery", 4));  // at 50 %
+  ASSERT_TRUE(settingsWindow()->choose("battery", 4));  // at 50 %
   EXPECT_FALSE(delegate->awake().isActive());
 }
 
 TEST_F(AppDelegateSettingsTest, DisplayChoiceReachesARunningSession) {
   openSettings();
-  delegate->quickToggleAwake();
+  toggleAwake();
   showPage(SettingsPage::awake);
-  ASSERT_TRUE(preferences()->click("display"));
+  ASSERT_TRUE(settingsWindow()->click("display"));
   EXPECT_TRUE(settings.awakeDisplayOn());
   EXPECT_EQ(platform.assertions.held().size(), 2U);
 }
 
 TEST_F(AppDelegateSettingsTest, ChoiceMadeOnTheDashboardShowsInTheOpenWindow) {
-  openSettings();
+  launch();
+  clickItem("nimbo-ai");
+  delegate->openSettings();
   EXPECT_FALSE(isOn("display"));
-  delegate->toggleDisplayMode();
+  window()->actions().awake.switchDisplay(true);
   EXPECT_TRUE(isOn("display"));
 }
 
 TEST_F(AppDelegateSettingsTest, LoginIsRegisteredAndUnregistered) {
   openSettings();
-  ASSERT_TRUE(preferences()->click("login"));
+  ASSERT_TRUE(settingsWindow()->click("login"));
   EXPECT_EQ(platform.login.current, LoginItemStatus::enabled);
   EXPECT_TRUE(isOn("login"));
-  ASSERT_TRUE(preferences()->click("login"));
+  ASSERT_TRUE(settingsWindow()->click("login"));
   EXPECT_EQ(platform.login.current, LoginItemStatus::notRegistered);
   EXPECT_FALSE(isOn("login"));
 }
@@ -197,7 +199,7 @@ TEST_F(AppDelegateSettingsTest, LoginIsRegisteredAndUnregistered) {
 TEST_F(AppDelegateSettingsTest, LoginThatWaitsForApprovalOpensTheSystemsPage) {
   platform.login.current = LoginItemStatus::requiresApproval;
   openSettings();
-  ASSERT_TRUE(preferences()->click("login"));
+  ASSERT_TRUE(settingsWindow()->click("login"));
   EXPECT_EQ(platform.login.settingsOpened, 1);
   EXPECT_EQ(platform.login.timesRegistered + platform.login.timesUnregistered, 0);
 }
@@ -205,7 +207,7 @@ TEST_F(AppDelegateSettingsTest, LoginThatWaitsForApprovalOpensTheSystemsPage) {
 TEST_F(AppDelegateSettingsTest, RefusedLoginIsToldWithTheSystemsReason) {
   platform.login.refusal = "Read-only file system";
   openSettings();
-  ASSERT_TRUE(preferences()->click("login"));
+  ASSERT_TRUE(settingsWindow()->click("login"));
   EXPECT_FALSE(isOn("login"));
   ASSERT_NE(alert(), nullptr);
   EXPECT_EQ(alert()->content().title, "Couldn’t update launch at login");
@@ -220,7 +222,7 @@ TEST_F(AppDelegateSettingsTest, RefusedEndOfLoginIsToldAndTheBoxStaysTicked) {
   platform.login.refusal = "Read-only file system";
   openSettings();
   ASSERT_TRUE(isOn("login"));
-  ASSERT_TRUE(preferences()->click("login"));
+  ASSERT_TRUE(settingsWindow()->click("login"));
   EXPECT_EQ(platform.login.timesUnregistered, 1);
   EXPECT_TRUE(isOn("login"));
   ASSERT_NE(alert(), nullptr);
@@ -230,8 +232,8 @@ TEST_F(AppDelegateSettingsTest, RefusedEndOfLoginIsToldAndTheBoxStaysTicked) {
 TEST_F(AppDelegateSettingsTest, DesktopFallbackAsksForTrustBeforeItOpensTheApplication) {
   openSettings();
   showPage(SettingsPage::usage);
-  ASSERT_TRUE(preferences()->press("enableClaudeDesktop"));
-  ASSERT_TRUE(preferences()->press("enableClaudeDesktop"));
+  ASSERT_TRUE(settingsWindow()->press("enableClaudeDesktop"));
+  ASSERT_TRUE(settingsWindow()->press("enableClaudeDesktop"));
   EXPECT_TRUE(platform.desktop.applicationsOpened.empty());
   EXPECT_TRUE(platform.screens->log.empty()) << "the main thread does not wait";
   finishWrites();
@@ -245,10 +247,10 @@ TEST_F(AppDelegateSettingsTest, DesktopFallbackDoesNotWaitForAReadThatIsUnderWay
   settings.setUsageEnabled(UsageProvider::claude, true);
   openSettings();
   showPage(SettingsPage::usage);
-  ASSERT_TRUE(preferences()->press("enableClaudeDesktop"));
+  ASSERT_TRUE(settingsWindow()->press("enableClaudeDesktop"));
   finishWrites();
   EXPECT_EQ(platform.desktop.applicationsOpened, (std::vector<std::string>{"com.anthropic.claudefordesktop"}));
-  ASSERT_TRUE(preferences()->press("enableClaudeDesktop"));
+  ASSERT_TRUE(settingsWindow()->press("enableClaudeDesktop"));
   finishWrites();
   EXPECT_EQ(platform.desktop.applicationsOpened.size(), 2U);
 }
@@ -257,7 +259,7 @@ TEST_F(AppDelegateSettingsTest, MissingDesktopApplicationIsTold) {
   platform.desktop.installed.clear();
   openSettings();
   showPage(SettingsPage::usage);
-  ASSERT_TRUE(preferences()->press("enableClaudeDesktop"));
+  ASSERT_TRUE(settingsWindow()->press("enableClaudeDesktop"));
   finishWrites();
   ASSERT_NE(alert(), nullptr);
   EXPECT_EQ(alert()->content().title, "Claude Desktop couldn’t be opened");
@@ -265,7 +267,7 @@ TEST_F(AppDelegateSettingsTest, MissingDesktopApplicationIsTold) {
 
 TEST_F(AppDelegateSettingsTest, CheckWithoutAFeedSaysSo) {
   openSettings();
-  ASSERT_TRUE(preferences()->press("checkUpdates"));
+  ASSERT_TRUE(settingsWindow()->press("checkUpdates"));
   ASSERT_NE(alert(), nullptr);
   EXPECT_EQ(alert()->content().title, "Updates aren’t connected yet");
   EXPECT_TRUE(platform.updateFeeds.empty());
@@ -276,10 +278,10 @@ TEST_F(AppDelegateSettingsTest, UpdaterOfAConfiguredBuildStartsAtLaunchAndFollow
   platform.bundle.publicKey = "key";
   openSettings();
   ASSERT_EQ(platform.updateFeeds.size(), 1U);
-  ASSERT_TRUE(preferences()->click("updates"));
+  ASSERT_TRUE(settingsWindow()->click("updates"));
   EXPECT_TRUE(platform.updater->automatic);
   EXPECT_TRUE(isOn("updates"));
-  ASSERT_TRUE(preferences()->press("checkUpdates"));
+  ASSERT_TRUE(settingsWindow()->press("checkUpdates"));
   EXPECT_EQ(platform.updater->checks, 1);
 }
 
@@ -287,10 +289,10 @@ TEST_F(AppDelegateSettingsTest, FailedWidgetFileIsToldInTheWindow) {
   platform.widgets.failsToWrite = true;
   openSettings();
   showPage(SettingsPage::monitors);
-  ASSERT_TRUE(preferences()->click("cpu"));
+  ASSERT_TRUE(settingsWindow()->click("cpu"));
   finishWrites();
   bool told = false;
-  for (const auto& control : preferences()->content().pages.front().controls) {
+  for (const auto& control : settingsWindow()->content().pages.front().controls) {
     const auto* const label = std::get_if<LabelContent>(&control);
     told = told || (label != nullptr && label->text.starts_with("Widget sharing unavailable."));
   }

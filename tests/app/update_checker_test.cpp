@@ -3,28 +3,22 @@
 
 #include <gtest/gtest.h>
 
+#include "support/fake_platform_services.h"
 #include "support/fake_update_windows.h"
-#include "support/fake_updater.h"
 
 namespace nimbo {
 namespace {
 
 class UpdateCheckerTest : public ::testing::Test {
  protected:
-  BundleInfo bundle{{}, {}, {}, "https://updates.test/feed.xml", "key", {}};
+  UpdateCheckerTest() {
+    platform.bundle.feedUrl = "https://updates.test/feed.xml";
+    platform.bundle.publicKey = "key";
+  }
+
+  FakePlatformServices platform;
   FakeUpdateWindows windows;
-  std::vector<UpdateFeed> feeds;
-  bool possible = true;
-  FakeUpdater* updater = nullptr;
-  UpdateChecker checker{bundle,
-                        [this](const UpdateFeed& feed) -> std::unique_ptr<Updater> {
-                          feeds.push_back(feed);
-                          if (!possible) return nullptr;
-                          auto made = std::make_unique<FakeUpdater>();
-                          updater = made.get();
-                          return made;
-                        },
-                        windows};
+  UpdateChecker checker{platform, windows};
 
   void expectNotConnected() {
     checker.start();
@@ -35,16 +29,17 @@ class UpdateCheckerTest : public ::testing::Test {
         (std::vector<UpdateNotice>{
             {"Updates aren’t connected yet", "This development build has no signed update feed configured.", {"OK"}}}));
     EXPECT_TRUE(windows.press("OK"));
-    EXPECT_EQ(updater, nullptr);
+    EXPECT_EQ(platform.updater, nullptr);
+    EXPECT_FALSE(checker.automaticallyChecksForUpdates());
   }
 };
 
 TEST_F(UpdateCheckerTest, StartsTheUpdaterWithTheFeedAndTheKeyOfTheBundle) {
   checker.start();
-  ASSERT_EQ(feeds.size(), 1U);
-  EXPECT_EQ(feeds[0].url, "https://updates.test/feed.xml");
-  EXPECT_EQ(feeds[0].publicKey, "key");
-  EXPECT_EQ(updater->checks, 0);
+  ASSERT_EQ(platform.updateFeeds.size(), 1U);
+  EXPECT_EQ(platform.updateFeeds[0].url, "https://updates.test/feed.xml");
+  EXPECT_EQ(platform.updateFeeds[0].publicKey, "key");
+  EXPECT_EQ(platform.updater->checks, 0);
 }
 
 TEST_F(UpdateCheckerTest, UpdaterIsMadeOnlyOnce) {
@@ -52,63 +47,77 @@ TEST_F(UpdateCheckerTest, UpdaterIsMadeOnlyOnce) {
   checker.start();
   checker.checkForUpdates();
   checker.checkForUpdates();
-  EXPECT_EQ(feeds.size(), 1U);
-  EXPECT_EQ(updater->checks, 2);
+  EXPECT_EQ(platform.updateFeeds.size(), 1U);
+  EXPECT_EQ(platform.updater->checks, 2);
   EXPECT_TRUE(windows.notices.empty());
 }
 
 TEST_F(UpdateCheckerTest, CheckStartsTheUpdaterIfNecessary) {
   checker.checkForUpdates();
-  ASSERT_NE(updater, nullptr);
-  EXPECT_EQ(updater->checks, 1);
+  ASSERT_NE(platform.updater, nullptr);
+  EXPECT_EQ(platform.updater->checks, 1);
 }
 
 TEST_F(UpdateCheckerTest, BusyUpdaterIsLeftAlone) {
   checker.start();
-  updater->canCheck = false;
+  platform.updater->canCheck = false;
   checker.checkForUpdates();
-  EXPECT_EQ(updater->checks, 0);
+  EXPECT_EQ(platform.updater->checks, 0);
   EXPECT_TRUE(windows.notices.empty());
 }
 
 TEST_F(UpdateCheckerTest, WithoutAFeedTheUserIsToldWhenAsking) {
-  bundle.feedUrl.reset();
+  platform.bundle.feedUrl.reset();
   expectNotConnected();
-  EXPECT_TRUE(feeds.empty());
+  EXPECT_TRUE(platform.updateFeeds.empty());
 }
 
 TEST_F(UpdateCheckerTest, FeedHasToBeAUrlWhoseSchemeIsExactlyHttps) {
   for (const char* const url : {"http://updates.test/feed.xml", "HTTPS://updates.test/feed.xml",
                                 "https:", "ftp://updates.test", "feed.xml", "https://updates test/"}) {
-    bundle.feedUrl = url;
+    platform.bundle.feedUrl = url;
     windows.notices.clear();
     expectNotConnected();
   }
-  EXPECT_TRUE(feeds.empty());
+  EXPECT_TRUE(platform.updateFeeds.empty());
 }
 
 TEST_F(UpdateCheckerTest, WithoutAKeyThereIsNoUpdater) {
-  bundle.publicKey.reset();
+  platform.bundle.publicKey.reset();
   expectNotConnected();
-  EXPECT_TRUE(feeds.empty());
+  EXPECT_TRUE(platform.updateFeeds.empty());
 }
 
 TEST_F(UpdateCheckerTest, SystemWithoutAnUpdaterIsToldTheSame) {
-  possible = false;
+  platform.updateSessions = UpdateSessionMaker();
   expectNotConnected();
+}
+
+TEST_F(UpdateCheckerTest, WhereTheSystemGivesSessionsTheyBeginOnTheProgramsOwnSchedule) {
+  std::vector<UpdateRequest> requests;
+  platform.updateSessions = [&](UpdateRequest request, const auto& /*finished*/) {
+    requests.push_back(request);
+    return std::unique_ptr<UpdateSession>();
+  };
+  checker.start();
+  checker.toggleAutomaticChecks();
+  EXPECT_EQ(platform.defaults.boolean("SUEnableAutomaticChecks"), true);
+  platform.loop.advance(std::chrono::minutes(1));
+  checker.checkForUpdates();
+  EXPECT_EQ(requests, (std::vector{UpdateRequest::automatic, UpdateRequest::user}));
 }
 
 TEST_F(UpdateCheckerTest, AutomaticFlagIsTheUpdaters) {
   EXPECT_FALSE(checker.automaticallyChecksForUpdates());
   checker.toggleAutomaticChecks();
-  EXPECT_TRUE(feeds.empty()) << "toggling starts nothing";
+  EXPECT_TRUE(platform.updateFeeds.empty()) << "toggling starts nothing";
   checker.start();
   EXPECT_FALSE(checker.automaticallyChecksForUpdates());
   checker.toggleAutomaticChecks();
-  EXPECT_TRUE(updater->automatic);
+  EXPECT_TRUE(platform.updater->automatic);
   EXPECT_TRUE(checker.automaticallyChecksForUpdates());
   checker.toggleAutomaticChecks();
-  EXPECT_FALSE(updater->automatic);
+  EXPECT_FALSE(platform.updater->automatic);
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -160,8 +161,9 @@ class FakePlatformServices final : public PlatformServices {
   }
   [[nodiscard]] LoginItem& loginItem() override { return login; }
   [[nodiscard]] WidgetCenter& widgetCenter() override { return widgets; }
-  [[nodiscard]] std::unique_ptr<Updater> makeUpdater(const UpdateFeed& feed, UpdateWindows& /*windows*/) override {
+  [[nodiscard]] UpdateSource updateSource(const UpdateFeed& feed, UpdateWindows& /*windows*/) override {
     updateFeeds.push_back(feed);
+    if (updateSessions) return *updateSessions;
     auto made = std::make_unique<FakeUpdater>();
     updater = made.get();
     return made;
@@ -201,8 +203,9 @@ class FakePlatformServices final : public PlatformServices {
   FakeWorkQueue background;
   FakeLoginItem login;
   FakeWidgetCenter widgets;
-  std::vector<UpdateFeed> updateFeeds;  ///< that an updater was made for
-  FakeUpdater* updater = nullptr;       ///< the last one made
+  std::vector<UpdateFeed> updateFeeds;               ///< that a source was asked for
+  std::optional<UpdateSessionMaker> updateSessions;  ///< the source instead of an updater
+  FakeUpdater* updater = nullptr;                    ///< the last one made
   UserSurroundings user{"/home/u", "/home/u/.cache", "/usr/bin", {}, {}, [] { return std::string("UTC"); }};
 
  private:

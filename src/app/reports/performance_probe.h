@@ -5,7 +5,7 @@
 #include <functional>
 #include <string>
 
-#include "app/windows/user_interface_maker.h"
+#include "app/windows/toolkit.h"
 #include "platform/platform_services.h"
 
 namespace nimbo {

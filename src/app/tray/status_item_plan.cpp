@@ -4,44 +4,23 @@
 #include <algorithm>
 
 namespace nimbo {
-namespace {
-
-bool contains(const std::vector<DashboardTab>& tabs, DashboardTab tab) {
-  return std::find(tabs.begin(), tabs.end(), tab) != tabs.end();
-}
-
-}  // namespace
-
-StatusItemKind statusItemKind(DashboardTab tab) {
-  switch (tab) {
-    case DashboardTab::ai:
-      return StatusItemKind::ai;
-    case DashboardTab::memory:
-      return StatusItemKind::memory;
-    case DashboardTab::awake:
-      return StatusItemKind::awake;
-  }
-  return StatusItemKind::compact;
-}
 
 StatusItemPlan planStatusItems(const Settings& settings, std::optional<DashboardTab> rotationTab) {
   const auto tabs = settings.menuTabs();
-  if (settings.compactMenuBar() || tabs.empty()) return {{StatusItemKind::compact}, std::nullopt};
+  if (settings.compactMenuBar() || tabs.empty()) return {{std::nullopt}, std::nullopt};
 
   if (settings.menuRotation()) {
-    const bool kept = rotationTab && contains(tabs, *rotationTab);
+    const bool kept = rotationTab && std::ranges::find(tabs, *rotationTab) != tabs.end();
     const DashboardTab tab = kept ? *rotationTab : tabs.front();
-    return {{statusItemKind(tab)}, tab};
+    return {{tab}, tab};
   }
 
-  StatusItemPlan plan;
-  for (const auto tab : tabs) plan.shown.push_back(statusItemKind(tab));
-  return plan;
+  return {{tabs.begin(), tabs.end()}, std::nullopt};
 }
 
 std::optional<DashboardTab> nextRotationTab(const Settings& settings, DashboardTab tab) {
   const auto tabs = settings.menuTabs();
-  const auto found = std::find(tabs.begin(), tabs.end(), tab);
+  const auto found = std::ranges::find(tabs, tab);
   if (tabs.size() < 2 || found == tabs.end()) return std::nullopt;
   return std::next(found) == tabs.end() ? tabs.front() : *std::next(found);
 }

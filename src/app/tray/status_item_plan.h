@@ -9,14 +9,13 @@
 
 namespace nimbo {
 
-enum class StatusItemKind { compact, ai, memory, awake };
-
-[[nodiscard]] StatusItemKind statusItemKind(DashboardTab tab);
+/// The tab that a status item is for; absent for the compact item, which is for the whole program.
+using StatusItemTab = std::optional<DashboardTab>;
 
 /// Which status items should be there.
 struct StatusItemPlan {
   /// In the order in which they are made; never empty, so that the program stays reachable.
-  std::vector<StatusItemKind> shown;
+  std::vector<StatusItemTab> shown;
   /// The tab whose item is shown while one item rotates through the tabs; absent when none does.
   std::optional<DashboardTab> rotationTab;
 

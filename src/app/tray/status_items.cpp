@@ -10,22 +10,10 @@ namespace {
 
 using std::chrono::milliseconds;
 
-std::string identifier(StatusItemKind kind) {
-  switch (kind) {
-    case StatusItemKind::compact:
-      return "nimbo";
-    case StatusItemKind::ai:
-      return "nimbo-ai";
-    case StatusItemKind::memory:
-      return "nimbo-memory";
-    case StatusItemKind::awake:
-      return "nimbo-awake";
-  }
-  return {};
-}
+std::string identifier(StatusItemTab tab) { return tab ? "nimbo-" + std::string(rawValue(*tab)) : "nimbo"; }
 
-bool contains(const std::vector<StatusItemKind>& kinds, StatusItemKind kind) {
-  return std::ranges::find(kinds, kind) != kinds.end();
+bool contains(const std::vector<StatusItemTab>& tabs, StatusItemTab tab) {
+  return std::ranges::find(tabs, tab) != tabs.end();
 }
 
 }  // namespace
@@ -41,39 +29,39 @@ void StatusItems::configure() {
 void StatusItems::updateItems() {
   const StatusItemPlan plan = planStatusItems(settings_, rotationTab_);
   rotationTab_ = plan.rotationTab;
-  std::erase_if(order_, [&](StatusItemKind kind) { return !contains(plan.shown, kind); });
+  std::erase_if(order_, [&](StatusItemTab tab) { return !contains(plan.shown, tab); });
   // Trays line items up as they come, so an item that is to follow another must be made after it.
   const auto stay = std::ranges::mismatch(order_, plan.shown).in1;
   order_.erase(stay, order_.end());
   const auto removed = std::erase_if(items_, [&](const auto& entry) { return !contains(order_, entry.first); });
   if (removed > 0) trackingStatusMenu_ = false;  // a menu goes with its item and does not tell
   refresh();
-  for (const auto kind : plan.shown) {
-    if (items_.contains(kind)) continue;
-    items_[kind].item = statusBar_.makeItem(identifier(kind), callbacks_.content(kind), handlersFor(kind));
+  for (const auto tab : plan.shown) {
+    if (items_.contains(tab)) continue;
+    items_[tab].item = statusBar_.makeItem(identifier(tab), callbacks_.content(tab), handlersFor(tab));
   }
   order_ = plan.shown;
 }
 
-StatusItemHandlers StatusItems::handlersFor(StatusItemKind kind) {
-  return {
-      [this, kind](const StatusClick& click) {
-        trackingStatusMenu_ = false;
-        if (click.anchor) items_[kind].frame = click.anchor;
-        callbacks_.clicked(kind, click);
-      },
-      [this] {
-        trackingStatusMenu_ = true;
-        callbacks_.menuWillOpen();
-        return callbacks_.menu();
-      },
-      [this] { trackingStatusMenu_ = false; },
-      callbacks_.menu,
+StatusItemHandlers StatusItems::handlersFor(StatusItemTab tab) {
+  StatusItemHandlers handlers;
+  handlers.clicked = [this, tab](const StatusClick& click) {
+    trackingStatusMenu_ = false;
+    if (click.anchor) items_[tab].frame = click.anchor;
+    callbacks_.clicked(tab, click);
   };
+  handlers.menuWillOpen = [this] {
+    trackingStatusMenu_ = true;
+    callbacks_.menuWillOpen();
+    return callbacks_.menu();
+  };
+  handlers.menuDidClose = [this] { trackingStatusMenu_ = false; };
+  handlers.menuPreview = callbacks_.menu;
+  return handlers;
 }
 
 void StatusItems::refresh() {
-  for (const auto& [kind, entry] : items_) entry.item->setContent(callbacks_.content(kind));
+  for (const auto& [tab, entry] : items_) entry.item->setContent(callbacks_.content(tab));
 }
 
 void StatusItems::restartRotation() {
@@ -92,26 +80,24 @@ void StatusItems::rotate() {
   updateItems();
 }
 
-std::shared_ptr<StatusItem> StatusItems::item(StatusItemKind kind) const {
-  const auto found = items_.find(kind);
+std::shared_ptr<StatusItem> StatusItems::item(StatusItemTab tab) const {
+  const auto found = items_.find(tab);
   return found == items_.end() ? nullptr : found->second.item;
 }
 
-std::optional<StatusItemKind> StatusItems::firstItem() const {
-  if (items_.empty()) return std::nullopt;
-  return items_.begin()->first;  // the map is ordered as the kinds are
-}
+// The map is ordered as the tabs are, with the compact item first.
+StatusItemTab StatusItems::firstItem() const { return items_.empty() ? std::nullopt : items_.begin()->first; }
 
 std::vector<Rect> StatusItems::knownFrames() const {
   std::vector<Rect> frames;
-  for (const auto& [kind, entry] : items_) {
+  for (const auto& [tab, entry] : items_) {
     if (entry.frame) frames.push_back(*entry.frame);
   }
   return frames;
 }
 
-std::optional<Rect> StatusItems::knownFrame(StatusItemKind kind) const {
-  const auto found = items_.find(kind);
+std::optional<Rect> StatusItems::knownFrame(StatusItemTab tab) const {
+  const auto found = items_.find(tab);
   return found == items_.end() ? std::nullopt : found->second.frame;
 }
 

@@ -19,8 +19,8 @@ namespace nimbo {
 class StatusItems {
  public:
   struct Callbacks {
-    std::function<StatusItemContent(StatusItemKind)> content;
-    std::function<void(StatusItemKind, const StatusClick&)> clicked;
+    std::function<StatusItemContent(StatusItemTab)> content;
+    std::function<void(StatusItemTab, const StatusClick&)> clicked;
     /// The menu as it is now; asked ahead of time too, so it changes nothing.
     std::function<StatusMenu()> menu;
     std::function<void()> menuWillOpen;
@@ -40,12 +40,12 @@ class StatusItems {
 
   [[nodiscard]] std::optional<DashboardTab> rotationTab() const { return rotationTab_; }
   /// Null when there is no such item.
-  [[nodiscard]] std::shared_ptr<StatusItem> item(StatusItemKind kind) const;
+  [[nodiscard]] std::shared_ptr<StatusItem> item(StatusItemTab tab) const;
   /// The item that stands for the whole program: compact, else AI, else memory, else Keep Awake.
-  [[nodiscard]] std::optional<StatusItemKind> firstItem() const;
+  [[nodiscard]] StatusItemTab firstItem() const;
   /// Where the items were when they were last clicked.
   [[nodiscard]] std::vector<Rect> knownFrames() const;
-  [[nodiscard]] std::optional<Rect> knownFrame(StatusItemKind kind) const;
+  [[nodiscard]] std::optional<Rect> knownFrame(StatusItemTab tab) const;
 
  private:
   struct Entry {
@@ -55,14 +55,14 @@ class StatusItems {
 
   void updateItems();
   void rotate();
-  [[nodiscard]] StatusItemHandlers handlersFor(StatusItemKind kind);
+  [[nodiscard]] StatusItemHandlers handlersFor(StatusItemTab tab);
 
   StatusBar& statusBar_;
   MainLoop& mainLoop_;
   const Settings& settings_;
   Callbacks callbacks_;
-  std::map<StatusItemKind, Entry> items_;
-  std::vector<StatusItemKind> order_;  ///< in which they were made
+  std::map<StatusItemTab, Entry> items_;
+  std::vector<StatusItemTab> order_;  ///< in which they were made
   std::optional<DashboardTab> rotationTab_;
   Subscription rotationTimer_;
   bool trackingStatusMenu_ = false;

@@ -57,11 +57,9 @@ WidgetSnapshot WidgetPublisher::snapshot(Time now) const {
 
 void WidgetPublisher::write(WidgetSnapshot snapshot) {
   services_.queue.async([snapshot = std::move(snapshot), appGroup = services_.bundle.appGroup,
-                         &center = services_.center, &loop = services_.mainLoop, weak = std::weak_ptr(self_)] {
-    const bool written = snapshot.write(center, appGroup);
-    loop.post([weak, written] {
-      if (const auto self = weak.lock()) (*self)->finish(written);
-    });
+                         &center = services_.center, &loop = services_.mainLoop,
+                         done = lifetime_.guard([this](bool written) { finish(written); })] {
+    loop.post([done, written = snapshot.write(center, appGroup)] { done(written); });
   });
 }
 

@@ -2,11 +2,11 @@
 #pragma once
 
 #include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 
 #include "app/widgets/widget_snapshot.h"
+#include "base/lifetime.h"
 #include "platform/bundle_info.h"
 #include "platform/clock.h"
 #include "platform/main_loop.h"
@@ -41,8 +41,6 @@ class WidgetPublisher {
 
   /// Without `publishesWidgets` it never does anything. `messageChanged` may be empty.
   WidgetPublisher(Services services, Sources sources, bool publishesWidgets, std::function<void()> messageChanged);
-  WidgetPublisher(const WidgetPublisher&) = delete;
-  WidgetPublisher& operator=(const WidgetPublisher&) = delete;
 
   /// Unforced it does nothing when the widgets would have nothing to show, or too soon after the last
   /// attempt, successful or not.
@@ -65,8 +63,7 @@ class WidgetPublisher {
   std::function<void()> messageChanged_;
   std::optional<Time> lastWidgetWrite_;  // absent before the first
   std::optional<std::string> widgetMessage_;
-  /// Results reach this object only while it lives.
-  std::shared_ptr<WidgetPublisher*> self_ = std::make_shared<WidgetPublisher*>(this);
+  Lifetime lifetime_;
 };
 
 }  // namespace nimbo

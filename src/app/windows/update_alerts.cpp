@@ -8,25 +8,16 @@ namespace nimbo {
 UpdateAlerts::UpdateAlerts(Toolkit& toolkit, MainLoop& loop, std::function<void()> willShow)
     : toolkit_(toolkit), loop_(loop), willShow_(std::move(willShow)) {}
 
-void UpdateAlerts::show(const UpdateNotice& notice, Answer answered) {
+void UpdateAlerts::show(const UpdateNotice& notice, std::function<void(std::size_t button)> answered) {
   dismiss();
-  const std::size_t last = notice.buttons.size() - 1;
-  auto* const interface = toolkit_.interface();
-  if (interface == nullptr) {
-    unseen_ = std::make_shared<Answer>(std::move(answered));
-    loop_.post([weak = std::weak_ptr(unseen_), last] {
-      const auto unseen = weak.lock();
-      if (unseen && *unseen) (*unseen)(last);
-    });
-    return;
-  }
   willShow_();
-  alert_ = interface->showAlert({notice.title, notice.text, notice.buttons, last},
-                                [this, answered = std::move(answered)](std::size_t button) {
-                                  const auto answer = answered;  // goes with the alert
-                                  alert_.reset();
-                                  if (answer) answer(button);
-                                });
+  const auto answer = [answered = std::move(answered)](std::size_t button) {
+    if (answered) answered(button);
+  };
+  const std::size_t last = notice.buttons.size() - 1;
+  if (toolkit_.showAlert(alert_, {notice.title, notice.text, notice.buttons, last}, answer)) return;
+  unseen_.emplace();
+  loop_.post(unseen_->guard([answer, last] { answer(last); }));
 }
 
 void UpdateAlerts::dismiss() {

@@ -3,8 +3,10 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 #include "app/windows/toolkit.h"
+#include "base/lifetime.h"
 #include "platform/main_loop.h"
 #include "platform/updater.h"
 
@@ -21,13 +23,11 @@ class UpdateAlerts final : public UpdateWindows {
   void dismiss() override;
 
  private:
-  using Answer = std::function<void(std::size_t button)>;
-
   Toolkit& toolkit_;
   MainLoop& loop_;
   std::function<void()> willShow_;
   std::unique_ptr<Alert> alert_;
-  std::shared_ptr<Answer> unseen_;  ///< the answer to a notice that could not be shown
+  std::optional<Lifetime> unseen_;  ///< of a notice that could not be shown
 };
 
 }  // namespace nimbo

@@ -42,7 +42,6 @@
 #include "platform/linux/update/update_module.h"
 #include "platform/platform_services.h"
 #include "platform/system_clock.h"
-#include "update/scheduled_updater.h"
 
 namespace nimbo {
 namespace {
@@ -150,11 +149,10 @@ class LinuxPlatformServices final : public PlatformServices {
   }
   [[nodiscard]] LoginItem& loginItem() override { return loginItem_; }
   [[nodiscard]] WidgetCenter& widgetCenter() override { return widgetCenter_; }
-  [[nodiscard]] std::unique_ptr<Updater> makeUpdater(const UpdateFeed& feed, UpdateWindows& windows) override {
+  [[nodiscard]] UpdateSource updateSource(const UpdateFeed& feed, UpdateWindows& windows) override {
     const ProgramVersion installed{bundleInfo_.version.value_or(""), bundleInfo_.shortVersion.value_or("Development")};
     const UpdateSetup setup{{loop_, http_, utilityQueue_, workspace_, windows}, feed, installed};
-    return std::make_unique<ScheduledUpdater>(UpdateSchedule::Services{defaults_, *readers_.clock, loop_}, windows,
-                                              updateSessionFromModule(modules_, setup, {user_.home, folders_.config}));
+    return updateSessionFromModule(modules_, setup, {user_.home, folders_.config});
   }
 
  private:

@@ -28,10 +28,7 @@ void removeUnwanted(const KeptPackage& kept) {
 
 FeedUpdateSession::FeedUpdateSession(UpdateSetup setup, UpdateHost host, UpdateRequest request,
                                      std::function<void()> finished)
-    : setup_(std::move(setup)),
-      host_(std::move(host)),
-      finished_(std::move(finished)),
-      self_(std::make_shared<FeedUpdateSession*>(this)) {
+    : setup_(std::move(setup)), host_(std::move(host)), finished_(std::move(finished)) {
   if (request == UpdateRequest::user) show(update_notices::checking(), &FeedUpdateSession::finish);
   transfer_ = setup_.services.http.get({.url = setup_.feed.url, .headers = {}, .bodyLimit = kMaximumFeedBytes},
                                        [this](const HttpClient::Answer& answer) { feedCame(answer); });
@@ -48,11 +45,7 @@ void FeedUpdateSession::feedCame(const HttpClient::Answer& answer) {
   auto update = chooseUpdate(*items, {setup_.installed.version, host_.architecture, host_.system},
                              [this](const UpdateItem& item) { return isSigned(item, setup_.feed.publicKey); });
   if (!update) return conclude(update_notices::nothing(update.error(), setup_.installed.shortVersion));
-  offer(std::move(*update));
-}
-
-void FeedUpdateSession::offer(UpdateItem item) {
-  item_ = std::move(item);
+  item_ = std::move(*update);
   show(update_notices::available(item_.shortVersion, setup_.installed.shortVersion), &FeedUpdateSession::download);
 }
 
@@ -73,12 +66,11 @@ void FeedUpdateSession::packageCame(HttpClient::Answer answer) {
 
 // On the work queue, because a large package takes a second to read through and longer to write.
 void FeedUpdateSession::keep(std::string package) {
-  setup_.services.queue.async([&loop = setup_.services.loop, weak = std::weak_ptr(self_), item = item_,
-                               save = host_.save, package = std::make_shared<std::string>(std::move(package))] {
-    loop.post([weak, kept = verifyAndSave(item, *package, save)] {
-      const auto self = weak.lock();
-      if (self == nullptr) return removeUnwanted(kept);  // cancelled meanwhile
-      (*self)->packageKept(kept);
+  auto finish = lifetime_.guard([this](const KeptPackage& kept) { packageKept(kept); });
+  setup_.services.queue.async([&loop = setup_.services.loop, finish, item = item_, save = host_.save,
+                               package = std::make_shared<std::string>(std::move(package))] {
+    loop.post([finish, kept = verifyAndSave(item, *package, save)] {
+      if (!finish(kept)) removeUnwanted(kept);  // cancelled meanwhile
     });
   });
 }

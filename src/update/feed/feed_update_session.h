@@ -9,11 +9,12 @@
 #include <string_view>
 #include <system_error>
 
+#include "base/lifetime.h"
 #include "base/result.h"
 #include "base/subscription.h"
+#include "platform/update_session.h"
 #include "update/feed/update_choice.h"
 #include "update/feed/update_item.h"
-#include "update/update_session.h"
 
 namespace nimbo {
 
@@ -48,7 +49,6 @@ class FeedUpdateSession final : public UpdateSession {
   using Step = void (FeedUpdateSession::*)();
 
   void feedCame(const HttpClient::Answer& answer);
-  void offer(UpdateItem item);
   void download();
   void packageCame(HttpClient::Answer answer);
   void keep(std::string package);
@@ -68,7 +68,7 @@ class FeedUpdateSession final : public UpdateSession {
   UpdateItem item_;             // the one that is offered
   std::filesystem::path file_;  // its package, once saved
   Subscription transfer_;
-  std::shared_ptr<FeedUpdateSession*> self_;  // for what comes back from the work queue
+  Lifetime lifetime_;  // for what comes back from the work queue
 };
 
 }  // namespace nimbo

@@ -2,7 +2,6 @@
 #include "update/feed/version_order.h"
 
 #include <algorithm>
-#include <cassert>
 #include <cstddef>
 
 namespace nimbo {
@@ -17,12 +16,6 @@ std::string_view takeNumber(std::string_view& version) {
   return number;
 }
 
-// As text, so that no number is too large.
-std::strong_ordering compareNumbers(std::string_view left, std::string_view right) {
-  if (left.size() != right.size()) return left.size() <=> right.size();
-  return left <=> right;
-}
-
 }  // namespace
 
 bool isVersion(std::string_view text) {
@@ -30,17 +23,16 @@ bool isVersion(std::string_view text) {
          text.find_first_not_of(".0123456789") == std::string_view::npos;
 }
 
-std::strong_ordering compareVersions(std::string_view left, std::string_view right) {
-  assert(isVersion(left) && isVersion(right));
-  while (!left.empty() || !right.empty()) {
-    const auto order = compareNumbers(takeNumber(left), takeNumber(right));
-    if (order != std::strong_ordering::equal) return order;
-  }
-  return std::strong_ordering::equal;
-}
-
 bool isNewerVersion(std::string_view candidate, std::string_view than) {
-  return isVersion(candidate) && isVersion(than) && compareVersions(candidate, than) == std::strong_ordering::greater;
+  if (!isVersion(candidate) || !isVersion(than)) return false;
+  while (!candidate.empty() || !than.empty()) {
+    // As text, so that no number is too large.
+    const auto left = takeNumber(candidate);
+    const auto right = takeNumber(than);
+    if (left.size() != right.size()) return left.size() > right.size();
+    if (left != right) return left > right;
+  }
+  return false;
 }
 
 }  // namespace nimbo

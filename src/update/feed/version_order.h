@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <compare>
 #include <string_view>
 
 namespace nimbo {
@@ -9,10 +8,8 @@ namespace nimbo {
 /// Whether `text` is numbers with dots between them, such as "1.10.2". The numbers may be of any length.
 [[nodiscard]] bool isVersion(std::string_view text);
 
-/// Compares number by number; missing ones count as 0. Both have to be versions.
-[[nodiscard]] std::strong_ordering compareVersions(std::string_view left, std::string_view right);
-
-/// False also when either is no version: what cannot be compared is not newer.
+/// Number by number; missing ones count as 0. False also when either is no version: what cannot be
+/// compared is not newer.
 [[nodiscard]] bool isNewerVersion(std::string_view candidate, std::string_view than);
 
 }  // namespace nimbo

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/reports/claude_desktop_check.h"
+#include "app/reports/console_reports.h"
 
 #include <gtest/gtest.h>
 
@@ -10,7 +10,7 @@ namespace {
 
 class ClaudeDesktopCheckTest : public testing::Test {
  protected:
-  ClaudeDesktopCheck check() { return makeClaudeDesktopCheck(ClaudeDesktopUsage(accessibility, clock), "UTC"); }
+  ConsoleReport check() { return makeClaudeDesktopCheck(ClaudeDesktopUsage(accessibility, clock), "UTC"); }
 
   FakeClock clock;
   FakeAccessibility accessibility{clock};
@@ -25,7 +25,7 @@ TEST_F(ClaudeDesktopCheckTest, ReadingIsPrintedAsOneLineOfJson) {
                     {.title = "All models"},
                     {.title = "12.5% used"}}},
   };
-  const ClaudeDesktopCheck outcome = check();
+  const ConsoleReport outcome = check();
   EXPECT_EQ(outcome.output,
             R"({"windows":[{"title":"5-hour","usedPercent":61.0,"resetsAt":795176813.0},)"
             R"({"title":"Weekly","usedPercent":12.5}],"fetchedAt":795173213.0,"source":"Claude Desktop"})"
@@ -42,7 +42,7 @@ TEST_F(ClaudeDesktopCheckTest, BytesThatAreNotUtf8AreReplaced) {
 
 TEST_F(ClaudeDesktopCheckTest, FailedReadingTellsWhyOnStandardError) {
   accessibility.running = "";
-  const ClaudeDesktopCheck outcome = check();
+  const ConsoleReport outcome = check();
   EXPECT_EQ(outcome.output, "");
   EXPECT_EQ(outcome.errorOutput, "Desktop fallback: open Claude → Settings → Usage, then refresh.\n");
   EXPECT_EQ(outcome.exitStatus, 1);

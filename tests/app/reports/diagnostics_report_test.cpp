@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/reports/diagnostics_report.h"
+#include "app/reports/console_reports.h"
 
 #include <gtest/gtest.h>
 
@@ -25,7 +25,7 @@ class DiagnosticsReportTest : public testing::Test {
                                .fileBacked = kGigabyte * 2};
   }
 
-  DiagnosticsReport make() {
+  ConsoleReport make() {
     SystemSampler sampler(host, clock);
     return makeDiagnosticsReport(sampler, temperature, processes, clock);
   }
@@ -50,7 +50,7 @@ TEST_F(DiagnosticsReportTest, HealthyMachinePrintsEveryLineInOrder) {
   processes.add(17, 345 << 20, "gnome-shell");
   processes.addUnreadable(99);
   processes.onRead = [this] { clock.advance(std::chrono::microseconds(4100)); };
-  const DiagnosticsReport report = make();
+  const ConsoleReport report = make();
   EXPECT_EQ(report.output,
             "Total: 16.0 GB\n"
             "Used: 11.2 GB (70%)\n"
@@ -68,7 +68,7 @@ TEST_F(DiagnosticsReportTest, HealthyMachinePrintsEveryLineInOrder) {
 TEST_F(DiagnosticsReportTest, UnreadableMemoryIsTheOnlyErrorAndStopsTheReport) {
   host.counts.reset();
   processes.add(1, 1, "init");
-  const DiagnosticsReport report = make();
+  const ConsoleReport report = make();
   EXPECT_EQ(report.output, "");
   EXPECT_EQ(report.errorOutput, "Failed to read system memory\n");
   EXPECT_EQ(report.exitStatus, 1);

@@ -11,7 +11,7 @@
 namespace nimbo {
 namespace {
 
-using Kinds = std::vector<StatusItemKind>;
+using Items = std::vector<StatusItemTab>;
 
 class StatusItemPlanTest : public ::testing::Test {
  protected:
@@ -27,47 +27,46 @@ class StatusItemPlanTest : public ::testing::Test {
 };
 
 TEST_F(StatusItemPlanTest, FreshSettingsShowAiAndMemory) {
-  EXPECT_EQ(planStatusItems(settings, {}), (StatusItemPlan{{StatusItemKind::ai, StatusItemKind::memory}, {}}));
+  EXPECT_EQ(planStatusItems(settings, {}), (StatusItemPlan{{DashboardTab::ai, DashboardTab::memory}, {}}));
 }
 
 TEST_F(StatusItemPlanTest, ItemsFollowTheTabOrder) {
   show(true, true, true);
   settings.setTabOrder(std::array{DashboardTab::awake, DashboardTab::memory, DashboardTab::ai});
-  EXPECT_EQ(planStatusItems(settings, {}).shown,
-            (Kinds{StatusItemKind::awake, StatusItemKind::memory, StatusItemKind::ai}));
+  EXPECT_EQ(planStatusItems(settings, {}).shown, (Items{DashboardTab::awake, DashboardTab::memory, DashboardTab::ai}));
 }
 
 TEST_F(StatusItemPlanTest, EverySwitchOffShowsTheCompactItem) {
   show(false, false, false);
-  EXPECT_EQ(planStatusItems(settings, {}), (StatusItemPlan{{StatusItemKind::compact}, {}}));
+  EXPECT_EQ(planStatusItems(settings, {}), (StatusItemPlan{{std::nullopt}, {}}));
 }
 
 TEST_F(StatusItemPlanTest, CompactModeShowsOnlyTheCompactItem) {
   show(true, true, true);
   settings.setCompactMenuBar(true);
-  EXPECT_EQ(planStatusItems(settings, {}).shown, Kinds{StatusItemKind::compact});
+  EXPECT_EQ(planStatusItems(settings, {}).shown, Items{std::nullopt});
 }
 
 TEST_F(StatusItemPlanTest, CompactModeKeepsRotationOff) {
   settings.setCompactMenuBar(true);
   settings.setMenuRotation(true);
-  EXPECT_EQ(planStatusItems(settings, DashboardTab::memory), (StatusItemPlan{{StatusItemKind::compact}, {}}));
+  EXPECT_EQ(planStatusItems(settings, DashboardTab::memory), (StatusItemPlan{{std::nullopt}, {}}));
 }
 
 TEST_F(StatusItemPlanTest, EverySwitchOffKeepsRotationOff) {
   show(false, false, false);
   settings.setMenuRotation(true);
-  EXPECT_EQ(planStatusItems(settings, DashboardTab::memory), (StatusItemPlan{{StatusItemKind::compact}, {}}));
+  EXPECT_EQ(planStatusItems(settings, DashboardTab::memory), (StatusItemPlan{{std::nullopt}, {}}));
 }
 
 TEST_F(StatusItemPlanTest, RotationBeginsWithTheFirstTab) {
   settings.setMenuRotation(true);
-  EXPECT_EQ(planStatusItems(settings, {}), (StatusItemPlan{{StatusItemKind::ai}, DashboardTab::ai}));
+  EXPECT_EQ(planStatusItems(settings, {}), (StatusItemPlan{{DashboardTab::ai}, DashboardTab::ai}));
 }
 
 TEST_F(StatusItemPlanTest, RotationKeepsItsTabWhileThatIsAChoice) {
   settings.setMenuRotation(true);
-  EXPECT_EQ(planStatusItems(settings, DashboardTab::memory).shown, Kinds{StatusItemKind::memory});
+  EXPECT_EQ(planStatusItems(settings, DashboardTab::memory).shown, Items{DashboardTab::memory});
 }
 
 TEST_F(StatusItemPlanTest, RotationLeavesATabThatWasSwitchedOff) {
@@ -78,10 +77,10 @@ TEST_F(StatusItemPlanTest, RotationLeavesATabThatWasSwitchedOff) {
 TEST_F(StatusItemPlanTest, EveryCombinationOfSwitchesShowsExactlyThoseItems) {
   for (int bits = 1; bits < 8; ++bits) {
     show((bits & 1) != 0, (bits & 2) != 0, (bits & 4) != 0);
-    Kinds expected;
-    if ((bits & 1) != 0) expected.push_back(StatusItemKind::ai);
-    if ((bits & 2) != 0) expected.push_back(StatusItemKind::memory);
-    if ((bits & 4) != 0) expected.push_back(StatusItemKind::awake);
+    Items expected;
+    if ((bits & 1) != 0) expected.push_back(DashboardTab::ai);
+    if ((bits & 2) != 0) expected.push_back(DashboardTab::memory);
+    if ((bits & 4) != 0) expected.push_back(DashboardTab::awake);
     EXPECT_EQ(planStatusItems(settings, {}).shown, expected) << bits;
   }
 }

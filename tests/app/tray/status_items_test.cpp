@@ -33,14 +33,14 @@ class StatusItemsTest : public ::testing::Test {
   bool paused = false;
   int menusOpened = 0;
   std::string toolTip = "first";
-  std::vector<StatusItemKind> clicks;
+  std::vector<StatusItemTab> clicks;
   StatusItems items{bar,
                     loop,
                     settings,
-                    {[this](StatusItemKind) {
+                    {[this](StatusItemTab) {
                        return StatusItemContent{{}, {}, toolTip, "Nimbo"};
                      },
-                     [this](StatusItemKind kind, const StatusClick&) { clicks.push_back(kind); },
+                     [this](StatusItemTab tab, const StatusClick&) { clicks.push_back(tab); },
                      [] {
                        return StatusMenu{"Nimbo", {}};
                      },
@@ -114,35 +114,33 @@ TEST_F(StatusItemsTest, ClickIsReportedWithItsItemAndItsPlaceIsKept) {
   items.configure();
   const Rect frame{100, 0, 24, 24};
   bar.click("nimbo-memory", {false, frame});
-  EXPECT_EQ(clicks, std::vector{StatusItemKind::memory});
-  EXPECT_EQ(items.knownFrame(StatusItemKind::memory), frame);
+  EXPECT_EQ(clicks, std::vector<StatusItemTab>{DashboardTab::memory});
+  EXPECT_EQ(items.knownFrame(DashboardTab::memory), frame);
   EXPECT_EQ(items.knownFrames(), std::vector{frame});
-  EXPECT_EQ(items.knownFrame(StatusItemKind::ai), std::nullopt);
+  EXPECT_EQ(items.knownFrame(DashboardTab::ai), std::nullopt);
 }
 
 TEST_F(StatusItemsTest, ClickWithoutAPlaceKeepsTheOldOne) {
   items.configure();
   bar.click("nimbo-memory", {false, Rect{100, 0, 24, 24}});
   bar.click("nimbo-memory", {});
-  EXPECT_TRUE(items.knownFrame(StatusItemKind::memory));
+  EXPECT_TRUE(items.knownFrame(DashboardTab::memory));
 }
 
 TEST_F(StatusItemsTest, CompactItemStandsForTheProgramElseAiElseMemoryElseAwake) {
   settings.setMenuAwake(true);
   items.configure();
-  EXPECT_EQ(items.firstItem(), StatusItemKind::ai);
+  EXPECT_EQ(items.firstItem(), DashboardTab::ai);
   settings.setMenuAi(false);
   items.configure();
-  EXPECT_EQ(items.firstItem(), StatusItemKind::memory);
+  EXPECT_EQ(items.firstItem(), DashboardTab::memory);
   settings.setMenuMemory(false);
   items.configure();
-  EXPECT_EQ(items.firstItem(), StatusItemKind::awake);
+  EXPECT_EQ(items.firstItem(), DashboardTab::awake);
   settings.setCompactMenuBar(true);
   items.configure();
-  EXPECT_EQ(items.firstItem(), StatusItemKind::compact);
+  EXPECT_EQ(items.firstItem(), std::nullopt);
 }
-
-TEST_F(StatusItemsTest, WithoutConfigurationThereIsNoFirstItem) { EXPECT_EQ(items.firstItem(), std::nullopt); }
 
 TEST_F(StatusItemsTest, RotationShowsOneItemAtATimeAndWraps) {
   rotateThroughAll();

@@ -4,7 +4,7 @@
 #include <filesystem>
 
 #include "platform/module_loader.h"
-#include "update/update_session.h"
+#include "platform/update_session.h"
 
 namespace nimbo {
 

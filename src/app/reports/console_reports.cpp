@@ -1,14 +1,16 @@
 // SPDX-License-Identifier: MIT
-#include "app/reports/diagnostics_report.h"
+#include "app/reports/console_reports.h"
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <chrono>
 #include <iterator>
+#include <nlohmann/json.hpp>
+#include <ranges>
 
 #include "base/size_text.h"
 #include "system/process_scan.h"
+#include "usage/usage_json.h"
 
 namespace nimbo {
 namespace {
@@ -30,39 +32,41 @@ void addMemory(std::string& text, const MemorySnapshot& memory) {
 }
 
 void addTemperature(std::string& text, std::optional<double> celsius) {
-  if (celsius) {
-    addLine(text, "CPU temperature: {:.1f}°C (hottest available sensor)", *celsius);
-  } else {
-    addLine(text, "CPU temperature: unavailable");
-  }
+  addLine(text, "CPU temperature: {}",
+          celsius ? fmt::format("{:.1f}°C (hottest available sensor)", *celsius) : "unavailable");
 }
 
 void addProcesses(std::string& text, ProcessTable& processes, const Clock& clock) {
-  constexpr std::size_t kListed = 10;
+  constexpr int kListed = 10;
   const auto before = clock.uptime();
   const ProcessScan scan = scanProcesses(processes);
   const std::chrono::duration<double, std::milli> elapsed = clock.uptime() - before;
 
   addLine(text, "Process scan: {} readable, {} inaccessible/exited, {:.1f} ms", scan.processes.size(), scan.unreadable,
           elapsed.count());
-  for (std::size_t index = 0; index < std::min(kListed, scan.processes.size()); ++index) {
-    const ProcessMemory& process = scan.processes[index];
+  for (const ProcessMemory& process : scan.processes | std::views::take(kListed)) {
     addLine(text, "{}\t{}\t{}", process.pid, footprintText(process.bytes), process.name);
   }
 }
 
 }  // namespace
 
-DiagnosticsReport makeDiagnosticsReport(SystemSampler& sampler, TemperatureSensor& temperature, ProcessTable& processes,
-                                        const Clock& clock) {
+ConsoleReport makeDiagnosticsReport(SystemSampler& sampler, TemperatureSensor& temperature, ProcessTable& processes,
+                                    const Clock& clock) {
   const auto memory = sampler.snapshot();
   if (!memory) return {"", "Failed to read system memory\n", 1};
 
-  DiagnosticsReport report;
+  ConsoleReport report;
   addMemory(report.output, *memory);
   addTemperature(report.output, temperature.temperature());
   addProcesses(report.output, processes, clock);
   return report;
+}
+
+ConsoleReport makeClaudeDesktopCheck(const ClaudeDesktopUsage& usage, std::string_view localZone) {
+  const auto snapshot = usage.read(localZone);
+  if (!snapshot) return {"", snapshot.error().message + '\n', 1};
+  return {compactJsonText(usageJson(*snapshot, DateCoding::secondsSince2001)) + '\n', "", 0};
 }
 
 }  // namespace nimbo

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/windows/user_interface_maker.h"
+#include "app/windows/toolkit.h"
 
 #include <gtest/gtest.h>
 

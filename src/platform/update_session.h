@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <variant>
 
 #include "platform/http_client.h"
 #include "platform/main_loop.h"
@@ -52,5 +53,9 @@ struct UpdateSetup {
   UpdateFeed feed;
   ProgramVersion installed;
 };
+
+/// How a system looks for updates: in sessions that the program begins when it is time, or with an updater
+/// of the system's own that has already begun. Either is null when it cannot look at all.
+using UpdateSource = std::variant<UpdateSessionMaker, std::unique_ptr<Updater>>;
 
 }  // namespace nimbo

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+#include "app/windows/toolkit.h"
+#include "platform/bundle_info.h"
+#include "platform/login_item.h"
+#include "settings/settings.h"
+#include "ui/settings/settings_pages.h"
+#include "ui/settings/settings_window_controller.h"
+
+namespace nimbo {
+
+/// Makes the settings window when it is opened for the first time, and keeps it with its controller from
+/// then on. Main thread.
+class SettingsWindowOpener {
+ public:
+  struct Services {
+    Toolkit& toolkit;
+    Settings& settings;
+    const BundleInfo& bundle;
+    const LoginItem& loginItem;
+  };
+  struct Callbacks {
+    /// Gets the new controller, to answer what it asks for.
+    std::function<void(SettingsWindowController&)> made;
+    /// Tells the controller what it cannot read from the settings.
+    std::function<void(SettingsWindowController&)> update;
+  };
+
+  SettingsWindowOpener(Services services, Callbacks callbacks);
+
+  /// Brings the window to the front, on `page` or else the one it showed last, if there is a display.
+  void open(std::optional<SettingsPage> page);
+  /// Something that the window shows has changed elsewhere; a closed one costs nothing.
+  void update();
+
+ private:
+  Services services_;
+  Callbacks callbacks_;
+  std::unique_ptr<SettingsWindow> window_;
+  std::unique_ptr<SettingsWindowController> controller_;
+};
+
+}  // namespace nimbo
