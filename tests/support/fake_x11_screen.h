@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "platform/linux/display/x11_screen.h"
+#include "platform/linux/display/display_modules.h"
 
 namespace nimbo {
 

@@ -10,7 +10,6 @@
 #include "platform/display_power.h"
 #include "platform/linux/bus/sd_bus_handles.h"
 #include "platform/linux/display/display_modules.h"
-#include "platform/linux/display/x11_screen.h"
 #include "platform/main_loop.h"
 
 namespace nimbo {

@@ -7,7 +7,6 @@
 #include <string>
 
 #include "platform/display_power.h"
-#include "platform/linux/display/x11_screen.h"
 #include "platform/main_loop.h"
 #include "platform/module_loader.h"
 
@@ -17,6 +16,20 @@ namespace nimbo {
 /// for it must not turn it on again.
 inline constexpr std::chrono::milliseconds kPauseBeforeOff{700};
 
+/// The display as an X server has it. Each call waits for the server, but never long. Main thread
+/// only.
+class X11Screen {
+ public:
+  virtual ~X11Screen() = default;
+
+  /// Lets everybody's idle time begin again, as if there had been input. False when the server did
+  /// not do it.
+  [[nodiscard]] virtual bool resetScreenSaver() = 0;
+
+  /// Turns the display off until the next input. False when the server did not do it.
+  [[nodiscard]] virtual bool turnOff() = 0;
+};
+
 /// The one function that the module "nimbo-x11" exports. `display` has the form of DISPLAY.
 using X11ScreenEntry = X11Screen* (*)(const std::string& display);
 inline constexpr const char* kX11ScreenEntryName = "nimboMakeX11Screen";
@@ -25,7 +38,8 @@ inline constexpr const char* kX11ScreenEntryName = "nimboMakeX11Screen";
 using WaylandDisplayEntry = DisplayPower* (*)(MainLoop& loop, const std::string& socket);
 inline constexpr const char* kWaylandDisplayEntryName = "nimboMakeWaylandDisplay";
 
-/// Null outside Wayland sessions, and when that part of the program is not installed.
+// Null outside sessions of their kind, and when that part of the program is not installed.
+using X11ScreenMaker = std::function<std::unique_ptr<X11Screen>()>;
 using WaylandDisplayMaker = std::function<std::unique_ptr<DisplayPower>()>;
 
 // Both load their module when they are first called. An empty address says that this is no such session. What is

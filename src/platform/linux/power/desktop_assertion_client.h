@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "platform/assertion_client.h"
-#include "platform/linux/display/x11_screen.h"
+#include "platform/linux/display/display_modules.h"
 #include "platform/linux/power/inhibitors.h"
 
 namespace nimbo {

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: MIT
-#include "platform/linux/display/display_modules.h"
 #include "platform/linux/display/x11/xcb_screen.h"
 
 extern "C" __attribute__((visibility("default"))) nimbo::X11Screen* nimboMakeX11Screen(const std::string& display) {

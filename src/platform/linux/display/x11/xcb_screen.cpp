@@ -18,18 +18,10 @@ namespace {
 // A server that works needs a millisecond or two.
 constexpr std::chrono::milliseconds kLongestWaitForServer{400};
 
-struct Free {
-  void operator()(void* memory) const { std::free(memory); }
-};
-
 template <class Reply>
-std::unique_ptr<Reply, Free> owned(Reply* reply) {
-  return std::unique_ptr<Reply, Free>(reply);
+std::shared_ptr<Reply> owned(Reply* reply) {
+  return {reply, std::free};
 }
-
-struct Disconnect {
-  void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
-};
 
 bool done(xcb_connection_t* connection, xcb_void_cookie_t request) {
   const auto error = owned(xcb_request_check(connection, request));
@@ -50,10 +42,8 @@ void enable(xcb_connection_t* connection) {
 bool turnOffOn(xcb_connection_t* connection) {
   const auto* const extension = xcb_get_extension_data(connection, &xcb_dpms_id);
   if (extension == nullptr || extension->present == 0) return false;
-  const auto capableRequest = xcb_dpms_capable(connection);
-  const auto infoRequest = xcb_dpms_info(connection);
-  const auto capable = owned(xcb_dpms_capable_reply(connection, capableRequest, nullptr));
-  const auto info = owned(xcb_dpms_info_reply(connection, infoRequest, nullptr));
+  const auto capable = owned(xcb_dpms_capable_reply(connection, xcb_dpms_capable(connection), nullptr));
+  const auto info = owned(xcb_dpms_info_reply(connection, xcb_dpms_info(connection), nullptr));
   if (capable == nullptr || capable->capable == 0 || info == nullptr) return false;
   if (info->state == 0) enable(connection);
   return done(connection, xcb_dpms_force_level_checked(connection, XCB_DPMS_DPMS_MODE_OFF));
@@ -79,7 +69,7 @@ bool XcbScreen::carryOut(Request request) {
   if (outcome_.valid() && outcome_.wait_for(milliseconds::zero()) != std::future_status::ready) return false;
   std::packaged_task<bool()> task([display = display_, request] {
     blockSignals();
-    const std::unique_ptr<xcb_connection_t, Disconnect> connection(xcb_connect(display.c_str(), nullptr));
+    const std::shared_ptr<xcb_connection_t> connection(xcb_connect(display.c_str(), nullptr), xcb_disconnect);
     return xcb_connection_has_error(connection.get()) == 0 && request(connection.get());
   });
   outcome_ = task.get_future();

@@ -4,7 +4,7 @@
 #include <future>
 #include <string>
 
-#include "platform/linux/display/x11_screen.h"
+#include "platform/linux/display/display_modules.h"
 
 struct xcb_connection_t;
 
