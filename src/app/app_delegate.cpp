@@ -15,47 +15,23 @@ AppDelegate::AppDelegate(PlatformServices& platform, UserInterfaceMaker makeUser
     : platform_(platform),
       clock_(*platform.readers().clock),
       settings_(settings),
-      awake_({.mainLoop = platform.mainLoop(),
-              .clock = clock_,
-              .assertionClient = platform.assertionClient(),
-              .powerSources = platform.powerSources(),
-              .displayPower = platform.displayPower()}),
+      awake_(
+          {platform.mainLoop(), clock_, platform.assertionClient(), platform.powerSources(), platform.displayPower()}),
       awakeCommands_(awake_, settings, clock_),
       usage_(platform, settings, [this] { usageChanged(); }),
       toolkit_(platform.mainLoop(), platform.workspace(), std::move(makeUserInterface),
                makeMainMenu({.openSettings = [this] { openSettings(); }, .quit = [this] { quit(); }})),
-      sampling_({.mainLoop = platform.mainLoop(),
-                 .readers = platform.readers(),
-                 .temperatureQueue = platform.temperatureQueue(),
-                 .utilityQueue = platform.utilityQueue()},
-                settings, samplingCallbacks()),
-      widgets_({.bundle = platform.bundleInfo(),
-                .clock = clock_,
-                .center = platform.widgetCenter(),
-                .queue = platform.utilityQueue(),
-                .mainLoop = platform.mainLoop()},
-               {.settings = settings, .readings = sampling_.readings(), .usage = usage_.states()},
-               widgets == Widgets::published, [this] { settingsWindow_.update(); }),
+      sampling_(platform, settings, samplingCallbacks()),
+      widgets_(platform, {settings, sampling_.readings(), usage_.states()}, widgets == Widgets::published,
+               [this] { settingsWindow_.update(); }),
       updateAlerts_(toolkit_, platform.mainLoop(), [this] { dashboard_.close(); }),
       updater_(platform, updateAlerts_),
-      dashboard_({.toolkit = toolkit_,
-                  .mainLoop = platform.mainLoop(),
-                  .clock = clock_,
-                  .dates = platform.dates(),
-                  .workspace = platform.workspace()},
-                 {.settings = settings, .readings = sampling_.readings(), .awake = awake_, .usage = usage_.states()},
-                 dashboardCallbacks()),
+      dashboard_({toolkit_, platform.mainLoop(), clock_, platform.dates(), platform.workspace()},
+                 {settings, sampling_.readings(), awake_, usage_.states()}, dashboardCallbacks()),
       systemRequests_(platform, toolkit_),
-      settingsWindow_({.toolkit = toolkit_,
-                       .settings = settings,
-                       .bundle = platform.bundleInfo(),
-                       .loginItem = platform.loginItem()},
+      settingsWindow_(platform, toolkit_, settings,
                       {.made = [this](SettingsWindowController& window) { wireSettingsWindow(window); },
-                       .update =
-                           [this](SettingsWindowController& window) {
-                             window.setAutomaticUpdates(updater_.automaticallyChecksForUpdates());
-                             window.setWidgetMessage(widgets_.widgetMessage());
-                           }}),
+                       .update = [this](SettingsWindowController& window) { updateSettingsWindow(window); }}),
       quitQuestion_(toolkit_, platform.mainLoop(), awake_, [this] { dashboard_.close(); }),
       statusItems_(platform.statusBar(), platform.mainLoop(), settings, statusItemCallbacks()) {
   awake_.onChange = [this] { awakeChanged(); };
@@ -110,6 +86,12 @@ void AppDelegate::wireSettingsWindow(SettingsWindowController& window) {
     settingsWindow_.update();
   };
   window.onEnableClaudeDesktop = [this] { systemRequests_.openClaudeDesktop(); };
+}
+
+// What it cannot read from the settings.
+void AppDelegate::updateSettingsWindow(SettingsWindowController& window) {
+  window.setAutomaticUpdates(updater_.automaticallyChecksForUpdates());
+  window.setWidgetMessage(widgets_.widgetMessage());
 }
 
 StatusItemContent AppDelegate::contentFor(StatusItemTab tab) const {

@@ -54,6 +54,7 @@ class AppDelegate {
   [[nodiscard]] Dashboard::Callbacks dashboardCallbacks();
   [[nodiscard]] StatusItems::Callbacks statusItemCallbacks();
   void wireSettingsWindow(SettingsWindowController& window);
+  void updateSettingsWindow(SettingsWindowController& window);
   [[nodiscard]] StatusItemContent contentFor(StatusItemTab tab) const;
   [[nodiscard]] StatusMenu statusMenu();
 

@@ -15,17 +15,17 @@ void appendToHistory(std::vector<double>& history, double value) {
   history.push_back(std::clamp(value, 0.0, 1.0));
 }
 
-SamplingLoop::SamplingLoop(Sources sources, const Settings& settings, Callbacks callbacks)
-    : sources_(sources),
+SamplingLoop::SamplingLoop(PlatformServices& platform, const Settings& settings, Callbacks callbacks)
+    : platform_(platform),
       settings_(settings),
       callbacks_(std::move(callbacks)),
-      sampler_(std::make_unique<SystemSampler>(*sources.readers.hostStatistics, *sources.readers.clock)) {}
+      sampler_(std::in_place, *platform.readers().hostStatistics, *platform.readers().clock) {}
 
 void SamplingLoop::startTimer() {
   if (sleeping_) return;
   const seconds interval = settings_.refreshInterval();
   const milliseconds leeway(interval < seconds(5) ? 250 : 1000);
-  timer_ = sources_.mainLoop.every(interval, leeway, [this] { tick(); });
+  timer_ = platform_.mainLoop().every(interval, leeway, [this] { tick(); });
 }
 
 void SamplingLoop::stopTimer() { timer_.reset(); }
@@ -41,24 +41,17 @@ void SamplingLoop::tick() {
 }
 
 void SamplingLoop::readMemory() {
-  if (!settings_.monitorMemory()) {
-    readings_.memory.reset();
-    readings_.memoryFailed = false;
-    readings_.memoryHistory.clear();
-    return;
-  }
-  readings_.memory = sampler_->snapshot();
-  readings_.memoryFailed = !readings_.memory;
+  const bool wanted = settings_.monitorMemory();
+  readings_.memory = wanted ? sampler_->snapshot() : std::nullopt;
+  readings_.memoryFailed = wanted && !readings_.memory;
+  if (!wanted) readings_.memoryHistory.clear();
   if (readings_.memory) appendToHistory(readings_.memoryHistory, readings_.memory->usedFraction());
 }
 
 void SamplingLoop::readCpu() {
-  if (!settings_.monitorCpu()) {
-    readings_.cpu.reset();
-    readings_.cpuHistory.clear();
-    return;
-  }
-  readings_.cpu = sampler_->cpuUsage();
+  const bool wanted = settings_.monitorCpu();
+  readings_.cpu = wanted ? sampler_->cpuUsage() : std::nullopt;
+  if (!wanted) readings_.cpuHistory.clear();
   if (readings_.cpu) appendToHistory(readings_.cpuHistory, *readings_.cpu);
 }
 
@@ -72,9 +65,10 @@ void SamplingLoop::startTemperatureRead() {
   auto finish = lifetime_.guard([this, generation = temperatureGeneration_](std::optional<double> celsius) {
     finishTemperatureRead(celsius, generation);
   });
-  sources_.temperatureQueue.async([make = sources_.readers.makeTemperatureSensor, &loop = sources_.mainLoop, finish] {
-    loop.post([finish, celsius = make()->temperature()] { finish(celsius); });
-  });
+  platform_.temperatureQueue().async(
+      [make = platform_.readers().makeTemperatureSensor, &loop = platform_.mainLoop(), finish] {
+        loop.post([finish, celsius = make()->temperature()] { finish(celsius); });
+      });
 }
 
 void SamplingLoop::finishTemperatureRead(std::optional<double> celsius, std::uint64_t generation) {
@@ -83,14 +77,14 @@ void SamplingLoop::finishTemperatureRead(std::optional<double> celsius, std::uin
   if (!celsius) return;  // the last one stands until there is another
   const bool first = !readings_.temperatureDate;
   readings_.temperature = celsius;
-  readings_.temperatureDate = sources_.readers.clock->now();
+  readings_.temperatureDate = platform_.readers().clock->now();
   if (first) callbacks_.temperatureFound();
   callbacks_.readingsChanged();
 }
 
 void SamplingLoop::startProcessScan(Throttle throttle) {
   if (scanning_ || !settings_.monitorMemory() || !callbacks_.wantsProcesses()) return;
-  const double uptime = sources_.readers.clock->uptime().count();
+  const double uptime = platform_.readers().clock->uptime().count();
   const seconds distance = std::max(seconds(5), settings_.refreshInterval());
   if (throttle == Throttle::apply && uptime - lastScan_ < static_cast<double>(distance.count())) return;
   scanning_ = true;
@@ -99,7 +93,7 @@ void SamplingLoop::startProcessScan(Throttle throttle) {
     scanning_ = false;
     if (generation == scanGeneration_) callbacks_.processesScanned(std::move(scan));
   });
-  sources_.utilityQueue.async([&table = *sources_.readers.processTable, &loop = sources_.mainLoop, finish] {
+  platform_.utilityQueue().async([&table = *platform_.readers().processTable, &loop = platform_.mainLoop(), finish] {
     loop.post([finish, scan = scanProcesses(table)]() mutable { finish(std::move(scan)); });
   });
 }
@@ -127,7 +121,7 @@ void SamplingLoop::didWake() {
   forgetTemperature();
   readings_.memoryHistory.clear();
   readings_.cpuHistory.clear();
-  sampler_ = std::make_unique<SystemSampler>(*sources_.readers.hostStatistics, *sources_.readers.clock);
+  sampler_.emplace(*platform_.readers().hostStatistics, *platform_.readers().clock);
   tick();
   startTimer();
 }

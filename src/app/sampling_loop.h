@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <functional>
 #include <limits>
-#include <memory>
 #include <optional>
 
 #include "base/lifetime.h"
@@ -21,12 +20,6 @@ namespace nimbo {
 /// when they are wanted. What comes back too late (asleep, switched off) is dropped by generation.
 class SamplingLoop {
  public:
-  struct Sources {
-    MainLoop& mainLoop;
-    SystemReaders& readers;
-    WorkQueue& temperatureQueue;
-    WorkQueue& utilityQueue;
-  };
   struct Callbacks {
     /// A tick begins, before anything is read.
     std::function<void()> willTick;
@@ -40,7 +33,8 @@ class SamplingLoop {
   };
   enum class Throttle { apply, ignore };
 
-  SamplingLoop(Sources sources, const Settings& settings, Callbacks callbacks);
+  /// `platform` and `settings` outlive it.
+  SamplingLoop(PlatformServices& platform, const Settings& settings, Callbacks callbacks);
 
   [[nodiscard]] const SystemReadings& readings() const { return readings_; }
 
@@ -67,11 +61,11 @@ class SamplingLoop {
   void startTemperatureRead();
   void finishTemperatureRead(std::optional<double> celsius, std::uint64_t generation);
 
-  Sources sources_;
+  PlatformServices& platform_;
   const Settings& settings_;
   Callbacks callbacks_;
   SystemReadings readings_;
-  std::unique_ptr<SystemSampler> sampler_;
+  std::optional<SystemSampler> sampler_;
   Subscription timer_;
   bool sleeping_ = false;
   bool temperatureScanning_ = false;

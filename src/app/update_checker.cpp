@@ -19,8 +19,11 @@ std::unique_ptr<Updater> UpdateChecker::makeUpdater(const UpdateFeed& feed) {
   if (auto* const whole = std::get_if<std::unique_ptr<Updater>>(&source)) return std::move(*whole);
   auto& sessions = std::get<UpdateSessionMaker>(source);
   if (!sessions) return nullptr;
-  const UpdateSchedule::Services services{platform_.userDefaults(), *platform_.readers().clock, platform_.mainLoop()};
-  return std::make_unique<ScheduledUpdater>(services, windows_, std::move(sessions));
+  const ScheduledUpdater::Services services{.defaults = platform_.userDefaults(),
+                                            .clock = *platform_.readers().clock,
+                                            .loop = platform_.mainLoop(),
+                                            .windows = windows_};
+  return std::make_unique<ScheduledUpdater>(services, std::move(sessions));
 }
 
 void UpdateChecker::checkForUpdates() {

@@ -70,7 +70,7 @@ class PlatformServices {
   [[nodiscard]] virtual MainLoop& mainLoop() = 0;
   [[nodiscard]] virtual Termination& termination() = 0;
   [[nodiscard]] virtual WorkQueue& temperatureQueue() = 0;  ///< serial
-  [[nodiscard]] virtual WorkQueue& utilityQueue() = 0;
+  [[nodiscard]] virtual WorkQueue& utilityQueue() = 0;      ///< serial
   [[nodiscard]] virtual const BundleInfo& bundleInfo() = 0;
   [[nodiscard]] virtual UserDefaults& userDefaults() = 0;  ///< the application's own domain
   [[nodiscard]] virtual UserDefaultsDomains& userDefaultsDomains() = 0;

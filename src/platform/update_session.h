@@ -33,23 +33,18 @@ class UpdateSession {
 using UpdateSessionMaker =
     std::function<std::unique_ptr<UpdateSession>(UpdateRequest request, std::function<void()> finished)>;
 
-/// What a session works with. All outlive it.
-struct UpdateServices {
-  MainLoop& loop;
-  HttpClient& http;
-  WorkQueue& queue;
-  Workspace& workspace;
-  UpdateWindows& windows;
-};
-
 struct ProgramVersion {
   std::string version;       ///< of the build: compared
   std::string shortVersion;  ///< for people
 };
 
-/// What is the same for every session.
+/// What is the same for every session. What it refers to outlives them.
 struct UpdateSetup {
-  UpdateServices services;
+  MainLoop& loop;
+  HttpClient& http;
+  WorkQueue& queue;
+  Workspace& workspace;
+  UpdateWindows& windows;
   UpdateFeed feed;
   ProgramVersion installed;
 };

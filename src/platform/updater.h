@@ -46,7 +46,7 @@ class Updater {
   /// Because the user asked: whatever comes of it is shown.
   virtual void checkForUpdates() = 0;
 
-  /// Kept among the user's preferences.
+  /// Kept among the settings.
   [[nodiscard]] virtual bool automaticallyChecksForUpdates() const = 0;
   virtual void setAutomaticallyChecksForUpdates(bool on) = 0;
 };

@@ -1,35 +1,53 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <chrono>
 #include <memory>
 
+#include "base/subscription.h"
+#include "platform/clock.h"
+#include "platform/main_loop.h"
 #include "platform/update_session.h"
-#include "update/update_schedule.h"
+#include "platform/user_defaults.h"
 
 namespace nimbo {
 
-/// Decides when a session begins, one at a time. What looks and downloads comes from the maker, which is
-/// not asked before the first check.
+/// Looks for updates when the user asks and, for as long as the user wants that, once a day: begins one
+/// session at a time, and keeps the wish and the time of the last check among the settings. Main thread only.
 class ScheduledUpdater final : public Updater {
  public:
-  /// `windows` outlives it.
-  ScheduledUpdater(const UpdateSchedule::Services& services, UpdateWindows& windows, UpdateSessionMaker make);
+  /// They outlive it.
+  struct Services {
+    UserDefaults& defaults;
+    const Clock& clock;
+    MainLoop& loop;
+    UpdateWindows& windows;
+  };
+
+  /// `make` is not asked before the first check.
+  ScheduledUpdater(const Services& services, UpdateSessionMaker make);
 
   /// A check that nobody sees gives way to one that the user asked for.
-  [[nodiscard]] bool canCheckForUpdates() const override;
+  [[nodiscard]] bool canCheckForUpdates() const override { return session_ == nullptr || session_->silent(); }
   void checkForUpdates() override;
 
-  [[nodiscard]] bool automaticallyChecksForUpdates() const override { return schedule_.enabled(); }
-  void setAutomaticallyChecksForUpdates(bool on) override { schedule_.setEnabled(on); }
+  /// Off until the user has switched it on.
+  [[nodiscard]] bool automaticallyChecksForUpdates() const override;
+  void setAutomaticallyChecksForUpdates(bool on) override;
 
  private:
-  void checkIsDue();
-  void begin(UpdateRequest request);
+  using Time = std::chrono::system_clock::time_point;
 
-  UpdateWindows& windows_;
+  void begin(UpdateRequest request);
+  [[nodiscard]] Time nextCheck(Time now) const;
+  void scheduleNext();
+  void scheduleAt(Time when);
+  void checkIsDue();
+
+  Services services_;
   UpdateSessionMaker make_;
-  UpdateSchedule schedule_;
   std::unique_ptr<UpdateSession> session_;
+  Subscription timer_;
 };
 
 }  // namespace nimbo

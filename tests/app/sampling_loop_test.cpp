@@ -23,7 +23,7 @@ class SamplingLoopTest : public ::testing::Test {
 
   std::unique_ptr<SamplingLoop> makeLoop() {
     return std::make_unique<SamplingLoop>(
-        SamplingLoop::Sources{platform.loop, platform.readers(), platform.temperatures, platform.utilities}, settings,
+        platform, settings,
         SamplingLoop::Callbacks{[this] { usedAtTick = readings().memory ? readings().memory->used() : 0; },
                                 [this] { ++changes; }, [this] { changesWhenFound.push_back(changes); },
                                 [this] { return wantsProcesses; },

@@ -3,7 +3,6 @@
 
 #include <vector>
 
-#include "support/fake_update_windows.h"
 #include "update/feed/update_fixture.h"
 
 namespace nimbo {
@@ -37,7 +36,7 @@ struct FakeSession final : UpdateSession {
 class ScheduledUpdaterTest : public UpdateTimeTest {
  protected:
   void start() {
-    updater.emplace(services, windows,
+    updater.emplace(services,
                     [this](UpdateRequest request, std::function<void()> finished) -> std::unique_ptr<UpdateSession> {
                       requests.push_back(request);
                       if (!possible) return nullptr;
@@ -47,7 +46,6 @@ class ScheduledUpdaterTest : public UpdateTimeTest {
                     });
   }
 
-  FakeUpdateWindows windows;
   std::vector<UpdateRequest> requests;
   int alive = 0;
   bool possible = true;

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "update/update_schedule.h"
-
+// When an updater looks unasked.
 #include <limits>
 
 #include "update/feed/update_fixture.h"
@@ -17,16 +16,19 @@ constexpr std::int64_t kDay = 86'400;
 class UpdateScheduleTest : public UpdateTimeTest {
  protected:
   void start() {
-    schedule.emplace(services, [this] { ++due; });
+    updater.emplace(services, [this](UpdateRequest request, const auto& /*finished*/) {
+      if (request == UpdateRequest::automatic) ++due;
+      return std::unique_ptr<UpdateSession>();
+    });
   }
 
-  std::optional<UpdateSchedule> schedule;
+  std::optional<ScheduledUpdater> updater;
   int due = 0;
 };
 
 TEST_F(UpdateScheduleTest, IsOffUntilTheUserWantsItAndCostsNothing) {
   start();
-  EXPECT_FALSE(schedule->enabled());
+  EXPECT_FALSE(updater->automaticallyChecksForUpdates());
   EXPECT_TRUE(loop.wallTimers().empty());
   EXPECT_TRUE(loop.repeatingTimers().empty());
   loop.advance(hours(100));
@@ -34,12 +36,12 @@ TEST_F(UpdateScheduleTest, IsOffUntilTheUserWantsItAndCostsNothing) {
   EXPECT_TRUE(domains.writes.empty());
 }
 
-TEST_F(UpdateScheduleTest, FlagIsKeptAmongThePreferences) {
+TEST_F(UpdateScheduleTest, FlagIsKeptAmongTheSettings) {
   start();
-  schedule->setEnabled(true);
-  EXPECT_TRUE(schedule->enabled());
+  updater->setAutomaticallyChecksForUpdates(true);
+  EXPECT_TRUE(updater->automaticallyChecksForUpdates());
   EXPECT_EQ(defaults.boolean("SUEnableAutomaticChecks"), true);
-  schedule->setEnabled(false);
+  updater->setAutomaticallyChecksForUpdates(false);
   EXPECT_EQ(defaults.boolean("SUEnableAutomaticChecks"), false);
   EXPECT_TRUE(loop.wallTimers().empty());
   loop.advance(hours(100));
@@ -48,7 +50,7 @@ TEST_F(UpdateScheduleTest, FlagIsKeptAmongThePreferences) {
 
 TEST_F(UpdateScheduleTest, FirstCheckComesSoonAfterItWasSwitchedOn) {
   start();
-  schedule->setEnabled(true);
+  updater->setAutomaticallyChecksForUpdates(true);
   loop.advance(seconds(59));
   EXPECT_EQ(due, 0);
   loop.advance(seconds(1));
@@ -93,7 +95,7 @@ TEST_F(UpdateScheduleTest, ACheckForAnyReasonPutsOffTheNext) {
   storeLastCheck(now());
   start();
   loop.advance(hours(23));
-  schedule->checkBegins();
+  updater->checkForUpdates();
   EXPECT_EQ(lastCheck(), now());
   loop.advance(hours(23));
   EXPECT_EQ(due, 0);
@@ -103,7 +105,7 @@ TEST_F(UpdateScheduleTest, ACheckForAnyReasonPutsOffTheNext) {
 
 TEST_F(UpdateScheduleTest, CheckIsNotedAlsoWhileItIsOff) {
   start();
-  schedule->checkBegins();
+  updater->checkForUpdates();
   EXPECT_EQ(lastCheck(), now());
   EXPECT_TRUE(loop.wallTimers().empty());
 }
@@ -150,7 +152,7 @@ TEST_F(UpdateScheduleTest, SwitchedOffByHandItEndsWithTheNextTimer) {
 TEST_F(UpdateScheduleTest, DestroyedItLeavesNoTimer) {
   storeAutomatic(true);
   start();
-  schedule.reset();
+  updater.reset();
   EXPECT_TRUE(loop.wallTimers().empty());
 }
 

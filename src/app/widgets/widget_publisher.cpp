@@ -26,16 +26,16 @@ UsageState stateOf(const UsageStates& states, UsageProvider provider) {
 
 }  // namespace
 
-WidgetPublisher::WidgetPublisher(Services services, Sources sources, bool publishesWidgets,
+WidgetPublisher::WidgetPublisher(PlatformServices& platform, Sources sources, bool publishesWidgets,
                                  std::function<void()> messageChanged)
-    : services_(services),
+    : platform_(platform),
       sources_(sources),
       publishesWidgets_(publishesWidgets),
       messageChanged_(std::move(messageChanged)) {}
 
 void WidgetPublisher::writeWidgetSnapshot(Force force) {
   if (!publishesWidgets_) return;
-  const Time now = services_.clock.now();
+  const Time now = platform_.readers().clock->now();
   if (force == Force::no && (!isDue(now) || !somethingToShow(sources_.settings))) return;
   lastWidgetWrite_ = now;  // before the outcome is known: a failed write waits as long as any other
   write(snapshot(now));
@@ -56,9 +56,9 @@ WidgetSnapshot WidgetPublisher::snapshot(Time now) const {
 }
 
 void WidgetPublisher::write(WidgetSnapshot snapshot) {
-  services_.queue.async([snapshot = std::move(snapshot), appGroup = services_.bundle.appGroup,
-                         &center = services_.center, &loop = services_.mainLoop,
-                         done = lifetime_.guard([this](bool written) { finish(written); })] {
+  platform_.utilityQueue().async([snapshot = std::move(snapshot), appGroup = platform_.bundleInfo().appGroup,
+                                  &center = platform_.widgetCenter(), &loop = platform_.mainLoop(),
+                                  done = lifetime_.guard([this](bool written) { finish(written); })] {
     loop.post([done, written = snapshot.write(center, appGroup)] { done(written); });
   });
 }
@@ -67,7 +67,7 @@ void WidgetPublisher::finish(bool written) {
   auto message = written ? std::nullopt : std::optional<std::string>(kUnavailable);
   if (std::exchange(widgetMessage_, message) != message && messageChanged_) messageChanged_();
   if (!written) return;
-  for (const char* const kind : kWidgetKinds) services_.center.reloadTimelines(kind);
+  for (const char* const kind : kWidgetKinds) platform_.widgetCenter().reloadTimelines(kind);
 }
 
 }  // namespace nimbo

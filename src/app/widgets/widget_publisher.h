@@ -7,11 +7,7 @@
 
 #include "app/widgets/widget_snapshot.h"
 #include "base/lifetime.h"
-#include "platform/bundle_info.h"
-#include "platform/clock.h"
-#include "platform/main_loop.h"
-#include "platform/widget_center.h"
-#include "platform/work_queue.h"
+#include "platform/platform_services.h"
 #include "settings/settings.h"
 #include "system/system_readings.h"
 #include "usage/usage_monitor.h"
@@ -19,18 +15,10 @@
 namespace nimbo {
 
 /// Keeps the widgets' file up to date, at most every five minutes unless forced. The file is written on
-/// the queue, because flushing it can take long; what comes of it is told on the main thread, where all
-/// else happens.
+/// the utility queue, because flushing it can take long, and which is serial, so that the newest snapshot
+/// is written last; what comes of it is told on the main thread, where all else happens.
 class WidgetPublisher {
  public:
-  /// They outlive the jobs of the queue.
-  struct Services {
-    const BundleInfo& bundle;
-    const Clock& clock;
-    WidgetCenter& center;
-    WorkQueue& queue;  ///< serial, so that the newest snapshot is written last
-    MainLoop& mainLoop;
-  };
   /// What is published.
   struct Sources {
     const Settings& settings;
@@ -39,8 +27,10 @@ class WidgetPublisher {
   };
   enum class Force { no, yes };
 
-  /// Without `publishesWidgets` it never does anything. `messageChanged` may be empty.
-  WidgetPublisher(Services services, Sources sources, bool publishesWidgets, std::function<void()> messageChanged);
+  /// `platform` and the sources outlive it. Without `publishesWidgets` it never does anything.
+  /// `messageChanged` may be empty.
+  WidgetPublisher(PlatformServices& platform, Sources sources, bool publishesWidgets,
+                  std::function<void()> messageChanged);
 
   /// Unforced it does nothing when the widgets would have nothing to show, or too soon after the last
   /// attempt, successful or not.
@@ -57,7 +47,7 @@ class WidgetPublisher {
   void write(WidgetSnapshot snapshot);
   void finish(bool written);
 
-  Services services_;
+  PlatformServices& platform_;
   Sources sources_;
   const bool publishesWidgets_;
   std::function<void()> messageChanged_;

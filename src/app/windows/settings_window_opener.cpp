@@ -5,16 +5,17 @@
 
 namespace nimbo {
 
-SettingsWindowOpener::SettingsWindowOpener(Services services, Callbacks callbacks)
-    : services_(services), callbacks_(std::move(callbacks)) {}
+SettingsWindowOpener::SettingsWindowOpener(PlatformServices& platform, Toolkit& toolkit, Settings& settings,
+                                           Callbacks callbacks)
+    : platform_(platform), toolkit_(toolkit), settings_(settings), callbacks_(std::move(callbacks)) {}
 
 void SettingsWindowOpener::open(std::optional<SettingsPage> page) {
-  auto* const interface = services_.toolkit.interface();
+  auto* const interface = toolkit_.interface();
   if (interface == nullptr) return;
   if (!controller_) {
     window_ = interface->makeSettingsWindow();
-    controller_ = std::make_unique<SettingsWindowController>(services_.settings, *window_, services_.bundle,
-                                                             [this] { return services_.loginItem.status(); });
+    controller_ = std::make_unique<SettingsWindowController>(settings_, *window_, platform_.bundleInfo(),
+                                                             [this] { return platform_.loginItem().status(); });
     callbacks_.made(*controller_);
   }
   if (page) controller_->tabChanged(static_cast<std::size_t>(*page));

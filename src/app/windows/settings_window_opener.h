@@ -6,8 +6,7 @@
 #include <optional>
 
 #include "app/windows/toolkit.h"
-#include "platform/bundle_info.h"
-#include "platform/login_item.h"
+#include "platform/platform_services.h"
 #include "settings/settings.h"
 #include "ui/settings/settings_pages.h"
 #include "ui/settings/settings_window_controller.h"
@@ -18,12 +17,6 @@ namespace nimbo {
 /// then on. Main thread.
 class SettingsWindowOpener {
  public:
-  struct Services {
-    Toolkit& toolkit;
-    Settings& settings;
-    const BundleInfo& bundle;
-    const LoginItem& loginItem;
-  };
   struct Callbacks {
     /// Gets the new controller, to answer what it asks for.
     std::function<void(SettingsWindowController&)> made;
@@ -31,7 +24,8 @@ class SettingsWindowOpener {
     std::function<void(SettingsWindowController&)> update;
   };
 
-  SettingsWindowOpener(Services services, Callbacks callbacks);
+  /// What it is given outlives it.
+  SettingsWindowOpener(PlatformServices& platform, Toolkit& toolkit, Settings& settings, Callbacks callbacks);
 
   /// Brings the window to the front, on `page` or else the one it showed last, if there is a display.
   void open(std::optional<SettingsPage> page);
@@ -39,7 +33,9 @@ class SettingsWindowOpener {
   void update();
 
  private:
-  Services services_;
+  PlatformServices& platform_;
+  Toolkit& toolkit_;
+  Settings& settings_;
   Callbacks callbacks_;
   std::unique_ptr<SettingsWindow> window_;
   std::unique_ptr<SettingsWindowController> controller_;

@@ -151,7 +151,7 @@ class LinuxPlatformServices final : public PlatformServices {
   [[nodiscard]] WidgetCenter& widgetCenter() override { return widgetCenter_; }
   [[nodiscard]] UpdateSource updateSource(const UpdateFeed& feed, UpdateWindows& windows) override {
     const ProgramVersion installed{bundleInfo_.version.value_or(""), bundleInfo_.shortVersion.value_or("Development")};
-    const UpdateSetup setup{{loop_, http_, utilityQueue_, workspace_, windows}, feed, installed};
+    const UpdateSetup setup{loop_, http_, utilityQueue_, workspace_, windows, feed, installed};
     return updateSessionFromModule(modules_, setup, {user_.home, folders_.config});
   }
 

@@ -15,8 +15,8 @@ constexpr int kOk = 200;
 constexpr std::chrono::minutes kLongestDownload{30};
 
 KeptPackage verifyAndSave(const UpdateItem& item, const std::string& package, const PackageSaver& save) {
-  if (!describes(item, package)) return tl::unexpected(std::optional<std::error_code>());
-  return save(packageFileName(item), package).map_error([](std::error_code error) { return std::optional(error); });
+  if (!describes(item, package)) return tl::unexpected(std::string(update_notices::kWrongPackage));
+  return save(packageFileName(item), package).map_error(update_notices::notSaved);
 }
 
 void removeUnwanted(const KeptPackage& kept) {
@@ -30,18 +30,20 @@ FeedUpdateSession::FeedUpdateSession(UpdateSetup setup, UpdateHost host, UpdateR
                                      std::function<void()> finished)
     : setup_(std::move(setup)), host_(std::move(host)), finished_(std::move(finished)) {
   if (request == UpdateRequest::user) show(update_notices::checking(), &FeedUpdateSession::finish);
-  transfer_ = setup_.services.http.get({.url = setup_.feed.url, .headers = {}, .bodyLimit = kMaximumFeedBytes},
-                                       [this](const HttpClient::Answer& answer) { feedCame(answer); });
+  transfer_ = setup_.http.get({.url = setup_.feed.url, .headers = {}, .bodyLimit = kMaximumFeedBytes},
+                              [this](const HttpClient::Answer& answer) { feedCame(answer); });
 }
 
 FeedUpdateSession::~FeedUpdateSession() {
-  if (!silent_) setup_.services.windows.dismiss();
+  if (!silent_) setup_.windows.dismiss();
 }
 
 void FeedUpdateSession::feedCame(const HttpClient::Answer& answer) {
-  if (!answer && answer.error() == HttpFailure::unreachable) return conclude(update_notices::unreachableFeed());
+  if (!answer && answer.error() == HttpFailure::unreachable) {
+    return conclude(update_notices::failedCheck(update_notices::kUnreachable));
+  }
   const auto items = answer && answer->status == kOk ? parseUpdateFeed(answer->body) : std::nullopt;
-  if (!items) return conclude(update_notices::unreadableFeed());
+  if (!items) return conclude(update_notices::failedCheck(update_notices::kNoFeed));
   auto update = chooseUpdate(*items, {setup_.installed.version, host_.architecture, host_.system},
                              [this](const UpdateItem& item) { return isSigned(item, setup_.feed.publicKey); });
   if (!update) return conclude(update_notices::nothing(update.error(), setup_.installed.shortVersion));
@@ -51,24 +53,22 @@ void FeedUpdateSession::feedCame(const HttpClient::Answer& answer) {
 
 void FeedUpdateSession::download() {
   show(update_notices::downloading(item_.shortVersion), &FeedUpdateSession::finish);
-  transfer_ = setup_.services.http.get(
-      {.url = item_.url, .headers = {}, .wholeLimit = kLongestDownload, .bodyLimit = item_.length},
-      [this](HttpClient::Answer answer) { packageCame(std::move(answer)); });
+  transfer_ =
+      setup_.http.get({.url = item_.url, .headers = {}, .wholeLimit = kLongestDownload, .bodyLimit = item_.length},
+                      [this](HttpClient::Answer answer) { packageCame(std::move(answer)); });
 }
 
 void FeedUpdateSession::packageCame(HttpClient::Answer answer) {
-  if (!answer && answer.error() == HttpFailure::unreachable) {
-    return conclude(update_notices::unreachablePackage(item_.shortVersion));
-  }
-  if (!answer || answer->status != kOk) return conclude(update_notices::missingPackage(item_.shortVersion));
+  if (!answer && answer.error() == HttpFailure::unreachable) return concludeDownload(update_notices::kUnreachable);
+  if (!answer || answer->status != kOk) return concludeDownload(update_notices::kNoPackage);
   keep(std::move(answer->body));
 }
 
 // On the work queue, because a large package takes a second to read through and longer to write.
 void FeedUpdateSession::keep(std::string package) {
   auto finish = lifetime_.guard([this](const KeptPackage& kept) { packageKept(kept); });
-  setup_.services.queue.async([&loop = setup_.services.loop, finish, item = item_, save = host_.save,
-                               package = std::make_shared<std::string>(std::move(package))] {
+  setup_.queue.async([&loop = setup_.loop, finish, item = item_, save = host_.save,
+                      package = std::make_shared<std::string>(std::move(package))] {
     loop.post([finish, kept = verifyAndSave(item, *package, save)] {
       if (!finish(kept)) removeUnwanted(kept);  // cancelled meanwhile
     });
@@ -76,26 +76,27 @@ void FeedUpdateSession::keep(std::string package) {
 }
 
 void FeedUpdateSession::packageKept(const KeptPackage& kept) {
-  const std::string& version = item_.shortVersion;
-  if (!kept && !kept.error()) return conclude(update_notices::wrongPackage(version));
-  if (!kept) return conclude(update_notices::unsavedPackage(version, *kept.error()));
+  if (!kept) return concludeDownload(kept.error());
   file_ = *kept;
-  show(update_notices::ready(version), &FeedUpdateSession::reveal);
+  show(update_notices::ready(item_.shortVersion), &FeedUpdateSession::reveal);
 }
 
 void FeedUpdateSession::reveal() {
-  setup_.services.workspace.revealFile(file_);
+  setup_.workspace.revealFile(file_);
   finish();
 }
 
 void FeedUpdateSession::show(const UpdateNotice& notice, Step first) {
   silent_ = false;
-  setup_.services.windows.show(notice,
-                               [this, first](std::size_t button) { button == 0 ? (this->*first)() : finish(); });
+  setup_.windows.show(notice, [this, first](std::size_t button) { button == 0 ? (this->*first)() : finish(); });
 }
 
 void FeedUpdateSession::conclude(const UpdateNotice& notice) {
   silent_ ? finish() : show(notice, &FeedUpdateSession::finish);
+}
+
+void FeedUpdateSession::concludeDownload(const std::string& reason) {
+  conclude(update_notices::failedDownload(item_.shortVersion, reason));
 }
 
 void FeedUpdateSession::finish() {

@@ -4,7 +4,6 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -23,8 +22,8 @@ namespace nimbo {
 using PackageSaver =
     std::function<Result<std::filesystem::path, std::error_code>(const std::string& name, std::string_view package)>;
 
-/// Where a package has been saved, or why not: without a reason when it is not the one that was promised.
-using KeptPackage = Result<std::filesystem::path, std::optional<std::error_code>>;
+/// Where a package has been saved, or why not, in words for the user.
+using KeptPackage = Result<std::filesystem::path, std::string>;
 
 /// What is particular to the system that updates are for.
 struct UpdateHost {
@@ -59,6 +58,7 @@ class FeedUpdateSession final : public UpdateSession {
   void show(const UpdateNotice& notice, Step first);
   /// The last notice, shown unless nobody has seen one so far.
   void conclude(const UpdateNotice& notice);
+  void concludeDownload(const std::string& reason);
   void finish();
 
   const UpdateSetup setup_;

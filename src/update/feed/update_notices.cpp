@@ -2,18 +2,6 @@
 #include "update/feed/update_notices.h"
 
 namespace nimbo::update_notices {
-namespace {
-
-constexpr const char* kUnreachable = "The update server can’t be reached. Check the internet connection and try again.";
-
-UpdateNotice failedCheck(const std::string& reason) { return {"Couldn’t check for updates", reason, {"OK"}}; }
-
-UpdateNotice failedDownload(const std::string& version, const std::string& reason) {
-  return {"Couldn’t download Nimbo " + version, reason, {"OK"}};
-}
-
-}  // namespace
-
 UpdateNotice checking() { return {"Checking for updates…", "", {"Cancel"}}; }
 
 UpdateNotice available(const std::string& version, const std::string& installed) {
@@ -39,22 +27,14 @@ UpdateNotice nothing(NoUpdate why, const std::string& installed) {
   return {"You’re up to date", "Nimbo " + installed + " is the newest version" + scope, {"OK"}};
 }
 
-UpdateNotice unreachableFeed() { return failedCheck(kUnreachable); }
+UpdateNotice failedCheck(const std::string& reason) { return {"Couldn’t check for updates", reason, {"OK"}}; }
 
-UpdateNotice unreadableFeed() { return failedCheck("The update server’s answer isn’t a list of updates."); }
-
-UpdateNotice unreachablePackage(const std::string& version) { return failedDownload(version, kUnreachable); }
-
-UpdateNotice missingPackage(const std::string& version) {
-  return failedDownload(version, "The update server didn’t send it. Try again later.");
+UpdateNotice failedDownload(const std::string& version, const std::string& reason) {
+  return {"Couldn’t download Nimbo " + version, reason, {"OK"}};
 }
 
-UpdateNotice wrongPackage(const std::string& version) {
-  return failedDownload(version, "The downloaded update was damaged or isn’t genuine. Nothing was changed.");
-}
-
-UpdateNotice unsavedPackage(const std::string& version, std::error_code why) {
-  return failedDownload(version, "It couldn’t be saved in your Downloads folder: " + why.message() + ".");
+std::string notSaved(std::error_code why) {
+  return "It couldn’t be saved in your Downloads folder: " + why.message() + ".";
 }
 
 }  // namespace nimbo::update_notices

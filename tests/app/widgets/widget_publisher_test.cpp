@@ -5,11 +5,7 @@
 
 #include <memory>
 
-#include "support/fake_clock.h"
-#include "support/fake_main_loop.h"
-#include "support/fake_user_defaults.h"
-#include "support/fake_widget_center.h"
-#include "support/fake_work_queue.h"
+#include "support/fake_platform_services.h"
 #include "support/services/widget_snapshot_reader.h"
 
 namespace nimbo {
@@ -29,11 +25,14 @@ const Events kPublished{"write /groups/T.group/usage-snapshot.json", "reload com
 
 class WidgetPublisherTest : public ::testing::Test {
  protected:
-  WidgetPublisherTest() { publisher = makePublisher(true); }
+  WidgetPublisherTest() {
+    bundle.appGroup = "T.group";
+    publisher = makePublisher(true);
+  }
 
   std::unique_ptr<WidgetPublisher> makePublisher(bool publishesWidgets) {
-    return std::make_unique<WidgetPublisher>(WidgetPublisher::Services{bundle, clock, center, queue, loop},
-                                             WidgetPublisher::Sources{settings, readings, usage}, publishesWidgets,
+    return std::make_unique<WidgetPublisher>(platform, WidgetPublisher::Sources{settings, readings, usage},
+                                             publishesWidgets,
                                              [this] { messages.push_back(publisher->widgetMessage().value_or("")); });
   }
 
@@ -62,14 +61,13 @@ class WidgetPublisherTest : public ::testing::Test {
     for (const auto provider : kAllUsageProviders) settings.setUsageEnabled(provider, false);
   }
 
-  BundleInfo bundle{.identifier{}, .shortVersion{}, .version{}, .feedUrl{}, .publicKey{}, .appGroup = "T.group"};
-  FakeClock clock;
-  FakeMainLoop loop;
-  FakeWorkQueue queue;
-  FakeWidgetCenter center;
-  FakeUserDefaultsDomains domains;
-  FakeUserDefaults defaults{domains, "com.quellwerk.Nimbo"};
-  Settings settings{defaults};
+  FakePlatformServices platform;
+  BundleInfo& bundle = platform.bundle;
+  FakeClock& clock = *platform.clock;
+  FakeMainLoop& loop = platform.loop;
+  FakeWorkQueue& queue = platform.utilities;
+  FakeWidgetCenter& center = platform.widgets;
+  Settings settings{platform.defaults};
   SystemReadings readings;
   UsageStates usage;
   Events messages;  ///< the message at each change, empty when it went
@@ -281,7 +279,7 @@ TEST_F(WidgetPublisherTest, ResultAfterItsEndIsDropped) {
 TEST_F(WidgetPublisherTest, NobodyNeedsToHearOfTheMessage) {
   settings.setMonitorTemperature(true);
   center.failsToWrite = true;
-  WidgetPublisher quiet({bundle, clock, center, queue, loop}, {settings, readings, usage}, true, nullptr);
+  WidgetPublisher quiet(platform, {settings, readings, usage}, true, nullptr);
   quiet.writeWidgetSnapshot(Force::no);
   finish();
   EXPECT_EQ(quiet.widgetMessage(), kUnavailable);

@@ -28,7 +28,7 @@ class FeedUpdateSessionTest : public ::testing::Test {
       return downloads.write(name, package);
     };
     session = std::make_unique<FeedUpdateSession>(
-        UpdateSetup{{loop, http, queue, workspace, windows}, {kFeedUrl, publisher.publicKey()}, {"1.0", "One"}},
+        UpdateSetup{loop, http, queue, workspace, windows, {kFeedUrl, publisher.publicKey()}, {"1.0", "One"}},
         UpdateHost{"amd64", "2.36", save}, request, [this] {
           ++finished;
           session.reset();

@@ -9,12 +9,13 @@
 
 #include "support/fake_clock.h"
 #include "support/fake_main_loop.h"
+#include "support/fake_update_windows.h"
 #include "support/fake_user_defaults.h"
-#include "update/update_schedule.h"
+#include "update/scheduled_updater.h"
 
 namespace nimbo {
 
-/// Time and preferences; the clock follows the loop.
+/// Time, settings and windows; the clock follows the loop.
 class UpdateTimeTest : public ::testing::Test {
  protected:
   UpdateTimeTest() {
@@ -38,7 +39,8 @@ class UpdateTimeTest : public ::testing::Test {
   FakeMainLoop loop;
   FakeUserDefaultsDomains domains;
   FakeUserDefaults defaults{domains, "com.quellwerk.Nimbo"};
-  UpdateSchedule::Services services{defaults, clock, loop};
+  FakeUpdateWindows windows;
+  ScheduledUpdater::Services services{defaults, clock, loop, windows};
 };
 
 }  // namespace nimbo

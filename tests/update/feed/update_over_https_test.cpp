@@ -49,8 +49,8 @@ class UpdateOverHttps : public HttpClientTest {
   void check(const std::string& feedAnswer) {
     updater.reset();
     const UpdateSetup setup{
-        {loop, client, queue, workspace, windows}, {server.url(feedAnswer), publisher.publicKey()}, {"1.0", "1.0"}};
-    updater.emplace(UpdateSchedule::Services{defaults, clock, loop}, windows,
+        loop, client, queue, workspace, windows, {server.url(feedAnswer), publisher.publicKey()}, {"1.0", "1.0"}};
+    updater.emplace(ScheduledUpdater::Services{defaults, clock, loop, windows},
                     updateSessionFromModule(modules, setup, {tree.path() / "home", tree.path() / "config"}));
     updater->checkForUpdates();
     ASSERT_EQ(windows.title(), "Checking for updates…");
@@ -209,8 +209,8 @@ TEST_F(UpdateOverHttps, PackagesThatAreNotThePromisedOneAreNotKept) {
 
 TEST_F(UpdateOverHttps, CancellingLeavesTheServerAtOnce) {
   const std::string url = server.url("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\n", "silence");
-  const UpdateSetup setup{{loop, client, queue, workspace, windows}, {url, publisher.publicKey()}, {"1.0", "1.0"}};
-  updater.emplace(UpdateSchedule::Services{defaults, clock, loop}, windows,
+  const UpdateSetup setup{loop, client, queue, workspace, windows, {url, publisher.publicKey()}, {"1.0", "1.0"}};
+  updater.emplace(ScheduledUpdater::Services{defaults, clock, loop, windows},
                   updateSessionFromModule(modules, setup, {tree.path(), tree.path()}));
   updater->checkForUpdates();
   ASSERT_TRUE(runUntil([this] { return server.requests() == 1; }));
@@ -221,7 +221,7 @@ TEST_F(UpdateOverHttps, CancellingLeavesTheServerAtOnce) {
 
 TEST_F(UpdateOverHttps, WithoutTheModuleThereIsNoSession) {
   DlModuleLoader nothing("/nonexistent");
-  const UpdateSetup setup{{loop, client, queue, workspace, windows}, {"https://localhost/", ""}, {}};
+  const UpdateSetup setup{loop, client, queue, workspace, windows, {"https://localhost/", ""}, {}};
   EXPECT_EQ(updateSessionFromModule(nothing, setup, {})(UpdateRequest::user, [] {}), nullptr);
 }
 

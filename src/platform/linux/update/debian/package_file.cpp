@@ -15,10 +15,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int kMostNames = 100;
+constexpr int kNamesTried = 100;
 
-/// Another name for the file, which must be nobody's.
-std::error_code giveName(const std::string& file, const fs::path& name) {
+/// Renames the file, unless there is one of that name already.
+std::error_code renameToFree(const std::string& file, const fs::path& name) {
   if (::renameat2(AT_FDCWD, file.c_str(), AT_FDCWD, name.c_str(), RENAME_NOREPLACE) == 0) return {};
   // Network file systems cannot; but they can give a file a second name.
   if (errno != EINVAL && errno != ENOSYS) return lastError();
@@ -40,9 +40,9 @@ Result<fs::path, std::error_code> savePackage(const fs::path& folder, const std:
   if (error) return tl::unexpected(error);
   const auto hidden = writeTemporaryFile(folder / name, package);
   if (!hidden) return tl::unexpected(hidden.error());
-  for (int number = 0; number < kMostNames; ++number) {
+  for (int number = 0; number < kNamesTried; ++number) {
     const fs::path file = folder / numbered(name, number);
-    error = giveName(hidden->get(), file);
+    error = renameToFree(hidden->get(), file);
     if (!error) return file;
     if (error != std::errc::file_exists) break;
   }
