@@ -7,6 +7,8 @@
 #include <string_view>
 #include <utility>
 
+#include "base/text.h"
+
 namespace nimbo {
 namespace {
 
@@ -18,16 +20,7 @@ constexpr std::array kFlags{
     std::pair{"--profile"sv, LaunchMode::profile},
 };
 
-// Not std::tolower, whose answer depends on the locale.
-bool equalIgnoringCase(char character, char lowercase) {
-  return character == lowercase || (character >= 'A' && character <= 'Z' && character - 'A' + 'a' == lowercase);
-}
-
-bool isLink(std::string_view argument) {
-  constexpr std::string_view kScheme = "nimbo:";
-  const std::string_view head = argument.substr(0, kScheme.size());
-  return std::equal(head.begin(), head.end(), kScheme.begin(), kScheme.end(), equalIgnoringCase);
-}
+bool isLink(std::string_view argument) { return startsWithIgnoringCase(argument, "nimbo:"); }
 
 }  // namespace
 

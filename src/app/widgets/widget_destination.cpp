@@ -1,20 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "app/widgets/widget_destination.h"
 
-#include <algorithm>
+#include "base/text.h"
 
 namespace nimbo {
 namespace {
 
-// Not std::tolower, whose answer depends on the locale.
-bool equalIgnoringCase(char character, char lowercase) {
-  return character == lowercase || (character >= 'A' && character <= 'Z' && character - 'A' + 'a' == lowercase);
-}
-
 // What follows `prefix`; absent when `text` begins otherwise.
 std::optional<std::string_view> after(std::string_view prefix, std::string_view text) {
-  const std::string_view head = text.substr(0, prefix.size());
-  if (!std::equal(head.begin(), head.end(), prefix.begin(), prefix.end(), equalIgnoringCase)) return std::nullopt;
+  if (!startsWithIgnoringCase(text, prefix)) return std::nullopt;
   return text.substr(prefix.size());
 }
 

@@ -7,19 +7,14 @@
 #include <string_view>
 #include <system_error>
 
+#include "base/text.h"
+
 namespace nimbo {
 namespace {
 
 constexpr double kShortestWait = 600;
 // Beyond this a number means nothing, and a time so far away cannot be counted.
 constexpr double kLongestWait = 366.0 * 24 * 3600;
-
-std::string_view trimmed(std::string_view text) {
-  constexpr std::string_view kSpace = " \t\r\n\f\v";
-  const auto first = text.find_first_not_of(kSpace);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(kSpace) - first + 1);
-}
 
 std::optional<double> number(std::string_view text) {
   double value = 0;
@@ -32,7 +27,7 @@ std::optional<double> number(std::string_view text) {
 }  // namespace
 
 std::chrono::seconds rateLimitWait(const std::optional<std::string>& header) {
-  const double asked = number(trimmed(header.value_or(std::string()))).value_or(kShortestWait);
+  const double asked = number(trimmedWhiteSpace(header.value_or(std::string()))).value_or(kShortestWait);
   const double wait = std::clamp(asked, kShortestWait, kLongestWait);
   return std::chrono::seconds(static_cast<std::chrono::seconds::rep>(std::ceil(wait)));
 }
