@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "platform/linux/bus/sd_bus_calls.h"
-#include "platform/linux/desktop/desktop_name.h"
+#include "platform/linux/desktop/current_desktop.h"
 
 namespace nimbo {
 namespace {
@@ -24,8 +24,8 @@ Result<Subscription, DisplayPowerError> DesktopDisplayPower::sleepNow(std::funct
   if (!x11Screen_ && makeX11Screen_) x11Screen_ = makeX11Screen_();
   if (x11Screen_) return turnOffX11(std::move(failed));
   if (sway_) return sway_->turnOff(std::move(failed));
-  auto call = std::make_shared<BusSlot>(
-      callAsync(session_, callForDesktop(), [failed = std::move(failed)](sd_bus_message* reply) {
+  auto call =
+      std::make_shared<BusSlot>(callAsync(callForDesktop(), [failed = std::move(failed)](sd_bus_message* reply) {
         if (isError(reply)) failed();
       }));
   if (!*call) return tl::unexpected(DisplayPowerError{"This desktop offers no way to turn the display off."});
@@ -44,17 +44,13 @@ Subscription DesktopDisplayPower::turnOffX11(std::function<void()> failed) {
 
 /// Null where nothing is known to do it.
 BusMessage DesktopDisplayPower::callForDesktop() const {
-  BusMessage call;
-  if (desktopIs(desktop_, "KDE")) {
-    call = methodCall(session_, "org.kde.kglobalaccel", "/component/org_kde_powerdevil",
-                      "org.kde.kglobalaccel.Component", "invokeShortcut");
-    if (call) sd_bus_message_append(call.get(), "s", "Turn Off Screen");
-  } else if (desktopIs(desktop_, "GNOME")) {
-    call =
-        methodCall(session_, "org.gnome.ScreenSaver", "/org/gnome/ScreenSaver", "org.gnome.ScreenSaver", "SetActive");
-    if (call) sd_bus_message_append(call.get(), "b", 1);
-  }
-  return call;
+  constexpr BusMethod kInvoke{"org.kde.kglobalaccel", "/component/org_kde_powerdevil", "org.kde.kglobalaccel.Component",
+                              "invokeShortcut"};
+  constexpr BusMethod kSetActive{"org.gnome.ScreenSaver", "/org/gnome/ScreenSaver", "org.gnome.ScreenSaver",
+                                 "SetActive"};
+  if (desktopIs(desktop_, "KDE")) return methodCall(session_, kInvoke, "Turn Off Screen");
+  if (desktopIs(desktop_, "GNOME")) return methodCall(session_, kSetActive, true);
+  return {};
 }
 
 }  // namespace nimbo

@@ -29,6 +29,11 @@ Result<FileStamp, std::error_code> fileStamp(const std::filesystem::path& file) 
   return FileStamp{status.st_dev, status.st_ino, status.st_size, fileTime(status.st_mtim), fileTime(status.st_ctim)};
 }
 
+bool isExecutableFile(const std::filesystem::path& file) {
+  struct stat status {};
+  return ::stat(file.c_str(), &status) == 0 && S_ISREG(status.st_mode) && ::access(file.c_str(), X_OK) == 0;
+}
+
 Result<std::string, std::error_code> readRegularFile(const std::filesystem::path& file, std::size_t maximumBytes,
                                                      LinkedFile linked) {
   const int noFollow = linked == LinkedFile::refuse ? O_NOFOLLOW : 0;

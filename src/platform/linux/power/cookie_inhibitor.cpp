@@ -55,13 +55,11 @@ void CookieInhibitor::ownerChanged(const std::string& owner) {
 }
 
 void CookieInhibitor::inhibit() {
-  const BusMessage call = methodCall(bus_.get(), owner_.c_str(), service_.path, service_.interface, "Inhibit");
-  if (call && service_.flags != 0) {
-    sd_bus_message_append(call.get(), "susu", kApplication, kNoWindow, reason_.c_str(), service_.flags);
-  } else if (call) {
-    sd_bus_message_append(call.get(), "ss", kApplication, reason_.c_str());
-  }
-  call_ = callAsync(bus_.get(), call, [this](sd_bus_message* reply) { answered(reply); });
+  const BusMethod method{owner_.c_str(), service_.path, service_.interface, "Inhibit"};
+  const BusMessage call = service_.flags != 0
+                              ? methodCall(bus_.get(), method, kApplication, kNoWindow, reason_, service_.flags)
+                              : methodCall(bus_.get(), method, kApplication, reason_);
+  call_ = callAsync(call, [this](sd_bus_message* reply) { answered(reply); });
 }
 
 void CookieInhibitor::answered(sd_bus_message* reply) {
@@ -88,9 +86,9 @@ void CookieInhibitor::failed(std::int32_t code) {
 // whom it was got from, for the number may mean another's cookie to a service that has just started anew.
 void CookieInhibitor::giveBack() const {
   if (!cookie_) return;
-  const BusMessage call = methodCall(bus_.get(), owner_.c_str(), service_.path, service_.interface, service_.release);
+  const BusMessage call =
+      methodCall(bus_.get(), {owner_.c_str(), service_.path, service_.interface, service_.release}, *cookie_);
   if (!call) return;
-  sd_bus_message_append(call.get(), "u", *cookie_);
   sd_bus_message_set_expect_reply(call.get(), 0);
   sd_bus_send(bus_.get(), call.get(), nullptr);
 }

@@ -54,11 +54,9 @@ struct Session {
 
 Session askSession(const std::string& address, Deadline deadline) {
   const BoundedBus bus(address);
-  const BusMessage call =
-      methodCall(bus.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "ListNames");
   Session session;
   bool answered = false;
-  const BusSlot pending = callAsync(bus.get(), call, [&](sd_bus_message* reply) {
+  const BusSlot pending = callAsync(methodCall(bus.get(), methodOfTheBus("ListNames")), [&](sd_bus_message* reply) {
     answered = true;
     if (!isError(reply) && !readStrings(reply, session.names)) session.names.clear();
   });

@@ -32,12 +32,12 @@ Lock lockFrom(sd_bus_message* reply) {
 Result<UniqueFd, PowerError> takeLogindLock(const std::string& systemAddress, const char* what,
                                             const std::string& reason, Deadline deadline) {
   const BoundedBus bus(systemAddress);
-  const BusMessage call = methodCall(bus.get(), "org.freedesktop.login1", "/org/freedesktop/login1",
-                                     "org.freedesktop.login1.Manager", "Inhibit");
+  constexpr BusMethod kInhibit{"org.freedesktop.login1", "/org/freedesktop/login1", "org.freedesktop.login1.Manager",
+                               "Inhibit"};
+  const BusMessage call = methodCall(bus.get(), kInhibit, what, "Nimbo", reason, "block");
   if (!call) return failure(ENOTSUP);
-  sd_bus_message_append(call.get(), "ssss", what, "Nimbo", reason.c_str(), "block");
   std::optional<Lock> lock;
-  const BusSlot pending = callAsync(bus.get(), call, [&lock](sd_bus_message* reply) { lock = lockFrom(reply); });
+  const BusSlot pending = callAsync(call, [&lock](sd_bus_message* reply) { lock = lockFrom(reply); });
   if (!bus.turnUntil(deadline, [&lock] { return lock.has_value(); })) return failure(ETIMEDOUT);
   return std::move(*lock);
 }
