@@ -7,7 +7,7 @@
 #include <string_view>
 #include <utility>
 
-#include "usage/text_matching.h"
+#include "base/text.h"
 
 namespace nimbo {
 namespace {
@@ -20,7 +20,7 @@ constexpr std::array kFlags{
     std::pair{"--profile"sv, LaunchMode::profile},
 };
 
-bool isLink(const std::string& argument) { return startsWithIgnoringCase(argument, "nimbo:"); }
+bool isLink(std::string_view argument) { return startsWithIgnoringCase(argument, "nimbo:"); }
 
 }  // namespace
 

@@ -4,7 +4,7 @@
 #include <charconv>
 #include <system_error>
 
-#include "base/white_space.h"
+#include "base/text.h"
 
 namespace nimbo {
 

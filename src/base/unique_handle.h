@@ -28,6 +28,12 @@ class UniqueHandle {
   /// Gives the handle away; the caller now releases it.
   [[nodiscard]] Handle detach() { return std::exchange(handle_, Traits::invalid()); }
 
+  /// Where a C function may put a new handle; lets go of the one there is.
+  [[nodiscard]] Handle* out() {
+    reset();
+    return &handle_;
+  }
+
   void reset(Handle handle = Traits::invalid()) {
     const Handle old = std::exchange(handle_, handle);
     if (old != Traits::invalid()) Traits::release(old);
@@ -36,5 +42,16 @@ class UniqueHandle {
  private:
   Handle handle_ = Traits::invalid();
 };
+
+template <class Object, auto kRelease>
+struct PointerTraits {
+  using Handle = Object*;
+  static Handle invalid() { return nullptr; }
+  static void release(Handle object) { kRelease(object); }
+};
+
+/// Owns an object of a C library, which `kRelease` lets go.
+template <class Object, auto kRelease>
+using UniquePointer = UniqueHandle<PointerTraits<Object, kRelease>>;
 
 }  // namespace nimbo

@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <charconv>
 
-#include "usage/text_matching.h"
+#include "base/text.h"
 
 namespace nimbo {
 namespace {

@@ -4,7 +4,7 @@
 #include <array>
 #include <utility>
 
-#include "usage/text_matching.h"
+#include "base/text.h"
 
 namespace nimbo {
 namespace {

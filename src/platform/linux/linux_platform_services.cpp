@@ -11,7 +11,7 @@
 #include "platform/linux/bus/dbus_application_instance.h"
 #include "platform/linux/bus/sd_bus_connection.h"
 #include "platform/linux/bus/xdg_widget_center.h"
-#include "platform/linux/desktop/installed_application.h"
+#include "platform/linux/desktop/desktop_application.h"
 #include "platform/linux/desktop/local_time_zone.h"
 #include "platform/linux/desktop/locale_dates.h"
 #include "platform/linux/desktop/portal_workspace.h"
@@ -182,14 +182,14 @@ class LinuxPlatformServices final : public PlatformServices {
   SdBusConnection session_{loop_.event(), sessionAddress_, [this] { loop_.quit(); }};
   SdBusConnection system_{loop_.event(), systemAddress_};
   DbusApplicationInstance instance_{session_};
-  PortalWorkspace workspace_{loop_.event(),
+  PortalWorkspace workspace_{loop_,
                              session_.get(),
                              {desktop_, environment_.get("PATH"), environment_.get("GTK_THEME"),
                               applicationFolders(environment_.variables, folders_)}};
   XdgLoginItem loginItem_{{folders_.config, programOf(environment_, executable_), desktop_, environment_.get("PATH")}};
   XdgWidgetCenter widgetCenter_{session_.get(), folders_.data};
   PanelAppearance panel_{session_.get(), desktop_, workspace_};
-  SniStatusBar statusBar_{loop_.event(), sessionAddress_, desktop_, panel_};
+  SniStatusBar statusBar_{loop_, sessionAddress_, desktop_, panel_};
   LogindSystemSleep systemSleep_{system_.get()};
 
   const X11ScreenMaker makeX11Screen_ = x11ScreenFromModule(modules_, x11Display(environment_));

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "base/size_text.h"
+#include "base/text.h"
 #include "ui/tray/status_item_symbols.h"
 
 namespace nimbo {
@@ -29,18 +30,10 @@ TemplateImage memoryChart(std::optional<double> fraction) {
   return image;
 }
 
-std::string lowerCase(std::string_view ascii) {
-  std::string text(ascii);
-  for (char& letter : text) {
-    if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
-  }
-  return text;
-}
-
 std::string memoryToolTip(const MemorySnapshot& memory) {
   return fmt::format("Memory: {:.0f}% · {} used of {}; {} available; {} pressure", memory.usedFraction() * 100,
                      gigabytesText(memory.used()), gigabytesText(memory.total), gigabytesText(memory.available()),
-                     lowerCase(pressureWord(memory.pressure)));
+                     lowerCased(pressureWord(memory.pressure)));
 }
 
 }  // namespace

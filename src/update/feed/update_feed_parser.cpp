@@ -7,6 +7,8 @@
 #include <string>
 #include <system_error>
 
+#include "base/text.h"
+
 namespace nimbo {
 namespace {
 
@@ -21,14 +23,9 @@ class DepthLimit final : public pugi::xml_tree_walker {
   bool for_each(pugi::xml_node& node) override { return depth() < kMaximumDepth && node.type() != pugi::node_doctype; }
 };
 
-std::string trimmed(std::string_view text) {
-  constexpr std::string_view kSpace = " \t\r\n";
-  const auto first = text.find_first_not_of(kSpace);
-  if (first == std::string_view::npos) return {};
-  return std::string(text.substr(first, text.find_last_not_of(kSpace) - first + 1));
+std::string textOf(const pugi::xml_node& item, const char* name) {
+  return std::string(trimmed(item.child(name).text().get()));
 }
-
-std::string textOf(const pugi::xml_node& item, const char* name) { return trimmed(item.child(name).text().get()); }
 
 /// 0 for anything but a decimal number as one writes it, which is also the only way that is signed.
 std::size_t lengthOf(std::string_view text) {

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <array>
 
+#include "base/text.h"
+
 namespace nimbo::claude_tool {
 namespace {
 
@@ -27,9 +29,7 @@ bool isReplacedOrRemoved(std::string_view entry) {
 std::vector<fs::path> candidates(const fs::path& home, std::string_view searchPath) {
   std::vector<fs::path> result{home / ".local/bin/claude", "/opt/homebrew/bin/claude", "/usr/local/bin/claude"};
   while (!searchPath.empty()) {
-    const auto end = searchPath.find(':');
-    const std::string_view folder = searchPath.substr(0, end);
-    searchPath.remove_prefix(end == std::string_view::npos ? searchPath.size() : end + 1);
+    const std::string_view folder = takeUntil(searchPath, ':');
     if (folder.starts_with('/')) result.push_back(fs::path(folder) / "claude");
   }
   return result;

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "usage/text_matching.h"
+#include "base/text.h"
 
 namespace nimbo {
 namespace {

@@ -7,9 +7,8 @@
 #include <cstdint>
 #include <string>
 
-#include "base/white_space.h"
+#include "base/text.h"
 #include "usage/claude/named_time_zone.h"
-#include "usage/text_matching.h"
 
 namespace nimbo {
 namespace {

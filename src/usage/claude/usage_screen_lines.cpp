@@ -6,8 +6,7 @@
 #include <cmath>
 #include <utility>
 
-#include "base/white_space.h"
-#include "usage/text_matching.h"
+#include "base/text.h"
 
 namespace nimbo {
 namespace {
@@ -77,11 +76,7 @@ void UsageScreenLines::take(std::string_view untrimmed) {
 }
 
 void UsageScreenLines::takeAll(std::string_view text) {
-  for (std::size_t end = text.find('\n'); end != std::string_view::npos; end = text.find('\n')) {
-    take(text.substr(0, end));
-    text.remove_prefix(end + 1);
-  }
-  take(text);
+  while (!text.empty()) take(takeUntil(text, '\n'));
 }
 
 void UsageScreenLines::begin(std::string title) {

@@ -55,7 +55,7 @@ class DbusApplicationInstanceTest : public ::testing::Test {
     sd_event_add_io(
         first->loop.event(), &source, wakeUp.get(), EPOLLIN,
         [](sd_event_source*, int, std::uint32_t, void*) { return 0; }, nullptr);
-    const UniqueHandle<SdEventSourceTraits> watch(source);
+    const EventSource watch(source);
     std::thread process([&] {
       Start later(bus.address());
       role = later.instance.claim(links, {});

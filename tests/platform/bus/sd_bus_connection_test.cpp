@@ -18,7 +18,7 @@ using Log = std::vector<std::string>;
 TEST(BusAddress, SessionVariableComesFirst) {
   EXPECT_EQ(sessionBusAddress("unix:path=/tmp/x", "/run/user/1000"), "unix:path=/tmp/x");
   EXPECT_EQ(sessionBusAddress("", "/run/user/1000"), "unix:path=/run/user/1000/bus");
-  EXPECT_EQ(sessionBusAddress("", "/run/me, you=1"), "unix:path=/run/me%2c%20you%3d1/bus");
+  EXPECT_EQ(sessionBusAddress("", "/run/me, you=1"), "unix:path=/run/me%2C%20you%3D1/bus");
   EXPECT_EQ(sessionBusAddress("", ""), "");
 }
 
@@ -78,9 +78,8 @@ TEST_F(SdBusConnectionTest, CallToNobodyIsAnsweredWithAnError) {
 TEST_F(SdBusConnectionTest, DroppedCallIsNotAnswered) {
   const BusPeer peer(loop, bus.address());
   bool answered = false;
-  const BusMessage call =
-      methodCall(peer.bus(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "GetId");
-  callAsync(peer.bus(), call, [&answered](sd_bus_message*) { answered = true; }).reset();
+  const BusMessage call = methodCall(peer.bus(), methodOfTheBus("GetId"));
+  callAsync(call, [&answered](sd_bus_message*) { answered = true; }).reset();
   peer.settle("org.freedesktop.DBus");
   EXPECT_FALSE(answered);
 }
@@ -89,9 +88,8 @@ TEST_F(SdBusConnectionTest, HandlerMayDropItsOwnSlot) {
   const BusPeer peer(loop, bus.address());
   BusSlot slot;
   bool answered = false;
-  const BusMessage call =
-      methodCall(peer.bus(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "GetId");
-  slot = callAsync(peer.bus(), call, [&](sd_bus_message*) {
+  const BusMessage call = methodCall(peer.bus(), methodOfTheBus("GetId"));
+  slot = callAsync(call, [&](sd_bus_message*) {
     slot.reset();
     answered = true;
   });
@@ -99,16 +97,16 @@ TEST_F(SdBusConnectionTest, HandlerMayDropItsOwnSlot) {
 }
 
 TEST_F(SdBusConnectionTest, WithoutABusTheHelpersDoNothing) {
-  const BusMessage call = methodCall(nullptr, "org.example", "/", "org.example", "Hello");
+  const BusMessage call = methodCall(nullptr, {"org.example", "/", "org.example", "Hello"});
   EXPECT_FALSE(call);
-  EXPECT_FALSE(callAsync(nullptr, call, [](sd_bus_message*) {}));
+  EXPECT_FALSE(callAsync(call, [](sd_bus_message*) {}));
   EXPECT_FALSE(addMatch(nullptr, "type='signal'", [](sd_bus_message*) {}));
 }
 
 TEST_F(SdBusConnectionTest, StringsAreReadOnlyFromAListOfStrings) {
   const BusPeer peer(loop, bus.address());
-  const BusMessage call = methodCall(peer.bus(), "org.example", "/", "org.example", "Hello");
-  sd_bus_message_append(call.get(), "asi", 2, "a", "b", 7);
+  const std::vector<std::string> texts{"a", "b"};
+  const BusMessage call = methodCall(peer.bus(), {"org.example", "/", "org.example", "Hello"}, texts, 7);
   sd_bus_message_seal(call.get(), 1, 0);
   std::vector<std::string> strings;
   EXPECT_TRUE(readStrings(call.get(), strings));

@@ -16,7 +16,7 @@ namespace {
 class PortalWorkspaceTest : public ::testing::Test {
  protected:
   PortalWorkspace& make(PortalWorkspace::Setup setup = {}) {
-    workspace.emplace(loop.event(), session.get(), std::move(setup));
+    workspace.emplace(loop.main(), session.get(), std::move(setup));
     observer = workspace->observeAppearance([this](Appearance appearance) { changes.push_back(appearance); });
     return *workspace;
   }
@@ -128,7 +128,7 @@ TEST_F(PortalWorkspaceTest, GtkThemeOfTheEnvironmentIsTheLastResort) {
 }
 
 TEST_F(PortalWorkspaceTest, WithoutABusItIsLight) {
-  PortalWorkspace alone(loop.event(), nullptr, {"XFCE", "", ""});
+  PortalWorkspace alone(loop.main(), nullptr, {"XFCE", "", ""});
   EXPECT_EQ(alone.appearance(), Appearance::light);
 }
 

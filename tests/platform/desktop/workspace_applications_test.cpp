@@ -48,7 +48,7 @@ class WorkspaceApplicationsTest : public ::testing::Test {
   TemporaryTree tree;
   const PortalWorkspace::Setup setup{
       "XFCE", (tree.path() / "bin").string() + ":/usr/bin:/bin", "", {tree.path() / "applications"}};
-  PortalWorkspace workspace{loop.event(), session.get(), setup};
+  PortalWorkspace workspace{loop.main(), session.get(), setup};
 };
 
 TEST_F(WorkspaceApplicationsTest, ApplicationThatIsNotInstalledIsNotOpened) {
@@ -83,7 +83,7 @@ TEST_F(WorkspaceApplicationsTest, ApplicationThatShouldTakeCallsButDoesNotIsStar
 }
 
 TEST_F(WorkspaceApplicationsTest, WithoutABusApplicationsAreStartedAllTheSame) {
-  PortalWorkspace alone(loop.event(), nullptr, setup);
+  PortalWorkspace alone(loop.main(), nullptr, setup);
   addEntry("com.anthropic.Claude", "DBusActivatable=true\n");
   EXPECT_FALSE(alone.openApplication(kClaude)) << "there is nobody to call and nothing to run";
   addEntry("com.anthropic.Claude", "DBusActivatable=true\nExec=claude-desktop\n");
@@ -112,7 +112,7 @@ TEST_F(WorkspaceApplicationsTest, FileManagerThatRefusesHasTheFolderOpened) {
 }
 
 TEST_F(WorkspaceApplicationsTest, WithoutABusTheFolderIsOpened) {
-  PortalWorkspace alone(loop.event(), nullptr, setup);
+  PortalWorkspace alone(loop.main(), nullptr, setup);
   alone.revealFile("/home/ada/file.json");
   EXPECT_TRUE(ran("xdg-open", "file:///home/ada"));
 }

@@ -92,7 +92,7 @@ class PowerSupplyEventsTest : public testing::Test {
   }
 
   Laptop laptop;
-  UniqueHandle<SdEventTraits> event_;
+  Event event_;
   std::unique_ptr<SysfsPowerSources> sources;
   int changes = 0;
 };

@@ -54,7 +54,7 @@ class DbusMenuTest : public ::testing::Test {
 
   /// Shows the item and returns its bus name.
   std::string show(StatusItemHandlers given, const std::string& desktop = "XFCE") {
-    statusBar = std::make_unique<SniStatusBar>(loop.event(), bus.address(), desktop, panel);
+    statusBar = std::make_unique<SniStatusBar>(loop.main(), bus.address(), desktop, panel);
     item = statusBar->makeItem("nimbo", {}, std::move(given));
     EXPECT_TRUE(host.waitForItems(1));
     return host.registered.at(0);

@@ -29,7 +29,7 @@ class RegistrationPacerTest : public ::testing::Test {
   }
 
   SdEventMainLoop loop;
-  RegistrationPacer pacer{loop.event()};
+  RegistrationPacer pacer{loop};
   std::vector<int> order;
   std::vector<steady_clock::time_point> times;
 };

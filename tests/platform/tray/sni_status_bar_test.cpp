@@ -32,7 +32,7 @@ StatusItemContent content(std::optional<std::string> title = std::nullopt) {
 class SniStatusBarTest : public ::testing::Test {
  protected:
   SniStatusBar& makeBar(const std::string& desktop = "") {
-    statusBar = std::make_unique<SniStatusBar>(loop.event(), bus.address(), desktop, panel);
+    statusBar = std::make_unique<SniStatusBar>(loop.main(), bus.address(), desktop, panel);
     return *statusBar;
   }
 
@@ -349,7 +349,7 @@ TEST_F(SniStatusBarTest, HandlersThatAreNotSetAreNotCalled) {
 }
 
 TEST_F(SniStatusBarTest, WithoutABusItemsExistAndStaySilent) {
-  SniStatusBar silent(loop.event(), "unix:path=/nonexistent/bus", "", panel);
+  SniStatusBar silent(loop.main(), "unix:path=/nonexistent/bus", "", panel);
   const auto lonely = silent.makeItem("nimbo", content(), {});
   lonely->setContent(content("70%"));
   workspace.setAppearance(Appearance::dark);

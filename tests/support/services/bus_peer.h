@@ -12,20 +12,15 @@
 #include "platform/linux/bus/bus_name_watch.h"
 #include "platform/linux/bus/sd_bus_calls.h"
 #include "platform/linux/bus/sd_bus_connection.h"
-#include "platform/linux/loop/sd_event_handles.h"
+#include "platform/linux/loop/sd_event_main_loop.h"
 
 namespace nimbo {
 
 /// The loop that the code under test and its peers share, turned by the test.
 class BusLoop {
  public:
-  BusLoop() {
-    sd_event* event = nullptr;
-    sd_event_new(&event);
-    event_.reset(event);
-  }
-
-  [[nodiscard]] sd_event* event() const { return event_.get(); }
+  [[nodiscard]] SdEventMainLoop& main() { return loop_; }
+  [[nodiscard]] sd_event* event() const { return loop_.event(); }
 
   /// Dispatches until `done` holds; false when it did not within `bound`.
   [[nodiscard]] bool runUntil(const std::function<bool()>& done,
@@ -35,13 +30,13 @@ class BusLoop {
     while (!done()) {
       const auto left = std::chrono::duration_cast<std::chrono::microseconds>(deadline - steady_clock::now()).count();
       if (left <= 0) return false;
-      sd_event_run(event_.get(), static_cast<std::uint64_t>(left));
+      sd_event_run(event(), static_cast<std::uint64_t>(left));
     }
     return true;
   }
 
  private:
-  UniqueHandle<SdEventTraits> event_;
+  SdEventMainLoop loop_;
 };
 
 /// Another program on the bus.
@@ -59,11 +54,11 @@ class BusPeer {
   /// Calls a method and waits for the reply, which may be an error; null when none came.
   BusMessage call(const std::string& destination, const char* path, const char* interface, const char* member,
                   const Fill& fill = {}) const {
-    const BusMessage call = methodCall(bus(), destination.c_str(), path, interface, member);
+    const BusMessage call = methodCall(bus(), {destination.c_str(), path, interface, member});
     if (call && fill) fill(call.get());
     BusMessage answer;
     const BusSlot pending =
-        callAsync(bus(), call, [&answer](sd_bus_message* reply) { answer.reset(sd_bus_message_ref(reply)); });
+        callAsync(call, [&answer](sd_bus_message* reply) { answer.reset(sd_bus_message_ref(reply)); });
     [[maybe_unused]] const bool answered = loop_.runUntil([&answer] { return static_cast<bool>(answer); });
     return answer;
   }

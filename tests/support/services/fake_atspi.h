@@ -2,6 +2,7 @@
 #pragma once
 
 #include <atomic>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -171,9 +172,10 @@ class FakeAtspiApplication {
   }
 
   std::atomic<Manner> manner = Manner::answers;
-  std::atomic<int> silentAfter = -1;  ///< from this call on; never if negative
-  std::atomic<bool> asleep = false;   ///< windows are bare until somebody asks for the attributes of one
-  std::atomic<int> emptyLooks = 0;    ///< so often a web page is still empty when it is looked at
+  std::atomic<int> silentAfter = -1;    ///< from this call on; never if negative
+  std::atomic<bool> asleep = false;     ///< windows are bare until somebody asks for the attributes of one
+  std::atomic<int> emptyLooks = 0;      ///< so often a web page is still empty when it is looked at
+  std::function<void()> onEmptyLook{};  ///< called at each of these looks; to be set before the first
   std::atomic<int> calls = 0;
 
  private:
@@ -232,6 +234,7 @@ class FakeAtspiApplication {
       return sd_bus_reply_method_return(call, "a(so)", 1, name_.c_str(), "/org/a11y/atspi/null");
     }
     const bool empty = element.node.role == kDocumentWeb && emptyLooks > 0 && emptyLooks-- > 0;
+    if (empty && onEmptyLook) onEmptyLook();
     sd_bus_message* reply = nullptr;
     sd_bus_message_new_method_return(call, &reply);
     sd_bus_message_open_container(reply, 'a', "(so)");

@@ -24,7 +24,7 @@ class FakeLogind {
     std::string why;
     std::string mode;
     UniqueFd readEnd;
-    UniqueHandle<SdEventSourceTraits> letGo;  ///< wakes the loop when the last copy is closed
+    EventSource letGo;  ///< wakes the loop when the last copy is closed
 
     [[nodiscard]] bool held() const {
       pollfd entry{readEnd.get(), POLLIN, 0};
@@ -73,7 +73,7 @@ class FakeLogind {
       return sd_event_source_set_enabled(source, SD_EVENT_OFF);
     };
     sd_event_add_io(fake.peer.loop().event(), &letGo, pipe[0], EPOLLIN, wake, nullptr);
-    fake.locks.push_back({what, who, why, mode, UniqueFd(pipe[0]), UniqueHandle<SdEventSourceTraits>(letGo)});
+    fake.locks.push_back({what, who, why, mode, UniqueFd(pipe[0]), EventSource(letGo)});
     const UniqueFd writeEnd(pipe[1]);
     return sd_bus_reply_method_return(call, "h", writeEnd.get());
   }

@@ -77,7 +77,7 @@ class ServiceThread {
       return eventfd_read(descriptor, &count);
     };
     sd_event_add_io(loop_.event(), &source, wakeUp_.get(), EPOLLIN, wake, nullptr);
-    const UniqueHandle<SdEventSourceTraits> wakeSource(source);
+    const EventSource wakeSource(source);
     while (!over_) {
       sd_event_run(loop_.event(), UINT64_MAX);
       while (auto task = next()) (*task)();

@@ -2,7 +2,6 @@
 #include "platform/linux/accessibility/application_process.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstddef>
 #include <filesystem>
 #include <optional>
@@ -10,6 +9,7 @@
 #include <system_error>
 #include <vector>
 
+#include "base/text.h"
 #include "platform/linux/files/regular_file.h"
 #include "platform/linux/machine/proc_file.h"
 
@@ -42,10 +42,8 @@ std::optional<fs::path> electronProgram(const fs::path& process) {
   const std::string words = readAttribute(process / "cmdline").value_or("");
   std::string_view rest(words);
   for (bool isProgram = false; !rest.empty(); isProgram = true) {
-    const auto end = std::min(rest.find('\0'), rest.size());
-    const std::string_view word = rest.substr(0, end);
+    const std::string_view word = takeUntil(rest, '\0');
     if (isProgram && !word.empty() && !word.starts_with('-')) return fs::path(word);
-    rest.remove_prefix(std::min(end + 1, rest.size()));
   }
   return std::nullopt;
 }
@@ -83,10 +81,9 @@ bool isProcessOf(const ApplicationMarks& application, const std::string& root, s
 bool isRunning(const ApplicationMarks& application, const std::string& root) {
   bool running = false;
   visitFolder(root, [&](std::string_view name) {
-    std::int64_t pid = 0;
-    const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), pid);
-    const bool isNumber = error == std::errc() && end == name.data() + name.size();
-    running = running || (isNumber && isProcessOf(application, root, pid, ProcessShows::perhapsNothing));
+    const auto number = parseNumber(name);
+    const auto pid = static_cast<std::int64_t>(number.value_or(0));
+    running = running || (number && isProcessOf(application, root, pid, ProcessShows::perhapsNothing));
   });
   return running;
 }

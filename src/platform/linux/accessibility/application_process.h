@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "platform/linux/desktop/application_marks.h"
+#include "platform/linux/desktop/desktop_application.h"
 
 namespace nimbo {
 

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "platform/linux/bus/bounded_bus.h"
-#include "platform/linux/bus/sd_bus_handles.h"
+#include "platform/linux/bus/sd_bus_calls.h"
 
 namespace nimbo {
 
@@ -39,9 +39,12 @@ class AtspiBus {
   /// Lets time pass.
   void waitUntil(Deadline deadline) const;
 
-  // Calls that are not made yet.
-  [[nodiscard]] BusMessage methodOf(const AtspiReference& element, const char* interface, const char* method) const;
-  [[nodiscard]] BusMessage propertyOf(const AtspiReference& element, const char* property) const;
+  /// A call that is not made yet.
+  template <class... Arguments>
+  [[nodiscard]] BusMessage call(const AtspiReference& element, const char* interface, const char* method,
+                                const Arguments&... arguments) const {
+    return methodCall(bus_.get(), {element.name.c_str(), element.path.c_str(), interface, method}, arguments...);
+  }
 
   /// The applications that show themselves, each as its root element.
   [[nodiscard]] std::vector<AtspiReference> applications() const;
@@ -61,6 +64,7 @@ class AtspiBus {
 
 inline constexpr const char* kAtspiAccessible = "org.a11y.atspi.Accessible";
 inline constexpr const char* kAtspiText = "org.a11y.atspi.Text";
+inline constexpr const char* kBusProperties = "org.freedesktop.DBus.Properties";
 
 /// The elements of an "a(so)" answer; the ones that stand for nothing are left out.
 [[nodiscard]] std::vector<AtspiReference> readReferences(const BusMessage& answer);

@@ -1,8 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "platform/linux/accessibility/atspi_element.h"
 
+#include <optional>
+#include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
+
+#include "platform/linux/accessibility/hypertext.h"
 
 namespace nimbo {
 namespace {
@@ -56,103 +61,124 @@ bool isJustWords(const BusMessage& answer) {
   return role == kStatic || role == kSection;
 }
 
-BusMessage wholeText(const AtspiBus& bus, const AtspiReference& element) {
-  BusMessage call = bus.methodOf(element, kAtspiText, "GetText");
-  if (call) sd_bus_message_append(call.get(), "ii", 0, -1);
-  return call;
-}
+class AtspiElement final : public AccessibleElement {
+ public:
+  AtspiElement(std::shared_ptr<AtspiBus> bus, AtspiReference reference)
+      : bus_(std::move(bus)), reference_(std::move(reference)) {}
 
-}  // namespace
+  [[nodiscard]] std::optional<std::string> title() override { return facts(bus_->deadline()).name; }
 
-AtspiElement::AtspiElement(std::shared_ptr<AtspiBus> bus, AtspiReference reference)
-    : bus_(std::move(bus)), reference_(std::move(reference)) {}
+  [[nodiscard]] std::optional<std::string> description() override { return facts(bus_->deadline()).description; }
 
-std::optional<std::string> AtspiElement::title() { return facts(bus_->deadline()).name; }
+  [[nodiscard]] std::optional<std::string> value() override {
+    const Deadline deadline = bus_->deadline();
+    if (auto line = onlyLine(deadline, 0)) return line;
+    if (arrangement(deadline, 0).pieces) return std::nullopt;  // they come as children
+    const auto& text = facts(deadline).text;
+    return text && text->find(kPlaceOfAnObject) == std::string::npos ? text : std::nullopt;
+  }
 
-std::optional<std::string> AtspiElement::description() { return facts(bus_->deadline()).description; }
-
-std::optional<std::string> AtspiElement::value() {
-  const Deadline deadline = bus_->deadline();
-  if (auto line = onlyLine(deadline, 0)) return line;
-  if (arrangement(deadline, 0).pieces) return std::nullopt;  // they come as children
-  const auto& text = facts(deadline).text;
-  return text && text->find(kPlaceOfAnObject) == std::string::npos ? text : std::nullopt;
-}
-
-std::vector<std::unique_ptr<AccessibleElement>> AtspiElement::children(std::size_t limit) {
-  std::vector<std::unique_ptr<AccessibleElement>> elements;
-  const Deadline deadline = bus_->deadline();
-  if (onlyLine(deadline, 0)) return elements;
-  arrangement(deadline, 0);
-  Arrangement arrangement = *std::exchange(arrangement_, std::nullopt);  // asked for anew when wanted again
-  if (!arrangement.pieces) {
-    for (auto& child : arrangement.children) {
-      if (elements.size() < limit) elements.push_back(std::move(child));
+  [[nodiscard]] std::vector<std::unique_ptr<AccessibleElement>> children(std::size_t limit) override {
+    std::vector<std::unique_ptr<AccessibleElement>> elements;
+    const Deadline deadline = bus_->deadline();
+    if (onlyLine(deadline, 0)) return elements;
+    arrangement(deadline, 0);
+    Arrangement arrangement = *std::exchange(arrangement_, std::nullopt);  // asked for anew when wanted again
+    if (!arrangement.pieces) {
+      for (auto& child : arrangement.children) {
+        if (elements.size() < limit) elements.push_back(std::move(child));
+      }
+      return elements;
+    }
+    for (auto& piece : *arrangement.pieces) {
+      if (elements.size() == limit) break;
+      if (piece.child) {
+        elements.push_back(std::move(arrangement.children[*piece.child]));
+      } else {
+        elements.push_back(std::make_unique<TextLine>(std::move(piece.line)));
+      }
     }
     return elements;
   }
-  for (auto& piece : *arrangement.pieces) {
-    if (elements.size() == limit) break;
-    if (piece.child) {
-      elements.push_back(std::move(arrangement.children[*piece.child]));
-    } else {
-      elements.push_back(std::make_unique<TextLine>(std::move(piece.line)));
+
+ private:
+  struct Facts {
+    std::optional<std::string> name;
+    std::optional<std::string> description;
+    std::optional<std::string> text;
+    std::vector<AtspiReference> children;
+    bool isInLine = false;
+  };
+  /// The children, and how the text holds them; as they are if that cannot be told.
+  struct Arrangement {
+    std::vector<std::unique_ptr<AtspiElement>> children;
+    std::optional<std::vector<HypertextPiece>> pieces;
+  };
+
+  const Facts& facts(Deadline deadline) {
+    if (facts_) return *facts_;
+    std::vector<BusMessage> calls;
+    for (const char* const property : {"Name", "Description"}) {
+      calls.push_back(bus_->call(reference_, kBusProperties, "Get", kAtspiAccessible, property));
     }
+    calls.push_back(bus_->call(reference_, kAtspiText, "GetText", 0, -1));  // the whole text
+    for (const char* const method : {"GetChildren", "GetAttributes", "GetRole"}) {
+      calls.push_back(bus_->call(reference_, kAtspiAccessible, method));
+    }
+    const auto answers = bus_->ask(calls, deadline);
+    facts_ = Facts{readTextProperty(answers[0]), readTextProperty(answers[1]), readText(answers[2]),
+                   readReferences(answers[3]), isLaidOutInLine(answers[4]) && isJustWords(answers[5])};
+    return *facts_;
   }
-  return elements;
-}
 
-const AtspiElement::Facts& AtspiElement::facts(Deadline deadline) {
-  if (facts_) return *facts_;
-  std::vector<BusMessage> calls;
-  calls.push_back(bus_->propertyOf(reference_, "Name"));
-  calls.push_back(bus_->propertyOf(reference_, "Description"));
-  calls.push_back(wholeText(*bus_, reference_));
-  calls.push_back(bus_->methodOf(reference_, kAtspiAccessible, "GetChildren"));
-  calls.push_back(bus_->methodOf(reference_, kAtspiAccessible, "GetAttributes"));
-  calls.push_back(bus_->methodOf(reference_, kAtspiAccessible, "GetRole"));
-  const auto answers = bus_->ask(calls, deadline);
-  facts_ = Facts{readTextProperty(answers[0]), readTextProperty(answers[1]), readText(answers[2]),
-                 readReferences(answers[3]), isLaidOutInLine(answers[4]) && isJustWords(answers[5])};
-  return *facts_;
-}
-
-AtspiElement::Arrangement& AtspiElement::arrangement(Deadline deadline, int depth) {
-  if (arrangement_) return *arrangement_;
-  arrangement_.emplace();
-  for (const auto& child : facts(deadline).children) {
-    arrangement_->children.push_back(std::make_unique<AtspiElement>(bus_, child));
-  }
-  const auto& text = facts(deadline).text;
-  if (!text || text->empty() || depth >= kDeepestInLine) return *arrangement_;
-  std::vector<HypertextChild> children;
-  for (const auto& child : arrangement_->children) {
-    children.push_back(child->asHypertext(deadline, depth + 1));
-    if (std::chrono::steady_clock::now() < deadline) continue;
-    child->forget();  // it may have had no time to answer
+  Arrangement& arrangement(Deadline deadline, int depth) {
+    if (arrangement_) return *arrangement_;
+    arrangement_.emplace();
+    for (const auto& child : facts(deadline).children) {
+      arrangement_->children.push_back(std::make_unique<AtspiElement>(bus_, child));
+    }
+    const auto& text = facts(deadline).text;
+    if (!text || text->empty() || depth >= kDeepestInLine) return *arrangement_;
+    std::vector<HypertextChild> children;
+    for (const auto& child : arrangement_->children) {
+      children.push_back(child->asHypertext(deadline, depth + 1));
+      if (std::chrono::steady_clock::now() < deadline) continue;
+      child->forget();  // it may have had no time to answer
+      return *arrangement_;
+    }
+    if (!children.empty()) arrangement_->pieces = takeApart(*text, children);
     return *arrangement_;
   }
-  if (!children.empty()) arrangement_->pieces = takeApart(*text, children);
-  return *arrangement_;
-}
 
-void AtspiElement::forget() {
-  facts_.reset();
-  arrangement_.reset();
-}
+  void forget() {
+    facts_.reset();
+    arrangement_.reset();
+  }
 
-HypertextChild AtspiElement::asHypertext(Deadline deadline, int depth) {
-  const Facts& known = facts(deadline);
-  if (!known.isInLine) return {known.text.value_or(""), false};
-  const auto line = onlyLine(deadline, depth);
-  return {line.value_or(""), line && !line->empty()};
-}
+  [[nodiscard]] HypertextChild asHypertext(Deadline deadline, int depth) {
+    const Facts& known = facts(deadline);
+    if (!known.isInLine) return {known.text.value_or(""), false};
+    const auto line = onlyLine(deadline, depth);
+    return {line.value_or(""), line && !line->empty()};
+  }
 
-std::optional<std::string> AtspiElement::onlyLine(Deadline deadline, int depth) {
-  const Arrangement& parts = arrangement(deadline, depth);
-  if (parts.children.empty()) return facts(deadline).text;
-  if (!parts.pieces || parts.pieces->size() != 1 || parts.pieces->front().child) return std::nullopt;
-  return parts.pieces->front().line;
+  [[nodiscard]] std::optional<std::string> onlyLine(Deadline deadline, int depth) {
+    const Arrangement& parts = arrangement(deadline, depth);
+    if (parts.children.empty()) return facts(deadline).text;
+    if (!parts.pieces || parts.pieces->size() != 1 || parts.pieces->front().child) return std::nullopt;
+    return parts.pieces->front().line;
+  }
+
+  const std::shared_ptr<AtspiBus> bus_;
+  const AtspiReference reference_;
+  std::optional<Facts> facts_;
+  std::optional<Arrangement> arrangement_;
+};
+
+}  // namespace
+
+std::unique_ptr<AccessibleElement> makeAtspiElement(std::shared_ptr<AtspiBus> bus, AtspiReference reference) {
+  return std::make_unique<AtspiElement>(std::move(bus), std::move(reference));
 }
 
 }  // namespace nimbo

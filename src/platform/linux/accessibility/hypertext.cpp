@@ -1,25 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "platform/linux/accessibility/hypertext.h"
 
-#include <algorithm>
 #include <utility>
+
+#include "base/text.h"
 
 namespace nimbo {
 namespace {
 
-constexpr std::string_view kBlanks = " \t\r\n";
-
-void addLine(std::vector<HypertextPiece>& pieces, std::string_view line) {
-  const auto start = line.find_first_not_of(kBlanks);
-  if (start == std::string_view::npos) return;
-  pieces.push_back({std::string(line.substr(start, line.find_last_not_of(kBlanks) + 1 - start)), std::nullopt});
-}
-
 void addLines(std::vector<HypertextPiece>& pieces, std::string_view text) {
   while (!text.empty()) {
-    const auto end = std::min(text.find('\n'), text.size());
-    addLine(pieces, text.substr(0, end));
-    text.remove_prefix(std::min(end + 1, text.size()));
+    const std::string_view line = trimmed(takeUntil(text, '\n'));
+    if (!line.empty()) pieces.push_back({std::string(line), std::nullopt});
   }
 }
 

@@ -6,9 +6,9 @@
 namespace nimbo {
 namespace {
 
-sd_event* newLoop() {
-  sd_event* loop = nullptr;
-  sd_event_new(&loop);
+Event newLoop() {
+  Event loop;
+  sd_event_new(loop.out());
   return loop;
 }
 

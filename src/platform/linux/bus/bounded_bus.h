@@ -30,7 +30,7 @@ class BoundedBus {
   void attach(sd_event* event);
 
  private:
-  UniqueHandle<SdEventTraits> ownLoop_;  // so that waiting runs nobody else's handlers
+  Event ownLoop_;  // so that waiting runs nobody else's handlers
   SdBusConnection connection_;
 };
 

@@ -19,10 +19,7 @@ BusNameWatch::BusNameWatch(sd_bus* bus, const std::string& name, std::function<v
     const char* owner = nullptr;
     if (sd_bus_message_read(signal, "sss", nullptr, nullptr, &owner) > 0) update(owner);
   });
-  const BusMessage call =
-      methodCall(bus, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "GetNameOwner");
-  if (call) sd_bus_message_append(call.get(), "s", name.c_str());
-  query_ = callAsync(bus, call, [this](sd_bus_message* reply) {
+  query_ = callAsync(methodCall(bus, methodOfTheBus("GetNameOwner"), name), [this](sd_bus_message* reply) {
     const char* owner = "";
     if (!isError(reply)) sd_bus_message_read(reply, "s", &owner);
     update(owner);

@@ -36,17 +36,21 @@ std::uint64_t remaining(std::chrono::steady_clock::time_point deadline) {
   return static_cast<std::uint64_t>(std::max<microseconds::rep>(left.count(), 1));
 }
 
+int call(const BusMessage& message, std::chrono::steady_clock::time_point deadline, sd_bus_message** reply = nullptr) {
+  if (!message) return -ENOTCONN;
+  sd_bus* const bus = sd_bus_message_get_bus(message.get());
+  return sd_bus_call(bus, message.get(), remaining(deadline), nullptr, reply);
+}
+
 }  // namespace
 
 // Everybody on the bus belongs to the user; asking the bus about each caller's rights would block.
 const sd_bus_vtable DbusApplicationInstance::kTable[] = {
     SD_BUS_VTABLE_START(0),
-    SD_BUS_METHOD("Activate", "a{sv}", "", (busMethod<DbusApplicationInstance, &DbusApplicationInstance::activate>),
+    SD_BUS_METHOD("Activate", "a{sv}", "", bus_table::method<&DbusApplicationInstance::activate>,
                   SD_BUS_VTABLE_UNPRIVILEGED),
-    SD_BUS_METHOD("Open", "asa{sv}", "", (busMethod<DbusApplicationInstance, &DbusApplicationInstance::open>),
-                  SD_BUS_VTABLE_UNPRIVILEGED),
-    SD_BUS_METHOD("ActivateAction", "sava{sv}", "",
-                  (busMethod<DbusApplicationInstance, &DbusApplicationInstance::activateAction>),
+    SD_BUS_METHOD("Open", "asa{sv}", "", bus_table::method<&DbusApplicationInstance::open>, SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_METHOD("ActivateAction", "sava{sv}", "", bus_table::method<&DbusApplicationInstance::activateAction>,
                   SD_BUS_VTABLE_UNPRIVILEGED),
     SD_BUS_VTABLE_END,
 };
@@ -62,9 +66,7 @@ Result<InstanceRole, InstanceError> DbusApplicationInstance::claim(const std::ve
   if (session_.get() == nullptr) return unreachable(session_.failure());
   handlers_ = std::move(handlers);
   // The object stands before the name does: a later start may call at once.
-  sd_bus_slot* slot = nullptr;
-  sd_bus_add_object_vtable(session_.get(), &slot, kPath, kInterface, kTable, this);
-  object_.reset(slot);
+  object_ = addObject(session_.get(), kPath, kInterface, kTable, this);
 
   const Deadline deadline = std::chrono::steady_clock::now() + limit_;
   if (const int result = waitUntilReady(deadline); result < 0) return unreachable(reason(result));
@@ -101,13 +103,9 @@ int DbusApplicationInstance::waitUntilReady(Deadline deadline) {
 
 int DbusApplicationInstance::requestName(Deadline deadline) {
   constexpr std::uint32_t kDoNotQueue = 4;
-  const BusMessage call = methodCall(session_.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus",
-                                     "org.freedesktop.DBus", "RequestName");
-  if (!call) return -ENOTCONN;
-  sd_bus_message_append(call.get(), "su", kName, kDoNotQueue);
-  sd_bus_message* answer = nullptr;
-  const int result = sd_bus_call(session_.get(), call.get(), remaining(deadline), nullptr, &answer);
-  const BusMessage reply(answer);
+  BusMessage reply;
+  const int result =
+      call(methodCall(session_.get(), methodOfTheBus("RequestName"), kName, kDoNotQueue), deadline, reply.out());
   if (result < 0) return result;
   std::uint32_t outcome = 0;
   const int read = sd_bus_message_read(reply.get(), "u", &outcome);
@@ -115,19 +113,11 @@ int DbusApplicationInstance::requestName(Deadline deadline) {
 }
 
 int DbusApplicationInstance::forward(const std::vector<std::string>& links, Deadline deadline) {
-  const BusMessage call = methodCall(session_.get(), kName, kPath, kInterface, links.empty() ? "Activate" : "Open");
-  if (!call) return -ENOTCONN;
-  int result = 0;
-  if (!links.empty()) {
-    result = sd_bus_message_open_container(call.get(), SD_BUS_TYPE_ARRAY, "s");
-    for (const std::string& link : links) {
-      if (result >= 0) result = sd_bus_message_append(call.get(), "s", repairedUtf8(link).c_str());
-    }
-    if (result >= 0) result = sd_bus_message_close_container(call.get());
-  }
-  if (result >= 0) result = sd_bus_message_append(call.get(), "a{sv}", 0);
-  if (result >= 0) result = sd_bus_call(session_.get(), call.get(), remaining(deadline), nullptr, nullptr);
-  return result;
+  sd_bus* const bus = session_.get();
+  if (links.empty()) return call(methodCall(bus, {kName, kPath, kInterface, "Activate"}, NoOptions()), deadline);
+  std::vector<std::string> repaired;
+  for (const std::string& link : links) repaired.push_back(repairedUtf8(link));
+  return call(methodCall(bus, {kName, kPath, kInterface, "Open"}, repaired, NoOptions()), deadline);
 }
 
 int DbusApplicationInstance::activate(sd_bus_message* call, sd_bus_error* /*error*/) {

@@ -12,41 +12,52 @@ int onMessage(sd_bus_message* message, void* handler, sd_bus_error* /*error*/) {
   return 0;
 }
 
-void destroyHandler(void* handler) { delete static_cast<BusHandler*>(handler); }
-
 // The slot, not its owner, keeps the handler: a handler may drop its own slot while it runs.
-BusSlot adopt(sd_bus_slot* slot, std::unique_ptr<BusHandler> handler) {
-  sd_bus_slot_set_destroy_callback(slot, destroyHandler);
+BusSlot keeping(std::unique_ptr<BusHandler> handler, BusSlot slot) {
+  sd_bus_slot_set_destroy_callback(slot.get(), [](void* kept) { delete static_cast<BusHandler*>(kept); });
   handler.release();  // NOLINT(bugprone-unused-return-value): the slot's destroy callback deletes it
-  return BusSlot(slot);
+  return slot;
 }
 
 }  // namespace
 
-BusMessage methodCall(sd_bus* bus, const char* destination, const char* path, const char* interface, const char* member,
-                      BusActivation activation) {
-  sd_bus_message* call = nullptr;
-  if (bus == nullptr || sd_bus_message_new_method_call(bus, &call, destination, path, interface, member) < 0) return {};
-  sd_bus_message_set_auto_start(call, activation == BusActivation::allowed ? 1 : 0);
-  return BusMessage(call);
+BusMethod methodOfTheBus(const char* member) {
+  return {"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", member};
 }
 
-BusSlot callAsync(sd_bus* bus, const BusMessage& call, BusHandler done) {
+BusMessage newCall(sd_bus* bus, const BusMethod& method) {
+  BusMessage call;
+  const auto& [destination, path, interface, member, activation] = method;
+  if (bus == nullptr || sd_bus_message_new_method_call(bus, call.out(), destination, path, interface, member) < 0) {
+    return {};
+  }
+  sd_bus_message_set_auto_start(call.get(), activation == BusActivation::allowed ? 1 : 0);
+  return call;
+}
+
+BusSlot callAsync(const BusMessage& call, BusHandler done) {
   if (!call) return {};
   auto handler = std::make_unique<BusHandler>(std::move(done));
-  sd_bus_slot* slot = nullptr;
-  if (sd_bus_call_async(bus, &slot, call.get(), onMessage, handler.get(), 0) < 0) return {};
-  return adopt(slot, std::move(handler));
+  BusSlot slot;
+  sd_bus* const bus = sd_bus_message_get_bus(call.get());
+  if (sd_bus_call_async(bus, slot.out(), call.get(), onMessage, handler.get(), 0) < 0) return {};
+  return keeping(std::move(handler), std::move(slot));
 }
 
 BusSlot addMatch(sd_bus* bus, const char* rule, BusHandler received) {
   if (bus == nullptr) return {};
   auto handler = std::make_unique<BusHandler>(std::move(received));
-  sd_bus_slot* slot = nullptr;
+  BusSlot slot;
   // Without an install callback a refused match would end the connection.
   const auto installed = [](sd_bus_message*, void*, sd_bus_error*) { return 0; };
-  if (sd_bus_add_match_async(bus, &slot, rule, onMessage, installed, handler.get()) < 0) return {};
-  return adopt(slot, std::move(handler));
+  if (sd_bus_add_match_async(bus, slot.out(), rule, onMessage, installed, handler.get()) < 0) return {};
+  return keeping(std::move(handler), std::move(slot));
+}
+
+BusSlot addObject(sd_bus* bus, const char* path, const char* interface, const sd_bus_vtable* table, void* object) {
+  BusSlot slot;
+  if (bus != nullptr) sd_bus_add_object_vtable(bus, slot.out(), path, interface, table, object);
+  return slot;
 }
 
 bool readStrings(sd_bus_message* message, std::vector<std::string>& strings) {

@@ -4,8 +4,11 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
+#include "platform/linux/bus/bus_writer.h"
 #include "platform/linux/bus/sd_bus_handles.h"
 
 // Small helpers over sd-bus. All take a null bus or message, and then do nothing.
@@ -15,18 +18,39 @@ namespace nimbo {
 using BusHandler = std::function<void(sd_bus_message* message)>;
 
 enum class BusActivation {
-  allowed,    ///< the bus may start the service for this call
+  allowed,    ///< the bus may start the service for the call
   forbidden,  ///< a service that does not run answers with an error
 };
 
-/// Null when there is no bus.
-[[nodiscard]] BusMessage methodCall(sd_bus* bus, const char* destination, const char* path, const char* interface,
-                                    const char* member, BusActivation activation = BusActivation::forbidden);
+/// What is called, and where it is found on the bus.
+struct BusMethod {
+  const char* destination;
+  const char* path;
+  const char* interface;
+  const char* member;
+  BusActivation activation = BusActivation::forbidden;
+};
+
+/// A method of the bus itself.
+[[nodiscard]] BusMethod methodOfTheBus(const char* member);
+
+/// A call without arguments yet. Null when there is no bus.
+[[nodiscard]] BusMessage newCall(sd_bus* bus, const BusMethod& method);
+
+/// Null when there is no bus or the arguments cannot be sent over one.
+template <class... Arguments>
+[[nodiscard]] BusMessage methodCall(sd_bus* bus, const BusMethod& method, const Arguments&... arguments) {
+  BusMessage call = newCall(bus, method);
+  if (!call) return call;
+  BusWriter writer(call.get());
+  (writer.add(arguments), ...);
+  return writer.result() < 0 ? BusMessage() : std::move(call);
+}
 
 /// Sends `call`; `done` gets the reply, or an error message for which sd_bus_message_is_method_error
 /// holds (also when none came in 25 s). Dropping the slot cancels. When the call cannot even be
 /// sent the slot is null and `done` never called.
-[[nodiscard]] BusSlot callAsync(sd_bus* bus, const BusMessage& call, BusHandler done);
+[[nodiscard]] BusSlot callAsync(const BusMessage& call, BusHandler done);
 
 /// Calls `received` for each matching signal, until the slot is dropped. The bus holds only broadcasts to the
 /// rule's sender: where others than the user are on the bus, `received` asks `isFrom`.
@@ -40,15 +64,45 @@ enum class BusActivation {
 /// Whether the bus says that it was sent by the owner of that unique name; never for an empty one.
 [[nodiscard]] bool isFrom(sd_bus_message* message, std::string_view sender);
 
-/// Adapters from a vtable's C callbacks to the member functions that answer.
-template <class Object, int (Object::*kMember)(sd_bus_message*, sd_bus_error*)>
-int busMethod(sd_bus_message* call, void* object, sd_bus_error* error) {
-  return (static_cast<Object*>(object)->*kMember)(call, error);
+/// Offers `object` to others for as long as the slot lives; `table` outlives it.
+[[nodiscard]] BusSlot addObject(sd_bus* bus, const char* path, const char* interface, const sd_bus_vtable* table,
+                                void* object);
+
+// Adapters from a vtable's C callbacks to what answers them.
+namespace bus_table {
+
+template <class Class, class Type>
+Class classOf(Type Class::*member);
+
+/// A member function that answers a call.
+template <auto kMember>
+int method(sd_bus_message* call, void* object, sd_bus_error* error) {
+  return (static_cast<decltype(classOf(kMember))*>(object)->*kMember)(call, error);
 }
-template <class Object, int (Object::*kMember)(sd_bus_message*) const>
-int busProperty(sd_bus* /*bus*/, const char* /*path*/, const char* /*interface*/, const char* /*property*/,
-                sd_bus_message* reply, void* object, sd_bus_error* /*error*/) {
-  return (static_cast<const Object*>(object)->*kMember)(reply);
+
+/// A member function that returns a property's value, or writes it.
+template <auto kMember>
+int property(sd_bus* /*bus*/, const char* /*path*/, const char* /*interface*/, const char* /*property*/,
+             sd_bus_message* reply, void* object, sd_bus_error* /*error*/) {
+  using Object = const decltype(classOf(kMember));
+  BusWriter writer(reply);
+  if constexpr (std::is_invocable_v<decltype(kMember), Object&, BusWriter&>) {
+    (static_cast<Object*>(object)->*kMember)(writer);
+  } else {
+    writer.add((static_cast<Object*>(object)->*kMember)());
+  }
+  return writer.result();
 }
+
+/// A function that returns the value of a property that never changes.
+template <auto kFunction>
+int constant(sd_bus* /*bus*/, const char* /*path*/, const char* /*interface*/, const char* /*property*/,
+             sd_bus_message* reply, void* /*object*/, sd_bus_error* /*error*/) {
+  BusWriter writer(reply);
+  writer.add(kFunction());
+  return writer.result();
+}
+
+}  // namespace bus_table
 
 }  // namespace nimbo

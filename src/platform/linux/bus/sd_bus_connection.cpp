@@ -6,6 +6,7 @@
 #include <system_error>
 #include <utility>
 
+#include "base/text.h"
 #include "platform/linux/bus/sd_bus_calls.h"
 
 namespace nimbo {
@@ -22,30 +23,12 @@ int start(sd_bus* bus, const std::string& address) {
   return result;
 }
 
-// D-Bus escapes bytes in addresses like URLs do.
-std::string escapedForAddress(const std::string& path) {
-  constexpr std::string_view kPlain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_/.\\*";
-  constexpr std::string_view kDigits = "0123456789abcdef";
-  std::string escaped;
-  for (const char character : path) {
-    if (kPlain.find(character) != std::string_view::npos) {
-      escaped += character;
-      continue;
-    }
-    const auto byte = static_cast<unsigned char>(character);
-    escaped += {'%', kDigits[byte >> 4U], kDigits[byte & 0xFU]};
-  }
-  return escaped;
-}
-
 }  // namespace
 
 SdBusConnection::SdBusConnection(sd_event* event, const std::string& address, std::function<void()> lost) {
-  sd_bus* bus = nullptr;
-  int result = sd_bus_new(&bus);
-  bus_.reset(bus);
-  if (result >= 0) result = start(bus, address);
-  if (result >= 0) result = sd_bus_attach_event(bus, event, SD_EVENT_PRIORITY_NORMAL);
+  int result = sd_bus_new(bus_.out());
+  if (result >= 0) result = start(get(), address);
+  if (result >= 0) result = sd_bus_attach_event(get(), event, SD_EVENT_PRIORITY_NORMAL);
   if (result < 0) {
     failure_ = address.empty() ? "no address is known" : std::generic_category().message(-result);
     bus_.reset();
@@ -56,13 +39,13 @@ SdBusConnection::SdBusConnection(sd_event* event, const std::string& address, st
   constexpr const char* kLocal =
       "type='signal',sender='org.freedesktop.DBus.Local',path='/org/freedesktop/DBus/Local',"
       "interface='org.freedesktop.DBus.Local',member='Disconnected'";
-  disconnected_ = addMatch(bus, kLocal, [lost = std::move(lost)](sd_bus_message* /*signal*/) { lost(); });
+  disconnected_ = addMatch(get(), kLocal, [lost = std::move(lost)](sd_bus_message* /*signal*/) { lost(); });
 }
 
 std::string sessionBusAddress(const std::string& addressVariable, const std::string& runtimeFolder) {
   if (!addressVariable.empty()) return addressVariable;
   if (runtimeFolder.empty()) return {};
-  return "unix:path=" + escapedForAddress(runtimeFolder + "/bus");
+  return "unix:path=" + percentEncoded(runtimeFolder + "/bus", "-_/.\\*");
 }
 
 std::string systemBusAddress(const std::string& addressVariable) {

@@ -26,7 +26,7 @@ class SdBusConnection {
   [[nodiscard]] const std::string& failure() const { return failure_; }
 
  private:
-  UniqueHandle<SdBusTraits> bus_;
+  Bus bus_;
   BusSlot disconnected_;
   std::string failure_;
 };

@@ -43,9 +43,8 @@ XfconfProperty::XfconfProperty(sd_bus* session, const std::string& channel, cons
       });
   propertyRemoved_ = addMatch(session, matchRule("PropertyRemoved", channel, property).c_str(),
                               [this](sd_bus_message* /*signal*/) { changed_(std::nullopt); });
-  const BusMessage call = methodCall(session, "org.xfce.Xfconf", "/org/xfce/Xfconf", "org.xfce.Xfconf", "GetProperty");
-  if (call) sd_bus_message_append(call.get(), "ss", channel.c_str(), property.c_str());
-  query_ = callAsync(session, call, [this](sd_bus_message* reply) {
+  constexpr BusMethod kGetProperty{"org.xfce.Xfconf", "/org/xfce/Xfconf", "org.xfce.Xfconf", "GetProperty"};
+  query_ = callAsync(methodCall(session, kGetProperty, channel, property), [this](sd_bus_message* reply) {
     if (!isError(reply)) changed_(readVariant(reply));
   });
 }

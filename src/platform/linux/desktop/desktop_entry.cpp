@@ -1,58 +1,27 @@
 // SPDX-License-Identifier: MIT
 #include "platform/linux/desktop/desktop_entry.h"
 
-#include <unistd.h>
-
-#include <filesystem>
-#include <system_error>
 #include <utility>
 
+#include "base/text.h"
 #include "platform/linux/desktop/detached_programs.h"
+#include "platform/linux/files/regular_file.h"
 
 namespace nimbo {
 namespace {
 
 constexpr std::string_view kGroup = "[Desktop Entry]";
-constexpr std::string_view kBlanks = " \t\r\n";
-
-std::string_view trimmed(std::string_view text) {
-  const auto first = text.find_first_not_of(kBlanks);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
-}
-
-std::string_view takeUntil(std::string_view& rest, char separator) {
-  const auto end = rest.find(separator);
-  const std::string_view part = rest.substr(0, end);
-  rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
-  return part;
-}
-
-char unescaped(char character) {
-  switch (character) {
-    case 's':
-      return ' ';
-    case 'n':
-      return '\n';
-    case 't':
-      return '\t';
-    case 'r':
-      return '\r';
-    default:
-      return character;
-  }
-}
 
 std::string unescaped(std::string_view value) {
+  constexpr std::string_view kCodes = "sntr\\";
+  constexpr std::string_view kMeanings = " \n\t\r\\";
   std::string text;
   for (std::size_t index = 0; index < value.size(); ++index) {
     const bool isEscape = value[index] == '\\' && index + 1 < value.size();
+    const auto code = isEscape ? kCodes.find(value[index + 1]) : std::string_view::npos;
     // What is escaped in no known way keeps its backslash: a command may mean it for itself.
-    if (isEscape && std::string_view("sntr\\").find(value[index + 1]) != std::string_view::npos) {
-      text += unescaped(value[++index]);
-    } else {
-      text += value[index];
-    }
+    text += code == std::string_view::npos ? value[index] : kMeanings[code];
+    if (code != std::string_view::npos) ++index;
   }
   return text;
 }
@@ -100,9 +69,7 @@ std::optional<std::vector<std::string>> wordsOf(std::string_view command) {
 
 std::optional<std::string> programPath(const std::string& name, const std::string& searchPath) {
   if (name.find('/') == std::string::npos) return findProgram(name, searchPath);
-  std::error_code error;
-  const bool isProgram = std::filesystem::is_regular_file(name, error) && ::access(name.c_str(), X_OK) == 0;
-  return isProgram ? std::optional(name) : std::nullopt;
+  return isExecutableFile(name) ? std::optional(name) : std::nullopt;
 }
 
 }  // namespace
@@ -125,7 +92,7 @@ std::optional<DesktopEntry> DesktopEntry::parse(std::string_view text) {
 
 std::optional<std::string> DesktopEntry::text(std::string_view key) const {
   const auto found = values_.find(key);
-  return found == values_.end() ? std::nullopt : std::optional(unescaped(std::string_view(found->second)));
+  return found == values_.end() ? std::nullopt : std::optional(unescaped(found->second));
 }
 
 std::optional<bool> DesktopEntry::flag(std::string_view key) const {
@@ -155,41 +122,16 @@ std::optional<std::vector<std::string>> DesktopEntry::command(const std::string&
 }
 
 std::string quotedForExec(std::string_view argument) {
-  std::string word;
-  for (const char character : argument) {
-    if (std::string_view("\"`$\\").find(character) != std::string_view::npos) word += '\\';
-    if (character == '%') word += '%';
-    word += character;
-  }
   const bool isPlain =
       !argument.empty() && argument.find_first_of(" \t\n\r\"'\\><~|&;$*?#()`") == std::string_view::npos;
+  const std::string word =
+      replacedCharacters(argument, {{'"', "\\\""}, {'`', "\\`"}, {'$', "\\$"}, {'\\', "\\\\"}, {'%', "%%"}});
   return isPlain ? word : '"' + word + '"';
 }
 
 std::string escapedForEntry(std::string_view text) {
-  std::string value;
-  for (const char character : text) {
-    switch (character) {
-      case '\\':
-        value += "\\\\";
-        break;
-      case '\n':
-        value += "\\n";
-        break;
-      case '\t':
-        value += "\\t";
-        break;
-      case '\r':
-        value += "\\r";
-        break;
-      case ' ':
-        value += value.empty() ? "\\s" : " ";
-        break;
-      default:
-        value += character;
-    }
-  }
-  return value;
+  const std::string value = replacedCharacters(text, {{'\\', "\\\\"}, {'\n', "\\n"}, {'\t', "\\t"}, {'\r', "\\r"}});
+  return value.starts_with(' ') ? "\\s" + value.substr(1) : value;
 }
 
 }  // namespace nimbo

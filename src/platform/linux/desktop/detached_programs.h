@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "platform/linux/files/unique_fd.h"
-#include "platform/linux/loop/sd_event_handles.h"
+#include "platform/main_loop.h"
 
 namespace nimbo {
 
@@ -19,22 +19,20 @@ namespace nimbo {
 /// end. Destroying it leaves them running. Main thread only.
 class DetachedPrograms {
  public:
-  explicit DetachedPrograms(sd_event* event) : event_(event) {}
+  explicit DetachedPrograms(MainLoop& loop) : loop_(loop) {}
   DetachedPrograms(const DetachedPrograms&) = delete;
   DetachedPrograms& operator=(const DetachedPrograms&) = delete;
 
   /// False when the program could not be started.
-  [[nodiscard]] bool start(const std::string& path, std::vector<std::string> arguments = {});
+  [[nodiscard]] bool start(const std::string& path, const std::vector<std::string>& arguments = {});
 
  private:
   struct Child {
-    DetachedPrograms* owner = nullptr;
-    UniqueFd descriptor;
-    UniqueHandle<SdEventSourceTraits> source;
+    UniqueFd process;
+    Subscription ended;
   };
-  static int onEnded(sd_event_source* source, int descriptor, std::uint32_t events, void* child);
 
-  sd_event* const event_;
+  MainLoop& loop_;
   std::list<Child> children_;
 };
 

@@ -3,16 +3,12 @@
 
 #include <locale.h>
 
+#include <type_traits>
+
 #include "base/unique_handle.h"
 #include "platform/dates.h"
 
 namespace nimbo {
-
-struct LocaleTraits {
-  using Handle = locale_t;
-  static Handle invalid() { return nullptr; }
-  static void release(Handle locale) { ::freelocale(locale); }
-};
 
 /// Dates by the C library's locales, without touching the locale of the process.
 class LocaleDates final : public Dates {
@@ -28,7 +24,7 @@ class LocaleDates final : public Dates {
  private:
   [[nodiscard]] std::string format(std::chrono::system_clock::time_point time, const std::wstring& pattern) const;
 
-  UniqueHandle<LocaleTraits> locale_;
+  UniquePointer<std::remove_pointer_t<locale_t>, ::freelocale> locale_;
   std::wstring timePattern_;
   std::wstring monthPattern_;  ///< of a date with its month's abbreviated name
 };

@@ -2,16 +2,13 @@
 #include "platform/linux/desktop/portal_workspace.h"
 
 #include <algorithm>
-#include <cctype>
 #include <string_view>
 #include <utility>
 
+#include "base/text.h"
 #include "platform/linux/bus/sd_bus_calls.h"
-#include "platform/linux/desktop/application_marks.h"
-#include "platform/linux/desktop/desktop_name.h"
-#include "platform/linux/desktop/file_uri.h"
-#include "platform/linux/desktop/installed_application.h"
-#include "platform/linux/desktop/system_monitor_programs.h"
+#include "platform/linux/desktop/current_desktop.h"
+#include "platform/linux/desktop/desktop_application.h"
 
 namespace nimbo {
 namespace {
@@ -23,10 +20,13 @@ constexpr const char* kNamespace = "org.freedesktop.appearance";
 constexpr const char* kKey = "color-scheme";
 
 // "Adwaita-dark", "Breeze-Dark", and "Adwaita:dark" as GTK_THEME has it.
-bool isDarkTheme(std::string name) {
-  std::transform(name.begin(), name.end(), name.begin(), [](unsigned char c) { return std::tolower(c); });
-  return name.ends_with("-dark") || name.ends_with(":dark");
+bool isDarkTheme(std::string_view name) {
+  const std::string theme = lowerCased(name);
+  return theme.ends_with("-dark") || theme.ends_with(":dark");
 }
+
+// RFC 8089, of an absolute path.
+std::string fileUri(const std::filesystem::path& file) { return "file://" + percentEncoded(file.native(), "-._~/"); }
 
 // Where an application of that bus name has its object, by freedesktop.org's rules for desktop entries.
 std::string objectPath(const std::string& busName) {
@@ -38,8 +38,8 @@ std::string objectPath(const std::string& busName) {
 
 }  // namespace
 
-PortalWorkspace::PortalWorkspace(sd_event* event, sd_bus* session, Setup setup)
-    : session_(session), setup_(std::move(setup)), themeName_(setup_.gtkTheme), programs_(event) {
+PortalWorkspace::PortalWorkspace(MainLoop& loop, sd_bus* session, Setup setup)
+    : session_(session), setup_(std::move(setup)), themeName_(setup_.gtkTheme), programs_(loop) {
   const std::string rule = std::string("type='signal',sender='") + kPortal + "',path='" + kPath + "',interface='" +
                            kInterface + "',member='SettingChanged',arg0='" + kNamespace + "',arg1='" + kKey + "'";
   settingChanged_ = addMatch(session, rule.c_str(), [this](sd_bus_message* signal) {
@@ -62,9 +62,8 @@ PortalWorkspace::PortalWorkspace(sd_event* event, sd_bus* session, Setup setup)
 
 // The portal may be started for this: a desktop that has one leaves the colour scheme to it.
 void PortalWorkspace::readColorScheme(const char* method) {
-  const BusMessage call = methodCall(session_, kPortal, kPath, kInterface, method, BusActivation::allowed);
-  if (call) sd_bus_message_append(call.get(), "ss", kNamespace, kKey);
-  query_ = callAsync(session_, call, [this, method](sd_bus_message* reply) {
+  const BusMethod read{kPortal, kPath, kInterface, method, BusActivation::allowed};
+  query_ = callAsync(methodCall(session_, read, kNamespace, kKey), [this, method](sd_bus_message* reply) {
     if (!isError(reply)) {
       setColorScheme(reply);
     } else if (std::string_view(method) == "ReadOne" &&
@@ -116,18 +115,21 @@ bool PortalWorkspace::openSystemMonitor() {
 
 // The portal knows the user's choice also from inside a container; without one, xdg-open does.
 void PortalWorkspace::openLink(const std::string& url) {
-  const BusMessage call =
-      methodCall(session_, kPortal, kPath, "org.freedesktop.portal.OpenURI", "OpenURI", BusActivation::allowed);
-  if (call) sd_bus_message_append(call.get(), "ssa{sv}", "", url.c_str(), 0);
-  link_ = callAsync(session_, call, [this, url](sd_bus_message* reply) {
-    if (isError(reply)) openByProgram(url);
-  });
-  if (!link_) openByProgram(url);
+  constexpr BusMethod kOpen{kPortal, kPath, "org.freedesktop.portal.OpenURI", "OpenURI", BusActivation::allowed};
+  (void)callOr(link_, methodCall(session_, kOpen, "", url, NoOptions()), [this, url] { return openByProgram(url); });
 }
 
-void PortalWorkspace::openByProgram(const std::string& url) {
+bool PortalWorkspace::openByProgram(const std::string& url) {
   const auto path = findProgram("xdg-open", setup_.searchPath);
-  if (path) (void)programs_.start(*path, {url});
+  return path && programs_.start(*path, {url});
+}
+
+// `otherwise` is done at once when the call cannot be made, and later when it fails.
+bool PortalWorkspace::callOr(BusSlot& pending, const BusMessage& call, const std::function<bool()>& otherwise) {
+  pending = callAsync(call, [otherwise](sd_bus_message* reply) {
+    if (isError(reply)) (void)otherwise();
+  });
+  return pending || otherwise();
 }
 
 bool PortalWorkspace::openApplication(const std::string& bundleIdentifier) {
@@ -138,13 +140,11 @@ bool PortalWorkspace::openApplication(const std::string& bundleIdentifier) {
   if (!application->isActivatable) return start(application->command);
 
   const std::string& name = application->desktopId;
-  const BusMessage call = methodCall(session_, name.c_str(), objectPath(name).c_str(), "org.freedesktop.Application",
-                                     "Activate", BusActivation::allowed);
-  if (call) sd_bus_message_append(call.get(), "a{sv}", 0);
-  application_ = callAsync(session_, call, [this, command = application->command](sd_bus_message* reply) {
-    if (isError(reply)) (void)start(command);
-  });
-  return application_ || start(application->command);
+  const std::string path = objectPath(name);
+  const BusMethod activate{name.c_str(), path.c_str(), "org.freedesktop.Application", "Activate",
+                           BusActivation::allowed};
+  return callOr(application_, methodCall(session_, activate, NoOptions()),
+                [this, command = application->command] { return start(command); });
 }
 
 bool PortalWorkspace::start(const std::vector<std::string>& command) {
@@ -153,13 +153,10 @@ bool PortalWorkspace::start(const std::vector<std::string>& command) {
 
 // The portal's OpenURI would take a folder's URI and then quietly refuse it.
 void PortalWorkspace::revealFile(const std::filesystem::path& file) {
-  const BusMessage call = methodCall(session_, "org.freedesktop.FileManager1", "/org/freedesktop/FileManager1",
-                                     "org.freedesktop.FileManager1", "ShowItems", BusActivation::allowed);
-  if (call) sd_bus_message_append(call.get(), "ass", 1, fileUri(file).c_str(), "");
-  file_ = callAsync(session_, call, [this, folder = fileUri(file.parent_path())](sd_bus_message* reply) {
-    if (isError(reply)) openByProgram(folder);
-  });
-  if (!file_) openByProgram(fileUri(file.parent_path()));
+  constexpr BusMethod kShow{"org.freedesktop.FileManager1", "/org/freedesktop/FileManager1",
+                            "org.freedesktop.FileManager1", "ShowItems", BusActivation::allowed};
+  (void)callOr(file_, methodCall(session_, kShow, std::vector{fileUri(file)}, ""),
+               [this, folder = fileUri(file.parent_path())] { return openByProgram(folder); });
 }
 
 }  // namespace nimbo

@@ -25,7 +25,7 @@ class PortalWorkspace final : public Workspace {
     std::vector<std::filesystem::path> applicationFolders{};  ///< with desktop entries, see applicationFolders()
   };
 
-  PortalWorkspace(sd_event* event, sd_bus* session, Setup setup);
+  PortalWorkspace(MainLoop& loop, sd_bus* session, Setup setup);
 
   [[nodiscard]] Appearance appearance() const override { return appearance_; }
   [[nodiscard]] Subscription observeAppearance(std::function<void(Appearance)> changed) override;
@@ -40,7 +40,8 @@ class PortalWorkspace final : public Workspace {
   void setColorScheme(sd_bus_message* value);
   void update();
   [[nodiscard]] std::optional<std::string> systemMonitor() const;
-  void openByProgram(const std::string& url);
+  [[nodiscard]] bool callOr(BusSlot& pending, const BusMessage& call, const std::function<bool()>& otherwise);
+  [[nodiscard]] bool openByProgram(const std::string& url);
   [[nodiscard]] bool start(const std::vector<std::string>& command);
 
   sd_bus* const session_;

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "platform/linux/bus/sd_bus_calls.h"
-#include "platform/linux/desktop/desktop_name.h"
+#include "platform/linux/desktop/current_desktop.h"
 
 namespace nimbo {
 namespace {
@@ -19,12 +19,10 @@ DesktopDisplayPower::DesktopDisplayPower(MainLoop& loop, sd_bus* session, std::s
 Result<Subscription, DisplayPowerError> DesktopDisplayPower::sleepNow(std::function<void()> failed) {
   if (!x11Screen_ && make_.x11) x11Screen_ = make_.x11();
   if (x11Screen_) return turnOffX11(std::move(failed));
-  if (const BusMessage call = callForDesktop()) {
-    auto slot = std::make_shared<BusSlot>(callAsync(session_, call, [failed](sd_bus_message* reply) {
-      if (isError(reply)) failed();
-    }));
-    if (*slot) return Subscription([slot] { slot->reset(); });
-  }
+  auto call = std::make_shared<BusSlot>(callAsync(callForDesktop(), [failed](sd_bus_message* reply) {
+    if (isError(reply)) failed();
+  }));
+  if (*call) return Subscription([call] { call->reset(); });
   if (!wayland_ && make_.wayland) wayland_ = make_.wayland();
   if (wayland_) return wayland_->sleepNow(std::move(failed));
   return tl::unexpected(DisplayPowerError{"This desktop offers no way to turn the display off."});
@@ -42,17 +40,13 @@ Subscription DesktopDisplayPower::turnOffX11(std::function<void()> failed) {
 
 /// Null where nothing is known to do it.
 BusMessage DesktopDisplayPower::callForDesktop() const {
-  BusMessage call;
-  if (desktopIs(desktop_, "KDE")) {
-    call = methodCall(session_, "org.kde.kglobalaccel", "/component/org_kde_powerdevil",
-                      "org.kde.kglobalaccel.Component", "invokeShortcut");
-    if (call) sd_bus_message_append(call.get(), "s", "Turn Off Screen");
-  } else if (desktopIs(desktop_, "GNOME")) {
-    call =
-        methodCall(session_, "org.gnome.ScreenSaver", "/org/gnome/ScreenSaver", "org.gnome.ScreenSaver", "SetActive");
-    if (call) sd_bus_message_append(call.get(), "b", 1);
-  }
-  return call;
+  constexpr BusMethod kInvoke{"org.kde.kglobalaccel", "/component/org_kde_powerdevil", "org.kde.kglobalaccel.Component",
+                              "invokeShortcut"};
+  constexpr BusMethod kSetActive{"org.gnome.ScreenSaver", "/org/gnome/ScreenSaver", "org.gnome.ScreenSaver",
+                                 "SetActive"};
+  if (desktopIs(desktop_, "KDE")) return methodCall(session_, kInvoke, "Turn Off Screen");
+  if (desktopIs(desktop_, "GNOME")) return methodCall(session_, kSetActive, true);
+  return {};
 }
 
 }  // namespace nimbo

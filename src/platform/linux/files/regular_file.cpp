@@ -25,6 +25,11 @@ Result<FileStamp, std::error_code> fileStamp(const std::filesystem::path& file) 
                    status.st_mtim.tv_sec, status.st_ctim.tv_sec, status.st_ctim.tv_nsec};
 }
 
+bool isExecutableFile(const std::filesystem::path& file) {
+  struct stat status {};
+  return ::stat(file.c_str(), &status) == 0 && S_ISREG(status.st_mode) && ::access(file.c_str(), X_OK) == 0;
+}
+
 Result<std::string, std::error_code> readRegularFile(const std::filesystem::path& file, std::size_t maximumBytes,
                                                      LinkedFile linked) {
   const auto text = readSecretFile(file, maximumBytes, linked);

@@ -31,6 +31,9 @@ struct FileStamp {
 /// Links are followed.
 [[nodiscard]] Result<FileStamp, std::error_code> fileStamp(const std::filesystem::path& file);
 
+/// Whether it is a regular file that this user may run. Links are followed.
+[[nodiscard]] bool isExecutableFile(const std::filesystem::path& file);
+
 /// What becomes of a file that is a symbolic link.
 enum class LinkedFile {
   follow,

@@ -13,12 +13,18 @@
 namespace nimbo {
 namespace {
 
-constexpr std::chrono::milliseconds kPatience{500};
+constexpr std::chrono::milliseconds kTimeToEnd{500};
 constexpr int kUtilityNice = 10;
 
 }  // namespace
 
 struct BackgroundThreads::Running {
+  void change(int by) {
+    const std::scoped_lock guard(lock);
+    count += by;
+    ended.notify_all();
+  }
+
   std::mutex lock;
   std::condition_variable ended;
   int count = 0;
@@ -28,27 +34,20 @@ BackgroundThreads::BackgroundThreads() : running_(std::make_shared<Running>()) {
 
 BackgroundThreads::~BackgroundThreads() {
   std::unique_lock guard(running_->lock);
-  running_->ended.wait_for(guard, kPatience, [this] { return running_->count == 0; });
+  running_->ended.wait_for(guard, kTimeToEnd, [this] { return running_->count == 0; });
 }
 
 void BackgroundThreads::run(const std::function<void()>& work) {
-  const auto task = [running = running_, work] {
-    setpriority(PRIO_PROCESS, static_cast<id_t>(gettid()), kUtilityNice);
-    work();
-    const std::scoped_lock guard(running->lock);
-    --running->count;
-    running->ended.notify_all();
-  };
-  {
-    const std::scoped_lock guard(running_->lock);
-    ++running_->count;
-  }
+  running_->change(+1);
   try {
-    std::thread(task).detach();
+    std::thread([running = running_, work] {
+      setpriority(PRIO_PROCESS, static_cast<id_t>(gettid()), kUtilityNice);
+      work();
+      running->change(-1);
+    }).detach();
   } catch (const std::system_error&) {
     work();
-    const std::scoped_lock guard(running_->lock);
-    --running_->count;
+    running_->change(-1);
   }
 }
 

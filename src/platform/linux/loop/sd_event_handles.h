@@ -7,17 +7,9 @@
 
 namespace nimbo {
 
-struct SdEventTraits {
-  using Handle = sd_event*;
-  static Handle invalid() { return nullptr; }
-  static void release(Handle event) { sd_event_unref(event); }
-};
+using Event = UniquePointer<sd_event, sd_event_unref>;
 
 /// Releasing a source also stops it, although a handler that runs right now may still hold it.
-struct SdEventSourceTraits {
-  using Handle = sd_event_source*;
-  static Handle invalid() { return nullptr; }
-  static void release(Handle source) { sd_event_source_disable_unref(source); }
-};
+using EventSource = UniquePointer<sd_event_source, sd_event_source_disable_unref>;
 
 }  // namespace nimbo

@@ -21,34 +21,29 @@ void check(int result) {
   if (result < 0) throw std::system_error(-result, std::generic_category(), "main loop");
 }
 
-std::uint64_t microsecondsOf(milliseconds duration) {
-  return static_cast<std::uint64_t>(microseconds(duration).count());
-}
-
-// An accuracy of 0 asks sd-event for its default of 250 ms.
-std::uint64_t accuracyFor(milliseconds leeway) { return std::max<std::uint64_t>(microsecondsOf(leeway), 1); }
-
-std::uint64_t monotonicNow() {
-  const auto sinceStart = std::chrono::steady_clock::now().time_since_epoch();
-  return static_cast<std::uint64_t>(std::chrono::duration_cast<microseconds>(sinceStart).count());
+template <class Duration>
+std::uint64_t microsecondsOf(Duration duration) {
+  return static_cast<std::uint64_t>(std::chrono::duration_cast<microseconds>(duration).count());
 }
 
 /// One registered callback. Handlers keep it alive while they run, because a callback may destroy
 /// its own subscription.
 struct Registration : std::enable_shared_from_this<Registration> {
-  std::function<void()> callback;
-  UniqueHandle<SdEventSourceTraits> source;
-  std::uint64_t interval = 0;
+  explicit Registration(std::function<void()> called) : callback(std::move(called)) {}
 
   void call() {
     const auto keep = shared_from_this();
     callback();
   }
-};
 
-Subscription subscribe(std::shared_ptr<Registration> registration) {
-  return Subscription([registration = std::move(registration)] { registration->source.reset(); });
-}
+  Subscription subscription() {
+    return Subscription([registration = shared_from_this()] { registration->source.reset(); });
+  }
+
+  const std::function<void()> callback;
+  EventSource source;
+  std::uint64_t interval = 0;  // microseconds
+};
 
 int onRepeat(sd_event_source* source, std::uint64_t due, void* data) {
   auto* registration = static_cast<Registration*>(data);
@@ -63,29 +58,24 @@ int onRepeat(sd_event_source* source, std::uint64_t due, void* data) {
   return 0;
 }
 
-int onTime(sd_event_source* /*source*/, std::uint64_t /*due*/, void* data) {
+template <class... Details>
+int onEvent(sd_event_source* /*source*/, Details... /*details*/, void* data) {
   static_cast<Registration*>(data)->call();
   return 0;
 }
 
-int onReady(sd_event_source* /*source*/, int /*descriptor*/, std::uint32_t /*events*/, void* data) {
-  static_cast<Registration*>(data)->call();
-  return 0;
-}
-
-std::shared_ptr<Registration> makeRegistration(std::function<void()> callback) {
-  auto registration = std::make_shared<Registration>();
-  registration->callback = std::move(callback);
-  return registration;
+void startTimer(sd_event* event, Registration& registration, clockid_t clock, std::uint64_t due, milliseconds leeway,
+                sd_event_time_handler_t handler) {
+  // An accuracy of 0 asks sd-event for its default of 250 ms.
+  const auto accuracy = std::max<std::uint64_t>(microsecondsOf(leeway), 1);
+  check(sd_event_add_time(event, registration.source.out(), clock, due, accuracy, handler, &registration));
 }
 
 }  // namespace
 
 SdEventMainLoop::SdEventMainLoop() : wakeUp_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
   if (!wakeUp_) check(-errno);
-  sd_event* event = nullptr;
-  check(sd_event_new(&event));
-  event_.reset(event);
+  check(sd_event_new(event_.out()));
   wakeUpWatch_ = watch(wakeUp_.get(), [this] { runPosted(); });
 }
 
@@ -117,47 +107,36 @@ void SdEventMainLoop::runPosted() {
 }
 
 Subscription SdEventMainLoop::every(milliseconds interval, milliseconds leeway, std::function<void()> fire) {
-  auto registration = makeRegistration(std::move(fire));
+  const auto registration = std::make_shared<Registration>(std::move(fire));
   registration->interval = std::max<std::uint64_t>(microsecondsOf(interval), 1);
-  sd_event_source* source = nullptr;
   // Not sd_event_add_time_relative: it counts from sd-event's last turn, which under an outer loop
   // may be long past.
-  check(sd_event_add_time(event_.get(), &source, CLOCK_MONOTONIC, monotonicNow() + registration->interval,
-                          accuracyFor(leeway), onRepeat, registration.get()));
-  registration->source.reset(source);
-  return subscribe(std::move(registration));
+  const std::uint64_t now = microsecondsOf(std::chrono::steady_clock::now().time_since_epoch());
+  startTimer(event(), *registration, CLOCK_MONOTONIC, now + registration->interval, leeway, onRepeat);
+  return registration->subscription();
 }
 
 Subscription SdEventMainLoop::at(std::chrono::system_clock::time_point when, milliseconds leeway,
                                  std::function<void()> fire) {
-  auto registration = makeRegistration(std::move(fire));
-  const auto sinceEpoch = std::chrono::duration_cast<microseconds>(when.time_since_epoch()).count();
-  sd_event_source* source = nullptr;
-  check(sd_event_add_time(event_.get(), &source, CLOCK_REALTIME,
-                          static_cast<std::uint64_t>(std::max<std::int64_t>(sinceEpoch, 1)), accuracyFor(leeway),
-                          onTime, registration.get()));
-  registration->source.reset(source);
-  return subscribe(std::move(registration));
+  const auto registration = std::make_shared<Registration>(std::move(fire));
+  const std::uint64_t due =
+      microsecondsOf(std::max<std::chrono::system_clock::duration>(when.time_since_epoch(), microseconds(1)));
+  startTimer(event(), *registration, CLOCK_REALTIME, due, leeway, onEvent<std::uint64_t>);
+  return registration->subscription();
 }
 
 Subscription SdEventMainLoop::watch(int descriptor, std::function<void()> ready) {
-  auto registration = makeRegistration(std::move(ready));
-  sd_event_source* source = nullptr;
-  check(sd_event_add_io(event_.get(), &source, descriptor, EPOLLIN, onReady, registration.get()));
-  registration->source.reset(source);
-  return subscribe(std::move(registration));
+  const auto registration = std::make_shared<Registration>(std::move(ready));
+  check(sd_event_add_io(event(), registration->source.out(), descriptor, EPOLLIN, onEvent<int, std::uint32_t>,
+                        registration.get()));
+  return registration->subscription();
 }
 
 void SdEventMainLoop::adopt(OuterLoop& outer) { outer_ = &outer; }
 
 void SdEventMainLoop::run() {
-  while (!quit_) {
-    if (outer_ != nullptr) {
-      outer_->run(sd_event_get_fd(event_.get()), [this] { dispatchPending(); });
-      break;
-    }
-    check(sd_event_run(event_.get(), UINT64_MAX));
-  }
+  while (!quit_ && outer_ == nullptr) check(sd_event_run(event(), UINT64_MAX));
+  if (!quit_) outer_->run(sd_event_get_fd(event()), [this] { dispatchPending(); });
   quit_ = false;
 }
 

@@ -37,7 +37,7 @@ class SdEventMainLoop final : public MainLoop {
   void runPosted();
   void dispatchPending();
 
-  UniqueHandle<SdEventTraits> event_;
+  Event event_;
   UniqueFd wakeUp_;
   Subscription wakeUpWatch_;
   OuterLoop* outer_ = nullptr;

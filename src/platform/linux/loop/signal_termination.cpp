@@ -17,10 +17,8 @@ SignalTermination::SignalTermination(SdEventMainLoop& loop) {
   for (const int number : kSignals) sigaddset(&set, number);
   pthread_sigmask(SIG_BLOCK, &set, nullptr);
   for (const int number : kSignals) {
-    sd_event_source* source = nullptr;
-    const int result = sd_event_add_signal(loop.event(), &source, number, onSignal, this);
+    const int result = sd_event_add_signal(loop.event(), sources_.emplace_back().out(), number, onSignal, this);
     if (result < 0) throw std::system_error(-result, std::generic_category(), "signals");
-    sources_.emplace_back(source);
   }
 }
 

@@ -23,7 +23,7 @@ class SignalTermination final : public Termination {
  private:
   static int onSignal(sd_event_source* source, const signalfd_siginfo* info, void* self);
 
-  std::vector<UniqueHandle<SdEventSourceTraits>> sources_;
+  std::vector<EventSource> sources_;
   std::function<void()> requested_;
 };
 

@@ -3,8 +3,8 @@
 
 #include <algorithm>
 #include <array>
-#include <iterator>
 
+#include "base/text.h"
 #include "platform/linux/machine/proc_file.h"
 #include "platform/plausible_temperature.h"
 
@@ -13,11 +13,6 @@ namespace {
 
 std::string firstLine(const std::optional<std::string>& text) { return text ? text->substr(0, text->find('\n')) : ""; }
 
-char folded(char character) {
-  if (character == '-') return '_';
-  return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
-}
-
 }  // namespace
 
 bool isCpuSensor(std::string_view name) {
@@ -25,8 +20,8 @@ bool isCpuSensor(std::string_view name) {
                                                       "via_cputemp", "x86_pkg_temp", "soc_thermal"};
   // cpu-thermal, cpu0_thermal, cpuss-0, CPU-therm; the clusters of big.LITTLE chips.
   constexpr std::array<std::string_view, 3> kPrefixes = {"cpu", "bigcore", "littlecore"};
-  std::string key;
-  std::transform(name.begin(), name.end(), std::back_inserter(key), folded);
+  std::string key = lowerCased(name);
+  std::replace(key.begin(), key.end(), '-', '_');
   return std::find(kNames.begin(), kNames.end(), key) != kNames.end() ||
          std::any_of(kPrefixes.begin(), kPrefixes.end(),
                      [&](std::string_view prefix) { return key.starts_with(prefix); });

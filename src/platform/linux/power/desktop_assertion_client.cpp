@@ -73,10 +73,9 @@ class Attempt {
  private:
   void findServices(Deadline deadline) {
     const BoundedBus bus(means_.sessionAddress);
-    const BusMessage call =
-        methodCall(bus.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "ListNames");
+    const BusMessage call = methodCall(bus.get(), methodOfTheBus("ListNames"));
     bool answered = false;
-    const BusSlot pending = callAsync(bus.get(), call, [&](sd_bus_message* reply) {
+    const BusSlot pending = callAsync(call, [&](sd_bus_message* reply) {
       answered = true;
       if (!isError(reply) && !readStrings(reply, services_)) services_.clear();
     });

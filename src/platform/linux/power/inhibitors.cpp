@@ -72,13 +72,10 @@ class Cookie {
   }
 
   void inhibit() {
-    const BusMessage call = callService("Inhibit");
-    if (call && service_.flags != 0) {
-      sd_bus_message_append(call.get(), "susu", kApplication, kNoWindow, reason_.c_str(), service_.flags);
-    } else if (call) {
-      sd_bus_message_append(call.get(), "ss", kApplication, reason_.c_str());
-    }
-    call_ = callAsync(bus_.get(), call, [this](sd_bus_message* reply) { answered(reply); });
+    const BusMessage call = service_.flags != 0
+                                ? callService("Inhibit", kApplication, kNoWindow, reason_, service_.flags)
+                                : callService("Inhibit", kApplication, reason_);
+    call_ = callAsync(call, [this](sd_bus_message* reply) { answered(reply); });
   }
 
   void answered(sd_bus_message* reply) {
@@ -97,16 +94,16 @@ class Cookie {
 
   // Never waits: what the socket does not take at once goes with the connection, and so does the cookie.
   void giveBack() const {
-    const BusMessage call = cookie_ ? callService(service_.release) : BusMessage();
+    const BusMessage call = cookie_ ? callService(service_.release, *cookie_) : BusMessage();
     if (!call) return;
-    sd_bus_message_append(call.get(), "u", *cookie_);
     sd_bus_message_set_expect_reply(call.get(), 0);
     sd_bus_send(bus_.get(), call.get(), nullptr);
   }
 
   // Addressed to the process that gave the cookie: to another, the number may mean somebody else's.
-  [[nodiscard]] BusMessage callService(const char* method) const {
-    return methodCall(bus_.get(), owner_.c_str(), service_.path, service_.interface, method);
+  template <class... Arguments>
+  [[nodiscard]] BusMessage callService(const char* method, const Arguments&... arguments) const {
+    return methodCall(bus_.get(), {owner_.c_str(), service_.path, service_.interface, method}, arguments...);
   }
 
   const InhibitorLoops loops_;
@@ -144,12 +141,12 @@ Inhibitor takeCookie(InhibitorLoops loops, const std::string& sessionAddress, co
 Inhibitor takeLogindLock(const std::string& systemAddress, const char* what, const std::string& reason,
                          Deadline deadline) {
   const BoundedBus bus(systemAddress);
-  const BusMessage call = methodCall(bus.get(), "org.freedesktop.login1", "/org/freedesktop/login1",
-                                     "org.freedesktop.login1.Manager", "Inhibit");
+  constexpr BusMethod kInhibit{"org.freedesktop.login1", "/org/freedesktop/login1", "org.freedesktop.login1.Manager",
+                               "Inhibit"};
+  const BusMessage call = methodCall(bus.get(), kInhibit, what, kApplication, reason, "block");
   if (!call) return failure(ENOTSUP);
-  sd_bus_message_append(call.get(), "ssss", what, kApplication, reason.c_str(), "block");
   std::optional<Inhibitor> lock;
-  const BusSlot pending = callAsync(bus.get(), call, [&lock](sd_bus_message* reply) { lock = lockFrom(reply); });
+  const BusSlot pending = callAsync(call, [&lock](sd_bus_message* reply) { lock = lockFrom(reply); });
   if (!bus.turnUntil(deadline, [&lock] { return lock.has_value(); })) return failure(ETIMEDOUT);
   return std::move(*lock);
 }

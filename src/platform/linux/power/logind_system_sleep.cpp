@@ -46,9 +46,9 @@ void LogindSystemSleep::start() {
 }
 
 void LogindSystemSleep::takeLock() {
-  const BusMessage call = methodCall(system_, kLogind, kPath, kManager, "Inhibit");
-  if (call) sd_bus_message_append(call.get(), "ssss", "sleep", "Nimbo", "Nimbo pauses its readings", "delay");
-  inhibit_ = callAsync(system_, call, [this](sd_bus_message* reply) {
+  const BusMessage call = methodCall(system_, {kLogind, kPath, kManager, "Inhibit"}, "sleep", "Nimbo",
+                                     "Nimbo pauses its readings", "delay");
+  inhibit_ = callAsync(call, [this](sd_bus_message* reply) {
     int descriptor = -1;
     if (isError(reply) || sd_bus_message_read(reply, "h", &descriptor) <= 0) return;
     lock_.reset(::fcntl(descriptor, F_DUPFD_CLOEXEC, 3));

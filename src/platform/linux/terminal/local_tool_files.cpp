@@ -7,12 +7,12 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <memory>
 #include <string>
 #include <string_view>
 
 #include "platform/linux/files/atomic_file.h"
 #include "platform/linux/files/last_error.h"
+#include "platform/linux/files/regular_file.h"
 #include "platform/linux/files/unique_fd.h"
 
 namespace nimbo {
@@ -33,12 +33,9 @@ fs::path withoutTrailingSlash(const fs::path& folder) {
 }
 
 Result<State, std::error_code> stateOf(const UniqueFd& folder) {
-  struct Closer {
-    void operator()(DIR* list) const { ::closedir(list); }
-  };
   UniqueFd listed(::openat(folder.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (!listed) return tl::unexpected(lastError());
-  const std::unique_ptr<DIR, Closer> list(::fdopendir(listed.get()));
+  const UniquePointer<DIR, ::closedir> list(::fdopendir(listed.get()));
   if (!list) return tl::unexpected(lastError());
   (void)listed.detach();  // the list closes it
   errno = 0;
@@ -66,10 +63,7 @@ std::error_code keepOthersOut(const UniqueFd& folder) {
 
 }  // namespace
 
-bool LocalToolFiles::isExecutable(const fs::path& file) const {
-  struct stat status {};
-  return ::stat(file.c_str(), &status) == 0 && S_ISREG(status.st_mode) && ::access(file.c_str(), X_OK) == 0;
-}
+bool LocalToolFiles::isExecutable(const fs::path& file) const { return isExecutableFile(file); }
 
 Result<PrivateFolder, std::error_code> LocalToolFiles::preparePrivateFolder(const fs::path& given) const {
   const fs::path folder = withoutTrailingSlash(given);

@@ -7,12 +7,11 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
-#include <charconv>
 #include <functional>
 #include <vector>
 
-#include "platform/linux/files/unique_fd.h"
 #include "platform/linux/machine/proc_file.h"
+#include "platform/linux/machine/session_spawn.h"
 
 namespace nimbo {
 namespace {
@@ -25,17 +24,12 @@ constexpr int kMillisecondsToDie = 100;
 // A process that forks while it is looked for may escape one round.
 constexpr int kMaximumRounds = 8;
 
-std::optional<pid_t> processNumber(std::string_view name) {
-  pid_t pid = 0;
-  const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), pid);
-  return error == std::errc() && end == name.data() + name.size() ? std::optional(pid) : std::nullopt;
-}
-
 std::vector<pid_t> matching(const fs::path& procRoot, const Condition& condition) {
   std::vector<pid_t> result;
   visitFolder(procRoot, [&](std::string_view name) {
-    const auto pid = processNumber(name);
-    if (pid && *pid != ::getpid() && condition(*pid)) result.push_back(*pid);
+    const auto number = parseNumber(name);
+    const auto pid = static_cast<pid_t>(number.value_or(0));
+    if (number && pid != ::getpid() && condition(pid)) result.push_back(pid);
   });
   return result;
 }
@@ -43,7 +37,7 @@ std::vector<pid_t> matching(const fs::path& procRoot, const Condition& condition
 // The number may pass to another process at any moment, a descriptor stays with its own: what
 // matches after it was opened is what gets the signal.
 void kill(pid_t pid, const Condition& condition) {
-  const UniqueFd process(static_cast<int>(::syscall(SYS_pidfd_open, pid, 0)));
+  const UniqueFd process = processDescriptor(pid);
   if (!process || !condition(pid)) return;
   if (::syscall(SYS_pidfd_send_signal, process.get(), SIGKILL, nullptr, 0) != 0) return;
   pollfd ended{.fd = process.get(), .events = POLLIN, .revents = 0};
@@ -84,9 +78,9 @@ std::optional<ProcessPlace> parseProcessPlace(std::string_view text) {
   text.remove_prefix(nameEnd + 1);
   const std::string_view state = takeWord(text);
   for (int skipped = 0; skipped < 2; ++skipped) (void)takeWord(text);
-  const auto session = processNumber(takeWord(text));
+  const auto session = parseNumber(takeWord(text));
   if (!session) return std::nullopt;
-  return ProcessPlace{.zombie = state == "Z" || state == "X", .session = *session};
+  return ProcessPlace{.zombie = state == "Z" || state == "X", .session = static_cast<pid_t>(*session)};
 }
 
 void killSessionMembers(const fs::path& procRoot, pid_t leader) {

@@ -1,13 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "platform/linux/tray/dbus_menu.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <span>
 #include <string_view>
 #include <utility>
 
+#include "base/text.h"
+#include "base/utf8_text.h"
 #include "platform/linux/bus/sd_bus_calls.h"
-#include "platform/linux/tray/dbus_menu_layout.h"
 
 namespace nimbo {
 namespace {
@@ -18,15 +20,24 @@ int unknownId(sd_bus_error* error, std::int32_t id) {
   return sd_bus_error_setf(error, SD_BUS_ERROR_INVALID_ARGS, "The menu has no item %d.", id);
 }
 
-BusMessage replyTo(sd_bus_message* call) {
-  sd_bus_message* reply = nullptr;
-  sd_bus_message_new_method_return(call, &reply);
-  return BusMessage(reply);
-}
+/// The answer to a call, which is written and then sent.
+class Reply : public BusWriter {
+ public:
+  explicit Reply(sd_bus_message* call) : Reply(newReply(call)) {}
 
-int send(const BusMessage& reply, int result) {
-  return result < 0 ? result : sd_bus_send(nullptr, reply.get(), nullptr);
-}
+  [[nodiscard]] int send() const { return result() < 0 ? result() : sd_bus_send(nullptr, message_.get(), nullptr); }
+
+ private:
+  explicit Reply(BusMessage message) : BusWriter(message.get()), message_(std::move(message)) {}
+
+  static BusMessage newReply(sd_bus_message* call) {
+    BusMessage reply;
+    sd_bus_message_new_method_return(call, reply.out());
+    return reply;
+  }
+
+  BusMessage message_;
+};
 
 std::span<const std::int32_t> readIds(sd_bus_message* call) {
   const void* ids = nullptr;
@@ -35,43 +46,90 @@ std::span<const std::int32_t> readIds(sd_bus_message* call) {
   return {static_cast<const std::int32_t*>(ids), bytes / sizeof(std::int32_t)};
 }
 
-int appendIds(sd_bus_message* reply, const std::vector<std::int32_t>& ids) {
-  return sd_bus_message_append_array(reply, SD_BUS_TYPE_INT32, ids.data(), ids.size() * sizeof(std::int32_t));
+struct Property {
+  const char* name;
+  BusVariant value;
+};
+using Properties = std::vector<Property>;
+
+// Hosts take a single underscore as the mark of a mnemonic.
+std::string labelText(const std::string& title) { return replacedCharacters(repairedUtf8(title), {{'_', "__"}}); }
+
+/// Item 0 is the menu itself, its entries are 1, 2, 3, …
+Properties allProperties(const StatusMenu& menu, std::int32_t id) {
+  if (id == 0) return {{"children-display", "submenu"}, {"label", labelText(menu.title)}};
+  const MenuEntry& entry = menu.entries[static_cast<std::size_t>(id - 1)];
+  if (entry.kind == MenuEntry::Kind::separator) return {{"type", "separator"}};
+  Properties properties{{"label", labelText(entry.title)}, {"enabled", entry.enabled}};
+  if (!entry.keyEquivalent.empty()) {
+    properties.push_back(
+        {"shortcut", std::vector<std::vector<std::string>>{{"Control", repairedUtf8(entry.keyEquivalent)}}});
+  }
+  return properties;
 }
 
-int versionProperty(sd_bus*, const char*, const char*, const char*, sd_bus_message* reply, void*, sd_bus_error*) {
-  return sd_bus_message_append(reply, "u", 3U);
+/// Of a valid item only those named, or all when none is named.
+Properties properties(const StatusMenu& menu, std::int32_t id, const std::vector<std::string>& names) {
+  Properties found = allProperties(menu, id);
+  std::erase_if(found, [&names](const Property& property) {
+    return !names.empty() && std::find(names.begin(), names.end(), property.name) == names.end();
+  });
+  return found;
 }
-int directionProperty(sd_bus*, const char*, const char*, const char*, sd_bus_message* reply, void*, sd_bus_error*) {
-  return sd_bus_message_append(reply, "s", "ltr");
+
+void write(BusWriter& message, const Properties& properties) {
+  message.inside(SD_BUS_TYPE_ARRAY, "{sv}", [&] {
+    for (const Property& property : properties) {
+      message.inside(SD_BUS_TYPE_DICT_ENTRY, "sv", [&] {
+        message.add(property.name);
+        message.add(property.value);
+      });
+    }
+  });
 }
-int statusProperty(sd_bus*, const char*, const char*, const char*, sd_bus_message* reply, void*, sd_bus_error*) {
-  return sd_bus_message_append(reply, "s", "normal");
+
+/// "(ia{sv}av)": the item and, unless `depth` is 0, what is in it.
+void writeLayout(BusWriter& message, const StatusMenu& menu, std::int32_t id, std::int32_t depth,
+                 const std::vector<std::string>& names) {
+  message.inside(SD_BUS_TYPE_STRUCT, "ia{sv}av", [&] {
+    message.add(id);
+    write(message, properties(menu, id, names));
+    message.inside(SD_BUS_TYPE_ARRAY, "v", [&] {
+      const auto children = id == 0 && depth != 0 ? static_cast<std::int32_t>(menu.entries.size()) : 0;
+      for (std::int32_t child = 1; child <= children; ++child) {
+        message.inside(SD_BUS_TYPE_VARIANT, "(ia{sv}av)", [&] { writeLayout(message, menu, child, 0, names); });
+      }
+    });
+  });
 }
-int themePathProperty(sd_bus*, const char*, const char*, const char*, sd_bus_message* reply, void*, sd_bus_error*) {
-  return sd_bus_message_append(reply, "as", 0);
+
+/// Whether hosts would show the same; actions are not compared.
+bool sameLayout(const StatusMenu& a, const StatusMenu& b) {
+  const auto same = [](const MenuEntry& x, const MenuEntry& y) {
+    return x.kind == y.kind && x.title == y.title && x.enabled == y.enabled && x.keyEquivalent == y.keyEquivalent;
+  };
+  return a.title == b.title && std::equal(a.entries.begin(), a.entries.end(), b.entries.begin(), b.entries.end(), same);
 }
+
+// Everybody on the bus belongs to the user; asking the bus about each caller's rights would block.
+constexpr auto kOpen = SD_BUS_VTABLE_UNPRIVILEGED;
+constexpr auto kConst = SD_BUS_VTABLE_PROPERTY_CONST;
 
 }  // namespace
 
-// Everybody on the bus belongs to the user; asking the bus about each caller's rights would block.
 const sd_bus_vtable DbusMenu::kTable[] = {
-    SD_BUS_VTABLE_START(SD_BUS_VTABLE_UNPRIVILEGED),
-    SD_BUS_METHOD("GetLayout", "iias", "u(ia{sv}av)", (busMethod<DbusMenu, &DbusMenu::getLayout>),
-                  SD_BUS_VTABLE_UNPRIVILEGED),
-    SD_BUS_METHOD("GetGroupProperties", "aias", "a(ia{sv})", (busMethod<DbusMenu, &DbusMenu::getGroupProperties>),
-                  SD_BUS_VTABLE_UNPRIVILEGED),
-    SD_BUS_METHOD("GetProperty", "is", "v", (busMethod<DbusMenu, &DbusMenu::getProperty>), SD_BUS_VTABLE_UNPRIVILEGED),
-    SD_BUS_METHOD("Event", "isvu", "", (busMethod<DbusMenu, &DbusMenu::event>), SD_BUS_VTABLE_UNPRIVILEGED),
-    SD_BUS_METHOD("EventGroup", "a(isvu)", "ai", (busMethod<DbusMenu, &DbusMenu::eventGroup>),
-                  SD_BUS_VTABLE_UNPRIVILEGED),
-    SD_BUS_METHOD("AboutToShow", "i", "b", (busMethod<DbusMenu, &DbusMenu::aboutToShow>), SD_BUS_VTABLE_UNPRIVILEGED),
-    SD_BUS_METHOD("AboutToShowGroup", "ai", "aiai", (busMethod<DbusMenu, &DbusMenu::aboutToShowGroup>),
-                  SD_BUS_VTABLE_UNPRIVILEGED),
-    SD_BUS_PROPERTY("Version", "u", versionProperty, 0, SD_BUS_VTABLE_PROPERTY_CONST),
-    SD_BUS_PROPERTY("TextDirection", "s", directionProperty, 0, SD_BUS_VTABLE_PROPERTY_CONST),
-    SD_BUS_PROPERTY("Status", "s", statusProperty, 0, SD_BUS_VTABLE_PROPERTY_CONST),
-    SD_BUS_PROPERTY("IconThemePath", "as", themePathProperty, 0, SD_BUS_VTABLE_PROPERTY_CONST),
+    SD_BUS_VTABLE_START(0),
+    SD_BUS_METHOD("GetLayout", "iias", "u(ia{sv}av)", bus_table::method<&DbusMenu::getLayout>, kOpen),
+    SD_BUS_METHOD("GetGroupProperties", "aias", "a(ia{sv})", bus_table::method<&DbusMenu::getGroupProperties>, kOpen),
+    SD_BUS_METHOD("GetProperty", "is", "v", bus_table::method<&DbusMenu::getProperty>, kOpen),
+    SD_BUS_METHOD("Event", "isvu", "", bus_table::method<&DbusMenu::event>, kOpen),
+    SD_BUS_METHOD("EventGroup", "a(isvu)", "ai", bus_table::method<&DbusMenu::eventGroup>, kOpen),
+    SD_BUS_METHOD("AboutToShow", "i", "b", bus_table::method<&DbusMenu::aboutToShow>, kOpen),
+    SD_BUS_METHOD("AboutToShowGroup", "ai", "aiai", bus_table::method<&DbusMenu::aboutToShowGroup>, kOpen),
+    SD_BUS_PROPERTY("Version", "u", bus_table::constant<[] { return 3U; }>, 0, kConst),
+    SD_BUS_PROPERTY("TextDirection", "s", bus_table::constant<[] { return "ltr"; }>, 0, kConst),
+    SD_BUS_PROPERTY("Status", "s", bus_table::constant<[] { return "normal"; }>, 0, kConst),
+    SD_BUS_PROPERTY("IconThemePath", "as", bus_table::constant<[] { return std::vector<std::string>(); }>, 0, kConst),
     SD_BUS_SIGNAL("ItemsPropertiesUpdated", "a(ia{sv})a(ias)", 0),
     SD_BUS_SIGNAL("LayoutUpdated", "ui", 0),
     SD_BUS_SIGNAL("ItemActivationRequested", "iu", 0),
@@ -79,9 +137,7 @@ const sd_bus_vtable DbusMenu::kTable[] = {
 };
 
 DbusMenu::DbusMenu(sd_bus* bus, DbusMenuHandlers handlers) : bus_(bus), handlers_(std::move(handlers)) {
-  sd_bus_slot* slot = nullptr;
-  if (bus != nullptr) sd_bus_add_object_vtable(bus, &slot, kPath, kInterface, kTable, this);
-  object_.reset(slot);
+  object_ = addObject(bus, kPath, kInterface, kTable, this);
 }
 
 bool DbusMenu::contains(std::int32_t id) const {
@@ -96,16 +152,19 @@ bool DbusMenu::replace(StatusMenu menu) {
   return differs;
 }
 
-bool DbusMenu::refreshIfClosed() { return !open_ && replace(handlers_.menu()); }
-
-bool DbusMenu::prepareToShow() {
+/// The same, and tells hosts that have seen the menu before.
+bool DbusMenu::replaceAndTell(StatusMenu menu) {
   const bool shownBefore = revision_ > 0;
-  const bool differs = refreshIfClosed();
-  if (differs && shownBefore) emitLayoutUpdated();
+  const bool differs = replace(std::move(menu));
+  if (differs && shownBefore) sd_bus_emit_signal(bus_, kPath, kInterface, "LayoutUpdated", "ui", revision_, 0);
   return differs;
 }
 
-void DbusMenu::emitLayoutUpdated() { sd_bus_emit_signal(bus_, kPath, kInterface, "LayoutUpdated", "ui", revision_, 0); }
+void DbusMenu::refreshIfClosed() {
+  if (!open_) replace(handlers_.menu());
+}
+
+bool DbusMenu::prepareToShow() { return !open_ && replaceAndTell(handlers_.menu()); }
 
 int DbusMenu::getLayout(sd_bus_message* call, sd_bus_error* error) {
   std::int32_t id = 0;
@@ -115,10 +174,10 @@ int DbusMenu::getLayout(sd_bus_message* call, sd_bus_error* error) {
   if (!readStrings(call, names)) return -EINVAL;
   refreshIfClosed();
   if (!contains(id)) return unknownId(error, id);
-  const BusMessage reply = replyTo(call);
-  int result = sd_bus_message_append(reply.get(), "u", revision_);
-  if (result >= 0) result = appendLayout(reply.get(), menu_, id, depth, names);
-  return send(reply, result);
+  Reply reply(call);
+  reply.add(revision_);
+  writeLayout(reply, menu_, id, depth, names);
+  return reply.send();
 }
 
 int DbusMenu::getGroupProperties(sd_bus_message* call, sd_bus_error* /*error*/) {
@@ -130,17 +189,17 @@ int DbusMenu::getGroupProperties(sd_bus_message* call, sd_bus_error* /*error*/) 
   if (ids.empty()) {
     for (std::int32_t id = 0; contains(id); ++id) ids.push_back(id);
   }
-  const BusMessage reply = replyTo(call);
-  int result = sd_bus_message_open_container(reply.get(), SD_BUS_TYPE_ARRAY, "(ia{sv})");
-  for (const std::int32_t id : ids) {
-    if (!contains(id)) continue;
-    if (result >= 0) result = sd_bus_message_open_container(reply.get(), SD_BUS_TYPE_STRUCT, "ia{sv}");
-    if (result >= 0) result = sd_bus_message_append(reply.get(), "i", id);
-    if (result >= 0) result = appendProperties(reply.get(), menuProperties(menu_, id, names));
-    if (result >= 0) result = sd_bus_message_close_container(reply.get());
-  }
-  if (result >= 0) result = sd_bus_message_close_container(reply.get());
-  return send(reply, result);
+  Reply reply(call);
+  reply.inside(SD_BUS_TYPE_ARRAY, "(ia{sv})", [&] {
+    for (const std::int32_t id : ids) {
+      if (!contains(id)) continue;
+      reply.inside(SD_BUS_TYPE_STRUCT, "ia{sv}", [&] {
+        reply.add(id);
+        write(reply, properties(menu_, id, names));
+      });
+    }
+  });
+  return reply.send();
 }
 
 int DbusMenu::getProperty(sd_bus_message* call, sd_bus_error* error) {
@@ -149,10 +208,11 @@ int DbusMenu::getProperty(sd_bus_message* call, sd_bus_error* error) {
   if (const int result = sd_bus_message_read(call, "is", &id, &name); result < 0) return result;
   if (revision_ == 0) refreshIfClosed();
   if (!contains(id)) return unknownId(error, id);
-  const auto found = menuProperties(menu_, id, {name});
+  const auto found = properties(menu_, id, {name});
   if (found.empty()) return sd_bus_error_setf(error, SD_BUS_ERROR_INVALID_ARGS, "Item %d has no such property.", id);
-  const BusMessage reply = replyTo(call);
-  return send(reply, appendValue(reply.get(), found.front()));
+  Reply reply(call);
+  reply.add(found.front().value);
+  return reply.send();
 }
 
 void DbusMenu::opened(const char* sender) {
@@ -166,8 +226,7 @@ void DbusMenu::opened(const char* sender) {
       for (const auto& callback : afterwards) callback();
     });
   }
-  const bool shownBefore = revision_ > 0;
-  if (replace(handlers_.willOpen()) && shownBefore) emitLayoutUpdated();
+  replaceAndTell(handlers_.willOpen());
 }
 
 void DbusMenu::closed(Callbacks& afterwards) {
@@ -222,8 +281,9 @@ int DbusMenu::eventGroup(sd_bus_message* call, sd_bus_error* error) {
   }
   if (result < 0) return result;
   if (count > 0 && unknown.size() == count) return unknownId(error, unknown.front());
-  const BusMessage reply = replyTo(call);
-  result = send(reply, appendIds(reply.get(), unknown));
+  Reply reply(call);
+  reply.add(unknown);
+  result = reply.send();
   for (const auto& callback : afterwards) callback();
   return result;
 }
@@ -243,10 +303,10 @@ int DbusMenu::aboutToShowGroup(sd_bus_message* call, sd_bus_error* /*error*/) {
     if (id == 0 && prepareToShow()) updates.push_back(id);
     if (!contains(id)) unknown.push_back(id);
   }
-  const BusMessage reply = replyTo(call);
-  int result = appendIds(reply.get(), updates);
-  if (result >= 0) result = appendIds(reply.get(), unknown);
-  return send(reply, result);
+  Reply reply(call);
+  reply.add(updates);
+  reply.add(unknown);
+  return reply.send();
 }
 
 }  // namespace nimbo

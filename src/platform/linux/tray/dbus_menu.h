@@ -45,9 +45,9 @@ class DbusMenu {
 
   [[nodiscard]] bool contains(std::int32_t id) const;
   bool replace(StatusMenu menu);
-  bool refreshIfClosed();
-  bool prepareToShow();
-  void emitLayoutUpdated();
+  bool replaceAndTell(StatusMenu menu);
+  void refreshIfClosed();
+  [[nodiscard]] bool prepareToShow();
   [[nodiscard]] bool readEvent(sd_bus_message* call, Callbacks& afterwards, std::int32_t& id);
   void opened(const char* sender);
   void closed(Callbacks& afterwards);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/linux/tray/panel_appearance.h"
 
-#include "platform/linux/desktop/desktop_name.h"
+#include "platform/linux/desktop/current_desktop.h"
 
 namespace nimbo {
 

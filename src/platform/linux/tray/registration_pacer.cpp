@@ -1,22 +1,19 @@
 // SPDX-License-Identifier: MIT
 #include "platform/linux/tray/registration_pacer.h"
 
-#include <time.h>
-
-#include <chrono>
 #include <utility>
 
 namespace nimbo {
 namespace {
 
-constexpr std::chrono::milliseconds kPace{250};
-constexpr std::uint64_t kAccuracy = 50'000;  // microseconds
+constexpr std::chrono::milliseconds kPause{250};
+constexpr std::chrono::milliseconds kPauseLeeway{50};
 
 }  // namespace
 
 Subscription RegistrationPacer::request(std::function<void()> turn) {
-  if (!pace_) {
-    startPace();
+  if (!pause_) {
+    startPause();
     turn();
     return {};
   }
@@ -25,23 +22,17 @@ Subscription RegistrationPacer::request(std::function<void()> turn) {
   return Subscription([this, waiting] { waiting_.remove(waiting); });
 }
 
-void RegistrationPacer::startPace() {
-  sd_event_source* source = nullptr;
-  const auto now = std::chrono::steady_clock::now().time_since_epoch();
-  const auto due = std::chrono::duration_cast<std::chrono::microseconds>(now + kPace).count();
-  sd_event_add_time(event_, &source, CLOCK_MONOTONIC, static_cast<std::uint64_t>(due), kAccuracy, onPaceOver, this);
-  pace_.reset(source);
+void RegistrationPacer::startPause() {
+  pause_ = loop_.every(kPause, kPauseLeeway, [this] { pauseIsOver(); });
 }
 
-int RegistrationPacer::onPaceOver(sd_event_source* /*source*/, std::uint64_t /*due*/, void* self) {
-  auto& pacer = *static_cast<RegistrationPacer*>(self);
-  pacer.pace_.reset();
-  if (pacer.waiting_.empty()) return 0;
-  const Turn next = pacer.waiting_.front();
-  pacer.waiting_.pop_front();
-  pacer.startPace();
+void RegistrationPacer::pauseIsOver() {
+  pause_.reset();
+  if (waiting_.empty()) return;
+  const Turn next = waiting_.front();
+  waiting_.pop_front();
+  startPause();
   (*next)();
-  return 0;
 }
 
 }  // namespace nimbo

@@ -6,7 +6,7 @@
 #include <memory>
 
 #include "base/subscription.h"
-#include "platform/linux/loop/sd_event_handles.h"
+#include "platform/main_loop.h"
 
 namespace nimbo {
 
@@ -15,8 +15,8 @@ namespace nimbo {
 /// each has been laid out before the next comes. Main thread only.
 class RegistrationPacer {
  public:
-  /// `event` outlives the pacer, and the pacer the subscriptions.
-  explicit RegistrationPacer(sd_event* event) : event_(event) {}
+  /// `loop` outlives the pacer, and the pacer the subscriptions.
+  explicit RegistrationPacer(MainLoop& loop) : loop_(loop) {}
   RegistrationPacer(const RegistrationPacer&) = delete;
   RegistrationPacer& operator=(const RegistrationPacer&) = delete;
 
@@ -27,12 +27,12 @@ class RegistrationPacer {
  private:
   using Turn = std::shared_ptr<std::function<void()>>;
 
-  static int onPaceOver(sd_event_source* source, std::uint64_t due, void* self);
-  void startPace();
+  void startPause();
+  void pauseIsOver();
 
-  sd_event* const event_;
+  MainLoop& loop_;
   std::list<Turn> waiting_;
-  UniqueHandle<SdEventSourceTraits> pace_;  // set while the last one has its time
+  Subscription pause_;  // set while the last one has its time
 };
 
 }  // namespace nimbo

@@ -6,27 +6,27 @@
 
 #include <utility>
 
-#include "platform/linux/desktop/desktop_name.h"
+#include "platform/linux/desktop/current_desktop.h"
 #include "platform/linux/tray/sni_status_item.h"
 
 namespace nimbo {
 
-SniStatusBar::SniStatusBar(sd_event* event, std::string sessionAddress, const std::string& desktop,
+SniStatusBar::SniStatusBar(SdEventMainLoop& loop, std::string sessionAddress, const std::string& desktop,
                            PanelAppearance& panel)
-    : event_(event),
+    : loop_(loop),
       sessionAddress_(std::move(sessionAddress)),
       clickOpensMenu_(desktopIs(desktop, "GNOME")),
       toolTipTitle_(toolTipTitleOn(desktop)),
       // xfce4-panel shows either as the second line of a tooltip that has none, and tells screen readers neither.
       titled_(!desktopIs(desktop, "XFCE")),
       panel_(panel),
-      pacer_(event) {}
+      pacer_(loop) {}
 
 std::unique_ptr<StatusItem> SniStatusBar::makeItem(const std::string& identifier, StatusItemContent content,
                                                    StatusItemHandlers handlers) {
   SniStatusItem::Setup setup{fmt::format("org.kde.StatusNotifierItem-{}-{}", ::getpid(), ++made_), identifier,
                              clickOpensMenu_, toolTipTitle_, titled_};
-  return std::make_unique<SniStatusItem>(event_, sessionAddress_, std::move(setup), std::move(content),
+  return std::make_unique<SniStatusItem>(loop_.event(), sessionAddress_, std::move(setup), std::move(content),
                                          std::move(handlers), panel_, pacer_);
 }
 

@@ -3,11 +3,10 @@
 
 #include <string>
 
+#include "platform/linux/loop/sd_event_main_loop.h"
 #include "platform/linux/tray/registration_pacer.h"
 #include "platform/linux/tray/tool_tip_text.h"
 #include "platform/status_bar.h"
-
-struct sd_event;
 
 namespace nimbo {
 
@@ -17,13 +16,13 @@ class PanelAppearance;
 class SniStatusBar final : public StatusBar {
  public:
   /// `desktop` is the value of XDG_CURRENT_DESKTOP. `panel` outlives the bar.
-  SniStatusBar(sd_event* event, std::string sessionAddress, const std::string& desktop, PanelAppearance& panel);
+  SniStatusBar(SdEventMainLoop& loop, std::string sessionAddress, const std::string& desktop, PanelAppearance& panel);
 
   [[nodiscard]] std::unique_ptr<StatusItem> makeItem(const std::string& identifier, StatusItemContent content,
                                                      StatusItemHandlers handlers) override;
 
  private:
-  sd_event* const event_;
+  SdEventMainLoop& loop_;
   const std::string sessionAddress_;
   const bool clickOpensMenu_;
   const ToolTipTitle toolTipTitle_;

@@ -62,23 +62,23 @@ std::vector<sd_bus_vtable> SniStatusItem::makeTable(bool labelled) {
   constexpr auto kOpen = SD_BUS_VTABLE_UNPRIVILEGED;
   std::vector<sd_bus_vtable> table{
       SD_BUS_VTABLE_START(0),
-      SD_BUS_METHOD("Activate", "ii", "", (busMethod<Self, &Self::activate>), kOpen),
-      SD_BUS_METHOD("SecondaryActivate", "ii", "", (busMethod<Self, &Self::secondaryActivate>), kOpen),
-      SD_BUS_METHOD("ContextMenu", "ii", "", (busMethod<Self, &Self::ignore>), kOpen),
-      SD_BUS_METHOD("Scroll", "is", "", (busMethod<Self, &Self::ignore>), kOpen),
-      SD_BUS_METHOD("ProvideXdgActivationToken", "s", "", (busMethod<Self, &Self::ignore>), kOpen),
-      SD_BUS_PROPERTY("Category", "s", (busProperty<Self, &Self::category>), 0, kConst),
-      SD_BUS_PROPERTY("Id", "s", (busProperty<Self, &Self::identifier>), 0, kConst),
-      SD_BUS_PROPERTY("Title", "s", (busProperty<Self, &Self::title>), 0, kChanges),
-      SD_BUS_PROPERTY("Status", "s", (busProperty<Self, &Self::status>), 0, kChanges),
-      SD_BUS_PROPERTY("WindowId", "i", (busProperty<Self, &Self::windowId>), 0, kConst),
-      SD_BUS_PROPERTY("IconName", "s", (busProperty<Self, &Self::iconName>), 0, kConst),
+      SD_BUS_METHOD("Activate", "ii", "", bus_table::method<&Self::activate>, kOpen),
+      SD_BUS_METHOD("SecondaryActivate", "ii", "", bus_table::method<&Self::secondaryActivate>, kOpen),
+      SD_BUS_METHOD("ContextMenu", "ii", "", bus_table::method<&Self::ignore>, kOpen),
+      SD_BUS_METHOD("Scroll", "is", "", bus_table::method<&Self::ignore>, kOpen),
+      SD_BUS_METHOD("ProvideXdgActivationToken", "s", "", bus_table::method<&Self::ignore>, kOpen),
+      SD_BUS_PROPERTY("Category", "s", bus_table::constant<[] { return "SystemServices"; }>, 0, kConst),
+      SD_BUS_PROPERTY("Id", "s", bus_table::property<&Self::identifier>, 0, kConst),
+      SD_BUS_PROPERTY("Title", "s", bus_table::property<&Self::title>, 0, kChanges),
+      SD_BUS_PROPERTY("Status", "s", bus_table::constant<[] { return "Active"; }>, 0, kChanges),
+      SD_BUS_PROPERTY("WindowId", "i", bus_table::constant<[] { return 0; }>, 0, kConst),
+      SD_BUS_PROPERTY("IconName", "s", bus_table::constant<[] { return ""; }>, 0, kConst),
       // 35 KB that every host reads again after NewIcon would be sent for nothing with a change.
-      SD_BUS_PROPERTY("IconPixmap", "a(iiay)", (busProperty<Self, &Self::iconPixmap>), 0, 0),
-      SD_BUS_PROPERTY("IconAccessibleDesc", "s", (busProperty<Self, &Self::title>), 0, kChanges),
-      SD_BUS_PROPERTY("ToolTip", "(sa(iiay)ss)", (busProperty<Self, &Self::toolTip>), 0, kChanges),
-      SD_BUS_PROPERTY("ItemIsMenu", "b", (busProperty<Self, &Self::itemIsMenu>), 0, kConst),
-      SD_BUS_PROPERTY("Menu", "o", (busProperty<Self, &Self::menuPath>), 0, kConst),
+      SD_BUS_PROPERTY("IconPixmap", "a(iiay)", bus_table::property<&Self::iconPixmap>, 0, 0),
+      SD_BUS_PROPERTY("IconAccessibleDesc", "s", bus_table::property<&Self::title>, 0, kChanges),
+      SD_BUS_PROPERTY("ToolTip", "(sa(iiay)ss)", bus_table::property<&Self::toolTip>, 0, kChanges),
+      SD_BUS_PROPERTY("ItemIsMenu", "b", bus_table::constant<[] { return false; }>, 0, kConst),
+      SD_BUS_PROPERTY("Menu", "o", (bus_table::constant<[] { return BusObjectPath{DbusMenu::kPath}; }>), 0, kConst),
       SD_BUS_SIGNAL("NewTitle", "", 0),
       SD_BUS_SIGNAL("NewIcon", "", 0),
       SD_BUS_SIGNAL("NewToolTip", "", 0),
@@ -86,15 +86,15 @@ std::vector<sd_bus_vtable> SniStatusItem::makeTable(bool labelled) {
   };
   if (labelled) {
     table.insert(table.end(),
-                 {SD_BUS_PROPERTY("XAyatanaLabel", "s", (busProperty<Self, &Self::label>), 0, kChanges),
-                  SD_BUS_PROPERTY("XAyatanaLabelGuide", "s", (busProperty<Self, &Self::label>), 0, kChanges),
+                 {SD_BUS_PROPERTY("XAyatanaLabel", "s", bus_table::property<&Self::label>, 0, kChanges),
+                  SD_BUS_PROPERTY("XAyatanaLabelGuide", "s", bus_table::property<&Self::label>, 0, kChanges),
                   SD_BUS_SIGNAL("XAyatanaNewLabel", "ss", 0)});
   }
   table.push_back(SD_BUS_VTABLE_END);
   return table;
 }
 
-// For good: sd-bus reads the table once more after a handler that destroyed its item.
+// Kept until the process ends: sd-bus reads the table once more after a handler that destroyed its item.
 const sd_bus_vtable* SniStatusItem::table(bool labelled) {
   static const auto kPlain = makeTable(false);
   static const auto kLabelled = makeTable(true);
@@ -112,20 +112,16 @@ SniStatusItem::SniStatusItem(sd_event* event, const std::string& busAddress, Set
       menu_(connection_.get(), menuHandlers()),
       pacer_(pacer) {
   if (connection_.get() == nullptr) return;
-  sd_bus_slot* slot = nullptr;
-  sd_bus_add_object_vtable(connection_.get(), &slot, kPath, kInterface, table(labelled_), this);
-  object_.reset(slot);
+  object_ = addObject(connection_.get(), kPath, kInterface, table(labelled_), this);
   requestName();
   panelObserver_ = panel.observe([this] { emit("NewIcon"); });
 }
 
 void SniStatusItem::requestName() {
   sd_bus* const bus = connection_.get();
-  const BusMessage call =
-      methodCall(bus, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName");
   constexpr std::uint32_t kDoNotQueue = 4;
-  if (call) sd_bus_message_append(call.get(), "su", setup_.busName.c_str(), kDoNotQueue);
-  nameRequest_ = callAsync(bus, call, [this, bus](sd_bus_message* reply) {
+  const BusMessage call = methodCall(bus, methodOfTheBus("RequestName"), setup_.busName, kDoNotQueue);
+  nameRequest_ = callAsync(call, [this, bus](sd_bus_message* reply) {
     constexpr std::uint32_t kPrimaryOwner = 1;
     std::uint32_t outcome = 0;
     const bool owned = !isError(reply) && sd_bus_message_read(reply, "u", &outcome) > 0 && outcome == kPrimaryOwner;
@@ -146,12 +142,10 @@ void SniStatusItem::followWatcher() {
 }
 
 void SniStatusItem::registerWith(const std::string& watcher) {
-  const BusMessage call =
-      methodCall(connection_.get(), watcher.c_str(), "/StatusNotifierWatcher", kWatcher, "RegisterStatusNotifierItem");
-  if (call) sd_bus_message_append(call.get(), "s", registeredName_.c_str());
+  const BusMethod method{watcher.c_str(), "/StatusNotifierWatcher", kWatcher, "RegisterStatusNotifierItem"};
   announced_ = true;
   // A tray that refuses is gone or broken; the next one is registered with when it comes.
-  registration_ = callAsync(connection_.get(), call, [](sd_bus_message* /*reply*/) {});
+  registration_ = callAsync(methodCall(connection_.get(), method, registeredName_), [](sd_bus_message* /*reply*/) {});
 }
 
 void SniStatusItem::emit(const char* signal) {
@@ -226,46 +220,33 @@ int SniStatusItem::ignore(sd_bus_message* call, sd_bus_error* /*error*/) {
   return sd_bus_reply_method_return(call, "");
 }
 
-int SniStatusItem::category(sd_bus_message* reply) const { return sd_bus_message_append(reply, "s", "SystemServices"); }
+const std::string& SniStatusItem::identifier() const { return setup_.identifier; }
 
-int SniStatusItem::identifier(sd_bus_message* reply) const {
-  return sd_bus_message_append(reply, "s", setup_.identifier.c_str());
-}
+std::string SniStatusItem::title() const { return setup_.titled ? titleText(content_) : ""; }
 
-int SniStatusItem::title(sd_bus_message* reply) const {
-  return sd_bus_message_append(reply, "s", setup_.titled ? titleText(content_).c_str() : "");
-}
+std::string SniStatusItem::label() const { return labelText(content_); }
 
-int SniStatusItem::status(sd_bus_message* reply) const { return sd_bus_message_append(reply, "s", "Active"); }
-
-int SniStatusItem::windowId(sd_bus_message* reply) const { return sd_bus_message_append(reply, "i", 0); }
-
-int SniStatusItem::iconName(sd_bus_message* reply) const { return sd_bus_message_append(reply, "s", ""); }
-
-int SniStatusItem::iconPixmap(sd_bus_message* reply) const {
+void SniStatusItem::iconPixmap(BusWriter& reply) const {
   const TintColor tint = panel_.appearance() == Appearance::dark ? kOnDark : kOnLight;
-  int result = sd_bus_message_open_container(reply, SD_BUS_TYPE_ARRAY, "(iiay)");
-  for (const int side : kIconSides) {
-    const auto pixels = argbPixels(content_.image, side, tint);
-    if (result >= 0) result = sd_bus_message_open_container(reply, SD_BUS_TYPE_STRUCT, "iiay");
-    if (result >= 0) result = sd_bus_message_append(reply, "ii", side, side);
-    if (result >= 0) result = sd_bus_message_append_array(reply, SD_BUS_TYPE_BYTE, pixels.data(), pixels.size());
-    if (result >= 0) result = sd_bus_message_close_container(reply);
-  }
-  return result >= 0 ? sd_bus_message_close_container(reply) : result;
+  reply.inside(SD_BUS_TYPE_ARRAY, "(iiay)", [&] {
+    for (const int side : kIconSides) {
+      reply.inside(SD_BUS_TYPE_STRUCT, "iiay", [&] {
+        reply.add(side);
+        reply.add(side);
+        reply.add(argbPixels(content_.image, side, tint));
+      });
+    }
+  });
 }
 
-int SniStatusItem::toolTip(sd_bus_message* reply) const {
+void SniStatusItem::toolTip(BusWriter& reply) const {
   const ToolTipText text = toolTipText(content_.toolTip, setup_.toolTipTitle);
-  return sd_bus_message_append(reply, "(sa(iiay)ss)", "", 0, text.title.c_str(), text.subtitle.c_str());
-}
-
-int SniStatusItem::itemIsMenu(sd_bus_message* reply) const { return sd_bus_message_append(reply, "b", 0); }
-
-int SniStatusItem::menuPath(sd_bus_message* reply) const { return sd_bus_message_append(reply, "o", DbusMenu::kPath); }
-
-int SniStatusItem::label(sd_bus_message* reply) const {
-  return sd_bus_message_append(reply, "s", labelText(content_).c_str());
+  reply.inside(SD_BUS_TYPE_STRUCT, "sa(iiay)ss", [&] {
+    reply.add("");  // the icon's name
+    reply.inside(SD_BUS_TYPE_ARRAY, "(iiay)", [] {});
+    reply.add(text.title);
+    reply.add(text.subtitle);
+  });
 }
 
 }  // namespace nimbo

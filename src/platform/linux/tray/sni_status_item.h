@@ -6,6 +6,7 @@
 
 #include "base/subscription.h"
 #include "platform/linux/bus/bus_name_watch.h"
+#include "platform/linux/bus/bus_writer.h"
 #include "platform/linux/bus/sd_bus_connection.h"
 #include "platform/linux/tray/dbus_menu.h"
 #include "platform/linux/tray/tool_tip_text.h"
@@ -49,17 +50,11 @@ class SniStatusItem final : public StatusItem {
   int activate(sd_bus_message* call, sd_bus_error* error);
   int secondaryActivate(sd_bus_message* call, sd_bus_error* error);
   int ignore(sd_bus_message* call, sd_bus_error* error);
-  int category(sd_bus_message* reply) const;
-  int identifier(sd_bus_message* reply) const;
-  int title(sd_bus_message* reply) const;
-  int status(sd_bus_message* reply) const;
-  int windowId(sd_bus_message* reply) const;
-  int iconName(sd_bus_message* reply) const;
-  int iconPixmap(sd_bus_message* reply) const;
-  int toolTip(sd_bus_message* reply) const;
-  int itemIsMenu(sd_bus_message* reply) const;
-  int menuPath(sd_bus_message* reply) const;
-  int label(sd_bus_message* reply) const;
+  [[nodiscard]] const std::string& identifier() const;
+  [[nodiscard]] std::string title() const;
+  [[nodiscard]] std::string label() const;
+  void iconPixmap(BusWriter& reply) const;
+  void toolTip(BusWriter& reply) const;
 
   const Setup setup_;
   StatusItemContent content_;

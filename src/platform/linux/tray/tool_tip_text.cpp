@@ -1,30 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "platform/linux/tray/tool_tip_text.h"
 
+#include <algorithm>
+
+#include "base/text.h"
 #include "base/utf8_text.h"
-#include "platform/linux/desktop/desktop_name.h"
+#include "platform/linux/desktop/current_desktop.h"
 
 namespace nimbo {
 namespace {
 
 std::string escaped(std::string_view text) {
-  std::string result;
-  for (const char character : text) {
-    switch (character) {
-      case '&':
-        result += "&amp;";
-        break;
-      case '<':
-        result += "&lt;";
-        break;
-      case '>':
-        result += "&gt;";
-        break;
-      default:
-        result += character;
-    }
-  }
-  return result;
+  return replacedCharacters(text, {{'&', "&amp;"}, {'<', "&lt;"}, {'>', "&gt;"}});
 }
 
 }  // namespace
@@ -40,14 +27,10 @@ ToolTipTitle toolTipTitleOn(std::string_view desktop) {
 
 ToolTipText toolTipText(const std::string& text, ToolTipTitle kind) {
   const std::string repaired = repairedUtf8(text);
-  const std::string_view whole = repaired;
-  const auto lineEnd = whole.find('\n');
-  const std::string_view title = whole.substr(0, lineEnd);
-  ToolTipText result{kind == ToolTipTitle::plain ? std::string(title) : escaped(title), {}};
-  if (lineEnd == std::string_view::npos) return result;
-  const auto rest = whole.find_first_not_of('\n', lineEnd);
-  if (rest != std::string_view::npos) result.subtitle = escaped(whole.substr(rest));
-  return result;
+  std::string_view rest = repaired;
+  const std::string_view title = takeUntil(rest, '\n');
+  rest.remove_prefix(std::min(rest.find_first_not_of('\n'), rest.size()));
+  return {kind == ToolTipTitle::plain ? std::string(title) : escaped(title), escaped(rest)};
 }
 
 }  // namespace nimbo

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "platform/linux/http/curl/curl_transfer.h"
+#include "base/text.h"
 
 #include <curl/curl.h>
 #include <malloc.h>
@@ -57,14 +58,6 @@ bool isStatusLine(std::string_view line) {
   const auto status = line.substr(std::min(line.find_first_not_of(' ', space), line.size()), 3);
   return space == line.find_first_not_of("HTTP/.0123456789") && status.size() == 3 && status[0] != '0' &&
          status.find_first_not_of("0123456789") == std::string_view::npos;
-}
-
-// Names are ASCII; the C library's tolower would follow the locale.
-std::string lowerCase(std::string name) {
-  for (char& c : name) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return name;
 }
 
 /// One request. The multi interface, though for one transfer only, because that can be woken from
@@ -171,7 +164,7 @@ class CurlTransfer {
     response.status = static_cast<int>(status);
     curl_header* header = nullptr;
     while ((header = curl_easy_nextheader(easy_.get(), CURLH_HEADER, /*request: the last*/ -1, header)) != nullptr) {
-      response.headers.emplace_back(lowerCase(header->name), header->value);
+      response.headers.emplace_back(lowerCased(header->name), header->value);
     }
     response.body = std::move(body_);
     return response;

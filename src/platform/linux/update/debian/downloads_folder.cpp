@@ -4,17 +4,12 @@
 #include <optional>
 #include <string>
 
+#include "base/text.h"
+
 namespace nimbo {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string_view withoutSpace(std::string_view text) {
-  constexpr std::string_view kSpace = " \t\r";
-  const auto first = text.find_first_not_of(kSpace);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(kSpace) - first + 1);
-}
 
 /// What stands between double quotes, as a shell reads it; absent without both.
 std::optional<std::string> unquoted(std::string_view text) {
@@ -45,13 +40,10 @@ fs::path downloadsFolder(std::string_view userDirs, const fs::path& home) {
   constexpr std::string_view kName = "XDG_DOWNLOAD_DIR";
   std::optional<fs::path> folder;
   while (!userDirs.empty()) {
-    const auto end = userDirs.find('\n');
-    const std::string_view line = withoutSpace(userDirs.substr(0, end));
-    userDirs.remove_prefix(end == std::string_view::npos ? userDirs.size() : end + 1);
-    const auto equals = line.find('=');
-    if (equals == std::string_view::npos || withoutSpace(line.substr(0, equals)) != kName) continue;
+    std::string_view value = takeUntil(userDirs, '\n');
+    if (trimmed(takeUntil(value, '=')) != kName) continue;
     // As in a shell, the last one counts.
-    if (const auto named = folderOf(withoutSpace(line.substr(equals + 1)), home)) folder = named;
+    if (const auto named = folderOf(trimmed(value), home)) folder = named;
   }
   return folder.value_or(home / "Downloads");
 }

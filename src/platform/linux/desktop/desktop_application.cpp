@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "platform/linux/desktop/installed_application.h"
+#include "platform/linux/desktop/desktop_application.h"
 
+#include <algorithm>
+#include <array>
 #include <cstddef>
 
+#include "base/text.h"
 #include "platform/linux/desktop/desktop_entry.h"
 #include "platform/linux/files/regular_file.h"
 #include "platform/linux/files/xdg_folders.h"
@@ -24,6 +27,23 @@ std::optional<DesktopEntry> readEntry(std::string_view desktopId, const std::vec
 
 }  // namespace
 
+// An application's name on the accessibility bus would not do: an Electron program bears the engine's or any it
+// likes. Its process is what cannot be mistaken for a browser that shows the same page. The command-line tool that
+// shares the name "claude" never shows windows. A Snap's desktop entry bears the names of package and program.
+const ApplicationMarks* applicationMarks(std::string_view bundleIdentifier) {
+  static const std::array kApplications{
+      ApplicationMarks{"com.anthropic.claudefordesktop",
+                       {"claude-desktop", "Claude"},
+                       {"claude"},
+                       {"com.anthropic.claudefordesktop", "claude-desktop", "com.anthropic.Claude", "Claude",
+                        "claude-desktop_claude-desktop"}},
+  };
+  const auto* const found = std::find_if(kApplications.begin(), kApplications.end(), [&](const auto& application) {
+    return application.identifier == bundleIdentifier;
+  });
+  return found == kApplications.end() ? nullptr : found;
+}
+
 std::vector<fs::path> applicationFolders(const std::map<std::string, std::string>& environment,
                                          const XdgFolders& folders) {
   std::vector<fs::path> found{folders.data};
@@ -31,10 +51,8 @@ std::vector<fs::path> applicationFolders(const std::map<std::string, std::string
   const bool isSet = variable != environment.end() && !variable->second.empty();
   std::string_view rest = isSet ? std::string_view(variable->second) : "/usr/local/share:/usr/share";
   while (!rest.empty()) {
-    const auto end = rest.find(':');
-    const fs::path folder(rest.substr(0, end));
+    const fs::path folder(takeUntil(rest, ':'));
     if (folder.is_absolute()) found.push_back(folder);
-    rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
   }
   found.push_back(folders.data / "flatpak/exports/share");
   found.emplace_back("/var/lib/flatpak/exports/share");

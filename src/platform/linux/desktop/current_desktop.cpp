@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "platform/linux/desktop/system_monitor_programs.h"
+#include "platform/linux/desktop/current_desktop.h"
 
-#include "platform/linux/desktop/desktop_name.h"
+#include "base/text.h"
 
 namespace nimbo {
 namespace {
@@ -28,11 +28,18 @@ constexpr Candidate kCandidates[] = {
 
 }  // namespace
 
-std::vector<std::string_view> systemMonitorPrograms(std::string_view desktop) {
+bool desktopIs(std::string_view currentDesktop, std::string_view name) {
+  while (!currentDesktop.empty()) {
+    if (equalsIgnoringCase(takeUntil(currentDesktop, ':'), name)) return true;
+  }
+  return false;
+}
+
+std::vector<std::string_view> systemMonitorPrograms(std::string_view currentDesktop) {
   std::vector<std::string_view> own;
   std::vector<std::string_view> others;
   for (const Candidate& candidate : kCandidates) {
-    const bool isOwn = !candidate.desktop.empty() && desktopIs(desktop, candidate.desktop);
+    const bool isOwn = !candidate.desktop.empty() && desktopIs(currentDesktop, candidate.desktop);
     (isOwn ? own : others).push_back(candidate.program);
   }
   own.insert(own.end(), others.begin(), others.end());

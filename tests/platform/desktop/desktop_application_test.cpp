@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "platform/linux/desktop/installed_application.h"
+#include "platform/linux/desktop/desktop_application.h"
 
 #include <gtest/gtest.h>
 
-#include "platform/linux/desktop/application_marks.h"
-#include "platform/linux/desktop/file_uri.h"
 #include "platform/linux/files/xdg_folders.h"
 #include "support/services/temporary_tree.h"
 
@@ -99,13 +97,6 @@ TEST(ApplicationMarks, OnlyTheApplicationsOfThisProgramAreKnown) {
   EXPECT_FALSE(marks->desktopIds.empty());
   EXPECT_EQ(applicationMarks("com.example.other"), nullptr);
   EXPECT_EQ(applicationMarks(""), nullptr);
-}
-
-TEST(FileUri, EveryByteWithAMeaningIsEscaped) {
-  EXPECT_EQ(fileUri("/home/ada/a-b_c.d~1/E9"), "file:///home/ada/a-b_c.d~1/E9");
-  EXPECT_EQ(fileUri("/a b/ä#?%25&\n"), "file:///a%20b/%C3%A4%23%3F%2525%26%0A");
-  EXPECT_EQ(fileUri("/\xff"), "file:///%FF");
-  EXPECT_EQ(fileUri("/"), "file:///");
 }
 
 }  // namespace

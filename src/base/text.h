@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+
+namespace nimbo {
+
+// Texts are UTF-8. Upper and lower case, digits and blanks are those of ASCII, in every locale.
+
+inline constexpr std::string_view kBlanks = " \t\r\n";
+
+/// `text` without blanks at its ends.
+[[nodiscard]] std::string_view trimmed(std::string_view text);
+
+/// Takes what stands before `separator` off `rest`, and the separator with it; all of it where there is none.
+[[nodiscard]] std::string_view takeUntil(std::string_view& rest, char separator);
+
+[[nodiscard]] bool isDigit(char character);
+[[nodiscard]] char lowerCased(char character);
+[[nodiscard]] std::string lowerCased(std::string_view text);
+[[nodiscard]] bool equalsIgnoringCase(std::string_view text, std::string_view other);
+[[nodiscard]] bool startsWithIgnoringCase(std::string_view text, std::string_view beginning);
+/// `text` without any occurrence of `part`, which is not empty.
+[[nodiscard]] std::string removedIgnoringCase(std::string_view text, std::string_view part);
+
+struct CharacterReplacement {
+  char character;
+  std::string_view replacement;
+};
+[[nodiscard]] std::string replacedCharacters(std::string_view text,
+                                             std::initializer_list<CharacterReplacement> replacements);
+
+/// Every byte but letters, digits and those in `plain` as "%" and two hexadecimal digits.
+[[nodiscard]] std::string percentEncoded(std::string_view bytes, std::string_view plain);
+
+// White space is what Unicode counts as such, line breaks included.
+
+/// The bytes of the white-space character that `text` begins with; 0 for none.
+[[nodiscard]] std::size_t leadingWhiteSpace(std::string_view text);
+/// `text` without white space at its ends.
+[[nodiscard]] std::string_view trimmedWhiteSpace(std::string_view text);
+/// In lower case, and each white-space character a space.
+[[nodiscard]] std::string plainLowerCased(std::string_view text);
+
+}  // namespace nimbo

@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: MIT
+#include "base/text.h"
+
+#include <gtest/gtest.h>
+
+namespace nimbo {
+namespace {
+
+TEST(Text, IsTrimmedAtItsEndsOnly) {
+  EXPECT_EQ(trimmed(" \t\r\n a b \n"), "a b");
+  EXPECT_EQ(trimmed(" \n"), "");
+  EXPECT_EQ(trimmed(""), "");
+}
+
+TEST(Text, IsTakenApartAtItsSeparators) {
+  std::string_view rest = "a::b:";
+  EXPECT_EQ(takeUntil(rest, ':'), "a");
+  EXPECT_EQ(takeUntil(rest, ':'), "");
+  EXPECT_EQ(takeUntil(rest, ';'), "b:");
+  EXPECT_EQ(rest, "");
+  EXPECT_EQ(takeUntil(rest, ':'), "");
+}
+
+TEST(Text, OnlyLatinCapitalsAreFolded) {
+  EXPECT_TRUE(equalsIgnoringCase("Current SESSION", "current session"));
+  EXPECT_TRUE(equalsIgnoringCase("xfce", "XFCE"));
+  EXPECT_FALSE(equalsIgnoringCase("Current session ", "current session"));
+  EXPECT_FALSE(equalsIgnoringCase("\u00C4", "\u00E4"));
+  EXPECT_FALSE(equalsIgnoringCase("{", "["));
+  EXPECT_EQ(lowerCased("Aa[Zz\u00C4"), "aa[zz\u00C4");
+}
+
+TEST(Text, BeginningIsFoundInAnyCase) {
+  EXPECT_TRUE(startsWithIgnoringCase("RESETS now", "resets "));
+  EXPECT_FALSE(startsWithIgnoringCase("Reset", "resets "));
+}
+
+TEST(Text, EveryOccurrenceIsRemoved) {
+  EXPECT_EQ(removedIgnoringCase("Only ONLY only", "only"), "  ");
+  EXPECT_EQ(removedIgnoringCase("aab", "ab"), "a");
+  EXPECT_EQ(removedIgnoringCase("", "ab"), "");
+}
+
+TEST(Text, CharactersAreReplacedOnce) {
+  EXPECT_EQ(replacedCharacters("a&<b", {{'&', "&amp;"}, {'<', "&lt;"}}), "a&amp;&lt;b");
+  EXPECT_EQ(replacedCharacters("a", {}), "a");
+}
+
+TEST(Text, BytesWithAMeaningArePercentEncoded) {
+  EXPECT_EQ(percentEncoded("/a-Z 9%\n", "/-"), "/a-Z%209%25%0A");
+  EXPECT_EQ(percentEncoded("\xFF", ""), "%FF");
+}
+
+TEST(Text, PlainTextHasSpacesAndSmallLettersOnly) { EXPECT_EQ(plainLowerCased("3:59\u202FPM\tÄ"), "3:59 pm Ä"); }
+
+TEST(WhiteSpace, OfEveryKindIsTrimmed) {
+  EXPECT_EQ(trimmedWhiteSpace(" \t\r\n\v\f\u0085\u00A0\u2003\u202F\u3000 a b \u2028\u2029 "), "a b");
+  EXPECT_EQ(trimmedWhiteSpace("\u00A0"), "");
+  EXPECT_EQ(trimmedWhiteSpace(""), "");
+}
+
+TEST(WhiteSpace, CharactersThatLookAlikeInBytesAreKept) {
+  EXPECT_EQ(trimmedWhiteSpace("àĀ"), "àĀ");
+  EXPECT_EQ(trimmedWhiteSpace("\u200B"), "\u200B");
+}
+
+}  // namespace
+}  // namespace nimbo
