@@ -16,6 +16,6 @@ int main() {
     std::fprintf(stderr, "%s\n", snapshot.error().message.c_str());
     return 1;
   }
-  std::puts(nimbo::compactJsonText(nimbo::usageJson(*snapshot, nimbo::DateCoding::secondsSince2001)).c_str());
+  std::puts(nimbo::compactJsonText(nimbo::usageJson(*snapshot)).c_str());
   return 0;
 }
