@@ -26,9 +26,9 @@ UsageOutcome readTool(const ClaudeUsageReader& reader, const std::string& localZ
 }
 
 UsageOutcome readEither(const ClaudeUsageReader& reader, const std::string& localZone, const std::stop_token& stop) {
-  const UsageOutcome tool = readTool(reader, localZone, stop);
+  UsageOutcome tool = readTool(reader, localZone, stop);
   if (tool || stop.stop_requested()) return tool;
-  const UsageOutcome desktop = reader.desktop(stop);
+  UsageOutcome desktop = reader.desktop(stop);
   if (desktop) return desktop;
   return tl::unexpected(UsageError{messageOr(tool.error(), usage_messages::kClaudeCodeUnavailable) + " " +
                                    messageOr(desktop.error(), usage_messages::kDesktopUnavailable)});

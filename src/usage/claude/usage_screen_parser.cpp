@@ -47,17 +47,19 @@ std::optional<double> usedFigure(std::string_view line) {
 }
 
 bool equalsOneOf(std::string_view line, std::initializer_list<std::string_view> words) {
-  return std::ranges::any_of(words, [&](std::string_view word) { return equalsIgnoringCase(line, word); });
+  for (const std::string_view word : words) {
+    if (equalsIgnoringCase(line, word)) return true;
+  }
+  return false;
 }
 
 // Of the window that begins with that line.
 std::optional<std::string> windowTitle(std::string_view line) {
   if (equalsIgnoringCase(line, "current session")) return "5-hour";
   if (equalsOneOf(line, {"current day", "daily"})) return "Daily";
+  const bool isWeek = startsWithIgnoringCase(line, "current week");
+  if (!isWeek && !equalsOneOf(line, {"all models", "sonnet only", "opus only"})) return std::nullopt;
   if (equalsOneOf(line, {"all models", "current week", "current week (all models)"})) return "Weekly";
-  const bool isOfOneModel =
-      startsWithIgnoringCase(line, "current week") || equalsOneOf(line, {"sonnet only", "opus only"});
-  if (!isOfOneModel) return std::nullopt;
   std::string name = removedIgnoringCase(line, "current week");
   name.erase(0, std::min(name.find_first_not_of(" ()"), name.size()));
   name.erase(name.find_last_not_of(" ()") + 1);
