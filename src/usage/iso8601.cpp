@@ -1,82 +1,62 @@
 // SPDX-License-Identifier: MIT
 #include "usage/iso8601.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
-#include <charconv>
+#include <string>
+#include <vector>
 
 #include "base/text.h"
 
 namespace nimbo {
 namespace {
 
-using std::chrono::days;
 using std::chrono::hours;
 using std::chrono::minutes;
 using std::chrono::nanoseconds;
 using std::chrono::seconds;
 
-// All of them take what they find off `rest`.
-std::optional<int> digits(std::string_view& rest, std::size_t count) {
-  const std::string_view word = rest.substr(0, count);
-  if (word.size() < count || !std::all_of(word.begin(), word.end(), isDigit)) return std::nullopt;
-  int number = 0;
-  std::from_chars(word.data(), word.data() + count, number);
-  rest.remove_prefix(count);
-  return number;
+// The numbers in a text of that form, in which each 0 stands for a digit; none when it has another form.
+std::vector<int> numbersIn(std::string_view text, std::string_view form) {
+  if (text.size() != form.size()) return {};
+  std::vector<int> numbers{0};
+  for (std::size_t index = 0; index < form.size(); ++index) {
+    const bool isExpected = form[index] == '0' ? isDigit(text[index]) : text[index] == form[index];
+    if (!isExpected) return {};
+    if (form[index] == '0') {
+      numbers.back() = numbers.back() * 10 + (text[index] - '0');
+    } else {
+      numbers.push_back(0);
+    }
+  }
+  return numbers;
 }
 
-bool skip(std::string_view& rest, char character) {
-  if (!rest.starts_with(character)) return false;
-  rest.remove_prefix(1);
-  return true;
-}
-
-std::optional<std::chrono::sys_days> date(std::string_view& rest) {
-  const auto year = digits(rest, 4);
-  if (!year || !skip(rest, '-')) return std::nullopt;
-  const auto month = digits(rest, 2);
-  if (!month || !skip(rest, '-')) return std::nullopt;
-  const auto day = digits(rest, 2);
-  if (!day) return std::nullopt;
-  const auto date = std::chrono::year(*year) / *month / *day;
-  return date.ok() ? std::optional(std::chrono::sys_days(date)) : std::nullopt;
-}
-
-std::optional<seconds> hoursAndMinutes(std::string_view& rest, bool needsColon) {
-  const auto hour = digits(rest, 2);
-  const bool hasColon = skip(rest, ':');
-  const auto minute = digits(rest, 2);
-  if (!hour || !minute || *hour > 23 || *minute > 59 || (needsColon && !hasColon)) return std::nullopt;
-  return hours(*hour) + minutes(*minute);
-}
-
-std::optional<seconds> timeOfDay(std::string_view& rest) {
-  const auto time = hoursAndMinutes(rest, /*needsColon=*/true);
-  if (!time || !skip(rest, ':')) return std::nullopt;
-  const auto second = digits(rest, 2);
-  return second && *second < 60 ? std::optional(*time + seconds(*second)) : std::nullopt;
+std::optional<std::chrono::sys_seconds> dateAndTime(std::string_view text) {
+  const auto numbers = numbersIn(text, "0000-00-00T00:00:00");
+  if (numbers.empty() || numbers[3] > 23 || numbers[4] > 59 || numbers[5] > 59) return std::nullopt;
+  const auto date = std::chrono::year(numbers[0]) / numbers[1] / numbers[2];
+  if (!date.ok()) return std::nullopt;
+  return std::chrono::sys_days(date) + hours(numbers[3]) + minutes(numbers[4]) + seconds(numbers[5]);
 }
 
 // Decimals beyond the ninth are below what an instant tells apart.
-std::optional<nanoseconds> fraction(std::string_view& rest) {
-  if (!skip(rest, '.')) return nanoseconds::zero();
-  const auto* const end = std::find_if_not(rest.begin(), rest.end(), isDigit);
-  std::string decimals(rest.begin(), end);
-  if (decimals.empty()) return std::nullopt;
-  rest.remove_prefix(decimals.size());
+std::optional<nanoseconds> fraction(std::string_view text) {
+  if (text.empty()) return nanoseconds::zero();
+  std::string decimals(text.substr(1));
+  if (text[0] != '.' || decimals.empty() || !std::ranges::all_of(decimals, isDigit)) return std::nullopt;
   decimals.resize(9, '0');
-  std::string_view nine = decimals;
-  return nanoseconds(digits(nine, 9).value_or(0));
+  return nanoseconds(std::stoi(decimals));
 }
 
-std::optional<seconds> zoneOffset(std::string_view& rest) {
-  if (skip(rest, 'Z')) return seconds::zero();
-  const bool isWest = skip(rest, '-');
-  if (!isWest && !skip(rest, '+')) return std::nullopt;
-  const auto offset = hoursAndMinutes(rest, /*needsColon=*/false);
-  return offset && isWest ? std::optional(-*offset) : offset;
+std::optional<seconds> zoneOffset(std::string_view text) {
+  if (text == "Z") return seconds::zero();
+  if (text.find_first_of("+-") != 0) return std::nullopt;
+  std::string time(text.substr(1));
+  if (time.size() == 4) time.insert(2, 1, ':');
+  const auto numbers = numbersIn(time, "00:00");
+  if (numbers.empty() || numbers[0] > 23 || numbers[1] > 59) return std::nullopt;
+  const seconds offset = hours(numbers[0]) + minutes(numbers[1]);
+  return text[0] == '-' ? -offset : offset;
 }
 
 bool isRepresentable(std::chrono::sys_seconds time) {
@@ -86,29 +66,13 @@ bool isRepresentable(std::chrono::sys_seconds time) {
 }  // namespace
 
 std::optional<UsageTime> parseIso8601(std::string_view text) {
-  const auto day = date(text);
-  if (!day || !skip(text, 'T')) return std::nullopt;
-  const auto time = timeOfDay(text);
-  if (!time) return std::nullopt;
-  const auto decimals = fraction(text);
-  const auto offset = decimals ? zoneOffset(text) : std::nullopt;
-  if (!offset || !text.empty()) return std::nullopt;
-  const std::chrono::sys_seconds whole = *day + *time - *offset;
-  return isRepresentable(whole) ? std::optional(UsageTime(whole) + *decimals) : std::nullopt;
-}
-
-std::string iso8601Text(UsageTime time) {
-  const auto day = std::chrono::floor<days>(time);
-  const std::chrono::year_month_day date(day);
-  const std::chrono::hh_mm_ss<nanoseconds> clock(time - day);
-  std::string text =
-      fmt::format("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}", int(date.year()), unsigned(date.month()), unsigned(date.day()),
-                  clock.hours().count(), clock.minutes().count(), clock.seconds().count());
-  if (clock.subseconds().count() > 0) {
-    text += fmt::format(".{:09}", clock.subseconds().count());
-    text.erase(text.find_last_not_of('0') + 1);
-  }
-  return text + "Z";
+  constexpr std::size_t kWholeSeconds = 19;
+  const std::size_t zone = std::min(text.find_first_of("Z+-", kWholeSeconds), text.size());
+  const auto time = dateAndTime(text.substr(0, kWholeSeconds));
+  const auto decimals = time ? fraction(text.substr(kWholeSeconds, zone - kWholeSeconds)) : std::nullopt;
+  const auto offset = zoneOffset(text.substr(zone));
+  if (!decimals || !offset || !isRepresentable(*time - *offset)) return std::nullopt;
+  return UsageTime(*time - *offset) + *decimals;
 }
 
 }  // namespace nimbo

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <optional>
-#include <string>
 #include <string_view>
 
 #include "usage/usage_model.h"
@@ -12,8 +11,5 @@ namespace nimbo {
 /// An instant such as "2026-11-21T14:30:00Z" or "2026-11-21T14:30:00.25+01:00" (the zone's colon may be
 /// missing); absent for anything else.
 [[nodiscard]] std::optional<UsageTime> parseIso8601(std::string_view text);
-
-/// In UTC, with as many decimals as are needed to read the same instant again.
-[[nodiscard]] std::string iso8601Text(UsageTime time);
 
 }  // namespace nimbo

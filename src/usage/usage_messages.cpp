@@ -3,7 +3,7 @@
 
 #include <fmt/format.h>
 
-#include "usage/usage_provider_name.h"
+#include "usage/usage_status.h"
 
 namespace nimbo::usage_messages {
 

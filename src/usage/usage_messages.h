@@ -44,8 +44,6 @@ inline constexpr char kClaudeCodeScreenUnsupported[] =
     "Claude Code returned an unsupported usage screen. Update Claude Code and refresh.";
 inline constexpr char kClaudeCodeGaveNoUsage[] =
     "Claude Code couldn’t return usage. Run claude, sign in and check /usage, then refresh.";
-inline constexpr char kNoReadableClaudeLimits[] =
-    "No readable Claude limits. Sign in with Claude Code and check /usage, then refresh.";
 
 // The desktop application.
 inline constexpr char kDesktopNeedsAccessibility[] =

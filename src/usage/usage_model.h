@@ -2,9 +2,13 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
+
+#include "base/result.h"
+#include "base/subscription.h"
 
 namespace nimbo {
 
@@ -35,22 +39,22 @@ struct UsageState {
   bool operator==(const UsageState&) const = default;
 };
 
-/// A failure as the user is told of it.
+/// Why a reading failed.
 struct UsageError {
-  std::string message;
+  std::string message{};                      ///< for the user; empty when there is nothing to tell
+  std::optional<UsageTime> retryNotBefore{};  ///< the provider answered that it must not be asked before
   bool operator==(const UsageError&) const = default;
 };
 
-/// Why a reader gave no snapshot.
-struct UsageReadError {
-  enum class Kind {
-    usage,      ///< `message` is for the user
-    cancelled,  ///< nobody wants it any more; there is no message
-    other,      ///< something unexpected; `message` is the system's own description
-  };
-  Kind kind = Kind::usage;
-  std::string message{};
-  bool operator==(const UsageReadError&) const = default;
+using UsageOutcome = Result<UsageSnapshot, UsageError>;
+
+enum class UsageRequest {
+  automatic,
+  manual,  ///< the user waits for it and may be asked by the system
 };
+
+/// Starts one read of a provider. `done` is called once, later, from the main loop; dropping the
+/// subscription cancels the read and silences `done`. Main thread only.
+using UsageRead = std::function<Subscription(UsageRequest request, std::function<void(UsageOutcome)> done)>;
 
 }  // namespace nimbo

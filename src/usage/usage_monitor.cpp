@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "usage/usage_monitor.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "usage/usage_messages.h"
@@ -20,8 +21,8 @@ UsageMonitor::UsageMonitor(Reads reads, const Clock& clock, const Dates& dates)
 void UsageMonitor::setEnabled(UsageProvider provider, bool enabled) {
   auto& state = states_[provider];
   if (state.enabled == enabled) return;
-  abandon(provider);
-  nextRefresh_.erase(provider);
+  endRead(provider);
+  records_[provider].nextRefresh = {};
   state = {};
   state.enabled = enabled;
   changed();
@@ -30,66 +31,63 @@ void UsageMonitor::setEnabled(UsageProvider provider, bool enabled) {
 void UsageMonitor::refresh(std::span<const UsageProvider> providers, UsageRequest request) {
   bool anything = false;
   for (const auto provider : kAllUsageProviders) {
-    for (const auto wanted : providers) {
-      if (wanted == provider && start(provider, request)) anything = true;
-    }
+    const bool isWanted = std::ranges::find(providers, provider) != providers.end();
+    if (isWanted && start(provider, request)) anything = true;
   }
   if (anything) changed();
 }
 
 bool UsageMonitor::start(UsageProvider provider, UsageRequest request) {
-  if (!states_[provider].enabled) return false;
+  auto& state = states_[provider];
+  auto& record = records_[provider];
   const bool manual = request == UsageRequest::manual;
-  if (tasks_.contains(provider)) {
-    if (manual && !interactiveTasks_.contains(provider)) pendingManualRefresh_.insert(provider);
+  if (!state.enabled) return false;
+  if (state.isRefreshing) {
+    if (manual && !record.isManual) record.isAskedAgain = true;
     return false;
   }
-  if (!manual && isIn(nextRefresh_, provider)) return false;
-  if (isIn(retryNotBefore_, provider)) {
-    if (manual)
-      states_[provider].message = usage_messages::rateLimitReached(dates_.shortTime(retryNotBefore_[provider].until));
+  if (!manual && lasts(record.nextRefresh)) return false;
+  if (lasts(record.rateLimit)) {
+    if (manual) state.message = usage_messages::rateLimitReached(dates_.shortTime(record.rateLimit.until));
     return manual;
   }
   beginRead(provider, request);
   return true;
 }
 
-UsageMonitor::Wait UsageMonitor::waitUntil(Time instant) const {
+UsageMonitor::Wait UsageMonitor::waitUntil(UsageTime instant) const {
   using Seconds = std::chrono::duration<double>;
   const Seconds left = Seconds(instant.time_since_epoch()) - Seconds(clock_.now().time_since_epoch());
   return {instant, clock_.uptime() + left};
 }
 
-bool UsageMonitor::isIn(const std::map<UsageProvider, Wait>& waits, UsageProvider provider) const {
-  const auto wait = waits.find(provider);
-  return wait != waits.end() && clock_.now() < wait->second.until && clock_.uptime() < wait->second.untilUptime;
+bool UsageMonitor::lasts(const Wait& wait) const {
+  return clock_.now() < wait.until && clock_.uptime() < wait.untilUptime;
 }
 
 void UsageMonitor::beginRead(UsageProvider provider, UsageRequest request) {
-  const auto generation = ++generations_[provider];
+  auto& record = records_[provider];
   states_[provider].isRefreshing = true;
-  if (request == UsageRequest::manual) interactiveTasks_.insert(provider);
+  record.isManual = request == UsageRequest::manual;
   const auto& read = provider == UsageProvider::codex ? reads_.codex : reads_.claude;
-  tasks_[provider] = read(request, [this, provider, generation](UsageOutcome outcome) {
-    finish(provider, generation, std::move(outcome));
+  record.read = read(request, [this, provider, generation = record.generation](UsageOutcome outcome) {
+    if (generation == records_[provider].generation) finish(provider, std::move(outcome));
   });
 }
 
-void UsageMonitor::finish(UsageProvider provider, std::uint64_t generation, UsageOutcome outcome) {
-  if (generation != generations_[provider]) return;
+void UsageMonitor::finish(UsageProvider provider, UsageOutcome outcome) {
   auto& state = states_[provider];
+  auto& record = records_[provider];
   if (outcome) {
     state.snapshot = std::move(*outcome);
     state.message.reset();
   } else {
     state.message = std::move(outcome.error().message);
-    if (outcome.error().retryNotBefore) retryNotBefore_[provider] = waitUntil(*outcome.error().retryNotBefore);
+    if (outcome.error().retryNotBefore) record.rateLimit = waitUntil(*outcome.error().retryNotBefore);
   }
-  nextRefresh_[provider] = waitUntil(clock_.now() + kRefreshInterval);
-  state.isRefreshing = false;
-  tasks_.erase(provider);
-  interactiveTasks_.erase(provider);
-  const bool again = pendingManualRefresh_.erase(provider) > 0;
+  record.nextRefresh = waitUntil(clock_.now() + kRefreshInterval);
+  const bool again = record.isAskedAgain;
+  endRead(provider);
   changed();
   if (again) refresh(std::span(&provider, 1), UsageRequest::manual);
 }
@@ -97,18 +95,18 @@ void UsageMonitor::finish(UsageProvider provider, std::uint64_t generation, Usag
 void UsageMonitor::stop() {
   bool anything = false;
   for (const auto provider : kAllUsageProviders) {
-    if (!tasks_.contains(provider)) continue;
-    abandon(provider);
+    if (!states_[provider].isRefreshing) continue;
+    endRead(provider);
     anything = true;
   }
   if (anything) changed();
 }
 
-void UsageMonitor::abandon(UsageProvider provider) {
-  ++generations_[provider];
-  tasks_.erase(provider);
-  interactiveTasks_.erase(provider);
-  pendingManualRefresh_.erase(provider);
+void UsageMonitor::endRead(UsageProvider provider) {
+  auto& record = records_[provider];
+  ++record.generation;
+  record.read.reset();
+  record.isAskedAgain = false;
   states_[provider].isRefreshing = false;
 }
 

@@ -5,13 +5,12 @@
 #include <cstdint>
 #include <functional>
 #include <map>
-#include <set>
 #include <span>
 
 #include "platform/clock.h"
 #include "platform/dates.h"
 #include "settings/usage_provider.h"
-#include "usage/usage_read.h"
+#include "usage/usage_model.h"
 
 namespace nimbo {
 
@@ -49,32 +48,35 @@ class UsageMonitor {
   std::function<void()> onChange;
 
  private:
-  using Time = UsageTime;
-
   /// Ends at an instant of the wall clock, but lasts no longer than it was to when it began, however the clock is set.
   struct Wait {
-    Time until;
+    UsageTime until;
     std::chrono::duration<double> untilUptime{0};
   };
 
+  /// What is remembered of one provider besides its state, which says whether a read runs.
+  struct Record {
+    Subscription read;
+    std::uint64_t generation = 0;  ///< of the only read whose outcome still counts
+    bool isManual = false;         ///< the user asked for the read that runs
+    bool isAskedAgain = false;     ///< by the user, while an automatic read runs
+    Wait rateLimit;
+    Wait nextRefresh;
+  };
+
   [[nodiscard]] bool start(UsageProvider provider, UsageRequest request);
-  [[nodiscard]] Wait waitUntil(Time instant) const;
-  [[nodiscard]] bool isIn(const std::map<UsageProvider, Wait>& waits, UsageProvider provider) const;
+  [[nodiscard]] Wait waitUntil(UsageTime instant) const;
+  [[nodiscard]] bool lasts(const Wait& wait) const;
   void beginRead(UsageProvider provider, UsageRequest request);
-  void finish(UsageProvider provider, std::uint64_t generation, UsageOutcome outcome);
-  void abandon(UsageProvider provider);
+  void finish(UsageProvider provider, UsageOutcome outcome);
+  void endRead(UsageProvider provider);
   void changed() const;
 
   Reads reads_;
   const Clock& clock_;
   const Dates& dates_;
   UsageStates states_;
-  std::map<UsageProvider, Subscription> tasks_;
-  std::map<UsageProvider, Wait> retryNotBefore_;
-  std::map<UsageProvider, Wait> nextRefresh_;
-  std::map<UsageProvider, std::uint64_t> generations_;
-  std::set<UsageProvider> interactiveTasks_;
-  std::set<UsageProvider> pendingManualRefresh_;
+  std::map<UsageProvider, Record> records_;
 };
 
 }  // namespace nimbo

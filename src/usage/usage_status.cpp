@@ -5,8 +5,6 @@
 
 #include <algorithm>
 
-#include "usage/usage_provider_name.h"
-
 namespace nimbo {
 namespace {
 

@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "usage/usage_read.h"
+#include "usage/usage_model.h"
 
 namespace nimbo {
 
@@ -31,7 +31,7 @@ class FakeUsageRead {
     done(std::move(outcome));
     return true;
   }
-  bool fail(const std::string& message) { return finish(tl::unexpected(UsageReadFailure{message})); }
+  bool fail(const std::string& message) { return finish(tl::unexpected(UsageError{message})); }
 
   /// A careless reader: calls back although nobody wants it any more.
   void finishLate(UsageOutcome outcome) const { last_(std::move(outcome)); }

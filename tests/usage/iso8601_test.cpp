@@ -40,7 +40,6 @@ TEST(Iso8601, TimesThatDoNotExistAreRefused) {
 TEST(Iso8601, EveryTruncationIsRefused) {
   const std::string whole = "2026-11-21T14:30:00.25+01:00";
   for (std::size_t length = 0; length < whole.size(); ++length) {
-    if (whole.substr(0, length).ends_with("+01:0")) continue;
     EXPECT_EQ(parseIso8601(whole.substr(0, length)), std::nullopt) << whole.substr(0, length);
   }
   EXPECT_TRUE(parseIso8601(whole));
@@ -57,18 +56,6 @@ TEST(Iso8601, YearsThatAnInstantCannotHoldAreRefused) {
   EXPECT_EQ(parseIso8601("9999-12-31T23:59:59Z"), std::nullopt);
   EXPECT_EQ(parseIso8601("0001-01-01T00:00:00Z"), std::nullopt);
   EXPECT_EQ(parseIso8601("2262-04-11T00:00:00Z"), utc(2262, 4, 11));
-}
-
-TEST(Iso8601, WholeSecondsAreWrittenWithoutDecimals) {
-  EXPECT_EQ(iso8601Text(utc(2026, 1, 2, 3, 4, 5)), "2026-01-02T03:04:05Z");
-}
-
-TEST(Iso8601, WrittenInstantIsReadAsTheSame) {
-  for (const auto offset : {nanoseconds(0), nanoseconds(1), nanoseconds(250'000'000), nanoseconds(-1)}) {
-    const UsageTime time = utc(2026, 11, 21, 14, 30) + offset;
-    EXPECT_EQ(parseIso8601(iso8601Text(time)), time) << iso8601Text(time);
-  }
-  EXPECT_EQ(iso8601Text(utc(1969, 12, 31, 23, 59, 59) + milliseconds(250)), "1969-12-31T23:59:59.25Z");
 }
 
 }  // namespace

@@ -5,7 +5,7 @@
 
 #include <string_view>
 
-#include "usage/usage_provider_name.h"
+#include "usage/usage_status.h"
 
 namespace nimbo {
 namespace {

@@ -31,7 +31,7 @@ class UsageMonitorTest : public testing::Test {
     return monitor->states().at(provider);
   }
   UsageSnapshot snapshot(double used) const { return {{{"Weekly", used, {}}}, clock.now(), {}}; }
-  static UsageReadFailure rateLimit(UsageTime until) { return {"wait", until}; }
+  static UsageError rateLimit(UsageTime until) { return {"wait", until}; }
 
   static constexpr auto codexProvider = UsageProvider::codex;
   static constexpr auto claudeProvider = UsageProvider::claude;

@@ -66,7 +66,7 @@ ConsoleReport makeDiagnosticsReport(SystemSampler& sampler, TemperatureSensor& t
 ConsoleReport makeClaudeDesktopCheck(const ClaudeDesktopUsage& usage, std::string_view localZone) {
   const auto snapshot = usage.read(localZone);
   if (!snapshot) return {"", snapshot.error().message + '\n', 1};
-  return {compactJsonText(usageJson(*snapshot, DateCoding::secondsSince2001)) + '\n', "", 0};
+  return {compactJsonText(usageJson(*snapshot)) + '\n', "", 0};
 }
 
 }  // namespace nimbo

@@ -8,14 +8,13 @@
 namespace nimbo {
 
 std::string WidgetSnapshot::encoded() const {
-  constexpr auto kDates = DateCoding::secondsSince2001;
   nlohmann::ordered_json object;
-  object["date"] = dateJson(date, kDates);
+  object["date"] = secondsSince2001(date);
   if (temperature) object["temperature"] = *temperature;
-  if (temperatureDate) object["temperatureDate"] = dateJson(*temperatureDate, kDates);
+  if (temperatureDate) object["temperatureDate"] = secondsSince2001(*temperatureDate);
   object["temperatureEnabled"] = temperatureEnabled;
-  object["codex"] = usageJson(codex, kDates);
-  object["claude"] = usageJson(claude, kDates);
+  object["codex"] = usageJson(codex);
+  object["claude"] = usageJson(claude);
   return compactJsonText(object);
 }
 

@@ -3,7 +3,7 @@
 
 #include <utility>
 
-#include "usage/usage_provider_name.h"
+#include "usage/usage_status.h"
 
 namespace nimbo {
 namespace {

@@ -7,7 +7,6 @@
 #include <cmath>
 #include <utility>
 
-#include "usage/usage_provider_name.h"
 #include "usage/usage_status.h"
 
 namespace nimbo {

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "usage/claude/claude_desktop_usage.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstddef>
-#include <utility>
+#include <optional>
 
 #include "usage/claude/usage_screen_parser.h"
-#include "usage/claude/window_text.h"
 #include "usage/usage_messages.h"
 
 namespace nimbo {
@@ -17,35 +17,73 @@ constexpr char kSource[] = "Claude Desktop";
 constexpr std::string_view kMarker = "Plan usage limits";
 
 constexpr std::chrono::milliseconds kMessagingTimeout{300};
+constexpr std::chrono::seconds kTimePerWindow{2};
 constexpr std::size_t kMostWindows = 5;
+constexpr std::size_t kMostElements = 1500;
+constexpr int kDeepest = 34;
+constexpr std::ptrdiff_t kTooLong = 300;
 
-tl::unexpected<UsageReadError> failure(const char* message) {
-  return tl::unexpected(UsageReadError{UsageReadError::Kind::usage, message});
+std::ptrdiff_t characters(std::string_view utf8) {
+  return std::ranges::count_if(utf8, [](char byte) { return (byte & 0xC0) != 0x80; });
 }
 
-tl::unexpected<UsageReadError> cancelled() {
-  return tl::unexpected(UsageReadError{UsageReadError::Kind::cancelled, {}});
-}
+class Walk {
+ public:
+  Walk(const Clock& clock, const std::stop_token& stop)
+      : clock_(clock), stop_(stop), deadline_(clock.uptime() + kTimePerWindow) {}
+
+  void visit(AccessibleElement& element, int depth = 0) {
+    if (depth > kDeepest || visited_ >= kMostElements || clock_.uptime() > deadline_ || stop_.stop_requested()) return;
+    ++visited_;
+    add(element.title());
+    add(element.description());
+    add(element.value());
+    for (const auto& child : element.children(kMostElements - visited_)) visit(*child, depth + 1);
+  }
+
+  [[nodiscard]] const std::string& text() const { return text_; }
+
+ private:
+  // An element often repeats its title as its value.
+  void add(const std::optional<std::string>& line) {
+    if (!line || line->empty() || characters(*line) >= kTooLong || line == lastLine_) return;
+    if (lastLine_) text_ += '\n';
+    text_ += *line;
+    lastLine_ = line;
+  }
+
+  const Clock& clock_;
+  const std::stop_token& stop_;
+  const std::chrono::duration<double> deadline_;
+  std::size_t visited_ = 0;
+  std::optional<std::string> lastLine_;
+  std::string text_;
+};
 
 }  // namespace
 
-Result<UsageSnapshot, UsageReadError> ClaudeDesktopUsage::read(std::string_view localZone,
-                                                               const std::stop_token& stop) const {
+UsageOutcome ClaudeDesktopUsage::read(std::string_view localZone, const std::stop_token& stop) const {
   const auto application = accessibility_.application(kApplication);
-  if (stop.stop_requested()) return cancelled();
-  if (!application) return failure(usage_messages::kDesktopNotRunning);
-  if (!accessibility_.isTrusted()) return failure(usage_messages::kDesktopNeedsAccessibility);
-  if (stop.stop_requested()) return cancelled();
+  if (stop.stop_requested()) return tl::unexpected(UsageError{});
+  if (!application) return tl::unexpected(UsageError{usage_messages::kDesktopNotRunning});
+  if (!accessibility_.isTrusted()) return tl::unexpected(UsageError{usage_messages::kDesktopNeedsAccessibility});
+  if (stop.stop_requested()) return tl::unexpected(UsageError{});
   application->setMessagingTimeout(kMessagingTimeout);
   application->exposeContent(stop);
 
   for (const auto& window : application->windows(kMostWindows)) {
     const std::string text = windowText(*window, clock_, stop);
-    if (stop.stop_requested()) return cancelled();
+    if (stop.stop_requested()) return tl::unexpected(UsageError{});
     if (text.find(kMarker) == std::string::npos) continue;
     if (auto snapshot = parseUsageScreen(text, clock_.now(), kSource, localZone)) return *std::move(snapshot);
   }
-  return failure(usage_messages::kDesktopUsageNotShown);
+  return tl::unexpected(UsageError{usage_messages::kDesktopUsageNotShown});
+}
+
+std::string windowText(AccessibleElement& window, const Clock& clock, const std::stop_token& stop) {
+  Walk walk(clock, stop);
+  walk.visit(window);
+  return walk.text();
 }
 
 }  // namespace nimbo

@@ -11,19 +11,12 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::array<std::string_view, 5> kRemoved{"ANTHROPIC_API_KEY", "ANTHROPIC_AUTH_TOKEN", "ANTHROPIC_BASE_URL",
-                                                   "CLAUDE_CODE_OAUTH_TOKEN", "CLAUDECODE"};
-
-struct Variable {
-  std::string_view name;
-  std::string_view value;
-};
-constexpr std::array<Variable, 2> kSet{{{"TERM", "xterm-256color"}, {"NO_COLOR", "1"}}};
+constexpr std::array<std::string_view, 7> kReplacedOrRemoved{
+    "ANTHROPIC_API_KEY", "ANTHROPIC_AUTH_TOKEN", "ANTHROPIC_BASE_URL", "CLAUDE_CODE_OAUTH_TOKEN", "CLAUDECODE", "TERM",
+    "NO_COLOR"};
 
 bool isReplacedOrRemoved(std::string_view entry) {
-  const std::string_view name = entry.substr(0, entry.find('='));
-  const auto isSet = [&](const Variable& variable) { return variable.name == name; };
-  return std::ranges::find(kRemoved, name) != kRemoved.end() || std::ranges::any_of(kSet, isSet);
+  return std::ranges::find(kReplacedOrRemoved, entry.substr(0, entry.find('='))) != kReplacedOrRemoved.end();
 }
 
 std::vector<fs::path> candidates(const fs::path& home, std::string_view searchPath) {
@@ -51,7 +44,7 @@ std::vector<std::string> arguments() { return {"--safe-mode", "--tools", "", "--
 std::vector<std::string> environment(const std::vector<std::string>& inherited) {
   std::vector<std::string> result;
   std::ranges::remove_copy_if(inherited, std::back_inserter(result), isReplacedOrRemoved);
-  for (const auto& [name, value] : kSet) result.push_back(std::string(name) + "=" + std::string(value));
+  result.insert(result.end(), {"TERM=xterm-256color", "NO_COLOR=1"});
   return result;
 }
 

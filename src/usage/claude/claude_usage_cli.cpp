@@ -1,64 +1,140 @@
 // SPDX-License-Identifier: MIT
 #include "usage/claude/claude_usage_cli.h"
 
+#include <algorithm>
+#include <optional>
 #include <utility>
 
-#include "usage/claude/claude_screen_watch.h"
 #include "usage/claude/claude_tool.h"
+#include "usage/claude/trust_question.h"
+#include "usage/claude/usage_screen_parser.h"
 #include "usage/usage_messages.h"
 
 namespace nimbo {
 namespace {
 
-namespace fs = std::filesystem;
+using std::chrono::milliseconds;
+using Seconds = std::chrono::duration<double>;
 
-using Kind = UsageReadError::Kind;
+constexpr std::size_t kMaximumScreenBytes = std::size_t{512} * 1024;
+constexpr std::string_view kSource = "Claude Code";
+constexpr std::string_view kYes = "y\r";
 
-UsageReadError systemError(std::error_code code) { return {Kind::other, code.message()}; }
+/// Follows what the running tool draws until its usage screen stands still, and answers its question
+/// whether it may trust its folder, once.
+class ScreenWatch {
+ public:
+  /// All but `folderNames`, by each of which the tool may call its folder, outlive it. Nothing of `program` is stopped.
+  ScreenWatch(TerminalProgram& program, const ClaudeUsageCLI& cli, const std::vector<std::string>& folderNames,
+              const std::stop_token& stop)
+      : program_(program),
+        cli_(cli),
+        clock_(cli.services.clock),
+        stop_(stop),
+        question_(folderNames),
+        latestOutput_(clock_.uptime()) {}
+
+  [[nodiscard]] UsageOutcome run(Seconds timeout) {
+    const Seconds deadline = clock_.uptime() + timeout;
+    bool goesOn = true;
+    while (goesOn && !stop_.stop_requested() && clock_.uptime() < deadline) goesOn = turn(deadline);
+    if (isTooMuch()) return tl::unexpected(UsageError{usage_messages::kClaudeCodeScreenUnsupported});
+    if (stop_.stop_requested()) return tl::unexpected(UsageError{});
+    interpret();
+    if (!latest_) return tl::unexpected(UsageError{usage_messages::kClaudeCodeGaveNoUsage});
+    return *latest_;
+  }
+
+ private:
+  /// False once the screen is complete, or nothing more can come of it.
+  [[nodiscard]] bool turn(Seconds deadline) {
+    // A program that has ended may have left output, but somebody else may hold its terminal: that is not
+    // waited for.
+    const bool running = program_.running();
+    std::string bytes;
+    const auto input = program_.read(bytes, running ? patience(deadline) : milliseconds{0});
+    if (input == TerminalProgram::Input::ended) return false;
+    if (input == TerminalProgram::Input::some) {
+      take(bytes);
+      return !isTooMuch();
+    }
+    interpret();
+    const bool hasSettled = latest_ && clock_.uptime() - latestOutput_ > cli_.pace.settling;
+    return running && !hasSettled;
+  }
+
+  /// How long output is waited for.
+  [[nodiscard]] milliseconds patience(Seconds deadline) const {
+    const Seconds now = clock_.uptime();
+    const auto until = [now](Seconds moment) { return std::chrono::ceil<milliseconds>(moment - now); };
+    auto result = std::min(cli_.pace.polling, until(deadline));
+    if (latest_) result = std::min(result, until(latestOutput_ + cli_.pace.settling));
+    return std::max(result, milliseconds{1});
+  }
+
+  /// More than any usage screen.
+  [[nodiscard]] bool isTooMuch() const { return size_ > kMaximumScreenBytes; }
+
+  void take(std::string_view bytes) {
+    latestOutput_ = clock_.uptime();
+    size_ += bytes.size();
+    if (isTooMuch()) return;
+    if (question_) question_->append(bytes);
+    if (question_ && question_->isAsked()) return answer();
+    screen_.append(bytes);
+    drawnAt_ = clock_.now();
+  }
+
+  void answer() {
+    // Should it not get through, the tool waits for it until the time is up.
+    (void)program_.write(kYes);
+    question_.reset();
+    screen_ = {};
+    size_ = 0;
+    drawnAt_.reset();
+  }
+
+  // Only when the tool pauses: a screen that is drawn in a thousand pieces is understood once.
+  void interpret() {
+    if (const auto drawnAt = std::exchange(drawnAt_, std::nullopt)) {
+      latest_ = screen_.snapshot(*drawnAt, kSource, cli_.surroundings.localZone);
+    }
+  }
+
+  TerminalProgram& program_;
+  const ClaudeUsageCLI& cli_;
+  const Clock& clock_;
+  const std::stop_token& stop_;
+  UsageScreenParser screen_;
+  std::size_t size_ = 0;                   // of what `screen_` was given
+  std::optional<TrustQuestion> question_;  // until it is answered
+  std::optional<UsageTime> drawnAt_;       // of what was not interpreted yet
+  std::optional<UsageSnapshot> latest_;
+  Seconds latestOutput_;
+};
 
 }  // namespace
 
-ClaudeUsageCLI::ClaudeUsageCLI(const Services& services, Surroundings surroundings, const Pace& pace)
-    : services_(services), surroundings_(std::move(surroundings)), pace_(pace) {}
-
-Result<UsageSnapshot, UsageReadError> ClaudeUsageCLI::fetch(const fs::path& executable,
-                                                            std::chrono::duration<double> timeout) {
-  const auto terminal = services_.terminals.open(claude_tool::kTerminalSize);
-  if (!terminal) return tl::unexpected(UsageReadError{Kind::usage, usage_messages::kClaudeCodeNotStarted});
-  const auto folder = services_.files.preparePrivateFolder(surroundings_.workspace);
-  if (!folder) return tl::unexpected(systemError(folder.error()));
+UsageOutcome ClaudeUsageCLI::fetch(const std::filesystem::path& executable, Seconds timeout,
+                                   const std::stop_token& stop) const {
+  const auto terminal = services.terminals.open(claude_tool::kTerminalSize);
+  if (!terminal) return tl::unexpected(UsageError{usage_messages::kClaudeCodeNotStarted});
+  const auto folder = services.files.preparePrivateFolder(surroundings.workspace);
+  if (!folder) return tl::unexpected(UsageError{});
   if (folder->state == PrivateFolder::State::occupied) {
-    return tl::unexpected(UsageReadError{Kind::usage, usage_messages::kClaudeWorkspaceNotEmpty});
+    return tl::unexpected(UsageError{usage_messages::kClaudeWorkspaceNotEmpty});
   }
-  if (canceled()) return tl::unexpected(UsageReadError{Kind::cancelled});
+  if (stop.stop_requested()) return tl::unexpected(UsageError{});
 
-  const auto tool = (*terminal)->start(program(executable, folder->path));
-  if (!tool) return tl::unexpected(systemError(tool.error()));
-  ClaudeScreenWatch watch(**tool, services_.clock,
-                          {.folderNames = {surroundings_.workspace, folder->path},
-                           .localZone = surroundings_.localZone,
-                           .pace = pace_,
-                           .canceled = [this] { return canceled(); }});
+  const auto tool = (*terminal)->start({.executable = executable,
+                                        .arguments = claude_tool::arguments(),
+                                        .environment = claude_tool::environment(surroundings.environment),
+                                        .folder = folder->path});
+  if (!tool) return tl::unexpected(UsageError{});
+  ScreenWatch watch(**tool, *this, {surroundings.workspace, folder->path}, stop);
   auto snapshot = watch.run(timeout);
-  (*tool)->stop(pace_.stopping);
+  (*tool)->stop(pace.stopping);
   return snapshot;
-}
-
-ChildProgram ClaudeUsageCLI::program(const fs::path& executable, const fs::path& folder) const {
-  return {.executable = executable,
-          .arguments = claude_tool::arguments(),
-          .environment = claude_tool::environment(surroundings_.environment),
-          .folder = folder};
-}
-
-void ClaudeUsageCLI::cancel() {
-  const std::lock_guard guard(lock_);
-  canceled_ = true;
-}
-
-bool ClaudeUsageCLI::canceled() const {
-  const std::lock_guard guard(lock_);
-  return canceled_;
 }
 
 }  // namespace nimbo

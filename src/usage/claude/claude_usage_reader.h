@@ -3,24 +3,20 @@
 
 #include <filesystem>
 #include <functional>
-#include <memory>
 #include <stop_token>
 #include <string>
 #include <vector>
 
-#include "base/result.h"
-#include "base/subscription.h"
 #include "platform/main_loop.h"
 #include "platform/work_queue.h"
 #include "usage/claude/claude_usage_cli.h"
-#include "usage/usage_read.h"
+#include "usage/usage_model.h"
 
 namespace nimbo {
 
 /// Reads Claude's limits: from Claude Code, and when that fails from the desktop application. A
-/// `UsageRead`, to be called on the main thread; copies share everything.
-class ClaudeUsageReader {
- public:
+/// `UsageRead`, to be called on the main thread; it may go while a read runs.
+struct ClaudeUsageReader {
   /// They outlive every read. `queue` is for this alone: a job may take half a minute.
   struct Services {
     ClaudeUsageCLI::Services tool;
@@ -38,18 +34,14 @@ class ClaudeUsageReader {
   };
 
   /// Blocks; once a stop is asked for it ends with the call that runs. Called on the queue.
-  using DesktopRead = std::function<Result<UsageSnapshot, UsageReadError>(const std::stop_token& stop)>;
-
-  ClaudeUsageReader(const Services& services, User user, DesktopRead desktop);
+  using DesktopRead = std::function<UsageOutcome(const std::stop_token& stop)>;
 
   /// As in `UsageRead`. What runs when the subscription is dropped ends soon, on the queue.
   [[nodiscard]] Subscription operator()(UsageRequest request, std::function<void(UsageOutcome)> done) const;
 
- private:
-  struct Setup;
-  struct Read;
-
-  std::shared_ptr<const Setup> setup_;
+  Services services;
+  User user;
+  DesktopRead desktop;
 };
 
 }  // namespace nimbo

@@ -1,20 +1,21 @@
 // SPDX-License-Identifier: MIT
 #include "usage/claude/reset_text_parser.h"
 
+#include <cctz/time_zone.h>
+
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <cstdint>
+#include <filesystem>
 #include <string>
 
 #include "base/text.h"
-#include "usage/claude/named_time_zone.h"
 
 namespace nimbo {
 namespace {
 
-using Seconds = std::chrono::duration<std::int64_t>;
-using ZoneSeconds = cctz::time_point<cctz::seconds>;
+using Seconds = cctz::seconds;
+using ZoneSeconds = cctz::time_point<Seconds>;
 
 constexpr std::array<std::string_view, 12> kMonths = {"january",   "february", "march",    "april",
                                                       "may",       "june",     "july",     "august",
@@ -22,27 +23,45 @@ constexpr std::array<std::string_view, 12> kMonths = {"january",   "february", "
 constexpr std::array<std::string_view, 7> kWeekdays = {"mon", "tue", "wed", "thu", "fri", "sat", "sun"};
 constexpr Seconds kDay{86400};
 
-struct TimeOfDay {
-  int hour = 0;
-  int minute = 0;
-};
+bool isLetter(char character) { return character >= 'a' && character <= 'z'; }
 
-cctz::civil_second onThatDay(cctz::civil_day day, TimeOfDay time) {
-  return cctz::civil_second(day.year(), day.month(), day.day(), time.hour, time.minute);
+// The longest identifiers have some thirty characters. Without points there is no way out of the
+// database's folder; below "right/" are zones whose days have leap seconds.
+bool isIdentifier(std::string_view name) {
+  constexpr std::size_t kLongest = 64;
+  const auto isAllowed = [](char character) {
+    return isLetter(lowerCased(character)) || isDigit(character) ||
+           std::string_view("/_+-").find(character) != std::string::npos;
+  };
+  return !name.empty() && name.size() <= kLongest && name.front() != '/' && !name.starts_with("right/") &&
+         std::ranges::all_of(name, isAllowed);
 }
 
-// Takes a form apart from the left. Texts are in lower case.
+// The library remembers each name that it ever failed to find: it must not be asked for inventions.
+bool mayExist(std::string_view identifier) {
+  const std::filesystem::path database = "/usr/share/zoneinfo";
+  std::error_code ignored;
+  return !std::filesystem::exists(database, ignored) ||
+         std::filesystem::is_regular_file(database / identifier, ignored);
+}
+
+// Of a name that can be trusted.
+std::optional<cctz::time_zone> trustedTimeZone(std::string_view name) {
+  cctz::time_zone zone;
+  return cctz::load_time_zone(std::string(name), &zone) ? std::optional(zone) : std::nullopt;
+}
+
+// Of a name that stands on the screen.
+std::optional<cctz::time_zone> namedTimeZone(std::string_view identifier) {
+  return isIdentifier(identifier) && mayExist(identifier) ? trustedTimeZone(identifier) : std::nullopt;
+}
+
+// Reads a text in lower case piece by piece, from the left.
 class Scanner {
  public:
   explicit Scanner(std::string_view text) : rest_(text) {}
 
   [[nodiscard]] bool atEnd() const { return rest_.empty(); }
-
-  bool skipSpaces() {
-    const std::size_t count = std::min(rest_.find_first_not_of(' '), rest_.size());
-    rest_.remove_prefix(count);
-    return count > 0;
-  }
 
   bool skip(std::string_view word) {
     if (!rest_.starts_with(word)) return false;
@@ -50,8 +69,17 @@ class Scanner {
     return true;
   }
 
-  std::string_view letters() {
-    return take([](char character) { return character >= 'a' && character <= 'z'; });
+  bool skipSpaces() {
+    return !take([](char character) { return character == ' '; }).empty();
+  }
+
+  /// As many characters as belong.
+  template <class Predicate>
+  std::string_view take(Predicate belongs) {
+    const auto* const end = std::ranges::find_if_not(rest_, belongs);
+    const std::string_view taken = rest_.substr(0, static_cast<std::size_t>(end - rest_.begin()));
+    rest_.remove_prefix(taken.size());
+    return taken;
   }
 
   /// Of `least` to two digits.
@@ -64,93 +92,70 @@ class Scanner {
   }
 
  private:
-  template <class Predicate>
-  std::string_view take(Predicate belongs) {
-    const auto* const end = std::find_if_not(rest_.begin(), rest_.end(), belongs);
-    const std::string_view taken = rest_.substr(0, static_cast<std::size_t>(end - rest_.begin()));
-    rest_.remove_prefix(taken.size());
-    return taken;
-  }
-
   std::string_view rest_;
 };
 
-std::optional<int> takeMinutes(Scanner& scanner) {
-  const auto minute = scanner.number(2);
-  return minute && *minute < 60 ? minute : std::nullopt;
-}
+enum class Hours { twelve, both };
 
-// "9:00am" or "9:00 am" to the end; the tool also writes "9am" for a full hour.
-std::optional<TimeOfDay> twelveHourTime(Scanner scanner) {
+// Since midnight, from "9:00am", "9:00 am" or, as the tool writes a full hour, "9am", to the end; where
+// both kinds of hours are allowed also from "15:59".
+std::optional<Seconds> timeOfDay(Scanner scanner, Hours hours) {
   const auto hour = scanner.number(1);
-  if (!hour || *hour < 1 || *hour > 12) return std::nullopt;
-  const auto minute = scanner.skip(":") ? takeMinutes(scanner) : std::optional(0);
+  const bool hasMinute = scanner.skip(":");
+  const auto minute = hasMinute ? scanner.number(2) : std::optional(0);
+  if (!hour || !minute || *minute > 59) return std::nullopt;
+  const Seconds minutes = std::chrono::minutes(*minute);
+  if (hours == Hours::both && hasMinute && scanner.atEnd()) {
+    return *hour < 24 ? std::optional(std::chrono::hours(*hour) + minutes) : std::nullopt;
+  }
   scanner.skipSpaces();
   const bool isAfternoon = scanner.skip("pm");
-  if (!minute || (!isAfternoon && !scanner.skip("am")) || !scanner.atEnd()) return std::nullopt;
-  return TimeOfDay{*hour % 12 + (isAfternoon ? 12 : 0), *minute};
+  const bool isWhole = (isAfternoon || scanner.skip("am")) && scanner.atEnd();
+  if (!isWhole || *hour < 1 || *hour > 12) return std::nullopt;
+  return std::chrono::hours(*hour % 12 + (isAfternoon ? 12 : 0)) + minutes;
 }
 
-// "15:59" to the end.
-std::optional<TimeOfDay> twentyFourHourTime(Scanner scanner) {
-  const auto hour = scanner.number(1);
-  if (!hour || *hour > 23 || !scanner.skip(":")) return std::nullopt;
-  const auto minute = takeMinutes(scanner);
-  if (!minute || !scanner.atEnd()) return std::nullopt;
-  return TimeOfDay{*hour, *minute};
+cctz::civil_second onThatDay(cctz::civil_day day, Seconds time) { return cctz::civil_second(day) + time.count(); }
+
+// "nov 20" or "november 20", which must exist in that year.
+std::optional<cctz::civil_day> takeDate(Scanner& scanner, cctz::year_t year) {
+  const std::string_view word = scanner.take(isLetter);
+  const auto isNamed = [&](std::string_view month) { return word == month || word == month.substr(0, 3); };
+  const auto month = std::ranges::find_if(kMonths, isNamed) - kMonths.begin() + 1;
+  const auto day = scanner.skipSpaces() ? scanner.number(1) : std::nullopt;
+  if (!day) return std::nullopt;
+  const cctz::civil_day date(year, month, *day);  // of what does not exist another one, like of a 13th month
+  return date.month() == month && date.day() == *day ? std::optional(date) : std::nullopt;
 }
 
-std::optional<int> takeMonth(Scanner& scanner) {
-  const std::string_view word = scanner.letters();
-  for (std::size_t index = 0; index < kMonths.size(); ++index) {
-    if (word == kMonths.at(index) || word == kMonths.at(index).substr(0, 3)) return static_cast<int>(index) + 1;
-  }
-  return std::nullopt;
-}
-
-std::optional<cctz::civil_day> civilDay(cctz::year_t year, int month, int day) {
-  const cctz::civil_day date(year, month, day);
-  return date.month() == month && date.day() == day ? std::optional(date) : std::nullopt;
-}
-
-// "nov 20 at 9:00am" or "nov 20, 9:00am".
-std::optional<cctz::civil_second> dateAndTime(Scanner scanner, cctz::year_t year) {
-  const auto month = takeMonth(scanner);
-  if (!month || !scanner.skipSpaces()) return std::nullopt;
-  const auto day = scanner.number(1);
-  const auto date = day ? civilDay(year, *month, *day) : std::nullopt;
-  const bool isSpaced = scanner.skipSpaces();
-  const bool isJoined = scanner.skip(",") || (isSpaced && scanner.skip("at "));
-  if (!date || !isJoined) return std::nullopt;
-  scanner.skipSpaces();
-  const auto time = twelveHourTime(scanner);
-  return time ? std::optional(onThatDay(*date, *time)) : std::nullopt;
-}
-
-cctz::civil_second oneYearOn(cctz::civil_second time) {
-  const cctz::civil_second next(time.year() + 1, time.month(), time.day(), time.hour(), time.minute());
-  return next.month() == time.month() ? next : next - kDay.count();  // 29 February
+cctz::civil_day oneYearOn(cctz::civil_day day) {
+  const cctz::civil_day next(day.year() + 1, day.month(), day.day());
+  return next.month() == day.month() ? next : next - 1;  // 29 February
 }
 
 // The clock of instants ends in 2262.
 std::optional<UsageTime> instant(ZoneSeconds time) {
-  constexpr auto kFirst = std::chrono::ceil<Seconds>(UsageTime::min().time_since_epoch());
-  constexpr auto kLast = std::chrono::floor<Seconds>(UsageTime::max().time_since_epoch());
-  const Seconds sinceEpoch = time.time_since_epoch();
-  return sinceEpoch >= kFirst && sinceEpoch <= kLast ? std::optional(UsageTime(sinceEpoch)) : std::nullopt;
+  constexpr auto kFirst = std::chrono::ceil<Seconds>(UsageTime::min());
+  constexpr auto kLast = std::chrono::floor<Seconds>(UsageTime::max());
+  return time >= kFirst && time <= kLast ? std::optional(UsageTime(time)) : std::nullopt;
 }
 
+// "nov 20 at 9:00am" or "nov 20, 9:00am".
 std::optional<UsageTime> resetOnDate(Scanner scanner, UsageTime now, const cctz::time_zone& zone) {
-  constexpr Seconds kTooLongAgo{15552000};
-  const auto date = dateAndTime(scanner, cctz::convert(now, zone).year());
-  if (!date) return std::nullopt;
-  const ZoneSeconds time = cctz::convert(*date, zone);
-  const bool isNextYear = std::chrono::floor<Seconds>(now.time_since_epoch()) - time.time_since_epoch() > kTooLongAgo;
-  return instant(isNextYear ? cctz::convert(oneYearOn(*date), zone) : time);
+  constexpr Seconds kTooLongAgo = 180 * kDay;
+  const auto date = takeDate(scanner, cctz::convert(now, zone).year());
+  const bool isSpaced = scanner.skipSpaces();
+  const bool isJoined = scanner.skip(",") || (isSpaced && scanner.skip("at "));
+  scanner.skipSpaces();
+  const auto time = timeOfDay(scanner, Hours::twelve);
+  if (!date || !isJoined || !time) return std::nullopt;
+  const ZoneSeconds thisYear = cctz::convert(onThatDay(*date, *time), zone);
+  const bool isPast = std::chrono::floor<Seconds>(now) - thisYear > kTooLongAgo;
+  return instant(isPast ? cctz::convert(onThatDay(oneYearOn(*date), *time), zone) : thisYear);
 }
 
 // That time of that day, if it comes after `now`.
-std::optional<UsageTime> momentAfter(UsageTime now, cctz::civil_day day, TimeOfDay time, const cctz::time_zone& zone) {
+std::optional<UsageTime> momentAfter(UsageTime now, cctz::civil_day day, Seconds time, const cctz::time_zone& zone) {
   using Lookup = cctz::time_zone::civil_lookup;
   const Lookup found = zone.lookup(onThatDay(day, time));
   const bool isSkipped = found.kind == Lookup::SKIPPED;
@@ -162,7 +167,7 @@ std::optional<UsageTime> momentAfter(UsageTime now, cctz::civil_day day, TimeOfD
   return std::nullopt;
 }
 
-std::optional<UsageTime> nextMoment(UsageTime now, std::optional<cctz::weekday> weekday, TimeOfDay time,
+std::optional<UsageTime> nextMoment(UsageTime now, std::optional<cctz::weekday> weekday, Seconds time,
                                     const cctz::time_zone& zone) {
   constexpr int kTwoWeeks = 14;  // one may be lost to a change of the clocks
   const cctz::civil_day today(cctz::convert(now, zone));
@@ -175,26 +180,23 @@ std::optional<UsageTime> nextMoment(UsageTime now, std::optional<cctz::weekday> 
 
 // "mon 9:00am" or "monday at 9:00am".
 std::optional<UsageTime> resetOnWeekday(std::string_view text, UsageTime now, const cctz::time_zone& zone) {
-  const auto* const name = std::find(kWeekdays.begin(), kWeekdays.end(), text.substr(0, 3));
-  const std::size_t space = text.find(' ');
-  if (name == kWeekdays.end() || space == std::string_view::npos) return std::nullopt;
-  Scanner scanner(text.substr(space));
-  scanner.skipSpaces();
+  const auto* const name = std::ranges::find(kWeekdays, text.substr(0, 3));
+  Scanner scanner(text);
+  scanner.take([](char character) { return character != ' '; });
+  if (name == kWeekdays.end() || !scanner.skipSpaces()) return std::nullopt;
   scanner.skip("at ");
   scanner.skipSpaces();
-  const auto time = twelveHourTime(scanner);
+  const auto time = timeOfDay(scanner, Hours::twelve);
   return time ? nextMoment(now, static_cast<cctz::weekday>(name - kWeekdays.begin()), *time, zone) : std::nullopt;
 }
 
-std::optional<UsageTime> resetAtTime(std::string_view text, UsageTime now, const cctz::time_zone& zone) {
-  auto time = twelveHourTime(Scanner(text));
-  if (!time) time = twentyFourHourTime(Scanner(text));
-  return time ? nextMoment(now, std::nullopt, *time, zone) : std::nullopt;
-}
-
-std::optional<Seconds> unitLength(std::string_view unit) {
+// Of the word that follows after any spaces.
+std::optional<Seconds> unitLength(Scanner scanner) {
+  scanner.skipSpaces();
+  const std::string_view unit =
+      scanner.take([](char character) { return isLetter(character) || isDigit(character) || character == '_'; });
   const auto isOneOf = [&](std::initializer_list<std::string_view> names) {
-    return std::find(names.begin(), names.end(), unit) != names.end();
+    return std::ranges::find(names, unit) != names.end();
   };
   if (isOneOf({"d", "day", "days"})) return kDay;
   if (isOneOf({"h", "hr", "hrs", "hour", "hours"})) return Seconds(3600);
@@ -202,33 +204,23 @@ std::optional<Seconds> unitLength(std::string_view unit) {
   return std::nullopt;
 }
 
-// The word that `text` begins with after any spaces.
-std::string_view nextWord(std::string_view text) {
-  text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
-  const auto isWord = [](char character) { return (character >= 'a' && character <= 'z') || isDigit(character); };
-  const auto* const end =
-      std::find_if_not(text.begin(), text.end(), [&](char character) { return isWord(character) || character == '_'; });
-  return text.substr(0, static_cast<std::size_t>(end - text.begin()));
-}
-
 // "2h 14m": each number whose unit is a word of its own counts. Absent when there is none, or when the
 // clock does not reach that far.
-std::optional<UsageTime> resetAfter(std::string_view text, UsageTime now) {
+std::optional<UsageTime> resetAfter(Scanner scanner, UsageTime now) {
   const auto reach = std::chrono::floor<Seconds>(UsageTime::max() - std::max(now, UsageTime()));
   std::optional<Seconds> sum;
   for (;;) {
-    text.remove_prefix(static_cast<std::size_t>(std::find_if(text.begin(), text.end(), isDigit) - text.begin()));
-    if (text.empty()) break;
-    std::int64_t number = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    text.remove_prefix(static_cast<std::size_t>(end - text.data()));
-    const auto unit = unitLength(nextWord(text));
+    scanner.take([](char character) { return !isDigit(character); });
+    const std::string_view digits = scanner.take(isDigit);
+    if (digits.empty()) return sum ? std::optional(now + *sum) : std::nullopt;
+    const auto unit = unitLength(scanner);
     if (!unit) continue;
-    const Seconds left = reach - sum.value_or(Seconds::zero());
-    if (error != std::errc() || number > left / *unit) return std::nullopt;
-    sum = sum.value_or(Seconds::zero()) + number * *unit;
+    auto number = Seconds::max().count();  // stays when there are too many digits
+    std::from_chars(digits.data(), digits.data() + digits.size(), number);
+    const Seconds before = sum.value_or(Seconds::zero());
+    if (number > (reach - before) / *unit) return std::nullopt;
+    sum = before + number * *unit;
   }
-  return sum ? std::optional(now + *sum) : std::nullopt;
 }
 
 }  // namespace
@@ -243,10 +235,10 @@ std::optional<UsageTime> parseResetText(std::string_view line, UsageTime now, st
       hasZone ? namedTimeZone(line.substr(bracket + 1, line.size() - bracket - 2)) : trustedTimeZone(localZone);
   if (hasZone && !zone) return std::nullopt;
   const std::string text = plainLowerCased(trimmedWhiteSpace(line.substr(0, bracket)));
-  if (text.starts_with("in ")) return resetAfter(text, now);
+  if (text.starts_with("in ")) return resetAfter(Scanner(text), now);
   if (!zone) return std::nullopt;
+  if (const auto time = timeOfDay(Scanner(text), Hours::both)) return nextMoment(now, std::nullopt, *time, *zone);
   if (const auto reset = resetOnDate(Scanner(text), now, *zone)) return reset;
-  if (const auto reset = resetAtTime(text, now, *zone)) return reset;
   return resetOnWeekday(text, now, *zone);
 }
 

@@ -2,6 +2,7 @@
 #include "usage/claude/terminal_text.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "base/utf8_text.h"
 
@@ -14,89 +15,68 @@ constexpr std::string_view kReplacement = "\uFFFD";
 
 bool isBetween(char character, char first, char last) { return character >= first && character <= last; }
 
-// How many bytes at the end may be completed to a character by what follows.
+// How many bytes at the end may be completed to a character by what follows. Of several it is the
+// beginning of one that is repaired to a single U+FFFD.
 std::size_t cutCharacterLength(std::string_view bytes) {
-  constexpr std::size_t kLongest = 4;
-  for (std::size_t length = 1; length < kLongest && length <= bytes.size(); ++length) {
-    const std::string_view tail = bytes.substr(bytes.size() - length);
-    const auto lead = static_cast<unsigned char>(tail.front());
-    if (lead < 0x80) return 0;
-    if (lead < 0xC0) continue;
-    const std::size_t whole = lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : kLongest;
-    const bool mayBegin = lead >= 0xC2 && lead <= 0xF4;
-    return mayBegin && length < whole && repairedUtf8(tail) == kReplacement ? length : 0;
+  for (const std::size_t length : {std::size_t{3}, std::size_t{2}}) {
+    const std::string_view tail = bytes.substr(bytes.size() - std::min(length, bytes.size()));
+    if (tail.size() == length && !isUtf8(tail) && repairedUtf8(tail) == kReplacement) return length;
   }
-  return 0;
+  return !bytes.empty() && isBetween(bytes.back(), '\xC2', '\xF4') ? 1 : 0;
 }
 
-void appendWithLineFeeds(std::string_view text, std::string& out) {
-  const auto start = static_cast<std::ptrdiff_t>(out.size());
-  out += text;
-  std::replace(out.begin() + start, out.end(), '\r', '\n');
+enum class Progress { open, complete, broken };
+
+// Of a text that begins with ESC, of which all but the last character was `open` before.
+Progress commandProgress(std::string_view text) {
+  if (text.size() == 1) return Progress::open;
+  if (text[1] != ']') return Progress::broken;
+  if (text.size() > 2 && text[text.size() - 2] == kEscape) {
+    return text.back() == '\\' ? Progress::complete : Progress::broken;
+  }
+  return text.back() == kBell ? Progress::complete : Progress::open;
+}
+
+Progress controlProgress(std::string_view text) {
+  if (text.size() == 1) return Progress::open;
+  if (text.size() == 2) return text[1] == '[' ? Progress::open : Progress::broken;
+  if (isBetween(text.back(), '@', '~')) return Progress::complete;
+  const bool isIntermediate = isBetween(text.back(), ' ', '/');
+  const bool isParameter = isBetween(text.back(), '0', '?') && !isBetween(text[text.size() - 2], ' ', '/');
+  return isIntermediate || isParameter ? Progress::open : Progress::broken;
+}
+
+std::string withLineFeeds(std::string text) {
+  std::ranges::replace(text, '\r', '\n');
+  return text;
 }
 
 }  // namespace
 
 void EscapeFilter::feed(std::string_view text, std::string& out) {
   while (!text.empty()) {
-    if (state_ == State::text) {
-      const std::size_t escape = text.find(kEscape);
+    if (open_.empty()) {
+      const std::size_t escape = std::min(text.find(kEscape), text.size());
       out.append(text.substr(0, escape));
-      if (escape == std::string_view::npos) return;
-      text.remove_prefix(escape + 1);
-      open_ = kEscape;
-      state_ = State::escape;
-      continue;
+      text.remove_prefix(escape);
+      if (text.empty()) return;
     }
-    const Step step = kind_ == Kind::operatingSystemCommand ? stepCommand(text.front()) : stepControl(text.front());
-    if (step == Step::broken) {
-      giveUp(out);
-      continue;
-    }
-    if (step == Step::open) open_ += text.front();
-    if (step == Step::closed) open_.clear();
+    open_ += text.front();
     text.remove_prefix(1);
+    settle(out);
   }
 }
 
-EscapeFilter::Step EscapeFilter::stepCommand(char character) {
-  if (state_ == State::escape) {
-    if (character != ']') return Step::broken;
-    state_ = State::body;
-    return Step::open;
-  }
-  const bool closes = state_ == State::end ? character == '\\' : character == kBell;
-  if (!closes && state_ == State::end) return Step::broken;
-  if (!closes && character == kEscape) state_ = State::end;
-  if (closes) state_ = State::text;
-  return closes ? Step::closed : Step::open;
-}
-
-EscapeFilter::Step EscapeFilter::stepControl(char character) {
-  if (state_ == State::escape) {
-    if (character != '[') return Step::broken;
-    state_ = State::body;
-    return Step::open;
-  }
-  if (isBetween(character, '@', '~')) {
-    state_ = State::text;
-    return Step::closed;
-  }
-  if (isBetween(character, ' ', '/')) {
-    state_ = State::end;
-    return Step::open;
-  }
-  return state_ == State::body && isBetween(character, '0', '?') ? Step::open : Step::broken;
-}
-
-// Only a command can be broken after a second escape, which may begin the next sequence.
-void EscapeFilter::giveUp(std::string& out) {
-  const bool beginsAnother = kind_ == Kind::operatingSystemCommand && state_ == State::end;
-  if (beginsAnother) open_.pop_back();
-  out += open_;
-  open_.clear();
-  if (beginsAnother) open_ = kEscape;
-  state_ = beginsAnother ? State::escape : State::text;
+// An escape within a sequence that broke may begin the next one.
+void EscapeFilter::settle(std::string& out) {
+  const Progress progress = kind_ == Kind::operatingSystemCommand ? commandProgress(open_) : controlProgress(open_);
+  if (progress == Progress::open) return;
+  if (progress == Progress::complete) return open_.clear();
+  const std::size_t escape = open_.rfind(kEscape);
+  const std::size_t textEnd = escape > 0 ? escape : open_.size();
+  out.append(open_, 0, textEnd);
+  open_.erase(0, textEnd);
+  if (!open_.empty()) settle(out);
 }
 
 void TerminalText::append(std::string_view bytes) {
@@ -108,7 +88,7 @@ void TerminalText::append(std::string_view bytes) {
   commands_.feed(repairedUtf8(joined), withoutCommands);
   std::string plain;
   controls_.feed(withoutCommands, plain);
-  appendWithLineFeeds(plain, settled_);
+  settled_ += withLineFeeds(std::move(plain));
 }
 
 std::string TerminalText::unsettled() const {
@@ -119,10 +99,7 @@ std::string TerminalText::unsettled() const {
   EscapeFilter controls = controls_;
   std::string plain;
   controls.feed(withoutCommands, plain);
-  plain += controls.open();
-  std::string text;
-  appendWithLineFeeds(plain, text);
-  return text;
+  return withLineFeeds(plain + controls.open());
 }
 
 }  // namespace nimbo

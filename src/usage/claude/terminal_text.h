@@ -22,14 +22,9 @@ class EscapeFilter {
   [[nodiscard]] const std::string& open() const { return open_; }
 
  private:
-  enum class State { text, escape, body, end };
-  enum class Step { open, closed, broken };
-  [[nodiscard]] Step stepCommand(char character);
-  [[nodiscard]] Step stepControl(char character);
-  void giveUp(std::string& out);
+  void settle(std::string& out);
 
   Kind kind_;
-  State state_ = State::text;
   std::string open_;
 };
 

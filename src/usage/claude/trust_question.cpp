@@ -8,24 +8,18 @@
 namespace nimbo {
 
 TrustQuestion::TrustQuestion(const std::vector<std::string>& folderNames)
-    : signs_{{{}}, {{"y. Yes, I trust this folder"}}, {{"Enter y/n:"}}} {
-  for (const std::string& name : folderNames) signs_.front().forms.push_back(repairedUtf8(name));
+    : missing_{folderNames, {"y. Yes, I trust this folder"}, {"Enter y/n:"}} {
+  for (std::string& name : missing_.front()) name = repairedUtf8(name);
 }
 
 void TrustQuestion::append(std::string_view bytes) {
   const std::size_t known = text_.settled().size();
   text_.append(bytes);
-  for (Sign& sign : signs_) look(sign, known);
-}
-
-void TrustQuestion::look(Sign& sign, std::size_t from) const {
-  for (const std::string& form : sign.forms) {
-    if (sign.met) return;
+  const auto isShown = [&](const std::string& form) {
     // It may have begun in what was known before.
-    sign.met = text_.settled().find(form, from - std::min(from, form.size())) != std::string::npos;
-  }
+    return text_.settled().find(form, known - std::min(known, form.size())) != std::string::npos;
+  };
+  std::erase_if(missing_, [&](const auto& forms) { return std::ranges::any_of(forms, isShown); });
 }
-
-bool TrustQuestion::isAsked() const { return std::ranges::all_of(signs_, &Sign::met); }
 
 }  // namespace nimbo

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,18 +19,11 @@ class TrustQuestion {
   void append(std::string_view bytes);
 
   /// Whether the whole question is on the screen, for this folder and no other.
-  [[nodiscard]] bool isAsked() const;
+  [[nodiscard]] bool isAsked() const { return missing_.empty(); }
 
  private:
-  /// Met once the text holds one of `forms`.
-  struct Sign {
-    std::vector<std::string> forms;
-    bool met = false;
-  };
-  void look(Sign& sign, std::size_t from) const;
-
   TerminalText text_;
-  std::vector<Sign> signs_;
+  std::vector<std::vector<std::string>> missing_;  // parts not seen yet, each in any of its forms
 };
 
 }  // namespace nimbo

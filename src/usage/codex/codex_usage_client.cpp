@@ -11,7 +11,7 @@ namespace {
 
 constexpr UsageProvider kProvider = UsageProvider::codex;
 
-UsageOutcome failure(std::string message) { return tl::unexpected(UsageReadFailure{std::move(message)}); }
+UsageOutcome failure(std::string message) { return tl::unexpected(UsageError{std::move(message)}); }
 
 }  // namespace
 
@@ -77,7 +77,7 @@ UsageOutcome CodexUsageClient::conclude(const HttpClient::Answer& answer) const 
 UsageOutcome CodexUsageClient::rateLimited(const HttpResponse& response) const {
   const UsageTime retryNotBefore = services_.clock.now() + rateLimitWait(response.header("retry-after"));
   return tl::unexpected(
-      UsageReadFailure{usage_messages::rateLimitReached(services_.dates.shortTime(retryNotBefore)), retryNotBefore});
+      UsageError{usage_messages::rateLimitReached(services_.dates.shortTime(retryNotBefore)), retryNotBefore});
 }
 
 }  // namespace nimbo

@@ -9,7 +9,7 @@
 #include "platform/dates.h"
 #include "platform/http_client.h"
 #include "usage/codex/usage_credential_reader.h"
-#include "usage/usage_read.h"
+#include "usage/usage_model.h"
 
 namespace nimbo {
 

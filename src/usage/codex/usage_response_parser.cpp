@@ -90,13 +90,12 @@ std::optional<double> finiteNumber(std::string_view text) {
 
 }  // namespace
 
-Result<UsageSnapshot, UsageReadError> parseUsageResponse(std::string_view body, UsageProvider provider, UsageTime now) {
-  using Kind = UsageReadError::Kind;
+UsageOutcome parseUsageResponse(std::string_view body, UsageProvider provider, UsageTime now) {
   const auto answer = parseBoundedJson(body);
-  if (!answer) return tl::unexpected(UsageReadError{Kind::other, usage_messages::kNotJson});
-  if (!answer->is_object()) return tl::unexpected(UsageReadError{Kind::usage, usage_messages::kUnreadableUsageData});
+  if (!answer) return tl::unexpected(UsageError{usage_messages::kNotJson});
+  if (!answer->is_object()) return tl::unexpected(UsageError{usage_messages::kUnreadableUsageData});
   auto windows = readWindows(*answer, provider);
-  if (windows.empty()) return tl::unexpected(UsageReadError{Kind::usage, usage_messages::kNoSupportedLimits});
+  if (windows.empty()) return tl::unexpected(UsageError{usage_messages::kNoSupportedLimits});
   return UsageSnapshot{.windows = std::move(windows), .fetchedAt = now};
 }
 

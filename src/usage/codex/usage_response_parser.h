@@ -6,16 +6,13 @@
 #include <string>
 #include <string_view>
 
-#include "base/result.h"
 #include "settings/usage_provider.h"
 #include "usage/usage_model.h"
 
 namespace nimbo {
 
-/// The limits in the body of a usage service's answer. The error is of kind `other` only when the body
-/// is not JSON at all.
-[[nodiscard]] Result<UsageSnapshot, UsageReadError> parseUsageResponse(std::string_view body, UsageProvider provider,
-                                                                       UsageTime now);
+/// The limits in the body of a usage service's answer.
+[[nodiscard]] UsageOutcome parseUsageResponse(std::string_view body, UsageProvider provider, UsageTime now);
 
 /// How long a service that limits its requests must be left alone. `header` is its Retry-After, of
 /// which only a number of seconds counts; never less than ten minutes.

@@ -184,10 +184,6 @@ const std::map<std::string_view, void (*)()> kActs{
        stay();
      }},
     {"draws and ends", [] { say(screen("61")); }},
-    {"never settles",
-     [] {
-       for (say(screen("61"));; rest(2)) say("\r*");
-     }},
     {"floods",
      [] {
        for (;;) say("all work and no play makes a dull screen\n");
@@ -209,10 +205,6 @@ const std::map<std::string_view, void (*)()> kActs{
        askForTrust();
        say("\x1b[2J\x1b[H" + screen("61"));
        stay();
-     }},
-    {"asks again and again",
-     [] {
-       for (;;) askForTrust();
      }},
     {"echoes",
      [] {

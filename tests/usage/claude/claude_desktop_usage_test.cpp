@@ -10,7 +10,6 @@
 namespace nimbo {
 namespace {
 
-using Kind = UsageReadError::Kind;
 using Log = std::vector<std::string>;
 
 constexpr char kZone[] = "Europe/Berlin";
@@ -38,12 +37,11 @@ FakeElement nested(int levels, FakeElement content) {
 
 class ClaudeDesktopUsageTest : public testing::Test {
  protected:
-  Result<UsageSnapshot, UsageReadError> read() { return usage.read(kZone); }
+  UsageOutcome read() { return usage.read(kZone); }
 
   [[nodiscard]] std::string message() {
     const auto result = read();
     if (result) return "a snapshot";
-    EXPECT_EQ(result.error().kind, Kind::usage);
     return result.error().message;
   }
 
@@ -150,79 +148,11 @@ TEST_F(ClaudeDesktopUsageTest, ContentThatIsExposedFirstIsRead) {
   EXPECT_EQ(figures().size(), 3U);
 }
 
-TEST_F(ClaudeDesktopUsageTest, TitleDescriptionAndValueAreAllRead) {
-  accessibility.windows = {
-      {.title = "Plan usage limits", .description = "Current session", .value = "61% used", .children = {}}};
-  EXPECT_EQ(figures(), fiveHours);
-}
-
-TEST_F(ClaudeDesktopUsageTest, TextsOfSeparateElementsStayOnSeparateLines) {
-  accessibility.windows = {group({text("Plan usage limits"), text("Current session"), text("61"), text("% used")})};
-  EXPECT_EQ(figures(), notShown);
-}
-
-TEST_F(ClaudeDesktopUsageTest, TextOf299CharactersIsReadAndOf300IsNot) {
-  const std::string words = "Plan usage limits ";
-  const auto page = [&](std::size_t length) {
-    std::string marker = words;
-    // Two bytes each: it is characters that count.
-    for (std::size_t more = words.size(); more < length; ++more) marker += "é";
-    return group({text(marker), text("Current session"), text("61% used")});
-  };
-  accessibility.windows = {page(299)};
-  EXPECT_EQ(figures(), fiveHours);
-  accessibility.windows = {page(300)};
-  EXPECT_EQ(figures(), notShown);
-}
-
-TEST_F(ClaudeDesktopUsageTest, DepthOf34IsReadAndOf35IsNot) {
-  const FakeElement figure = text("61% used");
-  accessibility.windows = {group({text("Plan usage limits"), text("Current session"), nested(33, figure)})};
-  EXPECT_EQ(figures(), fiveHours);
-  accessibility.windows = {group({text("Plan usage limits"), text("Current session"), nested(34, figure)})};
-  EXPECT_EQ(figures(), notShown);
-}
-
-TEST_F(ClaudeDesktopUsageTest, ElementNumber1500IsReadAndThe1501stIsNot) {
-  const auto page = [](std::size_t before) {
-    FakeElement window = group({text("Plan usage limits"), text("Current session")});
-    while (window.children.size() + 1 < before) window.children.push_back(text(""));
-    window.children.push_back(text("61% used"));
-    return window;
-  };
-  accessibility.windows = {page(1499)};
-  EXPECT_EQ(figures(), fiveHours);
-  EXPECT_EQ(accessibility.visited, 1500);
-  accessibility.visited = 0;
-  accessibility.windows = {page(1500)};
-  EXPECT_EQ(figures(), notShown);
-  EXPECT_EQ(accessibility.visited, 1500);
-}
-
-TEST_F(ClaudeDesktopUsageTest, ElementsAreCountedAcrossBranches) {
-  const FakeElement branch = group(std::vector<FakeElement>(999));
-  accessibility.windows = {group({branch, branch, usagePage()})};
-  EXPECT_EQ(figures(), notShown);
-  EXPECT_EQ(accessibility.visited, 1500);
-}
-
 TEST_F(ClaudeDesktopUsageTest, EachWindowHasItsOwnElementsAndTime) {
   accessibility.windows = {group(std::vector<FakeElement>(5000)), usagePage()};
   accessibility.windows[0].children[1000].onVisit = [this] { clock.advance(std::chrono::seconds(3)); };
   EXPECT_EQ(figures().size(), 3U);
   EXPECT_EQ(accessibility.visited, 1002 + 15);
-}
-
-TEST_F(ClaudeDesktopUsageTest, ElementReachedAfterTwoSecondsIsRead) {
-  accessibility.windows = {usagePage()};
-  accessibility.windows[0].children[1].onVisit = [this] { clock.advance(std::chrono::seconds(2)); };
-  EXPECT_EQ(figures().size(), 3U);
-}
-
-TEST_F(ClaudeDesktopUsageTest, WindowThatTakesLongerIsReadAsFarAsItCame) {
-  accessibility.windows = {usagePage()};
-  accessibility.windows[0].children[3].onVisit = [this] { clock.advance(std::chrono::milliseconds(2001)); };
-  EXPECT_EQ(figures(), fiveHours);
 }
 
 TEST_F(ClaudeDesktopUsageTest, FifthWindowIsReadAndTheSixthIsNot) {
@@ -250,22 +180,6 @@ TEST_F(ClaudeDesktopUsageTest, ApplicationThatHangsCostsAtMostTheTimeOfFiveWindo
   EXPECT_NEAR((clock.uptime() - before).count(), 5 * 4 * 0.3, 1e-6);
 }
 
-TEST_F(ClaudeDesktopUsageTest, ApplicationThatHangsAmidTheWindowIsLeftAfterTwoSeconds) {
-  accessibility.windows = {usagePage()};
-  accessibility.windows[0].children[3].onVisit = [this] { accessibility.hangs = true; };
-  const auto before = clock.uptime();
-  EXPECT_EQ(figures(), fiveHours);
-  EXPECT_LT((clock.uptime() - before).count(), 2 + 4 * 0.3 + 1e-6);
-}
-
-TEST_F(ClaudeDesktopUsageTest, SlowApplicationIsReadForTwoSeconds) {
-  accessibility.windows = {group(std::vector<FakeElement>(1000))};
-  accessibility.perCall = std::chrono::milliseconds(10);
-  EXPECT_EQ(figures(), notShown);
-  EXPECT_GT(accessibility.visited, 45);
-  EXPECT_LT(accessibility.visited, 55);
-}
-
 TEST_F(ClaudeDesktopUsageTest, PageThatChangesIsReadAsItIsWhenAsked) {
   accessibility.windows = {usagePage()};
   accessibility.windows[0].onVisit = [this] { accessibility.windows.clear(); };
@@ -279,7 +193,7 @@ TEST_F(ClaudeDesktopUsageTest, StopAskedForAmidTheWalkEndsItWithoutAMessage) {
   accessibility.windows[0].children[1].onVisit = [&source] { source.request_stop(); };
   const auto result = usage.read(kZone, source.get_token());
   ASSERT_FALSE(result);
-  EXPECT_EQ(result.error(), (UsageReadError{Kind::cancelled, ""}));
+  EXPECT_EQ(result.error(), UsageError{});
   EXPECT_EQ(accessibility.visited, 3);
 }
 
@@ -287,6 +201,111 @@ TEST_F(ClaudeDesktopUsageTest, TextThatIsNotUtf8DoesNoHarm) {
   accessibility.windows = {usagePage()};
   accessibility.windows[0].title = "\xff\xc3(\x80";
   EXPECT_EQ(figures().size(), 3U);
+}
+
+class WindowTextTest : public testing::Test {
+ protected:
+  std::string read(FakeElement window) {
+    accessibility.windows = {std::move(window)};
+    const auto application = accessibility.application(accessibility.running);
+    application->setMessagingTimeout(std::chrono::milliseconds(300));
+    const auto windows = application->windows(1);
+    accessibility.visited = 0;
+    return windowText(*windows.front(), clock, stop.get_token());
+  }
+
+  FakeClock clock;
+  FakeAccessibility accessibility{clock};
+  std::stop_source stop;
+};
+
+TEST_F(WindowTextTest, TitleDescriptionAndValueComeInThisOrderAheadOfTheChildren) {
+  EXPECT_EQ(read({.title = "a", .description = "b", .value = "c", .children = {text("d"), text("e")}}),
+            "a\nb\nc\nd\ne");
+}
+
+TEST_F(WindowTextTest, ChildrenComeDepthFirst) {
+  EXPECT_EQ(read(group({group({text("a"), group({text("b")})}), text("c")})), "a\nb\nc");
+}
+
+TEST_F(WindowTextTest, TextIdenticalToTheLastLineIsKeptOnce) {
+  EXPECT_EQ(read({.title = "a", .description = "a", .value = "b", .children = {text("b"), text("c"), text("c")}}),
+            "a\nb\nc");
+}
+
+TEST_F(WindowTextTest, TextThatCameBeforeTheLastLineIsKeptAgain) {
+  EXPECT_EQ(read(group({text("a"), text("b"), text("a")})), "a\nb\na");
+}
+
+TEST_F(WindowTextTest, EmptyAndAbsentTextsAreNoLines) {
+  EXPECT_EQ(read({.title = "", .value = "a", .children = {{}, text(""), text("a"), text("b")}}), "a\nb");
+  EXPECT_EQ(read({}), "");
+}
+
+TEST_F(WindowTextTest, TextOf299CharactersIsReadAndOf300IsNot) {
+  const auto of = [](int length) {
+    std::string words;
+    for (int index = 0; index < length; ++index) words += "é";  // of two bytes: it is characters that count
+    return words;
+  };
+  EXPECT_EQ(read(text(of(299))), of(299));
+  EXPECT_EQ(read(text(of(300))), "");
+  EXPECT_EQ(read(group({text("a"), text(of(300)), text("a")})), "a");
+}
+
+TEST_F(WindowTextTest, DepthOf34IsReadAndOf35IsNot) {
+  EXPECT_EQ(read(nested(34, text("a"))), "a");
+  EXPECT_EQ(read(nested(35, text("a"))), "");
+  EXPECT_EQ(accessibility.visited, 35);
+}
+
+TEST_F(WindowTextTest, TreeWithoutEndIsLeftAtTheDeepestLevel) {
+  EXPECT_EQ(read(nested(1000, text("a"))), "");
+  EXPECT_EQ(accessibility.visited, 35);
+}
+
+TEST_F(WindowTextTest, ElementNumber1500IsReadAndThe1501stIsNot) {
+  FakeElement window = group(std::vector<FakeElement>(1498));
+  window.children.push_back(text("a"));
+  window.children.push_back(text("b"));
+  EXPECT_EQ(read(window), "a");
+  EXPECT_EQ(accessibility.visited, 1500);
+}
+
+TEST_F(WindowTextTest, ElementsAreCountedAcrossBranches) {
+  const FakeElement branch = group(std::vector<FakeElement>(749));
+  EXPECT_EQ(read(group({branch, branch, text("a")})), "");
+  EXPECT_EQ(read(group({branch, group(std::vector<FakeElement>(747)), text("a")})), "a");
+}
+
+TEST_F(WindowTextTest, ElementReachedAfterTwoSecondsIsReadAndLaterIsNot) {
+  FakeElement window = group({text("a"), text("b"), text("c")});
+  window.children[0].onVisit = [this] { clock.advance(std::chrono::seconds(2)); };
+  window.children[1].onVisit = [this] { clock.advance(std::chrono::milliseconds(1)); };
+  EXPECT_EQ(read(window), "a\nb");
+}
+
+TEST_F(WindowTextTest, SlowApplicationIsReadForTwoSeconds) {
+  accessibility.perCall = std::chrono::milliseconds(10);
+  const auto before = clock.uptime();
+  EXPECT_EQ(read(group(std::vector<FakeElement>(1000))), "");
+  EXPECT_NEAR((clock.uptime() - before).count(), 2, 0.05);
+  EXPECT_NEAR(accessibility.visited, 51, 1);
+}
+
+TEST_F(WindowTextTest, ApplicationThatHangsHalfwayIsLeftAfterTwoSecondsAndOneElement) {
+  FakeElement window = group(std::vector<FakeElement>(1000, text("a")));
+  window.children[3].onVisit = [this] { accessibility.hangs = true; };
+  const auto before = clock.uptime();
+  EXPECT_EQ(read(window), "a");
+  EXPECT_LT((clock.uptime() - before).count(), 2 + 4 * 0.3 + 1e-6);
+}
+
+TEST_F(WindowTextTest, StopAskedForEndsTheWalkAtTheNextElement) {
+  FakeElement window = group({text("a"), text("b"), text("c")});
+  window.children[1].onVisit = [this] { stop.request_stop(); };
+  EXPECT_EQ(read(window), "a\nb");
+  EXPECT_EQ(accessibility.visited, 3);
 }
 
 }  // namespace

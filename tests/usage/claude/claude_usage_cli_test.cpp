@@ -15,8 +15,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-using Kind = UsageReadError::Kind;
-using Outcome = Result<UsageSnapshot, UsageReadError>;
 using Texts = std::vector<std::string>;
 
 constexpr char kExecutable[] = "/usr/bin/claude";
@@ -32,7 +30,9 @@ std::string session(int percent) { return "Current session\n" + std::to_string(p
 
 class ClaudeUsageCLITest : public ::testing::Test {
  protected:
-  Outcome fetch(std::chrono::duration<double> timeout = 25s) { return cli.fetch(kExecutable, timeout); }
+  UsageOutcome fetch(std::chrono::duration<double> timeout = 25s) {
+    return cli.fetch(kExecutable, timeout, stop.get_token());
+  }
 
   /// How long after its start the tool was stopped; all that was started is gone.
   [[nodiscard]] std::chrono::milliseconds stoppedAfter() const {
@@ -46,7 +46,7 @@ class ClaudeUsageCLITest : public ::testing::Test {
     return stoppedAfter() >= deadline && stoppedAfter() <= deadline + 2ms;
   }
 
-  static std::vector<double> percents(const Outcome& outcome) {
+  static std::vector<double> percents(const UsageOutcome& outcome) {
     std::vector<double> result;
     if (outcome) {
       for (const UsageWindow& window : outcome->windows) result.push_back(window.usedPercent);
@@ -57,6 +57,7 @@ class ClaudeUsageCLITest : public ::testing::Test {
   FakeClock clock;
   FakePseudoTerminals terminals{clock};
   FakeToolFiles files;
+  std::stop_source stop;
   ClaudeUsageCLI cli{{terminals, files, clock}, {kWorkspace, {"HOME=/home/ada", "CLAUDECODE=1"}, "UTC"}};
 };
 
@@ -113,14 +114,6 @@ TEST_F(ClaudeUsageCLITest, ScreenThatNoLongerReadsIsNotKept) {
   EXPECT_EQ(outcome.error().message, usage_messages::kClaudeCodeGaveNoUsage);
 }
 
-TEST_F(ClaudeUsageCLITest, OutputInPiecesWithinEscapesAndCharactersReadsAsAWhole) {
-  const std::string text = "Current session\n\x1b[32m\xe2\x96\x88 61% \x1b]0;title\x07used\n";
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    terminals.writes(10ms * static_cast<int>(i), text.substr(i, 1));
-  }
-  EXPECT_EQ(percents(fetch()), std::vector{61.0});
-}
-
 TEST_F(ClaudeUsageCLITest, OutputThatNeverSettlesGivesTheLastScreenAtTheDeadline) {
   for (int i = 0; i < 300; ++i) terminals.writes(100ms * i, i == 0 ? kScreen : ".");
   EXPECT_EQ(percents(fetch()), (std::vector{61.0, 20.0}));
@@ -130,7 +123,7 @@ TEST_F(ClaudeUsageCLITest, OutputThatNeverSettlesGivesTheLastScreenAtTheDeadline
 TEST_F(ClaudeUsageCLITest, SilentToolIsGivenUpAtTheDeadline) {
   const auto outcome = fetch(5s);
   ASSERT_FALSE(outcome);
-  EXPECT_EQ(outcome.error(), (UsageReadError{Kind::usage, usage_messages::kClaudeCodeGaveNoUsage}));
+  EXPECT_EQ(outcome.error(), (UsageError{usage_messages::kClaudeCodeGaveNoUsage}));
   EXPECT_TRUE(stoppedAt(5s)) << stoppedAfter().count();
 }
 
@@ -181,7 +174,7 @@ TEST_F(ClaudeUsageCLITest, MoreThanHalfAMegabyteIsRefusedEvenWithAScreen) {
   terminals.writes(0ms, session(61) + std::string(512 * 1024 - session(61).size() + 1, '.'));
   const auto outcome = fetch();
   ASSERT_FALSE(outcome);
-  EXPECT_EQ(outcome.error(), (UsageReadError{Kind::usage, usage_messages::kClaudeCodeScreenUnsupported}));
+  EXPECT_EQ(outcome.error(), (UsageError{usage_messages::kClaudeCodeScreenUnsupported}));
   EXPECT_LT(stoppedAfter(), 100ms);
 }
 
@@ -192,28 +185,12 @@ TEST_F(ClaudeUsageCLITest, TrustQuestionIsAnsweredAndTheScreenThenRead) {
   EXPECT_EQ(terminals.written, Texts{"y\r"});
 }
 
-TEST_F(ClaudeUsageCLITest, TrustQuestionInPiecesIsAnsweredOnce) {
-  const std::string question = kQuestion;
-  terminals.writes(100ms, question.substr(0, 40));
-  terminals.writes(200ms, question.substr(40, 70));
-  terminals.writes(300ms, question.substr(110));
-  terminals.writes(500ms, kScreen);
-  EXPECT_TRUE(fetch());
-  EXPECT_EQ(terminals.written, Texts{"y\r"});
-}
-
 TEST_F(ClaudeUsageCLITest, SecondTrustQuestionIsNotAnswered) {
   for (const auto moment : {100ms, 300ms, 500ms}) terminals.writes(moment, kQuestion);
   const auto outcome = fetch();
   ASSERT_FALSE(outcome);
   EXPECT_EQ(outcome.error().message, usage_messages::kClaudeCodeGaveNoUsage);
   EXPECT_EQ(terminals.written, Texts{"y\r"});
-}
-
-TEST_F(ClaudeUsageCLITest, TrustQuestionAboutAnotherFolderIsNotAnswered) {
-  terminals.writes(100ms, "/home/ada/project\ny. Yes, I trust this folder\nEnter y/n: ");
-  EXPECT_FALSE(fetch());
-  EXPECT_EQ(terminals.written, Texts{});
 }
 
 TEST_F(ClaudeUsageCLITest, ToolKnowsTheWorkspaceByItsOwnName) {
@@ -236,45 +213,44 @@ TEST_F(ClaudeUsageCLITest, WhatWasShownBeforeTheAnswerIsForgotten) {
 }
 
 TEST_F(ClaudeUsageCLITest, CancelledBeforeItBeganStartsNothing) {
-  cli.cancel();
-  EXPECT_TRUE(cli.canceled());
+  stop.request_stop();
   const auto outcome = fetch();
   ASSERT_FALSE(outcome);
-  EXPECT_EQ(outcome.error(), UsageReadError{Kind::cancelled});
+  EXPECT_EQ(outcome.error(), UsageError{});
   EXPECT_TRUE(terminals.started.empty());
 }
 
 TEST_F(ClaudeUsageCLITest, CancellationEndsTheToolWithinATenthOfASecond) {
-  terminals.at(1234ms, [this] { cli.cancel(); });
+  terminals.at(1234ms, [this] { stop.request_stop(); });
   const auto outcome = fetch();
   ASSERT_FALSE(outcome);
-  EXPECT_EQ(outcome.error(), UsageReadError{Kind::cancelled});
+  EXPECT_EQ(outcome.error(), UsageError{});
   EXPECT_LE(stoppedAfter(), 1334ms);
   EXPECT_LE(terminals.longestRead, 100ms);
 }
 
 TEST_F(ClaudeUsageCLITest, CancellationCountsMoreThanAScreen) {
   terminals.writes(100ms, kScreen);
-  terminals.at(200ms, [this] { cli.cancel(); });
+  terminals.at(200ms, [this] { stop.request_stop(); });
   terminals.ends(200ms);
   const auto outcome = fetch();
   ASSERT_FALSE(outcome);
-  EXPECT_EQ(outcome.error().kind, Kind::cancelled);
+  EXPECT_EQ(outcome.error(), UsageError{});
 }
 
 TEST_F(ClaudeUsageCLITest, OccupiedWorkspaceIsNotUsed) {
   files.state = PrivateFolder::State::occupied;
   const auto outcome = fetch();
   ASSERT_FALSE(outcome);
-  EXPECT_EQ(outcome.error(), (UsageReadError{Kind::usage, usage_messages::kClaudeWorkspaceNotEmpty}));
+  EXPECT_EQ(outcome.error(), (UsageError{usage_messages::kClaudeWorkspaceNotEmpty}));
   EXPECT_TRUE(terminals.started.empty());
 }
 
-TEST_F(ClaudeUsageCLITest, WorkspaceThatCannotBeMadeIsTheSystemsError) {
+TEST_F(ClaudeUsageCLITest, WorkspaceThatCannotBeMadeIsNothingToTell) {
   files.error = std::make_error_code(std::errc::no_space_on_device);
   const auto outcome = fetch();
   ASSERT_FALSE(outcome);
-  EXPECT_EQ(outcome.error(), (UsageReadError{Kind::other, files.error.message()}));
+  EXPECT_EQ(outcome.error(), UsageError{});
   EXPECT_TRUE(terminals.started.empty());
 }
 
@@ -282,24 +258,15 @@ TEST_F(ClaudeUsageCLITest, MissingTerminalIsToldTheUser) {
   terminals.noTerminal = std::make_error_code(std::errc::too_many_files_open);
   const auto outcome = fetch();
   ASSERT_FALSE(outcome);
-  EXPECT_EQ(outcome.error(), (UsageReadError{Kind::usage, usage_messages::kClaudeCodeNotStarted}));
+  EXPECT_EQ(outcome.error(), (UsageError{usage_messages::kClaudeCodeNotStarted}));
   EXPECT_TRUE(files.prepared.empty());
 }
 
-TEST_F(ClaudeUsageCLITest, MissingTerminalCountsMoreThanAnOccupiedWorkspace) {
-  terminals.noTerminal = std::make_error_code(std::errc::too_many_files_open);
-  files.state = PrivateFolder::State::occupied;
+TEST_F(ClaudeUsageCLITest, ToolThatCannotBeStartedIsNothingToTell) {
+  terminals.notStarted = std::make_error_code(std::errc::permission_denied);
   const auto outcome = fetch();
   ASSERT_FALSE(outcome);
-  EXPECT_EQ(outcome.error().message, usage_messages::kClaudeCodeNotStarted);
-}
-
-TEST_F(ClaudeUsageCLITest, ToolThatCannotBeStartedIsTheSystemsError) {
-  const auto code = std::make_error_code(std::errc::permission_denied);
-  terminals.notStarted = code;
-  const auto outcome = fetch();
-  ASSERT_FALSE(outcome);
-  EXPECT_EQ(outcome.error(), (UsageReadError{Kind::other, code.message()}));
+  EXPECT_EQ(outcome.error(), UsageError{});
 }
 
 TEST_F(ClaudeUsageCLITest, WaitingCostsTenReadsASecondAtMost) {

@@ -18,8 +18,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-using Kind = UsageReadError::Kind;
-
 constexpr char kScreen[] = "Current session\n61% used\n";
 
 class ClaudeUsageReaderTest : public ::testing::Test {
@@ -39,15 +37,14 @@ class ClaudeUsageReaderTest : public ::testing::Test {
   }
 
   [[nodiscard]] std::string message() const { return outcome && !*outcome ? outcome->error().message : ""; }
-  void desktopFails(UsageReadError error) { desktop = tl::unexpected(std::move(error)); }
+  void desktopFails(UsageError error) { desktop = tl::unexpected(std::move(error)); }
 
   FakeClock clock;
   FakePseudoTerminals terminals{clock};
   FakeToolFiles files;
   FakeWorkQueue queue;
   FakeMainLoop loop;
-  Result<UsageSnapshot, UsageReadError> desktop =
-      tl::unexpected(UsageReadError{Kind::usage, "Desktop fallback: it is closed."});
+  UsageOutcome desktop = tl::unexpected(UsageError{"Desktop fallback: it is closed."});
   int desktopReads = 0;
   bool desktopStopped = false;
   std::function<void()> onDesktopRead;
@@ -118,16 +115,16 @@ TEST_F(ClaudeUsageReaderTest, MissingToolIsToldBesideTheDesktopsMessage) {
   EXPECT_TRUE(terminals.started.empty());
 }
 
-TEST_F(ClaudeUsageReaderTest, UnexpectedErrorsHaveStandingMessages) {
+TEST_F(ClaudeUsageReaderTest, ErrorsWithoutAMessageHaveStandingOnes) {
   files.error = std::make_error_code(std::errc::permission_denied);
-  desktopFails({Kind::other, "Input/output error"});
+  desktopFails({});
   readAll();
   EXPECT_EQ(message(), "Claude Code usage is unavailable. Open Claude → Settings → Usage, then refresh.");
 }
 
-TEST_F(ClaudeUsageReaderTest, UnexpectedErrorOfTheDesktopAloneHasItsStandingMessage) {
+TEST_F(ClaudeUsageReaderTest, DesktopsErrorWithoutAMessageAloneHasItsStandingOne) {
   terminals.ends(0ms);
-  desktopFails({Kind::other, "Input/output error"});
+  desktopFails({});
   readAll();
   EXPECT_TRUE(message().ends_with("then refresh. Open Claude → Settings → Usage, then refresh.")) << message();
 }

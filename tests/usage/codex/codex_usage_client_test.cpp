@@ -115,7 +115,7 @@ TEST_F(CodexUsageClientTest, FailedSignInIsToldWithoutAskingTheService) {
   signInFailure = UsageError{"No Codex auth.json found."};
   readUpToTheRequest();
   ASSERT_TRUE(outcome && !*outcome);
-  EXPECT_EQ(outcome->error(), (UsageReadFailure{"No Codex auth.json found."}));
+  EXPECT_EQ(outcome->error(), (UsageError{"No Codex auth.json found."}));
   EXPECT_TRUE(http.requests.empty());
 }
 
@@ -172,10 +172,10 @@ TEST_F(CodexUsageClientTest, AnswersWithoutLimitsAreTold) {
 TEST_F(CodexUsageClientTest, FailedTransportIsToldApartFromAnAnswerThatIsNotHttp) {
   readUpToTheRequest();
   http.fail(HttpFailure::unreachable);
-  EXPECT_EQ(outcome->error(), (UsageReadFailure{"Couldn’t reach the provider. Check your connection and refresh."}));
+  EXPECT_EQ(outcome->error(), (UsageError{"Couldn’t reach the provider. Check your connection and refresh."}));
   readUpToTheRequest();
   http.fail(HttpFailure::notHttp);
-  EXPECT_EQ(outcome->error(), (UsageReadFailure{"No response from the provider."}));
+  EXPECT_EQ(outcome->error(), (UsageError{"No response from the provider."}));
 }
 
 TEST_F(CodexUsageClientTest, TokenIsInNoMessage) {

@@ -12,10 +12,9 @@
 namespace nimbo {
 namespace {
 
-using Kind = UsageReadError::Kind;
 const UsageTime kNow = utc(2026, 11, 21, 12);
 
-Result<UsageSnapshot, UsageReadError> parse(std::string_view body, UsageProvider provider = UsageProvider::codex) {
+UsageOutcome parse(std::string_view body, UsageProvider provider = UsageProvider::codex) {
   return parseUsageResponse(body, provider, kNow);
 }
 
@@ -116,15 +115,13 @@ TEST(UsageResponse, ResetThatCannotBeReadIsAbsent) {
 
 TEST(UsageResponse, ArrayIsUnreadableUsageData) {
   for (const char* const body : {"[]", "null", "7", "\"text\""}) {
-    EXPECT_EQ(parse(body).error(), (UsageReadError{Kind::usage, "The provider returned unreadable usage data."}))
-        << body;
+    EXPECT_EQ(parse(body).error(), (UsageError{"The provider returned unreadable usage data."})) << body;
   }
 }
 
 TEST(UsageResponse, WhatIsNoJsonIsAnUnexpectedErrorThatQuotesNothing) {
   for (const char* const body : {"", "<html>secret</html>", "{\"rate_limit\":", "{}\xFF"}) {
     ASSERT_FALSE(parse(body)) << body;
-    EXPECT_EQ(parse(body).error().kind, Kind::other) << body;
     EXPECT_EQ(parse(body).error().message, "The data couldn’t be read because it isn’t in the correct format.");
   }
 }
@@ -134,9 +131,7 @@ TEST(UsageResponse, AnswerWithoutAnyWindowHasNoSupportedLimits) {
                                  R"({"rate_limit":{"primary_window":null,"secondary_window":7}})",
                                  R"({"primary_window":{"used_percent":1}})", R"({"five_hour":{"utilization":1}})"}) {
     ASSERT_FALSE(parse(body)) << body;
-    EXPECT_EQ(parse(body).error(),
-              (UsageReadError{Kind::usage, "No supported usage limits returned for this account."}))
-        << body;
+    EXPECT_EQ(parse(body).error(), (UsageError{"No supported usage limits returned for this account."})) << body;
   }
 }
 
