@@ -26,12 +26,11 @@ AppDelegate::AppDelegate(PlatformServices& platform, UserInterfaceMaker makeUser
                [this] { settingsWindow_.update(); }),
       updateAlerts_(toolkit_, platform.mainLoop(), [this] { dashboard_.close(); }),
       updater_(platform, updateAlerts_),
-      dashboard_({toolkit_, platform.mainLoop(), clock_, platform.dates(), platform.workspace()},
-                 {settings, sampling_.readings(), awake_, usage_.states()}, dashboardCallbacks()),
+      dashboard_({toolkit_, platform.mainLoop(), platform.workspace()},
+                 {settings, sampling_.readings(), awake_, usage_.states(), clock_, platform.dates()},
+                 dashboardCallbacks()),
       systemRequests_(platform, toolkit_),
-      settingsWindow_(platform, toolkit_, settings,
-                      {.made = [this](SettingsWindowController& window) { wireSettingsWindow(window); },
-                       .update = [this](SettingsWindowController& window) { updateSettingsWindow(window); }}),
+      settingsWindow_(platform, toolkit_, settings, settingsWindowCallbacks()),
       quitQuestion_(toolkit_, platform.mainLoop(), awake_, [this] { dashboard_.close(); }),
       statusItems_(platform.statusBar(), platform.mainLoop(), settings, statusItemCallbacks()) {
   awake_.onChange = [this] { awakeChanged(); };
@@ -51,18 +50,18 @@ Dashboard::Callbacks AppDelegate::dashboardCallbacks() {
   return {
       .tabChanged = [this] { tabChanged(); },
       .openSettings = [this] { openSettings(); },
-      .configureUsage = [this] { openSettings(SettingsPage::usage); },
+      .configureUsage = [this] { openSettings(SettingsTab::usage); },
       .quit = [this] { quit(); },
       .statusItemFrames = [this] { return statusItems_.knownFrames(); },
-      .toggleAwake = [this](std::optional<AwakeManager::Time> end) { awakeCommands_.toggle(end); },
-      .keepDisplayOn = [this](bool on) { keepDisplayOn(on); },
-      .awakeRulesChanged =
-          [this] {
-            awakeCommands_.applyRules();
-            settingsWindow_.update();
-          },
-      .turnDisplayOff = [this] { awake_.turnDisplayOff(); },
-      .extendAwake = [this] { awakeCommands_.extend(); },
+      .awake = {.toggle = [this](std::optional<AwakeManager::Time> end) { awakeCommands_.toggle(end); },
+                .keepDisplayOn = [this](bool on) { keepDisplayOn(on); },
+                .rulesChanged =
+                    [this] {
+                      awakeCommands_.applyRules();
+                      settingsWindow_.update();
+                    },
+                .turnDisplayOff = [this] { awake_.turnDisplayOff(); },
+                .extend = [this] { awakeCommands_.extend(); }},
       .refreshUsage = [this] { usage_.refreshAll(); },
   };
 }
@@ -77,21 +76,16 @@ StatusItems::Callbacks AppDelegate::statusItemCallbacks() {
   };
 }
 
-void AppDelegate::wireSettingsWindow(SettingsWindowController& window) {
-  window.onChange = [this](const SettingsChange& change) { settingsChanged(change); };
-  window.onLogin = [this] { systemRequests_.toggleLogin(); };
-  window.onCheckUpdates = [this] { updater_.checkForUpdates(); };
-  window.onToggleAutomaticUpdates = [this] {
-    updater_.toggleAutomaticChecks();
-    settingsWindow_.update();
+SettingsWindowOpener::Callbacks AppDelegate::settingsWindowCallbacks() {
+  return {
+      .changed = [this](const SettingsChange& change) { settingsChanged(change); },
+      .toggleLogin = [this] { systemRequests_.toggleLogin(); },
+      .checkForUpdates = [this] { updater_.checkForUpdates(); },
+      .toggleAutomaticUpdates = [this] { updater_.toggleAutomaticChecks(); },
+      .enableClaudeDesktop = [this] { systemRequests_.openClaudeDesktop(); },
+      .automaticUpdates = [this] { return updater_.automaticallyChecksForUpdates(); },
+      .widgetMessage = [this] { return widgets_.widgetMessage(); },
   };
-  window.onEnableClaudeDesktop = [this] { systemRequests_.openClaudeDesktop(); };
-}
-
-// What it cannot read from the settings.
-void AppDelegate::updateSettingsWindow(SettingsWindowController& window) {
-  window.setAutomaticUpdates(updater_.automaticallyChecksForUpdates());
-  window.setWidgetMessage(widgets_.widgetMessage());
 }
 
 StatusItemContent AppDelegate::contentFor(StatusItemTab tab) const {
@@ -154,9 +148,9 @@ void AppDelegate::open(const std::vector<std::string>& links) {
   }
 }
 
-void AppDelegate::openSettings(std::optional<SettingsPage> page) {
+void AppDelegate::openSettings(std::optional<SettingsTab> tab) {
   dashboard_.close();
-  settingsWindow_.open(page);
+  settingsWindow_.open(tab);
 }
 
 bool AppDelegate::loadDashboardOffscreen() {
@@ -206,8 +200,7 @@ void AppDelegate::readingsChanged() {
   usage_.refreshDue();
   widgets_.writeWidgetSnapshot(WidgetPublisher::Force::no);
   statusItems_.refresh();
-  dashboard_.updateReadings();
-  dashboard_.updateUsage();
+  dashboard_.update();
 }
 
 void AppDelegate::tabChanged() {
@@ -219,12 +212,12 @@ void AppDelegate::tabChanged() {
 
 void AppDelegate::awakeChanged() {
   statusItems_.refresh();
-  dashboard_.updateAwake();
+  dashboard_.update();
 }
 
 void AppDelegate::usageChanged() {
   statusItems_.refresh();
-  dashboard_.updateUsage();
+  dashboard_.update();
   // What a read brought must not reach the widgets five minutes late.
   if (!usage_.isRefreshing()) widgets_.writeWidgetSnapshot(WidgetPublisher::Force::yes);
 }

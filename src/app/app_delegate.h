@@ -40,7 +40,7 @@ class AppDelegate {
   void activate();
   /// Links were opened; the last one that leads somewhere counts. Before launch it waits for it.
   void open(const std::vector<std::string>& links);
-  void openSettings(std::optional<SettingsPage> page = std::nullopt);
+  void openSettings(std::optional<SettingsTab> tab = std::nullopt);
   /// Ends the program, after asking when a session runs.
   void quit() { quitQuestion_.quit(); }
   /// Makes the dashboard with its process list without showing it; false when there is no display.
@@ -53,8 +53,7 @@ class AppDelegate {
   [[nodiscard]] SamplingLoop::Callbacks samplingCallbacks();
   [[nodiscard]] Dashboard::Callbacks dashboardCallbacks();
   [[nodiscard]] StatusItems::Callbacks statusItemCallbacks();
-  void wireSettingsWindow(SettingsWindowController& window);
-  void updateSettingsWindow(SettingsWindowController& window);
+  [[nodiscard]] SettingsWindowOpener::Callbacks settingsWindowCallbacks();
   [[nodiscard]] StatusItemContent contentFor(StatusItemTab tab) const;
   [[nodiscard]] StatusMenu statusMenu();
 

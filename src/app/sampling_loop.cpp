@@ -10,11 +10,6 @@ namespace nimbo {
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 
-void appendToHistory(std::vector<double>& history, double value) {
-  if (history.size() >= SystemReadings::kHistoryCapacity) history.erase(history.begin());
-  history.push_back(std::clamp(value, 0.0, 1.0));
-}
-
 SamplingLoop::SamplingLoop(PlatformServices& platform, const Settings& settings, Callbacks callbacks)
     : platform_(platform),
       settings_(settings),

@@ -6,7 +6,7 @@
 
 #include "platform/clock.h"
 #include "platform/host_statistics.h"
-#include "system/memory_snapshot.h"
+#include "system/system_readings.h"
 
 namespace nimbo {
 

@@ -55,10 +55,10 @@ void putWord(SmcRecord& record, std::size_t offset, std::uint32_t value) {
   }
 }
 
-std::uint32_t wordAt(const SmcRecord& record, std::size_t offset) {
+std::uint32_t wordAt(std::span<const std::uint8_t> bytes, std::size_t offset) {
   std::uint32_t value = 0;
   for (std::size_t index = 0; index < 4; ++index) {
-    value |= static_cast<std::uint32_t>(record[offset + index]) << (8 * index);
+    value |= static_cast<std::uint32_t>(bytes[offset + index]) << (8 * index);
   }
   return value;
 }
@@ -81,11 +81,7 @@ std::optional<double> decode(std::uint32_t type, std::span<const std::uint8_t> b
     const auto fixed = static_cast<std::int16_t>(bytes[0] << 8 | bytes[1]);
     return fixed / 256.0;
   }
-  if (type == packed("flt ") && bytes.size() >= 4) {
-    const std::uint32_t bits = static_cast<std::uint32_t>(bytes[0]) | static_cast<std::uint32_t>(bytes[1]) << 8 |
-                               static_cast<std::uint32_t>(bytes[2]) << 16 | static_cast<std::uint32_t>(bytes[3]) << 24;
-    return std::bit_cast<float>(bits);
-  }
+  if (type == packed("flt ") && bytes.size() >= 4) return std::bit_cast<float>(wordAt(bytes, 0));
   return std::nullopt;
 }
 

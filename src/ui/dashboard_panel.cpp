@@ -25,7 +25,7 @@ void DashboardPanel::show(const std::shared_ptr<StatusItem>& item, std::optional
   if (interface_.screens().empty()) return;
   if (item_.lock() != item) setAnchorHighlighted(false);
   item_ = item;
-  // Once, while the pointer is still where the click was.
+  // Converted now, while the pointer is still where the click was.
   reported_ = reported ? std::optional(interface_.toPoints(*reported)) : std::nullopt;
   if (!screens_) {
     screens_ = interface_.observeScreens([this] {
@@ -43,16 +43,14 @@ void DashboardPanel::show(const std::shared_ptr<StatusItem>& item, std::optional
 }
 
 void DashboardPanel::close() {
-  const bool wasVisible = visible();
   window_.hide();
   setAnchorHighlighted(false);
   item_.reset();
   screens_.reset();
-  if (wasVisible && onClose) onClose();
 }
 
 void DashboardPanel::reposition() {
-  // The last known place holds while no screen is connected.
+  // Without a screen the panel keeps its last place.
   if (const auto anchor = panelAnchor(interface_.screens(), reported_)) anchor_ = anchor;
   if (anchor_) window_.setFrame(panelFrame(*anchor_, contentSize_));
 }
@@ -73,8 +71,8 @@ bool DashboardPanel::keyDown(Key key) {
 }
 
 void DashboardPanel::clickedOutside(std::optional<Point> place) {
-  // The item itself will tell its owner, who knows whether to close or to move the panel; unless
-  // the window keeps the click from it.
+  // The item reports this click, too, and its owner then closes or moves the panel; unless the window has
+  // grabbed the pointer, so that the item never gets the click.
   if (onOwnItem(place) && !window_.grabsPointer()) return;
   closeByClickElsewhere();
 }

@@ -18,7 +18,7 @@ namespace nimbo {
 
 /// The dropdown that holds the dashboard: keeps the window at the status item that was clicked,
 /// highlights that item, and closes on Escape, on clicks elsewhere and when another application
-/// comes to the front. What it is given outlives it. Main thread only.
+/// comes to the front. Everything passed to its constructor outlives it. Main thread only.
 class DashboardPanel {
  public:
   DashboardPanel(DashboardWindow& window, UserInterface& interface, MainLoop& loop, const Clock& clock);
@@ -26,30 +26,27 @@ class DashboardPanel {
   DashboardPanel& operator=(const DashboardPanel&) = delete;
   ~DashboardPanel();
 
-  /// Opens under `item`, or moves there when open. `reported` is where the bar says the item is, in
-  /// the bar's own terms. Nothing happens while no screen is connected.
+  /// Opens under `item`, or moves there when open. `reported` is where the bar says the item is, in the
+  /// units that the bar uses. Nothing happens while no screen is connected.
   void show(const std::shared_ptr<StatusItem>& item, std::optional<Rect> reported);
 
-  /// Hides; runs `onClose` when it had been visible.
   void close();
 
-  /// Puts the window where its anchor and size now demand.
-  void reposition();
-
-  /// What the dashboard would like to have; repositions while visible.
+  /// The size that the dashboard needs; an open panel follows at once.
   void setContentSize(Size size);
 
   [[nodiscard]] bool visible() const { return window_.visible(); }
 
-  /// Whether a click elsewhere closed the panel so lately that a click now reported by `item`, from
-  /// which it hung, must be that very click. Such a click is not meant to open the panel again.
+  /// Whether a click now reported by `item` must be the one that has just closed the panel under that
+  /// item. Such a click is not meant to open the panel again.
   [[nodiscard]] bool justClosedBy(const StatusItem& item) const;
 
-  std::function<void()> onClose;
   /// Where the bar last reported the program's own status items.
   std::function<std::vector<Rect>()> statusButtons;
 
  private:
+  /// Puts the window where its anchor and size now demand.
+  void reposition();
   bool keyDown(Key key);
   void clickedOutside(std::optional<Point> place);
   void closeByClickElsewhere();

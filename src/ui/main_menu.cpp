@@ -2,36 +2,24 @@
 #include "ui/main_menu.h"
 
 namespace nimbo {
-namespace {
-
-MainMenuEntry entry(const char* title, const char* keyEquivalent, const std::function<void()>& action) {
-  return {title, keyEquivalent, MenuRole::none, action};
-}
-
-MainMenuEntry entry(const char* title, const char* keyEquivalent, MenuRole role) {
-  return {title, keyEquivalent, role, {}};
-}
-
-MainMenuEntry separator() { return {""}; }
-
-}  // namespace
 
 MainMenu makeMainMenu(const MainMenuActions& actions) {
+  const MainMenuEntry separator{""};
   return {{
       {"Nimbo",
        {
-           entry("Settings…", ",", actions.openSettings),
-           separator(),
-           entry("Quit Nimbo", "q", actions.quit),
+           {"Settings…", ",", MenuRole::none, actions.openSettings},
+           separator,
+           {"Quit Nimbo", "q", MenuRole::none, actions.quit},
        }},
       {"Edit",
        {
-           entry("Cut", "x", MenuRole::cut),
-           entry("Copy", "c", MenuRole::copy),
-           entry("Paste", "v", MenuRole::paste),
-           entry("Select All", "a", MenuRole::selectAll),
+           {"Cut", "x", MenuRole::cut},
+           {"Copy", "c", MenuRole::copy},
+           {"Paste", "v", MenuRole::paste},
+           {"Select All", "a", MenuRole::selectAll},
        }},
-      {"Window", {entry("Close Window", "w", MenuRole::closeWindow)}},
+      {"Window", {{"Close Window", "w", MenuRole::closeWindow}}},
   }};
 }
 

@@ -7,7 +7,7 @@
 
 namespace nimbo {
 
-/// What an entry does that belongs to whatever has the keyboard focus rather than to the program.
+/// What an entry does to the control or window that has the keyboard focus; `none` when it runs an action.
 enum class MenuRole { none, cut, copy, paste, selectAll, closeWindow };
 
 struct MainMenuEntry {
@@ -31,7 +31,7 @@ struct MainMenuActions {
   std::function<void()> quit;
 };
 
-/// The menu of the program. It exists for its keys: text fields and windows answer to the usual ones.
+/// The menu of the program, which gives its windows and text fields the usual keyboard shortcuts.
 [[nodiscard]] MainMenu makeMainMenu(const MainMenuActions& actions);
 
 }  // namespace nimbo

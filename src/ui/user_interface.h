@@ -27,9 +27,9 @@ class UserInterface {
   [[nodiscard]] virtual std::vector<Screen> screens() const = 0;
   /// A screen came, went, or changed its frames.
   [[nodiscard]] virtual Subscription observeScreens(std::function<void()> changed) = 0;
-  /// Where something is that another program has reported, such as a status item that was clicked. Some
-  /// programs count in the window system's own pixels and some in points; on a scaled screen the pointer
-  /// tells which, and where it is elsewhere by now, what it told last.
+  /// The place that another program has reported, such as that of a clicked status item, in points. Some
+  /// programs report pixels, others points: on a scaled screen the pointer, which is there, tells which. Once
+  /// it has moved away, what it told last holds.
   [[nodiscard]] virtual Rect toPoints(const Rect& reported) { return reported; }
   virtual void setAppearance(Appearance appearance) = 0;
   /// The application's own menu: its entries' keys work in every ordinary window of the program. A
@@ -45,8 +45,8 @@ class UserInterface {
 };
 
 enum class DisplayNeed {
-  required,  ///< the windows are for somebody to see
-  optional,  ///< without a display everything is made in memory only
+  required,  ///< a user is to see the windows
+  optional,  ///< without a display the windows exist in memory only
 };
 
 /// The one function the toolkit module exports, under the name kUserInterfaceEntryName. Null when

@@ -20,8 +20,8 @@ class AppDelegateAwakeTest : public AppDelegateTest {
  protected:
   AppDelegateAwakeTest() { settings.setMenuAwake(true); }
 
-  const AwakePageContent& page() const { return content().awake; }
-  const AwakePageActions& actions() const { return window()->actions().awake; }
+  const AwakeContent& page() const { return content().awake; }
+  const AwakeActions& actions() const { return window()->actions().awake; }
   AwakeManager& awake() { return delegate->awake(); }
   std::string itemToolTip() const { return platform.bar.item("nimbo-awake")->content.toolTip; }
 

@@ -25,7 +25,7 @@ class AppDelegateSettingsTest : public AppDelegateTest {
   FakeSettingsWindow* settingsWindow() const {
     return interface == nullptr || interface->settingsWindows().empty() ? nullptr : interface->settingsWindows().back();
   }
-  void showPage(SettingsPage page) { ASSERT_TRUE(settingsWindow()->selectTab(static_cast<std::size_t>(page))); }
+  void showPage(SettingsTab page) { ASSERT_TRUE(settingsWindow()->selectTab(static_cast<std::size_t>(page))); }
   bool isOn(const std::string& identifier) const {
     const auto* const box = settingsWindow()->find<CheckBoxContent>(identifier);
     return box != nullptr && box->on;
@@ -114,7 +114,7 @@ TEST_F(AppDelegateSettingsTest, MonitorSwitchedOffLosesItsFiguresAndTheWidgetsLe
   platform.loop.runPosted();
   finishWrites();
   platform.widgets.events.clear();
-  showPage(SettingsPage::monitors);
+  showPage(SettingsTab::monitors);
   ASSERT_TRUE(settingsWindow()->click("temperature"));
   finishWrites();
   const auto& file = platform.widgets.files.begin()->second;
@@ -125,7 +125,7 @@ TEST_F(AppDelegateSettingsTest, MonitorSwitchedOffLosesItsFiguresAndTheWidgetsLe
 TEST_F(AppDelegateSettingsTest, TemperatureReadBeforeAChangeOfMonitorsIsDropped) {
   settings.setMonitorTemperature(true);
   openSettings();
-  showPage(SettingsPage::monitors);
+  showPage(SettingsTab::monitors);
   ASSERT_TRUE(settingsWindow()->click("cpu"));  // while the first read is still out
   ASSERT_TRUE(platform.temperatures.runOne());
   platform.loop.runPosted();
@@ -136,7 +136,7 @@ TEST_F(AppDelegateSettingsTest, TemperatureReadBeforeAChangeOfMonitorsIsDropped)
 TEST_F(AppDelegateSettingsTest, IntervalRestartsTheTimer) {
   openSettings();
   EXPECT_EQ(tickInterval(), 5s);
-  showPage(SettingsPage::monitors);
+  showPage(SettingsTab::monitors);
   const auto item = platform.bar.item("nimbo-memory");
   const std::string before = item->content.toolTip;
   platform.host->counts = MemoryCounts{.wired = kGibibyte * 4, .active = kGibibyte * 8};
@@ -147,7 +147,7 @@ TEST_F(AppDelegateSettingsTest, IntervalRestartsTheTimer) {
 
 TEST_F(AppDelegateSettingsTest, SubscriptionSwitchedOnIsReadAsIfAskedForByHand) {
   openSettings();
-  showPage(SettingsPage::usage);
+  showPage(SettingsTab::usage);
   ASSERT_TRUE(settingsWindow()->click("codex"));
   EXPECT_EQ(platform.background.waiting(), 1U);
   EXPECT_NE(platform.bar.item("nimbo-ai")->content.toolTip.find("Refreshing…"), std::string::npos);
@@ -163,7 +163,7 @@ TEST_F(AppDelegateSettingsTest, BatteryRuleEndsARunningSession) {
   platform.batteries.onBattery(40);
   toggleAwake();
   ASSERT_TRUE(delegate->awake().isActive());
-  showPage(SettingsPage::awake);
+  showPage(SettingsTab::awake);
   ASSERT_TRUE(settingsWindow()->choose("battery", 4));  // at 50 %
   EXPECT_FALSE(delegate->awake().isActive());
 }
@@ -171,7 +171,7 @@ TEST_F(AppDelegateSettingsTest, BatteryRuleEndsARunningSession) {
 TEST_F(AppDelegateSettingsTest, DisplayChoiceReachesARunningSession) {
   openSettings();
   toggleAwake();
-  showPage(SettingsPage::awake);
+  showPage(SettingsTab::awake);
   ASSERT_TRUE(settingsWindow()->click("display"));
   EXPECT_TRUE(settings.awakeDisplayOn());
   EXPECT_EQ(platform.assertions.held().size(), 2U);
@@ -231,7 +231,7 @@ TEST_F(AppDelegateSettingsTest, RefusedEndOfLoginIsToldAndTheBoxStaysTicked) {
 
 TEST_F(AppDelegateSettingsTest, DesktopFallbackAsksForTrustBeforeItOpensTheApplication) {
   openSettings();
-  showPage(SettingsPage::usage);
+  showPage(SettingsTab::usage);
   ASSERT_TRUE(settingsWindow()->press("enableClaudeDesktop"));
   ASSERT_TRUE(settingsWindow()->press("enableClaudeDesktop"));
   EXPECT_TRUE(platform.desktop.applicationsOpened.empty());
@@ -246,7 +246,7 @@ TEST_F(AppDelegateSettingsTest, DesktopFallbackAsksForTrustBeforeItOpensTheAppli
 TEST_F(AppDelegateSettingsTest, DesktopFallbackDoesNotWaitForAReadThatIsUnderWay) {
   settings.setUsageEnabled(UsageProvider::claude, true);
   openSettings();
-  showPage(SettingsPage::usage);
+  showPage(SettingsTab::usage);
   ASSERT_TRUE(settingsWindow()->press("enableClaudeDesktop"));
   finishWrites();
   EXPECT_EQ(platform.desktop.applicationsOpened, (std::vector<std::string>{"com.anthropic.claudefordesktop"}));
@@ -258,7 +258,7 @@ TEST_F(AppDelegateSettingsTest, DesktopFallbackDoesNotWaitForAReadThatIsUnderWay
 TEST_F(AppDelegateSettingsTest, MissingDesktopApplicationIsTold) {
   platform.desktop.installed.clear();
   openSettings();
-  showPage(SettingsPage::usage);
+  showPage(SettingsTab::usage);
   ASSERT_TRUE(settingsWindow()->press("enableClaudeDesktop"));
   finishWrites();
   ASSERT_NE(alert(), nullptr);
@@ -288,7 +288,7 @@ TEST_F(AppDelegateSettingsTest, UpdaterOfAConfiguredBuildStartsAtLaunchAndFollow
 TEST_F(AppDelegateSettingsTest, FailedWidgetFileIsToldInTheWindow) {
   platform.widgets.failsToWrite = true;
   openSettings();
-  showPage(SettingsPage::monitors);
+  showPage(SettingsTab::monitors);
   ASSERT_TRUE(settingsWindow()->click("cpu"));
   finishWrites();
   bool told = false;

@@ -33,7 +33,7 @@ class AppDelegateUsageTest : public AppDelegateTest {
     platform.loop.runPosted();
   }
   std::string itemToolTip() const { return platform.bar.item("nimbo-ai")->content.toolTip; }
-  const UsagePageContent& page() const { return content().usage; }
+  const UsageContent& page() const { return content().usage; }
 };
 
 TEST_F(AppDelegateUsageTest, NothingIsReadWithoutASubscription) {

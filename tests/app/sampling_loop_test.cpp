@@ -405,12 +405,5 @@ TEST_F(SamplingLoopTest, ResultsForADestroyedLoopAreDropped) {
   EXPECT_TRUE(scans.empty());
 }
 
-TEST(SystemReadings, HistoryClampsToZeroAndOne) {
-  std::vector<double> history;
-  appendToHistory(history, -0.5);
-  appendToHistory(history, 1.5);
-  EXPECT_EQ(history, (std::vector{0.0, 1.0}));
-}
-
 }  // namespace
 }  // namespace nimbo

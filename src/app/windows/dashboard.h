@@ -7,14 +7,9 @@
 #include <vector>
 
 #include "app/windows/toolkit.h"
-#include "awake/awake_manager.h"
-#include "platform/clock.h"
-#include "platform/dates.h"
 #include "platform/main_loop.h"
 #include "platform/status_bar.h"
 #include "platform/workspace.h"
-#include "settings/settings.h"
-#include "system/system_readings.h"
 #include "ui/dashboard/dashboard_controller.h"
 #include "ui/dashboard_panel.h"
 #include "ui/user_interface.h"
@@ -28,16 +23,7 @@ class Dashboard {
   struct Services {
     Toolkit& toolkit;
     MainLoop& mainLoop;
-    const Clock& clock;
-    const Dates& dates;
     Workspace& workspace;
-  };
-  /// What the pages show.
-  struct Sources {
-    Settings& settings;
-    const SystemReadings& readings;
-    const AwakeManager& awake;
-    const UsageStates& usage;
   };
   struct Callbacks {
     std::function<void()> tabChanged;  ///< the user picked another tab
@@ -45,15 +31,11 @@ class Dashboard {
     std::function<void()> configureUsage;  ///< the settings of the subscriptions
     std::function<void()> quit;
     std::function<std::vector<Rect>()> statusItemFrames;
-    std::function<void(std::optional<AwakeManager::Time> end)> toggleAwake;
-    std::function<void(bool on)> keepDisplayOn;
-    std::function<void()> awakeRulesChanged;
-    std::function<void()> turnDisplayOff;
-    std::function<void()> extendAwake;
+    AwakeView::Requests awake;
     std::function<void()> refreshUsage;
   };
 
-  Dashboard(Services services, Sources sources, Callbacks callbacks);
+  Dashboard(Services services, const DashboardSources& sources, Callbacks callbacks);
 
   /// Opens under `item`, on `tab` or else on the tab shown last. False when there is no display.
   [[nodiscard]] bool open(const std::shared_ptr<StatusItem>& item, std::optional<Rect> reported,
@@ -69,16 +51,16 @@ class Dashboard {
   /// Absent before the dashboard was first opened.
   [[nodiscard]] std::optional<DashboardTab> selectedTab() const;
 
-  // New content for the open dashboard; a closed one costs nothing and catches up on opening.
-  void updateReadings();
-  void updateAwake();
-  void updateUsage();
+  // For the open dashboard; a closed one costs nothing and catches up on opening.
+
+  /// Shows what its sources say now.
+  void update();
   void updateProcesses(ProcessScan scan);
 
  private:
   /// In order of dependence, so that they go in the reverse order.
   struct Parts {
-    explicit Parts(AwakeView::Services services) : controller(services) {}
+    explicit Parts(const DashboardSources& sources) : controller(sources) {}
     DashboardController controller;
     std::unique_ptr<DashboardWindow> window;
     std::unique_ptr<DashboardPanel> panel;
@@ -87,11 +69,9 @@ class Dashboard {
   [[nodiscard]] bool create();
   void wire(Parts& parts);
   [[nodiscard]] bool prepare(std::optional<DashboardTab> tab);
-  void showReadings();
-  void showUsage();
 
   Services services_;
-  Sources sources_;
+  DashboardSources sources_;
   Callbacks callbacks_;
   bool offscreen_ = false;
   std::unique_ptr<Parts> parts_;

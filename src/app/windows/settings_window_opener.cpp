@@ -9,22 +9,20 @@ SettingsWindowOpener::SettingsWindowOpener(PlatformServices& platform, Toolkit& 
                                            Callbacks callbacks)
     : platform_(platform), toolkit_(toolkit), settings_(settings), callbacks_(std::move(callbacks)) {}
 
-void SettingsWindowOpener::open(std::optional<SettingsPage> page) {
+void SettingsWindowOpener::open(std::optional<SettingsTab> tab) {
   auto* const interface = toolkit_.interface();
   if (interface == nullptr) return;
   if (!controller_) {
     window_ = interface->makeSettingsWindow();
-    controller_ = std::make_unique<SettingsWindowController>(settings_, *window_, platform_.bundleInfo(),
-                                                             [this] { return platform_.loginItem().status(); });
-    callbacks_.made(*controller_);
+    controller_ = std::make_unique<SettingsWindowController>(
+        SettingsWindowController::Sources{settings_, platform_.bundleInfo(), platform_.loginItem()}, *window_,
+        callbacks_);
   }
-  if (page) controller_->tabChanged(static_cast<std::size_t>(*page));
-  callbacks_.update(*controller_);
-  controller_->show();
+  controller_->show(tab);
 }
 
 void SettingsWindowOpener::update() {
-  if (controller_ && controller_->visible()) callbacks_.update(*controller_);
+  if (controller_) controller_->syncIfVisible();
 }
 
 }  // namespace nimbo

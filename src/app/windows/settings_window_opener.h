@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <optional>
 
 #include "app/windows/toolkit.h"
 #include "platform/platform_services.h"
 #include "settings/settings.h"
-#include "ui/settings/settings_pages.h"
 #include "ui/settings/settings_window_controller.h"
 
 namespace nimbo {
@@ -17,18 +15,13 @@ namespace nimbo {
 /// then on. Main thread.
 class SettingsWindowOpener {
  public:
-  struct Callbacks {
-    /// Gets the new controller, to answer what it asks for.
-    std::function<void(SettingsWindowController&)> made;
-    /// Tells the controller what it cannot read from the settings.
-    std::function<void(SettingsWindowController&)> update;
-  };
+  using Callbacks = SettingsWindowController::Callbacks;
 
-  /// What it is given outlives it.
+  /// `platform`, `toolkit` and `settings` outlive it.
   SettingsWindowOpener(PlatformServices& platform, Toolkit& toolkit, Settings& settings, Callbacks callbacks);
 
-  /// Brings the window to the front, on `page` or else the one it showed last, if there is a display.
-  void open(std::optional<SettingsPage> page);
+  /// Brings the window to the front, on `tab` or else the one it showed last, if there is a display.
+  void open(std::optional<SettingsTab> tab);
   /// Something that the window shows has changed elsewhere; a closed one costs nothing.
   void update();
 

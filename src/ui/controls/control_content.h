@@ -99,4 +99,12 @@ struct DatePickerContent {
   bool operator==(const DatePickerContent&) const = default;
 };
 
+/// A row of segments of which one is selected.
+struct TabsContent {
+  Rect frame;
+  std::vector<std::string> labels;
+  std::size_t selected = 0;
+  bool operator==(const TabsContent&) const = default;
+};
+
 }  // namespace nimbo

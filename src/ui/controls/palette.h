@@ -17,26 +17,26 @@ struct Color {
 };
 
 /// Every role but quaternaryLabel is opaque and dark or light enough to be read as small text on
-/// `panelBackground`; quaternaryLabel is for the grounds of charts and bars.
+/// `panelBackground`; quaternaryLabel is the background of charts and bars.
 [[nodiscard]] Color color(ColorRole role, Appearance appearance);
 
 [[nodiscard]] Color panelBackground(Appearance appearance);
 
-/// The ground of a card on the panel; the text roles are readable on it too.
+/// The background of a card on the panel; the text roles are readable on it, too.
 [[nodiscard]] Color cardGround(Appearance appearance);
 
 /// Thin lines: the panel's border and the one above its footer.
 [[nodiscard]] Color separatorColor(Appearance appearance);
 
-/// The ground of what is on, selected or pressed by Return, and what is written on it. Not the
-/// desktop's accent colour, so that the contrast holds everywhere.
+/// The background of what is on, selected or pressed by Return, and the text on it. Not the desktop's
+/// accent colour, so that the contrast is always enough.
 [[nodiscard]] Color accentGround(Appearance appearance);
 [[nodiscard]] Color accentLabel(Appearance appearance);
 
 /// Inside fields and check boxes that are off.
 [[nodiscard]] Color fieldGround(Appearance appearance);
 
-/// Around them; strong enough to tell where the field is.
+/// Around fields and check boxes; strong enough to tell where they are.
 [[nodiscard]] Color fieldBorder(Appearance appearance);
 
 }  // namespace nimbo

@@ -3,7 +3,8 @@
 
 #include <algorithm>
 #include <array>
-#include <iterator>
+#include <functional>
+#include <utility>
 
 #include "awake/session_length.h"
 
@@ -27,10 +28,10 @@ constexpr std::array kDurations{
 constexpr const char* kNote =
     "Keep your MacBook’s lid open. Manual Sleep still applies. App-specific background limits still apply.";
 
-template <class Items, class Matches>
-std::size_t indexOf(const Items& items, Matches matches) {
-  const auto found = std::find_if(items.begin(), items.end(), matches);
-  return found == items.end() ? 0 : static_cast<std::size_t>(std::distance(items.begin(), found));
+template <class Items, class Value, class Projection = std::identity>
+std::size_t indexOf(const Items& items, const Value& value, Projection projection = {}) {
+  const auto found = std::ranges::find(items, value, projection);
+  return found == items.end() ? 0 : static_cast<std::size_t>(found - items.begin());
 }
 
 std::string sessionText(const AwakeManager& manager, const Dates& dates) {
@@ -40,180 +41,161 @@ std::string sessionText(const AwakeManager& manager, const Dates& dates) {
   return text + (manager.keepsDisplayOn() ? " Display stays on." : " Display may sleep.");
 }
 
-template <class... Arguments>
-void call(const std::function<void(Arguments...)>& callback, Arguments... arguments) {
-  if (callback) callback(arguments...);
+template <class... Controls>
+void hide(Controls&... controls) {
+  ((controls.visible = false), ...);
 }
 
 }  // namespace
 
-AwakeView::AwakeView(Services services) : services_(services), date_(suggestedEnd(services.clock.now())) { load(); }
+AwakeView::AwakeView(const DashboardSources& sources, std::function<void()> changed)
+    : sources_(sources), changed_(std::move(changed)), date_(suggestedEnd(sources.clock.now())) {
+  reset();
+}
 
-void AwakeView::load() {
-  const auto& settings = services_.settings;
+void AwakeView::reset() {
   validationMessage_.reset();
-  durationIndex_ =
-      indexOf(kDurations, [wanted = settings.awakeDuration()](const auto& item) { return item.duration == wanted; });
-  minutes_ = std::to_string(clampedCustomMinutes(settings.awakeCustomMinutes()));
-  onlyOnPower_ = settings.awakeOnlyOnPower();
-  floorIndex_ =
-      indexOf(kBatteryFloors, [wanted = settings.awakeBatteryFloor()](std::int64_t floor) { return floor == wanted; });
-  if (!active_) {
-    displayOn_ = settings.awakeDisplayOn();
-    const auto now = services_.clock.now();
-    if (date_ <= now) date_ = suggestedEnd(now);
-  }
-  changed();
+  minutes_ = std::to_string(clampedCustomMinutes(sources_.settings.awakeCustomMinutes()));
+  const auto now = sources_.clock.now();
+  if (!sources_.awake.isActive() && date_ <= now) date_ = suggestedEnd(now);
 }
 
-void AwakeView::refresh(const AwakeManager& manager) {
-  active_ = manager.isActive();
-  extendable_ = active_ && manager.endsAt();
-  sessionDetail_ = sessionText(manager, services_.dates);
-  displayOn_ = active_ ? manager.keepsDisplayOn() : services_.settings.awakeDisplayOn();
-  changed();
-}
-
-AwakePageActions AwakeView::actions() {
+AwakeActions AwakeView::actions(const Requests& requests) {
   return {
-      [this] { startOrStop(); },
-      [this] { call(onExtend); },
-      [this](std::size_t index) { selectDuration(index); },
-      [this](const std::string& text) { editMinutes(text); },
-      [this](Time date) { pickDate(date); },
-      [this](bool on) { switchDisplay(on); },
-      [this](bool on) {
-        onlyOnPower_ = on;
-        storeRules();
-      },
-      [this](std::size_t index) {
-        floorIndex_ = std::min(index, kBatteryFloors.size() - 1);
-        storeRules();
-      },
-      [this] { call(onDisplayOff); },
+      .startOrStop = [this, toggle = requests.toggle] { startOrStop(toggle); },
+      .extend = requests.extend,
+      .selectDuration = [this](std::size_t index) { selectDuration(index); },
+      .editMinutes = [this](const std::string& text) { editMinutes(text); },
+      .pickDate = [this](Time date) { pickDate(date); },
+      .switchDisplay = [this, keep = requests.keepDisplayOn](bool on) { switchDisplay(on, keep); },
+      .switchPlugged = [this, told = requests.rulesChanged](
+                           bool on) { storeRules(on, sources_.settings.awakeBatteryFloor(), told); },
+      .selectBatteryFloor =
+          [this, told = requests.rulesChanged](std::size_t index) {
+            const auto floor = kBatteryFloors[std::min(index, kBatteryFloors.size() - 1)];
+            storeRules(sources_.settings.awakeOnlyOnPower(), static_cast<int>(floor), told);
+          },
+      .turnDisplayOff = requests.turnDisplayOff,
   };
 }
 
-std::int64_t AwakeView::duration() const { return kDurations[durationIndex_].duration; }
-
-void AwakeView::startOrStop() {
+void AwakeView::startOrStop(const std::function<void(std::optional<Time> end)>& toggle) {
   std::optional<Time> end;
-  if (!active_) {
+  if (!sources_.awake.isActive()) {
     const auto minutes = customMinutes(minutes_);
-    if (duration() == kCustomMinutes) {
+    const auto duration = sources_.settings.awakeDuration();
+    if (duration == kCustomMinutes) {
       if (!minutes) {
         validationMessage_ = "Enter a whole number from 1 to 10080 minutes.";
-        changed();
+        changed_();
         return;
       }
-      services_.settings.setAwakeCustomMinutes(*minutes);
+      sources_.settings.setAwakeCustomMinutes(*minutes);
     }
-    end = sessionEnd(duration(), minutes.value_or(0), date_, services_.clock.now());
+    end = sessionEnd(duration, minutes.value_or(0), date_, sources_.clock.now());
   }
   validationMessage_.reset();
-  changed();
-  call(onToggle, end);
+  toggle(end);
+  changed_();
 }
 
 void AwakeView::selectDuration(std::size_t index) {
-  durationIndex_ = std::min(index, kDurations.size() - 1);
   validationMessage_.reset();
-  services_.settings.setAwakeDuration(duration());
-  changed();
+  sources_.settings.setAwakeDuration(kDurations[std::min(index, kDurations.size() - 1)].duration);
+  changed_();
 }
 
 void AwakeView::editMinutes(const std::string& text) {
   minutes_ = text;
   validationMessage_.reset();
-  if (const auto minutes = customMinutes(text)) services_.settings.setAwakeCustomMinutes(*minutes);
-  changed();
+  if (const auto minutes = customMinutes(text)) sources_.settings.setAwakeCustomMinutes(*minutes);
+  changed_();
 }
 
 void AwakeView::pickDate(Time date) {
   date_ = date;
-  changed();
+  changed_();
 }
 
-void AwakeView::switchDisplay(bool on) {
-  // As the user sees it now, so that a refusal is a change that puts the switch back.
-  displayOn_ = on;
-  changed();
-  call(onDisplay, on);
+void AwakeView::switchDisplay(bool on, const std::function<void(bool on)>& keepDisplayOn) {
+  // Shown as the user has it now, so that a refusal is a change that puts the switch back.
+  switchedDisplay_ = on;
+  changed_();
+  switchedDisplay_.reset();
+  keepDisplayOn(on);
+  changed_();
 }
 
-void AwakeView::storeRules() {
-  services_.settings.setAwakeOnlyOnPower(onlyOnPower_);
-  services_.settings.setAwakeBatteryFloor(static_cast<int>(kBatteryFloors[floorIndex_]));
-  changed();
-  call(onRules);
+void AwakeView::storeRules(bool onlyOnPower, int batteryFloor, const std::function<void()>& rulesChanged) {
+  sources_.settings.setAwakeOnlyOnPower(onlyOnPower);
+  sources_.settings.setAwakeBatteryFloor(batteryFloor);
+  rulesChanged();
+  changed_();
 }
 
-void AwakeView::changed() const { call(onContentChanged); }
-
-AwakePageContent AwakeView::content(bool visible) const {
-  AwakePageContent content;
+AwakeContent AwakeView::content(bool visible) const {
+  AwakeContent content;
   fillSession(content);
   fillLength(content);
   fillRules(content);
   content.note = {{20, 386, 300, 44}, {10, FontWeight::regular, ColorRole::tertiaryLabel}, kNote};
   content.note.lines = 3;
-  if (visible) return content;
-  for (auto* const label :
-       {&content.state, &content.detail, &content.durationTitle, &content.batteryTitle, &content.note}) {
-    label->visible = false;
+  if (!visible) {
+    hide(content.state, content.detail, content.start, content.extend, content.durationTitle, content.duration,
+         content.minutes, content.date, content.display, content.plugged, content.batteryTitle, content.battery,
+         content.off, content.note);
   }
-  for (auto* const button : {&content.start, &content.extend, &content.off}) button->visible = false;
-  for (auto* const box : {&content.display, &content.plugged}) box->visible = false;
-  for (auto* const list : {&content.duration, &content.battery}) list->visible = false;
-  content.minutes.visible = content.date.visible = false;
   return content;
 }
 
-void AwakeView::fillSession(AwakePageContent& content) const {
-  content.state = {{20, 72, 300, 24}, {17, FontWeight::semibold, active_ ? ColorRole::green : ColorRole::label}};
-  content.state.text = active_ ? "Your Mac is staying awake" : "Ready for your next run";
+void AwakeView::fillSession(AwakeContent& content) const {
+  const bool active = sources_.awake.isActive();
+  content.state = {{20, 72, 300, 24}, {17, FontWeight::semibold, active ? ColorRole::green : ColorRole::label}};
+  content.state.text = active ? "Your Mac is staying awake" : "Ready for your next run";
   content.detail = {{20, 98, 300, 34}, {12, FontWeight::regular, ColorRole::secondaryLabel}};
-  content.detail.text = validationMessage_.value_or(sessionDetail_);
+  content.detail.text = validationMessage_.value_or(sessionText(sources_.awake, sources_.dates));
   content.detail.lines = 2;
   // Buttons leave three points free at either side; their faces line up with the texts.
   content.start = {"start", {17, 144, 186, 30}};
-  content.start.title = active_ ? "Stop keeping awake" : "Keep Mac awake";
+  content.start.title = active ? "Stop keeping awake" : "Keep Mac awake";
   content.extend = {"extend", {205, 144, 118, 30}, ButtonLook::rounded, 13, "+30 min"};
-  content.extend.enabled = extendable_;
+  content.extend.enabled = active && sources_.awake.endsAt();
   content.off = {"displayOff", {17, 344, 186, 28}, ButtonLook::rounded, 12, "Turn display off now"};
-  content.off.enabled = active_;
+  content.off.enabled = active;
 }
 
-void AwakeView::fillLength(AwakePageContent& content) const {
+void AwakeView::fillLength(AwakeContent& content) const {
+  const auto duration = sources_.settings.awakeDuration();
   content.durationTitle = {{20, 188, 300, 16}, {11, FontWeight::medium, ColorRole::secondaryLabel}, "Session"};
-  content.duration = {"duration", {20, 206, 142, 26}};
+  content.duration = {
+      "duration", {20, 206, 142, 26}, {}, indexOf(kDurations, duration, &DurationItem::duration), "Session"};
   for (const auto& item : kDurations) content.duration.items.emplace_back(item.title);
-  content.duration.selected = durationIndex_;
-  content.duration.accessibleName = "Session";
 
   const Rect beside{170, 206, 150, 26};
   content.minutes = {"minutes", beside, minutes_, "1–10080 minutes", "Custom duration in minutes"};
   content.minutes.toolTip = "Custom session length in minutes (up to 7 days)";
-  content.minutes.visible = duration() == kCustomMinutes;
+  content.minutes.visible = duration == kCustomMinutes;
   content.date = {"date", beside, date_, "Session end date and time"};
-  content.date.visible = duration() == kUntilDate;
-  content.duration.enabled = content.minutes.enabled = content.date.enabled = !active_;
+  content.date.visible = duration == kUntilDate;
+  content.duration.enabled = content.minutes.enabled = content.date.enabled = !sources_.awake.isActive();
 }
 
-void AwakeView::fillRules(AwakePageContent& content) const {
+void AwakeView::fillRules(AwakeContent& content) const {
+  const auto& settings = sources_.settings;
+  const bool keepsDisplayOn = sources_.awake.isActive() ? sources_.awake.keepsDisplayOn() : settings.awakeDisplayOn();
   content.display = {"display", {20, 246, 300, 22}, "Keep display on too"};
   content.display.toolTip = "Off by default: the display may sleep while the Mac stays awake.";
-  content.display.on = displayOn_;
+  content.display.on = switchedDisplay_.value_or(keepsDisplayOn);
   content.plugged = {"plugged", {20, 274, 300, 22}, "Only while connected to power"};
-  content.plugged.on = onlyOnPower_;
+  content.plugged.on = settings.awakeOnlyOnPower();
 
   content.batteryTitle = {{20, 306, 146, 20}, {13}, "Stop on battery at"};
   content.battery = {"battery", {170, 303, 150, 26}};
+  content.battery.accessibleName = "Stop on battery at";
   for (const auto floor : kBatteryFloors) {
     content.battery.items.push_back(floor == 0 ? std::string("Never") : std::to_string(floor) + "%");
   }
-  content.battery.selected = floorIndex_;
-  content.battery.accessibleName = "Stop on battery at";
+  content.battery.selected = indexOf(kBatteryFloors, settings.awakeBatteryFloor());
 }
 
 }  // namespace nimbo

@@ -1,80 +1,59 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <chrono>
 #include <cstddef>
 #include <functional>
 #include <optional>
 #include <string>
 
-#include "awake/awake_manager.h"
-#include "platform/clock.h"
-#include "platform/dates.h"
-#include "settings/settings.h"
-#include "ui/dashboard/awake_page_content.h"
+#include "ui/dashboard/dashboard_sources.h"
 #include "ui/dashboard/dashboard_window.h"
 
 namespace nimbo {
 
 /// The Keep Awake page without its pixels: checks and stores what the user chooses, and turns the
-/// session's state into texts. Holds no session itself: whoever owns the manager wires the callbacks
-/// to it and calls `refresh`. Main thread only.
+/// session's state into texts. Holds only what the user has begun to enter. Main thread only.
 class AwakeView {
  public:
   using Time = AwakeManager::Time;
 
-  /// All outlive the view.
-  struct Services {
-    Settings& settings;
-    const Clock& clock;
-    const Dates& dates;
+  /// Requests to the owner of the session.
+  struct Requests {
+    /// Stop the session that runs, or start one that ends at `end`; absent for one until stopped.
+    std::function<void(std::optional<Time> end)> toggle;
+    std::function<void(bool on)> keepDisplayOn;
+    std::function<void()> rulesChanged;  ///< the battery rules; they are stored already
+    std::function<void()> turnDisplayOff;
+    std::function<void()> extend;
   };
 
-  explicit AwakeView(Services services);
+  /// `changed` tells that `content` is another one now.
+  AwakeView(const DashboardSources& sources, std::function<void()> changed);
 
-  /// Shows the stored choices.
-  void load();
-  void refresh(const AwakeManager& manager);
-
-  [[nodiscard]] AwakePageContent content(bool visible) const;
+  /// Forgets what was entered but not used.
+  void reset();
+  [[nodiscard]] AwakeContent content(bool visible) const;
   /// What the page's controls call; lives as long as the view.
-  [[nodiscard]] AwakePageActions actions();
-
-  /// `content` is another one now.
-  std::function<void()> onContentChanged;
-  /// Stop the session that runs, or start one that ends at `end`; absent for one until stopped.
-  std::function<void(std::optional<Time> end)> onToggle;
-  std::function<void(bool on)> onDisplay;
-  /// The battery rules changed; they are stored already.
-  std::function<void()> onRules;
-  std::function<void()> onDisplayOff;
-  std::function<void()> onExtend;
+  [[nodiscard]] AwakeActions actions(const Requests& requests);
 
  private:
-  void startOrStop();
+  void startOrStop(const std::function<void(std::optional<Time> end)>& toggle);
   void selectDuration(std::size_t index);
   void editMinutes(const std::string& text);
   void pickDate(Time date);
-  void switchDisplay(bool on);
-  void storeRules();
-  void changed() const;
+  void switchDisplay(bool on, const std::function<void(bool on)>& keepDisplayOn);
+  void storeRules(bool onlyOnPower, int batteryFloor, const std::function<void()>& rulesChanged);
 
-  [[nodiscard]] std::int64_t duration() const;
-  void fillSession(AwakePageContent& content) const;
-  void fillLength(AwakePageContent& content) const;
-  void fillRules(AwakePageContent& content) const;
+  void fillSession(AwakeContent& content) const;
+  void fillLength(AwakeContent& content) const;
+  void fillRules(AwakeContent& content) const;
 
-  Services services_;
-  bool active_ = false;
-  bool extendable_ = false;
-  std::string sessionDetail_;
+  DashboardSources sources_;
+  std::function<void()> changed_;
   std::optional<std::string> validationMessage_;  // an input error, shown instead of the session's detail
-  std::size_t durationIndex_ = 0;
   std::string minutes_;
   Time date_;
-  bool displayOn_ = false;
-  bool onlyOnPower_ = false;
-  std::size_t floorIndex_ = 0;
+  std::optional<bool> switchedDisplay_;  // only while the owner is asked
 };
 
 }  // namespace nimbo

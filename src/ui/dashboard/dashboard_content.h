@@ -7,15 +7,13 @@
 #include <vector>
 
 #include "base/geometry.h"
-#include "system/memory_snapshot.h"
+#include "settings/usage_provider.h"
+#include "system/system_readings.h"
 #include "ui/controls/control_content.h"
-#include "ui/controls/tabs_content.h"
-#include "ui/dashboard/awake_page_content.h"
-#include "ui/dashboard/usage_page_content.h"
 
 namespace nimbo {
 
-// Frames are in points from the top left corner of the dashboard.
+// Frames are in points from the top left corner of the dashboard, unless said otherwise.
 
 struct HistoryContent {
   Rect frame;
@@ -49,6 +47,71 @@ struct MemoryRowContent {
   bool operator==(const MemoryRowContent&) const = default;
 };
 
+/// What the Keep Awake page shows. All of it is hidden on the other pages.
+struct AwakeContent {
+  LabelContent state;
+  LabelContent detail;
+  ButtonContent start;
+  ButtonContent extend;
+  LabelContent durationTitle;
+  PopUpContent duration;
+  TextFieldContent minutes;
+  DatePickerContent date;
+  CheckBoxContent display;
+  CheckBoxContent plugged;
+  LabelContent batteryTitle;
+  PopUpContent battery;
+  ButtonContent off;
+  LabelContent note;
+  bool operator==(const AwakeContent&) const = default;
+};
+
+/// A bar that shows how much is left.
+struct UsageBarContent {
+  Rect frame;
+  double fraction = 0;  ///< 0…1, filled from the left
+  ColorRole tint = ColorRole::teal;
+  double alpha = 1;
+  std::string accessibleName = {};
+  std::string accessibleValue = {};
+  std::string toolTip = {};
+  bool operator==(const UsageBarContent&) const = default;
+};
+
+/// One limit window.
+struct UsageRowContent {
+  LabelContent title;
+  LabelContent amount;
+  UsageBarContent bar;
+  LabelContent reset;
+  bool operator==(const UsageRowContent&) const = default;
+};
+
+/// One provider. Frames are relative to the scrolled document, as are those of the rows.
+struct UsageCardContent {
+  UsageProvider provider = UsageProvider::codex;
+  Rect frame;
+  LabelContent title = {};
+  ButtonContent link = {};
+  LabelContent status = {};
+  ButtonContent connect = {};
+  std::vector<UsageRowContent> rows = {};
+  bool operator==(const UsageCardContent&) const = default;
+};
+
+/// What the AI page shows.
+struct UsageContent {
+  Rect scroll;
+  Size document;
+  std::vector<UsageCardContent> cards;
+  ButtonContent refresh;
+  LabelContent progress;  ///< beside the button while a refresh runs
+  ButtonContent configure;
+  LabelContent note;
+  bool visible = true;  ///< of everything
+  bool operator==(const UsageContent&) const = default;
+};
+
 /// Everything the dashboard shows, ready to be put on screen: nothing left to decide or to format.
 struct DashboardContent {
   Size size;  ///< of the whole dashboard, footer included
@@ -74,8 +137,8 @@ struct DashboardContent {
   ButtonContent activityButton;
   LabelContent footer;
 
-  AwakePageContent awake;
-  UsagePageContent usage;
+  AwakeContent awake;
+  UsageContent usage;
 
   Rect footerSeparator;
   ButtonContent quitButton;

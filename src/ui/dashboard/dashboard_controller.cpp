@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "ui/dashboard/usage_view.h"
+
 namespace nimbo {
 namespace {
 
@@ -25,22 +27,25 @@ const char* tabLabel(DashboardTab tab) {
   return "";
 }
 
-double pageHeight(DashboardTab tab, const ResourcesPage& resources) {
+double pageHeight(DashboardTab tab, const ResourcesView& resources) {
   switch (tab) {
     case DashboardTab::ai:
       return kUsagePageHeight;
     case DashboardTab::memory:
-      return resourcesPageHeight(resources);
+      return resourcesHeight(resources);
     case DashboardTab::awake:
       return kAwakePageHeight;
   }
   return 0;
 }
 
-void fillHeader(DashboardContent& content, const std::vector<DashboardTab>& tabOrder, std::size_t selected) {
+void fillHeader(DashboardContent& content, const std::vector<DashboardTab>& tabOrder, DashboardTab selected) {
   content.title = {{20, 19, 48, 22}, {15, FontWeight::semibold}, "Nimbo"};
-  content.tabs = {{70, 17, 218, 26}, {}, selected};
-  for (const auto tab : tabOrder) content.tabs.labels.emplace_back(tabLabel(tab));
+  content.tabs = {{70, 17, 218, 26}, {}, 0};
+  for (const auto tab : tabOrder) {
+    if (tab == selected) content.tabs.selected = content.tabs.labels.size();
+    content.tabs.labels.emplace_back(tabLabel(tab));
+  }
   content.settingsButton = {"settings", {293, 16, 28, 28}, ButtonLook::icon, 13, "gearshape", "Settings"};
   content.settingsButton.toolTip = "Settings: monitors, display, refresh interval";
 }
@@ -53,104 +58,62 @@ void fillFooter(DashboardContent& content, double y) {
   content.quitHint = {{299, y + 11, 25, 18}, {11, FontWeight::regular, ColorRole::secondaryLabel}, "⌘Q"};
 }
 
-void call(const std::function<void()>& callback) {
-  if (callback) callback();
-}
-
 }  // namespace
 
-DashboardController::DashboardController(AwakeView::Services services)
-    : awakeView_(services), usageView_(services.clock, services.dates) {
-  awakeView_.onContentChanged = [this] { refresh(); };
-  usageView_.onContentChanged = [this] { refresh(); };
-  refresh();
+DashboardController::DashboardController(const DashboardSources& sources)
+    : sources_(sources), tab_(sources.settings.lastDashboardTab()), awakeView_(sources, [this] { show(); }) {}
+
+void DashboardController::open(std::optional<DashboardTab> tab) {
+  if (tab) tab_ = *tab;
+  awakeView_.reset();
+  show();
 }
 
-DashboardTab DashboardController::selectedTab() const {
-  return tabOrder_[std::min(selectedSegment_, tabOrder_.size() - 1)];
-}
-
-void DashboardController::apply(const DashboardPreferences& preferences) {
-  const auto shown = std::exchange(configuredOrder_, true) ? selectedTab() : preferences.lastDashboardTab;
-  if (!preferences.tabOrder.empty()) tabOrder_ = preferences.tabOrder;
-  selectedSegment_ = segmentOf(shown);
-  resources_.memoryEnabled = preferences.monitorMemory;
-  resources_.cpuVisible = preferences.monitorCpu;
-  resources_.temperatureVisible = preferences.monitorTemperature;
-  resources_.refreshInterval = preferences.refreshInterval;
-  usageView_.setOrder(preferences.providerOrder);
-  awakeView_.load();
-  refresh();
-}
-
-void DashboardController::update(const ResourcesSample& sample) {
-  resources_.sample = sample;
-  refresh();
-}
-
-void DashboardController::updateProcesses(ProcessScan scan) {
-  resources_.processScan = std::move(scan);
-  refresh();
-}
-
-void DashboardController::updateTemperature(std::optional<double> celsius) {
-  resources_.temperature = temperatureLine(celsius);
-  refresh();
-}
-
-void DashboardController::selectTab(DashboardTab tab) {
-  selectedSegment_ = segmentOf(tab);
-  refresh();
-}
-
-void DashboardController::setActivityMonitorEnabled(bool enabled) {
-  resources_.activityMonitorEnabled = enabled;
-  refresh();
+void DashboardController::showProcesses(ProcessScan scan) {
+  processes_ = std::move(scan);
+  show();
 }
 
 void DashboardController::tabChanged(std::size_t index) {
-  selectedSegment_ = index;
-  refresh();
-  call(onTabChanged);
+  const auto order = sources_.settings.tabOrder();
+  tab_ = order[std::min(index, order.size() - 1)];
+  show();
 }
 
 void DashboardController::expandClicked() {
-  resources_.processLimit += kProcessLimitStep;
-  refresh();
-  call(onExpand);
+  processLimit_ += kProcessLimitStep;
+  show();
 }
 
 void DashboardController::collapseClicked() {
-  resources_.processLimit = kCollapsedProcessLimit;
-  refresh();
-  call(onExpand);
+  processLimit_ = kCollapsedProcessLimit;
+  show();
 }
 
-void DashboardController::settingsClicked() const { call(onSettings); }
-void DashboardController::quitClicked() const { call(onQuit); }
-void DashboardController::activityClicked() const { call(onActivityMonitor); }
-
-std::size_t DashboardController::segmentOf(DashboardTab tab) const {
-  const auto found = std::find(tabOrder_.begin(), tabOrder_.end(), tab);
-  return found == tabOrder_.end() ? 0 : static_cast<std::size_t>(found - tabOrder_.begin());
-}
-
-void DashboardController::refresh() {
-  const DashboardTab tab = selectedTab();
-  resources_.visible = tab == DashboardTab::memory;
-  const double height = pageHeight(tab, resources_);
+void DashboardController::show() {
+  const auto& settings = sources_.settings;
+  const ResourcesView resources{.readings = sources_.readings,
+                                .processes = processes_,
+                                .refreshInterval = settings.refreshInterval(),
+                                .visible = tab_ == DashboardTab::memory,
+                                .memoryEnabled = settings.monitorMemory(),
+                                .cpuEnabled = settings.monitorCpu(),
+                                .temperatureEnabled = settings.monitorTemperature(),
+                                .activityMonitorEnabled = activityMonitorEnabled_,
+                                .processLimit = processLimit_};
+  const double height = pageHeight(tab_, resources);
 
   DashboardContent content;
   content.size = {kWidth, height + kFooterHeight};
-  fillHeader(content, tabOrder_, std::min(selectedSegment_, tabOrder_.size() - 1));
-  fillResourcesPage(content, resources_);
-  content.usage = usageView_.content(tab == DashboardTab::ai);
-  content.awake = awakeView_.content(tab == DashboardTab::awake);
+  fillHeader(content, settings.tabOrder(), tab_);
+  fillResources(content, resources);
+  content.usage = usageContent(sources_, tab_ == DashboardTab::ai);
+  content.awake = awakeView_.content(tab_ == DashboardTab::awake);
   fillFooter(content, height);
 
   if (content == content_) return;
   content_ = std::move(content);
-  call(onContentChanged);
+  if (onContentChanged) onContentChanged();
 }
 
 }  // namespace nimbo

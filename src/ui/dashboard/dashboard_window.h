@@ -14,7 +14,7 @@
 namespace nimbo {
 
 /// What the user did with the controls of the Keep Awake page.
-struct AwakePageActions {
+struct AwakeActions {
   std::function<void()> startOrStop;
   std::function<void()> extend;
   std::function<void(std::size_t index)> selectDuration;
@@ -27,7 +27,7 @@ struct AwakePageActions {
 };
 
 /// What the user did with the controls of the AI page.
-struct UsagePageActions {
+struct UsageActions {
   std::function<void()> refresh;
   std::function<void()> configure;  ///< from below the cards and from a card without a reading
   std::function<void(UsageProvider provider)> openLink;
@@ -41,8 +41,8 @@ struct DashboardActions {
   std::function<void()> showLess;
   std::function<void()> openActivityMonitor;
   std::function<void()> quit;
-  AwakePageActions awake = {};
-  UsagePageActions usage = {};
+  AwakeActions awake = {};
+  UsageActions usage = {};
 };
 
 enum class Key { escape, other };

@@ -117,7 +117,7 @@ PanelAnchor cornerAnchor(const Screen& screen) {
   return {spanning(area, {visible.maxX(), visible.maxY(), 0, 0}, *edge), *edge, visible};
 }
 
-/// The screen that a report not believed in its detail still speaks for, else the one with a panel.
+/// The screen that the reported place is on, even where that place is no use otherwise; else one with a panel.
 const Screen& likelyScreen(const std::vector<Screen>& screens, const std::optional<Rect>& reported) {
   if (reported && !maybeRelative(center(*reported))) {
     if (const Screen* screen = screenAt(screens, center(*reported))) return *screen;

@@ -3,7 +3,9 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
+#include <utility>
 
 #include "base/size_text.h"
 
@@ -11,44 +13,66 @@ namespace nimbo {
 namespace {
 
 constexpr const char* kNoFigure = "—";
+constexpr TextStyle kFigureStyle{12, FontWeight::regular, ColorRole::label, TextAlignment::right, true};
 constexpr double kTemperatureHeight = 24;
 constexpr double kExpandedHeight = 87;
+constexpr double kProcessHeight = 29;
+constexpr const char* kProcessNoteToolTip =
+    "Includes compressed memory charged to each process. Helper processes are listed separately. Protected or exited "
+    "processes may be omitted. Process totals need not equal system memory used.";
 
-constexpr std::array<const char*, 5> kRowTitles{"App memory", "Wired", "Compressed", "Available", "Swap used"};
-constexpr std::array kRowColors{ColorRole::teal, ColorRole::indigo, ColorRole::orange, ColorRole::secondaryLabel,
-                                ColorRole::secondaryLabel};
-constexpr std::array<const char*, 5> kRowToolTips{
-    "", "", "",
-    "RAM available for use, including reclaimable cached files. This is more useful than counting only empty pages.",
-    "Memory stored on disk. Swap may remain allocated after pressure subsides."};
+struct MemoryRow {
+  const char* title;
+  ColorRole color;
+  const char* toolTip;
+  std::string (*text)(const MemorySnapshot& memory);
+};
+constexpr std::array kRows{
+    MemoryRow{"App memory", ColorRole::teal, "", [](const auto& memory) { return gigabytesText(memory.app); }},
+    MemoryRow{"Wired", ColorRole::indigo, "", [](const auto& memory) { return gigabytesText(memory.wired); }},
+    MemoryRow{"Compressed", ColorRole::orange, "", [](const auto& memory) { return gigabytesText(memory.compressed); }},
+    MemoryRow{"Available", ColorRole::secondaryLabel,
+              "RAM available for use, including reclaimable cached files. This is more useful than counting only empty "
+              "pages.",
+              [](const auto& memory) { return gigabytesText(memory.available()); }},
+    MemoryRow{"Swap used", ColorRole::secondaryLabel,
+              "Memory stored on disk. Swap may remain allocated after pressure subsides.",
+              [](const auto& memory) { return memory.swap ? gigabytesText(*memory.swap) : "Unavailable"; }},
+};
 
-double temperatureHeight(const ResourcesPage& page) { return page.temperatureVisible ? kTemperatureHeight : 0; }
+double temperatureHeight(const ResourcesView& view) { return view.temperatureEnabled ? kTemperatureHeight : 0; }
 
-bool expanded(const ResourcesPage& page) { return page.memoryEnabled && page.processLimit > kCollapsedProcessLimit; }
+bool expanded(const ResourcesView& view) { return view.memoryEnabled && view.processLimit > kCollapsedProcessLimit; }
 
-double expandedHeight(const ResourcesPage& page) { return expanded(page) ? kExpandedHeight : 0; }
+double expandedHeight(const ResourcesView& view) { return expanded(view) ? kExpandedHeight : 0; }
+
+bool memoryVisible(const ResourcesView& view) { return view.visible && view.memoryEnabled; }
 
 std::string percentText(double fraction) { return fmt::format("{:.0f}%", fraction * 100); }
 
 /// The reading to show; null when there is none or it cannot be trusted.
-const MemorySnapshot* shownMemory(const ResourcesPage& page) {
-  const auto& sample = page.sample;
-  if (!page.memoryEnabled || !sample || sample->memoryFailed || !sample->memory) return nullptr;
-  return &*sample->memory;
+const MemorySnapshot* shownMemory(const ResourcesView& view) {
+  const auto& readings = view.readings;
+  return view.memoryEnabled && readings.memory && !readings.memoryFailed ? &*readings.memory : nullptr;
 }
 
-std::optional<double> shownCpu(const ResourcesPage& page) { return page.sample ? page.sample->cpu : std::nullopt; }
-
-std::string heroText(const ResourcesPage& page) {
-  if (const auto* memory = shownMemory(page)) return percentText(memory->usedFraction());
-  const auto cpu = shownCpu(page);
-  return !page.memoryEnabled && cpu ? percentText(*cpu) : kNoFigure;
+bool awaitsFirstReading(const ResourcesView& view) {
+  return view.memoryEnabled && !view.readings.memory && !view.readings.memoryFailed;
 }
 
-std::string subtitleText(const ResourcesPage& page) {
-  if (!page.memoryEnabled) return "Total CPU utilization · all cores";
-  if (!page.sample) return "Reading memory…";
-  const auto* memory = shownMemory(page);
+const std::vector<double>& shownHistory(const ResourcesView& view) {
+  return view.memoryEnabled ? view.readings.memoryHistory : view.readings.cpuHistory;
+}
+
+std::string heroText(const ResourcesView& view) {
+  if (const auto* memory = shownMemory(view)) return percentText(memory->usedFraction());
+  return !view.memoryEnabled && view.readings.cpu ? percentText(*view.readings.cpu) : kNoFigure;
+}
+
+std::string subtitleText(const ResourcesView& view) {
+  if (!view.memoryEnabled) return "Total CPU utilization · all cores";
+  if (awaitsFirstReading(view)) return "Reading memory…";
+  const auto* memory = shownMemory(view);
   if (memory == nullptr) return "Memory unavailable. Retrying automatically…";
   return fmt::format("{} of {} used", gigabytesText(memory->used()), gigabytesText(memory->total));
 }
@@ -72,126 +96,140 @@ std::string pressureText(MemoryPressure pressure) {
   return fmt::format("● {} pressure", pressureWord(pressure));
 }
 
-std::array<std::string, 5> rowTexts(const ResourcesPage& page) {
-  const auto* memory = shownMemory(page);
-  if (memory == nullptr) return {kNoFigure, kNoFigure, kNoFigure, kNoFigure, kNoFigure};
-  return {gigabytesText(memory->app), gigabytesText(memory->wired), gigabytesText(memory->compressed),
-          gigabytesText(memory->available()), memory->swap ? gigabytesText(*memory->swap) : "Unavailable"};
+std::string timeText(const ResourcesView& view) {
+  if (awaitsFirstReading(view)) return "RECENT USAGE";
+  const auto samples = shownHistory(view).size();
+  const auto steps = samples == 0 ? 0 : samples - 1;
+  return fmt::format("RECENT USAGE · {}s", steps * static_cast<std::size_t>(view.refreshInterval.count()));
 }
 
-std::string timeText(const ResourcesPage& page) {
-  if (!page.sample) return "RECENT USAGE";
-  const auto& history = page.memoryEnabled ? page.sample->memoryHistory : page.sample->cpuHistory;
-  const auto steps = history.empty() ? 0 : history.size() - 1;
-  return fmt::format("RECENT USAGE · {}s", steps * static_cast<std::size_t>(page.sample->interval.count()));
-}
-
-void fillSummary(DashboardContent& content, const ResourcesPage& page) {
-  const auto* memory = shownMemory(page);
-  content.hero = {{18, 55, 302, 48}, {38, FontWeight::semibold, ColorRole::label, TextAlignment::left, true}};
-  content.hero.text = heroText(page);
-  content.subtitle = {{20, 108, 300, 18}, {12, FontWeight::regular, ColorRole::secondaryLabel}, subtitleText(page)};
-
-  const auto pressure = memory != nullptr ? memory->pressure : MemoryPressure::unknown;
-  content.pressure = {{174, 210, 146, 16},
-                      {11, FontWeight::medium, pressureColor(pressure), TextAlignment::right},
-                      memory != nullptr ? pressureText(pressure) : std::string()};
-  content.time = {{20, 211, 154, 14}, {9, FontWeight::medium, ColorRole::tertiaryLabel}, timeText(page)};
-  content.hero.visible = content.subtitle.visible = content.time.visible = page.visible;
-  content.pressure.visible = page.visible && page.memoryEnabled;
-}
-
-void fillCharts(DashboardContent& content, const ResourcesPage& page) {
-  content.history = {{20, 146, 300, 56}, {}, ColorRole::teal, "Memory history", page.visible};
-  if (!page.memoryEnabled) {
-    content.history.tint = ColorRole::blue;
-    content.history.accessibleName = "CPU history";
-  }
-  if (page.sample) {
-    content.history.history = page.memoryEnabled ? page.sample->memoryHistory : page.sample->cpuHistory;
-  }
-
-  content.breakdown = {{20, 243, 300, 8}, {}, "Memory breakdown", page.visible && page.memoryEnabled};
-  if (const auto* memory = shownMemory(page)) content.breakdown.snapshot = *memory;
-}
-
-void fillRows(DashboardContent& content, const ResourcesPage& page) {
-  const auto texts = rowTexts(page);
-  const bool visible = page.visible && page.memoryEnabled;
-  for (std::size_t row = 0; row < texts.size(); ++row) {
-    const double y = 264 + 23 * static_cast<double>(row);
-    content.rows[row].title = {
-        {20, y, 160, 18}, {12, FontWeight::regular, kRowColors[row]}, kRowTitles[row], kRowToolTips[row], visible};
-    content.rows[row].value = {{190, y, 130, 18},
-                               {12, FontWeight::regular, ColorRole::label, TextAlignment::right, true},
-                               texts[row],
-                               kRowToolTips[row],
-                               visible};
-  }
-}
-
-void fillSensorLines(DashboardContent& content, const ResourcesPage& page) {
-  const TextStyle style{11, FontWeight::medium, ColorRole::secondaryLabel, TextAlignment::left, true};
-  const auto cpu = shownCpu(page);
-  content.cpu = {{20, 389, 300, 18}, style};
-  content.cpu.text = "CPU  " + (cpu ? percentText(*cpu) + " utilized" : std::string("Measuring…"));
-  content.cpu.visible = page.visible && page.memoryEnabled && page.cpuVisible;
-
-  content.temperature = {{20, page.memoryEnabled ? 411.0 : 239.0, 300, 18}, style, page.temperature};
-  content.temperature.visible = page.visible && page.temperatureVisible;
-}
-
-void fillProcesses(DashboardContent& content, const ResourcesPage& page) {
-  const double t = temperatureHeight(page);
-  const double e = expandedHeight(page);
-  const bool visible = page.visible && page.memoryEnabled;
-
-  content.processTitle = {{20, 422 + t, 130, 15}, {10, FontWeight::semibold, ColorRole::secondaryLabel}};
-  content.processTitle.text = processListTitle(page.processScan, page.processLimit);
-  content.processTitle.visible = visible;
-  content.lessButton = {"less", {157, 418 + t, 72, 22}, ButtonLook::rounded, 11, "Show less"};
-  content.lessButton.visible = visible && expanded(page);
-  content.moreButton = {"more", {230, 418 + t, 93, 22}, ButtonLook::rounded, 11, "Show more"};
-  content.moreButton.visible = visible;
-  content.moreButton.enabled = page.processLimit < page.processScan.processes.size();
-  content.processes = processList(page.processScan, page.processLimit);
-  content.processes.frame = {20, 444 + t, 300, 87 + e};
-  content.processes.visible = visible;
-  content.processNote = {{20, 538 + e + t, 300, 14}, {9, FontWeight::regular, ColorRole::tertiaryLabel}};
-  content.processNote.text = processListNote(page.processScan);
-  content.processNote.toolTip = kProcessNoteToolTip;
-  content.processNote.visible = visible;
-}
-
-void fillLastLine(DashboardContent& content, const ResourcesPage& page) {
-  const double height = resourcesPageHeight(page);
-  content.footer = {{20, height - 26, 170, 16}, {10, FontWeight::regular, ColorRole::tertiaryLabel}};
-  if (page.refreshInterval) content.footer.text = fmt::format("Updates every {}s", page.refreshInterval->count());
-  content.footer.visible = page.visible;
-  content.activityButton = {"activity", {194, height - 30, 130, 22}, ButtonLook::inlined, 11, "Activity Monitor ↗"};
-  content.activityButton.accessibleName = "Activity Monitor";
-  content.activityButton.visible = page.visible;
-  content.activityButton.enabled = page.activityMonitorEnabled;
-}
-
-}  // namespace
-
-std::string temperatureLine(std::optional<double> celsius) {
+std::string temperatureText(std::optional<double> celsius) {
   if (!celsius) return "CPU temperature unavailable on this Mac";
   return fmt::format("CPU temperature  {:.0f}°C · hottest sensor", *celsius);
 }
 
-double resourcesPageHeight(const ResourcesPage& page) {
-  return (page.memoryEnabled ? 596 : 278) + expandedHeight(page) + temperatureHeight(page);
+LabelContent label(const Rect& frame, const TextStyle& style, std::string text, bool visible,
+                   const char* toolTip = "") {
+  return {frame, style, std::move(text), toolTip, visible};
 }
 
-void fillResourcesPage(DashboardContent& content, const ResourcesPage& page) {
-  fillSummary(content, page);
-  fillCharts(content, page);
-  fillRows(content, page);
-  fillSensorLines(content, page);
-  fillProcesses(content, page);
-  fillLastLine(content, page);
+ButtonContent button(const char* identifier, const Rect& frame, ButtonLook look, const char* title, bool visible,
+                     bool enabled = true) {
+  ButtonContent content{identifier, frame, look, 11, title};
+  content.visible = visible;
+  content.enabled = enabled;
+  return content;
+}
+
+void fillSummary(DashboardContent& content, const ResourcesView& view) {
+  const auto* memory = shownMemory(view);
+  const auto pressure = memory != nullptr ? memory->pressure : MemoryPressure::unknown;
+  content.hero = label({18, 55, 302, 48}, {38, FontWeight::semibold, ColorRole::label, TextAlignment::left, true},
+                       heroText(view), view.visible);
+  content.subtitle =
+      label({20, 108, 300, 18}, {12, FontWeight::regular, ColorRole::secondaryLabel}, subtitleText(view), view.visible);
+  content.pressure = label({174, 210, 146, 16}, {11, FontWeight::medium, pressureColor(pressure), TextAlignment::right},
+                           memory != nullptr ? pressureText(pressure) : "", memoryVisible(view));
+  content.time =
+      label({20, 211, 154, 14}, {9, FontWeight::medium, ColorRole::tertiaryLabel}, timeText(view), view.visible);
+}
+
+void fillCharts(DashboardContent& content, const ResourcesView& view) {
+  content.history = {{20, 146, 300, 56}, shownHistory(view), ColorRole::teal, "Memory history", view.visible};
+  if (!view.memoryEnabled) {
+    content.history.tint = ColorRole::blue;
+    content.history.accessibleName = "CPU history";
+  }
+  content.breakdown = {{20, 243, 300, 8}, {}, "Memory breakdown", memoryVisible(view)};
+  if (const auto* memory = shownMemory(view)) content.breakdown.snapshot = *memory;
+}
+
+void fillRows(DashboardContent& content, const ResourcesView& view) {
+  const auto* memory = shownMemory(view);
+  for (std::size_t index = 0; index < kRows.size(); ++index) {
+    const auto& row = kRows[index];
+    const double y = 264 + 23 * static_cast<double>(index);
+    content.rows[index] = {
+        label({20, y, 160, 18}, {12, FontWeight::regular, row.color}, row.title, memoryVisible(view), row.toolTip),
+        label({190, y, 130, 18}, kFigureStyle, memory != nullptr ? row.text(*memory) : kNoFigure, memoryVisible(view),
+              row.toolTip)};
+  }
+}
+
+void fillSensorLines(DashboardContent& content, const ResourcesView& view) {
+  const TextStyle style{11, FontWeight::medium, ColorRole::secondaryLabel, TextAlignment::left, true};
+  const auto cpu = view.readings.cpu;
+  content.cpu = label({20, 389, 300, 18}, style, cpu ? "CPU  " + percentText(*cpu) + " utilized" : "CPU  Measuring…",
+                      memoryVisible(view) && view.cpuEnabled);
+  content.temperature = label({20, view.memoryEnabled ? 411.0 : 239.0, 300, 18}, style,
+                              temperatureText(view.readings.temperature), view.visible && view.temperatureEnabled);
+}
+
+std::size_t shownProcesses(const ResourcesView& view) {
+  return std::min(view.processLimit, view.processes.processes.size());
+}
+
+std::string processNoteText(int unreadable) {
+  if (unreadable < 1) return "Physical footprint · individual processes";
+  return fmt::format("Physical footprint · {} inaccessible/exited", unreadable);
+}
+
+std::vector<LabelContent> processLabels(const ResourcesView& view) {
+  const std::size_t shown = shownProcesses(view);
+  if (shown == 0) {
+    return {{{0, 7, 285, 18}, {12, FontWeight::regular, ColorRole::secondaryLabel}, "No readable processes yet"}};
+  }
+  std::vector<LabelContent> labels;
+  for (std::size_t row = 0; row < shown; ++row) {
+    const auto& [pid, name, bytes] = view.processes.processes[row];
+    const double y = 5 + kProcessHeight * static_cast<double>(row);
+    labels.push_back({{0, y, 200, 19}, {12, FontWeight::medium}, name, fmt::format("{} · PID {}", name, pid)});
+    labels.push_back({{201, y, 83, 19}, kFigureStyle, footprintText(bytes)});
+  }
+  return labels;
+}
+
+void fillProcesses(DashboardContent& content, const ResourcesView& view) {
+  const double t = temperatureHeight(view);
+  const double e = expandedHeight(view);
+  const bool visible = memoryVisible(view);
+  const auto shown = shownProcesses(view);
+  const double height = kProcessHeight * static_cast<double>(std::max<std::size_t>(shown, 1));
+
+  content.processTitle =
+      label({20, 422 + t, 130, 15}, {10, FontWeight::semibold, ColorRole::secondaryLabel},
+            fmt::format("TOP {} PROCESSES", expanded(view) ? shown : kCollapsedProcessLimit), visible);
+  content.lessButton =
+      button("less", {157, 418 + t, 72, 22}, ButtonLook::rounded, "Show less", visible && expanded(view));
+  content.moreButton = button("more", {230, 418 + t, 93, 22}, ButtonLook::rounded, "Show more", visible,
+                              view.processLimit < view.processes.processes.size());
+  content.processes = {{20, 444 + t, 300, 87 + e}, {300, height}, processLabels(view), visible};
+  content.processNote = label({20, 538 + e + t, 300, 14}, {9, FontWeight::regular, ColorRole::tertiaryLabel},
+                              processNoteText(view.processes.unreadable), visible, kProcessNoteToolTip);
+}
+
+void fillLastLine(DashboardContent& content, const ResourcesView& view) {
+  const double height = resourcesHeight(view);
+  content.footer = label({20, height - 26, 170, 16}, {10, FontWeight::regular, ColorRole::tertiaryLabel},
+                         fmt::format("Updates every {}s", view.refreshInterval.count()), view.visible);
+  content.activityButton = button("activity", {194, height - 30, 130, 22}, ButtonLook::inlined, "Activity Monitor ↗",
+                                  view.visible, view.activityMonitorEnabled);
+  content.activityButton.accessibleName = "Activity Monitor";
+}
+
+}  // namespace
+
+double resourcesHeight(const ResourcesView& view) {
+  return (view.memoryEnabled ? 596 : 278) + expandedHeight(view) + temperatureHeight(view);
+}
+
+void fillResources(DashboardContent& content, const ResourcesView& view) {
+  fillSummary(content, view);
+  fillCharts(content, view);
+  fillRows(content, view);
+  fillSensorLines(content, view);
+  fillProcesses(content, view);
+  fillLastLine(content, view);
 }
 
 }  // namespace nimbo

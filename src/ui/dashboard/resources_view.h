@@ -3,48 +3,32 @@
 
 #include <chrono>
 #include <cstddef>
-#include <optional>
-#include <string>
-#include <vector>
 
-#include "system/memory_snapshot.h"
 #include "system/process_scan.h"
+#include "system/system_readings.h"
 #include "ui/dashboard/dashboard_content.h"
-#include "ui/dashboard/process_list_view.h"
 
 namespace nimbo {
 
-/// One tick's readings and the history that they end.
-struct ResourcesSample {
-  std::optional<MemorySnapshot> memory;
-  std::optional<double> cpu;  ///< 0…1
-  std::vector<double> memoryHistory;
-  std::vector<double> cpuHistory;
-  std::chrono::seconds interval{5};
-  bool memoryFailed = false;
-};
+inline constexpr std::size_t kCollapsedProcessLimit = 3;
 
-/// What the dashboard's resources page knows.
-struct ResourcesPage {
-  bool visible = false;
+/// What the resources page is made of.
+struct ResourcesView {
+  const SystemReadings& readings;
+  const ProcessScan& processes;
+  std::chrono::seconds refreshInterval{5};
+  bool visible = true;  ///< all of it is hidden on the other pages
   bool memoryEnabled = true;
-  bool cpuVisible = false;
-  bool temperatureVisible = false;
+  bool cpuEnabled = false;
+  bool temperatureEnabled = false;
   bool activityMonitorEnabled = true;
-  std::optional<std::chrono::seconds> refreshInterval;  ///< absent before settings were applied
-  std::optional<ResourcesSample> sample;                ///< absent before the first one
-  std::string temperature;                              ///< the finished line
-  ProcessScan processScan;
   std::size_t processLimit = kCollapsedProcessLimit;  ///< rows shown
 };
 
-/// The line for a temperature in degrees Celsius or for none.
-[[nodiscard]] std::string temperatureLine(std::optional<double> celsius);
-
 /// Points, without the footer below every page.
-[[nodiscard]] double resourcesPageHeight(const ResourcesPage& page);
+[[nodiscard]] double resourcesHeight(const ResourcesView& view);
 
 /// Sets the fields of `content` that belong to the page, hidden ones included.
-void fillResourcesPage(DashboardContent& content, const ResourcesPage& page);
+void fillResources(DashboardContent& content, const ResourcesView& view);
 
 }  // namespace nimbo

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <utility>
 
 #include "usage/usage_status.h"
 
@@ -17,7 +16,7 @@ constexpr double kCardGap = 10;
 constexpr double kRowHeight = 58;
 constexpr double kVisibleHeight = 371;
 constexpr double kStaleAlpha = 0.45;
-constexpr const char* kDefaultNote = "Updates every 5 minutes · hover for countdowns";
+constexpr const char* kNote = "Updates every 5 minutes · hover for countdowns";
 
 const TextStyle kSecondaryText{11, FontWeight::regular, ColorRole::secondaryLabel};
 
@@ -101,27 +100,17 @@ bool anyState(const UsageStates& states, bool UsageState::*flag) {
 
 }  // namespace
 
-void UsageView::update(const UsageStates& states, const std::optional<std::string>& note) {
-  states_ = states;
-  note_ = note;
-  if (onContentChanged) onContentChanged();
-}
-
-void UsageView::setOrder(std::vector<UsageProvider> order) {
-  order_ = std::move(order);
-  if (onContentChanged) onContentChanged();
-}
-
-UsagePageContent UsageView::content(bool visible) const {
+UsageContent usageContent(const DashboardSources& sources, bool visible) {
   static const UsageState kUnknown;
-  UsagePageContent content;
-  const auto now = clock_.now();
+  const auto& states = sources.usage;
+  const auto now = sources.clock.now();
+  UsageContent content;
   double y = 0;
-  for (const auto provider : order_) {
-    const auto found = states_.find(provider);
-    const auto& state = found == states_.end() ? kUnknown : found->second;
+  for (const auto provider : sources.settings.providerOrder()) {
+    const auto found = states.find(provider);
+    const auto& state = found == states.end() ? kUnknown : found->second;
     content.cards.push_back(
-        cardFor({provider, state, now, dates_, isStale(state, now), statusLine(state, now, dates_)}, y));
+        cardFor({provider, state, now, sources.dates, isStale(state, now), statusLine(state, now, sources.dates)}, y));
     y += content.cards.back().frame.height + kCardGap;
   }
   content.scroll = {20, kPageTop + 6, 306, kVisibleHeight};
@@ -130,12 +119,11 @@ UsagePageContent UsageView::content(bool visible) const {
   content.refresh = {"refresh", {16, kPageTop + 388, 95, 28}, ButtonLook::rounded, 13, "Refresh"};
   content.refresh.toolTip =
       "Read the latest limits and reset times. Claude Code is checked first, then Claude Desktop.";
-  content.refresh.enabled = anyState(states_, &UsageState::enabled);
+  content.refresh.enabled = anyState(states, &UsageState::enabled);
   content.progress = {{119, kPageTop + 393, 90, 18}, kSecondaryText};
-  if (anyState(states_, &UsageState::isRefreshing)) content.progress.text = "Refreshing…";
+  if (anyState(states, &UsageState::isRefreshing)) content.progress.text = "Refreshing…";
   content.configure = {"configure", {216, kPageTop + 390, 110, 24}, ButtonLook::inlined, 12, "Configure…"};
-  const std::string note = note_.value_or(kDefaultNote);
-  content.note = {{20, kPageTop + 421, 300, 18}, {10, FontWeight::regular, ColorRole::tertiaryLabel}, note, note};
+  content.note = {{20, kPageTop + 421, 300, 18}, {10, FontWeight::regular, ColorRole::tertiaryLabel}, kNote, kNote};
   content.visible = visible;
   return content;
 }

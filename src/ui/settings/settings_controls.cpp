@@ -4,9 +4,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
 #include <chrono>
-#include <iterator>
 #include <span>
 
 #include "settings/dashboard_tab.h"
@@ -17,114 +15,92 @@ namespace {
 using enum SettingsChange::Kind;
 using Items = std::vector<SettingsChoiceItem>;
 
-// What a row of the tables reads and writes, made of the store's own getters and setters.
-
-template <auto getter>
-bool isOn(const Settings& settings) {
-  return (settings.*getter)();
+SettingsCheck providerCheck(std::string_view identifier, const char* title, UsageProvider provider) {
+  return {identifier, title, [provider](const Settings& settings) { return settings.usageEnabled(provider); },
+          [provider](Settings& settings, bool on) { settings.setUsageEnabled(provider, on); }, usage};
 }
 
-template <auto setter>
-void write(Settings& settings, bool on) {
-  (settings.*setter)(on);
+// Switching a readout of the menu bar on or off ends the single-icon mode, which would hide it.
+
+void writeMenuAi(Settings& settings, bool on) {
+  settings.setMenuAi(on);
+  settings.setCompactMenuBar(false);
 }
 
-template <UsageProvider provider>
-bool isUsed(const Settings& settings) {
-  return settings.usageEnabled(provider);
-}
-
-template <UsageProvider provider>
-void use(Settings& settings, bool on) {
-  settings.setUsageEnabled(provider, on);
-}
-
-template <auto getter>
-std::int64_t tag(const Settings& settings) {
-  return (settings.*getter)();
-}
-
-template <auto setter>
-void writeTag(Settings& settings, std::int64_t tag) {
-  (settings.*setter)(static_cast<int>(tag));
-}
-
-/// A choice between a switch that is on (0) and off (1).
-template <auto getter>
-std::int64_t onOrOff(const Settings& settings) {
-  return (settings.*getter)() ? 0 : 1;
-}
-
-template <auto setter>
-void writeOnOrOff(Settings& settings, std::int64_t tag) {
-  (settings.*setter)(tag == 0);
-}
-
-template <auto getter>
-std::int64_t seconds(const Settings& settings) {
-  return (settings.*getter)().count();
-}
-
-template <auto setter>
-void writeSeconds(Settings& settings, std::int64_t tag) {
-  (settings.*setter)(std::chrono::seconds(tag));
-}
-
-// What a check box entails.
-
-void endRotation(Settings& settings, bool on) {
-  if (on) settings.setMenuRotation(false);
-}
-
-void leaveSingleIcon(Settings& settings, bool on) {
-  if (on) settings.setCompactMenuBar(false);
-}
-
-/// Whoever picks what to see does not want the icon alone.
-void showReadouts(Settings& settings, bool /*on*/) { settings.setCompactMenuBar(false); }
-
-void showMemory(Settings& settings, bool on) {
+void writeMenuMemory(Settings& settings, bool on) {
+  settings.setMenuMemory(on);
   settings.setCompactMenuBar(false);
   // A memory item without memory readings would stay empty.
   if (on) settings.setMonitorMemory(true);
 }
 
-constexpr std::array kChecks{
-    SettingsCheck{"memory", "Memory", isOn<&Settings::monitorMemory>, write<&Settings::setMonitorMemory>, nullptr,
-                  monitors},
-    SettingsCheck{"cpu", "CPU", isOn<&Settings::monitorCpu>, write<&Settings::setMonitorCpu>, nullptr, monitors},
-    SettingsCheck{"temperature", "CPU temperature", isOn<&Settings::monitorTemperature>,
-                  write<&Settings::setMonitorTemperature>, nullptr, monitors},
-    SettingsCheck{"compact", "Single app icon (hide all readouts)", isOn<&Settings::compactMenuBar>,
-                  write<&Settings::setCompactMenuBar>, endRotation, presentation},
-    SettingsCheck{"menuRotation", "Rotate selected readouts in one icon", isOn<&Settings::menuRotation>,
-                  write<&Settings::setMenuRotation>, leaveSingleIcon, presentation},
-    SettingsCheck{"menuAI", "AI", isOn<&Settings::menuAi>, write<&Settings::setMenuAi>, showReadouts, presentation},
-    SettingsCheck{"menuMemory", "Mem", isOn<&Settings::menuMemory>, write<&Settings::setMenuMemory>, showMemory,
-                  presentation},
-    SettingsCheck{"menuAwake", "Awake", isOn<&Settings::menuAwake>, write<&Settings::setMenuAwake>, showReadouts,
-                  presentation},
-    SettingsCheck{"display", "Keep display on too", isOn<&Settings::awakeDisplayOn>,
-                  write<&Settings::setAwakeDisplayOn>, nullptr, display},
-    SettingsCheck{"power", "Only while connected to power", isOn<&Settings::awakeOnlyOnPower>,
-                  write<&Settings::setAwakeOnlyOnPower>, nullptr, awakeRules},
-    SettingsCheck{"codex", "OpenAI · Codex", isUsed<UsageProvider::codex>, use<UsageProvider::codex>, nullptr, usage},
-    SettingsCheck{"claude", "Anthropic · Claude", isUsed<UsageProvider::claude>, use<UsageProvider::claude>, nullptr,
-                  usage},
-};
-
-std::int64_t quotas(const Settings& settings) {
-  // Whatever else is stored counts as the weekly limit.
-  return settings.aiMenuWindows() == 0 ? 0 : 1;
+void writeMenuAwake(Settings& settings, bool on) {
+  settings.setMenuAwake(on);
+  settings.setCompactMenuBar(false);
 }
 
-std::int64_t firstProvider(const Settings& settings) { return settings.claudeFirst() ? 1 : 0; }
+// Rotation and the single-icon mode exclude each other.
 
-void writeFirstProvider(Settings& settings, std::int64_t tag) {
-  auto order = std::to_array({UsageProvider::codex, UsageProvider::claude});
-  if (tag == 1) std::ranges::reverse(order);
-  settings.setProviderOrder(order);
+void writeCompact(Settings& settings, bool on) {
+  settings.setCompactMenuBar(on);
+  if (on) settings.setMenuRotation(false);
 }
+
+void writeRotation(Settings& settings, bool on) {
+  settings.setMenuRotation(on);
+  if (on) settings.setCompactMenuBar(false);
+}
+
+std::vector<SettingsCheck> makeChecks() {
+  using S = Settings;
+  return {
+      {"memory", "Memory", &S::monitorMemory, &S::setMonitorMemory, monitors},
+      {"cpu", "CPU", &S::monitorCpu, &S::setMonitorCpu, monitors},
+      {"temperature", "CPU temperature", &S::monitorTemperature, &S::setMonitorTemperature, monitors},
+      {"compact", "Single app icon (hide all readouts)", &S::compactMenuBar, writeCompact, presentation},
+      {"menuRotation", "Rotate selected readouts in one icon", &S::menuRotation, writeRotation, presentation},
+      {"menuAI", "AI", &S::menuAi, writeMenuAi, presentation},
+      {"menuMemory", "Mem", &S::menuMemory, writeMenuMemory, presentation},
+      {"menuAwake", "Awake", &S::menuAwake, writeMenuAwake, presentation},
+      {"display", "Keep display on too", &S::awakeDisplayOn, &S::setAwakeDisplayOn, display},
+      {"power", "Only while connected to power", &S::awakeOnlyOnPower, &S::setAwakeOnlyOnPower, awakeRules},
+      providerCheck("codex", "OpenAI · Codex", UsageProvider::codex),
+      providerCheck("claude", "Anthropic · Claude", UsageProvider::claude),
+  };
+}
+
+/// A choice between a switch that is on, the first item, and off.
+SettingsChoice switchChoice(std::string_view identifier, const char* label, const char* on, const char* off,
+                            bool (Settings::*isOn)() const, void (Settings::*write)(bool),
+                            SettingsChange::Kind change) {
+  return {identifier,
+          label,
+          {{on, 0}, {off, 1}},
+          [isOn](const Settings& settings) { return (settings.*isOn)() ? 0 : 1; },
+          [write](Settings& settings, std::int64_t tag) { (settings.*write)(tag == 0); },
+          change};
+}
+
+SettingsChoice intervalChoice(std::string_view identifier, const char* label, std::span<const std::int64_t> offered,
+                              std::chrono::seconds (Settings::*interval)() const,
+                              void (Settings::*write)(std::chrono::seconds), SettingsChange::Kind change) {
+  Items items;
+  for (const auto seconds : offered) {
+    const auto title = seconds < 60    ? fmt::format("{} seconds", seconds)
+                       : seconds == 60 ? "1 minute"
+                                       : fmt::format("{} minutes", seconds / 60);
+    items.push_back({title, seconds});
+  }
+  return {identifier,
+          label,
+          items,
+          [interval](const Settings& settings) { return (settings.*interval)().count(); },
+          [write](Settings& settings, std::int64_t tag) { (settings.*write)(std::chrono::seconds(tag)); },
+          change};
+}
+
+// Whatever else is stored counts as the weekly limit.
+std::int64_t quotas(const Settings& settings) { return settings.aiMenuWindows() == 0 ? 0 : 1; }
 
 std::int64_t tabOrder(const Settings& settings) {
   const auto orders = offeredTabOrders();
@@ -133,19 +109,6 @@ std::int64_t tabOrder(const Settings& settings) {
 
 void writeTabOrder(Settings& settings, std::int64_t tag) {
   settings.setTabOrder(offeredTabOrders().at(static_cast<std::size_t>(tag)));
-}
-
-std::string durationTitle(std::int64_t seconds) {
-  if (seconds < 60) return fmt::format("{} seconds", seconds);
-  return seconds == 60 ? "1 minute" : fmt::format("{} minutes", seconds / 60);
-}
-
-std::string floorTitle(std::int64_t percent) { return percent == 0 ? "Never" : fmt::format("{}%", percent); }
-
-Items itemsFor(std::span<const std::int64_t> tags, std::string (*title)(std::int64_t tag)) {
-  Items items;
-  for (const auto tag : tags) items.push_back({title(tag), tag});
-  return items;
 }
 
 Items tabOrderItems() {
@@ -161,53 +124,47 @@ Items tabOrderItems() {
   return items;
 }
 
+Items floorItems() {
+  Items items;
+  for (const auto percent : kBatteryFloors) {
+    items.push_back({percent == 0 ? "Never" : fmt::format("{}%", percent), percent});
+  }
+  return items;
+}
+
 std::vector<SettingsChoice> makeChoices() {
+  using S = Settings;
   return {
       {"preset",
        "Show",
        {{"All", 0}, {"AI only", 1}, {"Mem only", 2}, {"Awake only", 3}, {"Custom", 4}},
-       tag<&Settings::menuPreset>,
-       writeTag<&Settings::setMenuPreset>,
+       &S::menuPreset,
+       &S::setMenuPreset,
        monitors},
-      {"menuRotationInterval", "Rotate every", itemsFor(kRotationIntervals, durationTitle),
-       seconds<&Settings::menuRotationInterval>, writeSeconds<&Settings::setMenuRotationInterval>, presentation},
-      {"aiWindows",
-       "AI menu bar quotas",
-       {{"5-hour", 0}, {"Weekly", 1}},
-       quotas,
-       writeTag<&Settings::setAiMenuWindows>,
-       presentation},
-      {"aiFill",
-       "AI menu bar fill",
-       {{"Remaining", 0}, {"Used", 1}},
-       onOrOff<&Settings::aiMenuRemaining>,
-       writeOnOrOff<&Settings::setAiMenuRemaining>,
-       presentation},
+      intervalChoice("menuRotationInterval", "Rotate every", kRotationIntervals, &S::menuRotationInterval,
+                     &S::setMenuRotationInterval, presentation),
+      {"aiWindows", "AI menu bar quotas", {{"5-hour", 0}, {"Weekly", 1}}, quotas, &S::setAiMenuWindows, presentation},
+      switchChoice("aiFill", "AI menu bar fill", "Remaining", "Used", &S::aiMenuRemaining, &S::setAiMenuRemaining,
+                   presentation),
       {"providers",
        "Subscription order",
        {{"Codex → Claude", 0}, {"Claude → Codex", 1}},
-       firstProvider,
-       writeFirstProvider,
+       &S::claudeFirst,
+       &S::setClaudeFirst,
        presentation},
       {"tabOrder", "Tab order", tabOrderItems(), tabOrder, writeTabOrder, presentation},
-      {"memoryStyle",
-       "Memory icon",
-       {{"History chart", 0}, {"Usage bar", 1}},
-       onOrOff<&Settings::showChart>,
-       writeOnOrOff<&Settings::setShowChart>,
-       appearance},
-      {"interval", "Refresh interval", itemsFor(kRefreshIntervals, durationTitle), seconds<&Settings::refreshInterval>,
-       writeSeconds<&Settings::setRefreshInterval>, interval},
-      {"battery", "Stop on battery at", itemsFor(kBatteryFloors, floorTitle), tag<&Settings::awakeBatteryFloor>,
-       writeTag<&Settings::setAwakeBatteryFloor>, awakeRules},
+      switchChoice("memoryStyle", "Memory icon", "History chart", "Usage bar", &S::showChart, &S::setShowChart,
+                   appearance),
+      intervalChoice("interval", "Refresh interval", kRefreshIntervals, &S::refreshInterval, &S::setRefreshInterval,
+                     interval),
+      {"battery", "Stop on battery at", floorItems(), &S::awakeBatteryFloor, &S::setAwakeBatteryFloor, awakeRules},
   };
 }
 
-template <class Controls>
-auto* find(const Controls& controls, std::string_view identifier) {
-  const auto found = std::find_if(std::begin(controls), std::end(controls),
-                                  [identifier](const auto& control) { return control.identifier == identifier; });
-  return found == std::end(controls) ? nullptr : &*found;
+template <class Control>
+const Control* find(const std::vector<Control>& controls, std::string_view identifier) {
+  const auto found = std::ranges::find(controls, identifier, &Control::identifier);
+  return found == controls.end() ? nullptr : &*found;
 }
 
 }  // namespace
@@ -217,7 +174,10 @@ std::size_t SettingsChoice::selected(const Settings& settings) const {
   return found == items.end() ? 0 : static_cast<std::size_t>(found - items.begin());
 }
 
-const SettingsCheck* settingsCheck(std::string_view identifier) { return find(kChecks, identifier); }
+const SettingsCheck* settingsCheck(std::string_view identifier) {
+  static const std::vector<SettingsCheck> checks = makeChecks();
+  return find(checks, identifier);
+}
 
 const SettingsChoice* settingsChoice(std::string_view identifier) {
   static const std::vector<SettingsChoice> choices = makeChoices();

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -11,7 +12,7 @@
 
 namespace nimbo {
 
-/// What a written setting concerns, so that only that is applied anew.
+/// The part of the program that a changed setting concerns, so that only that part applies it.
 struct SettingsChange {
   enum class Kind { display, monitors, appearance, interval, usage, awakeRules, presentation };
 
@@ -24,9 +25,8 @@ struct SettingsChange {
 struct SettingsCheck {
   std::string_view identifier;
   const char* title;
-  bool (*isOn)(const Settings& settings);
-  void (*write)(Settings& settings, bool on);
-  void (*also)(Settings& settings, bool on);  ///< after `write`: what the choice entails; null for nothing
+  std::function<bool(const Settings& settings)> isOn;
+  std::function<void(Settings& settings, bool on)> write;
   SettingsChange::Kind change;
 };
 
@@ -36,13 +36,13 @@ struct SettingsChoiceItem {
   bool operator==(const SettingsChoiceItem&) const = default;
 };
 
-/// A pop-up that stands for a stored setting. Always offers the tag that is stored.
+/// A pop-up that stands for a stored setting: one of its items has the tag that is stored.
 struct SettingsChoice {
   std::string_view identifier;
   const char* label;
   std::vector<SettingsChoiceItem> items;
-  std::int64_t (*tag)(const Settings& settings);
-  void (*write)(Settings& settings, std::int64_t tag);
+  std::function<std::int64_t(const Settings& settings)> tag;
+  std::function<void(Settings& settings, std::int64_t tag)> write;
   SettingsChange::Kind change;
 
   [[nodiscard]] std::size_t selected(const Settings& settings) const;

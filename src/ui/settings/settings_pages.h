@@ -8,24 +8,24 @@
 #include "platform/bundle_info.h"
 #include "platform/login_item.h"
 #include "settings/settings.h"
-#include "ui/settings/settings_window_content.h"
+#include "ui/settings/settings_window.h"
 
 namespace nimbo {
 
-/// In the order of the tabs.
-enum class SettingsPage { general, monitors, usage, awake };
-inline constexpr std::size_t kSettingsPageCount = 4;
+/// From left to right.
+enum class SettingsTab { general, monitors, usage, awake };
+inline constexpr std::size_t kSettingsTabCount = 4;
 
-/// What the settings window shows; what is referred to is read at once.
+/// What the settings window shows.
 struct SettingsFacts {
   const Settings& settings;
+  const BundleInfo& bundle;
   LoginItemStatus loginStatus = LoginItemStatus::notRegistered;
   bool automaticUpdates = false;
-  const BundleInfo& bundle;
-  const std::optional<std::string>& widgetMessage;  ///< why the widgets get nothing
+  std::optional<std::string> widgetMessage;  ///< why the widgets get nothing
 };
 
-/// The whole window with one of its pages in front.
-[[nodiscard]] SettingsWindowContent settingsWindowContent(const SettingsFacts& facts, std::size_t selectedPage);
+/// The whole window with the page of one tab in front.
+[[nodiscard]] SettingsWindowContent settingsWindowContent(const SettingsFacts& facts, std::size_t selectedTab);
 
 }  // namespace nimbo

@@ -6,73 +6,66 @@
 #include <string_view>
 #include <utility>
 
-#include "ui/settings/settings_pages.h"
-
 namespace nimbo {
 namespace {
 
-/// A control that stands for no stored setting: its owner knows what to do.
+using Callbacks = SettingsWindowController::Callbacks;
+
+/// A control that stands for no stored setting; the owner does what it asks for.
 struct Request {
   std::string_view identifier;
-  std::function<void()> SettingsWindowController::*callback;
+  std::function<void()> Callbacks::*callback;
 };
 constexpr std::array kRequests{
-    Request{"login", &SettingsWindowController::onLogin},
-    Request{"updates", &SettingsWindowController::onToggleAutomaticUpdates},
-    Request{"checkUpdates", &SettingsWindowController::onCheckUpdates},
-    Request{"enableClaudeDesktop", &SettingsWindowController::onEnableClaudeDesktop},
+    Request{"login", &Callbacks::toggleLogin},
+    Request{"updates", &Callbacks::toggleAutomaticUpdates},
+    Request{"checkUpdates", &Callbacks::checkForUpdates},
+    Request{"enableClaudeDesktop", &Callbacks::enableClaudeDesktop},
 };
 
 }  // namespace
 
-SettingsWindowController::SettingsWindowController(Settings& settings, SettingsWindow& window, const BundleInfo& bundle,
-                                                   LoginStatusSource loginStatus)
-    : settings_(settings), window_(window), bundle_(bundle), loginStatus_(std::move(loginStatus)) {
+SettingsWindowController::SettingsWindowController(Sources sources, SettingsWindow& window, Callbacks callbacks)
+    : sources_(sources), window_(window), callbacks_(std::move(callbacks)) {
   window_.setActions({
-      [this](std::size_t index) { tabChanged(index); },
-      [this](const std::string& identifier, bool on) { changed(identifier, on); },
-      [this](const std::string& identifier, std::size_t index) { choiceChanged(identifier, index); },
-      [this](const std::string& identifier) { pressed(identifier); },
-      [this] { windowDidBecomeKey(); },
+      .selectTab = [this](std::size_t index) { tabChanged(index); },
+      .check = [this](const std::string& identifier, bool on) { checkChanged(identifier, on); },
+      .choose = [this](const std::string& identifier, std::size_t index) { choiceChanged(identifier, index); },
+      .press = [this](const std::string& identifier) { pressed(identifier); },
+      .becameKey = [this] { sync(); },
   });
 }
 
 SettingsWindowController::~SettingsWindowController() { window_.setActions({}); }
 
-void SettingsWindowController::show() {
+void SettingsWindowController::show(std::optional<SettingsTab> tab) {
+  if (tab) selectedTab_ = static_cast<std::size_t>(*tab);
   sync();
   window_.show();
 }
 
-void SettingsWindowController::close() { window_.close(); }
-
 void SettingsWindowController::sync() {
-  window_.render(
-      settingsWindowContent({settings_, loginStatus_(), automaticUpdates_, bundle_, widgetMessage_}, selectedPage_));
+  const SettingsFacts facts{.settings = sources_.settings,
+                            .bundle = sources_.bundle,
+                            .loginStatus = sources_.loginItem.status(),
+                            .automaticUpdates = callbacks_.automaticUpdates(),
+                            .widgetMessage = callbacks_.widgetMessage()};
+  window_.render(settingsWindowContent(facts, selectedTab_));
 }
 
 void SettingsWindowController::syncIfVisible() {
-  if (visible()) sync();
-}
-
-void SettingsWindowController::setAutomaticUpdates(bool on) {
-  automaticUpdates_ = on;
-  syncIfVisible();
-}
-
-void SettingsWindowController::setWidgetMessage(std::optional<std::string> message) {
-  widgetMessage_ = std::move(message);
-  syncIfVisible();
+  if (window_.visible()) sync();
 }
 
 void SettingsWindowController::tabChanged(std::size_t index) {
-  if (index < kSettingsPageCount) selectedPage_ = index;
+  if (index < kSettingsTabCount) selectedTab_ = index;
   sync();
 }
 
-void SettingsWindowController::changed(const std::string& identifier, bool on) {
+void SettingsWindowController::checkChanged(const std::string& identifier, bool on) {
   if (const auto* const check = settingsCheck(identifier)) {
-    write(*check, on);
+    check->write(sources_.settings, on);
+    callbacks_.changed({check->change, check->change == SettingsChange::Kind::display && on});
   } else {
     askOwner(identifier);
   }
@@ -80,7 +73,11 @@ void SettingsWindowController::changed(const std::string& identifier, bool on) {
 }
 
 void SettingsWindowController::choiceChanged(const std::string& identifier, std::size_t index) {
-  if (const auto* const choice = settingsChoice(identifier)) write(*choice, index);
+  const auto* const choice = settingsChoice(identifier);
+  if (choice != nullptr && index < choice->items.size()) {
+    choice->write(sources_.settings, choice->items[index].tag);
+    callbacks_.changed({choice->change});
+  }
   sync();
 }
 
@@ -91,24 +88,7 @@ void SettingsWindowController::pressed(const std::string& identifier) {
 
 void SettingsWindowController::askOwner(const std::string& identifier) const {
   const auto request = std::ranges::find(kRequests, identifier, &Request::identifier);
-  if (request == kRequests.end()) return;
-  if (const auto& callback = this->*request->callback) callback();
-}
-
-void SettingsWindowController::write(const SettingsCheck& check, bool on) {
-  check.write(settings_, on);
-  if (check.also != nullptr) check.also(settings_, on);
-  report({check.change, check.change == Change::Kind::display && on});
-}
-
-void SettingsWindowController::write(const SettingsChoice& choice, std::size_t index) {
-  if (index >= choice.items.size()) return;
-  choice.write(settings_, choice.items[index].tag);
-  report({choice.change});
-}
-
-void SettingsWindowController::report(const Change& change) const {
-  if (onChange) onChange(change);
+  if (request != kRequests.end()) (callbacks_.*request->callback)();
 }
 
 }  // namespace nimbo

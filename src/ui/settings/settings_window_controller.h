@@ -10,67 +10,59 @@
 #include "platform/login_item.h"
 #include "settings/settings.h"
 #include "ui/settings/settings_controls.h"
+#include "ui/settings/settings_pages.h"
 #include "ui/settings/settings_window.h"
 
 namespace nimbo {
 
-/// The settings window: writes what the user changes straight into the store and says what that
-/// concerns. Keeps the page in front and what its owner tells it of updates and widgets; all else is
-/// read anew for every look at it. Main thread only.
+/// The settings window: writes what the user changes straight into the settings and tells its owner.
+/// Remembers only which page is in front; all else is read again whenever it is shown. Main thread only.
 class SettingsWindowController {
  public:
-  using Change = SettingsChange;
-  using LoginStatusSource = std::function<LoginItemStatus()>;
+  /// All outlive the controller.
+  struct Sources {
+    Settings& settings;
+    const BundleInfo& bundle;
+    const LoginItem& loginItem;
+  };
+  struct Callbacks {
+    std::function<void(const SettingsChange& change)> changed;  ///< a setting was written
+    // Requests; the window then shows their outcome.
+    std::function<void()> toggleLogin;
+    std::function<void()> checkForUpdates;
+    std::function<void()> toggleAutomaticUpdates;
+    std::function<void()> enableClaudeDesktop;
+    /// Whether updates are looked for without being asked.
+    std::function<bool()> automaticUpdates;
+    /// Why the widgets get nothing; absent while they get something.
+    std::function<std::optional<std::string>()> widgetMessage;
+  };
 
-  /// `settings`, `window` and `bundle` outlive the controller.
-  SettingsWindowController(Settings& settings, SettingsWindow& window, const BundleInfo& bundle,
-                           LoginStatusSource loginStatus);
+  /// `window` outlives the controller.
+  SettingsWindowController(Sources sources, SettingsWindow& window, Callbacks callbacks);
   ~SettingsWindowController();
   SettingsWindowController(const SettingsWindowController&) = delete;
   SettingsWindowController& operator=(const SettingsWindowController&) = delete;
 
-  void show();
-  void close();
-  [[nodiscard]] bool visible() const { return window_.visible(); }
-
-  /// Shows what the store and the system say now.
-  void sync();
-  /// The same after something changed elsewhere; costs nothing while nobody can see it.
+  /// Brings the window to the front, on `tab` or else on the one that was in front last.
+  void show(std::optional<SettingsTab> tab = std::nullopt);
+  /// Something that the window shows has changed elsewhere; costs nothing while it is closed.
   void syncIfVisible();
-
-  /// Whether updates are looked for without being asked.
-  void setAutomaticUpdates(bool on);
-  /// Why the widgets get nothing; absent while they get something.
-  void setWidgetMessage(std::optional<std::string> message);
 
   // What the user does in the window.
   void tabChanged(std::size_t index);
-  void changed(const std::string& identifier, bool on);
+  void checkChanged(const std::string& identifier, bool on);
   void choiceChanged(const std::string& identifier, std::size_t index);
   void pressed(const std::string& identifier);
-  void windowDidBecomeKey() { sync(); }
-
-  /// A setting was written.
-  std::function<void(const Change&)> onChange;
-  // What the owner is asked for. The window shows what came of it.
-  std::function<void()> onLogin;
-  std::function<void()> onCheckUpdates;
-  std::function<void()> onToggleAutomaticUpdates;
-  std::function<void()> onEnableClaudeDesktop;
 
  private:
+  void sync();
   void askOwner(const std::string& identifier) const;
-  void write(const SettingsCheck& check, bool on);
-  void write(const SettingsChoice& choice, std::size_t index);
-  void report(const Change& change) const;
 
-  Settings& settings_;
+  Sources sources_;
   SettingsWindow& window_;
-  const BundleInfo& bundle_;
-  LoginStatusSource loginStatus_;
-  std::size_t selectedPage_ = 0;
-  bool automaticUpdates_ = false;
-  std::optional<std::string> widgetMessage_;
+  Callbacks callbacks_;
+  std::size_t selectedTab_ = 0;
 };
 
 }  // namespace nimbo

@@ -9,19 +9,20 @@
 
 #include "base/size_text.h"
 #include "base/text.h"
-#include "ui/tray/status_item_symbols.h"
 
 namespace nimbo {
 namespace {
 
-/// The place where a figure would be, over the middle of a track.
-TemplateShape dash(Point center) { return {{{center.x - 3, center.y - 0.5, 6, 1}, 0}, 1, {}, {}}; }
+TemplateShape box(Rect rect, double radius = 0) { return {{rect, radius}, 1, {}, {}}; }
+
+/// A short line over the middle of a track, for a missing figure.
+TemplateShape dash(Point center) { return box({center.x - 3, center.y - 0.5, 6, 1}); }
 
 TemplateImage memoryChart(std::optional<double> fraction) {
   const RoundedRect track{{1, 6, 16, 6}, 2};
   TemplateImage image{{{track, 0.25, {}, {}}}};
   if (fraction && std::isfinite(*fraction)) {
-    // In steps of a sixteenth of a point: a finer one nobody could see, and every change is sent to the tray.
+    // In steps of a sixteenth of a point: nobody could see finer ones, and every change is sent to the tray.
     const double width = std::round(256 * std::clamp(*fraction, 0.0, 1.0)) / 16;
     image.shapes.push_back({{{1, 6, width, 6}, 0}, 1, track, {}});
   } else {
@@ -60,5 +61,19 @@ StatusItemContent compactItemContent(bool sessionActive) {
   if (sessionActive) toolTip += " · Keeping Mac awake";
   return {{}, cloudSymbol(), toolTip, "Nimbo"};
 }
+
+TemplateImage barsSymbol() {
+  return {{box({1, 2, 16, 1}), box({2, 4, 4, 6}, 1), box({7, 4, 4, 12}, 1), box({12, 4, 4, 9}, 1)}};
+}
+
+TemplateImage cupSymbol() {
+  // The outlines reach beyond their clips where a corner is to stay square.
+  const TemplateShape cup{{{3, 6, 9, 14}, 4}, 1, RoundedRect{{3, 6, 9, 9}, 0}, {}};
+  const TemplateShape handle{
+      {{9.5, 8, 6.5, 6}, 3}, 1, RoundedRect{{12, 7, 6, 8}, 0}, RoundedRect{{11, 9.5, 3.5, 3}, 1.5}};
+  return {{cup, handle, box({1, 3, 14, 1.5}, 0.75)}};
+}
+
+TemplateImage cloudSymbol() { return {{box({1, 4, 16, 6}, 3), box({2.5, 5, 7, 7}, 3.5), box({6, 5, 9, 9}, 4.5)}}; }
 
 }  // namespace nimbo

@@ -4,7 +4,7 @@
 #include <optional>
 
 #include "platform/status_bar.h"
-#include "system/memory_snapshot.h"
+#include "system/system_readings.h"
 
 namespace nimbo {
 
@@ -16,5 +16,16 @@ namespace nimbo {
 
 /// The one item that stands for the whole program.
 [[nodiscard]] StatusItemContent compactItemContent(bool sessionActive);
+
+// The symbols on them.
+
+/// Bars over an axis: memory without its chart.
+[[nodiscard]] TemplateImage barsSymbol();
+
+/// A cup on its saucer: Keep Awake.
+[[nodiscard]] TemplateImage cupSymbol();
+
+/// A cloud: the program as a whole.
+[[nodiscard]] TemplateImage cloudSymbol();
 
 }  // namespace nimbo

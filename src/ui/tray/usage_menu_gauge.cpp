@@ -24,14 +24,32 @@ std::optional<UsageWindow> selectedWindow(const UsageState& state, bool shortWin
   return found == windows.end() ? std::nullopt : std::optional(*found);
 }
 
-void addBar(TemplateImage& image, double y, double alpha, std::optional<double> fraction) {
+/// How far a bar is filled, 0…1; absent without a figure.
+std::optional<double> fillOf(const std::optional<UsageWindow>& window, bool remaining) {
+  if (!window || !std::isfinite(window->usedPercent)) return std::nullopt;
+  const double percent = remaining ? percentLeft(*window) : window->usedPercent;
+  return std::clamp(percent / 100, 0.0, 1.0);
+}
+
+void addBar(TemplateImage& image, double y, double alpha, std::optional<double> fill) {
   const RoundedRect track{{1, y, 16, 4}, 2};
   image.shapes.push_back({track, kTrackAlpha, {}, {}});
-  if (fraction) {
-    image.shapes.push_back({{{1, y, 16 * *fraction, 4}, 0}, alpha, track, {}});
+  if (fill) {
+    image.shapes.push_back({{{1, y, 16 * *fill, 4}, 0}, alpha, track, {}});
   } else {
     image.shapes.push_back({{{6, y + 1.5, 6, 1}, 0}, alpha, {}, {}});
   }
+}
+
+TemplateImage imageOf(const std::vector<UsageMenuGauge>& gauges, bool remaining) {
+  TemplateImage image;
+  if (gauges.empty()) addBar(image, 7, 1, std::nullopt);
+  double y = 4 * (static_cast<double>(gauges.size()) - 1) + 7;
+  for (const auto& gauge : gauges) {
+    addBar(image, y, gauge.stale ? kStaleAlpha : 1, fillOf(gauge.window, remaining));
+    y -= 8;
+  }
+  return image;
 }
 
 std::string windowLine(const std::optional<UsageWindow>& window, bool remaining, UsageTime now) {
@@ -40,10 +58,14 @@ std::string windowLine(const std::optional<UsageWindow>& window, bool remaining,
                      remaining ? "remaining" : "used", resetCountdown(*window, now));
 }
 
-std::string block(const UsageMenuGauge& gauge, bool remaining, UsageTime now) {
-  std::string text = providerLabel(gauge.provider) + (gauge.stale ? " · Last known" : "");
-  for (const auto& window : gauge.windows) text += "\n" + windowLine(window, remaining, now);
-  return text + "\n" + gauge.status;
+std::string toolTipOf(const std::vector<UsageMenuGauge>& gauges, bool remaining, UsageTime now) {
+  if (gauges.empty()) return "AI usage · enable a subscription in Settings";
+  std::string text = "AI usage · bars top to bottom";
+  for (const auto& gauge : gauges) {
+    text += "\n\n" + providerLabel(gauge.provider) + (gauge.stale ? " · Last known" : "") + "\n" +
+            windowLine(gauge.window, remaining, now) + "\n" + gauge.status;
+  }
+  return text;
 }
 
 }  // namespace
@@ -55,45 +77,14 @@ std::vector<UsageMenuGauge> menuGauges(const Settings& settings, const UsageStat
     if (!settings.usageEnabled(provider)) continue;
     const auto found = states.find(provider);
     const UsageState state = found == states.end() ? UsageState() : found->second;
-    gauges.push_back({provider,
-                      {selectedWindow(state, settings.aiMenuWindows() == 0)},
-                      isStale(state, now),
+    gauges.push_back({provider, selectedWindow(state, settings.aiMenuWindows() == 0), isStale(state, now),
                       statusLine(state, now, dates)});
   }
   return gauges;
 }
 
-std::optional<double> gaugeFraction(const std::vector<std::optional<UsageWindow>>& windows, std::size_t index,
-                                    bool remaining) {
-  if (index >= windows.size() || !windows[index] || !std::isfinite(windows[index]->usedPercent)) return std::nullopt;
-  const double percent = remaining ? percentLeft(*windows[index]) : windows[index]->usedPercent;
-  return std::clamp(percent / 100, 0.0, 1.0);
-}
-
-TemplateImage gaugeImage(const std::vector<UsageMenuGauge>& gauges, bool remaining) {
-  TemplateImage image;
-  if (gauges.empty()) addBar(image, 7, 1, std::nullopt);
-  double y = 4 * (static_cast<double>(gauges.size()) - 1) + 7;
-  for (const auto& gauge : gauges) {
-    addBar(image, y, gauge.stale ? kStaleAlpha : 1, gaugeFraction(gauge.windows, 0, remaining));
-    y -= 8;
-  }
-  return image;
-}
-
-std::string gaugeTooltip(const std::vector<UsageMenuGauge>& gauges, bool remaining, UsageTime now) {
-  std::string text = "AI usage · bars top to bottom\n\n";
-  for (const auto& gauge : gauges) {
-    if (&gauge != &gauges.front()) text += "\n\n";
-    text += block(gauge, remaining, now);
-  }
-  return text;
-}
-
 StatusItemContent usageItemContent(const std::vector<UsageMenuGauge>& gauges, bool remaining, UsageTime now) {
-  std::string toolTip =
-      gauges.empty() ? "AI usage · enable a subscription in Settings" : gaugeTooltip(gauges, remaining, now);
-  return {{}, gaugeImage(gauges, remaining), std::move(toolTip), "AI usage"};
+  return {{}, imageOf(gauges, remaining), toolTipOf(gauges, remaining, now), "AI usage"};
 }
 
 }  // namespace nimbo

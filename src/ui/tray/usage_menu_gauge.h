@@ -16,9 +16,9 @@ namespace nimbo {
 /// One bar of the AI item.
 struct UsageMenuGauge {
   UsageProvider provider = UsageProvider::codex;
-  std::vector<std::optional<UsageWindow>> windows;  ///< one entry: the window shown, or an empty one
-  bool stale = false;                               ///< the reading is old or the last refresh failed
-  std::string status;                               ///< the provider's status line
+  std::optional<UsageWindow> window;  ///< the limit shown
+  bool stale = false;                 ///< the reading is old or the last refresh failed
+  std::string status;                 ///< the provider's status line
   bool operator==(const UsageMenuGauge&) const = default;
 };
 
@@ -26,13 +26,7 @@ struct UsageMenuGauge {
 [[nodiscard]] std::vector<UsageMenuGauge> menuGauges(const Settings& settings, const UsageStates& states, UsageTime now,
                                                      const Dates& dates);
 
-/// 0…1, absent without a figure.
-[[nodiscard]] std::optional<double> gaugeFraction(const std::vector<std::optional<UsageWindow>>& windows,
-                                                  std::size_t index, bool remaining);
-[[nodiscard]] TemplateImage gaugeImage(const std::vector<UsageMenuGauge>& gauges, bool remaining);
-[[nodiscard]] std::string gaugeTooltip(const std::vector<UsageMenuGauge>& gauges, bool remaining, UsageTime now);
-
-/// The AI status item.
+/// The AI status item; bars tell what is left of the limits, or else what is used.
 [[nodiscard]] StatusItemContent usageItemContent(const std::vector<UsageMenuGauge>& gauges, bool remaining,
                                                  UsageTime now);
 

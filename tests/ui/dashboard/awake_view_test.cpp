@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "settings/setting_keys.h"
-#include "ui/dashboard/awake_view_fixture.h"
+#include "ui/dashboard/dashboard_world.h"
 
 namespace nimbo {
 namespace {
@@ -22,34 +22,27 @@ constexpr std::size_t kDateItem = 6;
 
 class AwakeViewTest : public testing::Test {
  protected:
-  AwakeViewTest() {
-    view.onContentChanged = [this] { ++changes; };
-    view.onToggle = [this](std::optional<Time> end) { toggles.push_back(end); };
-    view.onDisplay = [this](bool on) { displays.push_back(on); };
-    view.onRules = [this] { ++rules; };
-    view.onDisplayOff = [this] { ++displayOffs; };
-    view.onExtend = [this] { ++extensions; };
-    view.refresh(world.manager);
-    changes = 0;
-  }
-
-  AwakePageContent content() const { return view.content(true); }
+  AwakeContent content() const { return view.content(true); }
   Time now() const { return world.clock.now(); }
 
   void startSession(std::optional<Time> end, bool display = false) {
     ASSERT_TRUE(world.manager.start(end, display, now()));
-    view.refresh(world.manager);
   }
 
-  AwakeViewWorld world;
-  AwakeView view{world.viewServices()};
-  AwakePageActions actions = view.actions();
+  DashboardWorld world;
   int changes = 0;
-  int rules = 0;
+  std::function<void()> changed = [this] { ++changes; };
+  AwakeView view{world.sources(), [this] { changed(); }};
   int displayOffs = 0;
   int extensions = 0;
   std::vector<std::optional<Time>> toggles;
   std::vector<bool> displays;
+  AwakeView::Requests requests{.toggle = [this](std::optional<Time> end) { toggles.push_back(end); },
+                               .keepDisplayOn = [this](bool on) { displays.push_back(on); },
+                               .rulesChanged = [] {},
+                               .turnDisplayOff = [this] { ++displayOffs; },
+                               .extend = [this] { ++extensions; }};
+  AwakeActions actions = view.actions(requests);
 };
 
 TEST_F(AwakeViewTest, OffersTheSpecifiedLengthsAndFloors) {
@@ -73,7 +66,7 @@ TEST_F(AwakeViewTest, StoredChoicesAreShown) {
   world.settings.setAwakeDisplayOn(true);
   world.settings.setAwakeOnlyOnPower(true);
   world.settings.setAwakeBatteryFloor(50);
-  view.load();
+  view.reset();
   EXPECT_EQ(content().duration.selected, kCustomItem);
   EXPECT_EQ(content().minutes.text, "45");
   EXPECT_TRUE(content().minutes.visible);
@@ -85,7 +78,7 @@ TEST_F(AwakeViewTest, StoredChoicesAreShown) {
 TEST_F(AwakeViewTest, StoredCustomLengthIsBroughtIntoItsRange) {
   for (const auto& [stored, shown] : {std::pair<int, const char*>{0, "1"}, {20000, "10080"}, {-7, "1"}}) {
     world.settings.setAwakeCustomMinutes(stored);
-    view.load();
+    view.reset();
     EXPECT_EQ(content().minutes.text, shown) << stored;
   }
 }
@@ -93,7 +86,7 @@ TEST_F(AwakeViewTest, StoredCustomLengthIsBroughtIntoItsRange) {
 TEST_F(AwakeViewTest, UnknownStoredValuesShowTheDefaults) {
   world.defaults.set(setting_keys::kAwakeDuration, 777);
   world.defaults.set(setting_keys::kAwakeBatteryFloor, 33);
-  view.load();
+  view.reset();
   EXPECT_EQ(content().duration.selected, 0U);
   EXPECT_EQ(content().battery.items[content().battery.selected], "20%");
 }
@@ -143,13 +136,12 @@ TEST_F(AwakeViewTest, SwitchShowsWhatIsHeldWhileRunningAndTheStoredChoiceOtherwi
   startSession(std::nullopt, false);
   EXPECT_FALSE(content().display.on);
   world.manager.stopByUser();
-  view.refresh(world.manager);
   EXPECT_TRUE(content().display.on);
 }
 
 TEST_F(AwakeViewTest, ReopeningDuringASessionKeepsTheHeldDisplayState) {
   startSession(std::nullopt, true);
-  view.load();
+  view.reset();
   EXPECT_TRUE(content().display.on);
 }
 
@@ -220,7 +212,6 @@ TEST_F(AwakeViewTest, InputErrorStaysOverTheDetailUntilTheMinutesChange) {
   actions.selectDuration(kCustomItem);
   actions.editMinutes("x");
   actions.startOrStop();
-  view.refresh(world.manager);
   EXPECT_EQ(content().detail.text, "Enter a whole number from 1 to 10080 minutes.");
   actions.editMinutes("x1");
   EXPECT_EQ(content().detail.text, "Keep AI jobs running while your display rests.");
@@ -259,7 +250,7 @@ TEST_F(AwakeViewTest, OnlyValidMinutesAreStoredWhileTyping) {
 
 TEST_F(AwakeViewTest, PickerSuggestsAnHourFromNowOnTheMinute) {
   world.clock.setNow(Time(std::chrono::seconds(1'795'271'459)));
-  const AwakeView fresh(world.viewServices());
+  const AwakeView fresh(world.sources(), [] {});
   EXPECT_EQ(fresh.content(true).date.date, Time(std::chrono::seconds(1'795'271'400 + 3600)));
 }
 
@@ -273,10 +264,8 @@ TEST_F(AwakeViewTest, PickedDateIsTheEnd) {
 }
 
 TEST_F(AwakeViewTest, PastDateReachesTheManagerWhichRefusesIt) {
-  view.onToggle = [this](std::optional<Time> end) {
-    EXPECT_FALSE(world.manager.start(end, false, now()));
-    view.refresh(world.manager);
-  };
+  requests.toggle = [this](std::optional<Time> end) { EXPECT_FALSE(world.manager.start(end, false, now())); };
+  actions = view.actions(requests);
   actions.selectDuration(kDateItem);
   actions.pickDate(now() - 1min);
   actions.startOrStop();
@@ -286,11 +275,11 @@ TEST_F(AwakeViewTest, PastDateReachesTheManagerWhichRefusesIt) {
 
 TEST_F(AwakeViewTest, DateThatHasPassedGivesWayToANewSuggestionWhenThePageIsLoadedAgain) {
   actions.pickDate(now() + 2h);
-  view.load();
+  view.reset();
   EXPECT_EQ(content().date.date, now() + 2h);
   const Time picked = content().date.date;
   world.clock.advance(3h);
-  view.load();
+  view.reset();
   EXPECT_GT(content().date.date, picked);
   EXPECT_GT(content().date.date, now());
 }
@@ -313,11 +302,9 @@ TEST_F(AwakeViewTest, RefusedDisplaySwitchGoesBackAndThatIsAChange) {
   startSession(std::nullopt);
   world.assertions.refuse(kPreventDisplaySleep, 5);
   std::vector<bool> shown;
-  view.onContentChanged = [&] { shown.push_back(content().display.on); };
-  view.onDisplay = [this](bool on) {
-    EXPECT_FALSE(world.manager.setKeepDisplayOn(on));
-    view.refresh(world.manager);
-  };
+  changed = [&] { shown.push_back(content().display.on); };
+  requests.keepDisplayOn = [this](bool on) { EXPECT_FALSE(world.manager.setKeepDisplayOn(on)); };
+  actions = view.actions(requests);
   actions.switchDisplay(true);
   EXPECT_EQ(shown, (std::vector<bool>{true, false}));
   EXPECT_EQ(content().detail.text, "macOS couldn’t keep your Mac awake (error 5). Please try again.");
@@ -326,10 +313,11 @@ TEST_F(AwakeViewTest, RefusedDisplaySwitchGoesBackAndThatIsAChange) {
 TEST_F(AwakeViewTest, EitherRuleIsStoredBeforeItIsReported) {
   bool onlyOnPower = false;
   int floor = -1;
-  view.onRules = [&] {
+  requests.rulesChanged = [&] {
     onlyOnPower = world.settings.awakeOnlyOnPower();
     floor = world.settings.awakeBatteryFloor();
   };
+  actions = view.actions(requests);
   actions.switchPlugged(true);
   EXPECT_TRUE(onlyOnPower);
   EXPECT_EQ(floor, 20);
@@ -355,24 +343,17 @@ TEST_F(AwakeViewTest, IndicesBeyondTheListsAreClamped) {
   EXPECT_EQ(world.settings.awakeBatteryFloor(), 50);
 }
 
-TEST_F(AwakeViewTest, ChangesOfTheContentAreReported) {
+TEST_F(AwakeViewTest, EachActionIsReportedAsOneChange) {
   actions.selectDuration(1);
-  EXPECT_GT(changes, 0);
-  changes = 0;
+  EXPECT_EQ(changes, 1);
   actions.editMinutes("7");
-  EXPECT_GT(changes, 0);
-}
-
-TEST_F(AwakeViewTest, WorksWithoutCallbacks) {
-  AwakeView bare(world.viewServices());
-  const auto act = bare.actions();
-  act.startOrStop();
-  act.extend();
-  act.switchDisplay(true);
-  act.switchPlugged(true);
-  act.selectBatteryFloor(1);
-  act.turnDisplayOff();
-  EXPECT_TRUE(bare.content(true).plugged.on);
+  EXPECT_EQ(changes, 2);
+  actions.pickDate(now() + 1h);
+  EXPECT_EQ(changes, 3);
+  actions.switchPlugged(true);
+  EXPECT_EQ(changes, 4);
+  actions.startOrStop();
+  EXPECT_EQ(changes, 5);
 }
 
 TEST_F(AwakeViewTest, NothingIsVisibleOnTheOtherPages) {

@@ -25,25 +25,41 @@ MemorySnapshot snapshot() {
   return memory;
 }
 
-ResourcesSample sample() {
-  ResourcesSample sample;
-  sample.memory = snapshot();
-  sample.cpu = 0.234;
-  sample.memoryHistory = {0.5, 0.6, 0.7};
-  sample.cpuHistory = {0.1, 0.2};
-  return sample;
+/// What the page is made of.
+struct State {
+  SystemReadings readings;
+  ProcessScan processScan;
+  std::chrono::seconds interval{5};
+  bool visible = true;
+  bool memoryEnabled = true;
+  bool cpuEnabled = false;
+  bool temperatureEnabled = false;
+  std::size_t processLimit = kCollapsedProcessLimit;
+
+  [[nodiscard]] ResourcesView view() const {
+    return {.readings = readings,
+            .processes = processScan,
+            .refreshInterval = interval,
+            .visible = visible,
+            .memoryEnabled = memoryEnabled,
+            .cpuEnabled = cpuEnabled,
+            .temperatureEnabled = temperatureEnabled,
+            .processLimit = processLimit};
+  }
+};
+
+State page() {
+  State state;
+  state.readings.memory = snapshot();
+  state.readings.cpu = 0.234;
+  state.readings.memoryHistory = {0.5, 0.6, 0.7};
+  state.readings.cpuHistory = {0.1, 0.2};
+  return state;
 }
 
-ResourcesPage page() {
-  ResourcesPage page;
-  page.visible = true;
-  page.sample = sample();
-  return page;
-}
-
-DashboardContent shown(const ResourcesPage& page) {
+DashboardContent shown(const State& state) {
   DashboardContent content;
-  fillResourcesPage(content, page);
+  fillResources(content, state.view());
   return content;
 }
 
@@ -59,7 +75,7 @@ std::array<std::string, 5> rowTexts(const DashboardContent& content) {
   return texts;
 }
 
-TEST(ResourcesPage, ReadingIsShownInFigures) {
+TEST(ResourcesView, ReadingIsShownInFigures) {
   const auto content = shown(page());
   EXPECT_EQ(content.hero.text, "70%");
   EXPECT_EQ(content.subtitle.text, "11.2 GB of 16.0 GB used");
@@ -70,24 +86,24 @@ TEST(ResourcesPage, ReadingIsShownInFigures) {
   EXPECT_EQ(content.history.accessibleName, "Memory history");
 }
 
-TEST(ResourcesPage, TotalOfZeroReadsZeroPercent) {
+TEST(ResourcesView, TotalOfZeroReadsZeroPercent) {
   auto state = page();
-  state.sample->memory = MemorySnapshot{};
+  state.readings.memory = MemorySnapshot{};
   EXPECT_EQ(shown(state).hero.text, "0%");
   EXPECT_EQ(shown(state).subtitle.text, "0.0 GB of 0.0 GB used");
 }
 
-TEST(ResourcesPage, AbsentSwapReadsUnavailableBesideTheOtherFigures) {
+TEST(ResourcesView, AbsentSwapReadsUnavailableBesideTheOtherFigures) {
   auto state = page();
-  state.sample->memory->swap.reset();
+  state.readings.memory->swap.reset();
   EXPECT_EQ(rowTexts(shown(state)),
             (std::array<std::string, 5>{"6.0 GB", "2.5 GB", "2.7 GB", "4.8 GB", "Unavailable"}));
 }
 
-TEST(ResourcesPage, PressureHasAWordAndAColourPerLevel) {
+TEST(ResourcesView, PressureHasAWordAndAColourPerLevel) {
   const auto pressureLabel = [](MemoryPressure pressure) {
     auto state = page();
-    state.sample->memory->pressure = pressure;
+    state.readings.memory->pressure = pressure;
     return shown(state).pressure;
   };
   EXPECT_EQ(pressureLabel(MemoryPressure::normal).text, "● Normal pressure");
@@ -110,19 +126,20 @@ void expectUnavailable(const DashboardContent& content) {
   EXPECT_EQ(content.history.tint, ColorRole::teal);
 }
 
-TEST(ResourcesPage, MissingReadingShowsDashesAndKeepsTheHistory) {
+TEST(ResourcesView, FailedReadingShowsDashesAndKeepsTheHistory) {
   auto state = page();
-  state.sample->memory.reset();
+  state.readings.memory.reset();
+  state.readings.memoryFailed = true;
   expectUnavailable(shown(state));
 }
 
-TEST(ResourcesPage, FailedReadingHidesAnOldSnapshot) {
+TEST(ResourcesView, FailedReadingHidesAnOldSnapshot) {
   auto state = page();
-  state.sample->memoryFailed = true;
+  state.readings.memoryFailed = true;
   expectUnavailable(shown(state));
 }
 
-TEST(ResourcesPage, MemoryOffShowsTheCpuInstead) {
+TEST(ResourcesView, MemoryOffShowsTheCpuInstead) {
   auto state = page();
   state.memoryEnabled = false;
   const auto content = shown(state);
@@ -135,17 +152,17 @@ TEST(ResourcesPage, MemoryOffShowsTheCpuInstead) {
   EXPECT_EQ(content.time.text, "RECENT USAGE · 5s");
 }
 
-TEST(ResourcesPage, MemoryOffAndNoCpuShowsADash) {
+TEST(ResourcesView, MemoryOffAndNoCpuShowsADash) {
   auto state = page();
   state.memoryEnabled = false;
-  state.sample->cpu.reset();
+  state.readings.cpu.reset();
   EXPECT_EQ(shown(state).hero.text, "—");
 }
 
-TEST(ResourcesPage, MemoryOffHidesAllThatSpeaksOfMemory) {
+TEST(ResourcesView, MemoryOffHidesAllThatSpeaksOfMemory) {
   auto state = page();
   state.memoryEnabled = false;
-  state.cpuVisible = true;
+  state.cpuEnabled = true;
   const auto content = shown(state);
   EXPECT_FALSE(content.pressure.visible);
   EXPECT_FALSE(content.breakdown.visible);
@@ -160,21 +177,21 @@ TEST(ResourcesPage, MemoryOffHidesAllThatSpeaksOfMemory) {
   EXPECT_TRUE(content.footer.visible && content.activityButton.visible);
 }
 
-TEST(ResourcesPage, CpuLineIsShownOnlyWithBothMonitors) {
+TEST(ResourcesView, CpuLineIsShownOnlyWithBothMonitors) {
   auto state = page();
   EXPECT_FALSE(shown(state).cpu.visible);
-  state.cpuVisible = true;
+  state.cpuEnabled = true;
   EXPECT_TRUE(shown(state).cpu.visible);
   EXPECT_EQ(shown(state).cpu.text, "CPU  23% utilized");
-  state.sample->cpu.reset();
+  state.readings.cpu.reset();
   EXPECT_EQ(shown(state).cpu.text, "CPU  Measuring…");
 }
 
-TEST(ResourcesPage, TimeSpansTheHistoryAndIsNeverNegative) {
+TEST(ResourcesView, TimeSpansTheHistoryAndIsNeverNegative) {
   const auto timeOf = [](std::size_t samples, std::chrono::seconds interval) {
     auto state = page();
-    state.sample->memoryHistory.assign(samples, 0.5);
-    state.sample->interval = interval;
+    state.readings.memoryHistory.assign(samples, 0.5);
+    state.interval = interval;
     return shown(state).time.text;
   };
   EXPECT_EQ(timeOf(0, 5s), "RECENT USAGE · 0s");
@@ -183,33 +200,39 @@ TEST(ResourcesPage, TimeSpansTheHistoryAndIsNeverNegative) {
   EXPECT_EQ(timeOf(40, 30s), "RECENT USAGE · 1170s");
 }
 
-TEST(ResourcesPage, TextsBeforeTheFirstSample) {
-  ResourcesPage state;
-  state.visible = true;
-  const auto content = shown(state);
+TEST(ResourcesView, TextsBeforeTheFirstReading) {
+  const auto content = shown(State());
   EXPECT_EQ(content.hero.text, "—");
   EXPECT_EQ(content.subtitle.text, "Reading memory…");
   EXPECT_EQ(content.time.text, "RECENT USAGE");
   EXPECT_EQ(content.processTitle.text, "TOP 3 PROCESSES");
   EXPECT_EQ(content.processNote.text, "Physical footprint · individual processes");
-  EXPECT_EQ(content.footer.text, "");
-  EXPECT_EQ(content.temperature.text, "");
   EXPECT_EQ(rowTexts(content), (std::array<std::string, 5>{"—", "—", "—", "—", "—"}));
   EXPECT_TRUE(content.history.history.empty());
 }
 
-TEST(ResourcesPage, TemperatureLineRoundsToWholeDegrees) {
-  EXPECT_EQ(temperatureLine(61.6), "CPU temperature  62°C · hottest sensor");
-  EXPECT_EQ(temperatureLine(std::nullopt), "CPU temperature unavailable on this Mac");
+TEST(ResourcesView, TemperatureIsRoundedToWholeDegrees) {
+  auto state = page();
+  state.readings.temperature = 61.6;
+  EXPECT_EQ(shown(state).temperature.text, "CPU temperature  62°C · hottest sensor");
+  state.readings.temperature.reset();
+  EXPECT_EQ(shown(state).temperature.text, "CPU temperature unavailable on this Mac");
 }
 
-TEST(ResourcesPage, HeightFollowsMemoryTemperatureAndExpansion) {
+TEST(ResourcesView, LastLineNamesTheRefreshInterval) {
+  auto state = page();
+  EXPECT_EQ(shown(state).footer.text, "Updates every 5s");
+  state.interval = 30s;
+  EXPECT_EQ(shown(state).footer.text, "Updates every 30s");
+}
+
+TEST(ResourcesView, HeightFollowsMemoryTemperatureAndExpansion) {
   const auto height = [](bool memory, bool temperature, std::size_t limit) {
-    ResourcesPage state;
+    State state;
     state.memoryEnabled = memory;
-    state.temperatureVisible = temperature;
+    state.temperatureEnabled = temperature;
     state.processLimit = limit;
-    return resourcesPageHeight(state);
+    return resourcesHeight(state.view());
   };
   EXPECT_EQ(height(true, false, 3), 596);
   EXPECT_EQ(height(true, true, 3), 620);
@@ -221,7 +244,7 @@ TEST(ResourcesPage, HeightFollowsMemoryTemperatureAndExpansion) {
   EXPECT_EQ(height(false, false, 13), 278);
 }
 
-TEST(ResourcesPage, FramesWithoutExtras) {
+TEST(ResourcesView, FramesWithoutExtras) {
   const auto content = shown(page());
   EXPECT_EQ(content.hero.frame, (Rect{18, 55, 302, 48}));
   EXPECT_EQ(content.subtitle.frame, (Rect{20, 108, 300, 18}));
@@ -240,9 +263,9 @@ TEST(ResourcesPage, FramesWithoutExtras) {
   EXPECT_EQ(content.footer.frame, (Rect{20, 570, 170, 16}));
 }
 
-TEST(ResourcesPage, TemperatureAndExpansionPushDownWhatFollows) {
+TEST(ResourcesView, TemperatureAndExpansionPushDownWhatFollows) {
   auto state = page();
-  state.temperatureVisible = true;
+  state.temperatureEnabled = true;
   state.processLimit = 13;
   const auto content = shown(state);
   EXPECT_EQ(content.temperature.frame, (Rect{20, 411, 300, 18}));
@@ -255,17 +278,17 @@ TEST(ResourcesPage, TemperatureAndExpansionPushDownWhatFollows) {
   EXPECT_EQ(content.footer.frame, (Rect{20, 681, 170, 16}));
 }
 
-TEST(ResourcesPage, MemoryOffMovesTheTemperatureUp) {
+TEST(ResourcesView, MemoryOffMovesTheTemperatureUp) {
   auto state = page();
   state.memoryEnabled = false;
-  state.temperatureVisible = true;
+  state.temperatureEnabled = true;
   const auto content = shown(state);
   EXPECT_EQ(content.temperature.frame, (Rect{20, 239, 300, 18}));
   EXPECT_EQ(content.footer.frame, (Rect{20, 276, 170, 16}));
   EXPECT_EQ(content.activityButton.frame, (Rect{194, 272, 130, 22}));
 }
 
-TEST(ResourcesPage, RowsHaveTheirTitlesColoursFramesAndToolTips) {
+TEST(ResourcesView, RowsHaveTheirTitlesColoursFramesAndToolTips) {
   const auto content = shown(page());
   const std::array<std::string, 5> titles{"App memory", "Wired", "Compressed", "Available", "Swap used"};
   const std::array colors{ColorRole::teal, ColorRole::indigo, ColorRole::orange, ColorRole::secondaryLabel,
@@ -287,7 +310,7 @@ TEST(ResourcesPage, RowsHaveTheirTitlesColoursFramesAndToolTips) {
   EXPECT_EQ(content.rows[4].title.toolTip, "Memory stored on disk. Swap may remain allocated after pressure subsides.");
 }
 
-TEST(ResourcesPage, FontsAreAsDesigned) {
+TEST(ResourcesView, FontsAreAsDesigned) {
   const auto content = shown(page());
   EXPECT_EQ(content.hero.style, (TextStyle{38, FontWeight::semibold, ColorRole::label, TextAlignment::left, true}));
   EXPECT_EQ(content.subtitle.style, (TextStyle{12, FontWeight::regular, ColorRole::secondaryLabel}));
@@ -308,7 +331,7 @@ TEST(ResourcesPage, FontsAreAsDesigned) {
   EXPECT_EQ(content.activityButton.title, "Activity Monitor ↗");
 }
 
-TEST(ResourcesPage, ProcessesAreListedWithNamesPidsAndSizes) {
+TEST(ResourcesView, ProcessesAreListedWithNamesPidsAndSizes) {
   auto state = page();
   state.processScan = {{{4711, "big", kGigabyte}, {12, "small", kGigabyte - 1}}, 0};
   const auto list = shown(state).processes;
@@ -324,7 +347,7 @@ TEST(ResourcesPage, ProcessesAreListedWithNamesPidsAndSizes) {
   EXPECT_EQ(list.labels[3].frame, (Rect{201, 34, 83, 19}));
 }
 
-TEST(ResourcesPage, ProcessOfExactlyOneGigabyteShowsGigabytesAndOneByteLessMegabytes) {
+TEST(ResourcesView, ProcessOfExactlyOneGigabyteShowsGigabytesAndOneByteLessMegabytes) {
   auto state = page();
   state.processScan = {{{1, "a", 1'073'741'824}, {2, "b", 1'073'741'823}}, 0};
   const auto list = shown(state).processes;
@@ -333,7 +356,7 @@ TEST(ResourcesPage, ProcessOfExactlyOneGigabyteShowsGigabytesAndOneByteLessMegab
   EXPECT_EQ(list.labels[3].text, "1024 MB");
 }
 
-TEST(ResourcesPage, NoProcessesLeaveOneLineThatSaysSo) {
+TEST(ResourcesView, NoProcessesLeaveOneLineThatSaysSo) {
   const auto list = shown(page()).processes;
   ASSERT_EQ(list.labels.size(), 1U);
   EXPECT_EQ(list.labels[0].text, "No readable processes yet");
@@ -342,7 +365,7 @@ TEST(ResourcesPage, NoProcessesLeaveOneLineThatSaysSo) {
   EXPECT_EQ(list.document, (Size{300, 29}));
 }
 
-TEST(ResourcesPage, ThirteenProcessesAtALimitOfThirteenFillTheListAndDisableShowMore) {
+TEST(ResourcesView, ThirteenProcessesAtALimitOfThirteenFillTheListAndDisableShowMore) {
   auto state = page();
   state.processScan = scanOf(13);
   state.processLimit = 13;
@@ -354,7 +377,7 @@ TEST(ResourcesPage, ThirteenProcessesAtALimitOfThirteenFillTheListAndDisableShow
   EXPECT_EQ(content.processes.document, (Size{300, 377}));
 }
 
-TEST(ResourcesPage, EightProcessesAtALimitOfThirteenAreCountedInTheTitle) {
+TEST(ResourcesView, EightProcessesAtALimitOfThirteenAreCountedInTheTitle) {
   auto state = page();
   state.processScan = scanOf(8);
   state.processLimit = 13;
@@ -362,7 +385,7 @@ TEST(ResourcesPage, EightProcessesAtALimitOfThirteenAreCountedInTheTitle) {
   EXPECT_FALSE(shown(state).moreButton.enabled);
 }
 
-TEST(ResourcesPage, CollapsedTitleSaysThreeHoweverManyThereAre) {
+TEST(ResourcesView, CollapsedTitleSaysThreeHoweverManyThereAre) {
   auto state = page();
   state.processScan = scanOf(2);
   EXPECT_EQ(shown(state).processTitle.text, "TOP 3 PROCESSES");
@@ -374,7 +397,7 @@ TEST(ResourcesPage, CollapsedTitleSaysThreeHoweverManyThereAre) {
   EXPECT_FALSE(shown(state).lessButton.visible);
 }
 
-TEST(ResourcesPage, NoteCountsWhatCouldNotBeRead) {
+TEST(ResourcesView, NoteCountsWhatCouldNotBeRead) {
   auto state = page();
   state.processScan.unreadable = 17;
   EXPECT_EQ(shown(state).processNote.text, "Physical footprint · 17 inaccessible/exited");
@@ -385,11 +408,11 @@ TEST(ResourcesPage, NoteCountsWhatCouldNotBeRead) {
             "exited processes may be omitted. Process totals need not equal system memory used.");
 }
 
-TEST(ResourcesPage, HiddenPageShowsNothing) {
+TEST(ResourcesView, HiddenPageShowsNothing) {
   auto state = page();
   state.visible = false;
-  state.cpuVisible = true;
-  state.temperatureVisible = true;
+  state.cpuEnabled = true;
+  state.temperatureEnabled = true;
   state.processLimit = 13;
   const auto content = shown(state);
   for (const auto* label : {&content.hero, &content.subtitle, &content.pressure, &content.time, &content.cpu,
@@ -403,7 +426,7 @@ TEST(ResourcesPage, HiddenPageShowsNothing) {
   EXPECT_FALSE(content.moreButton.visible || content.lessButton.visible || content.activityButton.visible);
 }
 
-TEST(ResourcesPage, ChartsCanBeNamedByAScreenReader) {
+TEST(ResourcesView, ChartsCanBeNamedByAScreenReader) {
   EXPECT_EQ(shown(page()).breakdown.accessibleName, "Memory breakdown");
   EXPECT_EQ(shown(page()).activityButton.accessibleName, "Activity Monitor");
 }

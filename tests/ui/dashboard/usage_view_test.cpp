@@ -3,8 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "support/fake_clock.h"
-#include "support/fake_dates.h"
+#include "ui/dashboard/dashboard_world.h"
 
 namespace nimbo {
 namespace {
@@ -13,33 +12,27 @@ using namespace std::chrono_literals;
 
 class UsageViewTest : public testing::Test {
  protected:
-  UsageViewTest() {
-    clock.setNow(UsageTime(std::chrono::seconds(1'795'271'400)));  // 2026-11-21 14:30 UTC
-    view.onContentChanged = [this] { ++changes; };
-  }
+  UsageViewTest() { world.clock.setNow(UsageTime(std::chrono::seconds(1'795'271'400))); }  // 2026-11-21 14:30 UTC
 
+  UsageTime now() const { return world.clock.now(); }
   UsageState stateWith(std::vector<UsageWindow> windows) const {
-    return {true, UsageSnapshot{std::move(windows), clock.now(), {}}, {}, false};
+    return {true, UsageSnapshot{std::move(windows), now(), {}}, {}, false};
   }
-  UsageWindow window(double used, const std::string& title = "Weekly") const {
-    return {title, used, clock.now() + 26h};
-  }
-  /// What Codex's card shows of that state.
+  UsageWindow window(double used, const std::string& title = "Weekly") const { return {title, used, now() + 26h}; }
+  UsageContent content() { return usageContent(world.sources(), true); }
+  /// The first card, of a provider in that state.
   UsageCardContent card(const UsageState& state, UsageProvider provider = UsageProvider::codex) {
-    view.setOrder({provider});
-    view.update({{provider, state}}, std::nullopt);
-    return view.content(true).cards.at(0);
+    world.settings.setClaudeFirst(provider == UsageProvider::claude);
+    world.usage = {{provider, state}};
+    return content().cards.at(0);
   }
 
-  FakeClock clock;
-  FakeDates dates;
-  UsageView view{clock, dates};
-  int changes = 0;
+  DashboardWorld world;
 };
 
 TEST_F(UsageViewTest, BothProvidersOffLeaveNothingToRefresh) {
-  view.update({{UsageProvider::codex, {}}, {UsageProvider::claude, {}}}, std::nullopt);
-  const auto page = view.content(true);
+  world.usage = {{UsageProvider::codex, {}}, {UsageProvider::claude, {}}};
+  const auto page = content();
   EXPECT_FALSE(page.refresh.enabled);
   ASSERT_EQ(page.cards.size(), 2U);
   for (const auto& card : page.cards) {
@@ -53,7 +46,7 @@ TEST_F(UsageViewTest, BothProvidersOffLeaveNothingToRefresh) {
 }
 
 TEST_F(UsageViewTest, PageIsCompleteBeforeAnythingIsKnown) {
-  const auto page = view.content(true);
+  const auto page = content();
   EXPECT_EQ(page.cards.size(), 2U);
   EXPECT_EQ(page.note.text, "Updates every 5 minutes · hover for countdowns");
 }
@@ -122,7 +115,7 @@ TEST_F(UsageViewTest, OldFiguresAreNeverShownAsNew) {
   EXPECT_EQ(shown.rows.at(0).bar.alpha, 0.45);
 
   state.message.reset();
-  state.snapshot->fetchedAt = clock.now() - 901s;
+  state.snapshot->fetchedAt = now() - 901s;
   shown = card(state);
   EXPECT_EQ(shown.status.text, "Last known · Updated 14:14 · Stale");
   EXPECT_EQ(shown.rows.at(0).bar.alpha, 0.45);
@@ -137,42 +130,34 @@ TEST_F(UsageViewTest, DisabledStateHidesItsSnapshot) {
 TEST_F(UsageViewTest, RunningRefreshIsVisible) {
   UsageState state;
   state.enabled = true;
-  EXPECT_EQ(view.content(true).progress.text, "");
+  EXPECT_EQ(content().progress.text, "");
   state.isRefreshing = true;
   EXPECT_FALSE(card(state).connect.visible);
-  EXPECT_EQ(view.content(true).progress.text, "Refreshing…");
-  EXPECT_TRUE(view.content(true).refresh.enabled);
-}
-
-TEST_F(UsageViewTest, NoteCanBeReplacedAndIsReadableInFull) {
-  view.update({}, "A long note");
-  EXPECT_EQ(view.content(true).note.text, "A long note");
-  EXPECT_EQ(view.content(true).note.toolTip, "A long note");
+  EXPECT_EQ(content().progress.text, "Refreshing…");
+  EXPECT_TRUE(content().refresh.enabled);
 }
 
 TEST_F(UsageViewTest, OrderIsTheUsers) {
-  view.setOrder({UsageProvider::claude, UsageProvider::codex});
-  EXPECT_EQ(view.content(true).cards[0].title.text, "Anthropic · Claude");
-  EXPECT_EQ(view.content(true).cards[1].title.text, "OpenAI · Codex");
-  EXPECT_EQ(changes, 1);
+  world.settings.setClaudeFirst(true);
+  EXPECT_EQ(content().cards[0].title.text, "Anthropic · Claude");
+  EXPECT_EQ(content().cards[1].title.text, "OpenAI · Codex");
 }
 
 TEST_F(UsageViewTest, DocumentGrowsWithTheCards) {
   const auto state = stateWith({window(1, "a"), window(2, "b"), window(3, "c")});
-  view.update({{UsageProvider::codex, state}, {UsageProvider::claude, state}}, std::nullopt);
-  EXPECT_EQ(view.content(true).document, (Size{300, 494}));
-  EXPECT_EQ(view.content(true).scroll, (Rect{20, 62, 306, 371}));
+  world.usage = {{UsageProvider::codex, state}, {UsageProvider::claude, state}};
+  EXPECT_EQ(content().document, (Size{300, 494}));
+  EXPECT_EQ(content().scroll, (Rect{20, 62, 306, 371}));
 }
 
 TEST_F(UsageViewTest, LinksNameTheirProvider) {
-  view.update({}, std::nullopt);
-  EXPECT_EQ(view.content(true).cards[0].link.toolTip, "Open Codex usage dashboard");
-  EXPECT_EQ(view.content(true).cards[1].link.toolTip, "Open Claude usage dashboard");
+  EXPECT_EQ(content().cards[0].link.toolTip, "Open Codex usage dashboard");
+  EXPECT_EQ(content().cards[1].link.toolTip, "Open Claude usage dashboard");
 }
 
 TEST_F(UsageViewTest, VisibilityIsOfEverything) {
-  EXPECT_TRUE(view.content(true).visible);
-  EXPECT_FALSE(view.content(false).visible);
+  EXPECT_TRUE(content().visible);
+  EXPECT_FALSE(usageContent(world.sources(), false).visible);
 }
 
 }  // namespace

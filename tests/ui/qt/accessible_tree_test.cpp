@@ -117,7 +117,6 @@ class AccessibleTree : public DashboardTest {
     QAccessible::setActive(true);
     QAccessible::installUpdateHandler(askAboutSource);
     DashboardTest::SetUp();
-    awake_.connect(controller_);
     controller_.onContentChanged = [this] { render(); };
     window_->setActions({.selectTab = [this](std::size_t index) { selectTab(index); },
                          .openSettings = [this] { showSettings(); },
@@ -125,7 +124,7 @@ class AccessibleTree : public DashboardTest {
                          .showLess = [this] { controller_.collapseClicked(); },
                          .openActivityMonitor = {},
                          .quit = [this] { showAlert(); },
-                         .awake = controller_.awakeView().actions()});
+                         .awake = world_.connect(controller_)});
     open();
   }
   void TearDown() override {
@@ -139,9 +138,10 @@ class AccessibleTree : public DashboardTest {
       case 0:
         return selectTab(random_() % 3);
       case 1:
-        return controller_.updateProcesses(sampleProcesses(random_() % 30));
+        return controller_.showProcesses(sampleProcesses(random_() % 30));
       case 2:
-        return controller_.usageView().update(random_() % 2 == 0 ? sampleUsage(awake_.clock.now()) : UsageStates(), {});
+        world_.usage = random_() % 2 == 0 ? sampleUsage(world_.clock.now()) : UsageStates();
+        return controller_.show();
       case 3:
         return random_() % 2 == 0 ? window_->hide() : window_->show();
       case 4:
@@ -171,7 +171,7 @@ class AccessibleTree : public DashboardTest {
  private:
   void selectTab(std::size_t index) {
     constexpr std::array kTabs{DashboardTab::ai, DashboardTab::memory, DashboardTab::awake};
-    controller_.selectTab(kTabs[index]);
+    controller_.open(kTabs[index]);
   }
   void showSettings() {
     if (!settings_) settings_ = interface().makeSettingsWindow();
@@ -196,8 +196,8 @@ class AccessibleTree : public DashboardTest {
     }
   }
   void openMenuOfAField() {
-    if (awake_.manager.isActive()) awake_.manager.stopByUser();
-    controller_.selectTab(DashboardTab::awake);
+    if (world_.manager.isActive()) world_.manager.stopByUser();
+    controller_.open(DashboardTab::awake);
     window_->show();
     const bool minutes = random_() % 2 == 0;
     child<QComboBox>("duration").setCurrentText(minutes ? "Custom minutes…" : "Until a date / time…");

@@ -44,7 +44,7 @@ class DashboardTest : public QtTest {
                          .showLess = [this] { log_.push_back("less"); },
                          .openActivityMonitor = [this] { log_.push_back("activity"); },
                          .quit = [this] { log_.push_back("quit"); }});
-    fillDashboard(controller_, DashboardTab::memory, 40);
+    world_.fill(controller_, DashboardTab::memory, 40);
     controller_.expandClicked();
     render();
   }
@@ -81,8 +81,8 @@ class DashboardTest : public QtTest {
     click(target.mapTo(&widget(), target.rect().center()));
   }
 
-  SampleAwakePage awake_;
-  DashboardController controller_{awake_.viewServices()};
+  SampleWorld world_;
+  DashboardController controller_{world_.sources()};
   std::vector<std::string> log_;
   std::unique_ptr<DashboardWindow> window_;
 };

@@ -25,7 +25,7 @@ class SettingsTextsTest : public SettingsWindowTest {
     return texts;
   }
   [[nodiscard]] bool showsVersion(const std::string& line) {
-    controller.sync();
+    controller.syncIfVisible();
     return shows(line);
   }
 };
@@ -105,7 +105,8 @@ TEST_F(SettingsTextsTest, KeepAwake) {
 }
 
 TEST_F(SettingsTextsTest, WidgetMessageStandsUnderTheNoteInASmallTextOfItsOwnColour) {
-  controller.setWidgetMessage("Widget sharing unavailable.");
+  widgetMessage = "Widget sharing unavailable.";
+  controller.syncIfVisible();
   const auto& controls = window.content().pages.at(kGeneralPage).controls;
   const auto found = std::find_if(controls.begin(), controls.end(), [](const auto& control) {
     const auto* const label = std::get_if<LabelContent>(&control);

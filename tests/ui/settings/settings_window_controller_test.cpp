@@ -47,17 +47,18 @@ TEST_F(SettingsWindowControllerTest, TabThatIsNotThereIsIgnored) {
   EXPECT_EQ(pagesVisible(), (std::vector{false, false, true, false}));
 }
 
-TEST_F(SettingsWindowControllerTest, ReopenedWindowKeepsItsPage) {
+TEST_F(SettingsWindowControllerTest, ReopenedWindowKeepsItsPageUnlessAnotherIsAskedFor) {
   ASSERT_TRUE(window.selectTab(kUsagePage));
-  controller.close();
-  EXPECT_FALSE(controller.visible());
+  window.close();
   controller.show();
-  EXPECT_TRUE(controller.visible());
+  EXPECT_TRUE(window.visible());
   EXPECT_EQ(window.content().tabs.selected, kUsagePage);
+  controller.show(SettingsTab::awake);
+  EXPECT_EQ(window.content().tabs.selected, kAwakePage);
 }
 
 TEST_F(SettingsWindowControllerTest, OpensWithWhatWasStoredMeanwhile) {
-  controller.close();
+  window.close();
   settings.setMonitorCpu(true);
   EXPECT_FALSE(check("cpu").on);
   controller.show();
@@ -89,7 +90,7 @@ TEST_F(SettingsWindowControllerTest, ChangesFromElsewhereReachAnOpenWindowOnly) 
   settings.setMonitorCpu(true);
   controller.syncIfVisible();
   EXPECT_TRUE(check("cpu").on);
-  controller.close();
+  window.close();
   const int renders = window.renders();
   settings.setMonitorCpu(false);
   controller.syncIfVisible();
@@ -99,7 +100,7 @@ TEST_F(SettingsWindowControllerTest, ChangesFromElsewhereReachAnOpenWindowOnly) 
 TEST_F(SettingsWindowControllerTest, OwnerIsToldAfterTheSettingIsWrittenAndBeforeItIsShown) {
   bool stored = false;
   bool shown = true;
-  controller.onChange = [&](const Change&) {
+  onChange = [&](const Change&) {
     stored = settings.monitorCpu();
     shown = check("cpu").on;
   };
@@ -109,7 +110,7 @@ TEST_F(SettingsWindowControllerTest, OwnerIsToldAfterTheSettingIsWrittenAndBefor
 }
 
 TEST_F(SettingsWindowControllerTest, WhatTheOwnerPutsBackIsShownAtOnce) {
-  controller.onChange = [this](const Change& change) {
+  onChange = [this](const Change& change) {
     if (change.kind == Kind::display) settings.setAwakeDisplayOn(false);
   };
   click("display");
@@ -119,7 +120,7 @@ TEST_F(SettingsWindowControllerTest, WhatTheOwnerPutsBackIsShownAtOnce) {
 // Launch at login.
 
 TEST_F(SettingsWindowControllerTest, LoginAsksTheOwnerAndShowsTheNewState) {
-  controller.onLogin = [this] { loginStatus = LoginItemStatus::enabled; };
+  onLogin = [this] { login.current = LoginItemStatus::enabled; };
   EXPECT_EQ(check("login").title, "Launch at login");
   click("login");
   EXPECT_TRUE(check("login").on);
@@ -136,8 +137,8 @@ TEST_F(SettingsWindowControllerTest, RefusedLoginStaysUnticked) {
 }
 
 TEST_F(SettingsWindowControllerTest, EnabledLoginThatStaysEnabledStaysTicked) {
-  loginStatus = LoginItemStatus::enabled;
-  controller.sync();
+  login.current = LoginItemStatus::enabled;
+  controller.syncIfVisible();
   click("login");
   EXPECT_EQ(logins, 1);
   EXPECT_TRUE(check("login").on);
@@ -145,12 +146,12 @@ TEST_F(SettingsWindowControllerTest, EnabledLoginThatStaysEnabledStaysTicked) {
 
 TEST_F(SettingsWindowControllerTest, NoteAsksForApprovalOnlyWhileItIsNeeded) {
   for (const auto status : {LoginItemStatus::notRegistered, LoginItemStatus::enabled}) {
-    loginStatus = status;
-    controller.sync();
+    login.current = status;
+    controller.syncIfVisible();
     EXPECT_TRUE(shows(kSavedNote));
     EXPECT_FALSE(shows(kApprovalNote));
   }
-  loginStatus = LoginItemStatus::requiresApproval;
+  login.current = LoginItemStatus::requiresApproval;
   ASSERT_TRUE(window.becomeKey());
   EXPECT_TRUE(shows(kApprovalNote));
   EXPECT_FALSE(shows(kSavedNote));
@@ -168,20 +169,13 @@ TEST_F(SettingsWindowControllerTest, UpdatesBoxOnlyAsksTheOwner) {
   EXPECT_EQ(takeWrittenKeys(), std::vector<std::string>{});
 }
 
-TEST_F(SettingsWindowControllerTest, UpdatesBoxShowsWhatTheOwnerPushesIn) {
-  controller.onToggleAutomaticUpdates = [this] { controller.setAutomaticUpdates(true); };
+TEST_F(SettingsWindowControllerTest, UpdatesBoxShowsWhatTheOwnerSays) {
+  automaticUpdates = true;
   click("updates");
   EXPECT_TRUE(check("updates").on);
-  controller.setAutomaticUpdates(false);
+  automaticUpdates = false;
+  controller.syncIfVisible();
   EXPECT_FALSE(check("updates").on);
-}
-
-TEST_F(SettingsWindowControllerTest, UpdatesPushedInWhileClosedAreShownOnOpening) {
-  controller.close();
-  controller.setAutomaticUpdates(true);
-  EXPECT_FALSE(check("updates").on);
-  controller.show();
-  EXPECT_TRUE(check("updates").on);
 }
 
 TEST_F(SettingsWindowControllerTest, ButtonsAskTheOwnerOnce) {
@@ -198,37 +192,20 @@ TEST_F(SettingsWindowControllerTest, ButtonsAskTheOwnerOnce) {
 
 TEST_F(SettingsWindowControllerTest, WidgetMessageIsThereOnlyWhileThereIsOne) {
   const auto without = window.content();
-  controller.setWidgetMessage("Widget sharing unavailable.");
+  widgetMessage = "Widget sharing unavailable.";
+  controller.syncIfVisible();
   EXPECT_TRUE(shows("Widget sharing unavailable."));
-  controller.setWidgetMessage(std::nullopt);
+  widgetMessage.reset();
+  controller.syncIfVisible();
   EXPECT_EQ(window.content(), without);
-}
-
-TEST_F(SettingsWindowControllerTest, WidgetMessageComesOnOpeningToAClosedWindow) {
-  controller.close();
-  controller.setWidgetMessage("Widget sharing unavailable.");
-  EXPECT_FALSE(shows("Widget sharing unavailable."));
-  controller.show();
-  EXPECT_TRUE(shows("Widget sharing unavailable."));
 }
 
 // Its ends.
 
-TEST_F(SettingsWindowControllerTest, EverythingWorksWithoutAnOwner) {
-  controller.onChange = nullptr;
-  controller.onLogin = controller.onCheckUpdates = nullptr;
-  controller.onToggleAutomaticUpdates = controller.onEnableClaudeDesktop = nullptr;
-  click("cpu");
-  click("login");
-  click("updates");
-  press("checkUpdates");
-  press("enableClaudeDesktop");
-  EXPECT_EQ(stored("monitorCPU"), true);
-}
-
 TEST_F(SettingsWindowControllerTest, LetsGoOfTheWindowAtItsEnd) {
   FakeSettingsWindow other;
-  auto second = std::make_unique<SettingsWindowController>(settings, other, bundle, [this] { return loginStatus; });
+  auto second = std::make_unique<SettingsWindowController>(SettingsWindowController::Sources{settings, bundle, login},
+                                                           other, SettingsWindowController::Callbacks());
   EXPECT_TRUE(other.hasListeners());
   EXPECT_EQ(other.renders(), 0) << "nothing is made for a window that nobody opened";
   second.reset();
@@ -236,13 +213,12 @@ TEST_F(SettingsWindowControllerTest, LetsGoOfTheWindowAtItsEnd) {
 }
 
 TEST_F(SettingsWindowControllerTest, WindowThatCannotBeShownCostsNothingLater) {
-  controller.close();
+  window.close();
   window.canBeShown = false;
   controller.show();
-  EXPECT_FALSE(controller.visible());
+  EXPECT_FALSE(window.visible());
   const int renders = window.renders();
   controller.syncIfVisible();
-  controller.setAutomaticUpdates(true);
   EXPECT_EQ(window.renders(), renders);
 }
 

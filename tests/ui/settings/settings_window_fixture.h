@@ -11,6 +11,7 @@
 #include <variant>
 #include <vector>
 
+#include "support/fake_login_item.h"
 #include "support/fake_settings_window.h"
 #include "support/fake_user_defaults.h"
 #include "ui/settings/settings_window_controller.h"
@@ -26,22 +27,17 @@ inline constexpr char kSettingsDomain[] = "test.domain";
 /// An open settings window over a store in memory, and an owner that keeps a record.
 class SettingsWindowTest : public testing::Test {
  protected:
-  using Change = SettingsWindowController::Change;
+  using Change = SettingsChange;
   using Kind = Change::Kind;
 
   SettingsWindowTest() {
-    controller.onChange = [this](const Change& change) { changes.push_back(change); };
-    controller.onLogin = [this] { ++logins; };
-    controller.onCheckUpdates = [this] { ++updateChecks; };
-    controller.onToggleAutomaticUpdates = [this] { ++updateToggles; };
-    controller.onEnableClaudeDesktop = [this] { ++claudeDesktopRequests; };
     controller.show();
     domains.writes.clear();
   }
 
   void store(const std::string& key, nlohmann::json value) {
     domains.domains[kSettingsDomain][key] = std::move(value);
-    controller.sync();
+    controller.syncIfVisible();
   }
   [[nodiscard]] nlohmann::json stored(const std::string& key) const {
     const auto& values = domains.domains.at(kSettingsDomain);
@@ -94,17 +90,41 @@ class SettingsWindowTest : public testing::Test {
   FakeUserDefaults defaults{domains, kSettingsDomain};
   Settings settings{defaults};
   BundleInfo bundle;
-  LoginItemStatus loginStatus = LoginItemStatus::notRegistered;
+  FakeLoginItem login;
+  bool automaticUpdates = false;
+  std::optional<std::string> widgetMessage;
   FakeSettingsWindow window;
-  SettingsWindowController controller{settings, window, bundle, [this] { return loginStatus; }};
 
   std::vector<Change> changes;
+  /// What the owner does besides keeping its record.
+  std::function<void(const Change& change)> onChange = [](const Change&) {};
+  std::function<void()> onLogin = [] {};
   int logins = 0;
   int updateChecks = 0;
   int updateToggles = 0;
   int claudeDesktopRequests = 0;
 
+  SettingsWindowController controller{{settings, bundle, login}, window, callbacks()};
+
  private:
+  SettingsWindowController::Callbacks callbacks() {
+    return {.changed =
+                [this](const Change& change) {
+                  changes.push_back(change);
+                  onChange(change);
+                },
+            .toggleLogin =
+                [this] {
+                  ++logins;
+                  onLogin();
+                },
+            .checkForUpdates = [this] { ++updateChecks; },
+            .toggleAutomaticUpdates = [this] { ++updateToggles; },
+            .enableClaudeDesktop = [this] { ++claudeDesktopRequests; },
+            .automaticUpdates = [this] { return automaticUpdates; },
+            .widgetMessage = [this] { return widgetMessage; }};
+  }
+
   template <class Act>
   void reach(const std::string& identifier, Act act) {
     for (std::size_t tab = 0; tab < window.content().tabs.labels.size(); ++tab) {

@@ -6,8 +6,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "ui/tray/status_item_symbols.h"
-
 namespace nimbo {
 namespace {
 

@@ -55,38 +55,36 @@ TEST_F(UsageMenuGaugeTest, WithoutProvidersThereIsOneOpaqueDashAndAHint) {
   settings.setUsageEnabled(UsageProvider::codex, false);
   settings.setUsageEnabled(UsageProvider::claude, false);
   EXPECT_TRUE(gauges().empty());
-  const auto image = gaugeImage({}, true);
+  const auto image = usageItemContent({}, true, kNow).image;
   ASSERT_EQ(image.shapes.size(), 2U);
   EXPECT_EQ(image.shapes[0].outline, (RoundedRect{{1, 7, 16, 4}, 2}));
   EXPECT_EQ(image.shapes[1].outline, (RoundedRect{{6, 8.5, 6, 1}, 0}));
   EXPECT_EQ(image.shapes[1].alpha, 1);
-  EXPECT_EQ(gaugeTooltip({}, true, kNow), "AI usage · bars top to bottom\n\n");
   EXPECT_EQ(usageItemContent({}, true, kNow).toolTip, "AI usage · enable a subscription in Settings");
 }
 
 TEST_F(UsageMenuGaugeTest, WindowIsTheShortOneOrTheWeeklyOne) {
-  EXPECT_EQ(gauges()[0].windows.at(0)->title, "Weekly");
+  EXPECT_EQ(gauges()[0].window->title, "Weekly");
   settings.setAiMenuWindows(0);
-  EXPECT_EQ(gauges()[0].windows.at(0)->title, "5-hour");
+  EXPECT_EQ(gauges()[0].window->title, "5-hour");
   states[UsageProvider::codex].snapshot->windows = {{"Weekly", 1, {}}, {"Session", 2, {}}, {"5-hour", 3, {}}};
-  EXPECT_EQ(gauges()[0].windows.at(0)->title, "Session");
+  EXPECT_EQ(gauges()[0].window->title, "Session");
 }
 
 TEST_F(UsageMenuGaugeTest, MissingWeeklyWindowIsADashAlthoughOthersExist) {
   states[UsageProvider::codex].snapshot->windows = {{"5-hour", 25, {}}};
-  ASSERT_EQ(gauges()[0].windows.size(), 1U);
-  EXPECT_FALSE(gauges()[0].windows[0]);
-  EXPECT_EQ(gaugeImage(gauges(), true).shapes[1].outline.rect.width, 6);
+  EXPECT_FALSE(gauges()[0].window);
+  EXPECT_EQ(usageItemContent(gauges(), true, kNow).image.shapes[1].outline.rect.width, 6);
 }
 
 TEST_F(UsageMenuGaugeTest, ProviderEnabledInTheSettingsOnlySaysSo) {
   states.erase(UsageProvider::claude);
   states[UsageProvider::codex].enabled = false;
   for (const auto& gauge : gauges()) {
-    EXPECT_FALSE(gauge.windows.at(0));
+    EXPECT_FALSE(gauge.window);
     EXPECT_EQ(gauge.status, "Enable in Settings to connect your sign-in.");
   }
-  EXPECT_EQ(gaugeTooltip({gauges()[0]}, true, kNow),
+  EXPECT_EQ(usageItemContent({gauges()[0]}, true, kNow).toolTip,
             "AI usage · bars top to bottom\n\nOpenAI · Codex\nUsage unavailable\n"
             "Enable in Settings to connect your sign-in.");
 }
@@ -102,8 +100,8 @@ TEST_F(UsageMenuGaugeTest, ReadingIsOldAfterFifteenMinutes) {
   EXPECT_FALSE(gauges()[0].stale);
   states[UsageProvider::codex].snapshot = snapshot(901s);
   ASSERT_TRUE(gauges()[0].stale);
-  EXPECT_EQ(gaugeImage(gauges(), true).shapes[1].alpha, 0.4);
-  EXPECT_EQ(gaugeTooltip({gauges()[0]}, true, kNow),
+  EXPECT_EQ(usageItemContent(gauges(), true, kNow).image.shapes[1].alpha, 0.4);
+  EXPECT_EQ(usageItemContent({gauges()[0]}, true, kNow).toolTip,
             "AI usage · bars top to bottom\n\nOpenAI · Codex · Last known\nWeekly: 40% remaining · Resets in 3d 0h\n"
             "Updated 14:14 · Stale");
 }
@@ -125,32 +123,34 @@ TEST_F(UsageMenuGaugeTest, StatusLineFollowsItsOrder) {
   EXPECT_EQ(status(state), "Couldn’t");
 }
 
-TEST_F(UsageMenuGaugeTest, FractionIsWhatIsLeftOrWhatIsUsed) {
-  const std::vector<std::optional<UsageWindow>> windows{UsageWindow{"Weekly", 30, {}}};
-  EXPECT_DOUBLE_EQ(*gaugeFraction(windows, 0, true), 0.7);
-  EXPECT_DOUBLE_EQ(*gaugeFraction(windows, 0, false), 0.3);
-  EXPECT_FALSE(gaugeFraction(windows, 1, true));
-  EXPECT_FALSE(gaugeFraction({std::nullopt}, 0, true));
+TEST_F(UsageMenuGaugeTest, BarIsFilledByWhatIsLeftOrByWhatIsUsed) {
+  states[UsageProvider::codex].snapshot->windows = {{"Weekly", 25, {}}};
+  EXPECT_EQ(usageItemContent(gauges(), true, kNow).image.shapes[1].outline.rect.width, 12);
+  EXPECT_EQ(usageItemContent(gauges(), false, kNow).image.shapes[1].outline.rect.width, 4);
 }
 
-TEST_F(UsageMenuGaugeTest, FigureThatIsNoneHasNoFraction) {
+TEST_F(UsageMenuGaugeTest, FigureThatIsNoneIsADash) {
+  const auto dash = usageItemContent({}, true, kNow).image;
   for (const double used : {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity()}) {
-    EXPECT_FALSE(gaugeFraction({UsageWindow{"Weekly", used, {}}}, 0, true));
-    EXPECT_FALSE(gaugeFraction({UsageWindow{"Weekly", used, {}}}, 0, false));
+    states[UsageProvider::codex].snapshot->windows = {{"Weekly", used, {}}};
+    const auto one = std::vector{gauges()[0]};
+    EXPECT_EQ(usageItemContent(one, true, kNow).image, dash);
+    EXPECT_EQ(usageItemContent(one, false, kNow).image, dash);
   }
 }
 
 TEST_F(UsageMenuGaugeTest, MoreThanAllIsAnEmptyOrAFullBar) {
   states[UsageProvider::codex].snapshot->windows = {{"Weekly", 130, {}}};
   const auto one = std::vector{gauges()[0]};
-  EXPECT_EQ(gaugeImage(one, true).shapes[1].outline.rect.width, 0);
-  EXPECT_NE(gaugeTooltip(one, true, kNow).find("Weekly: 0% remaining · Reset time unavailable"), std::string::npos);
-  EXPECT_EQ(gaugeImage(one, false).shapes[1].outline.rect.width, 16);
-  EXPECT_NE(gaugeTooltip(one, false, kNow).find("Weekly: 130% used"), std::string::npos);
+  EXPECT_EQ(usageItemContent(one, true, kNow).image.shapes[1].outline.rect.width, 0);
+  EXPECT_NE(usageItemContent(one, true, kNow).toolTip.find("Weekly: 0% remaining · Reset time unavailable"),
+            std::string::npos);
+  EXPECT_EQ(usageItemContent(one, false, kNow).image.shapes[1].outline.rect.width, 16);
+  EXPECT_NE(usageItemContent(one, false, kNow).toolTip.find("Weekly: 130% used"), std::string::npos);
 }
 
 TEST_F(UsageMenuGaugeTest, BarsAreStackedFromTheTopAndClippedToTheirTracks) {
-  const auto image = gaugeImage(gauges(), false);
+  const auto image = usageItemContent(gauges(), false, kNow).image;
   ASSERT_EQ(image.shapes.size(), 4U);
   EXPECT_EQ(image.shapes[0].outline, (RoundedRect{{1, 11, 16, 4}, 2}));
   EXPECT_EQ(image.shapes[0].alpha, 0.18);
@@ -160,7 +160,7 @@ TEST_F(UsageMenuGaugeTest, BarsAreStackedFromTheTopAndClippedToTheirTracks) {
 }
 
 TEST_F(UsageMenuGaugeTest, BlocksStandApart) {
-  EXPECT_EQ(gaugeTooltip(gauges(), true, kNow),
+  EXPECT_EQ(usageItemContent(gauges(), true, kNow).toolTip,
             "AI usage · bars top to bottom\n\n"
             "OpenAI · Codex\nWeekly: 40% remaining · Resets in 3d 0h\nUpdated 14:30\n\n"
             "Anthropic · Claude\nWeekly: 40% remaining · Resets in 3d 0h\nUpdated 14:30");

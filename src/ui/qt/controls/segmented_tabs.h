@@ -5,7 +5,7 @@
 #include <functional>
 #include <optional>
 
-#include "ui/controls/tabs_content.h"
+#include "ui/controls/control_content.h"
 
 namespace nimbo {
 

@@ -19,7 +19,7 @@ FittedLabel* AwakePage::makeLabel(const char* name) {
 }
 
 template <class... Values>
-std::function<void(Values...)> AwakePage::caller(std::function<void(Values...)> AwakePageActions::*action) {
+std::function<void(Values...)> AwakePage::caller(std::function<void(Values...)> AwakeActions::*action) {
   return [this, action](Values... values) {
     // A copy, because the action may give this page other actions.
     if (const auto act = actions_.*action) act(values...);
@@ -31,22 +31,22 @@ AwakePage::AwakePage(const Theme& theme, QWidget& parent)
       parent_(parent),
       state_(makeLabel("awakeState")),
       detail_(makeLabel("awakeDetail")),
-      start_(new DashboardButton(theme, caller(&AwakePageActions::startOrStop), &parent)),
-      extend_(new DashboardButton(theme, caller(&AwakePageActions::extend), &parent)),
+      start_(new DashboardButton(theme, caller(&AwakeActions::startOrStop), &parent)),
+      extend_(new DashboardButton(theme, caller(&AwakeActions::extend), &parent)),
       durationTitle_(makeLabel("awakeDurationTitle")),
-      duration_(new PopUpButton(theme, caller(&AwakePageActions::selectDuration), &parent)),
-      minutes_(new TextField(theme, caller(&AwakePageActions::editMinutes), &parent)),
-      date_(new DatePicker(theme, caller(&AwakePageActions::pickDate), &parent)),
-      display_(new CheckBox(theme, caller(&AwakePageActions::switchDisplay), &parent)),
-      plugged_(new CheckBox(theme, caller(&AwakePageActions::switchPlugged), &parent)),
+      duration_(new PopUpButton(theme, caller(&AwakeActions::selectDuration), &parent)),
+      minutes_(new TextField(theme, caller(&AwakeActions::editMinutes), &parent)),
+      date_(new DatePicker(theme, caller(&AwakeActions::pickDate), &parent)),
+      display_(new CheckBox(theme, caller(&AwakeActions::switchDisplay), &parent)),
+      plugged_(new CheckBox(theme, caller(&AwakeActions::switchPlugged), &parent)),
       batteryTitle_(makeLabel("awakeBatteryTitle")),
-      battery_(new PopUpButton(theme, caller(&AwakePageActions::selectBatteryFloor), &parent)),
-      off_(new DashboardButton(theme, caller(&AwakePageActions::turnDisplayOff), &parent)),
+      battery_(new PopUpButton(theme, caller(&AwakeActions::selectBatteryFloor), &parent)),
+      off_(new DashboardButton(theme, caller(&AwakeActions::turnDisplayOff), &parent)),
       note_(makeLabel("awakeNote")) {}
 
-void AwakePage::setActions(AwakePageActions actions) { actions_ = std::move(actions); }
+void AwakePage::setActions(AwakeActions actions) { actions_ = std::move(actions); }
 
-void AwakePage::render(const AwakePageContent& content) {
+void AwakePage::render(const AwakeContent& content) {
   state_->setContent(content.state);
   detail_->setContent(content.detail);
   start_->setContent(content.start);

@@ -24,8 +24,8 @@ class AwakePage {
   AwakePage(const AwakePage&) = delete;  // the widgets call it
   AwakePage& operator=(const AwakePage&) = delete;
 
-  void setActions(AwakePageActions actions);
-  void render(const AwakePageContent& content);
+  void setActions(AwakeActions actions);
+  void render(const AwakeContent& content);
 
   /// Presses the button whose key equivalent `key` is; whether there was one.
   bool performKeyEquivalent(const QKeyEvent& key);
@@ -34,11 +34,11 @@ class AwakePage {
   [[nodiscard]] FittedLabel* makeLabel(const char* name);
   /// Calls the action with what the control reports.
   template <class... Values>
-  [[nodiscard]] std::function<void(Values...)> caller(std::function<void(Values...)> AwakePageActions::*action);
+  [[nodiscard]] std::function<void(Values...)> caller(std::function<void(Values...)> AwakeActions::*action);
 
   const Theme& theme_;
   QWidget& parent_;
-  AwakePageActions actions_;
+  AwakeActions actions_;
 
   FittedLabel* const state_;
   FittedLabel* const detail_;

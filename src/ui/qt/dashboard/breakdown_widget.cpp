@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ui/qt/dashboard/breakdown_widget.h"
 
-#include "ui/dashboard/breakdown_view.h"
+#include "ui/dashboard/chart_bars.h"
 
 namespace nimbo {
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "ui/dashboard/chart_bar.h"
+#include "ui/dashboard/chart_bars.h"
 
 namespace nimbo {
 

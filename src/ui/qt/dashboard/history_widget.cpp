@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ui/qt/dashboard/history_widget.h"
 
-#include "ui/dashboard/history_view.h"
+#include "ui/dashboard/chart_bars.h"
 
 namespace nimbo {
 

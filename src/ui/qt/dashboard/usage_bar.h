@@ -3,7 +3,7 @@
 
 #include <optional>
 
-#include "ui/dashboard/usage_page_content.h"
+#include "ui/dashboard/dashboard_content.h"
 #include "ui/qt/dashboard/chart_widget.h"
 
 namespace nimbo {

@@ -7,7 +7,7 @@
 #include <optional>
 #include <vector>
 
-#include "ui/dashboard/usage_page_content.h"
+#include "ui/dashboard/dashboard_content.h"
 
 class QAccessibleInterface;
 

@@ -44,9 +44,9 @@ UsagePage::UsagePage(const Theme& theme, QWidget& parent)
   note_->setObjectName("usageNote");
 }
 
-void UsagePage::setActions(UsagePageActions actions) { actions_ = std::move(actions); }
+void UsagePage::setActions(UsageActions actions) { actions_ = std::move(actions); }
 
-void UsagePage::render(const UsagePageContent& content) {
+void UsagePage::render(const UsageContent& content) {
   renderCards(content.cards);
   // Where there is nothing to scroll, Tab passes by; without any focus the cards would lose their place
   // in its order.

@@ -23,8 +23,8 @@ class UsagePage {
   UsagePage(const UsagePage&) = delete;  // the widgets call it
   UsagePage& operator=(const UsagePage&) = delete;
 
-  void setActions(UsagePageActions actions);
-  void render(const UsagePageContent& content);
+  void setActions(UsageActions actions);
+  void render(const UsageContent& content);
 
   [[nodiscard]] const ScrollArea& scroll() const { return *scroll_; }
 
@@ -35,7 +35,7 @@ class UsagePage {
   [[nodiscard]] UsageCard* makeCard(UsageProvider provider);
 
   const Theme& theme_;
-  UsagePageActions actions_;
+  UsageActions actions_;
 
   ScrollArea* const scroll_;
   std::vector<UsageCard*> cards_;  ///< from top to bottom

@@ -4,7 +4,7 @@
 #include <QWidget>
 #include <optional>
 
-#include "ui/dashboard/usage_page_content.h"
+#include "ui/dashboard/dashboard_content.h"
 
 namespace nimbo {
 

@@ -16,8 +16,7 @@ class AwakePageTest : public DashboardTest {
  protected:
   void SetUp() override {
     DashboardTest::SetUp();
-    awake_.connect(controller_);
-    controller_.selectTab(DashboardTab::awake);
+    controller_.open(DashboardTab::awake);
     controller_.onContentChanged = [this] { render(); };
     window_->setActions({.selectTab = {},
                          .openSettings = {},
@@ -25,7 +24,7 @@ class AwakePageTest : public DashboardTest {
                          .showLess = {},
                          .openActivityMonitor = {},
                          .quit = {},
-                         .awake = recorded(controller_.awakeView().actions())});
+                         .awake = recorded(world_.connect(controller_))});
     window_->setEvents({.keyDown =
                             [this](Key key) {
                               keys_.push_back(key);
@@ -55,7 +54,7 @@ class AwakePageTest : public DashboardTest {
   int clicksOutside_ = 0;
 
  private:
-  AwakePageActions recorded(AwakePageActions actions) {
+  AwakeActions recorded(AwakeActions actions) {
     const auto logged = [this](const char* name, auto action) {
       return [this, name, action](const auto&... values) {
         log_.push_back((std::string(name) + ... + (' ' + described(values))));

@@ -63,7 +63,7 @@ TEST_F(AwakePageOnScreen, EveryControlCallsItsAction) {
   popUp("battery").setCurrentIndex(3);
   popUp("duration").setCurrentIndex(5);
   EXPECT_EQ(log_, (Log{"start", "extend", "off", "start", "display on", "plugged on", "battery 3", "duration 5"}));
-  EXPECT_EQ(awake_.settings.awakeBatteryFloor(), 30);
+  EXPECT_EQ(world_.settings.awakeBatteryFloor(), 30);
 }
 
 TEST_F(AwakePageOnScreen, ChangesByTheProgramCallNoAction) {
@@ -85,12 +85,12 @@ TEST_F(AwakePageOnScreen, ChangesByTheProgramCallNoAction) {
 
 TEST_F(AwakePageOnScreen, OtherTabHidesEverything) {
   choose("Custom minutes…");
-  controller_.selectTab(DashboardTab::memory);
+  controller_.open(DashboardTab::memory);
   for (const char* name : {"awakeState", "awakeDetail", "start", "extend", "awakeDurationTitle", "duration", "minutes",
                            "date", "display", "plugged", "awakeBatteryTitle", "battery", "displayOff", "awakeNote"}) {
     EXPECT_FALSE(child(name).isVisible()) << name;
   }
-  controller_.selectTab(DashboardTab::awake);
+  controller_.open(DashboardTab::awake);
   EXPECT_TRUE(child("minutes").isVisible());
   EXPECT_FALSE(child("date").isVisible());
 }
@@ -139,7 +139,7 @@ TEST_F(AwakePageOnScreen, CheckBoxIsSwitchedWithinBoxAndTitleOnly) {
 
 TEST_F(AwakePageOnScreen, RefusedSwitchGoesBack) {
   click("start");
-  awake_.assertions.refuse(kPreventDisplaySleep, 95);
+  world_.assertions.refuse(kPreventDisplaySleep, 95);
   log_.clear();
   click(child("display").geometry().topLeft() + QPoint(10, 10));
   EXPECT_EQ(log_, Log{"display on"});
@@ -286,7 +286,7 @@ TEST_F(AwakePageOnScreen, TypingReportsEveryLetterAndReturnDoesNothing) {
   press(Qt::Key_Return);
   press(Qt::Key_Backspace);
   EXPECT_EQ(log_, (Log{"minutes 4", "minutes 45", "minutes 4"}));
-  EXPECT_FALSE(awake_.manager.isActive());
+  EXPECT_FALSE(world_.manager.isActive());
 }
 
 TEST_F(AwakePageOnScreen, EditingKeysCutPasteAndUndo) {
@@ -311,8 +311,8 @@ TEST_F(AwakePageOnScreen, RenderingWhileTheUserTypesKeepsTextAndCursor) {
   type("125");
   press(Qt::Key_Left);
   press(Qt::Key_Left);
-  awake_.settings.setAwakeDisplayOn(true);
-  awake_.manager.onChange();
+  world_.settings.setAwakeDisplayOn(true);
+  world_.manager.onChange();
   ASSERT_TRUE(button("display").isChecked());
   type("9");
   EXPECT_EQ(minutes().text(), "1925");

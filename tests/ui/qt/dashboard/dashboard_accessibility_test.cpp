@@ -79,10 +79,9 @@ TEST_F(DashboardAccessibility, BreakdownReadsAsItsParts) {
 }
 
 TEST_F(DashboardAccessibility, EmptyChartsReadAsNothing) {
-  auto sample = sampleReadings();
-  sample.memoryFailed = true;
-  sample.memoryHistory.clear();
-  controller_.update(sample);
+  world_.readings.memoryFailed = true;
+  world_.readings.memoryHistory.clear();
+  controller_.show();
   render();
   EXPECT_EQ(accessible("history").text(QAccessible::Description), "");
   EXPECT_EQ(accessible("breakdown").text(QAccessible::Value), "");

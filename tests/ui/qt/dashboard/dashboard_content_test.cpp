@@ -48,10 +48,10 @@ TEST_F(DashboardContentOnScreen, TabsShowOrderAndSelection) {
   EXPECT_EQ(tabs.tabText(2), "Awake");
   EXPECT_EQ(tabs.currentIndex(), 1);
 
-  auto preferences = samplePreferences(DashboardTab::memory);
-  preferences.tabOrder = {DashboardTab::memory, DashboardTab::ai};
-  controller_.apply(preferences);
-  render();
+  auto content = controller_.content();
+  content.tabs.labels = {"Mem", "AI"};
+  content.tabs.selected = 0;
+  window_->render(content);
   ASSERT_EQ(tabs.count(), 2);
   EXPECT_EQ(tabs.tabText(0), "Mem");
   EXPECT_EQ(tabs.currentIndex(), 0);
@@ -60,22 +60,22 @@ TEST_F(DashboardContentOnScreen, TabsShowOrderAndSelection) {
 
 TEST_F(DashboardContentOnScreen, OtherTabHidesThePage) {
   open();
-  controller_.selectTab(DashboardTab::ai);
+  controller_.open(DashboardTab::ai);
   render();
   for (const char* name : {"hero", "history", "breakdown", "row2", "processes", "more", "less", "activity", "footer"}) {
     EXPECT_FALSE(child(name).isVisible()) << name;
   }
   EXPECT_TRUE(child("title").isVisible());
   EXPECT_TRUE(child<QAbstractButton>("quit").isVisible());
-  controller_.selectTab(DashboardTab::memory);
+  controller_.open(DashboardTab::memory);
   render();
   EXPECT_TRUE(child("hero").isVisible());
 }
 
 TEST_F(DashboardContentOnScreen, DisabledButtonCannotBePressed) {
   open();
-  controller_.updateProcesses(sampleProcesses(8));
   controller_.setActivityMonitorEnabled(false);
+  controller_.showProcesses(sampleProcesses(8));
   render();
   EXPECT_FALSE(child("more").isEnabled());
   click("more");
@@ -119,11 +119,11 @@ TEST_F(DashboardContentOnScreen, ProcessRowsGrowShrinkAndKeepTheirPlace) {
   EXPECT_EQ(area.widget()->height(), 13 * 29);
   area.verticalScrollBar()->setValue(60);
 
-  controller_.updateProcesses(sampleProcesses(39));
+  controller_.showProcesses(sampleProcesses(39));
   render();
   EXPECT_EQ(area.verticalScrollBar()->value(), 60);
 
-  controller_.updateProcesses({});
+  controller_.showProcesses({});
   render();
   ASSERT_EQ(area.findChildren<QLabel*>().size(), 1);
   EXPECT_EQ(area.findChildren<QLabel*>()[0]->text(), "No readable processes yet");
@@ -132,7 +132,7 @@ TEST_F(DashboardContentOnScreen, ProcessRowsGrowShrinkAndKeepTheirPlace) {
 TEST_F(DashboardContentOnScreen, ToolTipsAreNeverMarkup) {
   auto scan = sampleProcesses(1);
   scan.processes[0].name = "<img src=x>&";
-  controller_.updateProcesses(scan);
+  controller_.showProcesses(scan);
   render();
   const auto* const name = child<QScrollArea>("processes").findChildren<QLabel*>()[0];
   EXPECT_EQ(name->text(), "<img src=x>&");

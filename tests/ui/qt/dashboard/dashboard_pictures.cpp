@@ -17,6 +17,7 @@
 
 #include "sample_dashboard.h"
 #include "sample_usage.h"
+#include "support/fake_login_item.h"
 #include "ui/qt/qt_user_interface.h"
 #include "ui/settings/settings_window_controller.h"
 #include "usage/usage_messages.h"
@@ -46,14 +47,14 @@ class AmericanDates final : public Dates {
 
 struct Scene {
   Scene() {
-    awake.clock.setNow(
+    world.clock.setNow(
         std::chrono::system_clock::time_point(std::chrono::seconds{1795267800}));  // 2026-11-21 13:30 UTC
-    awake.connect(controller);
   }
 
-  SampleAwakePage awake;
+  SampleWorld world;
   AmericanDates dates;
-  DashboardController controller{{awake.settings, awake.clock, dates}};
+  DashboardController controller{{world.settings, world.readings, world.manager, world.usage, world.clock, dates}};
+  AwakeActions awake = world.connect(controller);
 };
 
 struct Picture {
@@ -63,46 +64,43 @@ struct Picture {
   void (*act)(QWidget& window) = nullptr;
 };
 
-void threeProcesses(Scene& scene) { fillDashboard(scene.controller, DashboardTab::memory, 3); }
+void threeProcesses(Scene& scene) { scene.world.fill(scene.controller, DashboardTab::memory, 3); }
 
 void thirteenProcesses(Scene& scene) {
-  fillDashboard(scene.controller, DashboardTab::memory, 40);
+  scene.world.fill(scene.controller, DashboardTab::memory, 40);
   scene.controller.expandClicked();
 }
 
 void memoryFailed(Scene& scene) {
-  scene.controller.apply({.lastDashboardTab = DashboardTab::memory});
-  auto sample = sampleReadings();
-  sample.memoryFailed = true;
-  scene.controller.update(sample);
-  scene.controller.updateProcesses({});
+  scene.world.readings = sampleReadings();
+  scene.world.readings.memoryFailed = true;
+  scene.controller.open(DashboardTab::memory);
 }
 
 void monitoringOff(Scene& scene) {
-  auto preferences = samplePreferences(DashboardTab::memory);
-  preferences.monitorMemory = false;
-  scene.controller.apply(preferences);
-  scene.controller.update(sampleReadings());
-  scene.controller.updateTemperature({});
+  scene.world.fill(scene.controller, DashboardTab::memory, 0);
+  scene.world.settings.setMonitorMemory(false);
+  scene.world.readings.temperature.reset();
+  scene.controller.show();
 }
 
-void showUsage(Scene& scene, const UsageStates& states, const std::optional<std::string>& note = {}) {
-  fillDashboard(scene.controller, DashboardTab::ai, 3);
-  scene.controller.usageView().update(states, note);
+void showUsage(Scene& scene, const UsageStates& states) {
+  scene.world.usage = states;
+  scene.world.fill(scene.controller, DashboardTab::ai, 3);
 }
 
-void usage(Scene& scene) { showUsage(scene, sampleUsage(scene.awake.clock.now())); }
+void usage(Scene& scene) { showUsage(scene, sampleUsage(scene.world.clock.now())); }
 void usageUnconnected(Scene& scene) { showUsage(scene, {}); }
 
 void usageStale(Scene& scene) {
-  auto states = sampleUsage(scene.awake.clock.now());
+  auto states = sampleUsage(scene.world.clock.now());
   states[UsageProvider::codex].snapshot->fetchedAt -= std::chrono::hours(1);
   states[UsageProvider::claude].message = usage_messages::kDesktopNeedsAccessibility;
-  showUsage(scene, states, "Couldn’t open the usage dashboard in your browser. Please try again in a moment.");
+  showUsage(scene, states);
 }
 
 void usageRefreshing(Scene& scene) {
-  auto states = sampleUsage(scene.awake.clock.now());
+  auto states = sampleUsage(scene.world.clock.now());
   states[UsageProvider::codex].isRefreshing = true;
   states[UsageProvider::claude] = {true, {}, {}, true};
   showUsage(scene, states);
@@ -121,7 +119,7 @@ void usageLongMessages(Scene& scene) {
 }
 
 void usageExtremes(Scene& scene) {
-  const auto now = scene.awake.clock.now();
+  const auto now = scene.world.clock.now();
   const auto soon = now + std::chrono::minutes(5);
   showUsage(scene, {{UsageProvider::codex,
                      connectedState({sampleWindow("5-hour", 100, soon), sampleWindow("Weekly", 98.7, soon),
@@ -130,20 +128,19 @@ void usageExtremes(Scene& scene) {
                     {UsageProvider::claude, connectedState({sampleWindow("Sonnet weekly", 75, soon)}, now)}});
 }
 
-void awakeIdle(Scene& scene) { fillDashboard(scene.controller, DashboardTab::awake, 3); }
+void awakeIdle(Scene& scene) { scene.world.fill(scene.controller, DashboardTab::awake, 3); }
 
-AwakePageActions awakeActions(Scene& scene, std::size_t duration) {
+const AwakeActions& awakeActions(Scene& scene, std::size_t duration) {
   awakeIdle(scene);
-  auto actions = scene.controller.awakeView().actions();
-  actions.selectDuration(duration);
-  return actions;
+  scene.awake.selectDuration(duration);
+  return scene.awake;
 }
 
 void awakeMinutes(Scene& scene) { awakeActions(scene, 5).editMinutes(""); }
 void awakeDate(Scene& scene) { awakeActions(scene, 6); }
 
 void awakeRunning(Scene& scene) {
-  const auto actions = awakeActions(scene, 2);
+  const auto& actions = awakeActions(scene, 2);
   actions.switchDisplay(true);
   actions.switchPlugged(true);
   actions.selectBatteryFloor(2);
@@ -153,13 +150,13 @@ void awakeRunning(Scene& scene) {
 void awakeRunningUntilDate(Scene& scene) { awakeActions(scene, 6).startOrStop(); }
 
 void awakeInputError(Scene& scene) {
-  const auto actions = awakeActions(scene, 5);
+  const auto& actions = awakeActions(scene, 5);
   actions.editMinutes("soon");
   actions.startOrStop();
 }
 
 void awakeRefused(Scene& scene) {
-  scene.awake.assertions.refuse("PreventUserIdleSystemSleep", 95);
+  scene.world.assertions.refuse("PreventUserIdleSystemSleep", 95);
   awakeActions(scene, 0).startOrStop();
 }
 
@@ -267,24 +264,25 @@ bool saveAlert(UserInterface& interface, const QString& path) {
 
 struct SettingsPicture {
   const char* name;
-  std::size_t page;
+  SettingsTab tab;
   void (*act)(QWidget& window) = nullptr;
   LoginItemStatus loginStatus = LoginItemStatus::enabled;
   const char* message = nullptr;
 };
 
 constexpr SettingsPicture kSettingsPictures[] = {
-    {"settings-general", 0},
-    {"settings-general-long", 0, nullptr, LoginItemStatus::requiresApproval,
+    {"settings-general", SettingsTab::general},
+    {"settings-general-long", SettingsTab::general, nullptr, LoginItemStatus::requiresApproval,
      "Widgets are unavailable in this build. Install the signed Nimbo app to use them."},
-    {"settings-monitors", 1},
-    {"settings-usage", 2},
-    {"settings-awake", 3},
-    {"settings-list", 0, [](QWidget& window) { control<QComboBox>(window, "tabOrder")->showPopup(); }},
-    {"settings-focus-tabs", 0, [](QWidget& window) { focus(window, "tabs"); }},
-    {"settings-focus-box", 1, [](QWidget& window) { focus(window, "cpu"); }},
-    {"settings-focus-list", 0, [](QWidget& window) { focus(window, "preset"); }},
-    {"settings-focus-button", 2, [](QWidget& window) { focus(window, "enableClaudeDesktop"); }}};
+    {"settings-monitors", SettingsTab::monitors},
+    {"settings-usage", SettingsTab::usage},
+    {"settings-awake", SettingsTab::awake},
+    {"settings-list", SettingsTab::general,
+     [](QWidget& window) { control<QComboBox>(window, "tabOrder")->showPopup(); }},
+    {"settings-focus-tabs", SettingsTab::general, [](QWidget& window) { focus(window, "tabs"); }},
+    {"settings-focus-box", SettingsTab::monitors, [](QWidget& window) { focus(window, "cpu"); }},
+    {"settings-focus-list", SettingsTab::general, [](QWidget& window) { focus(window, "preset"); }},
+    {"settings-focus-button", SettingsTab::usage, [](QWidget& window) { focus(window, "enableClaudeDesktop"); }}};
 
 bool saveSettings(UserInterface& interface, const SettingsPicture& picture, const QString& path) {
   FakeUserDefaultsDomains domains;
@@ -294,10 +292,16 @@ bool saveSettings(UserInterface& interface, const SettingsPicture& picture, cons
   bundle.shortVersion = "1.0";
   bundle.version = "1";
   const auto window = interface.makeSettingsWindow();
-  SettingsWindowController controller(settings, *window, bundle, [&] { return picture.loginStatus; });
-  if (picture.message != nullptr) controller.setWidgetMessage(picture.message);
-  controller.tabChanged(picture.page);
-  controller.show();
+  FakeLoginItem login;
+  login.current = picture.loginStatus;
+  SettingsWindowController::Callbacks callbacks;
+  callbacks.automaticUpdates = [] { return false; };
+  callbacks.widgetMessage = [&picture]() -> std::optional<std::string> {
+    if (picture.message == nullptr) return std::nullopt;
+    return picture.message;
+  };
+  SettingsWindowController controller({settings, bundle, login}, *window, callbacks);
+  controller.show(picture.tab);
   QWidget& widget = topLevel("settingsWindow");
   constexpr QMargins kRoom{24, 24, 24, 24};
   widget.move(kRoom.left(), kRoom.top());

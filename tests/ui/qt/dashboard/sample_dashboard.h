@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <string>
 
-#include "ui/dashboard/awake_view_fixture.h"
 #include "ui/dashboard/dashboard_controller.h"
+#include "ui/dashboard/dashboard_world.h"
 
 namespace nimbo {
 
@@ -15,8 +15,7 @@ inline constexpr double kGigabyte = 1024.0 * 1024 * 1024;
 inline std::uint64_t gigabytes(double count) { return static_cast<std::uint64_t>(count * kGigabyte); }
 
 /// A machine in ordinary use, seen some minutes after the start.
-inline ResourcesSample sampleReadings() {
-  ResourcesSample sample;
+inline SystemReadings sampleReadings() {
   MemorySnapshot memory;
   memory.total = gigabytes(16);
   memory.app = gigabytes(7.4);
@@ -25,15 +24,17 @@ inline ResourcesSample sampleReadings() {
   memory.cached = gigabytes(3.1);
   memory.swap = gigabytes(0.6);
   memory.pressure = MemoryPressure::normal;
-  sample.memory = memory;
-  sample.cpu = 0.23;
+  SystemReadings readings;
+  readings.memory = memory;
+  readings.cpu = 0.23;
   for (int index = 0; index < 60; ++index) {
-    sample.memoryHistory.push_back(0.62 + 0.12 * std::sin(index / 6.0) + 0.03 * std::sin(index * 1.7));
-    sample.cpuHistory.push_back(0.25 + 0.2 * std::sin(index / 3.0) * std::sin(index / 3.0));
+    readings.memoryHistory.push_back(0.62 + 0.12 * std::sin(index / 6.0) + 0.03 * std::sin(index * 1.7));
+    readings.cpuHistory.push_back(0.25 + 0.2 * std::sin(index / 3.0) * std::sin(index / 3.0));
   }
-  sample.memoryHistory.push_back(memory.usedFraction());
-  sample.cpuHistory.push_back(*sample.cpu);
-  return sample;
+  readings.memoryHistory.push_back(memory.usedFraction());
+  readings.cpuHistory.push_back(*readings.cpu);
+  readings.temperature = 58;
+  return readings;
 }
 
 inline ProcessScan sampleProcesses(std::size_t count) {
@@ -48,40 +49,37 @@ inline ProcessScan sampleProcesses(std::size_t count) {
   return scan;
 }
 
-inline DashboardPreferences samplePreferences(DashboardTab tab) {
-  DashboardPreferences preferences;
-  preferences.lastDashboardTab = tab;
-  preferences.monitorCpu = true;
-  preferences.monitorTemperature = true;
-  return preferences;
-}
+/// A dashboard's sources, with a session that its Keep Awake page steers as in the program.
+struct SampleWorld : DashboardWorld {
+  /// Everything on and `processes` found by the last scan.
+  void fill(DashboardController& controller, DashboardTab tab, std::size_t processes) {
+    settings.setMonitorCpu(true);
+    settings.setMonitorTemperature(true);
+    readings = sampleReadings();
+    controller.showProcesses(sampleProcesses(processes));
+    controller.open(tab);
+  }
 
-/// The controller with everything on and `processes` found by the last scan.
-inline void fillDashboard(DashboardController& controller, DashboardTab tab, std::size_t processes) {
-  controller.apply(samplePreferences(tab));
-  controller.update(sampleReadings());
-  controller.updateProcesses(sampleProcesses(processes));
-  controller.updateTemperature(58);
-}
-
-/// A Keep Awake page with the session that it steers, connected to each other as in the program.
-struct SampleAwakePage : AwakeViewWorld {
-  /// Stays where it is: `controller` calls it.
-  void connect(DashboardController& controller) {
-    AwakeView& view = controller.awakeView();
-    view.onToggle = [this](std::optional<AwakeView::Time> end) {
-      if (manager.isActive()) {
-        manager.stopByUser();
-      } else {
-        static_cast<void>(manager.start(end, settings.awakeDisplayOn(), clock.now()));
-      }
-    };
-    view.onDisplay = [this](bool on) {
-      if (!manager.isActive() || manager.setKeepDisplayOn(on)) settings.setAwakeDisplayOn(on);
-    };
-    view.onExtend = [this] { manager.extend(std::chrono::minutes(30)); };
-    manager.onChange = [this, &view] { view.refresh(manager); };
-    view.refresh(manager);
+  /// Stays where it is: the session and the actions call it.
+  AwakeActions connect(DashboardController& controller) {
+    manager.onChange = [&controller] { controller.show(); };
+    return controller.awakeView().actions({
+        .toggle =
+            [this](std::optional<AwakeView::Time> end) {
+              if (manager.isActive()) {
+                manager.stopByUser();
+              } else {
+                static_cast<void>(manager.start(end, settings.awakeDisplayOn(), clock.now()));
+              }
+            },
+        .keepDisplayOn =
+            [this](bool on) {
+              if (!manager.isActive() || manager.setKeepDisplayOn(on)) settings.setAwakeDisplayOn(on);
+            },
+        .rulesChanged = [] {},
+        .turnDisplayOff = [] {},
+        .extend = [this] { manager.extend(std::chrono::minutes(30)); },
+    });
   }
 };
 

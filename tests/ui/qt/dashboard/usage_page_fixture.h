@@ -17,7 +17,7 @@ class UsagePageTest : public DashboardTest {
  protected:
   void SetUp() override {
     DashboardTest::SetUp();
-    controller_.selectTab(DashboardTab::ai);
+    controller_.open(DashboardTab::ai);
     controller_.onContentChanged = [this] { render(); };
     DashboardActions actions;
     actions.usage = {[this] { log_.push_back("refresh"); }, [this] { log_.push_back("configure"); },
@@ -28,9 +28,14 @@ class UsagePageTest : public DashboardTest {
     open();
   }
 
-  [[nodiscard]] UsageTime now() const { return awake_.clock.now(); }
-  void show(const UsageStates& states, const std::optional<std::string>& note = {}) {
-    controller_.usageView().update(states, note);
+  [[nodiscard]] UsageTime now() const { return world_.clock.now(); }
+  void show(const UsageStates& states) {
+    world_.usage = states;
+    controller_.show();
+  }
+  void showClaudeFirst() {
+    world_.settings.setClaudeFirst(true);
+    controller_.show();
   }
   void showCodex(const UsageState& codex) {
     show({{UsageProvider::codex, codex}, {UsageProvider::claude, sampleUsage(now()).at(UsageProvider::claude)}});

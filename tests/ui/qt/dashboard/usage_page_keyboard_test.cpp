@@ -115,7 +115,7 @@ TEST_F(UsagePageKeyboard, FocusSurvivesARefresh) {
 
 TEST_F(UsagePageKeyboard, FocusFollowsACardToItsNewPlace) {
   focus("link.claude");
-  controller_.usageView().setOrder({UsageProvider::claude, UsageProvider::codex});
+  showClaudeFirst();
   EXPECT_EQ(focused(), "link.claude");
   press(Qt::Key_Tab);
   EXPECT_EQ(focused(), "link.codex");

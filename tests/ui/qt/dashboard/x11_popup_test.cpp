@@ -16,8 +16,7 @@ class X11Popup : public X11WindowTest {
  protected:
   void openAwakePage() {
     start();
-    awake_.connect(controller_);
-    controller_.selectTab(DashboardTab::awake);
+    controller_.open(DashboardTab::awake);
     controller_.onContentChanged = [this] { window_->render(controller_.content()); };
     window_->setActions({.selectTab = {},
                          .openSettings = {},
@@ -25,7 +24,7 @@ class X11Popup : public X11WindowTest {
                          .showLess = {},
                          .openActivityMonitor = {},
                          .quit = [this] { ++quits_; },
-                         .awake = controller_.awakeView().actions()});
+                         .awake = world_.connect(controller_)});
     window_->render(controller_.content());
     window_->setFrame({100, 50, controller_.content().size.width, controller_.content().size.height});
     window_->show();
@@ -96,7 +95,7 @@ TEST_F(X11Popup, ClickIntoTheListChoosesAndIsInside) {
   clickAt(placeOf(3));
   ASSERT_TRUE(eventually([] { return !listOpen(); }));
   EXPECT_EQ(durations().currentText(), "2 hours");
-  EXPECT_EQ(awake_.settings.awakeDuration(), 7200);
+  EXPECT_EQ(world_.settings.awakeDuration(), 7200);
   EXPECT_TRUE(outside_.empty());
   EXPECT_TRUE(window_->visible());
   expectMenuBehaviour();
@@ -129,7 +128,7 @@ TEST_F(X11Popup, ClickElsewhereInTheDashboardClosesTheListAlone) {
   clickOn(child("plugged"));
   ASSERT_TRUE(eventually([] { return !listOpen(); }));
   EXPECT_TRUE(outside_.empty());
-  EXPECT_FALSE(awake_.settings.awakeOnlyOnPower()) << "the click does nothing else";
+  EXPECT_FALSE(world_.settings.awakeOnlyOnPower()) << "the click does nothing else";
   expectMenuBehaviour();
 }
 
@@ -197,7 +196,7 @@ TEST_F(X11Popup, LettersReachTheTextField) {
   client_.typeKey(X11Client::k4);
   client_.typeKey(X11Client::k5);
   EXPECT_TRUE(eventually([] { return child<QLineEdit>("minutes").text() == "45"; }));
-  EXPECT_EQ(awake_.settings.awakeCustomMinutes(), 45);
+  EXPECT_EQ(world_.settings.awakeCustomMinutes(), 45);
   EXPECT_TRUE(outside_.empty());
 }
 
@@ -278,7 +277,7 @@ TEST_F(X11Popup, AsToolWindowAClickBesideTheListClosesItAlone) {
   client_.click(700, 300);
   ASSERT_TRUE(eventually([] { return !listOpen(); }));
   clickOn(child("plugged"));
-  ASSERT_TRUE(eventually([this] { return awake_.settings.awakeOnlyOnPower(); }));
+  ASSERT_TRUE(eventually([this] { return world_.settings.awakeOnlyOnPower(); }));
   EXPECT_TRUE(outside_.empty());
   EXPECT_EQ(activations_, 0);
 }

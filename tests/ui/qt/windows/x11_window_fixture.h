@@ -36,7 +36,7 @@ class X11WindowTest : public testing::Test {
                         .clickedOutside = [this](std::optional<Point> place) { outside_.push_back(place); },
                         .otherApplicationActivated = [this] { ++activations_; },
                         .closeRequested = {}});
-    fillDashboard(controller_, DashboardTab::memory, 3);
+    world_.fill(controller_, DashboardTab::memory, 3);
     window_->render(controller_.content());
     window_->setFrame({100, 50, controller_.content().size.width, controller_.content().size.height});
   }
@@ -60,8 +60,8 @@ class X11WindowTest : public testing::Test {
   X11Client client_;
   std::unique_ptr<QtUserInterface> interface_;
   std::unique_ptr<DashboardWindow> window_;
-  SampleAwakePage awake_;
-  DashboardController controller_{awake_.viewServices()};
+  SampleWorld world_;
+  DashboardController controller_{world_.sources()};
   std::vector<Key> keys_;
   std::vector<std::optional<Point>> outside_;
   int activations_ = 0;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "system/memory_snapshot.h"
+#include "system/system_readings.h"
 
 #include <gtest/gtest.h>
 
@@ -21,6 +21,13 @@ TEST(MemorySnapshot, EveryPressureHasItsWord) {
   EXPECT_EQ(pressureWord(MemoryPressure::warning), "Elevated");
   EXPECT_EQ(pressureWord(MemoryPressure::critical), "High");
   EXPECT_EQ(pressureWord(MemoryPressure::unknown), "Unavailable");
+}
+
+TEST(SystemReadings, HistoryClampsToZeroAndOne) {
+  std::vector<double> history;
+  appendToHistory(history, -0.5);
+  appendToHistory(history, 1.5);
+  EXPECT_EQ(history, (std::vector{0.0, 1.0}));
 }
 
 }  // namespace

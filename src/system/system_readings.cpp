@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "system/memory_snapshot.h"
+#include "system/system_readings.h"
+
+#include <algorithm>
 
 namespace nimbo {
 
@@ -15,6 +17,11 @@ std::string_view pressureWord(MemoryPressure pressure) {
       break;
   }
   return "Unavailable";
+}
+
+void appendToHistory(std::vector<double>& history, double value) {
+  if (history.size() >= SystemReadings::kHistoryCapacity) history.erase(history.begin());
+  history.push_back(std::clamp(value, 0.0, 1.0));
 }
 
 }  // namespace nimbo

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ui/dashboard/breakdown_view.h"
+#include "ui/dashboard/chart_bars.h"
 
 #include <gtest/gtest.h>
 
@@ -23,13 +23,13 @@ void expectOnlyBackground(const std::vector<ChartBar>& bars) {
   EXPECT_EQ(bars[0], (ChartBar{kOutline, ColorRole::quaternaryLabel, 0.25, {}}));
 }
 
-TEST(BreakdownView, NoSnapshotDrawsOnlyTheBackground) { expectOnlyBackground(breakdownBars({}, kSize)); }
+TEST(BreakdownBars, NoSnapshotDrawsOnlyTheBackground) { expectOnlyBackground(breakdownBars({}, kSize)); }
 
-TEST(BreakdownView, TotalOfZeroDrawsOnlyTheBackground) {
+TEST(BreakdownBars, TotalOfZeroDrawsOnlyTheBackground) {
   expectOnlyBackground(breakdownBars(snapshotOf(0, 1, 2, 3), kSize));
 }
 
-TEST(BreakdownView, PartsFollowOneAnotherInTheirColoursInsideTheRoundedBar) {
+TEST(BreakdownBars, PartsFollowOneAnotherInTheirColoursInsideTheRoundedBar) {
   const auto bars = breakdownBars(snapshotOf(1000, 300, 100, 200), kSize);
   ASSERT_EQ(bars.size(), 4U);
   EXPECT_EQ(bars[0], (ChartBar{kOutline, ColorRole::quaternaryLabel, 0.25, {}}));
@@ -38,7 +38,7 @@ TEST(BreakdownView, PartsFollowOneAnotherInTheirColoursInsideTheRoundedBar) {
   EXPECT_EQ(bars[3], (ChartBar{{{120, 0, 60, 8}, 0}, ColorRole::orange, 1, kOutline}));
 }
 
-TEST(BreakdownView, PartsThatMakeUpTheTotalFillTheBarExactly) {
+TEST(BreakdownBars, PartsThatMakeUpTheTotalFillTheBarExactly) {
   constexpr std::uint64_t kTotal = 17'179'869'184;
   const auto bars = breakdownBars(snapshotOf(kTotal, kTotal / 3, kTotal / 7, kTotal - kTotal / 3 - kTotal / 7), kSize);
   ASSERT_EQ(bars.size(), 4U);

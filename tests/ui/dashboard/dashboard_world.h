@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "awake/awake_manager.h"
 #include "support/fake_assertion_client.h"
 #include "support/fake_clock.h"
 #include "support/fake_dates.h"
@@ -9,13 +8,13 @@
 #include "support/fake_main_loop.h"
 #include "support/fake_power_sources.h"
 #include "support/fake_user_defaults.h"
-#include "ui/dashboard/awake_view.h"
+#include "ui/dashboard/dashboard_sources.h"
 
 namespace nimbo {
 
-/// What a Keep Awake page stands on, with a real session behind it.
-struct AwakeViewWorld {
-  AwakeViewWorld() {
+/// What a dashboard tells of, with a real session behind its Keep Awake page.
+struct DashboardWorld {
+  DashboardWorld() {
     loop.onAdvance = [this](std::chrono::milliseconds step) { clock.advance(step); };
     loop.setWallClock(clock.now());
   }
@@ -30,8 +29,10 @@ struct AwakeViewWorld {
   FakePowerSources batteries;
   FakeDisplayPower displayPower;
   AwakeManager manager{{loop, clock, assertions, batteries, displayPower}};
+  SystemReadings readings;
+  UsageStates usage;
 
-  [[nodiscard]] AwakeView::Services viewServices() { return {settings, clock, dates}; }
+  [[nodiscard]] DashboardSources sources() { return {settings, readings, manager, usage, clock, dates}; }
 };
 
 }  // namespace nimbo

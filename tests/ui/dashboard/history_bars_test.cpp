@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ui/dashboard/history_view.h"
+#include "ui/dashboard/chart_bars.h"
 
 #include <gtest/gtest.h>
 
@@ -25,7 +25,7 @@ std::vector<ChartBar> slots(const std::vector<ChartBar>& bars) {
   return found;
 }
 
-TEST(HistoryView, ThreeHundredPointsWideHasSlotsEvery7575Points) {
+TEST(HistoryBars, ThreeHundredPointsWideHasSlotsEvery7575Points) {
   const auto background = slots(historyBars({}, ColorRole::teal, kSize));
   ASSERT_EQ(background.size(), 40U);
   for (std::size_t slot = 0; slot < background.size(); ++slot) {
@@ -39,11 +39,11 @@ TEST(HistoryView, ThreeHundredPointsWideHasSlotsEvery7575Points) {
   EXPECT_NEAR(background.back().shape.rect.maxX(), 300, 1e-9);
 }
 
-TEST(HistoryView, EmptyHistoryDrawsOnlyBackgrounds) {
+TEST(HistoryBars, EmptyHistoryDrawsOnlyBackgrounds) {
   EXPECT_TRUE(samples(historyBars({}, ColorRole::teal, kSize)).empty());
 }
 
-TEST(HistoryView, OneSampleOfZeroIsAThreePointBarInTheRightmostSlot) {
+TEST(HistoryBars, OneSampleOfZeroIsAThreePointBarInTheRightmostSlot) {
   const auto bars = samples(historyBars({0}, ColorRole::teal, kSize));
   ASSERT_EQ(bars.size(), 1U);
   EXPECT_DOUBLE_EQ(bars[0].shape.rect.x, 39 * 7.575);
@@ -54,7 +54,7 @@ TEST(HistoryView, OneSampleOfZeroIsAThreePointBarInTheRightmostSlot) {
   EXPECT_EQ(bars[0].color, ColorRole::teal);
 }
 
-TEST(HistoryView, BarsGrowFromTheBottomAndOnlyTheNewestIsFullyOpaque) {
+TEST(HistoryBars, BarsGrowFromTheBottomAndOnlyTheNewestIsFullyOpaque) {
   const auto bars = samples(historyBars({0.25, 1, 0.5}, ColorRole::blue, kSize));
   ASSERT_EQ(bars.size(), 3U);
   EXPECT_EQ(bars[0].shape.rect, (Rect{bars[0].shape.rect.x, 42, 4.575, 14}));
@@ -67,7 +67,7 @@ TEST(HistoryView, BarsGrowFromTheBottomAndOnlyTheNewestIsFullyOpaque) {
   EXPECT_EQ(bars[0].color, ColorRole::blue);
 }
 
-TEST(HistoryView, FortyOneSamplesDropTheOldestAndFillAllSlots) {
+TEST(HistoryBars, FortyOneSamplesDropTheOldestAndFillAllSlots) {
   std::vector<double> history(41, 0.5);
   history[0] = 1;
   history[1] = 0.25;
@@ -77,7 +77,7 @@ TEST(HistoryView, FortyOneSamplesDropTheOldestAndFillAllSlots) {
   EXPECT_DOUBLE_EQ(bars[0].shape.rect.height, 14);
 }
 
-TEST(HistoryView, EachBarIsDrawnOverTheBackgroundOfItsSlot) {
+TEST(HistoryBars, EachBarIsDrawnOverTheBackgroundOfItsSlot) {
   const auto bars = historyBars({0.5}, ColorRole::teal, kSize);
   ASSERT_EQ(bars.size(), 41U);
   EXPECT_EQ(bars[39].color, ColorRole::quaternaryLabel);
