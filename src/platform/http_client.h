@@ -10,13 +10,15 @@
 #include <vector>
 
 #include "base/result.h"
+#include "base/secret.h"
 #include "base/subscription.h"
 
 namespace nimbo {
 
 struct HttpRequest {
-  std::string url;  ///< https only
-  std::vector<std::pair<std::string, std::string>> headers;
+  std::string url;       ///< https only
+  Secret bearerToken{};  ///< who asks (RFC 6750); empty when the server need not know
+  std::vector<std::pair<std::string, std::string>> headers{};
   std::chrono::seconds idleLimit{20};   ///< without a byte from the server
   std::chrono::seconds wholeLimit{30};  ///< for everything
   std::size_t bodyLimit = 1U << 20;     ///< of the answer, in bytes

@@ -3,10 +3,10 @@
 
 #include <cstddef>
 #include <filesystem>
-#include <string>
 #include <system_error>
 
 #include "base/result.h"
+#include "base/secret.h"
 
 namespace nimbo {
 
@@ -17,8 +17,8 @@ class SecretFiles {
 
   /// The whole file, of which no other copy stays in memory; an error for one above `maximumBytes`
   /// and for anything but a regular file. Links are followed; pipes and devices are not waited for.
-  [[nodiscard]] virtual Result<std::string, std::error_code> read(const std::filesystem::path& file,
-                                                                  std::size_t maximumBytes) const = 0;
+  [[nodiscard]] virtual Result<Secret, std::error_code> read(const std::filesystem::path& file,
+                                                             std::size_t maximumBytes) const = 0;
 };
 
 }  // namespace nimbo

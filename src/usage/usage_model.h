@@ -35,12 +35,6 @@ struct UsageState {
   bool operator==(const UsageState&) const = default;
 };
 
-/// A sign-in. Never encoded, logged or shown.
-struct UsageCredentials {
-  std::string token;
-  std::optional<std::string> accountId{};
-};
-
 /// A failure as the user is told of it.
 struct UsageError {
   std::string message;

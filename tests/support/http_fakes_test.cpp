@@ -52,7 +52,7 @@ TEST(FakeHttpClient, SubscriptionMayEndInItsAnswerOrOutliveTheClient) {
 TEST(FakeSecretFiles, HaveWhatTheTestPutsThere) {
   FakeSecretFiles files;
   files.texts["/a"] = "text";
-  EXPECT_EQ(files.read("/a", 4).value(), "text");
+  EXPECT_EQ(files.read("/a", 4).value().view(), "text");
   EXPECT_EQ(files.read("/a", 3).error(), std::errc::file_too_large);
   EXPECT_EQ(files.read("/b", 3).error(), std::errc::no_such_file_or_directory);
   EXPECT_EQ(files.reads, (std::vector<std::string>{"/a", "/a", "/b"}));

@@ -2,16 +2,45 @@
 #include "usage/codex/codex_credential_file.h"
 
 #include <cstddef>
+#include <string_view>
 #include <utility>
 
-#include "usage/codex/credential_decoder.h"
+#include "base/utf8_text.h"
 #include "usage/usage_messages.h"
+
+// RapidJSON adds to the null pointer of a stack that is still empty before it compares with the end.
+#ifdef __clang__
+#pragma clang attribute push(__attribute__((no_sanitize("pointer-overflow"))), apply_to = function)
+#endif
+#include <rapidjson/document.h>
+#include <rapidjson/pointer.h>
+#ifdef __clang__
+#pragma clang attribute pop
+#endif
 
 namespace nimbo {
 namespace {
 
 // The real one has about 5 KiB.
 constexpr std::size_t kMaximumBytes = 1U << 20;
+
+// Texts are decoded where they stand, so that the library has no copy of its own, and nesting costs no
+// stack. The parser's own check of the encoding reads on behind a text that ends inside a character.
+constexpr unsigned kParsing = rapidjson::kParseInsituFlag | rapidjson::kParseIterativeFlag;
+
+std::optional<std::string_view> textAt(const char* place, const rapidjson::Document& file) {
+  const auto* const value = rapidjson::Pointer(place).Get(file);
+  if (value == nullptr || !value->IsString()) return std::nullopt;
+  return std::string_view(value->GetString(), value->GetStringLength());
+}
+
+// Compared as numbers of seconds, because a file may claim any instant.
+bool isExpired(const rapidjson::Document& claudeFile, UsageTime now) {
+  const auto* const milliseconds = rapidjson::Pointer("/claudeAiOauth/expiresAt").Get(claudeFile);
+  if (milliseconds == nullptr || !milliseconds->IsNumber()) return false;
+  const std::chrono::duration<double> sinceEpoch = now.time_since_epoch();
+  return milliseconds->GetDouble() / 1000 <= sinceEpoch.count();
+}
 
 }  // namespace
 
@@ -30,6 +59,21 @@ UsageCredentialReader::Reader codexCredentialReader(std::filesystem::path file, 
     if (!bytes) return tl::unexpected(UsageError{usage_messages::kNoCodexCredentials});
     return decodeCredentials(std::move(*bytes), provider, now);
   };
+}
+
+UsageCredentialReader::Outcome decodeCredentials(Secret bytes, UsageProvider provider, UsageTime now) {
+  const bool isClaude = provider == UsageProvider::claude;
+  rapidjson::Document file;
+  if (!isUtf8(bytes.view()) || file.ParseInsitu<kParsing>(bytes.data()).HasParseError() || !file.IsObject()) {
+    return tl::unexpected(UsageError{usage_messages::signInUnreadable(provider)});
+  }
+  const auto token = textAt(isClaude ? "/claudeAiOauth/accessToken" : "/tokens/access_token", file);
+  if (!token || token->empty()) return tl::unexpected(UsageError{usage_messages::noSubscriptionSignIn(provider)});
+  if (isClaude && isExpired(file, now)) {
+    return tl::unexpected(UsageError{usage_messages::kClaudeCodeSignInExpired});
+  }
+  const auto account = isClaude ? std::nullopt : textAt("/tokens/account_id", file);
+  return UsageCredentials{Secret(*token), std::optional<std::string>(account)};
 }
 
 }  // namespace nimbo

@@ -20,4 +20,8 @@ namespace nimbo {
 [[nodiscard]] UsageCredentialReader::Reader codexCredentialReader(std::filesystem::path file, const SecretFiles& files,
                                                                   const Clock& clock);
 
+/// The sign-in that a provider's own program keeps in its credential file, whose bytes these are.
+/// Nothing of them appears in an error or stays in memory but the result.
+[[nodiscard]] UsageCredentialReader::Outcome decodeCredentials(Secret bytes, UsageProvider provider, UsageTime now);
+
 }  // namespace nimbo

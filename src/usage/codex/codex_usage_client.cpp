@@ -3,8 +3,6 @@
 
 #include <utility>
 
-#include "base/wipe.h"
-#include "usage/codex/retry_after.h"
 #include "usage/codex/usage_response_parser.h"
 #include "usage/usage_messages.h"
 
@@ -12,19 +10,8 @@ namespace nimbo {
 namespace {
 
 constexpr UsageProvider kProvider = UsageProvider::codex;
-constexpr std::chrono::seconds kIdleLimit{20};
-constexpr std::chrono::seconds kWholeLimit{30};
 
 UsageOutcome failure(std::string message) { return tl::unexpected(UsageReadFailure{std::move(message)}); }
-
-// In one piece from the start: a string that grows leaves copies behind.
-std::string bearer(const std::string& token) {
-  constexpr std::string_view kScheme = "Bearer ";
-  std::string value;
-  value.reserve(kScheme.size() + token.size());
-  value.append(kScheme).append(token);
-  return value;  // itself; what append() gives would be copied
-}
 
 }  // namespace
 
@@ -45,35 +32,23 @@ Subscription CodexUsageClient::read(UsageRequest request, std::function<void(Usa
   const auto reading = std::make_shared<Reading>(Reading{std::move(done), {}});
   const auto onCredentials = [this, weak = std::weak_ptr(reading)](UsageCredentialReader::Outcome credentials) {
     const auto current = weak.lock();
-    if (!current) {
-      if (credentials) wipe(credentials->token);
-      return;
-    }
+    if (!current) return;
     if (!credentials) return current->finish(failure(std::move(credentials.error().message)));
-    fetch(current, std::move(*credentials));
+    const auto onAnswer = [this, weak](const HttpClient::Answer& answer) {
+      if (const auto waiting = weak.lock()) waiting->finish(conclude(answer));
+    };
+    current->step = services_.http.get(usageRequest(std::move(*credentials)), onAnswer);
   };
   reading->step = services_.credentials.read(kProvider, request == UsageRequest::manual, std::nullopt, services_.reader,
                                              onCredentials);
   return Subscription([reading] {});
 }
 
-void CodexUsageClient::fetch(const std::shared_ptr<Reading>& reading, UsageCredentials credentials) const {
-  const auto onAnswer = [this, weak = std::weak_ptr(reading)](const HttpClient::Answer& answer) {
-    if (const auto current = weak.lock()) current->finish(conclude(answer));
-  };
-  reading->step = services_.http.get(usageRequest(std::move(credentials)), onAnswer);
-}
-
 HttpRequest CodexUsageClient::usageRequest(UsageCredentials credentials) const {
-  HttpRequest request;
-  request.url = serviceHost_ + "/backend-api/wham/usage";
-  request.headers.reserve(3);
-  request.headers.emplace_back("Authorization", bearer(credentials.token));
-  wipe(credentials.token);
-  if (credentials.accountId) request.headers.emplace_back("ChatGPT-Account-Id", *credentials.accountId);
-  request.headers.emplace_back("Accept", "application/json");
-  request.idleLimit = kIdleLimit;
-  request.wholeLimit = kWholeLimit;
+  HttpRequest request{.url = serviceHost_ + "/backend-api/wham/usage",
+                      .bearerToken = std::move(credentials.token),
+                      .headers = {{"Accept", "application/json"}}};
+  if (credentials.accountId) request.headers.emplace_back("ChatGPT-Account-Id", std::move(*credentials.accountId));
   return request;
 }
 

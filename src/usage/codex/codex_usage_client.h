@@ -37,7 +37,6 @@ class CodexUsageClient {
  private:
   struct Reading;
 
-  void fetch(const std::shared_ptr<Reading>& reading, UsageCredentials credentials) const;
   [[nodiscard]] HttpRequest usageRequest(UsageCredentials credentials) const;
   [[nodiscard]] UsageOutcome conclude(const HttpClient::Answer& answer) const;
   [[nodiscard]] UsageOutcome rateLimited(const HttpResponse& response) const;

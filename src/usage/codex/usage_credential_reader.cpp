@@ -5,7 +5,6 @@
 #include <set>
 #include <utility>
 
-#include "base/wipe.h"
 #include "usage/usage_messages.h"
 
 namespace nimbo {
@@ -18,34 +17,20 @@ constexpr std::chrono::milliseconds kLeeway{250};
 
 seconds defaultTimeout(bool allowPrompt) { return allowPrompt ? seconds{60} : seconds{10}; }
 
-/// An outcome on its way between threads: copied by nobody, and wiped when it arrives nowhere.
-std::shared_ptr<UsageCredentialReader::Outcome> wrap(UsageCredentialReader::Outcome outcome) {
-  return {new UsageCredentialReader::Outcome(std::move(outcome)), [](UsageCredentialReader::Outcome* wrapped) {
-            if (*wrapped) wipe((*wrapped)->token);
-            delete wrapped;
-          }};
-}
-
-}  // namespace
-
-/// One caller who waits. The reader returning and the time limit passing both come here, and only the
-/// first of them finds the continuation; both happen on the main thread.
-class UsageCredentialReader::Completion {
- public:
-  explicit Completion(std::function<void(Outcome)> continuation) : continuation_(std::move(continuation)) {}
-
-  void limit(Subscription timeLimit) { timeLimit_ = std::move(timeLimit); }
+/// One caller who waits, on the main thread. The reader returning and the time limit passing both come
+/// here, and only the first of them finds the continuation.
+struct Completion {
+  std::function<void(UsageCredentialReader::Outcome)> continuation;
+  Subscription timeLimit;
 
   /// Leaves the outcome as it is when nobody waits for it any more.
-  void resume(Outcome&& outcome) {
-    timeLimit_.reset();
-    if (const auto continuation = std::exchange(continuation_, nullptr)) continuation(std::move(outcome));
+  void resume(UsageCredentialReader::Outcome&& outcome) {
+    timeLimit.reset();
+    if (const auto waiting = std::exchange(continuation, nullptr)) waiting(std::move(outcome));
   }
-
- private:
-  std::function<void(Outcome)> continuation_;
-  Subscription timeLimit_;
 };
+
+}  // namespace
 
 /// What the work in the background shares with the main thread.
 struct UsageCredentialReader::Reads {
@@ -79,7 +64,7 @@ Subscription UsageCredentialReader::read(UsageProvider provider, bool allowPromp
                                          std::optional<seconds> timeoutInterval, Reader reader,
                                          std::function<void(Outcome)> done) {
   // Only the subscription owns it, so that dropping that is the end of it, and on this thread.
-  const auto completion = std::make_shared<Completion>(std::move(done));
+  const auto completion = std::make_shared<Completion>(Completion{std::move(done), {}});
   const auto resume = [weak = std::weak_ptr(completion)](Outcome&& outcome) {
     if (const auto waiting = weak.lock()) waiting->resume(std::move(outcome));
   };
@@ -87,10 +72,12 @@ Subscription UsageCredentialReader::read(UsageProvider provider, bool allowPromp
     loop_.post([resume] { resume(tl::unexpected(UsageError{usage_messages::kSignInReadStillWaiting})); });
     return Subscription([completion] {});
   }
-  completion->limit(loop_.every(timeoutInterval.value_or(defaultTimeout(allowPrompt)), kLeeway,
-                                [resume] { resume(tl::unexpected(UsageError{usage_messages::kSignInReadTimedOut})); }));
+  completion->timeLimit = loop_.every(timeoutInterval.value_or(defaultTimeout(allowPrompt)), kLeeway, [resume] {
+    resume(tl::unexpected(UsageError{usage_messages::kSignInReadTimedOut}));
+  });
   background_([reads = reads_, provider, allowPrompt, reader = std::move(reader), resume] {
-    const auto outcome = wrap(reader(provider, allowPrompt));
+    // Shared, because a posted task is copied and a token is not.
+    const auto outcome = std::make_shared<Outcome>(reader(provider, allowPrompt));
     reads->end(provider, [resume, outcome] { resume(std::move(*outcome)); });
   });
   return Subscription([completion] {});

@@ -5,14 +5,22 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 
 #include "base/result.h"
+#include "base/secret.h"
 #include "base/subscription.h"
 #include "platform/main_loop.h"
 #include "settings/usage_provider.h"
 #include "usage/usage_model.h"
 
 namespace nimbo {
+
+/// A sign-in. Never encoded, logged or shown.
+struct UsageCredentials {
+  Secret token;
+  std::optional<std::string> accountId{};
+};
 
 /// Reads sign-ins in the background, never two of a provider at a time: a read that hangs neither
 /// holds up a refresh nor piles up. Main thread only.
@@ -37,7 +45,6 @@ class UsageCredentialReader {
                                   std::function<void(Outcome)> done);
 
  private:
-  class Completion;
   struct Reads;
 
   MainLoop& loop_;

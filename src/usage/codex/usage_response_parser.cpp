@@ -3,11 +3,14 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <nlohmann/json.hpp>
 #include <span>
 #include <string>
+#include <system_error>
 #include <utility>
 
 #include "base/bounded_json.h"
@@ -61,12 +64,15 @@ std::optional<UsageTime> resetTime(const json& window) {
   return text != nullptr && text->is_string() ? parseIso8601(text->get_ref<const std::string&>()) : std::nullopt;
 }
 
-std::vector<UsageWindow> readWindows(const json& limits, std::span<const Candidate> candidates,
-                                     std::string_view percentKey) {
+std::vector<UsageWindow> readWindows(const json& answer, UsageProvider provider) {
+  const bool isClaude = provider == UsageProvider::claude;
+  const json* const limits = isClaude ? &answer : jsonMember(answer, "rate_limit");
+  if (limits == nullptr) return {};
   std::vector<UsageWindow> windows;
-  for (const auto& [key, title] : candidates) {
-    const json* const window = jsonMember(limits, key);
-    const auto percent = window == nullptr ? std::nullopt : jsonNumber(jsonMember(*window, percentKey));
+  for (const auto& [key, title] : isClaude ? std::span<const Candidate>(kClaudeWindows) : kCodexWindows) {
+    const json* const window = jsonMember(*limits, key);
+    if (window == nullptr) continue;
+    const auto percent = jsonNumber(jsonMember(*window, isClaude ? "utilization" : "used_percent"));
     if (percent && *percent >= 0 && *percent <= 100) {
       windows.push_back({windowTitle(*window, title), *percent, resetTime(*window)});
     }
@@ -74,10 +80,12 @@ std::vector<UsageWindow> readWindows(const json& limits, std::span<const Candida
   return windows;
 }
 
-std::vector<UsageWindow> readWindows(const json& answer, UsageProvider provider) {
-  if (provider == UsageProvider::claude) return readWindows(answer, kClaudeWindows, "utilization");
-  const json* const limits = jsonMember(answer, "rate_limit");
-  return limits == nullptr ? std::vector<UsageWindow>{} : readWindows(*limits, kCodexWindows, "used_percent");
+std::optional<double> finiteNumber(std::string_view text) {
+  double value = 0;
+  const char* const end = text.data() + text.size();
+  const auto result = std::from_chars(text.data(), end, value);
+  if (result.ec != std::errc() || result.ptr != end || !std::isfinite(value)) return std::nullopt;
+  return value;
 }
 
 }  // namespace
@@ -90,6 +98,15 @@ Result<UsageSnapshot, UsageReadError> parseUsageResponse(std::string_view body, 
   auto windows = readWindows(*answer, provider);
   if (windows.empty()) return tl::unexpected(UsageReadError{Kind::usage, usage_messages::kNoSupportedLimits});
   return UsageSnapshot{.windows = std::move(windows), .fetchedAt = now};
+}
+
+std::chrono::seconds rateLimitWait(const std::optional<std::string>& header) {
+  constexpr double kShortestWait = 600;
+  // Beyond this a number means nothing, and a time so far away cannot be counted.
+  constexpr double kLongestWait = 366.0 * 24 * 3600;
+  const double asked = finiteNumber(header.value_or(std::string())).value_or(kShortestWait);
+  const double wait = std::clamp(asked, kShortestWait, kLongestWait);
+  return std::chrono::seconds(static_cast<std::chrono::seconds::rep>(std::ceil(wait)));
 }
 
 }  // namespace nimbo

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <chrono>
+#include <optional>
+#include <string>
 #include <string_view>
 
 #include "base/result.h"
@@ -13,5 +16,9 @@ namespace nimbo {
 /// is not JSON at all.
 [[nodiscard]] Result<UsageSnapshot, UsageReadError> parseUsageResponse(std::string_view body, UsageProvider provider,
                                                                        UsageTime now);
+
+/// How long a service that limits its requests must be left alone. `header` is its Retry-After, of
+/// which only a number of seconds counts; never less than ten minutes.
+[[nodiscard]] std::chrono::seconds rateLimitWait(const std::optional<std::string>& header);
 
 }  // namespace nimbo

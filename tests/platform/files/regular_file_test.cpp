@@ -45,6 +45,14 @@ TEST(RegularFile, MissingFileSaysSo) {
   EXPECT_EQ(fileStamp(tree.path() / "none").error(), std::errc::no_such_file_or_directory);
 }
 
+TEST(RegularFile, LongerThanItsSizeSaysIsReadToItsEnd) {
+  const auto text = readRegularFile("/proc/self/status", 10'000);  // says that it has 0 bytes
+  ASSERT_TRUE(text);
+  EXPECT_TRUE(text->starts_with("Name:"));
+  EXPECT_TRUE(text->find("nonvoluntary_ctxt_switches:") != std::string::npos && text->ends_with("\n"));
+  EXPECT_EQ(readRegularFile("/proc/self/status", 100).error(), std::errc::file_too_large);
+}
+
 TEST(RegularFile, StampStaysWhileTheFileDoes) {
   const TemporaryTree tree;
   const fs::path file = tree.write("file", "text");

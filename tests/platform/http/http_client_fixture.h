@@ -43,10 +43,10 @@ class HttpClientTest : public ::testing::Test {
         .userAgent = "Nimbo/1.2", .certificateFile = std::move(certificateFile), .certificateFolder = "/nonexistent"};
   }
 
-  static HttpRequest request(std::string url) { return {.url = std::move(url), .headers = {}}; }
+  static HttpRequest request(std::string url) { return {.url = std::move(url)}; }
 
   static HttpRequest limited(std::string url, std::chrono::seconds idle, std::chrono::seconds whole) {
-    return {.url = std::move(url), .headers = {}, .idleLimit = idle, .wholeLimit = whole};
+    return {.url = std::move(url), .idleLimit = idle, .wholeLimit = whole};
   }
 
   /// Turns the loop until `condition` holds; false when it did not in time.

@@ -111,8 +111,8 @@ TEST_F(HttpConnectionTest, CertificateOfAnUnknownAuthorityIsRefused) {
   const TestAuthority other;
   ModuleHttpClient distrustful(loop, modules, trusting(other.authority()));
   auto wanted = request(server.url(kEmptyAnswer));
-  wanted.headers = {{"Authorization", "Bearer abc"}};
-  const auto answer = get(distrustful, wanted);
+  wanted.bearerToken = Secret("abc");
+  const auto answer = get(distrustful, std::move(wanted));
   ASSERT_FALSE(answer);
   EXPECT_EQ(answer.error(), kUnreachable);
   EXPECT_EQ(server.requests(), 0);
@@ -141,8 +141,8 @@ TEST_F(HttpConnectionTest, ProxyOfTheEnvironmentIsUsedAndSeesNothingOfTheRequest
   HttpsServer proxy(authority(), HttpsServer::Kind::proxy);
   ::setenv("https_proxy", ("http://127.0.0.1:" + proxy.port()).c_str(), 1);
   auto wanted = request(server.url("HTTP/1.1 200 OK\r\nContent-Length: 4\r\n\r\nthru"));
-  wanted.headers = {{"Authorization", "Bearer abc"}};
-  const auto answer = get(wanted);
+  wanted.bearerToken = Secret("abc");
+  const auto answer = get(std::move(wanted));
   ASSERT_TRUE(answer);
   EXPECT_EQ(answer->body, "thru");
   EXPECT_EQ(answer->header("proxy-agent"), std::nullopt);

@@ -1,62 +1,17 @@
 // SPDX-License-Identifier: MIT
 // The parts of the client that need no server.
 #include <gtest/gtest.h>
-#include <sys/mman.h>
 
 #include <array>
 #include <cstdint>
 #include <cstring>
 
-#include "base/wipe.h"
 #include "platform/linux/http/curl/certificate_store.h"
-#include "platform/linux/http/curl/http_head.h"
 #include "platform/linux/http/curl/secret_memory.h"
 #include "support/services/temporary_tree.h"
 
 namespace nimbo {
 namespace {
-
-using Headers = HttpHead::Headers;
-
-TEST(HttpHead, NamesAreLoweredAndValuesTrimmed) {
-  HttpHead head;
-  for (const char* const line : {"HTTP/1.1 200 OK\r\n", "Retry-AFTER:\t 30 \r\n", "x:a: b", "Empty:\r\n"}) {
-    EXPECT_TRUE(head.add(line)) << line;
-  }
-  EXPECT_EQ(head.takeHeaders(), (Headers{{"retry-after", "30"}, {"x", "a: b"}, {"empty", ""}}));
-}
-
-TEST(HttpHead, LinesThatAreNoHeadersAreIgnored) {
-  HttpHead head;
-  for (const char* const line : {"", "no colon\r\n", ": no name\r\n", "\r\n"}) EXPECT_TRUE(head.add(line));
-  EXPECT_TRUE(head.takeHeaders().empty());
-}
-
-TEST(HttpHead, StatusLineBeginsAnew) {
-  HttpHead head;
-  EXPECT_TRUE(head.add("a: b\r\n"));
-  EXPECT_TRUE(head.add("\r\n"));
-  EXPECT_TRUE(head.complete());
-  EXPECT_TRUE(head.add("HTTP/1.1 200 Time: 12:00\r\n"));
-  EXPECT_FALSE(head.complete());
-  EXPECT_TRUE(head.takeHeaders().empty());
-}
-
-TEST(HttpHead, TrailersLeaveItComplete) {
-  HttpHead head;
-  for (const char* const line : {"HTTP/1.1 200 OK\r\n", "\n", "trailer: x\r\n"}) EXPECT_TRUE(head.add(line));
-  EXPECT_TRUE(head.complete());
-}
-
-TEST(HttpHead, StatusLinesOfAllVersionsAreKnownAndOthersRefused) {
-  for (const char* const line : {"HTTP/1.1 200 OK\r\n", "HTTP/1.0 404\n", "HTTP/2 429 \r\n", "HTTP/3 503\r\n"}) {
-    EXPECT_TRUE(HttpHead().add(line)) << line;
-  }
-  for (const char* const line : {"HTTP/\r\n", "HTTP/1.1\r\n", "HTTP/x.y zz\r\n", "HTTP/1.1 zzz\r\n", "HTTP/1.1 20\r\n",
-                                 "HTTP/x.y 200 OK\r\n", "HTTP/1.1 099\r\n", "HTTP/1.1 -20\r\n"}) {
-    EXPECT_FALSE(HttpHead().add(line)) << line;
-  }
-}
 
 class CertificateStoreTest : public ::testing::Test {
  protected:
@@ -136,25 +91,6 @@ TEST(SecretMemory, ReusedBlockIsZeroedWhereAskedFor) {
   auto* const second = static_cast<unsigned char*>(secret_memory::allocateZeroed(8, 8));
   for (int n = 0; n < 64; ++n) EXPECT_EQ(second[n], 0);
   secret_memory::release(second);
-}
-
-TEST(Wipe, OverwritesAllThatTheStringHolds) {
-  std::string secret(100, 's');
-  secret.reserve(200);
-  const char* const bytes = secret.data();
-  wipe(secret);
-  EXPECT_TRUE(secret.empty());
-  ASSERT_EQ(secret.data(), bytes) << "the memory is still the string's own";
-  secret.resize(secret.capacity());  // only this much may be looked at
-  EXPECT_EQ(secret.find('s'), std::string::npos);
-}
-
-TEST(Wipe, ShortAndEmptyStringsTakeItWell) {
-  std::string secret = "short";
-  wipe(secret);
-  EXPECT_EQ(secret, "");
-  wipe(secret);
-  EXPECT_EQ(secret, "");
 }
 
 }  // namespace

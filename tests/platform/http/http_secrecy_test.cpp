@@ -16,7 +16,7 @@ class HttpSecrecyTest : public HttpClientTest {
  protected:
   static HttpRequest secretRequest(std::string url) {
     HttpRequest wanted = request(std::move(url));
-    wanted.headers.emplace_back("Authorization", kToken.reveal());
+    wanted.bearerToken = kToken.secret();
     return wanted;
   }
 

@@ -13,6 +13,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/secret.h"
 #include "platform/linux/files/unique_fd.h"
 
 namespace nimbo {
@@ -23,11 +24,12 @@ class HiddenText {
   /// `size` letters and then `suffix`, which is not hidden.
   explicit HiddenText(std::size_t size, std::string_view suffix = {}) : letters_(size), suffix_(suffix) {}
 
-  [[nodiscard]] std::string reveal() const {
-    std::string text(size(), '\0');
-    for (std::size_t index = 0; index < size(); ++index) text[index] = at(index);
+  [[nodiscard]] Secret secret() const {
+    Secret text(size());
+    for (std::size_t index = 0; index < size(); ++index) text.data()[index] = at(index);
     return text;
   }
+  [[nodiscard]] std::string reveal() const { return std::string(secret().view()); }
 
   /// Whether a piece from near its end is there: memory that is given back has its first and last bytes
   /// overwritten at once. More of it than a register holds, because the dynamic linker saves those on the stack.

@@ -20,7 +20,7 @@ constexpr const char* kSignIn =
 
 /// The token, or the error's message.
 std::string textOf(const UsageCredentialReader::Outcome& outcome) {
-  return outcome ? outcome->token : outcome.error().message;
+  return outcome ? std::string(outcome->token.view()) : outcome.error().message;
 }
 
 TEST(CodexCredentialFile, StandsBelowTheHomeFolderUnlessTheEnvironmentNamesAnother) {
@@ -45,7 +45,7 @@ TEST_F(CodexCredentialReaderTest, SignInIsReadAnewEachTime) {
   const auto reader = codexCredentialReader("/codex/auth.json", files, clock);
   const auto first = reader(UsageProvider::codex, true);
   ASSERT_TRUE(first);
-  EXPECT_EQ(first->token, "secret");
+  EXPECT_EQ(first->token.view(), "secret");
   EXPECT_EQ(first->accountId, "account");
   files.texts["/codex/auth.json"] = R"({"tokens": {"access_token": "other"}})";
   EXPECT_EQ(textOf(reader(UsageProvider::codex, true)), "other");

@@ -9,7 +9,6 @@
 #include <optional>
 #include <thread>
 
-#include "base/wipe.h"
 #include "platform/linux/files/plain_secret_files.h"
 #include "platform/linux/http/module_http_client.h"
 #include "platform/linux/loop/dl_module_loader.h"
@@ -55,7 +54,7 @@ TEST(CodexSecrecy, FilesTextDoesNotOutliveItsDecoding) {
   auto bytes = files.read(tree.path() / "auth.json", 10'000);
   ASSERT_TRUE(bytes);
   EXPECT_EQ(OwnMemory::find(text).size(), 1U);
-  wipe(*bytes);
+  *bytes = {};
   ASSERT_TRUE(codexCredentialReader(tree.path() / "auth.json", files, clock)(UsageProvider::codex, false));
   EXPECT_TRUE(OwnMemory::find(text).empty());
 }
@@ -75,7 +74,7 @@ TEST(CodexSecrecy, DecodedTokenIsTheOnlyCopyOfIt) {
   auto credentials = codexCredentialReader(tree.path() / "auth.json", files, clock)(UsageProvider::codex, false);
   ASSERT_TRUE(credentials);
   EXPECT_EQ(OwnMemory::find(token).size(), 1U);
-  wipe(credentials->token);
+  credentials->token = {};
   EXPECT_TRUE(OwnMemory::find(token).empty());
 }
 
@@ -87,13 +86,13 @@ TEST(CodexSecrecy, OnlyTheRequestHoldsTheTokenWhileItIsUnderWay) {
   const FakeDates dates{};
   UsageCredentialReader credentials(loop, [](const std::function<void()>& work) { work(); });
   const CodexUsageClient client(
-      {credentials, [](UsageProvider, bool) { return UsageCredentials{kOther.reveal()}; }, http, clock, dates});
+      {credentials, [](UsageProvider, bool) { return UsageCredentials{kOther.secret()}; }, http, clock, dates});
   const auto reading = client.read(UsageRequest::automatic, [](const UsageOutcome&) {});
   EXPECT_EQ(OwnMemory::find(kOther).size(), 1U) << "on its way to the main thread";
   loop.runPosted();
   ASSERT_EQ(http.requests.size(), 1U);
   EXPECT_EQ(OwnMemory::find(kOther).size(), 1U);
-  wipe(http.requests[0].headers[0].second);
+  http.requests.clear();
   EXPECT_TRUE(OwnMemory::find(kOther).empty());
 }
 
@@ -107,7 +106,7 @@ TEST(CodexSecrecy, TokenThatNobodyWaitsForAnyMoreIsWiped) {
   const auto read = [&credentials](const HiddenText& token) {
     return credentials.read(
         UsageProvider::codex, false, std::chrono::seconds(10),
-        [&token](UsageProvider, bool) { return UsageCredentials{token.reveal()}; },
+        [&token](UsageProvider, bool) { return UsageCredentials{token.secret()}; },
         [](const UsageCredentialReader::Outcome&) {});
   };
 

@@ -60,14 +60,16 @@ class CodexUsageClientTest : public ::testing::Test {
   FakeHttpClient http;
   FakeClock clock;
   FakeDates dates;
-  UsageCredentialReader::Outcome signIn = UsageCredentials{"secret", "account"};
+  std::optional<std::string> account = "account";
+  std::optional<UsageError> signInFailure;
   std::vector<bool> prompts;
   UsageCredentialReader credentials{loop, [this](std::function<void()> work) { queue.async(std::move(work)); }};
   CodexUsageClient client{{credentials,
-                           [this](UsageProvider provider, bool allowPrompt) {
+                           [this](UsageProvider provider, bool allowPrompt) -> UsageCredentialReader::Outcome {
                              EXPECT_EQ(provider, UsageProvider::codex);
                              prompts.push_back(allowPrompt);
-                             return signIn;
+                             if (signInFailure) return tl::unexpected(*signInFailure);
+                             return UsageCredentials{Secret("secret"), account};
                            },
                            http, clock, dates}};
   Subscription reading;
@@ -78,17 +80,17 @@ TEST_F(CodexUsageClientTest, RequestCarriesTheSignInToTheServicesUsageAddress) {
   readUpToTheRequest();
   ASSERT_EQ(http.requests.size(), 1U);
   EXPECT_EQ(http.requests[0].url, "https://chatgpt.com/backend-api/wham/usage");
-  EXPECT_EQ(
-      http.requests[0].headers,
-      (Headers{{"Authorization", "Bearer secret"}, {"ChatGPT-Account-Id", "account"}, {"Accept", "application/json"}}));
+  EXPECT_EQ(http.requests[0].bearerToken.view(), "secret");
+  EXPECT_EQ(http.requests[0].headers, (Headers{{"Accept", "application/json"}, {"ChatGPT-Account-Id", "account"}}));
   EXPECT_EQ(http.requests[0].idleLimit, 20s);
   EXPECT_EQ(http.requests[0].wholeLimit, 30s);
 }
 
 TEST_F(CodexUsageClientTest, SignInWithoutAccountSendsNoAccountHeader) {
-  signIn = UsageCredentials{"secret"};
+  account.reset();
   readUpToTheRequest();
-  EXPECT_EQ(http.requests.at(0).headers, (Headers{{"Authorization", "Bearer secret"}, {"Accept", "application/json"}}));
+  EXPECT_EQ(http.requests.at(0).bearerToken.view(), "secret");
+  EXPECT_EQ(http.requests.at(0).headers, (Headers{{"Accept", "application/json"}}));
 }
 
 TEST_F(CodexUsageClientTest, OnlyAManualReadMayAskTheUser) {
@@ -110,7 +112,7 @@ TEST_F(CodexUsageClientTest, WindowsOfTheAnswerBecomeASnapshotWithoutSource) {
 }
 
 TEST_F(CodexUsageClientTest, FailedSignInIsToldWithoutAskingTheService) {
-  signIn = tl::unexpected(UsageError{"No Codex auth.json found."});
+  signInFailure = UsageError{"No Codex auth.json found."};
   readUpToTheRequest();
   ASSERT_TRUE(outcome && !*outcome);
   EXPECT_EQ(outcome->error(), (UsageReadFailure{"No Codex auth.json found."}));
@@ -222,7 +224,7 @@ TEST(CodexServiceHost, MayBeAnother) {
   const FakeDates dates;
   UsageCredentialReader credentials(loop, [](const std::function<void()>& work) { work(); });
   const CodexUsageClient client(
-      {credentials, [](UsageProvider, bool) { return UsageCredentials{"t"}; }, http, clock, dates},
+      {credentials, [](UsageProvider, bool) { return UsageCredentials{Secret("t")}; }, http, clock, dates},
       "https://localhost:1");
   const auto reading = client.read(UsageRequest::automatic, [](const UsageOutcome&) {});
   loop.runPosted();

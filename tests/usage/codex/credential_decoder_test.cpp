@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "usage/codex/credential_decoder.h"
-
 #include <gtest/gtest.h>
 
 #include <string>
 
+#include "usage/codex/codex_credential_file.h"
 #include "usage/utc_time.h"
 
 namespace nimbo {
@@ -16,7 +15,7 @@ constexpr const char* kNoSignIn = "No subscription sign-in found. Sign in with C
 constexpr const char* kExpired = "Sign-in expired. Open Claude Code to renew it, then refresh.";
 
 std::string errorOf(std::string_view bytes, UsageProvider provider = UsageProvider::codex) {
-  const auto credentials = decodeCredentials(std::string(bytes), provider, kNow);
+  const auto credentials = decodeCredentials(Secret(bytes), provider, kNow);
   return credentials ? "(credentials)" : credentials.error().message;
 }
 
@@ -26,10 +25,11 @@ std::string claudeFile(const std::string& expiresAt) {
 
 TEST(CredentialDecoder, CodexFileGivesTokenAndAccount) {
   const auto credentials = decodeCredentials(
-      R"({"OPENAI_API_KEY":null,"tokens":{"id_token":"x","access_token":"secret","account_id":"acc-1"},"last_refresh":"…"})",
+      Secret(
+          R"({"OPENAI_API_KEY":null,"tokens":{"id_token":"x","access_token":"secret","account_id":"acc-1"},"last_refresh":"…"})"),
       UsageProvider::codex, kNow);
   ASSERT_TRUE(credentials);
-  EXPECT_EQ(credentials->token, "secret");
+  EXPECT_EQ(credentials->token.view(), "secret");
   EXPECT_EQ(credentials->accountId, "acc-1");
 }
 
@@ -37,7 +37,7 @@ TEST(CredentialDecoder, AccountThatIsNoTextIsAbsent) {
   for (const char* const file :
        {R"({"tokens":{"access_token":"secret"}})", R"({"tokens":{"access_token":"secret","account_id":null}})",
         R"({"tokens":{"access_token":"secret","account_id":7}})"}) {
-    const auto credentials = decodeCredentials(file, UsageProvider::codex, kNow);
+    const auto credentials = decodeCredentials(Secret(file), UsageProvider::codex, kNow);
     ASSERT_TRUE(credentials) << file;
     EXPECT_EQ(credentials->accountId, std::nullopt) << file;
   }
@@ -68,9 +68,9 @@ TEST(CredentialDecoder, EmptyOrOddTokenIsNoSubscription) {
 }
 
 TEST(CredentialDecoder, ClaudeFileGivesTokenWithoutAccount) {
-  const auto credentials = decodeCredentials(claudeFile("1795262400001"), UsageProvider::claude, kNow);
+  const auto credentials = decodeCredentials(Secret(claudeFile("1795262400001")), UsageProvider::claude, kNow);
   ASSERT_TRUE(credentials);
-  EXPECT_EQ(credentials->token, "secret-c");
+  EXPECT_EQ(credentials->token.view(), "secret-c");
   EXPECT_EQ(credentials->accountId, std::nullopt);
 }
 

@@ -29,20 +29,22 @@ class UsageCredentialReaderTest : public ::testing::Test {
     return [this](std::function<void()> job) { work.push_back(std::move(job)); };
   }
 
-  UsageCredentialReader::Reader giving(Outcome outcome) {
-    return [this, outcome](UsageProvider provider, bool allowPrompt) {
+  UsageCredentialReader::Reader giving(const Result<std::string, UsageError>& token) {
+    return [this, token](UsageProvider provider, bool allowPrompt) -> Outcome {
       prompts.push_back(std::string(rawValue(provider)) + (allowPrompt ? " may ask" : " may not ask"));
-      return outcome;
+      return token.map([](const std::string& text) { return UsageCredentials{Secret(text), "account"}; });
     };
   }
 
   /// What `done` was told, as text.
   std::function<void(Outcome)> record() {
-    return [this](const Outcome& outcome) { told.push_back(outcome ? outcome->token : outcome.error().message); };
+    return [this](const Outcome& outcome) {
+      told.push_back(outcome ? std::string(outcome->token.view()) : outcome.error().message);
+    };
   }
 
   Subscription read(UsageProvider provider, const std::string& token, bool allowPrompt = false) {
-    return reader->read(provider, allowPrompt, std::nullopt, giving(UsageCredentials{token}), record());
+    return reader->read(provider, allowPrompt, std::nullopt, giving(token), record());
   }
 
   /// The reader that was called first returns.
@@ -73,7 +75,7 @@ TEST_F(UsageCredentialReaderTest, CredentialsComeLaterFromTheLoop) {
 
 TEST_F(UsageCredentialReaderTest, AccountAndErrorArePassedOn) {
   std::optional<std::string> account;
-  const auto good = reader->read(kCodex, true, std::nullopt, giving(UsageCredentials{"token", "account"}),
+  const auto good = reader->read(kCodex, true, std::nullopt, giving("token"),
                                  [&account](const Outcome& outcome) { account = outcome.value().accountId; });
   const auto bad = reader->read(kClaude, true, std::nullopt, giving(tl::unexpected(UsageError{"no"})), record());
   returnOne();
@@ -123,7 +125,7 @@ TEST_F(UsageCredentialReaderTest, TimeLimitIsAMinuteWhereTheUserMayBeAsked) {
 }
 
 TEST_F(UsageCredentialReaderTest, TimeLimitMayBeGiven) {
-  const auto reading = reader->read(kCodex, true, 3s, giving(UsageCredentials{"token"}), record());
+  const auto reading = reader->read(kCodex, true, 3s, giving("token"), record());
   loop.advance(3s);
   EXPECT_EQ(told, Texts{usage_messages::kSignInReadTimedOut});
 }
@@ -172,8 +174,8 @@ TEST_F(UsageCredentialReaderTest, DroppedSubscriptionSilencesEverything) {
 TEST_F(UsageCredentialReaderTest, SubscriptionMayEndAndANewReadBeginInTheCallback) {
   Subscription reading;
   Subscription next;
-  reading = reader->read(kCodex, false, std::nullopt, giving(UsageCredentials{"token"}), [&](const Outcome& outcome) {
-    record()(outcome);
+  reading = reader->read(kCodex, false, std::nullopt, giving("token"), [&](const Outcome& outcome) {
+    told.emplace_back(outcome->token.view());
     reading.reset();
     next = read(kCodex, "next");
   });
@@ -187,7 +189,7 @@ TEST_F(UsageCredentialReaderTest, SubscriptionMayEndAndANewReadBeginInTheCallbac
 TEST_F(UsageCredentialReaderTest, ReaderThatReturnsAfterEverythingElseHasGoneIsHarmless) {
   std::optional<FakeMainLoop> brief(std::in_place);
   std::optional<UsageCredentialReader> gone(std::in_place, *brief, background());
-  auto reading = gone->read(kCodex, false, std::nullopt, giving(UsageCredentials{"token"}), record());
+  auto reading = gone->read(kCodex, false, std::nullopt, giving("token"), record());
   reading.reset();
   gone.reset();
   brief.reset();
@@ -203,10 +205,10 @@ TEST_F(UsageCredentialReaderTest, ReadersRunOnOtherThreadsWhileTheCallerGoesOn) 
       kCodex, false, std::nullopt,
       [&release](UsageProvider, bool) -> Outcome {
         release.get_future().wait();
-        return UsageCredentials{"from a thread"};
+        return UsageCredentials{Secret("from a thread")};
       },
       record());
-  const auto refused = real.read(kCodex, false, std::nullopt, giving(UsageCredentials{"no"}), record());
+  const auto refused = real.read(kCodex, false, std::nullopt, giving("no"), record());
   loop.runPosted();
   EXPECT_EQ(told, Texts{usage_messages::kSignInReadStillWaiting});
   release.set_value();

@@ -1,15 +1,18 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "platform/linux/files/regular_file.h"
 #include "platform/secret_files.h"
 
 namespace nimbo {
 
-/// Secrets in plain files, read straight into the one buffer that is handed out.
+/// Secrets in plain files.
 class PlainSecretFiles final : public SecretFiles {
  public:
-  [[nodiscard]] Result<std::string, std::error_code> read(const std::filesystem::path& file,
-                                                          std::size_t maximumBytes) const override;
+  [[nodiscard]] Result<Secret, std::error_code> read(const std::filesystem::path& file,
+                                                     std::size_t maximumBytes) const override {
+    return readSecretFile(file, maximumBytes);
+  }
 };
 
 }  // namespace nimbo

@@ -5,7 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <array>
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 
@@ -31,6 +31,13 @@ Result<FileStamp, std::error_code> fileStamp(const std::filesystem::path& file) 
 
 Result<std::string, std::error_code> readRegularFile(const std::filesystem::path& file, std::size_t maximumBytes,
                                                      LinkedFile linked) {
+  const auto text = readSecretFile(file, maximumBytes, linked);
+  if (!text) return tl::unexpected(text.error());
+  return std::string(text->view());
+}
+
+Result<Secret, std::error_code> readSecretFile(const std::filesystem::path& file, std::size_t maximumBytes,
+                                               LinkedFile linked) {
   const int noFollow = linked == LinkedFile::refuse ? O_NOFOLLOW : 0;
   const UniqueFd descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | noFollow));
   if (!descriptor) return tl::unexpected(lastError());
@@ -38,16 +45,20 @@ Result<std::string, std::error_code> readRegularFile(const std::filesystem::path
   if (::fstat(descriptor.get(), &status) != 0) return tl::unexpected(lastError());
   if (!S_ISREG(status.st_mode)) return tl::unexpected(std::make_error_code(std::errc::not_supported));
 
-  std::string text;
-  std::array<char, 16384> buffer;
+  // One byte more than there should be, to see the end or a file that is too large.
+  Secret text(std::min(static_cast<std::size_t>(status.st_size), maximumBytes) + 1);
+  std::size_t filled = 0;
   while (true) {
-    const ssize_t count = ::read(descriptor.get(), buffer.data(), buffer.size());
+    const ssize_t count = ::read(descriptor.get(), text.data() + filled, text.size() - filled);
     if (count < 0 && errno == EINTR) continue;
     if (count < 0) return tl::unexpected(lastError());
-    if (count == 0) return text;
-    text.append(buffer.data(), static_cast<std::size_t>(count));
-    if (text.size() > maximumBytes) return tl::unexpected(std::make_error_code(std::errc::file_too_large));
+    if (count == 0) break;
+    filled += static_cast<std::size_t>(count);
+    if (filled > maximumBytes) return tl::unexpected(std::make_error_code(std::errc::file_too_large));
+    if (filled == text.size()) text.resize(2 * filled);
   }
+  text.resize(filled);
+  return text;
 }
 
 }  // namespace nimbo

@@ -8,6 +8,7 @@
 #include <system_error>
 
 #include "base/result.h"
+#include "base/secret.h"
 
 namespace nimbo {
 
@@ -48,5 +49,10 @@ enum class LinkedFile {
 [[nodiscard]] Result<std::string, std::error_code> readRegularFile(const std::filesystem::path& file,
                                                                    std::size_t maximumBytes,
                                                                    LinkedFile linked = LinkedFile::follow);
+
+/// The same for a file that holds a secret: no other copy of it stays in memory.
+[[nodiscard]] Result<Secret, std::error_code> readSecretFile(const std::filesystem::path& file,
+                                                             std::size_t maximumBytes,
+                                                             LinkedFile linked = LinkedFile::follow);
 
 }  // namespace nimbo

@@ -19,7 +19,7 @@ class ModuleHttpClient final : public HttpClient {
   /// `loop` and `modules` outlive it.
   ModuleHttpClient(MainLoop& loop, ModuleLoader& modules, HttpOptions options);
   /// Cancels what is under way; no `done` is called afterwards.
-  ~ModuleHttpClient() override;
+  ~ModuleHttpClient() override { calls_->clear(); }
   ModuleHttpClient(const ModuleHttpClient&) = delete;
   ModuleHttpClient& operator=(const ModuleHttpClient&) = delete;
 
@@ -28,16 +28,13 @@ class ModuleHttpClient final : public HttpClient {
  private:
   using Id = unsigned;
   struct Call {
-    std::shared_ptr<HttpTransfer> transfer;  ///< null when it could not be made
-    std::function<void(Answer)> done;        ///< null when nobody wants the answer any more
-    std::thread thread;
+    std::function<void(Answer)> done;  ///< null when nobody wants the answer any more
+    std::jthread thread;
   };
   using Calls = std::map<Id, Call>;
 
-  [[nodiscard]] std::shared_ptr<HttpTransfer> makeTransfer(HttpRequest request);
-  void start(Id id, Call& call);
+  [[nodiscard]] std::jthread start(Id id, HttpRequest request);
   void postAnswer(Id id, Answer answer);
-  static void finish(Calls& calls, Id id, Answer answer);
 
   MainLoop& loop_;
   ModuleLoader& modules_;

@@ -8,7 +8,7 @@ namespace nimbo {
 /// Where OpenSSL finds the authorities it trusts; either may be empty.
 struct CertificateStore {
   std::string file;    ///< all of them, one after the other
-  std::string folder;  ///< one per file, named by a hash of whom it speaks for
+  std::string folder;  ///< one per file, named by a hash of the authority's name
   bool operator==(const CertificateStore&) const = default;
 };
 
