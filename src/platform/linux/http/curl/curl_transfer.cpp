@@ -22,7 +22,8 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-constexpr std::size_t kMaximumHeadBytes = 1U << 20;
+// Of an answer. libcurl keeps each header apart, and each of them then takes a page, see secret_memory.h.
+constexpr std::size_t kMaximumHeadBytes = 1U << 16;
 
 template <auto kRelease>
 struct ReleaseBy {

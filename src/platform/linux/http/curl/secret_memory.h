@@ -3,8 +3,8 @@
 
 #include <cstddef>
 
-/// The C library's allocation functions for a library that copies secrets around: what they give is
-/// left out of core dumps, and overwritten when it is given back. Any thread.
+/// The C library's allocation functions for a library that copies secrets around: each block has pages
+/// of its own, which are left out of core dumps and go back to the kernel. Any thread.
 namespace nimbo::secret_memory {
 
 [[nodiscard]] void* allocate(std::size_t bytes);
