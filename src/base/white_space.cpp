@@ -18,22 +18,22 @@ constexpr bool isAsciiWhiteSpace(char character) {
   return character == ' ' || (character >= '\t' && character <= '\r');
 }
 
-std::size_t trailingWhiteSpace(std::string_view text) {
-  if (text.empty()) return 0;
-  if (isAscii(text.back())) return isAsciiWhiteSpace(text.back()) ? 1 : 0;
-  const auto* const found = std::find_if(kWideWhiteSpace.begin(), kWideWhiteSpace.end(),
-                                         [&](std::string_view character) { return text.ends_with(character); });
+/// The bytes of the character at the end of `text` where `edge` lies, if it is white space; 0 otherwise.
+template <class IsAtEdge>
+std::size_t whiteSpaceAt(char edge, IsAtEdge isAtEdge) {
+  if (isAscii(edge)) return isAsciiWhiteSpace(edge) ? 1 : 0;
+  const auto* const found = std::find_if(kWideWhiteSpace.begin(), kWideWhiteSpace.end(), isAtEdge);
   return found == kWideWhiteSpace.end() ? 0 : found->size();
+}
+
+std::size_t trailingWhiteSpace(std::string_view text) {
+  return text.empty() ? 0 : whiteSpaceAt(text.back(), [&](auto character) { return text.ends_with(character); });
 }
 
 }  // namespace
 
 std::size_t leadingWhiteSpace(std::string_view text) {
-  if (text.empty()) return 0;
-  if (isAscii(text.front())) return isAsciiWhiteSpace(text.front()) ? 1 : 0;
-  const auto* const found = std::find_if(kWideWhiteSpace.begin(), kWideWhiteSpace.end(),
-                                         [&](std::string_view character) { return text.starts_with(character); });
-  return found == kWideWhiteSpace.end() ? 0 : found->size();
+  return text.empty() ? 0 : whiteSpaceAt(text.front(), [&](auto character) { return text.starts_with(character); });
 }
 
 std::string_view trimmedWhiteSpace(std::string_view text) {

@@ -10,7 +10,7 @@ namespace nimbo {
 
 /// The bytes of the white-space character that `text` begins with; 0 for none.
 [[nodiscard]] std::size_t leadingWhiteSpace(std::string_view text);
-/// `text` without what is white at its ends.
+/// `text` without the white space at its ends.
 [[nodiscard]] std::string_view trimmedWhiteSpace(std::string_view text);
 
 }  // namespace nimbo
