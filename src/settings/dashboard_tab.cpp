@@ -5,35 +5,35 @@
 
 namespace nimbo {
 
-std::string_view rawValue(DashboardTab tab) {
+namespace {
+
+struct Names {
+  std::string_view raw;
+  std::string_view shown;
+};
+
+Names namesOf(DashboardTab tab) {
   switch (tab) {
     case DashboardTab::ai:
-      return "ai";
+      return {"ai", "AI"};
     case DashboardTab::memory:
-      return "memory";
+      return {"memory", "Mem"};
     case DashboardTab::awake:
-      return "awake";
+      return {"awake", "Awake"};
   }
   return {};
 }
+
+}  // namespace
+
+std::string_view rawValue(DashboardTab tab) { return namesOf(tab).raw; }
+std::string_view displayName(DashboardTab tab) { return namesOf(tab).shown; }
 
 std::optional<DashboardTab> dashboardTab(std::string_view raw) {
   for (const DashboardTab tab : kAllDashboardTabs) {
     if (rawValue(tab) == raw) return tab;
   }
   return std::nullopt;
-}
-
-std::string_view displayName(DashboardTab tab) {
-  switch (tab) {
-    case DashboardTab::ai:
-      return "AI";
-    case DashboardTab::memory:
-      return "Mem";
-    case DashboardTab::awake:
-      return "Awake";
-  }
-  return {};
 }
 
 std::vector<std::vector<DashboardTab>> offeredTabOrders() {

@@ -15,6 +15,10 @@ using namespace setting_keys;
 
 constexpr std::array<std::int64_t, 7> kAwakeDurations{0, 1800, 3600, 7200, 14400, -1, -2};
 
+// Which status items each menu preset shows: AI, memory, Keep Awake.
+constexpr std::array<std::array<bool, 3>, 4> kMenuPresets{
+    {{true, true, true}, {true, false, false}, {false, true, false}, {false, false, true}}};
+
 template <std::size_t count>
 std::int64_t accepted(std::int64_t value, const std::array<std::int64_t, count>& choices, std::int64_t fallback) {
   return std::find(choices.begin(), choices.end(), value) != choices.end() ? value : fallback;
@@ -172,24 +176,19 @@ std::vector<DashboardTab> Settings::menuTabs() const {
 }
 
 int Settings::menuPreset() const {
-  const bool ai = menuAi();
-  const bool memory = menuMemory();
-  const bool awake = menuAwake();
-  if (ai && memory && awake) return 0;
-  if (ai && !memory && !awake) return 1;
-  if (memory && !ai && !awake) return 2;
-  if (awake && !ai && !memory) return 3;
-  return 4;
+  const std::array shown{menuAi(), menuMemory(), menuAwake()};
+  return static_cast<int>(std::find(kMenuPresets.begin(), kMenuPresets.end(), shown) - kMenuPresets.begin());
 }
 
 void Settings::setMenuPreset(int preset) {
   if (preset < 0 || preset > 3) return;
-  setMenuAi(preset == 0 || preset == 1);
-  setMenuMemory(preset == 0 || preset == 2);
-  setMenuAwake(preset == 0 || preset == 3);
+  const auto [ai, memory, awake] = kMenuPresets.at(static_cast<std::size_t>(preset));
+  setMenuAi(ai);
+  setMenuMemory(memory);
+  setMenuAwake(awake);
   setCompactMenuBar(false);
   // A memory item without memory readings would stay empty.
-  if (menuMemory()) setMonitorMemory(true);
+  if (memory) setMonitorMemory(true);
 }
 
 std::vector<UsageProvider> Settings::providerOrder() const {

@@ -22,7 +22,7 @@ inline constexpr std::array<std::int64_t, 5> kBatteryFloors{0, 10, 20, 30, 50}; 
 inline constexpr std::array<std::int64_t, 8> kRotationIntervals{5, 10, 15, 30, 60, 120, 300, 600};  // seconds
 
 /// The user's preferences. Holds no value itself: every getter reads the defaults and validates, so a
-/// hand-edited value out of range reads as the fallback. Tells nobody about changes; whoever sets one does.
+/// hand-edited value out of range reads as the fallback. Tells nobody about changes: that is for who makes one.
 class Settings {
  public:
   /// Over any domain; registers the defaults and sees to it that at least one monitor is on.
@@ -43,7 +43,7 @@ class Settings {
   void setCompactMenuBar(bool on);
   [[nodiscard]] bool usageEnabled(UsageProvider provider) const;
   void setUsageEnabled(UsageProvider provider, bool on);
-  /// Carried along for the previous identity's sake; nothing depends on it.
+  /// Kept because earlier versions stored it; nothing depends on it.
   [[nodiscard]] std::string displayMode() const;
   void setDisplayMode(std::string_view mode);
   /// 2, 5, 10 or 30 s.
@@ -55,7 +55,7 @@ class Settings {
   /// A fixed length in seconds, or 0 until stopped, -1 the custom length, -2 until a chosen date and time.
   [[nodiscard]] std::int64_t awakeDuration() const;
   void setAwakeDuration(std::int64_t duration);
-  /// As stored, unchecked: whoever shows it clamps it.
+  /// As stored, also out of range.
   [[nodiscard]] std::int64_t awakeCustomMinutes() const;
   void setAwakeCustomMinutes(std::int64_t minutes);
   [[nodiscard]] bool awakeDisplayOn() const;

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <array>
-#include <optional>
 #include <string_view>
 
 namespace nimbo {
@@ -13,7 +12,8 @@ enum class UsageProvider { codex, claude };
 inline constexpr std::array kAllUsageProviders{UsageProvider::codex, UsageProvider::claude};
 
 /// "codex" or "claude", as stored in the settings and written to files.
-[[nodiscard]] std::string_view rawValue(UsageProvider provider);
-[[nodiscard]] std::optional<UsageProvider> usageProvider(std::string_view rawValue);
+[[nodiscard]] constexpr std::string_view rawValue(UsageProvider provider) {
+  return provider == UsageProvider::codex ? "codex" : "claude";
+}
 
 }  // namespace nimbo

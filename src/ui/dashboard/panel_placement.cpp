@@ -7,7 +7,7 @@
 namespace nimbo {
 namespace {
 
-constexpr double kGap = 4;
+constexpr double kGapToPanel = 4;
 /// The thickest panel that is looked for where none reserves space.
 constexpr double kPanelReach = 64;
 
@@ -146,16 +146,16 @@ Rect panelFrame(const PanelAnchor& anchor, Size contentSize) {
   double y = anchor.rect.y;
   switch (anchor.edge) {
     case ScreenEdge::top:
-      y = anchor.rect.maxY() + kGap;
+      y = anchor.rect.maxY() + kGapToPanel;
       break;
     case ScreenEdge::bottom:
-      y = anchor.rect.y - height - kGap;
+      y = anchor.rect.y - height - kGapToPanel;
       break;
     case ScreenEdge::left:
-      x = anchor.rect.maxX() + kGap;
+      x = anchor.rect.maxX() + kGapToPanel;
       break;
     case ScreenEdge::right:
-      x = anchor.rect.x - width - kGap;
+      x = anchor.rect.x - width - kGapToPanel;
       break;
   }
   return {clamped(x, visible.x, visible.maxX() - width), clamped(y, visible.y, visible.maxY() - height), width, height};

@@ -13,10 +13,10 @@ namespace {
 
 constexpr double kPageTop = 56;
 constexpr double kCardGap = 10;
-constexpr double kRowHeight = 58;
+constexpr double kUsageRowHeight = 58;
 constexpr double kVisibleHeight = 371;
 constexpr double kStaleAlpha = 0.45;
-constexpr const char* kNote = "Updates every 5 minutes · hover for countdowns";
+constexpr const char* kUsageNote = "Updates every 5 minutes · hover for countdowns";
 
 const TextStyle kSecondaryText{11, FontWeight::regular, ColorRole::secondaryLabel};
 
@@ -71,7 +71,7 @@ UsageCardContent cardFor(const CardState& card, double y) {
   static const std::vector<UsageWindow> kNone;
   const auto& windows = card.state.enabled && card.state.snapshot ? card.state.snapshot->windows : kNone;
   const std::string name(displayName(card.provider));
-  const double height = windows.empty() ? 110 : kRowHeight * static_cast<double>(windows.size()) + 63;
+  const double height = windows.empty() ? 110 : kUsageRowHeight * static_cast<double>(windows.size()) + 63;
 
   UsageCardContent content{card.provider, {0, y, 300, height}};
   content.title = {{12, y + 11, 245, 22}, {14, FontWeight::semibold}, providerLabel(card.provider)};
@@ -89,7 +89,7 @@ UsageCardContent cardFor(const CardState& card, double y) {
   double rowY = y + 58;
   for (const auto& window : windows) {
     content.rows.push_back(rowFor(window, card, rowY));
-    rowY += kRowHeight;
+    rowY += kUsageRowHeight;
   }
   return content;
 }
@@ -123,7 +123,7 @@ UsageContent usageContent(const DashboardSources& sources, bool visible) {
   content.progress = {{119, kPageTop + 393, 90, 18}, kSecondaryText};
   if (anyState(states, &UsageState::isRefreshing)) content.progress.text = "Refreshing…";
   content.configure = {"configure", {216, kPageTop + 390, 110, 24}, ButtonLook::inlined, 12, "Configure…"};
-  content.note = {{20, kPageTop + 421, 300, 18}, {10, FontWeight::regular, ColorRole::tertiaryLabel}, kNote, kNote};
+  content.note = {{20, kPageTop + 421, 300, 18}, {10, FontWeight::regular, ColorRole::tertiaryLabel}, kUsageNote, kUsageNote};
   content.visible = visible;
   return content;
 }

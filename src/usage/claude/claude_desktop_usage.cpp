@@ -13,7 +13,7 @@ namespace nimbo {
 namespace {
 
 constexpr char kApplication[] = "com.anthropic.claudefordesktop";
-constexpr char kSource[] = "Claude Desktop";
+constexpr char kDesktopSource[] = "Claude Desktop";
 constexpr std::string_view kMarker = "Plan usage limits";
 
 constexpr std::chrono::milliseconds kMessagingTimeout{300};
@@ -75,7 +75,7 @@ UsageOutcome ClaudeDesktopUsage::read(std::string_view localZone, const std::sto
     const std::string text = windowText(*window, clock_, stop);
     if (stop.stop_requested()) return tl::unexpected(UsageError{});
     if (text.find(kMarker) == std::string::npos) continue;
-    if (auto snapshot = parseUsageScreen(text, clock_.now(), kSource, localZone)) return *std::move(snapshot);
+    if (auto snapshot = parseUsageScreen(text, clock_.now(), kDesktopSource, localZone)) return *std::move(snapshot);
   }
   return tl::unexpected(UsageError{usage_messages::kDesktopUsageNotShown});
 }

@@ -14,10 +14,10 @@ namespace nimbo {
 namespace {
 
 using std::chrono::milliseconds;
-using Seconds = std::chrono::duration<double>;
+using Interval = std::chrono::duration<double>;
 
 constexpr std::size_t kMaximumScreenBytes = std::size_t{512} * 1024;
-constexpr std::string_view kSource = "Claude Code";
+constexpr std::string_view kToolSource = "Claude Code";
 constexpr std::string_view kYes = "y\r";
 
 /// Follows what the running tool draws until its usage screen stands still, and answers its question
@@ -34,8 +34,8 @@ class ScreenWatch {
         question_(folderNames),
         latestOutput_(clock_.uptime()) {}
 
-  [[nodiscard]] UsageOutcome run(Seconds timeout) {
-    const Seconds deadline = clock_.uptime() + timeout;
+  [[nodiscard]] UsageOutcome run(Interval timeout) {
+    const Interval deadline = clock_.uptime() + timeout;
     bool goesOn = true;
     while (goesOn && !stop_.stop_requested() && clock_.uptime() < deadline) goesOn = turn(deadline);
     if (isTooMuch()) return tl::unexpected(UsageError{usage_messages::kClaudeCodeScreenUnsupported});
@@ -47,7 +47,7 @@ class ScreenWatch {
 
  private:
   /// False once the screen is complete, or nothing more can come of it.
-  [[nodiscard]] bool turn(Seconds deadline) {
+  [[nodiscard]] bool turn(Interval deadline) {
     // A program that has ended may have left output, but somebody else may hold its terminal: that is not
     // waited for.
     const bool running = program_.running();
@@ -64,9 +64,9 @@ class ScreenWatch {
   }
 
   /// How long output is waited for.
-  [[nodiscard]] milliseconds patience(Seconds deadline) const {
-    const Seconds now = clock_.uptime();
-    const auto until = [now](Seconds moment) { return std::chrono::ceil<milliseconds>(moment - now); };
+  [[nodiscard]] milliseconds patience(Interval deadline) const {
+    const Interval now = clock_.uptime();
+    const auto until = [now](Interval moment) { return std::chrono::ceil<milliseconds>(moment - now); };
     auto result = std::min(cli_.pace.polling, until(deadline));
     if (latest_) result = std::min(result, until(latestOutput_ + cli_.pace.settling));
     return std::max(result, milliseconds{1});
@@ -97,7 +97,7 @@ class ScreenWatch {
   // Only when the tool pauses: a screen that is drawn in a thousand pieces is understood once.
   void interpret() {
     if (const auto drawnAt = std::exchange(drawnAt_, std::nullopt)) {
-      latest_ = screen_.snapshot(*drawnAt, kSource, cli_.surroundings.localZone);
+      latest_ = screen_.snapshot(*drawnAt, kToolSource, cli_.surroundings.localZone);
     }
   }
 
@@ -110,12 +110,12 @@ class ScreenWatch {
   std::optional<TrustQuestion> question_;  // until it is answered
   std::optional<UsageTime> drawnAt_;       // of what was not interpreted yet
   std::optional<UsageSnapshot> latest_;
-  Seconds latestOutput_;
+  Interval latestOutput_;
 };
 
 }  // namespace
 
-UsageOutcome ClaudeUsageCLI::fetch(const std::filesystem::path& executable, Seconds timeout,
+UsageOutcome ClaudeUsageCLI::fetch(const std::filesystem::path& executable, Interval timeout,
                                    const std::stop_token& stop) const {
   const auto terminal = services.terminals.open(claude_tool::kTerminalSize);
   if (!terminal) return tl::unexpected(UsageError{usage_messages::kClaudeCodeNotStarted});

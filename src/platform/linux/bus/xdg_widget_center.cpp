@@ -8,8 +8,8 @@
 namespace nimbo {
 namespace {
 
-constexpr const char* kPath = "/com/quellwerk/Nimbo";
-constexpr const char* kInterface = "com.quellwerk.Nimbo.Widgets";
+constexpr const char* kWidgetsPath = "/com/quellwerk/Nimbo";
+constexpr const char* kWidgetsInterface = "com.quellwerk.Nimbo.Widgets";
 
 bool isFolderName(const std::string& name) {
   return !name.empty() && name != "." && name != ".." && name.find_first_of(std::string("/\0", 2)) == std::string::npos;
@@ -30,7 +30,7 @@ bool XdgWidgetCenter::writeAtomically(const std::filesystem::path& file, std::st
 
 void XdgWidgetCenter::reloadTimelines(const std::string& kind) {
   if (session_ == nullptr) return;
-  sd_bus_emit_signal(session_, kPath, kInterface, "TimelinesReloaded", "s", kind.c_str());
+  sd_bus_emit_signal(session_, kWidgetsPath, kWidgetsInterface, "TimelinesReloaded", "s", kind.c_str());
 }
 
 }  // namespace nimbo

@@ -22,7 +22,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* kFile = "com.quellwerk.Nimbo.desktop";
-constexpr std::size_t kLongestEntry = 65536;
+constexpr std::size_t kLongestAutostartEntry = 65536;
 
 constexpr const char* kEntry = R"([Desktop Entry]
 Type=Application
@@ -53,7 +53,7 @@ bool isShownOn(const DesktopEntry& entry, const std::string& desktop) {
 XdgLoginItem::XdgLoginItem(Setup setup) : setup_(std::move(setup)), file_(setup_.configFolder / "autostart" / kFile) {}
 
 LoginItemStatus XdgLoginItem::status() const {
-  const auto text = readRegularFile(file_, kLongestEntry);
+  const auto text = readRegularFile(file_, kLongestAutostartEntry);
   const auto entry = text ? DesktopEntry::parse(*text) : std::nullopt;
   // Desktops' own settings switch an entry off by the first or the second key. Some desktops go on to start one that
   // has the second; its meaning is plain all the same.

@@ -16,8 +16,8 @@ namespace nimbo {
 /// Degrees Celsius of an attribute in millidegrees; absent for other text.
 [[nodiscard]] std::optional<double> parseMillidegrees(std::string_view text);
 
-/// The CPU's hwmon chips and, where they give nothing, its thermal zones. Which sensors there are is
-/// found out once, when it is made; sensors of other devices are never read, because that may wake
+/// The CPU's hwmon chips and, where they give nothing, its thermal zones. They are
+/// looked for once, when it is made; sensors of other devices are never read, because that may wake
 /// a disk. Made and used on one queue.
 class HwmonTemperatureSensor final : public TemperatureSensor {
  public:

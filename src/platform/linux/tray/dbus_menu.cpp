@@ -14,7 +14,7 @@
 namespace nimbo {
 namespace {
 
-constexpr const char* kInterface = "com.canonical.dbusmenu";
+constexpr const char* kMenuInterface = "com.canonical.dbusmenu";
 
 int unknownId(sd_bus_error* error, std::int32_t id) {
   return sd_bus_error_setf(error, SD_BUS_ERROR_INVALID_ARGS, "The menu has no item %d.", id);
@@ -137,7 +137,7 @@ const sd_bus_vtable DbusMenu::kTable[] = {
 };
 
 DbusMenu::DbusMenu(sd_bus* bus, DbusMenuHandlers handlers) : bus_(bus), handlers_(std::move(handlers)) {
-  object_ = addObject(bus, kPath, kInterface, kTable, this);
+  object_ = addObject(bus, kPath, kMenuInterface, kTable, this);
 }
 
 bool DbusMenu::contains(std::int32_t id) const {
@@ -156,7 +156,7 @@ bool DbusMenu::replace(StatusMenu menu) {
 bool DbusMenu::replaceAndTell(StatusMenu menu) {
   const bool shownBefore = revision_ > 0;
   const bool differs = replace(std::move(menu));
-  if (differs && shownBefore) sd_bus_emit_signal(bus_, kPath, kInterface, "LayoutUpdated", "ui", revision_, 0);
+  if (differs && shownBefore) sd_bus_emit_signal(bus_, kPath, kMenuInterface, "LayoutUpdated", "ui", revision_, 0);
   return differs;
 }
 

@@ -18,7 +18,7 @@
 namespace nimbo {
 namespace {
 
-constexpr double kPadding = 7;
+constexpr double kButtonPadding = 7;
 constexpr double kIconSide = 17;
 
 double cornerRadius(ButtonLook look, double height) { return look == ButtonLook::inlined ? height / 2 : 6; }
@@ -101,7 +101,7 @@ void DashboardButton::drawFace(QPainter& painter) const {
     painter.fillPath(*symbol, ink);
     return;
   }
-  const QRectF frame = face().adjusted(kPadding, 0, -kPadding, 0);
+  const QRectF frame = face().adjusted(kButtonPadding, 0, -kButtonPadding, 0);
   const auto font = fontFor(QApplication::font(), content_->textSize, FontWeight::medium);
   painter.setPen(ink);
   drawText(painter, frame, Qt::AlignHCenter,

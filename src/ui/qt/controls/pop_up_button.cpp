@@ -17,7 +17,7 @@
 namespace nimbo {
 namespace {
 
-constexpr double kPadding = 8;
+constexpr double kPopUpPadding = 8;
 constexpr double kArrowsWidth = 20;
 
 class AccessiblePopUp final : public QAccessibleWidget {
@@ -116,7 +116,7 @@ void PopUpButton::paintEvent(QPaintEvent* /*event*/) {
   if (keyboardFocusVisible(*this)) drawFocusRing(painter, frame, kControlRadius, theme_);
 
   painter.setPen(isEnabled() ? theme_.color(ColorRole::label) : theme_.disabledLabel());
-  const QRectF title = frame.adjusted(kPadding, 0, -kArrowsWidth, 0);
+  const QRectF title = frame.adjusted(kPopUpPadding, 0, -kArrowsWidth, 0);
   drawText(painter, title, Qt::AlignLeft, fitText(currentText(), font(), false, title.width()));
   const QPointF arrows(frame.right() - kArrowsWidth / 2, frame.center().y());
   drawChevron(painter, arrows + QPointF(0, -4), ChevronDirection::up);

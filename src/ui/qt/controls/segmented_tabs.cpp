@@ -16,10 +16,10 @@
 namespace nimbo {
 namespace {
 
-constexpr double kTextSize = 12;
+constexpr double kTabTextSize = 12;
 constexpr double kInset = 2;
-constexpr double kRadius = 7;
-constexpr double kPadding = 4;
+constexpr double kTabRadius = 7;
+constexpr double kTabPadding = 4;
 constexpr double kSideInset = 4;  // keeps the track apart from what stands beside the frame
 
 }  // namespace
@@ -69,9 +69,9 @@ void SegmentedTabs::paintEvent(QPaintEvent* /*event*/) {
   painter.setRenderHint(QPainter::Antialiasing);
   painter.setPen(Qt::NoPen);
   painter.setBrush(theme_.controlGround(ControlState::idle));
-  painter.drawRoundedRect(rect().toRectF().adjusted(kSideInset, 0, -kSideInset, 0), kRadius, kRadius);
+  painter.drawRoundedRect(rect().toRectF().adjusted(kSideInset, 0, -kSideInset, 0), kTabRadius, kTabRadius);
 
-  const double inner = kRadius - kInset;
+  const double inner = kTabRadius - kInset;
   for (int index = 0; index < count(); ++index) {
     const QRectF frame = segment(index);
     const bool selected = index == currentIndex();
@@ -82,9 +82,9 @@ void SegmentedTabs::paintEvent(QPaintEvent* /*event*/) {
       if (keyboardFocusVisible(*this)) drawFocusRing(painter, frame, inner, theme_);
     }
     painter.setPen(theme_.color(selected ? ColorRole::label : ColorRole::secondaryLabel));
-    const auto font = fontFor(QApplication::font(), kTextSize, FontWeight::medium);
+    const auto font = fontFor(QApplication::font(), kTabTextSize, FontWeight::medium);
     const QString label = QString::fromStdString(content_->labels[static_cast<std::size_t>(index)]);
-    drawText(painter, frame, Qt::AlignHCenter, fitText(label, font, false, frame.width() - 2 * kPadding));
+    drawText(painter, frame, Qt::AlignHCenter, fitText(label, font, false, frame.width() - 2 * kTabPadding));
   }
 }
 
