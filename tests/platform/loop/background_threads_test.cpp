@@ -25,7 +25,9 @@ TEST(BackgroundThreads, WorkRunsElsewhereAtLowPriority) {
   });
   const auto [thread, nice] = told.get_future().get();
   EXPECT_NE(thread, std::this_thread::get_id());
-  EXPECT_EQ(nice, std::max(getpriority(PRIO_PROCESS, static_cast<id_t>(gettid())), 10));
+  EXPECT_GE(nice, 10);
+  EXPECT_LE(nice, std::max(getpriority(PRIO_PROCESS, static_cast<id_t>(gettid())), 10))
+      << "only the superuser may leave a higher one for it";
 }
 
 TEST(BackgroundThreads, WorkThatHangsHoldsUpNoOther) {
