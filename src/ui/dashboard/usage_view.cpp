@@ -123,7 +123,8 @@ UsageContent usageContent(const DashboardSources& sources, bool visible) {
   content.progress = {{119, kPageTop + 393, 90, 18}, kSecondaryText};
   if (anyState(states, &UsageState::isRefreshing)) content.progress.text = "Refreshing…";
   content.configure = {"configure", {216, kPageTop + 390, 110, 24}, ButtonLook::inlined, 12, "Configure…"};
-  content.note = {{20, kPageTop + 421, 300, 18}, {10, FontWeight::regular, ColorRole::tertiaryLabel}, kUsageNote, kUsageNote};
+  content.note = {
+      {20, kPageTop + 421, 300, 18}, {10, FontWeight::regular, ColorRole::tertiaryLabel}, kUsageNote, kUsageNote};
   content.visible = visible;
   return content;
 }

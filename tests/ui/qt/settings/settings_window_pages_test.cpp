@@ -2,7 +2,6 @@
 // The window with the program's own pages in it.
 #include <QComboBox>
 
-#include "support/fake_login_item.h"
 #include "support/fake_user_defaults.h"
 #include "ui/qt/controls/fitted_label.h"
 #include "ui/qt/qt_test.h"
@@ -19,18 +18,7 @@ class SettingsPagesOnScreen : public QtTest {
     ASSERT_TRUE(QTest::qWaitForWindowActive(&widget()));
   }
 
-  static QWidget& widget() {
-    for (QWidget* const candidate : QApplication::topLevelWidgets()) {
-      if (candidate->objectName() == "settingsWindow") return *candidate;
-    }
-    throw std::logic_error("no settings window");
-  }
-  template <class Child>
-  static Child& child(const char* name) {
-    if (auto* const found = widget().findChild<Child*>(name)) return *found;
-    throw std::logic_error(name);
-  }
-  static QAbstractButton& box(const char* name) { return child<QAbstractButton>(name); }
+  static QWidget& widget() { return topLevel("settingsWindow"); }
   /// All controls of that kind on all pages.
   template <class Control>
   static QList<Control*> all() {
@@ -51,7 +39,7 @@ class SettingsPagesOnScreen : public QtTest {
     EXPECT_EQ(drawn.remove(' ').toStdString(), label.text().simplified().remove(' ').toStdString());
   }
   static double widthOf(const QString& text, double size, FontWeight weight) {
-    return textWidth(text, fontFor(QApplication::font(), size, weight), false);
+    return textWidth(text, fontFor(size, weight), false);
   }
 
   FakeUserDefaultsDomains domains_;
@@ -63,19 +51,9 @@ class SettingsPagesOnScreen : public QtTest {
                      .feedUrl = {},
                      .publicKey = {},
                      .appGroup = {}};
-  FakeLoginItem login_;
-  std::function<void()> toggleLogin_;
-  std::optional<std::string> widgetMessage_;
+  LoginItemStatus loginStatus_ = LoginItemStatus::notRegistered;
   std::unique_ptr<SettingsWindow> window_ = interface().makeSettingsWindow();
-  SettingsWindowController controller_{{settings_, bundle_, login_},
-                                       *window_,
-                                       {.changed = [](const SettingsChange&) {},
-                                        .toggleLogin = [this] { toggleLogin_(); },
-                                        .checkForUpdates = {},
-                                        .toggleAutomaticUpdates = {},
-                                        .enableClaudeDesktop = {},
-                                        .automaticUpdates = [] { return false; },
-                                        .widgetMessage = [this] { return widgetMessage_; }}};
+  SettingsWindowController controller_{settings_, *window_, bundle_, [this] { return loginStatus_; }};
 };
 
 /// With another font for as long as it lives.
@@ -93,21 +71,11 @@ class FontInUse {
   const QFont before_ = QApplication::font();
 };
 
-TEST_F(SettingsPagesOnScreen, EachTabShowsItsPage) {
-  for (const auto& [tab, control] : {std::pair{1, "cpu"}, {2, "codex"}, {3, "power"}, {0, "login"}}) {
-    QTest::mouseClick(widget().windowHandle(), Qt::LeftButton, {}, {28 + 126 * tab + 63, 34});
-    EXPECT_TRUE(box(control).isVisible()) << control;
-    int visible = 0;
-    for (const auto* const each : {"cpu", "codex", "power", "login"}) visible += box(each).isVisible();
-    EXPECT_EQ(visible, 1) << control;
-  }
-}
-
 TEST_F(SettingsPagesOnScreen, NoLabelIsCutEvenInAFontWiderByAFifth) {
-  widgetMessage_ = "Widgets are unavailable in this build. Install the signed Nimbo app to use them.";
+  controller_.setWidgetMessage("Widgets are unavailable in this build. Install the signed Nimbo app to use them.");
   for (const auto status : {LoginItemStatus::enabled, LoginItemStatus::requiresApproval}) {
-    login_.current = status;
-    controller_.syncIfVisible();
+    loginStatus_ = status;
+    controller_.sync();
     for (const auto& font : {stretched("Noto Sans", 100), stretched("Noto Sans", 120), stretched("DejaVu Sans", 100)}) {
       const FontInUse inUse(font);
       for (const auto* const label : all<FittedLabel>()) expectWhole(*label);
@@ -131,55 +99,6 @@ TEST_F(SettingsPagesOnScreen, TextsOnControlsFitInAFontWiderByATenth) {
       }
     }
   }
-}
-
-TEST_F(SettingsPagesOnScreen, BoxesThatExcludeEachOtherChangeTogether) {
-  box("compact").click();
-  ASSERT_TRUE(settings_.compactMenuBar());
-  box("menuRotation").click();
-  EXPECT_TRUE(box("menuRotation").isChecked());
-  EXPECT_FALSE(box("compact").isChecked());
-  EXPECT_FALSE(settings_.compactMenuBar());
-}
-
-TEST_F(SettingsPagesOnScreen, ChoiceIsStoredAndShown) {
-  auto& battery = child<QComboBox>("battery");
-  battery.setCurrentText("50%");
-  EXPECT_EQ(settings_.awakeBatteryFloor(), 50);
-  EXPECT_EQ(battery.currentText(), "50%");
-}
-
-TEST_F(SettingsPagesOnScreen, RefusedLaunchAtLoginGoesBackAtOnce) {
-  int asked = 0;
-  toggleLogin_ = [&] { ++asked; };
-  box("login").click();
-  EXPECT_EQ(asked, 1);
-  EXPECT_FALSE(box("login").isChecked());
-  toggleLogin_ = [this] { login_.current = LoginItemStatus::enabled; };
-  box("login").click();
-  EXPECT_TRUE(box("login").isChecked());
-}
-
-TEST_F(SettingsPagesOnScreen, ComingBackToItShowsWhatWasStoredMeanwhile) {
-  QWidget other;
-  other.show();
-  other.activateWindow();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
-  settings_.setAwakeOnlyOnPower(!settings_.awakeOnlyOnPower());
-  EXPECT_NE(box("power").isChecked(), settings_.awakeOnlyOnPower());
-  widget().activateWindow();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(&widget()));
-  EXPECT_EQ(box("power").isChecked(), settings_.awakeOnlyOnPower());
-}
-
-TEST_F(SettingsPagesOnScreen, MessageAppearsAboveAFocusedControlWithoutTakingItsFocus) {
-  box("login").setFocus(Qt::TabFocusReason);
-  widgetMessage_ = "A message.";
-  controller_.syncIfVisible();
-  EXPECT_TRUE(box("login").hasFocus());
-  widgetMessage_.reset();
-  controller_.syncIfVisible();
-  EXPECT_TRUE(box("login").hasFocus());
 }
 
 }  // namespace
