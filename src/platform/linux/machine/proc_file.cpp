@@ -13,7 +13,7 @@
 namespace nimbo {
 namespace {
 
-constexpr std::string_view kBlanks = " \t";
+constexpr std::string_view kSpaceAndTab = " \t";
 
 template <class Number>
 std::optional<Number> parseWhole(std::string_view word) {
@@ -59,8 +59,8 @@ std::optional<std::string_view> takeLine(std::string_view& rest) {
 }
 
 std::string_view takeWord(std::string_view& rest) {
-  rest.remove_prefix(std::min(rest.find_first_not_of(kBlanks), rest.size()));
-  const std::string_view word = rest.substr(0, rest.find_first_of(kBlanks));
+  rest.remove_prefix(std::min(rest.find_first_not_of(kSpaceAndTab), rest.size()));
+  const std::string_view word = rest.substr(0, rest.find_first_of(kSpaceAndTab));
   rest.remove_prefix(word.size());
   return word;
 }

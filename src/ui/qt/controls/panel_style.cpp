@@ -20,15 +20,15 @@ constexpr int kStepperInset = 3;  // brings the two arrows closer together
 // Entries of a context menu, or of a pop-up's list, which is drawn like one.
 constexpr int kRowHeight = 24;
 constexpr int kSeparatorHeight = 9;
-constexpr int kPadding = 10;
+constexpr int kMenuPadding = 10;
 constexpr int kCheckWidth = 16;
 constexpr int kShortcutGap = 24;
 constexpr int kRowPadding = 6;
 constexpr int kTextFlags = Qt::TextSingleLine | Qt::TextHideMnemonic;
-constexpr double kRadius = 5;
+constexpr double kMenuRadius = 5;
 constexpr double kGroundInset = 4;
 
-int textStart(const QStyleOptionMenuItem& item) { return kPadding + (item.menuHasCheckableItems ? kCheckWidth : 0); }
+int textStart(const QStyleOptionMenuItem& item) { return kMenuPadding + (item.menuHasCheckableItems ? kCheckWidth : 0); }
 
 bool isSeparator(const QStyleOptionMenuItem& item) { return item.menuItemType == QStyleOptionMenuItem::Separator; }
 
@@ -36,7 +36,7 @@ QString titleOf(const QStyleOptionMenuItem& item) { return item.text.section('\t
 QString shortcutOf(const QStyleOptionMenuItem& item) { return item.text.section('\t', 1); }
 
 void drawTexts(QPainter& painter, const QStyleOptionMenuItem& item, const QColor& quiet) {
-  const QRect place = item.rect.adjusted(textStart(item), 0, -kPadding, 0);
+  const QRect place = item.rect.adjusted(textStart(item), 0, -kMenuPadding, 0);
   painter.setFont(item.font);
   painter.drawText(place, kTextFlags | Qt::AlignVCenter | Qt::AlignLeft, titleOf(item));
   painter.setPen(quiet);
@@ -46,7 +46,7 @@ void drawTexts(QPainter& painter, const QStyleOptionMenuItem& item, const QColor
 void drawMenuItem(QPainter& painter, const QStyleOptionMenuItem& item, const Theme& theme) {
   const QRectF row = item.rect;
   if (isSeparator(item)) {
-    painter.fillRect(QRectF(row.left() + kPadding, row.center().y(), row.width() - 2 * kPadding, 1), theme.separator());
+    painter.fillRect(QRectF(row.left() + kMenuPadding, row.center().y(), row.width() - 2 * kMenuPadding, 1), theme.separator());
     return;
   }
   painter.save();
@@ -54,12 +54,12 @@ void drawMenuItem(QPainter& painter, const QStyleOptionMenuItem& item, const The
   const bool selected = enabled && (item.state & QStyle::State_Selected) != 0;
   painter.setRenderHint(QPainter::Antialiasing);
   if (selected) {
-    fillRounded(painter, row.adjusted(kGroundInset, 0, -kGroundInset, 0), kRadius, theme.accent());
+    fillRounded(painter, row.adjusted(kGroundInset, 0, -kGroundInset, 0), kMenuRadius, theme.accent());
   }
   const QColor ink = selected ? theme.accentLabel() : enabled ? theme.color(ColorRole::label) : theme.disabledLabel();
   painter.setPen(ink);
   if (item.checked) {
-    drawCheckMark(painter, {row.left() + kPadding - 3, row.center().y() - kCheckWidth / 2.0, kCheckWidth, kCheckWidth});
+    drawCheckMark(painter, {row.left() + kMenuPadding - 3, row.center().y() - kCheckWidth / 2.0, kCheckWidth, kCheckWidth});
   }
   drawTexts(painter, item, selected || !enabled ? ink : theme.color(ColorRole::secondaryLabel));
   painter.restore();
@@ -67,10 +67,10 @@ void drawMenuItem(QPainter& painter, const QStyleOptionMenuItem& item, const The
 
 /// Without the shortcut itself, for which menus keep a column.
 QSize menuItemSize(const QStyleOptionMenuItem& item) {
-  if (isSeparator(item)) return {2 * kPadding, kSeparatorHeight};
+  if (isSeparator(item)) return {2 * kMenuPadding, kSeparatorHeight};
   const int shortcut = shortcutOf(item).isEmpty() ? 0 : kShortcutGap;
   const QSize title = item.fontMetrics.size(kTextFlags, titleOf(item));
-  return {textStart(item) + title.width() + shortcut + kPadding, std::max(kRowHeight, title.height() + kRowPadding)};
+  return {textStart(item) + title.width() + shortcut + kMenuPadding, std::max(kRowHeight, title.height() + kRowPadding)};
 }
 
 }  // namespace

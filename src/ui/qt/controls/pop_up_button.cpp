@@ -12,7 +12,7 @@
 namespace nimbo {
 namespace {
 
-constexpr double kPadding = 8;
+constexpr double kPopUpPadding = 8;
 constexpr double kArrowsWidth = 20;
 
 }  // namespace
@@ -62,7 +62,7 @@ void PopUpButton::paintEvent(QPaintEvent* /*event*/) {
   if (keyboardFocusVisible(*this)) drawFocusRing(painter, frame, kControlRadius, theme_.focusRing());
 
   painter.setPen(isEnabled() ? theme_.color(ColorRole::label) : theme_.disabledLabel());
-  drawText(painter, frame.adjusted(kPadding, 0, -kArrowsWidth, 0), Qt::AlignLeft, currentText(), font());
+  drawText(painter, frame.adjusted(kPopUpPadding, 0, -kArrowsWidth, 0), Qt::AlignLeft, currentText(), font());
   const QPointF arrows(frame.right() - kArrowsWidth / 2, frame.center().y());
   drawChevron(painter, arrows + QPointF(0, -4), ChevronDirection::up);
   drawChevron(painter, arrows + QPointF(0, 4), ChevronDirection::down);

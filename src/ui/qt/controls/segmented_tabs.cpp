@@ -12,10 +12,10 @@
 namespace nimbo {
 namespace {
 
-constexpr double kTextSize = 12;
+constexpr double kTabTextSize = 12;
 constexpr double kInset = 2;
-constexpr double kRadius = 7;
-constexpr double kPadding = 4;
+constexpr double kTabRadius = 7;
+constexpr double kTabPadding = 4;
 constexpr double kSideInset = 4;  // keeps the track apart from what stands beside the frame
 
 }  // namespace
@@ -59,9 +59,9 @@ QRectF SegmentedTabs::segment(int index) const {
 void SegmentedTabs::paintEvent(QPaintEvent* /*event*/) {
   if (!content_) return;
   SmoothPainter painter(this);
-  fillRounded(painter, rect().toRectF().adjusted(kSideInset, 0, -kSideInset, 0), kRadius,
+  fillRounded(painter, rect().toRectF().adjusted(kSideInset, 0, -kSideInset, 0), kTabRadius,
               theme_.controlGround(ControlState::idle));
-  const double inner = kRadius - kInset;
+  const double inner = kTabRadius - kInset;
   for (int index = 0; index < count(); ++index) {
     const QRectF frame = segment(index);
     const bool selected = index == currentIndex();
@@ -72,8 +72,8 @@ void SegmentedTabs::paintEvent(QPaintEvent* /*event*/) {
       if (keyboardFocusVisible(*this)) drawFocusRing(painter, frame, inner, theme_.focusRing());
     }
     painter.setPen(theme_.color(selected ? ColorRole::label : ColorRole::secondaryLabel));
-    drawText(painter, frame.adjusted(kPadding, 0, -kPadding, 0), Qt::AlignHCenter, accessibleTabName(index),
-             fontFor(kTextSize, FontWeight::medium));
+    drawText(painter, frame.adjusted(kTabPadding, 0, -kTabPadding, 0), Qt::AlignHCenter, accessibleTabName(index),
+             fontFor(kTabTextSize, FontWeight::medium));
   }
 }
 
