@@ -94,6 +94,13 @@ bool JsonDomainFile::write(const json& values) {
   return true;
 }
 
+bool JsonDomainFile::update(const json& changes) {
+  refresh();
+  json values = *values_;
+  values.update(changes);
+  return write(values);
+}
+
 void JsonDomainFile::remove() { ::unlink(path_.c_str()); }
 
 }  // namespace nimbo

@@ -34,6 +34,9 @@ class JsonDomainFile {
   /// to a dated name beside it. False when nothing could be written.
   [[nodiscard]] bool write(const nlohmann::json& values);
 
+  /// Writes these members into the file as it is now, so that what others wrote into it stays.
+  [[nodiscard]] bool update(const nlohmann::json& changes);
+
   void remove();
 
  private:

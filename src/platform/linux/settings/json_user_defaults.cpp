@@ -18,14 +18,6 @@ json asReadBack(const json& value) {
   return json::parse(value.dump(-1, ' ', /*ensure_ascii=*/false, json::error_handler_t::replace));
 }
 
-// Into the file as it is now, so that what others wrote into it meanwhile stays.
-bool save(JsonDomainFile& file, const json& changes) {
-  file.refresh();
-  json values = file.values();
-  values.update(changes);
-  return file.write(values);
-}
-
 }  // namespace
 
 struct JsonUserDefaults::State : std::enable_shared_from_this<State> {
@@ -57,7 +49,7 @@ struct JsonUserDefaults::State : std::enable_shared_from_this<State> {
     services.background([self = shared_from_this(), file = file, changes = unsaved]() mutable {
       const std::scoped_lock lock(self->writer);
       if (self->ended) return;
-      const bool saved = save(file, changes);
+      const bool saved = file.update(changes);
       self->services.loop.post([weak = std::weak_ptr(self), saved, file, changes] {
         if (const auto owner = weak.lock()) owner->finishWriting(saved, file, changes);
       });
@@ -93,7 +85,7 @@ JsonUserDefaults::JsonUserDefaults(const std::filesystem::path& folder, std::str
 JsonUserDefaults::~JsonUserDefaults() {
   const std::scoped_lock lock(state_->writer);
   state_->ended = true;
-  if (state_->writing) (void)save(state_->file, state_->unsaved);
+  if (state_->writing) (void)state_->file.update(state_->unsaved);
 }
 
 void JsonUserDefaults::registerDefault(std::string_view key, json value) { state_->registered[key] = std::move(value); }
