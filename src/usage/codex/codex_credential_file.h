@@ -15,8 +15,8 @@ namespace nimbo {
 [[nodiscard]] std::filesystem::path codexCredentialFile(const std::string& codexHome,
                                                         const std::filesystem::path& home);
 
-/// Reads the sign-in that Codex keeps in `file`, anew each time. That of Claude is none of our
-/// business. `files` and `clock` outlive every read.
+/// Reads the sign-in that Codex keeps in `file`, anew each time; for Claude it always fails. `files` and
+/// `clock` outlive every read.
 [[nodiscard]] UsageCredentialReader::Reader codexCredentialReader(std::filesystem::path file, const SecretFiles& files,
                                                                   const Clock& clock);
 

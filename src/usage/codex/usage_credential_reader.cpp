@@ -12,7 +12,7 @@ namespace {
 
 using std::chrono::seconds;
 
-// Whoever waits for these does not mind when the kernel joins wake-ups.
+// A time limit may pass a little late, so that the kernel can join wake-ups.
 constexpr std::chrono::milliseconds kLeeway{250};
 
 seconds defaultTimeout(bool allowPrompt) { return allowPrompt ? seconds{60} : seconds{10}; }
@@ -35,8 +35,8 @@ struct Completion {
 /// What the work in the background shares with the main thread.
 struct UsageCredentialReader::Reads {
   std::mutex lock;
-  std::set<UsageProvider> busy;  ///< whose reader has not returned yet
-  MainLoop* loop = nullptr;      ///< null once nobody can wait any more
+  std::set<UsageProvider> busy;  ///< providers whose reader has not returned yet
+  MainLoop* loop = nullptr;      ///< null once the UsageCredentialReader has gone
 
   [[nodiscard]] bool begin(UsageProvider provider) {
     const std::scoped_lock guard(lock);

@@ -97,7 +97,9 @@ class CurlTransfer {
   [[nodiscard]] bool addHeaders() {
     for (const auto& [name, value] : request_.headers) {
       if (!isHeaderText(name) || !isHeaderText(value)) return false;
-      curl_slist* const longer = curl_slist_append(headers_.get(), (name + ": " + value).c_str());
+      std::string line = name;
+      line.append(": ").append(value);
+      curl_slist* const longer = curl_slist_append(headers_.get(), line.c_str());
       if (longer == nullptr) return false;
       static_cast<void>(headers_.release());
       headers_.reset(longer);
