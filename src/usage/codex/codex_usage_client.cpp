@@ -33,7 +33,7 @@ Subscription CodexUsageClient::read(UsageRequest request, std::function<void(Usa
   const auto onCredentials = [this, weak = std::weak_ptr(reading)](UsageCredentialReader::Outcome credentials) {
     const auto current = weak.lock();
     if (!current) return;
-    if (!credentials) return current->finish(failure(std::move(credentials.error().message)));
+    if (!credentials) return current->finish(tl::unexpected(std::move(credentials.error())));
     const auto onAnswer = [this, weak](const HttpClient::Answer& answer) {
       if (const auto waiting = weak.lock()) waiting->finish(conclude(answer));
     };
@@ -58,11 +58,8 @@ UsageOutcome CodexUsageClient::conclude(const HttpClient::Answer& answer) const 
                                                           : usage_messages::kProviderUnreachable);
   }
   switch (answer->status) {
-    case 200: {
-      auto snapshot = parseUsageResponse(answer->body, kProvider, services_.clock.now());
-      if (!snapshot) return failure(std::move(snapshot.error().message));
-      return std::move(*snapshot);
-    }
+    case 200:
+      return parseUsageResponse(answer->body, kProvider, services_.clock.now());
     case 401:
       return failure(usage_messages::signInExpired(kProvider));
     case 403:
