@@ -1,36 +1,27 @@
 // SPDX-License-Identifier: MIT
 #include "ui/qt/qt_user_interface.h"
 
-#include <QAccessible>
+#include <QAbstractEventDispatcher>
 #include <QCursor>
 #include <QScreen>
 #include <QSessionManager>
+#include <QSocketNotifier>
+#include <QTimer>
 #include <QToolTip>
 #include <algorithm>
-#include <array>
 #include <clocale>
 #include <cmath>
 
-#include "ui/qt/application_accessible.h"
+#include "ui/qt/accessibility.h"
 #include "ui/qt/controls/panel_style.h"
-#include "ui/qt/controls/pop_up_button.h"
 #include "ui/qt/controls/qt_geometry.h"
-#include "ui/qt/controls/scroll_area.h"
-#include "ui/qt/dashboard/chart_widget.h"
 #include "ui/qt/dashboard/qt_dashboard_window.h"
-#include "ui/qt/dashboard/usage_card.h"
 #include "ui/qt/settings/qt_settings_window.h"
-#include "ui/qt/settings/settings_page.h"
 #include "ui/qt/windows/qt_alert.h"
-#include "ui/qt/windows/screen_watch.h"
 #include "ui/qt/windows/window_system.h"
 
 namespace nimbo {
 namespace {
-
-constexpr std::array kAccessibleControls{
-    makeAccessibleChart,        makeAccessiblePopUp,        makeAccessibleAlert,     makeAccessibleUsageCard,
-    makeAccessibleTitledWindow, makeAccessibleSettingsPage, makeAccessibleScrollArea};
 
 std::vector<char*> pointersTo(std::vector<std::string>& texts) {
   std::vector<char*> pointers;
@@ -81,15 +72,44 @@ QtUserInterface::QtUserInterface(const std::string& platform)
   QObject::connect(application_.get(), &QGuiApplication::saveStateRequest, refuseRestart);
 
   QApplication::setStyle(new PanelStyle(theme_));
-  for (const auto factory : kAccessibleControls) QAccessible::installFactory(factory);
+  QAccessible::installFactory(makeAccessibleWidget);
   windowSystem_ = makeWindowSystem();
-  screenWatch_ = std::make_unique<ScreenWatch>();
+  watchScreens();
   setAppearance(Appearance::light);
 }
 
 QtUserInterface::~QtUserInterface() {
-  for (const auto factory : kAccessibleControls) QAccessible::removeFactory(factory);
+  QAccessible::removeFactory(makeAccessibleWidget);
   QAccessible::removeFactory(makeAccessibleApplication);
+}
+
+void QtUserInterface::run(int descriptor, const std::function<void()>& dispatchPending) {
+  QSocketNotifier notifier(descriptor, QSocketNotifier::Read);
+  const auto dispatch = [&dispatchPending] { dispatchPending(); };
+  // The notifier is the context of both connections, so both end with it.
+  QObject::connect(&notifier, &QSocketNotifier::activated, &notifier, dispatch);
+  QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, &notifier, dispatch);
+  QCoreApplication::exec();
+}
+
+// Not quit(), which first asks every window to close and gives up when one refuses.
+void QtUserInterface::stop() { QCoreApplication::exit(0); }
+
+// Observers are told once for each burst of changes.
+void QtUserInterface::watchScreens() {
+  auto* const burst = new QTimer(application_.get());
+  burst->setSingleShot(true);
+  QObject::connect(burst, &QTimer::timeout, burst, [this] { screenObservers_.notify(); });
+  const auto changed = [burst] { burst->start(0); };
+  const auto watch = [burst, changed](const QScreen* screen) {
+    QObject::connect(screen, &QScreen::geometryChanged, burst, changed);
+    QObject::connect(screen, &QScreen::availableGeometryChanged, burst, changed);
+  };
+  QObject::connect(qGuiApp, &QGuiApplication::screenAdded, burst, watch);
+  QObject::connect(qGuiApp, &QGuiApplication::screenAdded, burst, changed);
+  QObject::connect(qGuiApp, &QGuiApplication::screenRemoved, burst, changed);
+  QObject::connect(qGuiApp, &QGuiApplication::primaryScreenChanged, burst, changed);
+  std::ranges::for_each(QGuiApplication::screens(), watch);
 }
 
 std::vector<Screen> QtUserInterface::screens() const {
@@ -100,10 +120,6 @@ std::vector<Screen> QtUserInterface::screens() const {
     result.push_back({toRect(screen->geometry()), toRect(screen->availableGeometry())});
   }
   return result;
-}
-
-Subscription QtUserInterface::observeScreens(std::function<void()> changed) {
-  return screenWatch_->observe(std::move(changed));
 }
 
 Rect QtUserInterface::toPoints(const Rect& reported) {
@@ -129,15 +145,13 @@ void QtUserInterface::setAppearance(Appearance appearance) {
   QToolTip::setPalette(theme_.palette());
 }
 
-void QtUserInterface::setMainMenu(const MainMenu& menu) { mainMenuKeys_.setMenu(menu); }
-
 std::unique_ptr<DashboardWindow> QtUserInterface::makeDashboardWindow() {
   return std::make_unique<QtDashboardWindow>(theme_, *windowSystem_);
 }
 
 std::unique_ptr<SettingsWindow> QtUserInterface::makeSettingsWindow() {
   auto window = std::make_unique<QtSettingsWindow>(theme_, *windowSystem_);
-  mainMenuKeys_.serve(window->widget());
+  mainMenuKeys_.serve(*window);
   return window;
 }
 

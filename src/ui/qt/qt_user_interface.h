@@ -6,31 +6,32 @@
 #include <string>
 #include <vector>
 
+#include "base/observer_list.h"
 #include "ui/qt/controls/theme.h"
-#include "ui/qt/qt_outer_loop.h"
 #include "ui/qt/windows/main_menu_keys.h"
 #include "ui/user_interface.h"
 
 namespace nimbo {
 
-class ScreenWatch;
 class WindowSystem;
 
 /// The toolkit's application object and what hangs on it. One at a time; outlives its windows. If
 /// the connection to the display breaks, the toolkit ends the process with status 1, which loses
 /// nothing: whatever the program stores is on disk as soon as it is set.
-class QtUserInterface final : public UserInterface {
+class QtUserInterface final : public UserInterface, private OuterLoop {
  public:
   /// Null when no display can be reached.
   [[nodiscard]] static std::unique_ptr<QtUserInterface> make(DisplayNeed need = DisplayNeed::required);
   ~QtUserInterface() override;
 
-  [[nodiscard]] OuterLoop& loop() override { return loop_; }
+  [[nodiscard]] OuterLoop& loop() override { return *this; }
   [[nodiscard]] std::vector<Screen> screens() const override;
-  [[nodiscard]] Subscription observeScreens(std::function<void()> changed) override;
+  [[nodiscard]] Subscription observeScreens(std::function<void()> changed) override {
+    return screenObservers_.add(std::move(changed));
+  }
   [[nodiscard]] Rect toPoints(const Rect& reported) override;
   void setAppearance(Appearance appearance) override;
-  void setMainMenu(const MainMenu& menu) override;
+  void setMainMenu(const MainMenu& menu) override { mainMenuKeys_.setMenu(menu); }
   [[nodiscard]] std::unique_ptr<DashboardWindow> makeDashboardWindow() override;
   [[nodiscard]] std::unique_ptr<SettingsWindow> makeSettingsWindow() override;
   [[nodiscard]] std::unique_ptr<Alert> showAlert(const AlertContent& content,
@@ -38,6 +39,12 @@ class QtUserInterface final : public UserInterface {
 
  private:
   explicit QtUserInterface(const std::string& platform);
+  void watchScreens();
+
+  // The toolkit's event loop as the outer one. Nothing called from it may run a nested event loop
+  // (modal dialogs, menus that wait): the inner main loop would stand still meanwhile.
+  void run(int descriptor, const std::function<void()>& dispatchPending) override;
+  void stop() override;
 
   // The toolkit keeps references to both for as long as the application lives.
   std::vector<std::string> arguments_;
@@ -46,9 +53,8 @@ class QtUserInterface final : public UserInterface {
 
   Theme theme_;
   std::unique_ptr<QApplication> application_;
-  QtOuterLoop loop_;
   std::unique_ptr<WindowSystem> windowSystem_;
-  std::unique_ptr<ScreenWatch> screenWatch_;
+  ObserverList<> screenObservers_;
   MainMenuKeys mainMenuKeys_;
   bool placesAreInPoints_ = false;  ///< as the pointer told last
 };

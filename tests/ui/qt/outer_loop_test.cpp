@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ui/qt/qt_outer_loop.h"
+#include "ui/qt/qt_user_interface.h"
 
 #include <poll.h>
 #include <unistd.h>

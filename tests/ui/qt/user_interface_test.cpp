@@ -5,7 +5,7 @@
 #include <clocale>
 
 #include "qt_test.h"
-#include "ui/qt/qt_outer_loop.h"
+#include "ui/qt/qt_user_interface.h"
 
 namespace nimbo {
 namespace {

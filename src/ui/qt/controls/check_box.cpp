@@ -1,17 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "ui/qt/controls/check_box.h"
 
-#include <QApplication>
-#include <QPainter>
 #include <QSignalBlocker>
 #include <utility>
 
 #include "ui/qt/controls/control_painting.h"
-#include "ui/qt/controls/focus_ring.h"
-#include "ui/qt/controls/plain_tool_tip.h"
-#include "ui/qt/controls/qt_geometry.h"
 #include "ui/qt/controls/text_fitting.h"
-#include "ui/qt/controls/theme.h"
 
 namespace nimbo {
 namespace {
@@ -22,16 +16,14 @@ constexpr double kBoxRadius = 4;
 constexpr double kGap = 7;
 constexpr int kRingRoom = 4;  // on either side of box and title
 
-QFont titleFont() { return fontFor(QApplication::font(), kTextSize, FontWeight::regular); }
+QFont titleFont() { return fontFor(kTextSize, FontWeight::regular); }
 
 }  // namespace
 
 CheckBox::CheckBox(const Theme& theme, std::function<void(bool on)> switched, QWidget* parent)
-    : QCheckBox(parent), theme_(theme) {
-  setFocusPolicy(Qt::StrongFocus);
-  setAttribute(Qt::WA_Hover);
+    : ContentWidget(theme, parent) {
   // Not `clicked`, which assistive technology can do without.
-  connect(this, &QCheckBox::toggled, this, [switched = std::move(switched)](bool on) { switched(on); });
+  connect(this, &QCheckBox::toggled, this, std::move(switched));
 }
 
 void CheckBox::setContent(const CheckBoxContent& content) {
@@ -41,16 +33,8 @@ void CheckBox::setContent(const CheckBoxContent& content) {
     setChecked(content.on);
   }
   if (content_ == content) return;
-  content_ = content;
-  setObjectName(QString::fromStdString(content.identifier));
-  setGeometry(toQRect(content.frame).adjusted(-kRingRoom, 0, 0, 0));
-  const QString title = QString::fromStdString(content.title);
-  setText(QString(title).replace('&', "&&"));
-  setAccessibleName(title);
-  setPlainToolTip(*this, QString::fromStdString(content.toolTip));
-  setEnabled(content.enabled);
-  setVisible(content.visible);
-  update();
+  setText(withoutMnemonics(content.title));
+  take(content, {kRingRoom, 0, 0, 0});
 }
 
 QRectF CheckBox::face() const {
@@ -63,14 +47,11 @@ bool CheckBox::hitButton(const QPoint& place) const { return face().contains(pla
 void CheckBox::drawBox(QPainter& painter, const QRectF& box) const {
   const ControlState state = controlState(*this, isDown());
   if (!isChecked()) {
-    painter.setPen(QPen(theme_.fieldBorder(isEnabled()), 1));
-    painter.setBrush(theme_.fieldGround(isEnabled()));
-    painter.drawRoundedRect(box.adjusted(0.5, 0.5, -0.5, -0.5), kBoxRadius - 0.5, kBoxRadius - 0.5);
+    fillRounded(painter, box, kBoxRadius, theme_.fieldGround(isEnabled()), theme_.fieldBorder(isEnabled()));
     if (state == ControlState::idle || state == ControlState::disabled) return;
   }
-  painter.setPen(Qt::NoPen);
-  painter.setBrush(isChecked() && isEnabled() ? theme_.accent(state) : theme_.controlGround(state));
-  painter.drawRoundedRect(box, kBoxRadius, kBoxRadius);
+  fillRounded(painter, box, kBoxRadius,
+              isChecked() && isEnabled() ? theme_.accent(state) : theme_.controlGround(state));
   if (!isChecked()) return;
   painter.setPen(isEnabled() ? theme_.accentLabel() : theme_.disabledLabel());
   drawCheckMark(painter, box);
@@ -78,14 +59,12 @@ void CheckBox::drawBox(QPainter& painter, const QRectF& box) const {
 
 void CheckBox::paintEvent(QPaintEvent* /*event*/) {
   if (!content_) return;
-  QPainter painter(this);
-  painter.setRenderHint(QPainter::Antialiasing);
+  SmoothPainter painter(this);
   drawBox(painter, {kRingRoom, (height() - kBoxSide) / 2, kBoxSide, kBoxSide});
-  if (keyboardFocusVisible(*this)) drawFocusRing(painter, face(), kControlRadius, theme_);
+  if (keyboardFocusVisible(*this)) drawFocusRing(painter, face(), kControlRadius, theme_.focusRing());
   painter.setPen(isEnabled() ? theme_.color(ColorRole::label) : theme_.disabledLabel());
-  const QRectF frame = rect().toRectF().adjusted(kRingRoom + kBoxSide + kGap, 0, 0, 0);
-  drawText(painter, frame, Qt::AlignLeft,
-           fitText(QString::fromStdString(content_->title), titleFont(), false, frame.width()));
+  drawText(painter, rect().toRectF().adjusted(kRingRoom + kBoxSide + kGap, 0, 0, 0), Qt::AlignLeft,
+           QString::fromStdString(content_->title), titleFont());
 }
 
 }  // namespace nimbo

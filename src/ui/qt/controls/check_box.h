@@ -3,16 +3,13 @@
 
 #include <QCheckBox>
 #include <functional>
-#include <optional>
 
-#include "ui/controls/control_content.h"
+#include "ui/qt/controls/content_widget.h"
 
 namespace nimbo {
 
-class Theme;
-
 /// A box with a title beside it, on or off.
-class CheckBox final : public QCheckBox {
+class CheckBox final : public ContentWidget<QCheckBox, CheckBoxContent> {
  public:
   /// `switched` is called for the user's switching only.
   CheckBox(const Theme& theme, std::function<void(bool on)> switched, QWidget* parent);
@@ -27,9 +24,6 @@ class CheckBox final : public QCheckBox {
   /// Box and title, which take clicks and carry the ring; what is right of them is page.
   [[nodiscard]] QRectF face() const;
   void drawBox(QPainter& painter, const QRectF& box) const;
-
-  const Theme& theme_;
-  std::optional<CheckBoxContent> content_;
 };
 
 }  // namespace nimbo

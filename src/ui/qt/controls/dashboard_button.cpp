@@ -1,19 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "ui/qt/controls/dashboard_button.h"
 
-#include <QApplication>
 #include <QKeyEvent>
-#include <QPainter>
 #include <algorithm>
 #include <utility>
 
 #include "ui/qt/controls/control_painting.h"
-#include "ui/qt/controls/focus_ring.h"
-#include "ui/qt/controls/plain_tool_tip.h"
-#include "ui/qt/controls/qt_geometry.h"
-#include "ui/qt/controls/symbols.h"
 #include "ui/qt/controls/text_fitting.h"
-#include "ui/qt/controls/theme.h"
 
 namespace nimbo {
 namespace {
@@ -33,26 +26,16 @@ double sideInset(ButtonLook look) { return look == ButtonLook::icon ? 0 : look =
 }  // namespace
 
 DashboardButton::DashboardButton(const Theme& theme, std::function<void()> pressed, QWidget* parent)
-    : QPushButton(parent), theme_(theme) {
-  setFocusPolicy(Qt::StrongFocus);
-  setAttribute(Qt::WA_Hover);
+    : ContentWidget(theme, parent) {
   // In a dialog the focus would otherwise make another button the default one.
   setAutoDefault(false);
-  connect(this, &QPushButton::clicked, this, [pressed = std::move(pressed)] { pressed(); });
+  connect(this, &QPushButton::clicked, this, std::move(pressed));
 }
 
 void DashboardButton::setContent(const ButtonContent& content) {
   if (content_ == content) return;
-  content_ = content;
-  setObjectName(QString::fromStdString(content.identifier));
-  setGeometry(toQRect(content.frame));
-  const QString title = QString::fromStdString(content.title);
-  if (content.look != ButtonLook::icon) setText(QString(title).replace('&', "&&"));
-  setAccessibleName(content.accessibleName.empty() ? title : QString::fromStdString(content.accessibleName));
-  setPlainToolTip(*this, QString::fromStdString(content.toolTip));
-  setEnabled(content.enabled);
-  setVisible(content.visible);
-  update();
+  if (content.look != ButtonLook::icon) setText(withoutMnemonics(content.title));
+  take(content);
 }
 
 bool DashboardButton::performKeyEquivalent(const QKeyEvent& key) {
@@ -89,7 +72,7 @@ QColor DashboardButton::ground() const {
   return isDefault() && isEnabled() ? theme_.accent(state) : theme_.controlGround(state);
 }
 
-void DashboardButton::drawFace(QPainter& painter) const {
+void DashboardButton::drawTitle(QPainter& painter) const {
   const auto bareLook = content_->look == ButtonLook::rounded ? ColorRole::label : ColorRole::secondaryLabel;
   QColor ink = theme_.color(bareLook);
   if (isDefault()) ink = theme_.accentLabel();
@@ -101,16 +84,14 @@ void DashboardButton::drawFace(QPainter& painter) const {
     painter.fillPath(*symbol, ink);
     return;
   }
-  const QRectF frame = face().adjusted(kPadding, 0, -kPadding, 0);
-  const auto font = fontFor(QApplication::font(), content_->textSize, FontWeight::medium);
   painter.setPen(ink);
-  drawText(painter, frame, Qt::AlignHCenter,
-           fitText(QString::fromStdString(content_->title), font, false, frame.width()));
+  drawText(painter, face().adjusted(kPadding, 0, -kPadding, 0), Qt::AlignHCenter,
+           QString::fromStdString(content_->title), fontFor(content_->textSize, FontWeight::medium));
 }
 
 void DashboardButton::drawRing(QPainter& painter, double radius) const {
   if (!isDefault()) {
-    drawFocusRing(painter, face(), radius, theme_);
+    drawFocusRing(painter, face(), radius, theme_.focusRing());
     return;
   }
   // The ring's own colour would not show on the accent.
@@ -120,14 +101,11 @@ void DashboardButton::drawRing(QPainter& painter, double radius) const {
 
 void DashboardButton::paintEvent(QPaintEvent* /*event*/) {
   if (!content_) return;
-  QPainter painter(this);
-  painter.setRenderHint(QPainter::Antialiasing);
+  SmoothPainter painter(this);
   const double radius = cornerRadius(content_->look, height());
-  painter.setPen(Qt::NoPen);
-  painter.setBrush(ground());
-  painter.drawRoundedRect(face(), radius, radius);
+  fillRounded(painter, face(), radius, ground());
   if (keyboardFocusVisible(*this)) drawRing(painter, radius);
-  drawFace(painter);
+  drawTitle(painter);
 }
 
 }  // namespace nimbo

@@ -3,16 +3,13 @@
 
 #include <QPushButton>
 #include <functional>
-#include <optional>
 
-#include "ui/controls/control_content.h"
+#include "ui/qt/controls/content_widget.h"
 
 namespace nimbo {
 
-class Theme;
-
 /// A button in one of the three looks; the default one of a window stands out.
-class DashboardButton final : public QPushButton {
+class DashboardButton final : public ContentWidget<QPushButton, ButtonContent> {
  public:
   DashboardButton(const Theme& theme, std::function<void()> pressed, QWidget* parent);
 
@@ -29,11 +26,8 @@ class DashboardButton final : public QPushButton {
  private:
   [[nodiscard]] QRectF face() const;
   [[nodiscard]] QColor ground() const;
-  void drawFace(QPainter& painter) const;
+  void drawTitle(QPainter& painter) const;
   void drawRing(QPainter& painter, double radius) const;
-
-  const Theme& theme_;
-  std::optional<ButtonContent> content_;
 };
 
 }  // namespace nimbo

@@ -6,7 +6,6 @@
 #include <QLineEdit>
 #include <QLocale>
 #include <QMenu>
-#include <QPainter>
 #include <QRegularExpression>
 #include <QSignalBlocker>
 #include <QStyleOptionSpinBox>
@@ -16,9 +15,7 @@
 #include <utility>
 
 #include "ui/qt/controls/control_painting.h"
-#include "ui/qt/controls/qt_geometry.h"
 #include "ui/qt/controls/text_fitting.h"
-#include "ui/qt/controls/theme.h"
 
 namespace nimbo {
 namespace {
@@ -27,12 +24,8 @@ namespace {
 // cannot step over the hour that is skipped in spring.
 
 QDateTime wallClock(DatePicker::Time time) {
-  const std::time_t seconds = std::chrono::system_clock::to_time_t(time);
-  std::tm local{};
-  // localtime_r alone keeps the zone in which the program started.
-  ::tzset();
-  ::localtime_r(&seconds, &local);
-  return {QDate(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday), QTime(local.tm_hour, local.tm_min), Qt::UTC};
+  const auto local = QDateTime::fromSecsSinceEpoch(std::chrono::system_clock::to_time_t(time));
+  return {local.date(), QTime(local.time().hour(), local.time().minute()), Qt::UTC};
 }
 
 /// Skipped hours are taken as the ones after them; of repeated ones the system decides.
@@ -59,7 +52,7 @@ QString dateAndTimeFormat(const QLocale& locale) {
 }
 
 DatePicker::DatePicker(const Theme& theme, std::function<void(Time date)> picked, QWidget* parent)
-    : QDateTimeEdit(parent), theme_(theme) {
+    : ContentWidget(theme, parent) {
   setFrame(false);
   setTimeSpec(Qt::UTC);
   setDisplayFormat(dateAndTimeFormat(locale()));
@@ -75,12 +68,7 @@ DatePicker::DatePicker(const Theme& theme, std::function<void(Time date)> picked
 void DatePicker::setContent(const DatePickerContent& content) {
   if (content_ == content) return;
   const bool otherDate = !content_ || content_->date != content.date;
-  content_ = content;
-  setObjectName(QString::fromStdString(content.identifier));
-  setGeometry(toQRect(content.frame));
-  setAccessibleName(QString::fromStdString(content.accessibleName));
-  setEnabled(content.enabled);
-  setVisible(content.visible);
+  take(content);
   if (otherDate && momentOf(inRange(wallClock(content.date))) != shown_) display(content.date);
 }
 
@@ -115,9 +103,8 @@ void DatePicker::changeEvent(QEvent* event) {
 void DatePicker::paintEvent(QPaintEvent* /*event*/) {
   QStyleOptionSpinBox option;
   initStyleOption(&option);
-  QPainter painter(this);
-  painter.setRenderHint(QPainter::Antialiasing);
-  drawField(painter, rect(), theme_, isEnabled(), hasFocus() ? FieldMark::focused : FieldMark::none);
+  SmoothPainter painter(this);
+  drawField(*this, painter, theme_);
   for (const auto direction : {ChevronDirection::up, ChevronDirection::down}) {
     const auto half = direction == ChevronDirection::up ? QStyle::SC_SpinBoxUp : QStyle::SC_SpinBoxDown;
     const QRectF button = style()->subControlRect(QStyle::CC_SpinBox, &option, half, this);

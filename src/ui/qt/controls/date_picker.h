@@ -4,22 +4,19 @@
 #include <QDateTimeEdit>
 #include <chrono>
 #include <functional>
-#include <optional>
 
-#include "ui/controls/control_content.h"
+#include "ui/qt/controls/content_widget.h"
 
 class QLocale;
 
 namespace nimbo {
-
-class Theme;
 
 /// The locale's short date and time with the whole year and without seconds, as a format of the
 /// toolkit's.
 [[nodiscard]] QString dateAndTimeFormat(const QLocale& locale);
 
 /// Day, hour and minute in the user's time zone, typed or stepped part by part; years 2000 to 2199.
-class DatePicker final : public QDateTimeEdit {
+class DatePicker final : public ContentWidget<QDateTimeEdit, DatePickerContent> {
  public:
   using Time = std::chrono::system_clock::time_point;
 
@@ -45,8 +42,6 @@ class DatePicker final : public QDateTimeEdit {
   void display(Time date);
   void fitFont();
 
-  const Theme& theme_;
-  std::optional<DatePickerContent> content_;
   Time shown_{};
 };
 

@@ -1,34 +1,27 @@
 // SPDX-License-Identifier: MIT
 #include "ui/qt/controls/fitted_label.h"
 
-#include <QApplication>
 #include <QEvent>
 #include <QPainter>
 
-#include "ui/qt/controls/plain_tool_tip.h"
-#include "ui/qt/controls/qt_geometry.h"
-#include "ui/qt/controls/theme.h"
-
 namespace nimbo {
 
-FittedLabel::FittedLabel(const Theme& theme, QWidget* parent) : QLabel(parent), theme_(theme) {
+FittedLabel::FittedLabel(const Theme& theme, QWidget* parent, const char* name) : ContentWidget(theme, parent) {
+  setObjectName(name);
   setTextFormat(Qt::PlainText);
 }
 
 void FittedLabel::setContent(const LabelContent& content) {
   if (content_ == content) return;
-  content_ = content;
-  setGeometry(toQRect(content.frame));
   setText(QString::fromStdString(content.text));
-  setPlainToolTip(*this, QString::fromStdString(content.toolTip));
-  setVisible(content.visible);
+  take(content);
   fit();
 }
 
 void FittedLabel::fit() {
   if (!content_) return;
   const auto& style = content_->style;
-  const QFont font = fontFor(QApplication::font(), style.size, style.weight);
+  const QFont font = fontFor(style.size, style.weight);
   if (content_->lines > 1) {
     lines_ = wrapText(text(), font, content_->frame.width, content_->lines);
   } else {

@@ -2,20 +2,17 @@
 #pragma once
 
 #include <QLabel>
-#include <optional>
 #include <vector>
 
-#include "ui/controls/control_content.h"
+#include "ui/qt/controls/content_widget.h"
 #include "ui/qt/controls/text_fitting.h"
 
 namespace nimbo {
 
-class Theme;
-
 /// Text that always fits its frame, on one line or wrapped. Screen readers get the whole of it.
-class FittedLabel final : public QLabel {
+class FittedLabel final : public ContentWidget<QLabel, LabelContent> {
  public:
-  FittedLabel(const Theme& theme, QWidget* parent);
+  FittedLabel(const Theme& theme, QWidget* parent, const char* name = "");
 
   void setContent(const LabelContent& content);
 
@@ -29,8 +26,6 @@ class FittedLabel final : public QLabel {
  private:
   void fit();
 
-  const Theme& theme_;
-  std::optional<LabelContent> content_;
   std::vector<FittedText> lines_;
 };
 

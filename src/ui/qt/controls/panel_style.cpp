@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "ui/qt/controls/panel_style.h"
 
-#include <QPainter>
 #include <QStyleOption>
+#include <algorithm>
 
-#include "ui/qt/controls/menu_style.h"
-#include "ui/qt/controls/theme.h"
+#include "ui/qt/controls/control_painting.h"
 
 namespace nimbo {
 namespace {
@@ -17,6 +16,62 @@ constexpr int kMenuMargin = 4;
 constexpr int kStepperWidth = 18;
 constexpr int kFieldPadding = 4;
 constexpr int kStepperInset = 3;  // brings the two arrows closer together
+
+// Entries of a context menu, or of a pop-up's list, which is drawn like one.
+constexpr int kRowHeight = 24;
+constexpr int kSeparatorHeight = 9;
+constexpr int kPadding = 10;
+constexpr int kCheckWidth = 16;
+constexpr int kShortcutGap = 24;
+constexpr int kRowPadding = 6;
+constexpr int kTextFlags = Qt::TextSingleLine | Qt::TextHideMnemonic;
+constexpr double kRadius = 5;
+constexpr double kGroundInset = 4;
+
+int textStart(const QStyleOptionMenuItem& item) { return kPadding + (item.menuHasCheckableItems ? kCheckWidth : 0); }
+
+bool isSeparator(const QStyleOptionMenuItem& item) { return item.menuItemType == QStyleOptionMenuItem::Separator; }
+
+QString titleOf(const QStyleOptionMenuItem& item) { return item.text.section('\t', 0, 0); }
+QString shortcutOf(const QStyleOptionMenuItem& item) { return item.text.section('\t', 1); }
+
+void drawTexts(QPainter& painter, const QStyleOptionMenuItem& item, const QColor& quiet) {
+  const QRect place = item.rect.adjusted(textStart(item), 0, -kPadding, 0);
+  painter.setFont(item.font);
+  painter.drawText(place, kTextFlags | Qt::AlignVCenter | Qt::AlignLeft, titleOf(item));
+  painter.setPen(quiet);
+  painter.drawText(place, kTextFlags | Qt::AlignVCenter | Qt::AlignRight, shortcutOf(item));
+}
+
+void drawMenuItem(QPainter& painter, const QStyleOptionMenuItem& item, const Theme& theme) {
+  const QRectF row = item.rect;
+  if (isSeparator(item)) {
+    painter.fillRect(QRectF(row.left() + kPadding, row.center().y(), row.width() - 2 * kPadding, 1), theme.separator());
+    return;
+  }
+  painter.save();
+  const bool enabled = (item.state & QStyle::State_Enabled) != 0;
+  const bool selected = enabled && (item.state & QStyle::State_Selected) != 0;
+  painter.setRenderHint(QPainter::Antialiasing);
+  if (selected) {
+    fillRounded(painter, row.adjusted(kGroundInset, 0, -kGroundInset, 0), kRadius, theme.accent());
+  }
+  const QColor ink = selected ? theme.accentLabel() : enabled ? theme.color(ColorRole::label) : theme.disabledLabel();
+  painter.setPen(ink);
+  if (item.checked) {
+    drawCheckMark(painter, {row.left() + kPadding - 3, row.center().y() - kCheckWidth / 2.0, kCheckWidth, kCheckWidth});
+  }
+  drawTexts(painter, item, selected || !enabled ? ink : theme.color(ColorRole::secondaryLabel));
+  painter.restore();
+}
+
+/// Without the shortcut itself, for which menus keep a column.
+QSize menuItemSize(const QStyleOptionMenuItem& item) {
+  if (isSeparator(item)) return {2 * kPadding, kSeparatorHeight};
+  const int shortcut = shortcutOf(item).isEmpty() ? 0 : kShortcutGap;
+  const QSize title = item.fontMetrics.size(kTextFlags, titleOf(item));
+  return {textStart(item) + title.width() + shortcut + kPadding, std::max(kRowHeight, title.height() + kRowPadding)};
+}
 
 }  // namespace
 
@@ -92,9 +147,7 @@ void PanelStyle::drawComplexControl(ComplexControl control, const QStyleOptionCo
   color.setAlphaF(option->state & (State_MouseOver | State_Sunken) ? 0.45F : 0.25F);
   painter->save();
   painter->setRenderHint(QPainter::Antialiasing);
-  painter->setPen(Qt::NoPen);
-  painter->setBrush(color);
-  painter->drawRoundedRect(inner, radius, radius);
+  fillRounded(*painter, inner, radius, color);
   painter->restore();
 }
 

@@ -3,19 +3,16 @@
 
 #include <QComboBox>
 #include <functional>
-#include <optional>
+#include <string>
+#include <vector>
 
-#include "ui/controls/control_content.h"
-
-class QAccessibleInterface;
+#include "ui/qt/controls/content_widget.h"
 
 namespace nimbo {
 
-class Theme;
-
 /// A button that shows the selected item and opens the list of all; arrow keys and letters select
 /// without opening it.
-class PopUpButton final : public QComboBox {
+class PopUpButton final : public ContentWidget<QComboBox, PopUpContent> {
  public:
   /// `selected` is called for the user's choices only.
   PopUpButton(const Theme& theme, std::function<void(std::size_t index)> selected, QWidget* parent);
@@ -31,13 +28,7 @@ class PopUpButton final : public QComboBox {
  private:
   void setItems(const std::vector<std::string>& items);
 
-  const Theme& theme_;
-  std::optional<PopUpContent> content_;
   bool reported_ = true;  ///< what was chosen since the list was opened
 };
-
-/// To be installed as the toolkit's accessibility factory: the toolkit's own interface calls a
-/// pop-up by the selected item and not by its name.
-[[nodiscard]] QAccessibleInterface* makeAccessiblePopUp(const QString& className, QObject* object);
 
 }  // namespace nimbo

@@ -3,6 +3,7 @@
 
 #include <QRect>
 #include <QRectF>
+#include <QSize>
 
 #include "base/geometry.h"
 
@@ -10,6 +11,16 @@ namespace nimbo {
 
 [[nodiscard]] inline QRectF toQRectF(const Rect& rect) { return {rect.x, rect.y, rect.width, rect.height}; }
 [[nodiscard]] inline QRect toQRect(const Rect& rect) { return toQRectF(rect).toRect(); }
+[[nodiscard]] inline QSize toQSize(const Size& size) { return {qRound(size.width), qRound(size.height)}; }
 [[nodiscard]] inline Rect toRect(const QRectF& rect) { return {rect.x(), rect.y(), rect.width(), rect.height()}; }
+
+/// The same content with its frame counted from the top left corner of `parent` instead of from
+/// where the frame of `parent` is counted from.
+template <class Content>
+[[nodiscard]] Content movedInto(const Rect& parent, Content content) {
+  content.frame.x -= parent.x;
+  content.frame.y -= parent.y;
+  return content;
+}
 
 }  // namespace nimbo

@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "ui/qt/controls/scroll_area.h"
 
-#include <QAccessibleWidget>
 #include <QApplication>
 #include <QScrollBar>
 
-#include "ui/qt/controls/focus_ring.h"
+#include "ui/qt/controls/control_painting.h"
 #include "ui/qt/controls/qt_geometry.h"
 
 namespace nimbo {
@@ -24,7 +23,7 @@ ScrollArea::ScrollArea(int step, QWidget* parent) : QScrollArea(parent), documen
 
 void ScrollArea::place(const Rect& frame, Size document, bool visible) {
   setGeometry(toQRect(frame));
-  document_->resize(qRound(document.width), qRound(document.height));
+  document_->resize(toQSize(document));
   setVisible(visible);
 }
 
@@ -43,13 +42,6 @@ void ScrollArea::focusInEvent(QFocusEvent* event) {
 void ScrollArea::focusOutEvent(QFocusEvent* event) {
   QScrollArea::focusOutEvent(event);
   parentWidget()->update();
-}
-
-// The toolkit's own counts the scroll bars only while they show. Whoever asked for one that had gone
-// since it was counted made it read beyond its list.
-QAccessibleInterface* makeAccessibleScrollArea(const QString& /*className*/, QObject* object) {
-  auto* const view = dynamic_cast<ScrollArea*>(object);
-  return view != nullptr ? new QAccessibleWidget(view, QAccessible::Client) : nullptr;
 }
 
 }  // namespace nimbo

@@ -5,8 +5,6 @@
 
 #include "base/geometry.h"
 
-class QAccessibleInterface;
-
 namespace nimbo {
 
 /// A document under a frame, with a thin bar over it; wheel, arrow and page keys move it, and the
@@ -31,8 +29,5 @@ class ScrollArea : public QScrollArea {
 
   QWidget* const document_;
 };
-
-/// To be installed as the toolkit's accessibility factory.
-[[nodiscard]] QAccessibleInterface* makeAccessibleScrollArea(const QString& className, QObject* object);
 
 }  // namespace nimbo

@@ -1,17 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "ui/qt/controls/segmented_tabs.h"
 
-#include <QApplication>
 #include <QKeyEvent>
-#include <QPainter>
 #include <QSignalBlocker>
 #include <QWheelEvent>
 #include <utility>
 
-#include "ui/qt/controls/focus_ring.h"
-#include "ui/qt/controls/qt_geometry.h"
+#include "ui/qt/controls/control_painting.h"
 #include "ui/qt/controls/text_fitting.h"
-#include "ui/qt/controls/theme.h"
 
 namespace nimbo {
 namespace {
@@ -25,12 +21,11 @@ constexpr double kSideInset = 4;  // keeps the track apart from what stands besi
 }  // namespace
 
 SegmentedTabs::SegmentedTabs(const Theme& theme, std::function<void(std::size_t)> selected, QWidget* parent)
-    : QTabBar(parent), theme_(theme) {
+    : ContentWidget(theme, parent) {
+  setObjectName("tabs");
+  setAccessibleName("Pages");
   setFocusPolicy(Qt::StrongFocus);
-  setDrawBase(false);
-  setExpanding(true);
   setUsesScrollButtons(false);
-  setElideMode(Qt::ElideNone);
   connect(this, &QTabBar::currentChanged, this, [selected = std::move(selected)](int index) {
     if (index >= 0) selected(static_cast<std::size_t>(index));
   });
@@ -39,18 +34,16 @@ SegmentedTabs::SegmentedTabs(const Theme& theme, std::function<void(std::size_t)
 void SegmentedTabs::setContent(const TabsContent& content) {
   if (content_ == content) return;
   const QSignalBlocker blocker(this);
-  content_ = content;
-  setGeometry(toQRect(content.frame));
+  take(content);
   const int wanted = static_cast<int>(content.labels.size());
   while (count() > wanted) removeTab(count() - 1);
   while (count() < wanted) addTab({});
   for (int index = 0; index < wanted; ++index) {
-    const QString label = QString::fromStdString(content.labels[static_cast<std::size_t>(index)]);
-    setTabText(index, QString(label).replace('&', "&&"));
-    setAccessibleTabName(index, label);
+    const auto& label = content.labels[static_cast<std::size_t>(index)];
+    setTabText(index, withoutMnemonics(label));
+    setAccessibleTabName(index, QString::fromStdString(label));
   }
   setCurrentIndex(static_cast<int>(content.selected));
-  update();
 }
 
 QSize SegmentedTabs::tabSizeHint(int /*index*/) const { return {width() / std::max(count(), 1), height()}; }
@@ -65,12 +58,9 @@ QRectF SegmentedTabs::segment(int index) const {
 
 void SegmentedTabs::paintEvent(QPaintEvent* /*event*/) {
   if (!content_) return;
-  QPainter painter(this);
-  painter.setRenderHint(QPainter::Antialiasing);
-  painter.setPen(Qt::NoPen);
-  painter.setBrush(theme_.controlGround(ControlState::idle));
-  painter.drawRoundedRect(rect().toRectF().adjusted(kSideInset, 0, -kSideInset, 0), kRadius, kRadius);
-
+  SmoothPainter painter(this);
+  fillRounded(painter, rect().toRectF().adjusted(kSideInset, 0, -kSideInset, 0), kRadius,
+              theme_.controlGround(ControlState::idle));
   const double inner = kRadius - kInset;
   for (int index = 0; index < count(); ++index) {
     const QRectF frame = segment(index);
@@ -79,12 +69,11 @@ void SegmentedTabs::paintEvent(QPaintEvent* /*event*/) {
       painter.setPen(QPen(theme_.separator(), 0.5));
       painter.setBrush(theme_.raisedGround());
       painter.drawRoundedRect(frame, inner, inner);
-      if (keyboardFocusVisible(*this)) drawFocusRing(painter, frame, inner, theme_);
+      if (keyboardFocusVisible(*this)) drawFocusRing(painter, frame, inner, theme_.focusRing());
     }
     painter.setPen(theme_.color(selected ? ColorRole::label : ColorRole::secondaryLabel));
-    const auto font = fontFor(QApplication::font(), kTextSize, FontWeight::medium);
-    const QString label = QString::fromStdString(content_->labels[static_cast<std::size_t>(index)]);
-    drawText(painter, frame, Qt::AlignHCenter, fitText(label, font, false, frame.width() - 2 * kPadding));
+    drawText(painter, frame.adjusted(kPadding, 0, -kPadding, 0), Qt::AlignHCenter, accessibleTabName(index),
+             fontFor(kTextSize, FontWeight::medium));
   }
 }
 

@@ -3,17 +3,15 @@
 
 #include <QTabBar>
 #include <functional>
-#include <optional>
 
 #include "ui/controls/tabs_content.h"
+#include "ui/qt/controls/content_widget.h"
 
 namespace nimbo {
 
-class Theme;
-
 /// A segmented control. To assistive technology a list of page tabs, one of them selected; arrow
 /// keys move the selection.
-class SegmentedTabs final : public QTabBar {
+class SegmentedTabs final : public ContentWidget<QTabBar, TabsContent> {
  public:
   /// `selected` is called for the user's choices only.
   SegmentedTabs(const Theme& theme, std::function<void(std::size_t)> selected, QWidget* parent);
@@ -29,9 +27,6 @@ class SegmentedTabs final : public QTabBar {
 
  private:
   [[nodiscard]] QRectF segment(int index) const;
-
-  const Theme& theme_;
-  std::optional<TabsContent> content_;
 };
 
 }  // namespace nimbo

@@ -1,19 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "ui/qt/controls/text_field.h"
 
-#include <QPainter>
 #include <QSignalBlocker>
 #include <utility>
 
 #include "ui/qt/controls/control_painting.h"
-#include "ui/qt/controls/plain_tool_tip.h"
-#include "ui/qt/controls/qt_geometry.h"
-#include "ui/qt/controls/theme.h"
 
 namespace nimbo {
 
 TextField::TextField(const Theme& theme, std::function<void(const std::string& text)> edited, QWidget* parent)
-    : QLineEdit(parent), theme_(theme) {
+    : ContentWidget(theme, parent) {
   constexpr int kPadding = 6;
   setFrame(false);
   setTextMargins(kPadding, 0, kPadding, 0);
@@ -26,14 +22,8 @@ TextField::TextField(const Theme& theme, std::function<void(const std::string& t
 void TextField::setContent(const TextFieldContent& content) {
   if (content_ == content) return;
   const bool otherText = !content_ || content_->text != content.text;
-  content_ = content;
-  setObjectName(QString::fromStdString(content.identifier));
-  setGeometry(toQRect(content.frame));
   setPlaceholderText(QString::fromStdString(content.placeholder));
-  setAccessibleName(QString::fromStdString(content.accessibleName));
-  setPlainToolTip(*this, QString::fromStdString(content.toolTip));
-  setEnabled(content.enabled);
-  setVisible(content.visible);
+  take(content);
   const QString wanted = QString::fromStdString(content.text);
   if (!otherText || wanted == text()) return;
   const QSignalBlocker blocker(this);
@@ -42,9 +32,8 @@ void TextField::setContent(const TextFieldContent& content) {
 
 void TextField::paintEvent(QPaintEvent* event) {
   {
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    drawField(painter, rect(), theme_, isEnabled(), hasFocus() ? FieldMark::focused : FieldMark::none);
+    SmoothPainter painter(this);
+    drawField(*this, painter, theme_);
   }
   QLineEdit::paintEvent(event);
 }

@@ -3,17 +3,14 @@
 
 #include <QLineEdit>
 #include <functional>
-#include <optional>
 #include <string>
 
-#include "ui/controls/control_content.h"
+#include "ui/qt/controls/content_widget.h"
 
 namespace nimbo {
 
-class Theme;
-
 /// One line of text to be typed.
-class TextField final : public QLineEdit {
+class TextField final : public ContentWidget<QLineEdit, TextFieldContent> {
  public:
   /// `edited` is called with the whole text for each change that the user makes.
   TextField(const Theme& theme, std::function<void(const std::string& text)> edited, QWidget* parent);
@@ -24,10 +21,6 @@ class TextField final : public QLineEdit {
 
  protected:
   void paintEvent(QPaintEvent* event) override;
-
- private:
-  const Theme& theme_;
-  std::optional<TextFieldContent> content_;
 };
 
 }  // namespace nimbo

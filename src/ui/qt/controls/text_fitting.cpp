@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ui/qt/controls/text_fitting.h"
 
+#include <QApplication>
 #include <QFontMetricsF>
 #include <QPainter>
 #include <QTextLayout>
@@ -51,8 +52,8 @@ std::function<double(const QString&)> advanceIn(const QFontMetricsF& metrics) {
 
 }  // namespace
 
-QFont fontFor(const QFont& family, double size, FontWeight weight) {
-  QFont font(family);
+QFont fontFor(double size, FontWeight weight) {
+  QFont font = QApplication::font();
   font.setPixelSize(std::max(qRound(size), 1));
   font.setWeight(toolkitWeight(weight));
   return font;
@@ -136,6 +137,10 @@ void drawText(QPainter& painter, const QRectF& frame, Qt::Alignment alignment, c
   for (const auto& piece : placeMonospaced(text.text, advanceIn(metrics))) {
     painter.drawText(QPointF(x + piece.x, baseline), piece.text);
   }
+}
+
+void drawText(QPainter& painter, const QRectF& frame, Qt::Alignment alignment, const QString& text, const QFont& font) {
+  drawText(painter, frame, alignment, fitText(text, font, false, frame.width()));
 }
 
 }  // namespace nimbo

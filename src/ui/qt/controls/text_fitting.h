@@ -20,7 +20,8 @@ struct FittedText {
   bool monospacedDigits = false;
 };
 
-[[nodiscard]] QFont fontFor(const QFont& family, double size, FontWeight weight);
+/// In the user's font family.
+[[nodiscard]] QFont fontFor(double size, FontWeight weight);
 
 struct PlacedText {
   QString text;
@@ -48,5 +49,8 @@ struct PlacedText {
 
 /// Centred vertically on the font's ascent and descent. Only the horizontal part of `alignment` counts.
 void drawText(QPainter& painter, const QRectF& frame, Qt::Alignment alignment, const FittedText& text);
+
+/// `text` on one line of `frame`, fitted to it.
+void drawText(QPainter& painter, const QRectF& frame, Qt::Alignment alignment, const QString& text, const QFont& font);
 
 }  // namespace nimbo

@@ -1,39 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "ui/qt/dashboard/chart_widget.h"
 
-#include <QAccessibleWidget>
-#include <QPainter>
-#include <QPainterPath>
 #include <cmath>
 
-#include "ui/qt/controls/qt_geometry.h"
-#include "ui/qt/controls/theme.h"
+#include "ui/dashboard/breakdown_view.h"
+#include "ui/dashboard/history_view.h"
+#include "ui/qt/controls/control_painting.h"
 
 namespace nimbo {
 namespace {
 
-class AccessibleChart final : public QAccessibleWidget, public QAccessibleValueInterface {
- public:
-  explicit AccessibleChart(ChartWidget& chart) : QAccessibleWidget(&chart, chart.accessibleRole()), chart_(chart) {}
-
-  void* interface_cast(QAccessible::InterfaceType type) override {
-    if (type == QAccessible::ValueInterface) return static_cast<QAccessibleValueInterface*>(this);
-    return QAccessibleWidget::interface_cast(type);
-  }
-  [[nodiscard]] QString text(QAccessible::Text part) const override {
-    const bool reading = part == QAccessible::Value || part == QAccessible::Description;
-    return reading ? chart_.reading().text : QAccessibleWidget::text(part);
-  }
-
-  [[nodiscard]] QVariant currentValue() const override { return chart_.reading().percent; }
-  void setCurrentValue(const QVariant& /*value*/) override {}
-  [[nodiscard]] QVariant maximumValue() const override { return 100.0; }
-  [[nodiscard]] QVariant minimumValue() const override { return 0.0; }
-  [[nodiscard]] QVariant minimumStepSize() const override { return 0.0; }
-
- private:
-  ChartWidget& chart_;
-};
+Size sizeOf(const Rect& frame) { return {frame.width, frame.height}; }
 
 QRectF onPixels(const Rect& rect, double scale) {
   const double left = std::round(rect.x * scale) / scale;
@@ -49,31 +26,57 @@ QPainterPath rounded(const QRectF& rect, double radius) {
 
 }  // namespace
 
-ChartWidget::ChartWidget(const Theme& theme, QWidget* parent) : QWidget(parent), theme_(theme) {}
-
-void ChartWidget::place(const Rect& frame, const std::string& accessibleName, bool visible) {
-  setGeometry(toQRect(frame));
-  setAccessibleName(QString::fromStdString(accessibleName));
-  setVisible(visible);
-  update();
+ChartReading readingOf(const HistoryContent& content) {
+  if (content.history.empty()) return {};
+  const double percent = content.history.back() * 100;
+  return {percent, QString("%1%").arg(qRound(percent))};
 }
 
-void ChartWidget::paintEvent(QPaintEvent* /*event*/) {
-  QPainter painter(this);
-  painter.setRenderHint(QPainter::Antialiasing);
-  for (const ChartBar& bar : bars()) {
-    QColor color = theme_.color(bar.color);
+ChartReading readingOf(const BreakdownContent& content) {
+  if (!content.snapshot || content.snapshot->total == 0) return {};
+  const MemorySnapshot& memory = *content.snapshot;
+  const auto percent = [&](std::uint64_t bytes) {
+    return qRound(static_cast<double>(bytes) / static_cast<double>(memory.total) * 100);
+  };
+  return {memory.usedFraction() * 100, QString("App memory %1%, wired %2%, compressed %3%")
+                                           .arg(percent(memory.app))
+                                           .arg(percent(memory.wired))
+                                           .arg(percent(memory.compressed))};
+}
+
+ChartReading readingOf(const UsageBarContent& content) {
+  return {content.fraction * 100, QString::fromStdString(content.accessibleValue)};
+}
+
+std::vector<ChartBar> barsOf(const HistoryContent& content, const Theme& /*theme*/) {
+  return historyBars(content.history, content.tint, sizeOf(content.frame));
+}
+
+std::vector<ChartBar> barsOf(const BreakdownContent& content, const Theme& /*theme*/) {
+  return breakdownBars(content.snapshot, sizeOf(content.frame));
+}
+
+std::vector<ChartBar> barsOf(const UsageBarContent& content, const Theme& theme) {
+  const auto [width, height] = sizeOf(content.frame);
+  const RoundedRect track{{0, 0, width, height}, 4};
+  const double trackAlpha = theme.color(ColorRole::quaternaryLabel).alphaF() * content.alpha;
+  std::vector<ChartBar> bars{{track, ColorRole::quaternaryLabel, trackAlpha, {}}};
+  if (content.fraction > 0) {
+    bars.push_back({{{0, 0, width * content.fraction, height}, 0}, content.tint, content.alpha, track});
+  }
+  return bars;
+}
+
+void ChartWidget::drawBars(const std::vector<ChartBar>& bars, const Theme& theme) {
+  SmoothPainter painter(this);
+  for (const ChartBar& bar : bars) {
+    QColor color = theme.color(bar.color);
     color.setAlphaF(static_cast<float>(bar.alpha));
     QPainterPath shape = rounded(onPixels(bar.shape.rect, devicePixelRatioF()), bar.shape.radius);
     // Painting through a clip path would leave its edge jagged.
     if (bar.clip) shape = shape.intersected(rounded(toQRectF(bar.clip->rect), bar.clip->radius));
     painter.fillPath(shape, color);
   }
-}
-
-QAccessibleInterface* makeAccessibleChart(const QString& /*className*/, QObject* object) {
-  auto* const chart = dynamic_cast<ChartWidget*>(object);
-  return chart != nullptr ? new AccessibleChart(*chart) : nullptr;
 }
 
 }  // namespace nimbo

@@ -1,117 +1,94 @@
 // SPDX-License-Identifier: MIT
 #include "ui/qt/dashboard/dashboard_page.h"
 
-#include <QPainter>
+#include <array>
 #include <utility>
 
-#include "ui/qt/controls/focus_ring.h"
-#include "ui/qt/controls/qt_geometry.h"
-#include "ui/qt/controls/theme.h"
+#include "ui/qt/controls/check_box.h"
+#include "ui/qt/controls/control_painting.h"
+#include "ui/qt/controls/dashboard_button.h"
+#include "ui/qt/controls/date_picker.h"
+#include "ui/qt/controls/pop_up_button.h"
+#include "ui/qt/controls/segmented_tabs.h"
+#include "ui/qt/controls/text_field.h"
+#include "ui/qt/dashboard/chart_widget.h"
 
 namespace nimbo {
+namespace {
 
-FittedLabel* DashboardPage::makeLabel(const char* name) {
-  auto* const label = new FittedLabel(theme_, this);
-  label->setObjectName(name);
-  return label;
-}
+using Content = DashboardContent;
+using Actions = DashboardActions;
 
-DashboardButton* DashboardPage::makeButton(std::function<void()> DashboardActions::*action) {
-  return new DashboardButton(
-      theme_,
-      [this, action] {
-        // A copy, because the action may give this page other actions.
-        if (const auto act = actions_.*action) act();
-      },
-      this);
-}
+constexpr std::array kRowNames{"row0", "row1", "row2", "row3", "row4"};
+constexpr std::array kValueNames{"value0", "value1", "value2", "value3", "value4"};
+
+}  // namespace
 
 DashboardPage::DashboardPage(const Theme& theme, QWidget* parent)
-    : QWidget(parent),
-      theme_(theme),
-      title_(makeLabel("title")),
-      tabs_(new SegmentedTabs(
-          theme,
-          [this](std::size_t index) {
-            if (const auto select = actions_.selectTab) select(index);
-          },
-          this)),
-      settingsButton_(makeButton(&DashboardActions::openSettings)),
-      hero_(makeLabel("hero")),
-      subtitle_(makeLabel("subtitle")),
-      history_(new HistoryWidget(theme, this)),
-      pressure_(makeLabel("pressure")),
-      time_(makeLabel("time")),
-      breakdown_(new BreakdownWidget(theme, this)),
-      rows_{{{makeLabel("row0"), makeLabel("value0")},
-             {makeLabel("row1"), makeLabel("value1")},
-             {makeLabel("row2"), makeLabel("value2")},
-             {makeLabel("row3"), makeLabel("value3")},
-             {makeLabel("row4"), makeLabel("value4")}}},
-      cpu_(makeLabel("cpu")),
-      temperature_(makeLabel("temperature")),
-      processTitle_(makeLabel("processTitle")),
-      lessButton_(makeButton(&DashboardActions::showLess)),
-      moreButton_(makeButton(&DashboardActions::showMore)),
-      processes_(new ProcessListWidget(theme, this)),
-      processNote_(makeLabel("processNote")),
-      activityButton_(makeButton(&DashboardActions::openActivityMonitor)),
-      footer_(makeLabel("footer")),
-      awake_(theme, *this),
-      usage_(theme, *this),
-      quitButton_(makeButton(&DashboardActions::quit)),
-      quitHint_(makeLabel("quitHint")) {
+    : QWidget(parent), theme_(theme), controls_(theme, *this), awake_(theme, *this) {
   setObjectName("page");
-  tabs_->setObjectName("tabs");
-  tabs_->setAccessibleName("Pages");
-  history_->setObjectName("history");
-  breakdown_->setObjectName("breakdown");
-  processes_->setObjectName("processes");
+  controls_.label("title", &Content::title);
+  controls_.control<SegmentedTabs>(&Content::tabs, &Actions::selectTab);
+  controls_.control<DashboardButton>(&Content::settingsButton, &Actions::openSettings);
+  addResources();
+  controls_.label("footer", &Content::footer);
+  addKeepAwake();
+  usage_.emplace(theme, *this);
+  controls_.control<DashboardButton>(&Content::quitButton, &Actions::quit);
+  controls_.label("quitHint", &Content::quitHint);
+}
+
+void DashboardPage::addResources() {
+  controls_.label("hero", &Content::hero);
+  controls_.label("subtitle", &Content::subtitle);
+  controls_.bind(&Content::history, new HistoryWidget(theme_, this))->setObjectName("history");
+  controls_.label("pressure", &Content::pressure);
+  controls_.label("time", &Content::time);
+  controls_.bind(&Content::breakdown, new BreakdownWidget(theme_, this))->setObjectName("breakdown");
+  for (std::size_t row = 0; row < kRowNames.size(); ++row) {
+    controls_.label(kRowNames.at(row), [row](const Content& content) { return content.rows.at(row).title; });
+    controls_.label(kValueNames.at(row), [row](const Content& content) { return content.rows.at(row).value; });
+  }
+  controls_.label("cpu", &Content::cpu);
+  controls_.label("temperature", &Content::temperature);
+  controls_.label("processTitle", &Content::processTitle);
+  controls_.control<DashboardButton>(&Content::lessButton, &Actions::showLess);
+  controls_.control<DashboardButton>(&Content::moreButton, &Actions::showMore);
+  processes_ = controls_.bind(&Content::processes, new ProcessListWidget(theme_, this));
+  controls_.label("processNote", &Content::processNote);
+  controls_.control<DashboardButton>(&Content::activityButton, &Actions::openActivityMonitor);
+}
+
+void DashboardPage::addKeepAwake() {
+  awake_.label("awakeState", &AwakePageContent::state);
+  awake_.label("awakeDetail", &AwakePageContent::detail);
+  awake_.control<DashboardButton>(&AwakePageContent::start, &AwakePageActions::startOrStop);
+  awake_.control<DashboardButton>(&AwakePageContent::extend, &AwakePageActions::extend);
+  awake_.label("awakeDurationTitle", &AwakePageContent::durationTitle);
+  awake_.control<PopUpButton>(&AwakePageContent::duration, &AwakePageActions::selectDuration);
+  awake_.control<TextField>(&AwakePageContent::minutes, &AwakePageActions::editMinutes);
+  awake_.control<DatePicker>(&AwakePageContent::date, &AwakePageActions::pickDate);
+  awake_.control<CheckBox>(&AwakePageContent::display, &AwakePageActions::switchDisplay);
+  awake_.control<CheckBox>(&AwakePageContent::plugged, &AwakePageActions::switchPlugged);
+  awake_.label("awakeBatteryTitle", &AwakePageContent::batteryTitle);
+  awake_.control<PopUpButton>(&AwakePageContent::battery, &AwakePageActions::selectBatteryFloor);
+  awake_.control<DashboardButton>(&AwakePageContent::off, &AwakePageActions::turnDisplayOff);
+  awake_.label("awakeNote", &AwakePageContent::note);
 }
 
 void DashboardPage::setActions(DashboardActions actions) {
   awake_.setActions(std::move(actions.awake));
-  usage_.setActions(std::move(actions.usage));
-  actions_ = std::move(actions);
+  usage_->setActions(std::move(actions.usage));
+  controls_.setActions(std::move(actions));
 }
 
 void DashboardPage::render(const DashboardContent& content) {
-  title_->setContent(content.title);
-  tabs_->setContent(content.tabs);
-  settingsButton_->setContent(content.settingsButton);
-  hero_->setContent(content.hero);
-  subtitle_->setContent(content.subtitle);
-  history_->setContent(content.history);
-  pressure_->setContent(content.pressure);
-  time_->setContent(content.time);
-  breakdown_->setContent(content.breakdown);
-  for (std::size_t row = 0; row < rows_.size(); ++row) {
-    rows_[row].title->setContent(content.rows[row].title);
-    rows_[row].value->setContent(content.rows[row].value);
-  }
-  cpu_->setContent(content.cpu);
-  temperature_->setContent(content.temperature);
-  processTitle_->setContent(content.processTitle);
-  lessButton_->setContent(content.lessButton);
-  moreButton_->setContent(content.moreButton);
-  processes_->setContent(content.processes);
-  processes_->setAccessibleName(processTitle_->text());
-  processNote_->setContent(content.processNote);
-  activityButton_->setContent(content.activityButton);
-  footer_->setContent(content.footer);
+  controls_.render(content);
+  setSpokenName(*processes_, content.processTitle.text);
   awake_.render(content.awake);
-  usage_.render(content.usage);
-  quitButton_->setContent(content.quitButton);
-  quitHint_->setContent(content.quitHint);
+  usage_->render(content.usage);
   if (std::exchange(footerSeparator_, content.footerSeparator) != content.footerSeparator) update();
-  resize(qRound(content.size.width), qRound(content.size.height));
-}
-
-bool DashboardPage::performKeyEquivalent(const QKeyEvent& key) {
-  for (auto* const button : {settingsButton_, lessButton_, moreButton_, activityButton_, quitButton_}) {
-    if (button->performKeyEquivalent(key)) return true;
-  }
-  return awake_.performKeyEquivalent(key);
+  resize(toQSize(content.size));
 }
 
 void DashboardPage::paintEvent(QPaintEvent* /*event*/) {
@@ -119,10 +96,10 @@ void DashboardPage::paintEvent(QPaintEvent* /*event*/) {
   painter.fillRect(toQRectF(footerSeparator_), theme_.separator());
   painter.setRenderHint(QPainter::Antialiasing);
   const auto drawRingAround = [&](const ScrollArea& view, const QMargins& room) {
-    if (keyboardFocusVisible(view)) drawFocusRing(painter, view.geometry() + room, 6, theme_);
+    if (keyboardFocusVisible(view)) drawFocusRing(painter, view.geometry() + room, 6, theme_.focusRing());
   };
   drawRingAround(*processes_, {8, 0, 8, 0});
-  drawRingAround(usage_.scroll(), {8, 6, 8, 6});  // its cards reach to its edges
+  drawRingAround(usage_->scroll(), {8, 6, 8, 6});  // its cards reach to its edges
 }
 
 }  // namespace nimbo

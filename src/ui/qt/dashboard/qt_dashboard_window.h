@@ -1,28 +1,64 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QTimer>
+#include <QWidget>
+
+#include "base/subscription.h"
+#include "ui/dashboard/dashboard_window.h"
 #include "ui/qt/dashboard/dashboard_page.h"
-#include "ui/qt/dashboard/menu_window.h"
 
 namespace nimbo {
 
-/// The dashboard's page in a menu window.
-class QtDashboardWindow final : public DashboardWindow {
+class WindowSystem;
+
+/// The dashboard's page in a borderless window with rounded corners that behaves like a menu: it takes
+/// keyboard and pointer while it is open.
+class QtDashboardWindow final : public QWidget, public DashboardWindow {
  public:
   QtDashboardWindow(const Theme& theme, WindowSystem& windowSystem);
+  ~QtDashboardWindow() override;
 
-  void setActions(DashboardActions actions) override;
-  void setEvents(MenuWindowEvents events) override;
-  void render(const DashboardContent& content) override;
-  void setFrame(const Rect& frame) override;
+  void setActions(DashboardActions actions) override { page_->setActions(std::move(actions)); }
+  void setEvents(MenuWindowEvents events) override { events_ = std::move(events); }
+  void render(const DashboardContent& content) override { page_->render(content); }
+  void setFrame(const Rect& frame) override { setGeometry(toQRect(frame)); }
   void show() override;
+  /// Takes it from the screen, with whatever its controls have opened.
   void hide() override;
-  [[nodiscard]] bool visible() const override;
-  [[nodiscard]] bool grabsPointer() const override;
+  [[nodiscard]] bool visible() const override { return isVisible(); }
+  [[nodiscard]] bool grabsPointer() const override { return inputGrabbed_; }
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+  void showEvent(QShowEvent* event) override;
+  void hideEvent(QHideEvent* event) override;
+  void closeEvent(QCloseEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void paintEvent(QPaintEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
 
  private:
-  MenuWindow window_;
-  DashboardPage* const page_;  // owned by the window
+  [[nodiscard]] QWidget* innerPopup() const;
+  [[nodiscard]] bool keyDown(const QKeyEvent& key);
+  /// Presses the button whose key equivalent `key` is; whether there was one.
+  [[nodiscard]] bool performKeyEquivalent(const QKeyEvent& key);
+  void clickedOutside(const QPointF& place);
+  void checkDeactivation();
+  void grabInput();
+  void shapeCorners();
+
+  const Theme& theme_;
+  WindowSystem& windowSystem_;
+  MenuWindowEvents events_;
+  Subscription otherActivation_;
+  QTimer deactivationTimer_;
+  QTimer grabTimer_;
+  int grabAttempts_ = 0;
+  bool inputGrabbed_ = false;
+  bool compositing_ = true;
+  bool keyIsForInnerPopup_ = false;
+  DashboardPage* const page_;  ///< owned by this widget
 };
 
 }  // namespace nimbo

@@ -4,12 +4,9 @@
 #include <QWidget>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <vector>
 
 #include "ui/dashboard/usage_page_content.h"
-
-class QAccessibleInterface;
 
 namespace nimbo {
 
@@ -40,19 +37,13 @@ class UsageCard final : public QWidget {
   void paintEvent(QPaintEvent* event) override;
 
  private:
-  void setRows(const UsageCardContent& content);
-
   const Theme& theme_;
   const UsageProvider provider_;
-  std::optional<UsageCardContent> content_;
   FittedLabel* const title_;
   DashboardButton* const link_;
   FittedLabel* const status_;
   DashboardButton* const connect_;
   std::vector<std::unique_ptr<UsageRow>> rows_;
 };
-
-/// To be installed as the toolkit's accessibility factory.
-[[nodiscard]] QAccessibleInterface* makeAccessibleUsageCard(const QString& className, QObject* object);
 
 }  // namespace nimbo

@@ -5,8 +5,6 @@
 #include <utility>
 
 #include "ui/qt/controls/dashboard_button.h"
-#include "ui/qt/controls/fitted_label.h"
-#include "ui/qt/controls/scroll_area.h"
 #include "ui/qt/dashboard/usage_card.h"
 
 namespace nimbo {
@@ -14,37 +12,27 @@ namespace {
 
 constexpr int kScrollStep = 29;  // half a row
 
-/// Calls a copy, because the action may give the page other actions.
-template <class Action, class... Values>
-void call(const Action& action, Values... values) {
-  if (const Action act = action) act(values...);
-}
-
-/// `content`, but hidden together with its page.
-template <class Content>
-Content onPage(bool pageVisible, Content content) {
-  content.visible = content.visible && pageVisible;
-  return content;
+/// That part of a page's content, hidden together with the page.
+template <class Part>
+auto onPage(Part UsagePageContent::*field) {
+  return [field](const UsagePageContent& content) {
+    Part part = content.*field;
+    part.visible = part.visible && content.visible;
+    return part;
+  };
 }
 
 }  // namespace
 
 UsagePage::UsagePage(const Theme& theme, QWidget& parent)
-    : theme_(theme),
-      scroll_(new ScrollArea(kScrollStep, &parent)),
-      refresh_(new DashboardButton(
-          theme, [this] { call(actions_.refresh); }, &parent)),
-      progress_(new FittedLabel(theme, &parent)),
-      configure_(new DashboardButton(
-          theme, [this] { call(actions_.configure); }, &parent)),
-      note_(new FittedLabel(theme, &parent)) {
+    : theme_(theme), scroll_(new ScrollArea(kScrollStep, &parent)), controls_(theme, parent) {
   scroll_->setObjectName("usage");
   scroll_->setAccessibleName("AI usage");
-  progress_->setObjectName("usageProgress");
-  note_->setObjectName("usageNote");
+  controls_.control<DashboardButton>(onPage(&UsagePageContent::refresh), &UsagePageActions::refresh);
+  controls_.label("usageProgress", onPage(&UsagePageContent::progress));
+  controls_.control<DashboardButton>(onPage(&UsagePageContent::configure), &UsagePageActions::configure);
+  controls_.label("usageNote", onPage(&UsagePageContent::note));
 }
-
-void UsagePage::setActions(UsagePageActions actions) { actions_ = std::move(actions); }
 
 void UsagePage::render(const UsagePageContent& content) {
   renderCards(content.cards);
@@ -53,10 +41,7 @@ void UsagePage::render(const UsagePageContent& content) {
   const bool scrolls = content.document.height > content.scroll.height;
   scroll_->setFocusPolicy(scrolls ? Qt::StrongFocus : Qt::ClickFocus);
   scroll_->place(content.scroll, content.document, content.visible);
-  refresh_->setContent(onPage(content.visible, content.refresh));
-  progress_->setContent(onPage(content.visible, content.progress));
-  configure_->setContent(onPage(content.visible, content.configure));
-  note_->setContent(onPage(content.visible, content.note));
+  controls_.render(content);
 }
 
 void UsagePage::renderCards(const std::vector<UsageCardContent>& contents) {
@@ -77,17 +62,15 @@ void UsagePage::renderCards(const std::vector<UsageCardContent>& contents) {
 }
 
 UsageCard* UsagePage::takeCard(UsageProvider provider) {
-  const auto found =
-      std::find_if(cards_.begin(), cards_.end(), [provider](const auto* card) { return card->provider() == provider; });
-  if (found == cards_.end()) return makeCard(provider);
-  UsageCard* const card = *found;
-  cards_.erase(found);
-  return card;
-}
-
-UsageCard* UsagePage::makeCard(UsageProvider provider) {
+  const auto found = std::ranges::find(cards_, provider, &UsageCard::provider);
+  if (found != cards_.end()) {
+    UsageCard* const card = *found;
+    cards_.erase(found);
+    return card;
+  }
   return new UsageCard(theme_, provider,
-                       {[this, provider] { call(actions_.openLink, provider); }, [this] { call(actions_.configure); }},
+                       {[openLink = controls_.caller(&UsagePageActions::openLink), provider] { openLink(provider); },
+                        controls_.caller(&UsagePageActions::configure)},
                        scroll_->document());
 }
 

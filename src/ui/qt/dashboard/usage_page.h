@@ -4,15 +4,11 @@
 #include <vector>
 
 #include "ui/dashboard/dashboard_window.h"
-
-class QWidget;
+#include "ui/qt/controls/page_controls.h"
+#include "ui/qt/controls/scroll_area.h"
 
 namespace nimbo {
 
-class DashboardButton;
-class FittedLabel;
-class ScrollArea;
-class Theme;
 class UsageCard;
 
 /// The AI page: cards that scroll and the controls below them, in the order in which Tab visits
@@ -20,10 +16,8 @@ class UsageCard;
 class UsagePage {
  public:
   UsagePage(const Theme& theme, QWidget& parent);
-  UsagePage(const UsagePage&) = delete;  // the widgets call it
-  UsagePage& operator=(const UsagePage&) = delete;
 
-  void setActions(UsagePageActions actions);
+  void setActions(UsagePageActions actions) { controls_.setActions(std::move(actions)); }
   void render(const UsagePageContent& content);
 
   [[nodiscard]] const ScrollArea& scroll() const { return *scroll_; }
@@ -32,17 +26,11 @@ class UsagePage {
   void renderCards(const std::vector<UsageCardContent>& contents);
   /// The card of a provider that is already there, no longer in `cards_`, or a new one.
   [[nodiscard]] UsageCard* takeCard(UsageProvider provider);
-  [[nodiscard]] UsageCard* makeCard(UsageProvider provider);
 
   const Theme& theme_;
-  UsagePageActions actions_;
-
   ScrollArea* const scroll_;
   std::vector<UsageCard*> cards_;  ///< from top to bottom
-  DashboardButton* const refresh_;
-  FittedLabel* const progress_;
-  DashboardButton* const configure_;
-  FittedLabel* const note_;
+  PageControls<UsagePageContent, UsagePageActions> controls_;
 };
 
 }  // namespace nimbo

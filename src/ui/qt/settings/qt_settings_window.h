@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QWidget>
 #include <vector>
 
-#include "ui/qt/windows/titled_window.h"
 #include "ui/settings/settings_window.h"
 
 namespace nimbo {
@@ -11,21 +11,22 @@ namespace nimbo {
 class SegmentedTabs;
 class SettingsPage;
 class Theme;
+class WindowSystem;
 
 /// The tabs and pages of the settings in an ordinary window.
-class QtSettingsWindow final : public SettingsWindow {
+class QtSettingsWindow final : public QWidget, public SettingsWindow {
  public:
   QtSettingsWindow(const Theme& theme, WindowSystem& windowSystem);
-  QtSettingsWindow(const QtSettingsWindow&) = delete;  // the widgets call it
-  QtSettingsWindow& operator=(const QtSettingsWindow&) = delete;
 
-  void setActions(SettingsWindowActions actions) override;
+  void setActions(SettingsWindowActions actions) override { actions_ = std::move(actions); }
   void render(const SettingsWindowContent& content) override;
   void show() override;
-  void close() override;
-  [[nodiscard]] bool visible() const override;
+  void close() override { QWidget::close(); }
+  [[nodiscard]] bool visible() const override { return isVisible(); }
 
-  [[nodiscard]] QWidget& widget() { return window_; }
+ protected:
+  bool event(QEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   void renderPages(const std::vector<SettingsPageContent>& contents);
@@ -33,10 +34,11 @@ class QtSettingsWindow final : public SettingsWindow {
   void moveTab(int places);
 
   const Theme& theme_;
+  WindowSystem& windowSystem_;
   SettingsWindowActions actions_;
-  TitledWindow window_;
+  bool placed_ = false;
 
-  // Owned by the window, as is the toolkit's way.
+  // Owned by this widget, as is the toolkit's way.
   SegmentedTabs* const tabs_;
   std::vector<SettingsPage*> pages_;
 };

@@ -1,28 +1,19 @@
 // SPDX-License-Identifier: MIT
 #include "ui/qt/settings/settings_page.h"
 
-#include <QAccessibleWidget>
 #include <algorithm>
 #include <utility>
 
 #include "ui/qt/controls/check_box.h"
 #include "ui/qt/controls/dashboard_button.h"
-#include "ui/qt/controls/fitted_label.h"
-#include "ui/qt/controls/moved_content.h"
+#include "ui/qt/controls/page_controls.h"
 #include "ui/qt/controls/pop_up_button.h"
-#include "ui/qt/controls/qt_geometry.h"
 
 namespace nimbo {
 namespace {
 
 /// On either side of the page's frame, for the focus rings of controls at its edges.
 constexpr int kRingRoom = 4;
-
-/// Calls a copy, because the action may give the window other actions.
-template <class Action, class... Values>
-void call(const Action& action, const Values&... values) {
-  if (const Action act = action) act(values...);
-}
 
 QString identifierOf(const SettingsControl& content) {
   return std::visit(
@@ -95,9 +86,7 @@ SettingsPage::Control SettingsPage::take(std::vector<Control>& candidates, const
 }
 
 void SettingsPage::render(const SettingsPageContent& content) {
-  const QString name = QString::fromStdString(content.accessibleName);
-  // The toolkit would announce the same name again.
-  if (accessibleName() != name) setAccessibleName(name);
+  setSpokenName(*this, content.accessibleName);
   setGeometry(toQRect(content.frame).adjusted(-kRingRoom, 0, kRingRoom, 0));
   const auto before = controls_;
   auto rest = std::exchange(controls_, {});
@@ -118,11 +107,6 @@ void SettingsPage::orderTabs() const {
     if (previous != nullptr) setTabOrder(previous, &next);
     previous = &next;
   }
-}
-
-QAccessibleInterface* makeAccessibleSettingsPage(const QString& /*className*/, QObject* object) {
-  auto* const page = dynamic_cast<SettingsPage*>(object);
-  return page != nullptr ? new QAccessibleWidget(page, QAccessible::Grouping) : nullptr;
 }
 
 }  // namespace nimbo

@@ -7,8 +7,6 @@
 
 #include "ui/settings/settings_window.h"
 
-class QAccessibleInterface;
-
 namespace nimbo {
 
 class CheckBox;
@@ -42,8 +40,5 @@ class SettingsPage final : public QWidget {
   const SettingsWindowActions& actions_;
   std::vector<Control> controls_;
 };
-
-/// To be installed as the toolkit's accessibility factory.
-[[nodiscard]] QAccessibleInterface* makeAccessibleSettingsPage(const QString& className, QObject* object);
 
 }  // namespace nimbo

@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "ui/qt/windows/qt_alert.h"
 
-#include <QAccessibleWidget>
-#include <QApplication>
+#include <QAccessible>
+#include <QFontMetricsF>
+#include <QTimer>
 #include <algorithm>
 #include <cmath>
 #include <utility>
 
 #include "ui/qt/controls/dashboard_button.h"
-#include "ui/qt/controls/fitted_label.h"
+#include "ui/qt/controls/page_controls.h"
 #include "ui/qt/controls/text_fitting.h"
-#include "ui/qt/controls/theme.h"
 #include "ui/qt/windows/window_presentation.h"
 
 namespace nimbo {
@@ -32,11 +32,6 @@ constexpr int kMostLines = 8;
 constexpr TextStyle kTitleStyle{15, FontWeight::semibold};
 constexpr TextStyle kTextStyle{13, FontWeight::regular, ColorRole::secondaryLabel};
 
-class AccessibleAlert final : public QAccessibleWidget {
- public:
-  explicit AccessibleAlert(QWidget& alert) : QAccessibleWidget(&alert, QAccessible::AlertMessage) {}
-};
-
 Qt::WindowFlags flags() {
   return Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint |
          Qt::WindowStaysOnTopHint;
@@ -44,7 +39,7 @@ Qt::WindowFlags flags() {
 
 /// As many lines of the width of the alert as the text needs.
 LabelContent wrapped(const std::string& text, const TextStyle& style, double top) {
-  const QFont font = fontFor(QApplication::font(), style.size, style.weight);
+  const QFont font = fontFor(style.size, style.weight);
   const auto lines = wrapText(QString::fromStdString(text), font, kTextWidth, kMostLines);
   const double height = std::ceil(QFontMetricsF(font).lineSpacing()) * static_cast<double>(lines.size());
   LabelContent content{{kMargin, top, kTextWidth, height}, style, text};
@@ -53,7 +48,7 @@ LabelContent wrapped(const std::string& text, const TextStyle& style, double top
 }
 
 double buttonWidth(const std::string& title) {
-  const QFont font = fontFor(QApplication::font(), kButtonTextSize, FontWeight::medium);
+  const QFont font = fontFor(kButtonTextSize, FontWeight::medium);
   return std::max(kSmallestButton,
                   std::ceil(textWidth(QString::fromStdString(title), font, false)) + 2 * kButtonPadding);
 }
@@ -72,17 +67,10 @@ QtAlert::QtAlert(const Theme& theme, WindowSystem& windowSystem, const AlertCont
   const double buttons = placeText(theme, wrapped(content.text, kTextStyle, text), "alertText") + kButtonsGap;
   const double end = placeButtons(theme, content.buttons, buttons) + kBottomMargin;
   setFixedSize(qRound(kWidth), qRound(end));
-  answerTimer_.setSingleShot(true);
-  connect(&answerTimer_, &QTimer::timeout, this, [this] {
-    // A copy, because the answer may destroy the alert.
-    const auto answer = answered_;
-    if (answer) answer(*pressed_);
-  });
 }
 
 double QtAlert::placeText(const Theme& theme, const LabelContent& content, const char* name) {
-  auto* const label = new FittedLabel(theme, this);
-  label->setObjectName(name);
+  auto* const label = new FittedLabel(theme, this, name);
   label->setContent(content);
   return content.frame.maxY();
 }
@@ -120,15 +108,9 @@ void QtAlert::reject() { answer(cancel_); }
 
 // A turn later, because the answer may destroy the very button that is being pressed.
 void QtAlert::answer(std::size_t button) {
-  if (pressed_) return;
-  pressed_ = button;
+  if (std::exchange(pressed_, true)) return;
   hide();
-  answerTimer_.start(0);
-}
-
-QAccessibleInterface* makeAccessibleAlert(const QString& /*className*/, QObject* object) {
-  auto* const alert = dynamic_cast<QtAlert*>(object);
-  return alert != nullptr ? new AccessibleAlert(*alert) : nullptr;
+  QTimer::singleShot(0, this, [this, button] { call(answered_, button); });
 }
 
 }  // namespace nimbo

@@ -2,16 +2,12 @@
 #pragma once
 
 #include <QDialog>
-#include <QTimer>
 #include <functional>
-#include <optional>
 #include <string>
 #include <vector>
 
 #include "ui/alert.h"
 #include "ui/controls/control_content.h"
-
-class QAccessibleInterface;
 
 namespace nimbo {
 
@@ -44,11 +40,7 @@ class QtAlert final : public QDialog, public Alert {
   WindowSystem& windowSystem_;
   const std::size_t cancel_;
   const std::function<void(std::size_t button)> answered_;
-  std::optional<std::size_t> pressed_;
-  QTimer answerTimer_;
+  bool pressed_ = false;
 };
-
-/// To be installed as the toolkit's accessibility factory: makes alerts known as such.
-[[nodiscard]] QAccessibleInterface* makeAccessibleAlert(const QString& className, QObject* object);
 
 }  // namespace nimbo

@@ -16,13 +16,13 @@ class TextFitting : public QtTest {
     for (const auto& line : lines) result.push_back(line.text);
     return result;
   }
-  static QFont font(double size) { return fontFor(QApplication::font(), size, FontWeight::regular); }
+  static QFont font(double size) { return fontFor(size, FontWeight::regular); }
 };
 
 TEST_F(TextFitting, PointsAreLogicalPixels) {
   EXPECT_EQ(font(13).pixelSize(), 13);
-  EXPECT_EQ(fontFor(QApplication::font(), 38, FontWeight::semibold).weight(), QFont::DemiBold);
-  EXPECT_EQ(fontFor(QApplication::font(), 11, FontWeight::medium).weight(), QFont::Medium);
+  EXPECT_EQ(fontFor(38, FontWeight::semibold).weight(), QFont::DemiBold);
+  EXPECT_EQ(fontFor(11, FontWeight::medium).weight(), QFont::Medium);
 }
 
 TEST_F(TextFitting, RoomyFrameLeavesTextAndSizeAlone) {

@@ -7,7 +7,7 @@
 
 #include "sample_usage.h"
 #include "ui/qt/controls/scroll_area.h"
-#include "ui/qt/dashboard/usage_bar.h"
+#include "ui/qt/dashboard/chart_widget.h"
 #include "ui/qt/qt_test.h"
 
 namespace nimbo {

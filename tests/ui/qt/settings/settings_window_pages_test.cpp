@@ -50,7 +50,7 @@ class SettingsPagesOnScreen : public QtTest {
     EXPECT_EQ(drawn.remove(' ').toStdString(), label.text().simplified().remove(' ').toStdString());
   }
   static double widthOf(const QString& text, double size, FontWeight weight) {
-    return textWidth(text, fontFor(QApplication::font(), size, weight), false);
+    return textWidth(text, fontFor(size, weight), false);
   }
 
   FakeUserDefaultsDomains domains_;

@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QMargins>
+#include <QString>
+#include <QWidget>
+#include <optional>
+#include <string>
+
+#include "ui/qt/controls/qt_geometry.h"
+#include "ui/qt/controls/theme.h"
+
+namespace nimbo {
+
+// Each part of showContent() belongs to the contents that have such a field.
+
+/// What a screen reader calls the control: the name made for that, or else the visible title.
+template <class Content>
+[[nodiscard]] std::string spokenName(const Content& content) {
+  std::string name;
+  if constexpr (requires { content.accessibleName; }) name = content.accessibleName;
+  if constexpr (requires { name = content.title; }) return name.empty() ? content.title : name;
+  return name;
+}
+
+/// The text as a label of a control that would take "&" for the mark of a key.
+[[nodiscard]] QString withoutMnemonics(const std::string& text);
+
+/// Only when it is another one: the toolkit announces the same name again.
+void setSpokenName(QWidget& widget, const std::string& name);
+
+/// Shows `text` as it is, wrapped to a readable width; never as markup, because names of processes
+/// come from elsewhere. Screen readers get it as the description.
+void setPlainToolTip(QWidget& widget, const std::string& text);
+
+/// Takes over what contents have in common. The widget reaches `around` the content's frame.
+template <class Content>
+void showContent(QWidget& widget, const Content& content, const QMargins& around = {}) {
+  widget.setGeometry(toQRect(content.frame) + around);
+  if constexpr (requires { content.identifier; }) widget.setObjectName(QString::fromStdString(content.identifier));
+  if constexpr (requires { content.toolTip; }) setPlainToolTip(widget, content.toolTip);
+  if (const auto name = spokenName(content); !name.empty()) setSpokenName(widget, name);
+  if constexpr (requires { content.enabled; }) widget.setEnabled(content.enabled);
+  if constexpr (requires { content.visible; }) widget.setVisible(content.visible);
+  widget.update();
+}
+
+/// A widget of the toolkit that draws one content after another.
+template <class Widget, class Content>
+class ContentWidget : public Widget {
+ public:
+  ContentWidget(const Theme& theme, QWidget* parent) : Widget(parent), theme_(theme) {}
+
+ protected:
+  /// To be called last for a content that differs from the one before.
+  void take(const Content& content, const QMargins& around = {}) {
+    content_ = content;
+    showContent(*this, content, around);
+  }
+
+  const Theme& theme_;
+  std::optional<Content> content_;  ///< absent until the first one
+};
+
+}  // namespace nimbo
