@@ -10,6 +10,7 @@
 #include <QTest>
 #include <QWindow>
 #include <memory>
+#include <stdexcept>
 
 #include "ui/qt/dashboard/sample_dashboard.h"
 #include "ui/qt/qt_user_interface.h"
@@ -31,6 +32,14 @@ class QtTest : public testing::Test {
  private:
   static inline std::unique_ptr<QtUserInterface> interface_;
 };
+
+/// The program's window of that name.
+inline QWidget& topLevel(const char* name) {
+  for (QWidget* const candidate : QApplication::topLevelWidgets()) {
+    if (candidate->objectName() == name) return *candidate;
+  }
+  throw std::logic_error(name);
+}
 
 /// The dashboard with a page of readings, connected to its controller as in the program.
 class DashboardTest : public QtTest {
@@ -58,12 +67,7 @@ class DashboardTest : public QtTest {
     ASSERT_TRUE(QTest::qWaitFor([] { return widget().windowHandle()->isExposed(); }));
   }
 
-  [[nodiscard]] static QWidget& widget() {
-    for (QWidget* const candidate : QApplication::topLevelWidgets()) {
-      if (candidate->objectName() == "dashboard") return *candidate;
-    }
-    throw std::logic_error("no dashboard");
-  }
+  [[nodiscard]] static QWidget& widget() { return topLevel("dashboard"); }
   template <class Child = QWidget>
   [[nodiscard]] static Child& child(const char* name) {
     if (auto* const found = widget().findChild<Child*>(name)) return *found;

@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include <QAbstractItemView>
 #include <QAccessible>
-#include <QTabBar>
 
 #include "settings_window_fixture.h"
 
@@ -51,18 +49,6 @@ TEST_F(SettingsWindowAccessibility, IsAWindowNamedByItsTitle) {
   EXPECT_TRUE(accessible(widget()).state().active);
 }
 
-TEST_F(SettingsWindowAccessibility, TabsAreAListOfPageTabsWithOneCurrent) {
-  auto& tabs = accessible("tabs");
-  EXPECT_EQ(tabs.role(), QAccessible::PageTabList);
-  std::vector<std::string> names;
-  for (int index = 0; index < 2; ++index) {
-    EXPECT_EQ(tabs.child(index)->role(), QAccessible::PageTab);
-    EXPECT_EQ(tabs.child(index)->state().focused, index == 0);
-    names.push_back(nameOf(*tabs.child(index)));
-  }
-  EXPECT_EQ(names, (std::vector<std::string>{"General", "Monitors"}));
-}
-
 TEST_F(SettingsWindowAccessibility, PagesAreGroupsNamedByTheirTabsAndOneCanBeSeen) {
   const auto before = pages();
   ASSERT_EQ(before.size(), 2U);
@@ -82,42 +68,6 @@ TEST_F(SettingsWindowAccessibility, ControlsOfAPageComeInItsOrder) {
   for (int index = 0; index < page.childCount(); ++index) names.push_back(nameOf(*page.child(index)));
   EXPECT_EQ(names, (std::vector<std::string>{"General", "Show", "Show", "AI", "Launch at login", "One.\nTwo.\nThree.",
                                              "Check for Updates…"}));
-}
-
-TEST_F(SettingsWindowAccessibility, CheckBoxesTellTheirStateAndCanBeSwitched) {
-  auto& box = accessible("menuAI");
-  EXPECT_EQ(box.role(), QAccessible::CheckBox);
-  EXPECT_TRUE(box.state().checkable);
-  EXPECT_TRUE(box.state().checked);
-  EXPECT_FALSE(accessible("login").state().checked);
-  box.actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
-  EXPECT_EQ(log_, std::vector<std::string>{"menuAI off"});
-}
-
-TEST_F(SettingsWindowAccessibility, PopUpsAreComboBoxesWithNameValueAndList) {
-  auto& popUpInterface = accessible("preset");
-  EXPECT_EQ(popUpInterface.role(), QAccessible::ComboBox);
-  EXPECT_EQ(nameOf(popUpInterface), "Show");
-  EXPECT_EQ(popUpInterface.text(QAccessible::Value), "All");
-  popUpInterface.actionInterface()->doAction(QAccessibleActionInterface::pressAction());
-  EXPECT_TRUE(popUpInterface.state().expanded);
-  auto* const list = popUpInterface.child(0);
-  EXPECT_EQ(list->role(), QAccessible::List);
-  ASSERT_EQ(list->childCount(), 3);
-  EXPECT_EQ(nameOf(*list->child(2)), "Mem only");
-}
-
-TEST_F(SettingsWindowAccessibility, ButtonsCanBePressed) {
-  EXPECT_EQ(accessible("checkUpdates").role(), QAccessible::Button);
-  accessible("checkUpdates").actionInterface()->doAction(QAccessibleActionInterface::pressAction());
-  ASSERT_TRUE(QTest::qWaitFor([this] { return !log_.empty(); }));
-  EXPECT_EQ(log_, std::vector<std::string>{"checkUpdates"});
-}
-
-TEST_F(SettingsWindowAccessibility, NotesAreStaticTextWithAllTheirLines) {
-  auto& note = *pages()[0]->child(5);
-  EXPECT_EQ(note.role(), QAccessible::StaticText);
-  EXPECT_EQ(nameOf(note), "One.\nTwo.\nThree.");
 }
 
 }  // namespace

@@ -73,12 +73,7 @@ class SettingsWindowTest : public QtTest {
     return std::get<Content>(content_.pages[0].controls[index]);
   }
 
-  [[nodiscard]] static QWidget& widget() {
-    for (QWidget* const candidate : QApplication::topLevelWidgets()) {
-      if (candidate->objectName() == "settingsWindow") return *candidate;
-    }
-    throw std::logic_error("no settings window");
-  }
+  [[nodiscard]] static QWidget& widget() { return topLevel("settingsWindow"); }
   template <class Child = QWidget>
   [[nodiscard]] static Child& child(const char* name) {
     if (auto* const found = widget().findChild<Child*>(name)) return *found;

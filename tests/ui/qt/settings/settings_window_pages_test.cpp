@@ -18,18 +18,7 @@ class SettingsPagesOnScreen : public QtTest {
     ASSERT_TRUE(QTest::qWaitForWindowActive(&widget()));
   }
 
-  static QWidget& widget() {
-    for (QWidget* const candidate : QApplication::topLevelWidgets()) {
-      if (candidate->objectName() == "settingsWindow") return *candidate;
-    }
-    throw std::logic_error("no settings window");
-  }
-  template <class Child>
-  static Child& child(const char* name) {
-    if (auto* const found = widget().findChild<Child*>(name)) return *found;
-    throw std::logic_error(name);
-  }
-  static QAbstractButton& box(const char* name) { return child<QAbstractButton>(name); }
+  static QWidget& widget() { return topLevel("settingsWindow"); }
   /// All controls of that kind on all pages.
   template <class Control>
   static QList<Control*> all() {
@@ -82,16 +71,6 @@ class FontInUse {
   const QFont before_ = QApplication::font();
 };
 
-TEST_F(SettingsPagesOnScreen, EachTabShowsItsPage) {
-  for (const auto& [tab, control] : {std::pair{1, "cpu"}, {2, "codex"}, {3, "power"}, {0, "login"}}) {
-    QTest::mouseClick(widget().windowHandle(), Qt::LeftButton, {}, {28 + 126 * tab + 63, 34});
-    EXPECT_TRUE(box(control).isVisible()) << control;
-    int visible = 0;
-    for (const auto* const each : {"cpu", "codex", "power", "login"}) visible += box(each).isVisible();
-    EXPECT_EQ(visible, 1) << control;
-  }
-}
-
 TEST_F(SettingsPagesOnScreen, NoLabelIsCutEvenInAFontWiderByAFifth) {
   controller_.setWidgetMessage("Widgets are unavailable in this build. Install the signed Nimbo app to use them.");
   for (const auto status : {LoginItemStatus::enabled, LoginItemStatus::requiresApproval}) {
@@ -120,53 +99,6 @@ TEST_F(SettingsPagesOnScreen, TextsOnControlsFitInAFontWiderByATenth) {
       }
     }
   }
-}
-
-TEST_F(SettingsPagesOnScreen, BoxesThatExcludeEachOtherChangeTogether) {
-  box("compact").click();
-  ASSERT_TRUE(settings_.compactMenuBar());
-  box("menuRotation").click();
-  EXPECT_TRUE(box("menuRotation").isChecked());
-  EXPECT_FALSE(box("compact").isChecked());
-  EXPECT_FALSE(settings_.compactMenuBar());
-}
-
-TEST_F(SettingsPagesOnScreen, ChoiceIsStoredAndShown) {
-  auto& battery = child<QComboBox>("battery");
-  battery.setCurrentText("50%");
-  EXPECT_EQ(settings_.awakeBatteryFloor(), 50);
-  EXPECT_EQ(battery.currentText(), "50%");
-}
-
-TEST_F(SettingsPagesOnScreen, RefusedLaunchAtLoginGoesBackAtOnce) {
-  int asked = 0;
-  controller_.onLogin = [&] { ++asked; };
-  box("login").click();
-  EXPECT_EQ(asked, 1);
-  EXPECT_FALSE(box("login").isChecked());
-  controller_.onLogin = [&] { loginStatus_ = LoginItemStatus::enabled; };
-  box("login").click();
-  EXPECT_TRUE(box("login").isChecked());
-}
-
-TEST_F(SettingsPagesOnScreen, ComingBackToItShowsWhatWasStoredMeanwhile) {
-  QWidget other;
-  other.show();
-  other.activateWindow();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
-  settings_.setAwakeOnlyOnPower(!settings_.awakeOnlyOnPower());
-  EXPECT_NE(box("power").isChecked(), settings_.awakeOnlyOnPower());
-  widget().activateWindow();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(&widget()));
-  EXPECT_EQ(box("power").isChecked(), settings_.awakeOnlyOnPower());
-}
-
-TEST_F(SettingsPagesOnScreen, MessageAppearsAboveAFocusedControlWithoutTakingItsFocus) {
-  box("login").setFocus(Qt::TabFocusReason);
-  controller_.setWidgetMessage("A message.");
-  EXPECT_TRUE(box("login").hasFocus());
-  controller_.setWidgetMessage({});
-  EXPECT_TRUE(box("login").hasFocus());
 }
 
 }  // namespace

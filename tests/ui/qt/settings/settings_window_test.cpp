@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include <QAbstractItemView>
-#include <QScreen>
-#include <QSignalSpy>
 
 #include "settings_window_fixture.h"
 #include "ui/controls/palette.h"
-#include "ui/qt/controls/fitted_label.h"
 #include "ui/qt/controls/paint_counter.h"
 
 namespace nimbo {
@@ -36,16 +33,6 @@ TEST_F(SettingsWindowOnScreen, CanBeClosedAndMinimisedButNotResized) {
   EXPECT_FALSE(widget().isModal());
 }
 
-TEST_F(SettingsWindowOnScreen, StandsInTheMiddleFirstAndLaterWhereItWasLeft) {
-  const QRect screen = widget().screen()->availableGeometry();
-  EXPECT_EQ(widget().x(), screen.x() + (screen.width() - 560) / 2);
-  EXPECT_EQ(widget().y(), screen.y() + (screen.height() - 680) * 2 / 5) << "a little above, that is";
-  widget().move(30, 40);
-  window_->close();
-  open();
-  EXPECT_EQ(widget().pos(), QPoint(30, 40));
-}
-
 TEST_F(SettingsWindowOnScreen, ClosingHidesItAndItCanBeShownAgain) {
   EXPECT_TRUE(window_->visible());
   EXPECT_TRUE(widget().close()) << "as by its title bar";
@@ -61,25 +48,6 @@ TEST_F(SettingsWindowOnScreen, EscapeDoesNotCloseIt) {
   child("login").setFocus(Qt::TabFocusReason);
   press(Qt::Key_Escape);
   EXPECT_TRUE(window_->visible());
-}
-
-TEST_F(SettingsWindowOnScreen, BecomesKeyEachTimeItGetsTheFocus) {
-  EXPECT_EQ(becameKey_, 1);
-  QWidget other;
-  other.show();
-  other.activateWindow();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
-  EXPECT_EQ(becameKey_, 1);
-  open();
-  EXPECT_EQ(becameKey_, 2) << "showing brings it to the front";
-}
-
-TEST_F(SettingsWindowOnScreen, ShowingBringsItBackFromTheDock) {
-  widget().showMinimized();
-  ASSERT_TRUE(widget().isMinimized());
-  window_->show();
-  EXPECT_FALSE(widget().isMinimized());
-  EXPECT_TRUE(widget().isVisible());
 }
 
 TEST_F(SettingsWindowOnScreen, EveryControlCallsItsActionWithItsIdentifier) {
@@ -137,16 +105,6 @@ TEST_F(SettingsWindowOnScreen, ChangesByTheProgramCallNoAction) {
   EXPECT_TRUE(button("login").isChecked());
   EXPECT_EQ(popUp("preset").currentText(), "Custom");
   EXPECT_EQ(log_, Log{});
-}
-
-TEST_F(SettingsWindowOnScreen, SwitchOrChoiceThatIsRefusedGoesBackWithTheNextContent) {
-  click("login");
-  popUp("preset").setCurrentIndex(1);
-  ASSERT_TRUE(button("login").isChecked());
-  render();
-  EXPECT_FALSE(button("login").isChecked());
-  EXPECT_EQ(popUp("preset").currentText(), "All");
-  EXPECT_EQ(log_, (Log{"login on", "preset 1"}));
 }
 
 TEST_F(SettingsWindowOnScreen, ContentRenderedFromWithinAnActionWins) {
@@ -293,19 +251,6 @@ TEST_F(SettingsWindowOnScreen, FocusOnAPageThatGoesIsTakenByTheTabs) {
   EXPECT_EQ(focused(), "tabs");
 }
 
-TEST_F(SettingsWindowOnScreen, SpaceOpensTheListAndReturnTakesTheItem) {
-  child("preset").setFocus(Qt::TabFocusReason);
-  press(Qt::Key_Space);
-  auto* const list = QApplication::activePopupWidget();
-  ASSERT_NE(list, nullptr);
-  QTest::keyClick(list->windowHandle(), Qt::Key_Down);
-  EXPECT_EQ(log_, Log{}) << "nothing is chosen yet";
-  QTest::keyClick(list->windowHandle(), Qt::Key_Return);
-  EXPECT_EQ(log_, Log{"preset 1"});
-  EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
-  EXPECT_EQ(focused(), "preset");
-}
-
 TEST_F(SettingsWindowOnScreen, EscapeClosesTheListAlone) {
   popUp("preset").showPopup();
   auto* const list = QApplication::activePopupWidget();
@@ -324,16 +269,6 @@ TEST_F(SettingsWindowOnScreen, ClosingOrDestroyingItTakesItsOpenList) {
   popUp("preset").showPopup();
   window_.reset();
   EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
-}
-
-TEST_F(SettingsWindowOnScreen, LongNoteKeepsItsLines) {
-  for (const auto* const label : widget().findChildren<FittedLabel*>()) {
-    if (label->text() == "One.\nTwo.\nThree.") {
-      EXPECT_EQ(label->lines().size(), 3U);
-      return;
-    }
-  }
-  FAIL() << "no note";
 }
 
 TEST_F(SettingsWindowTest, NobodyNeedsToListen) {

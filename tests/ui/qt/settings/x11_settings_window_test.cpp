@@ -44,12 +44,7 @@ class SettingsWindowOn : public testing::Test {
     ASSERT_TRUE(eventually([] { return widget().windowHandle()->isExposed() && widget().isActiveWindow(); }));
   }
 
-  static QWidget& widget() {
-    for (QWidget* const candidate : QApplication::topLevelWidgets()) {
-      if (candidate->objectName() == "settingsWindow") return *candidate;
-    }
-    throw std::logic_error("no settings window");
-  }
+  static QWidget& widget() { return topLevel("settingsWindow"); }
   static QComboBox& popUp() { return *widget().findChild<QComboBox*>("preset"); }
   void clickAt(QPoint place) {
     client_.click(static_cast<std::int16_t>(place.x()), static_cast<std::int16_t>(place.y()));

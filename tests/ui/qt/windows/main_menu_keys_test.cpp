@@ -14,12 +14,7 @@ class MainMenuKeysInWindows : public SettingsWindowTest {
     SettingsWindowTest::SetUp();
     interface().setMainMenu(makeMainMenu({[this] { log_.push_back("settings"); }, [this] { log_.push_back("quit"); }}));
   }
-  static QDialog& alert() {
-    for (QWidget* const candidate : QApplication::topLevelWidgets()) {
-      if (candidate->objectName() == "alert") return *qobject_cast<QDialog*>(candidate);
-    }
-    throw std::logic_error("no alert");
-  }
+  static QDialog& alert() { return *qobject_cast<QDialog*>(&topLevel("alert")); }
 };
 
 TEST_F(MainMenuKeysInWindows, SettingsAndQuitWorkWhateverHasTheFocus) {

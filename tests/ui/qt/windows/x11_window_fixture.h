@@ -45,12 +45,7 @@ class X11WindowTest : public testing::Test {
     window_->show();
     ASSERT_TRUE(QTest::qWaitFor([&] { return widget().windowHandle()->isExposed(); }));
   }
-  [[nodiscard]] static QWidget& widget() {
-    for (QWidget* const candidate : QApplication::topLevelWidgets()) {
-      if (candidate->objectName() == "dashboard") return *candidate;
-    }
-    throw std::logic_error("no dashboard");
-  }
+  [[nodiscard]] static QWidget& widget() { return topLevel("dashboard"); }
   template <class Condition>
   static bool eventually(Condition condition) {
     return QTest::qWaitFor(condition, 5000);
