@@ -6,7 +6,7 @@
 namespace nimbo {
 namespace {
 
-constexpr const char* kConnect = "Connect the charger to keep this Mac awake.";
+constexpr const char* kConnectTheCharger = "Connect the charger to keep this Mac awake.";
 
 std::string floorMessage(int floor) {
   return "Session stopped: battery is at or below " + std::to_string(floor) + "%.";
@@ -24,11 +24,13 @@ TEST(AwakeRules, MainsPowerIsNeverAReasonWhateverTheCharge) {
 }
 
 TEST(AwakeRules, OnlyOnPowerStopsOnBatteryWhateverTheCharge) {
-  EXPECT_EQ(stopReason(BatteryState{true, 100}, {true, 0}), kConnect);
-  EXPECT_EQ(stopReason(BatteryState{true, std::nullopt}, {true, 20}), kConnect);
+  EXPECT_EQ(stopReason(BatteryState{true, 100}, {true, 0}), kConnectTheCharger);
+  EXPECT_EQ(stopReason(BatteryState{true, std::nullopt}, {true, 20}), kConnectTheCharger);
 }
 
-TEST(AwakeRules, OnlyOnPowerComesBeforeTheFloor) { EXPECT_EQ(stopReason(BatteryState{true, 5}, {true, 20}), kConnect); }
+TEST(AwakeRules, OnlyOnPowerComesBeforeTheFloor) {
+  EXPECT_EQ(stopReason(BatteryState{true, 5}, {true, 20}), kConnectTheCharger);
+}
 
 TEST(AwakeRules, ChargeAtTheFloorStopsAndOneAboveDoesNot) {
   EXPECT_EQ(stopReason(BatteryState{true, 20}, {false, 20}), floorMessage(20));

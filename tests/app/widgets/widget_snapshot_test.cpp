@@ -15,7 +15,7 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 
-constexpr const char* kFile = "/groups/T.group/usage-snapshot.json";
+constexpr const char* kSnapshotFile = "/groups/T.group/usage-snapshot.json";
 const WidgetSnapshot::Time kYear2001{seconds(978307200)};
 
 WidgetSnapshot fullSnapshot() {
@@ -72,7 +72,7 @@ TEST(WidgetSnapshot, IsWrittenIntoTheFolderOfItsGroup) {
   const FakeWidgetCenter center;
   EXPECT_TRUE(fullSnapshot().write(center, "T.group"));
   ASSERT_EQ(center.files.size(), 1U);
-  EXPECT_EQ(center.files.at(kFile), fullSnapshot().encoded());
+  EXPECT_EQ(center.files.at(kSnapshotFile), fullSnapshot().encoded());
 }
 
 TEST(WidgetSnapshot, WithoutAGroupNothingIsTriedAndTheWriteFails) {
@@ -90,10 +90,10 @@ TEST(WidgetSnapshot, WithoutAFolderForTheGroupNothingIsTriedAndTheWriteFails) {
 
 TEST(WidgetSnapshot, RefusedFileIsAFailureAndTheOldOneStands) {
   FakeWidgetCenter center;
-  center.files[kFile] = "old";
+  center.files[kSnapshotFile] = "old";
   center.failsToWrite = true;
   EXPECT_FALSE(fullSnapshot().write(center, "T.group"));
-  EXPECT_EQ(center.files.at(kFile), "old");
+  EXPECT_EQ(center.files.at(kSnapshotFile), "old");
 }
 
 }  // namespace

@@ -19,6 +19,9 @@
 
 namespace nimbo {
 
+inline constexpr auto kUnreachable = HttpFailure::unreachable;
+inline constexpr const char* kEmptyAnswer = "HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n";
+
 inline constexpr const char* kProxyVariables[] = {"http_proxy", "https_proxy", "HTTPS_PROXY", "all_proxy",
                                                   "ALL_PROXY",  "no_proxy",    "NO_PROXY"};
 

@@ -10,8 +10,6 @@ namespace {
 using Headers = std::vector<std::pair<std::string, std::string>>;
 using std::chrono::seconds;
 
-constexpr auto kUnreachable = HttpFailure::unreachable;
-
 TEST_F(HttpClientTest, AnswerComesWithStatusHeadersAndBody) {
   const auto answer =
       get(request(server.url("HTTP/1.1 200 OK\r\nContent-Type: application/json\r\n"

@@ -49,9 +49,6 @@ using std::chrono::milliseconds;
 using std::chrono::seconds;
 using std::chrono::steady_clock;
 
-constexpr auto kUnreachable = HttpFailure::unreachable;
-constexpr const char* kEmptyAnswer = "HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n";
-
 /// A port of this machine.
 class Port {
  public:

@@ -9,7 +9,6 @@
 namespace nimbo {
 namespace {
 
-constexpr const char* kEmptyAnswer = "HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n";
 const HiddenText kToken(200);
 
 class HttpSecrecyTest : public HttpClientTest {

@@ -6,7 +6,7 @@
 namespace nimbo {
 namespace {
 
-constexpr Size kSize{300, 8};
+constexpr Size kBreakdownSize{300, 8};
 const RoundedRect kOutline{{0, 0, 300, 8}, 4};
 
 MemorySnapshot snapshotOf(std::uint64_t total, std::uint64_t app, std::uint64_t wired, std::uint64_t compressed) {
@@ -23,14 +23,14 @@ void expectOnlyBackground(const std::vector<ChartBar>& bars) {
   EXPECT_EQ(bars[0], (ChartBar{kOutline, ColorRole::quaternaryLabel, 0.25, {}}));
 }
 
-TEST(BreakdownBars, NoSnapshotDrawsOnlyTheBackground) { expectOnlyBackground(breakdownBars({}, kSize)); }
+TEST(BreakdownBars, NoSnapshotDrawsOnlyTheBackground) { expectOnlyBackground(breakdownBars({}, kBreakdownSize)); }
 
 TEST(BreakdownBars, TotalOfZeroDrawsOnlyTheBackground) {
-  expectOnlyBackground(breakdownBars(snapshotOf(0, 1, 2, 3), kSize));
+  expectOnlyBackground(breakdownBars(snapshotOf(0, 1, 2, 3), kBreakdownSize));
 }
 
 TEST(BreakdownBars, PartsFollowOneAnotherInTheirColoursInsideTheRoundedBar) {
-  const auto bars = breakdownBars(snapshotOf(1000, 300, 100, 200), kSize);
+  const auto bars = breakdownBars(snapshotOf(1000, 300, 100, 200), kBreakdownSize);
   ASSERT_EQ(bars.size(), 4U);
   EXPECT_EQ(bars[0], (ChartBar{kOutline, ColorRole::quaternaryLabel, 0.25, {}}));
   EXPECT_EQ(bars[1], (ChartBar{{{0, 0, 90, 8}, 0}, ColorRole::teal, 1, kOutline}));
@@ -40,7 +40,8 @@ TEST(BreakdownBars, PartsFollowOneAnotherInTheirColoursInsideTheRoundedBar) {
 
 TEST(BreakdownBars, PartsThatMakeUpTheTotalFillTheBarExactly) {
   constexpr std::uint64_t kTotal = 17'179'869'184;
-  const auto bars = breakdownBars(snapshotOf(kTotal, kTotal / 3, kTotal / 7, kTotal - kTotal / 3 - kTotal / 7), kSize);
+  const auto bars =
+      breakdownBars(snapshotOf(kTotal, kTotal / 3, kTotal / 7, kTotal - kTotal / 3 - kTotal / 7), kBreakdownSize);
   ASSERT_EQ(bars.size(), 4U);
   EXPECT_DOUBLE_EQ(bars[2].shape.rect.x, bars[1].shape.rect.maxX());
   EXPECT_DOUBLE_EQ(bars[3].shape.rect.x, bars[2].shape.rect.maxX());

@@ -9,7 +9,7 @@
 namespace nimbo {
 namespace {
 
-constexpr Size kSize{300, 56};
+constexpr Size kHistorySize{300, 56};
 
 std::vector<ChartBar> samples(const std::vector<ChartBar>& bars) {
   std::vector<ChartBar> found;
@@ -26,7 +26,7 @@ std::vector<ChartBar> slots(const std::vector<ChartBar>& bars) {
 }
 
 TEST(HistoryBars, ThreeHundredPointsWideHasSlotsEvery7575Points) {
-  const auto background = slots(historyBars({}, ColorRole::teal, kSize));
+  const auto background = slots(historyBars({}, ColorRole::teal, kHistorySize));
   ASSERT_EQ(background.size(), 40U);
   for (std::size_t slot = 0; slot < background.size(); ++slot) {
     EXPECT_DOUBLE_EQ(background[slot].shape.rect.x, 7.575 * static_cast<double>(slot));
@@ -40,11 +40,11 @@ TEST(HistoryBars, ThreeHundredPointsWideHasSlotsEvery7575Points) {
 }
 
 TEST(HistoryBars, EmptyHistoryDrawsOnlyBackgrounds) {
-  EXPECT_TRUE(samples(historyBars({}, ColorRole::teal, kSize)).empty());
+  EXPECT_TRUE(samples(historyBars({}, ColorRole::teal, kHistorySize)).empty());
 }
 
 TEST(HistoryBars, OneSampleOfZeroIsAThreePointBarInTheRightmostSlot) {
-  const auto bars = samples(historyBars({0}, ColorRole::teal, kSize));
+  const auto bars = samples(historyBars({0}, ColorRole::teal, kHistorySize));
   ASSERT_EQ(bars.size(), 1U);
   EXPECT_DOUBLE_EQ(bars[0].shape.rect.x, 39 * 7.575);
   EXPECT_DOUBLE_EQ(bars[0].shape.rect.height, 3);
@@ -55,7 +55,7 @@ TEST(HistoryBars, OneSampleOfZeroIsAThreePointBarInTheRightmostSlot) {
 }
 
 TEST(HistoryBars, BarsGrowFromTheBottomAndOnlyTheNewestIsFullyOpaque) {
-  const auto bars = samples(historyBars({0.25, 1, 0.5}, ColorRole::blue, kSize));
+  const auto bars = samples(historyBars({0.25, 1, 0.5}, ColorRole::blue, kHistorySize));
   ASSERT_EQ(bars.size(), 3U);
   EXPECT_EQ(bars[0].shape.rect, (Rect{bars[0].shape.rect.x, 42, 4.575, 14}));
   EXPECT_EQ(bars[1].shape.rect, (Rect{bars[1].shape.rect.x, 0, 4.575, 56}));
@@ -71,14 +71,14 @@ TEST(HistoryBars, FortyOneSamplesDropTheOldestAndFillAllSlots) {
   std::vector<double> history(41, 0.5);
   history[0] = 1;
   history[1] = 0.25;
-  const auto bars = samples(historyBars(history, ColorRole::teal, kSize));
+  const auto bars = samples(historyBars(history, ColorRole::teal, kHistorySize));
   ASSERT_EQ(bars.size(), 40U);
   EXPECT_DOUBLE_EQ(bars[0].shape.rect.x, 0);
   EXPECT_DOUBLE_EQ(bars[0].shape.rect.height, 14);
 }
 
 TEST(HistoryBars, EachBarIsDrawnOverTheBackgroundOfItsSlot) {
-  const auto bars = historyBars({0.5}, ColorRole::teal, kSize);
+  const auto bars = historyBars({0.5}, ColorRole::teal, kHistorySize);
   ASSERT_EQ(bars.size(), 41U);
   EXPECT_EQ(bars[39].color, ColorRole::quaternaryLabel);
   EXPECT_EQ(bars[40].color, ColorRole::teal);

@@ -12,10 +12,14 @@
 #include <memory>
 #include <stdexcept>
 
+#include "ui/controls/palette.h"
 #include "ui/qt/dashboard/sample_dashboard.h"
 #include "ui/qt/qt_user_interface.h"
 
 namespace nimbo {
+
+/// A color as a picture holds it.
+inline QRgb rgb(const Color& color) { return qRgb(color.red, color.green, color.blue); }
 
 /// One user interface on an invisible display for all tests of a program.
 class QtTest : public testing::Test {

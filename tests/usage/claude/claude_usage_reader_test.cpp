@@ -18,7 +18,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr char kScreen[] = "Current session\n61% used\n";
+constexpr char kShortScreen[] = "Current session\n61% used\n";
 
 class ClaudeUsageReaderTest : public ::testing::Test {
  protected:
@@ -64,7 +64,7 @@ class ClaudeUsageReaderTest : public ::testing::Test {
 };
 
 TEST_F(ClaudeUsageReaderTest, ToolsScreenIsTheOutcomeAndTheDesktopIsNotAsked) {
-  terminals.writes(100ms, kScreen);
+  terminals.writes(100ms, kShortScreen);
   readAll();
   ASSERT_TRUE(outcome && *outcome);
   EXPECT_EQ((*outcome)->source, "Claude Code");
@@ -76,7 +76,7 @@ TEST_F(ClaudeUsageReaderTest, ToolsScreenIsTheOutcomeAndTheDesktopIsNotAsked) {
 }
 
 TEST_F(ClaudeUsageReaderTest, NothingHappensBeforeTheQueueAndTheLoopTurn) {
-  terminals.writes(100ms, kScreen);
+  terminals.writes(100ms, kShortScreen);
   start();
   EXPECT_TRUE(files.asked.empty());
   EXPECT_TRUE(queue.runOne());
@@ -165,7 +165,7 @@ TEST_F(ClaudeUsageReaderTest, DroppedBeforeItsTurnRunsNoTool) {
 }
 
 TEST_F(ClaudeUsageReaderTest, DroppedAfterTheReadButBeforeTheLoopTurnsDeliversNothing) {
-  terminals.writes(100ms, kScreen);
+  terminals.writes(100ms, kShortScreen);
   start();
   ASSERT_TRUE(queue.runOne());
   EXPECT_EQ(loop.postedCount(), 1U);
@@ -177,7 +177,7 @@ TEST_F(ClaudeUsageReaderTest, DroppedAfterTheReadButBeforeTheLoopTurnsDeliversNo
 TEST_F(ClaudeUsageReaderTest, DroppedReadDoesNotAffectTheNext) {
   start();
   subscription.reset();
-  terminals.writes(100ms, kScreen);
+  terminals.writes(100ms, kShortScreen);
   start();
   EXPECT_TRUE(queue.runOne());
   EXPECT_TRUE(queue.runOne());
@@ -187,7 +187,7 @@ TEST_F(ClaudeUsageReaderTest, DroppedReadDoesNotAffectTheNext) {
 }
 
 TEST_F(ClaudeUsageReaderTest, DroppingTheSubscriptionFromTheOutcomeIsFine) {
-  terminals.writes(100ms, kScreen);
+  terminals.writes(100ms, kShortScreen);
   subscription = read(UsageRequest::automatic, [this](const UsageOutcome&) {
     ++deliveries;
     subscription.reset();
@@ -200,7 +200,7 @@ TEST_F(ClaudeUsageReaderTest, DroppingTheSubscriptionFromTheOutcomeIsFine) {
 TEST_F(ClaudeUsageReaderTest, LocalTimeZoneIsAskedAtEachRead) {
   const auto resetIn = [this](const std::string& name) {
     zone = name;
-    terminals.writes(100ms, std::string(kScreen) + "Resets 3:00pm\n");
+    terminals.writes(100ms, std::string(kShortScreen) + "Resets 3:00pm\n");
     readAll();
     return (*outcome)->windows[0].resetsAt;
   };
@@ -212,7 +212,7 @@ TEST_F(ClaudeUsageReaderTest, LocalTimeZoneIsAskedAtEachRead) {
 
 TEST_F(ClaudeUsageReaderTest, ReaderMayGoWhileItsReadRuns) {
   std::optional<ClaudeUsageReader> brief(reader);
-  terminals.writes(100ms, kScreen);
+  terminals.writes(100ms, kShortScreen);
   subscription = (*brief)(UsageRequest::manual, [this](const UsageOutcome&) { ++deliveries; });
   brief.reset();
   EXPECT_TRUE(queue.runOne());

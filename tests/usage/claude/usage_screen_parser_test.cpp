@@ -15,7 +15,7 @@
 namespace nimbo {
 namespace {
 
-const UsageTime kNow = utc(2026, 11, 21, 12);
+const UsageTime kReadAt = utc(2026, 11, 21, 12);
 constexpr const char* kNoLimits = "none";
 
 std::string recording(const std::string& name) {
@@ -24,7 +24,9 @@ std::string recording(const std::string& name) {
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-std::optional<UsageSnapshot> parse(std::string_view text) { return parseUsageScreen(text, kNow, "Claude Code", "UTC"); }
+std::optional<UsageSnapshot> parse(std::string_view text) {
+  return parseUsageScreen(text, kReadAt, "Claude Code", "UTC");
+}
 
 // "5-hour 61, Weekly 8" for short.
 std::string windowsOf(std::string_view text) {
@@ -44,7 +46,7 @@ const std::vector<UsageWindow> kThreeWindows = {{"5-hour", 61, utc(2026, 11, 21,
 TEST(UsageScreen, PlainScreenGivesItsWindowsInOrder) {
   const auto snapshot = parse(recording("plain.txt"));
   ASSERT_TRUE(snapshot);
-  EXPECT_EQ(*snapshot, (UsageSnapshot{kThreeWindows, kNow, "Claude Code"}));
+  EXPECT_EQ(*snapshot, (UsageSnapshot{kThreeWindows, kReadAt, "Claude Code"}));
 }
 
 TEST(UsageScreen, CarriageReturnsAndEscapesDoNotMatter) {
@@ -64,11 +66,11 @@ TEST(UsageScreen, ScreenCutInsideACharacterGivesWhatWasWhole) {
 }
 
 TEST(UsageScreen, DesktopPageIsReadToo) {
-  const auto snapshot = parseUsageScreen(recording("desktop_page.txt"), kNow, "Claude Desktop", "Europe/Berlin");
+  const auto snapshot = parseUsageScreen(recording("desktop_page.txt"), kReadAt, "Claude Desktop", "Europe/Berlin");
   ASSERT_TRUE(snapshot);
   EXPECT_EQ(snapshot->source, "Claude Desktop");
   EXPECT_EQ(snapshot->windows, (std::vector<UsageWindow>{
-                                   {"5-hour", 61, kNow + std::chrono::hours(2) + std::chrono::minutes(14)},
+                                   {"5-hour", 61, kReadAt + std::chrono::hours(2) + std::chrono::minutes(14)},
                                    {"Weekly", 8, utc(2026, 11, 24, 8)},
                                    {"Opus weekly", 0, std::nullopt},
                                }));
@@ -186,18 +188,18 @@ TEST(UsageScreen, ResetBelongsToItsOwnWindowOnly) {
 TEST(UsageScreen, ResetCountsFromTheMomentOfTheQuestion) {
   UsageScreenParser parser;
   parser.append("Daily\n5% used\nResets in 2h\n");
-  const UsageTime later = kNow + std::chrono::hours(5);
+  const UsageTime later = kReadAt + std::chrono::hours(5);
   EXPECT_EQ(parser.snapshot(later, "", "UTC")->windows.at(0).resetsAt, later + std::chrono::hours(2));
 }
 
 TEST(UsageScreen, LastLineCountsBeforeItEndsAndMayStillChange) {
   UsageScreenParser parser;
   parser.append("Daily\n10% used");
-  EXPECT_EQ(parser.snapshot(kNow, "", "UTC")->windows.at(0).usedPercent, 10);
+  EXPECT_EQ(parser.snapshot(kReadAt, "", "UTC")->windows.at(0).usedPercent, 10);
   parser.append(" and more\nCurrent week");
-  EXPECT_EQ(parser.snapshot(kNow, "", "UTC")->windows.size(), 1U);
+  EXPECT_EQ(parser.snapshot(kReadAt, "", "UTC")->windows.size(), 1U);
   parser.append(" (Opus only)\n4% used");
-  EXPECT_EQ(parser.snapshot(kNow, "", "UTC")->windows.at(1), (UsageWindow{"Opus weekly", 4, std::nullopt}));
+  EXPECT_EQ(parser.snapshot(kReadAt, "", "UTC")->windows.at(1), (UsageWindow{"Opus weekly", 4, std::nullopt}));
 }
 
 TEST(UsageScreen, AnyCutsGiveAtEachMomentWhatTheWholeWouldGive) {
@@ -238,7 +240,7 @@ TEST(UsageScreen, AnyCutsGiveAtEachMomentWhatTheWholeWouldGive) {
     for (const std::string_view read : randomCuts(random, whole, 40)) {
       parser.append(read);
       length += read.size();
-      ASSERT_EQ(parser.snapshot(kNow, "", "UTC"), parseUsageScreen(whole.substr(0, length), kNow, "", "UTC"))
+      ASSERT_EQ(parser.snapshot(kReadAt, "", "UTC"), parseUsageScreen(whole.substr(0, length), kReadAt, "", "UTC"))
           << "round " << round << ", byte " << length;
     }
   }
@@ -261,16 +263,16 @@ TEST(UsageScreen, EndlessTitlesAreNotCollected) {
 
 // Processor time of a whole screen that arrives in reads of 8 KiB, with the question asked after each.
 std::chrono::duration<double> costOf(std::string_view unit) {
-  constexpr std::size_t kScreen = 512U * 1024;
+  constexpr std::size_t kScreenBytes = 512U * 1024;
   constexpr std::size_t kRead = 8192;
   std::string screen;
-  while (screen.size() < kScreen) screen += unit;
-  screen.resize(kScreen);
+  while (screen.size() < kScreenBytes) screen += unit;
+  screen.resize(kScreenBytes);
   const std::clock_t start = std::clock();
   UsageScreenParser parser;
-  for (std::size_t offset = 0; offset < kScreen; offset += kRead) {
+  for (std::size_t offset = 0; offset < kScreenBytes; offset += kRead) {
     parser.append(std::string_view(screen).substr(offset, kRead));
-    (void)parser.snapshot(kNow, "Claude Code", "UTC");
+    (void)parser.snapshot(kReadAt, "Claude Code", "UTC");
   }
   return std::chrono::duration<double>(static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC);
 }
@@ -282,7 +284,7 @@ TEST(UsageScreen, ManyTinyReadsOfOneEndlessLineCostLittle) {
   for (const char& byte : line) parser.append(std::string_view(&byte, 1));
   const std::chrono::duration<double> cost(static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC);
   EXPECT_LT(cost, std::chrono::milliseconds(3 * NIMBO_SCREEN_LIMIT_MS));
-  EXPECT_FALSE(parser.snapshot(kNow, "", "UTC"));
+  EXPECT_FALSE(parser.snapshot(kReadAt, "", "UTC"));
 }
 
 // A release build takes 5 to 40 ms; the limit leaves room for sanitizers and busy machines, and still

@@ -12,10 +12,10 @@
 namespace nimbo {
 namespace {
 
-const UsageTime kNow = utc(2026, 11, 21, 12);
+const UsageTime kAnsweredAt = utc(2026, 11, 21, 12);
 
 UsageOutcome parse(std::string_view body, UsageProvider provider = UsageProvider::codex) {
-  return parseUsageResponse(body, provider, kNow);
+  return parseUsageResponse(body, provider, kAnsweredAt);
 }
 
 // The only window of an answer whose primary window has these members.
@@ -37,7 +37,7 @@ TEST(UsageResponse, CodexAnswerGivesBothWindows) {
   EXPECT_EQ(
       *snapshot,
       (UsageSnapshot{.windows = {{"5-hour", 61, utc(2026, 11, 21, 14, 30)}, {"Weekly", 8.5, utc(2026, 11, 23, 12)}},
-                     .fetchedAt = kNow,
+                     .fetchedAt = kAnsweredAt,
                      .source = std::nullopt}));
 }
 

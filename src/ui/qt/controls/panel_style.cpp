@@ -28,7 +28,9 @@ constexpr int kTextFlags = Qt::TextSingleLine | Qt::TextHideMnemonic;
 constexpr double kMenuRadius = 5;
 constexpr double kGroundInset = 4;
 
-int textStart(const QStyleOptionMenuItem& item) { return kMenuPadding + (item.menuHasCheckableItems ? kCheckWidth : 0); }
+int textStart(const QStyleOptionMenuItem& item) {
+  return kMenuPadding + (item.menuHasCheckableItems ? kCheckWidth : 0);
+}
 
 bool isSeparator(const QStyleOptionMenuItem& item) { return item.menuItemType == QStyleOptionMenuItem::Separator; }
 
@@ -46,7 +48,8 @@ void drawTexts(QPainter& painter, const QStyleOptionMenuItem& item, const QColor
 void drawMenuItem(QPainter& painter, const QStyleOptionMenuItem& item, const Theme& theme) {
   const QRectF row = item.rect;
   if (isSeparator(item)) {
-    painter.fillRect(QRectF(row.left() + kMenuPadding, row.center().y(), row.width() - 2 * kMenuPadding, 1), theme.separator());
+    painter.fillRect(QRectF(row.left() + kMenuPadding, row.center().y(), row.width() - 2 * kMenuPadding, 1),
+                     theme.separator());
     return;
   }
   painter.save();
@@ -59,7 +62,8 @@ void drawMenuItem(QPainter& painter, const QStyleOptionMenuItem& item, const The
   const QColor ink = selected ? theme.accentLabel() : enabled ? theme.color(ColorRole::label) : theme.disabledLabel();
   painter.setPen(ink);
   if (item.checked) {
-    drawCheckMark(painter, {row.left() + kMenuPadding - 3, row.center().y() - kCheckWidth / 2.0, kCheckWidth, kCheckWidth});
+    drawCheckMark(painter,
+                  {row.left() + kMenuPadding - 3, row.center().y() - kCheckWidth / 2.0, kCheckWidth, kCheckWidth});
   }
   drawTexts(painter, item, selected || !enabled ? ink : theme.color(ColorRole::secondaryLabel));
   painter.restore();
@@ -70,7 +74,8 @@ QSize menuItemSize(const QStyleOptionMenuItem& item) {
   if (isSeparator(item)) return {2 * kMenuPadding, kSeparatorHeight};
   const int shortcut = shortcutOf(item).isEmpty() ? 0 : kShortcutGap;
   const QSize title = item.fontMetrics.size(kTextFlags, titleOf(item));
-  return {textStart(item) + title.width() + shortcut + kMenuPadding, std::max(kRowHeight, title.height() + kRowPadding)};
+  return {textStart(item) + title.width() + shortcut + kMenuPadding,
+          std::max(kRowHeight, title.height() + kRowPadding)};
 }
 
 }  // namespace

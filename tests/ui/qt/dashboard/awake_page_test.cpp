@@ -16,8 +16,6 @@ namespace {
 
 using Log = std::vector<std::string>;
 
-QRgb rgb(const Color& color) { return qRgb(color.red, color.green, color.blue); }
-
 class AwakePageOnScreen : public AwakePageTest {
  protected:
   static QImage picture(const char* name) { return widget().grab(child(name).geometry()).toImage(); }

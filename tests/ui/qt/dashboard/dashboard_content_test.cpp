@@ -11,8 +11,6 @@
 namespace nimbo {
 namespace {
 
-QRgb rgb(const Color& color) { return qRgb(color.red, color.green, color.blue); }
-
 class DashboardContentOnScreen : public DashboardTest {
  protected:
   static QRgb pixel(QPoint place) { return widget().grab().toImage().pixel(place); }

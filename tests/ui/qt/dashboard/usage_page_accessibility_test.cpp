@@ -7,9 +7,6 @@
 namespace nimbo {
 namespace {
 
-constexpr auto kCodex = UsageProvider::codex;
-constexpr auto kClaude = UsageProvider::claude;
-
 class UsagePageAccessibility : public UsagePageTest {
  protected:
   static QAccessibleInterface& accessible(QWidget& widget) { return *QAccessible::queryAccessibleInterface(&widget); }

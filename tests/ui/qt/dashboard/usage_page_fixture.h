@@ -12,6 +12,9 @@
 
 namespace nimbo {
 
+inline constexpr auto kCodex = UsageProvider::codex;
+inline constexpr auto kClaude = UsageProvider::claude;
+
 /// The AI page on the screen, filled by its view. Every action of the user's is in the log.
 class UsagePageTest : public DashboardTest {
  protected:

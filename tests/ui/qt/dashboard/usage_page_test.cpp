@@ -14,11 +14,6 @@ namespace {
 using namespace std::chrono_literals;
 using Log = std::vector<std::string>;
 
-constexpr auto kCodex = UsageProvider::codex;
-constexpr auto kClaude = UsageProvider::claude;
-
-QRgb rgb(const Color& color) { return qRgb(color.red, color.green, color.blue); }
-
 class UsagePageOnScreen : public UsagePageTest {
  protected:
   /// The colour in the middle of a bar's height.
