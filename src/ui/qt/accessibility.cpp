@@ -134,11 +134,11 @@ bool isOneOf(const QObject* object) {
 /// Of the widgets that need nothing else of their own.
 std::optional<QAccessible::Role> roleOf(const QObject* object) {
   if (isOneOf<UsageCard, SettingsPage>(object)) return QAccessible::Grouping;
-  // The toolkit takes it for a mere filler.
+  // The toolkit says that it is a mere filler.
   if (isOneOf<QtSettingsWindow>(object)) return QAccessible::Window;
   if (isOneOf<QtAlert>(object)) return QAccessible::AlertMessage;
-  // The toolkit's own counts the scroll bars only while they show. Whoever asked for one that had gone
-  // since it was counted made it read beyond its list.
+  // The toolkit's own interface counts the scroll bars only while they show, and reads beyond its list when
+  // somebody asks for one that has gone since.
   if (isOneOf<ScrollArea>(object)) return QAccessible::Client;
   return std::nullopt;
 }

@@ -56,7 +56,7 @@ class QtUserInterface final : public UserInterface, private OuterLoop {
   std::unique_ptr<WindowSystem> windowSystem_;
   ObserverList<> screenObservers_;
   MainMenuKeys mainMenuKeys_;
-  bool placesAreInPoints_ = false;  ///< as the pointer told last
+  bool placesAreInPoints_ = false;  ///< as the place of the pointer showed last
 };
 
 }  // namespace nimbo

@@ -94,7 +94,7 @@ void DashboardButton::drawRing(QPainter& painter, double radius) const {
     drawFocusRing(painter, face(), radius, theme_.focusRing());
     return;
   }
-  // The ring's own colour would not show on the accent.
+  // A ring in its usual colour would not show on the accent.
   constexpr double kApart = 1.5;
   drawFocusRing(painter, face().adjusted(kApart, kApart, -kApart, -kApart), radius - kApart, theme_.accentLabel());
 }

@@ -22,7 +22,7 @@ template <class Content, class Actions>
 class PageControls {
  public:
   PageControls(const Theme& theme, QWidget& parent) : theme_(theme), parent_(parent) {}
-  PageControls(const PageControls&) = delete;  // the widgets call it
+  PageControls(const PageControls&) = delete;  // the widgets report to this one
   PageControls& operator=(const PageControls&) = delete;
 
   template <class Part>

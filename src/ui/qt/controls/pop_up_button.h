@@ -28,7 +28,7 @@ class PopUpButton final : public ContentWidget<QComboBox, PopUpContent> {
  private:
   void setItems(const std::vector<std::string>& items);
 
-  bool reported_ = true;  ///< what was chosen since the list was opened
+  bool reported_ = true;  ///< whether the choice in the opened list has been told
 };
 
 }  // namespace nimbo

@@ -14,7 +14,7 @@ ScrollArea::ScrollArea(int step, QWidget* parent) : QScrollArea(parent), documen
   setFrameShape(QFrame::NoFrame);
   setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   setWidget(document_);
-  // Both would paint a ground of their own over the panel's.
+  // The document and the viewport would each paint a ground over the panel's.
   document_->setAutoFillBackground(false);
   viewport()->setAutoFillBackground(false);
   verticalScrollBar()->setSingleStep(step);

@@ -78,7 +78,7 @@ void SegmentedTabs::paintEvent(QPaintEvent* /*event*/) {
 }
 
 void SegmentedTabs::keyPressEvent(QKeyEvent* event) {
-  // Whoever steers with arrow keys wants to see where they are.
+  // Arrow keys, too, are a use of the keyboard that calls for the focus ring.
   window()->setAttribute(Qt::WA_KeyboardFocusChange);
   QTabBar::keyPressEvent(event);
   update();

@@ -82,7 +82,7 @@ void QtDashboardWindow::show() {
   activateWindow();
 }
 
-// What was opened from a control would otherwise stay on the screen with the pointer in its hands.
+// What was opened from a control would otherwise stay on the screen and keep the pointer to itself.
 void QtDashboardWindow::hide() {
   while (QWidget* const inner = innerPopup()) {
     if (!inner->close()) inner->hide();

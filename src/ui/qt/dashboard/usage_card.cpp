@@ -62,7 +62,7 @@ void UsageCard::setContent(const UsageCardContent& content) {
   title_->setContent(movedInto(content.frame, content.title));
   link_->setContent(movedInto(content.frame, content.link));
   status_->setContent(movedInto(content.frame, content.status));
-  // The toolkit would let it go on to the next card.
+  // The toolkit would move the focus to the next card.
   if (connect_->hasFocus() && !content.connect.visible) link_->setFocus(Qt::OtherFocusReason);
   connect_->setContent(movedInto(content.frame, content.connect));
   while (rows_.size() > content.rows.size()) rows_.pop_back();

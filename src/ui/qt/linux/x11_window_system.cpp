@@ -49,8 +49,8 @@ bool X11WindowSystem::compositing() const {
   return reply != nullptr && reply->owner != XCB_WINDOW_NONE;
 }
 
-// The toolkit believes that it has the pointer whenever the server answers at all, so the question
-// is put by taking and releasing.
+// The toolkit believes that it has the pointer whenever the server answers at all, so ask
+// the server itself: take both and let go again.
 bool X11WindowSystem::inputIsFree() {
   const auto pointerRequest = xcb_grab_pointer(&connection_, 0, root_, 0, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC,
                                                XCB_NONE, XCB_NONE, XCB_CURRENT_TIME);
@@ -78,7 +78,7 @@ Subscription X11WindowSystem::observeOtherActivation(std::function<void()> activ
 
 // The toolkit's request bears the time of the last input that this program got, while the click that
 // asked for the window went to a panel; window managers that guard the focus refuse one so old. A request
-// like a pager's (Extended Window Manager Hints, "_NET_ACTIVE_WINDOW") stands for the user's own wish.
+// like a pager's (Extended Window Manager Hints, "_NET_ACTIVE_WINDOW") counts as the user's own request.
 void X11WindowSystem::activate(QWidget& window) {
   window.activateWindow();
   constexpr std::uint32_t kFromPager = 2;

@@ -46,7 +46,7 @@ void QtSettingsWindow::renderPages(const std::vector<SettingsPageContent>& conte
   for (; pages_.size() > contents.size(); pages_.pop_back()) pages_.back()->deleteLater();
   for (std::size_t index = 0; index < pages_.size(); ++index) {
     SettingsPage& page = *pages_[index];
-    // The toolkit would let it go to some control of the page that comes.
+    // The toolkit would move the focus to some control of the page that appears.
     if (!contents[index].visible && page.isAncestorOf(focusWidget())) tabs_->setFocus(Qt::OtherFocusReason);
     page.render(contents[index]);
   }

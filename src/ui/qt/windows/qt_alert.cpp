@@ -3,7 +3,6 @@
 
 #include <QAccessible>
 #include <QFontMetricsF>
-#include <QTimer>
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -67,6 +66,8 @@ QtAlert::QtAlert(const Theme& theme, WindowSystem& windowSystem, const AlertCont
   const double buttons = placeText(theme, wrapped(content.text, kTextStyle, text), "alertText") + kButtonsGap;
   const double end = placeButtons(theme, content.buttons, buttons) + kBottomMargin;
   setFixedSize(qRound(kWidth), qRound(end));
+  answerTimer_.setSingleShot(true);
+  connect(&answerTimer_, &QTimer::timeout, this, [this] { call(answered_, *pressed_); });
 }
 
 double QtAlert::placeText(const Theme& theme, const LabelContent& content, const char* name) {
@@ -108,9 +109,10 @@ void QtAlert::reject() { answer(cancel_); }
 
 // A turn later, because the answer may destroy the very button that is being pressed.
 void QtAlert::answer(std::size_t button) {
-  if (std::exchange(pressed_, true)) return;
+  if (pressed_) return;
+  pressed_ = button;
   hide();
-  QTimer::singleShot(0, this, [this, button] { call(answered_, button); });
+  answerTimer_.start(0);
 }
 
 }  // namespace nimbo

@@ -2,7 +2,9 @@
 #pragma once
 
 #include <QDialog>
+#include <QTimer>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -40,7 +42,8 @@ class QtAlert final : public QDialog, public Alert {
   WindowSystem& windowSystem_;
   const std::size_t cancel_;
   const std::function<void(std::size_t button)> answered_;
-  bool pressed_ = false;
+  std::optional<std::size_t> pressed_;
+  QTimer answerTimer_;
 };
 
 }  // namespace nimbo
