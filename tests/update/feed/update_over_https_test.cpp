@@ -19,7 +19,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const std::string kPackage(200'000, 'p');
+const std::string kServedPackage(200'000, 'p');
 constexpr const char* kPackageName = "nimbo_1.2.deb";
 
 std::string ok(const std::string& body) {
@@ -38,9 +38,9 @@ std::string redirection(const std::string& url) {
 class UpdateOverHttps : public HttpClientTest {
  protected:
   /// What the publisher says of the package, which this answer brings.
-  [[nodiscard]] UpdateItem goodItem(const std::string& packageAnswer = ok(kPackage)) {
+  [[nodiscard]] UpdateItem goodItem(const std::string& packageAnswer = ok(kServedPackage)) {
     const std::string host = server.hostAnswering(std::string("/") + kPackageName, packageAnswer);
-    auto item = itemFor(kPackage, "1.2", host + "/" + kPackageName);
+    auto item = itemFor(kServedPackage, "1.2", host + "/" + kPackageName);
     item.architecture = debianArchitecture();
     return publisher.sign(item);
   }
@@ -89,7 +89,7 @@ TEST_F(UpdateOverHttps, GoodUpdateGoesToTheDownloadsFolderAndIsShownThere) {
   EXPECT_TRUE(fs::is_empty(tree.path()));
   download();
   EXPECT_EQ(windows.title(), "Nimbo 1.2 is ready to install");
-  EXPECT_EQ(tree.read("home/Downloads/nimbo_1.2.deb"), kPackage);
+  EXPECT_EQ(tree.read("home/Downloads/nimbo_1.2.deb"), kServedPackage);
   ASSERT_TRUE(windows.press("Show in Folder"));
   EXPECT_EQ(workspace.filesRevealed, std::vector{tree.path() / "home/Downloads" / kPackageName});
   EXPECT_TRUE(updater->canCheckForUpdates());
@@ -102,7 +102,7 @@ TEST_F(UpdateOverHttps, FolderIsTheOneThatTheUserHasNamedByThen) {
   check(ok(feedOf({goodItem()})));
   tree.write("config/user-dirs.dirs", "XDG_DOWNLOAD_DIR=\"$HOME/Empfangen\"\n");
   download();
-  EXPECT_EQ(tree.read("home/Empfangen/nimbo_1.2 (1).deb"), kPackage);
+  EXPECT_EQ(tree.read("home/Empfangen/nimbo_1.2 (1).deb"), kServedPackage);
   EXPECT_EQ(tree.read("home/Empfangen/nimbo_1.2.deb"), "an older download");
 }
 
@@ -141,7 +141,7 @@ TEST_F(UpdateOverHttps, FeedsThatAreNotAsTheyShouldBeOfferNothing) {
 
 TEST_F(UpdateOverHttps, ItemsThatAreNotSignedAsTheyStandAreNotOffered) {
   const auto good = goodItem();
-  std::vector<UpdateItem> items{itemFor(kPackage, "1.2", good.url), Publisher().sign(good)};
+  std::vector<UpdateItem> items{itemFor(kServedPackage, "1.2", good.url), Publisher().sign(good)};
   items[0].architecture = good.architecture;
   // Each as a liar would like it: newer, for more systems, another package.
   items.resize(7, good);
@@ -179,21 +179,21 @@ TEST_F(UpdateOverHttps, ForgedItemsDoNotHideTheGoodOne) {
   const auto good = goodItem();
   auto forged = good;
   forged.version = "99";
-  check(ok(feedOf({forged, good, itemFor(kPackage, "98")})));
+  check(ok(feedOf({forged, good, itemFor(kServedPackage, "98")})));
   EXPECT_EQ(windows.title(), "Nimbo 1.2 is available");
 }
 
 TEST_F(UpdateOverHttps, PackagesThatAreNotThePromisedOneAreNotKept) {
-  std::string changed = kPackage;
+  std::string changed = kServedPackage;
   changed[100'000] ^= 1;
   HttpsServer other(authority());
   const std::vector<std::pair<const char*, std::string>> answers{
       {"changed", ok(changed)},
-      {"shorter than told", ok(kPackage.substr(1))},
-      {"larger than told", ok(kPackage + "!")},
-      {"truncated", cutOff(kPackage)},
+      {"shorter than told", ok(kServedPackage.substr(1))},
+      {"larger than told", ok(kServedPackage + "!")},
+      {"truncated", cutOff(kServedPackage)},
       {"empty", ok("")},
-      {"redirected", redirection(other.url(ok(kPackage)))},
+      {"redirected", redirection(other.url(ok(kServedPackage)))},
       {"not found", "HTTP/1.1 404 Not Found\r\nContent-Length: 9\r\n\r\nNot found"},
       {"not HTTP", "220 ready\r\n"},
   };

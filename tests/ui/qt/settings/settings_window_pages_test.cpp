@@ -2,6 +2,7 @@
 // The window with the program's own pages in it.
 #include <QComboBox>
 
+#include "support/fake_login_item.h"
 #include "support/fake_user_defaults.h"
 #include "ui/qt/controls/fitted_label.h"
 #include "ui/qt/qt_test.h"
@@ -51,9 +52,19 @@ class SettingsPagesOnScreen : public QtTest {
                      .feedUrl = {},
                      .publicKey = {},
                      .appGroup = {}};
-  LoginItemStatus loginStatus_ = LoginItemStatus::notRegistered;
+  FakeLoginItem login_;
+  std::function<void()> toggleLogin_;
+  std::optional<std::string> widgetMessage_;
   std::unique_ptr<SettingsWindow> window_ = interface().makeSettingsWindow();
-  SettingsWindowController controller_{settings_, *window_, bundle_, [this] { return loginStatus_; }};
+  SettingsWindowController controller_{{settings_, bundle_, login_},
+                                       *window_,
+                                       {.changed = [](const SettingsChange&) {},
+                                        .toggleLogin = [this] { toggleLogin_(); },
+                                        .checkForUpdates = {},
+                                        .toggleAutomaticUpdates = {},
+                                        .enableClaudeDesktop = {},
+                                        .automaticUpdates = [] { return false; },
+                                        .widgetMessage = [this] { return widgetMessage_; }}};
 };
 
 /// With another font for as long as it lives.
@@ -72,10 +83,10 @@ class FontInUse {
 };
 
 TEST_F(SettingsPagesOnScreen, NoLabelIsCutEvenInAFontWiderByAFifth) {
-  controller_.setWidgetMessage("Widgets are unavailable in this build. Install the signed Nimbo app to use them.");
+  widgetMessage_ = "Widgets are unavailable in this build. Install the signed Nimbo app to use them.";
   for (const auto status : {LoginItemStatus::enabled, LoginItemStatus::requiresApproval}) {
-    loginStatus_ = status;
-    controller_.sync();
+    login_.current = status;
+    controller_.syncIfVisible();
     for (const auto& font : {stretched("Noto Sans", 100), stretched("Noto Sans", 120), stretched("DejaVu Sans", 100)}) {
       const FontInUse inUse(font);
       for (const auto* const label : all<FittedLabel>()) expectWhole(*label);
