@@ -53,13 +53,12 @@ class SettingsPagesOnScreen : public QtTest {
                      .publicKey = {},
                      .appGroup = {}};
   FakeLoginItem login_;
-  std::function<void()> toggleLogin_;
   std::optional<std::string> widgetMessage_;
   std::unique_ptr<SettingsWindow> window_ = interface().makeSettingsWindow();
   SettingsWindowController controller_{{settings_, bundle_, login_},
                                        *window_,
                                        {.changed = [](const SettingsChange&) {},
-                                        .toggleLogin = [this] { toggleLogin_(); },
+                                        .toggleLogin = {},
                                         .checkForUpdates = {},
                                         .toggleAutomaticUpdates = {},
                                         .enableClaudeDesktop = {},
