@@ -12,17 +12,17 @@ namespace {
 using nlohmann::json;
 using namespace std::chrono_literals;
 
-constexpr char kDomain[] = "com.quellwerk.Nimbo";
+constexpr char kOwnDomain[] = "com.quellwerk.Nimbo";
 constexpr char kFile[] = "com.quellwerk.Nimbo.json";
 constexpr char kPreviousFile[] = "com.quellwerk.Velarin.json";
 
 class SettingsInFiles : public ::testing::Test {
  protected:
-  Settings launch() { return Settings(defaults, domains, kDomain); }
+  Settings launch() { return Settings(defaults, domains, kOwnDomain); }
 
   TemporaryTree tree;
   JsonUserDefaultsDomains domains{tree.path()};
-  TurningUserDefaults defaults{tree.path(), kDomain};
+  TurningUserDefaults defaults{tree.path(), kOwnDomain};
 };
 
 TEST_F(SettingsInFiles, FirstStartStoresNothingButTheMark) {
@@ -65,7 +65,7 @@ TEST_F(SettingsInFiles, MistakeMadeBeforeTheStartIsLeftForItsUserToCorrect) {
 
 TEST_F(SettingsInFiles, TwoStoresOverOneFileAgree) {
   Settings ours = launch();
-  TurningUserDefaults otherDefaults(tree.path(), kDomain);
+  TurningUserDefaults otherDefaults(tree.path(), kOwnDomain);
   Settings theirs(otherDefaults);
   ours.setMenuPreset(3);
   EXPECT_EQ(theirs.menuPreset(), 3);

@@ -3,10 +3,11 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <chrono>
+#include <cstddef>
 #include <iterator>
 #include <nlohmann/json.hpp>
-#include <ranges>
 
 #include "base/size_text.h"
 #include "system/process_scan.h"
@@ -37,14 +38,15 @@ void addTemperature(std::string& text, std::optional<double> celsius) {
 }
 
 void addProcesses(std::string& text, ProcessTable& processes, const Clock& clock) {
-  constexpr int kListed = 10;
+  constexpr std::size_t kListed = 10;
   const auto before = clock.uptime();
   const ProcessScan scan = scanProcesses(processes);
   const std::chrono::duration<double, std::milli> elapsed = clock.uptime() - before;
 
   addLine(text, "Process scan: {} readable, {} inaccessible/exited, {:.1f} ms", scan.processes.size(), scan.unreadable,
           elapsed.count());
-  for (const ProcessMemory& process : scan.processes | std::views::take(kListed)) {
+  for (std::size_t index = 0; index < std::min(kListed, scan.processes.size()); ++index) {
+    const ProcessMemory& process = scan.processes[index];
     addLine(text, "{}\t{}\t{}", process.pid, footprintText(process.bytes), process.name);
   }
 }

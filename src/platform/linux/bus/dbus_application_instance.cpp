@@ -116,6 +116,7 @@ int DbusApplicationInstance::forward(const std::vector<std::string>& links, Dead
   sd_bus* const bus = session_.get();
   if (links.empty()) return call(methodCall(bus, {kName, kPath, kInterface, "Activate"}, NoOptions()), deadline);
   std::vector<std::string> repaired;
+  repaired.reserve(links.size());
   for (const std::string& link : links) repaired.push_back(repairedUtf8(link));
   return call(methodCall(bus, {kName, kPath, kInterface, "Open"}, repaired, NoOptions()), deadline);
 }

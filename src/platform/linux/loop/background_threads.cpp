@@ -14,7 +14,7 @@ namespace nimbo {
 namespace {
 
 constexpr std::chrono::milliseconds kTimeToEnd{500};
-constexpr int kUtilityNice = 10;
+constexpr int kBackgroundNice = 10;
 
 }  // namespace
 
@@ -41,7 +41,7 @@ void BackgroundThreads::run(const std::function<void()>& work) {
   running_->change(+1);
   try {
     std::thread([running = running_, work] {
-      setpriority(PRIO_PROCESS, static_cast<id_t>(gettid()), kUtilityNice);
+      setpriority(PRIO_PROCESS, static_cast<id_t>(gettid()), kBackgroundNice);
       work();
       running->change(-1);
     }).detach();

@@ -82,6 +82,7 @@ struct JsonUserDefaults::State : std::enable_shared_from_this<State> {
 JsonUserDefaults::JsonUserDefaults(const std::filesystem::path& folder, std::string_view domain, Services services)
     : state_(std::make_shared<State>(JsonDomainFile(folder, domain), std::move(services))) {}
 
+// NOLINTNEXTLINE(bugprone-exception-escape): without memory for the last write there is nobody to tell
 JsonUserDefaults::~JsonUserDefaults() {
   const std::scoped_lock lock(state_->writer);
   state_->ended = true;

@@ -23,7 +23,7 @@ class JsonUserDefaults final : public UserDefaults {
   };
 
   JsonUserDefaults(const std::filesystem::path& folder, std::string_view domain, Services services);
-  ~JsonUserDefaults() override;
+  ~JsonUserDefaults() override;  // NOLINT(bugprone-exception-escape): see there
   JsonUserDefaults(const JsonUserDefaults&) = delete;
   JsonUserDefaults& operator=(const JsonUserDefaults&) = delete;
 

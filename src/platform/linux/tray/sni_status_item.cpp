@@ -56,29 +56,29 @@ std::string titleText(const StatusItemContent& content) {
 
 std::vector<sd_bus_vtable> SniStatusItem::makeTable(bool labelled) {
   using Self = SniStatusItem;
-  constexpr auto kConst = SD_BUS_VTABLE_PROPERTY_CONST;
+  constexpr auto kConstant = SD_BUS_VTABLE_PROPERTY_CONST;
   constexpr auto kChanges = SD_BUS_VTABLE_PROPERTY_EMITS_CHANGE;
   // Everybody on the bus belongs to the user; asking the bus about each caller's rights would block.
-  constexpr auto kOpen = SD_BUS_VTABLE_UNPRIVILEGED;
+  constexpr auto kUnprivileged = SD_BUS_VTABLE_UNPRIVILEGED;
   std::vector<sd_bus_vtable> table{
       SD_BUS_VTABLE_START(0),
-      SD_BUS_METHOD("Activate", "ii", "", bus_table::method<&Self::activate>, kOpen),
-      SD_BUS_METHOD("SecondaryActivate", "ii", "", bus_table::method<&Self::secondaryActivate>, kOpen),
-      SD_BUS_METHOD("ContextMenu", "ii", "", bus_table::method<&Self::ignore>, kOpen),
-      SD_BUS_METHOD("Scroll", "is", "", bus_table::method<&Self::ignore>, kOpen),
-      SD_BUS_METHOD("ProvideXdgActivationToken", "s", "", bus_table::method<&Self::ignore>, kOpen),
-      SD_BUS_PROPERTY("Category", "s", bus_table::constant<[] { return "SystemServices"; }>, 0, kConst),
-      SD_BUS_PROPERTY("Id", "s", bus_table::property<&Self::identifier>, 0, kConst),
+      SD_BUS_METHOD("Activate", "ii", "", bus_table::method<&Self::activate>, kUnprivileged),
+      SD_BUS_METHOD("SecondaryActivate", "ii", "", bus_table::method<&Self::secondaryActivate>, kUnprivileged),
+      SD_BUS_METHOD("ContextMenu", "ii", "", bus_table::method<&Self::ignore>, kUnprivileged),
+      SD_BUS_METHOD("Scroll", "is", "", bus_table::method<&Self::ignore>, kUnprivileged),
+      SD_BUS_METHOD("ProvideXdgActivationToken", "s", "", bus_table::method<&Self::ignore>, kUnprivileged),
+      SD_BUS_PROPERTY("Category", "s", bus_table::constant<[] { return "SystemServices"; }>, 0, kConstant),
+      SD_BUS_PROPERTY("Id", "s", bus_table::property<&Self::identifier>, 0, kConstant),
       SD_BUS_PROPERTY("Title", "s", bus_table::property<&Self::title>, 0, kChanges),
       SD_BUS_PROPERTY("Status", "s", bus_table::constant<[] { return "Active"; }>, 0, kChanges),
-      SD_BUS_PROPERTY("WindowId", "i", bus_table::constant<[] { return 0; }>, 0, kConst),
-      SD_BUS_PROPERTY("IconName", "s", bus_table::constant<[] { return ""; }>, 0, kConst),
+      SD_BUS_PROPERTY("WindowId", "i", bus_table::constant<[] { return 0; }>, 0, kConstant),
+      SD_BUS_PROPERTY("IconName", "s", bus_table::constant<[] { return ""; }>, 0, kConstant),
       // 35 KB that every host reads again after NewIcon would be sent for nothing with a change.
       SD_BUS_PROPERTY("IconPixmap", "a(iiay)", bus_table::property<&Self::iconPixmap>, 0, 0),
       SD_BUS_PROPERTY("IconAccessibleDesc", "s", bus_table::property<&Self::title>, 0, kChanges),
       SD_BUS_PROPERTY("ToolTip", "(sa(iiay)ss)", bus_table::property<&Self::toolTip>, 0, kChanges),
-      SD_BUS_PROPERTY("ItemIsMenu", "b", bus_table::constant<[] { return false; }>, 0, kConst),
-      SD_BUS_PROPERTY("Menu", "o", (bus_table::constant<[] { return BusObjectPath{DbusMenu::kPath}; }>), 0, kConst),
+      SD_BUS_PROPERTY("ItemIsMenu", "b", bus_table::constant<[] { return false; }>, 0, kConstant),
+      SD_BUS_PROPERTY("Menu", "o", (bus_table::constant<[] { return BusObjectPath{DbusMenu::kPath}; }>), 0, kConstant),
       SD_BUS_SIGNAL("NewTitle", "", 0),
       SD_BUS_SIGNAL("NewIcon", "", 0),
       SD_BUS_SIGNAL("NewToolTip", "", 0),

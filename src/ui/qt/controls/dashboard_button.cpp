@@ -11,7 +11,7 @@
 namespace nimbo {
 namespace {
 
-constexpr double kPadding = 7;
+constexpr double kButtonPadding = 7;
 constexpr double kIconSide = 17;
 
 double cornerRadius(ButtonLook look, double height) { return look == ButtonLook::inlined ? height / 2 : 6; }
@@ -85,7 +85,7 @@ void DashboardButton::drawTitle(QPainter& painter) const {
     return;
   }
   painter.setPen(ink);
-  drawText(painter, face().adjusted(kPadding, 0, -kPadding, 0), Qt::AlignHCenter,
+  drawText(painter, face().adjusted(kButtonPadding, 0, -kButtonPadding, 0), Qt::AlignHCenter,
            QString::fromStdString(content_->title), fontFor(content_->textSize, FontWeight::medium));
 }
 
