@@ -54,7 +54,7 @@ TEST_F(DashboardRenders, OpeningWhatHasNotChangedCostsNone) {
 TEST_F(DashboardRenders, TickCostsOneOnEveryTab) {
   launchAndOpen("nimbo-memory");
   std::uint64_t megabytes = 0;
-  for (const std::size_t tab : {0, 1, 2}) {
+  for (const std::size_t tab : {0U, 1U, 2U}) {
     window()->actions().selectTab(tab);
     finishScans();
     for (int tick = 0; tick < 4; ++tick) {
