@@ -8,7 +8,7 @@ target_compile_options(nimbo_options INTERFACE
 if(NIMBO_SANITIZE)
   target_compile_options(nimbo_options INTERFACE
     -fsanitize=${NIMBO_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
-  target_link_options(nimbo_options INTERFACE -fsanitize=${NIMBO_SANITIZE})
+  target_link_options(nimbo_options INTERFACE -fsanitize=${NIMBO_SANITIZE} -fuse-ld=lld)
 endif()
 
 if(CMAKE_BUILD_TYPE STREQUAL "Release")
