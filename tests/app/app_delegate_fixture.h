@@ -33,7 +33,7 @@ class AppDelegateTest : public ::testing::Test {
     platform.loop.runPosted();
   }
 
-  void toggleAwake() { delegate->awakeCommands().toggle(std::nullopt); }
+  void toggleAwake() { delegate->awake().toggle(std::nullopt); }
 
   /// Lets the widgets' file be written as often as somebody has asked for it.
   void finishWrites() {

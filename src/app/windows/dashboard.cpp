@@ -6,13 +6,14 @@
 #include "usage/usage_status.h"
 
 namespace nimbo {
+
 Dashboard::Dashboard(Services services, const DashboardSources& sources, Callbacks callbacks)
     : services_(services), sources_(sources), callbacks_(std::move(callbacks)) {}
 
 bool Dashboard::open(const std::shared_ptr<StatusItem>& item, std::optional<Rect> reported,
                      std::optional<DashboardTab> tab) {
   if (!prepare(tab)) return false;
-  parts_->panel->show(item, reported);
+  parts_->panel.show(item, reported);
   return true;
 }
 
@@ -31,47 +32,41 @@ bool Dashboard::prepare(std::optional<DashboardTab> tab) {
 bool Dashboard::create() {
   auto* const interface = services_.toolkit.interface();
   if (interface == nullptr) return false;
-  auto parts = std::make_unique<Parts>(sources_);
-  parts->window = interface->makeDashboardWindow();
-  parts->panel = std::make_unique<DashboardPanel>(*parts->window, *interface, services_.mainLoop, sources_.clock);
-  wire(*parts);
-  parts_ = std::move(parts);
-  return true;
-}
-
-void Dashboard::wire(Parts& parts) {
-  auto& controller = parts.controller;
-  controller.onContentChanged = [&parts] {
-    parts.window->render(parts.controller.content());
-    parts.panel->setContentSize(parts.controller.content().size);
+  parts_ = std::make_unique<Parts>(sources_, *interface, services_.mainLoop);
+  auto& [controller, window, panel] = *parts_;
+  controller.onContentChanged = [this] {
+    parts_->window->render(parts_->controller.content());
+    parts_->panel.setContentSize(parts_->controller.content().size);
   };
-  parts.panel->statusButtons = callbacks_.statusItemFrames;
-  parts.window->setActions({
+  controller.awakeView().onSettingsChanged = callbacks_.settingsChanged;
+  panel.statusButtons = callbacks_.statusItemFrames;
+  window->setActions({
       .selectTab =
-          [&controller, told = callbacks_.tabChanged](std::size_t index) {
-            controller.tabChanged(index);
-            told();
+          [this](std::size_t index) {
+            parts_->controller.tabChanged(index);
+            callbacks_.tabChanged();
           },
       .openSettings = callbacks_.openSettings,
-      .showMore = [&controller] { controller.expandClicked(); },
-      .showLess = [&controller] { controller.collapseClicked(); },
+      .showMore = [this] { parts_->controller.expandClicked(); },
+      .showLess = [this] { parts_->controller.collapseClicked(); },
       .openActivityMonitor = [this] { (void)services_.workspace.openSystemMonitor(); },
       .quit = callbacks_.quit,
-      .awake = controller.awakeView().actions(callbacks_.awake),
+      .awake = controller.awakeView().actions(),
       .usage = {callbacks_.refreshUsage, callbacks_.configureUsage,
                 [this](UsageProvider provider) { services_.workspace.openLink(usagePage(provider)); }},
   });
+  return true;
 }
 
 void Dashboard::close() {
-  if (parts_) parts_->panel->close();
+  if (parts_) parts_->panel.close();
 }
 
 bool Dashboard::wantsProcesses() const {
   return parts_ && (offscreen_ || visible()) && parts_->controller.selectedTab() == DashboardTab::memory;
 }
 
-bool Dashboard::justClosedBy(const StatusItem& item) const { return parts_ && parts_->panel->justClosedBy(item); }
+bool Dashboard::justClosedBy(const StatusItem& item) const { return parts_ && parts_->panel.justClosedBy(item); }
 
 std::optional<DashboardTab> Dashboard::selectedTab() const {
   if (!parts_) return std::nullopt;

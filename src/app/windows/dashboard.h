@@ -31,7 +31,7 @@ class Dashboard {
     std::function<void()> configureUsage;  ///< the settings of the subscriptions
     std::function<void()> quit;
     std::function<std::vector<Rect>()> statusItemFrames;
-    AwakeView::Requests awake;
+    std::function<void()> settingsChanged;  ///< by the user, on the Keep Awake page
     std::function<void()> refreshUsage;
   };
 
@@ -43,7 +43,7 @@ class Dashboard {
   /// Makes and fills everything without showing it. False when there is no display.
   [[nodiscard]] bool loadOffscreen(DashboardTab tab);
   void close();
-  [[nodiscard]] bool visible() const { return parts_ && parts_->panel->visible(); }
+  [[nodiscard]] bool visible() const { return parts_ && parts_->panel.visible(); }
   /// Whether somebody looks at the process list, or it is being loaded off screen.
   [[nodiscard]] bool wantsProcesses() const;
   /// Whether a click on `item` is the one that has just closed the dashboard.
@@ -60,14 +60,16 @@ class Dashboard {
  private:
   /// In order of dependence, so that they go in the reverse order.
   struct Parts {
-    explicit Parts(const DashboardSources& sources) : controller(sources) {}
+    Parts(const DashboardSources& sources, UserInterface& interface, MainLoop& loop)
+        : controller(sources),
+          window(interface.makeDashboardWindow()),
+          panel(*window, interface, loop, sources.clock) {}
     DashboardController controller;
     std::unique_ptr<DashboardWindow> window;
-    std::unique_ptr<DashboardPanel> panel;
+    DashboardPanel panel;
   };
 
   [[nodiscard]] bool create();
-  void wire(Parts& parts);
   [[nodiscard]] bool prepare(std::optional<DashboardTab> tab);
 
   Services services_;

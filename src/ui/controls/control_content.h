@@ -10,8 +10,31 @@
 
 namespace nimbo {
 
-/// Colours by meaning; the toolkit has one value of each for light and one for dark appearance.
-enum class ColorRole { label, secondaryLabel, tertiaryLabel, quaternaryLabel, teal, indigo, orange, green, red, blue };
+/// Colours by meaning; each has one value for light and one for dark appearance. All but quaternaryLabel,
+/// separator and cardGround are opaque.
+enum class ColorRole {
+  // Read as small text on `background` and on a card, too.
+  label,
+  secondaryLabel,
+  tertiaryLabel,
+  teal,
+  indigo,
+  orange,
+  green,
+  red,
+  blue,
+
+  quaternaryLabel,  ///< behind the bars of charts
+  background,       ///< of windows and menus
+  cardGround,       ///< of a card on the background
+  separator,        ///< thin lines: a panel's border and the one above its footer
+  // What is on, selected or pressed by Return, and the text on it. Not the desktop's accent colour, so
+  // that the contrast is always enough.
+  accentGround,
+  accentLabel,
+  fieldGround,  ///< inside fields and check boxes that are off
+  fieldBorder,  ///< around them; strong enough to tell where they are
+};
 
 enum class FontWeight { regular, medium, semibold };
 enum class TextAlignment { left, right };

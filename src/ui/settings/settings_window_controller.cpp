@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <array>
 #include <string_view>
-#include <utility>
 
 namespace nimbo {
 namespace {
@@ -25,23 +24,25 @@ constexpr std::array kRequests{
 
 }  // namespace
 
-SettingsWindowController::SettingsWindowController(Sources sources, SettingsWindow& window, Callbacks callbacks)
-    : sources_(sources), window_(window), callbacks_(std::move(callbacks)) {
-  window_.setActions({
+SettingsWindowActions SettingsWindowController::actions() {
+  return {
       .selectTab = [this](std::size_t index) { tabChanged(index); },
       .check = [this](const std::string& identifier, bool on) { checkChanged(identifier, on); },
       .choose = [this](const std::string& identifier, std::size_t index) { choiceChanged(identifier, index); },
       .press = [this](const std::string& identifier) { pressed(identifier); },
       .becameKey = [this] { sync(); },
-  });
+  };
 }
 
-SettingsWindowController::~SettingsWindowController() { window_.setActions({}); }
-
 void SettingsWindowController::show(std::optional<SettingsTab> tab) {
+  if (!window_) {
+    window_ = callbacks_.makeWindow();
+    if (!window_) return;
+    window_->setActions(actions());
+  }
   if (tab) selectedTab_ = static_cast<std::size_t>(*tab);
   sync();
-  window_.show();
+  window_->show();
 }
 
 void SettingsWindowController::sync() {
@@ -50,11 +51,11 @@ void SettingsWindowController::sync() {
                             .loginStatus = sources_.loginItem.status(),
                             .automaticUpdates = callbacks_.automaticUpdates(),
                             .widgetMessage = callbacks_.widgetMessage()};
-  window_.render(settingsWindowContent(facts, selectedTab_));
+  window_->render(settingsWindowContent(facts, selectedTab_));
 }
 
 void SettingsWindowController::syncIfVisible() {
-  if (window_.visible()) sync();
+  if (window_ && window_->visible()) sync();
 }
 
 void SettingsWindowController::tabChanged(std::size_t index) {

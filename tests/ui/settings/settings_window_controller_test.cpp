@@ -200,16 +200,21 @@ TEST_F(SettingsWindowControllerTest, WidgetMessageIsThereOnlyWhileThereIsOne) {
   EXPECT_EQ(window.content(), without);
 }
 
-// Its ends.
+// Without a display.
 
-TEST_F(SettingsWindowControllerTest, LetsGoOfTheWindowAtItsEnd) {
-  FakeSettingsWindow other;
-  auto second = std::make_unique<SettingsWindowController>(SettingsWindowController::Sources{settings, bundle, login},
-                                                           other, SettingsWindowController::Callbacks());
-  EXPECT_TRUE(other.hasListeners());
-  EXPECT_EQ(other.renders(), 0) << "nothing is made for a window that nobody opened";
-  second.reset();
-  EXPECT_FALSE(other.hasListeners());
+TEST_F(SettingsWindowControllerTest, WindowIsMadeWhenItIsOpenedAndAskedForAgainUntilThereIsOne) {
+  int asked = 0;
+  SettingsWindowController::Callbacks callbacks;
+  callbacks.makeWindow = [&]() -> std::unique_ptr<SettingsWindow> {
+    ++asked;
+    return nullptr;
+  };
+  SettingsWindowController other({settings, bundle, login}, callbacks);
+  other.syncIfVisible();
+  EXPECT_EQ(asked, 0);
+  other.show();
+  other.show();
+  EXPECT_EQ(asked, 2);
 }
 
 TEST_F(SettingsWindowControllerTest, WindowThatCannotBeShownCostsNothingLater) {

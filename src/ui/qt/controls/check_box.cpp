@@ -53,7 +53,7 @@ void CheckBox::drawBox(QPainter& painter, const QRectF& box) const {
   fillRounded(painter, box, kBoxRadius,
               isChecked() && isEnabled() ? theme_.accent(state) : theme_.controlGround(state));
   if (!isChecked()) return;
-  painter.setPen(isEnabled() ? theme_.accentLabel() : theme_.disabledLabel());
+  painter.setPen(isEnabled() ? theme_.color(ColorRole::accentLabel) : theme_.disabledLabel());
   drawCheckMark(painter, box);
 }
 

@@ -24,14 +24,25 @@ template <class Content>
 }
 
 /// The text as a label of a control that would take "&" for the mark of a key.
-[[nodiscard]] QString withoutMnemonics(const std::string& text);
+[[nodiscard]] inline QString withoutMnemonics(const std::string& text) {
+  return QString::fromStdString(text).replace('&', "&&");
+}
 
 /// Only when it is another one: the toolkit announces the same name again.
-void setSpokenName(QWidget& widget, const std::string& name);
+inline void setSpokenName(QWidget& widget, const std::string& name) {
+  const QString wanted = QString::fromStdString(name);
+  if (widget.accessibleName() != wanted) widget.setAccessibleName(wanted);
+}
 
 /// Shows `text` as it is, wrapped to a readable width; never as markup, because names of processes
 /// come from elsewhere. Screen readers get it as the description.
-void setPlainToolTip(QWidget& widget, const std::string& text);
+inline void setPlainToolTip(QWidget& widget, const std::string& text) {
+  const QString plain = QString::fromStdString(text);
+  if (widget.accessibleDescription() == plain) return;
+  // Only markup is wrapped by the toolkit.
+  widget.setToolTip(text.empty() ? QString() : "<qt>" + plain.toHtmlEscaped().replace('\n', "<br>") + "</qt>");
+  widget.setAccessibleDescription(plain);
+}
 
 /// Takes over what contents have in common. The widget reaches `around` the content's frame.
 template <class Content>

@@ -16,8 +16,8 @@ void call(const std::function<void(Parameters...)>& action, const Values&... val
 }
 
 /// The widgets of a page, each with the part of the page's content that it shows: a field, or a function
-/// that returns it. The order in which they are made is the one in which Tab visits them. They stand
-/// directly in `parent`, which owns them.
+/// that returns it. All are hidden with a page that is not visible. The order in which they are made is the one in
+/// which Tab visits them. They stand directly in `parent`, which owns them.
 template <class Content, class Actions>
 class PageControls {
  public:
@@ -43,7 +43,13 @@ class PageControls {
 
   template <class Part, class Widget>
   Widget* bind(Part part, Widget* widget) {
-    renders_.push_back([=](const Content& content) { widget->setContent(std::invoke(part, content)); });
+    renders_.push_back([=](const Content& content) {
+      const auto& shown = std::invoke(part, content);
+      if constexpr (requires { content.visible; }) {
+        if (!content.visible) return widget->setContent(hidden(shown));
+      }
+      widget->setContent(shown);
+    });
     return widget;
   }
 
@@ -53,6 +59,12 @@ class PageControls {
   }
 
  private:
+  template <class Part>
+  [[nodiscard]] static Part hidden(Part part) {
+    part.visible = false;
+    return part;
+  }
+
   const Theme& theme_;
   QWidget& parent_;
   Actions actions_;

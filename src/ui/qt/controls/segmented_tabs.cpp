@@ -66,7 +66,7 @@ void SegmentedTabs::paintEvent(QPaintEvent* /*event*/) {
     const QRectF frame = segment(index);
     const bool selected = index == currentIndex();
     if (selected) {
-      painter.setPen(QPen(theme_.separator(), 0.5));
+      painter.setPen(QPen(theme_.color(ColorRole::separator), 0.5));
       painter.setBrush(theme_.raisedGround());
       painter.drawRoundedRect(frame, inner, inner);
       if (keyboardFocusVisible(*this)) drawFocusRing(painter, frame, inner, theme_.focusRing());

@@ -28,6 +28,7 @@ class DashboardPage final : public QWidget {
 
   const Theme& theme_;
   PageControls<DashboardContent, DashboardActions> controls_;
+  PageControls<ResourcesContent, DashboardActions> resources_;
   PageControls<AwakeContent, AwakeActions> awake_;
   std::optional<UsagePage> usage_;  ///< made in its turn, for the order in which Tab goes
   ProcessListWidget* processes_ = nullptr;

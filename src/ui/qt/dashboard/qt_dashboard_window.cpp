@@ -197,9 +197,10 @@ void QtDashboardWindow::shapeCorners() {
 void QtDashboardWindow::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
   // Without a compositor the half transparent pixels at the corners would come out black.
-  if (!compositing_) painter.fillRect(rect(), theme_.background());
+  if (!compositing_) painter.fillRect(rect(), theme_.color(ColorRole::background));
   painter.setRenderHint(QPainter::Antialiasing);
-  fillRounded(painter, rect(), kCornerRadius, theme_.background(), theme_.separator(), 1 / devicePixelRatioF());
+  fillRounded(painter, rect(), kCornerRadius, theme_.color(ColorRole::background), theme_.color(ColorRole::separator),
+              1 / devicePixelRatioF());
 }
 
 }  // namespace nimbo

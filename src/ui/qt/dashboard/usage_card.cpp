@@ -17,29 +17,26 @@ class UsageRow final : public QWidget {
       : QWidget(parent),
         title_(new FittedLabel(theme, this, "usageRowTitle")),
         amount_(new FittedLabel(theme, this, "usageRowAmount")),
-        bar_(new UsageBar(theme, this)),
+        bar_(new ChartWidget(theme, this)),
         reset_(new FittedLabel(theme, this, "usageRowReset")) {
     setObjectName("usageRow");
     bar_->setObjectName("usageRowBar");
   }
 
-  /// Frames are counted from where the frame of the card is counted from.
-  void setContent(const UsageRowContent& content, const Rect& card) {
-    const QRectF frame = toQRectF(content.title.frame) | toQRectF(content.amount.frame) | toQRectF(content.bar.frame) |
-                         toQRectF(content.reset.frame);
-    setGeometry(frame.translated(-card.x, -card.y).toRect());
+  void setContent(const UsageRowContent& content) {
+    setGeometry(toQRect(content.frame));
     setPlainToolTip(*this, content.title.toolTip);
-    title_->setContent(movedInto(toRect(frame), content.title));
-    amount_->setContent(movedInto(toRect(frame), content.amount));
-    bar_->setContent(movedInto(toRect(frame), content.bar));
-    reset_->setContent(movedInto(toRect(frame), content.reset));
+    title_->setContent(content.title);
+    amount_->setContent(content.amount);
+    bar_->setContent(content.bar);
+    reset_->setContent(content.reset);
     show();
   }
 
  private:
   FittedLabel* const title_;
   FittedLabel* const amount_;
-  UsageBar* const bar_;
+  ChartWidget* const bar_;
   FittedLabel* const reset_;
 };
 
@@ -59,17 +56,15 @@ UsageCard::~UsageCard() = default;
 void UsageCard::setContent(const UsageCardContent& content) {
   setGeometry(toQRect(content.frame));
   setSpokenName(*this, content.title.text);
-  title_->setContent(movedInto(content.frame, content.title));
-  link_->setContent(movedInto(content.frame, content.link));
-  status_->setContent(movedInto(content.frame, content.status));
+  title_->setContent(content.title);
+  link_->setContent(content.link);
+  status_->setContent(content.status);
   // The toolkit would move the focus to the next card.
   if (connect_->hasFocus() && !content.connect.visible) link_->setFocus(Qt::OtherFocusReason);
-  connect_->setContent(movedInto(content.frame, content.connect));
+  connect_->setContent(content.connect);
   while (rows_.size() > content.rows.size()) rows_.pop_back();
   while (rows_.size() < content.rows.size()) rows_.push_back(std::make_unique<UsageRow>(theme_, this));
-  for (std::size_t index = 0; index < rows_.size(); ++index) {
-    rows_[index]->setContent(content.rows[index], content.frame);
-  }
+  for (std::size_t index = 0; index < rows_.size(); ++index) rows_[index]->setContent(content.rows[index]);
   show();
 }
 
@@ -82,7 +77,8 @@ QWidget* UsageCard::followInTabOrder(QWidget* previous) {
 void UsageCard::paintEvent(QPaintEvent* /*event*/) {
   constexpr double kRadius = 10.5;
   SmoothPainter painter(this);
-  fillRounded(painter, rect(), kRadius, theme_.cardGround(), theme_.separator(), 1 / devicePixelRatioF());
+  fillRounded(painter, rect(), kRadius, theme_.color(ColorRole::cardGround), theme_.color(ColorRole::separator),
+              1 / devicePixelRatioF());
 }
 
 }  // namespace nimbo

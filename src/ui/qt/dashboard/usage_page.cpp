@@ -12,26 +12,16 @@ namespace {
 
 constexpr int kScrollStep = 29;  // half a row
 
-/// That part of a page's content, hidden together with the page.
-template <class Part>
-auto onPage(Part UsageContent::*field) {
-  return [field](const UsageContent& content) {
-    Part part = content.*field;
-    part.visible = part.visible && content.visible;
-    return part;
-  };
-}
-
 }  // namespace
 
 UsagePage::UsagePage(const Theme& theme, QWidget& parent)
     : theme_(theme), scroll_(new ScrollArea(kScrollStep, &parent)), controls_(theme, parent) {
   scroll_->setObjectName("usage");
   scroll_->setAccessibleName("AI usage");
-  controls_.control<DashboardButton>(onPage(&UsageContent::refresh), &UsageActions::refresh);
-  controls_.label("usageProgress", onPage(&UsageContent::progress));
-  controls_.control<DashboardButton>(onPage(&UsageContent::configure), &UsageActions::configure);
-  controls_.label("usageNote", onPage(&UsageContent::note));
+  controls_.control<DashboardButton>(&UsageContent::refresh, &UsageActions::refresh);
+  controls_.label("usageProgress", &UsageContent::progress);
+  controls_.control<DashboardButton>(&UsageContent::configure, &UsageActions::configure);
+  controls_.label("usageNote", &UsageContent::note);
 }
 
 void UsagePage::render(const UsageContent& content) {

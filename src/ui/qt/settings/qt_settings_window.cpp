@@ -9,7 +9,6 @@
 #include "ui/qt/controls/page_controls.h"
 #include "ui/qt/controls/segmented_tabs.h"
 #include "ui/qt/settings/settings_page.h"
-#include "ui/qt/windows/window_presentation.h"
 #include "ui/qt/windows/window_system.h"
 
 namespace nimbo {

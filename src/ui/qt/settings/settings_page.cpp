@@ -39,10 +39,9 @@ bool fits(const Control& control, const SettingsControl& content) {
 template <class Control>
 void setContent(const Control& control, const SettingsControl& content) {
   std::visit(
-      [](auto* widget, const auto& shown) {
-        if constexpr (requires { widget->setContent(shown); }) {
-          widget->setContent(movedInto(Rect{-kRingRoom, 0, 0, 0}, shown));
-        }
+      [](auto* widget, auto shown) {
+        shown.frame.x += kRingRoom;
+        if constexpr (requires { widget->setContent(shown); }) widget->setContent(shown);
       },
       control, content);
 }

@@ -10,7 +10,7 @@
 #include "ui/qt/controls/dashboard_button.h"
 #include "ui/qt/controls/page_controls.h"
 #include "ui/qt/controls/text_fitting.h"
-#include "ui/qt/windows/window_presentation.h"
+#include "ui/qt/windows/window_system.h"
 
 namespace nimbo {
 namespace {

@@ -349,14 +349,14 @@ TEST_F(AwakePageOnScreen, TextFieldHasItsMenuWithoutWaitingForIt) {
 }
 
 TEST_F(AwakePageOnScreen, CheckedBoxHasTheAccentInBothAppearances) {
-  EXPECT_FALSE(shows("display", accentGround(Appearance::light)));
-  EXPECT_TRUE(shows("display", fieldGround(Appearance::light)));
+  EXPECT_FALSE(shows("display", color(ColorRole::accentGround, Appearance::light)));
+  EXPECT_TRUE(shows("display", color(ColorRole::fieldGround, Appearance::light)));
   click(child("display").geometry().topLeft() + QPoint(10, 10));
   QTest::mouseMove(widget().windowHandle(), {5, 5});
-  EXPECT_TRUE(shows("display", accentGround(Appearance::light)));
+  EXPECT_TRUE(shows("display", color(ColorRole::accentGround, Appearance::light)));
   interface().setAppearance(Appearance::dark);
-  EXPECT_TRUE(shows("display", accentGround(Appearance::dark)));
-  EXPECT_FALSE(shows("display", accentGround(Appearance::light)));
+  EXPECT_TRUE(shows("display", color(ColorRole::accentGround, Appearance::dark)));
+  EXPECT_FALSE(shows("display", color(ColorRole::accentGround, Appearance::light)));
 }
 
 TEST_F(AwakePageOnScreen, FieldsHaveTheirOwnGroundInBothAppearances) {
@@ -365,7 +365,7 @@ TEST_F(AwakePageOnScreen, FieldsHaveTheirOwnGroundInBothAppearances) {
     const char* const field = child("minutes").isVisible() ? "minutes" : "date";
     for (const auto appearance : {Appearance::light, Appearance::dark}) {
       interface().setAppearance(appearance);
-      EXPECT_TRUE(shows(field, fieldGround(appearance))) << field;
+      EXPECT_TRUE(shows(field, color(ColorRole::fieldGround, appearance))) << field;
     }
   }
 }

@@ -291,16 +291,16 @@ bool saveSettings(UserInterface& interface, const SettingsPicture& picture, cons
   BundleInfo bundle;
   bundle.shortVersion = "1.0";
   bundle.version = "1";
-  const auto window = interface.makeSettingsWindow();
   FakeLoginItem login;
   login.current = picture.loginStatus;
   SettingsWindowController::Callbacks callbacks;
+  callbacks.makeWindow = [&interface] { return interface.makeSettingsWindow(); };
   callbacks.automaticUpdates = [] { return false; };
   callbacks.widgetMessage = [&picture]() -> std::optional<std::string> {
     if (picture.message == nullptr) return std::nullopt;
     return picture.message;
   };
-  SettingsWindowController controller({settings, bundle, login}, *window, callbacks);
+  SettingsWindowController controller({settings, bundle, login}, callbacks);
   controller.show(picture.tab);
   QWidget& widget = topLevel("settingsWindow");
   constexpr QMargins kRoom{24, 24, 24, 24};

@@ -55,7 +55,9 @@ class UsagePageTest : public DashboardTest {
   }
   static std::string textOf(QWidget& whole, const char* name) { return part<QLabel>(whole, name).text().toStdString(); }
   static std::string status(UsageProvider provider) { return textOf(card(provider), "usageCardStatus"); }
-  static UsageBar& bar(UsageProvider provider, int row) { return part<UsageBar>(*rows(provider)[row], "usageRowBar"); }
+  static ChartWidget& bar(UsageProvider provider, int row) {
+    return part<ChartWidget>(*rows(provider)[row], "usageRowBar");
+  }
 
   static std::string focused() {
     const QWidget* const focus = QApplication::focusWidget();

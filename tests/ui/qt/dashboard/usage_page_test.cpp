@@ -17,7 +17,7 @@ using Log = std::vector<std::string>;
 class UsagePageOnScreen : public UsagePageTest {
  protected:
   /// The colour in the middle of a bar's height.
-  static QRgb barPixel(UsageBar& bar, int x) {
+  static QRgb barPixel(ChartWidget& bar, int x) {
     return widget().grab().toImage().pixel(bar.mapTo(&widget(), QPoint(x, 3)));
   }
   static qsizetype cards() { return child("usage").findChildren<QWidget*>(QRegularExpression("^usageCard\\.")).size(); }
@@ -193,7 +193,7 @@ TEST_F(UsagePageOnScreen, EmptyBarIsATrackThatCanBeSeen) {
   showCodex(connectedState({sampleWindow("5-hour", 100)}, now()));
   auto& empty = bar(kCodex, 0);
   EXPECT_EQ(barPixel(empty, 5), barPixel(empty, 270));
-  EXPECT_NE(barPixel(empty, 5), rgb(cardGround(Appearance::light)));
+  EXPECT_NE(barPixel(empty, 5), rgb(color(ColorRole::cardGround, Appearance::light)));
 }
 
 TEST_F(UsagePageOnScreen, StaleBarIsPaleAndItsStatusSaysLastKnown) {
@@ -209,9 +209,9 @@ TEST_F(UsagePageOnScreen, CardsStandOutInBothAppearances) {
   for (const auto appearance : {Appearance::light, Appearance::dark}) {
     interface().setAppearance(appearance);
     const QImage image = widget().grab().toImage();
-    EXPECT_NE(image.pixel(30, 70), rgb(panelBackground(appearance))) << "in the card";
-    EXPECT_EQ(image.pixel(30, 62 + 179 + 5), rgb(panelBackground(appearance))) << "between the cards";
-    EXPECT_EQ(image.pixel(20, 62), rgb(panelBackground(appearance))) << "the card's round corner";
+    EXPECT_NE(image.pixel(30, 70), rgb(color(ColorRole::background, appearance))) << "in the card";
+    EXPECT_EQ(image.pixel(30, 62 + 179 + 5), rgb(color(ColorRole::background, appearance))) << "between the cards";
+    EXPECT_EQ(image.pixel(20, 62), rgb(color(ColorRole::background, appearance))) << "the card's round corner";
   }
 }
 

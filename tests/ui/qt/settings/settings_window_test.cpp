@@ -179,7 +179,7 @@ TEST_F(SettingsWindowOnScreen, GroundFollowsTheAppearanceWhileOpen) {
   for (const auto appearance : {Appearance::dark, Appearance::light}) {
     interface().setAppearance(appearance);
     QCoreApplication::processEvents();
-    const Color ground = panelBackground(appearance);
+    const Color ground = color(ColorRole::background, appearance);
     for (const QPoint place : {QPoint(5, 5), QPoint(500, 600), QPoint(555, 675)}) {
       EXPECT_EQ(picture().pixel(place), qRgb(ground.red, ground.green, ground.blue));
     }

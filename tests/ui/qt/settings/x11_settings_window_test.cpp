@@ -72,7 +72,7 @@ using X11SettingsWindow = SettingsWindowOn<PrivateDisplay>;
 TEST_F(X11SettingsWindow, OpensALittleAboveTheMiddleOfTheScreenWithTheKeyboard) {
   open();
   EXPECT_EQ(widget().geometry(), QRect(360, 48, 560, 680));
-  const auto ground = panelBackground(Appearance::light);
+  const auto ground = color(ColorRole::background, Appearance::light);
   const std::uint32_t expected = qRgb(ground.red, ground.green, ground.blue) & 0xFFFFFF;
   EXPECT_TRUE(eventually([&] { return client_.pixel(365, 53) == expected; }));
   EXPECT_EQ(becameKey_, 1);

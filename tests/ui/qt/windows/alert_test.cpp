@@ -94,7 +94,7 @@ TEST_F(AlertOnScreen, DefaultButtonHasTheAccent) {
     const QRect face = button(index).geometry();
     return picture.pixel(face.left() + 10, face.center().y());
   };
-  const Color accent = accentGround(Appearance::light);
+  const Color accent = color(ColorRole::accentGround, Appearance::light);
   EXPECT_EQ(ground(0), qRgb(accent.red, accent.green, accent.blue));
   EXPECT_NE(ground(1), ground(0));
 }

@@ -14,7 +14,7 @@ using X11Window = X11WindowTest;
 
 TEST_F(X11Window, StandsWhereItWasPut) {
   open();
-  const auto ground = panelBackground(Appearance::light);
+  const auto ground = color(ColorRole::background, Appearance::light);
   const std::uint32_t expected = qRgb(ground.red, ground.green, ground.blue) & 0xFFFFFF;
   EXPECT_TRUE(eventually([&] { return client_.pixel(115, 400) == expected; }));
   EXPECT_NE(client_.pixel(95, 400), expected);
@@ -91,7 +91,7 @@ TEST_F(X11Window, PointerThatRestsShowsTheToolTipInTheWindowsColours) {
   client_.movePointer(302, 422);
   ASSERT_TRUE(eventually([] { return QToolTip::isVisible(); }));
   EXPECT_TRUE(QToolTip::text().contains("Memory stored on disk.")) << QToolTip::text().toStdString();
-  const auto ground = panelBackground(Appearance::dark);
+  const auto ground = color(ColorRole::background, Appearance::dark);
   EXPECT_EQ(QToolTip::palette().color(QPalette::ToolTipBase).rgb(), qRgb(ground.red, ground.green, ground.blue));
   EXPECT_TRUE(window_->visible());
   client_.typeKey(X11Client::kEscape);
