@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "app/app_delegate.h"
+#include "support/control_events.h"
 #include "support/fake_dashboard_window.h"
 #include "support/fake_platform_services.h"
 #include "support/fake_user_interface.h"

@@ -102,7 +102,7 @@ TEST_F(AppDelegateTest, ShownTabIsRemembered) {
   launch();
   clickItem("nimbo-memory");
   EXPECT_EQ(settings.lastDashboardTab(), DashboardTab::memory);
-  window()->actions().selectTab(2);
+  window()->act(chosen("tabs", 2));
   EXPECT_EQ(settings.lastDashboardTab(), DashboardTab::awake);
 }
 
@@ -123,7 +123,7 @@ TEST_F(AppDelegateTest, SwitchingToTheMemoryTabScansAndToAnotherDoesNot) {
   launch();
   clickItem("nimbo-ai");
   EXPECT_EQ(platform.utilities.waiting(), 0U);
-  window()->actions().selectTab(1);
+  window()->act(chosen("tabs", 1));
   EXPECT_EQ(platform.utilities.waiting(), 1U);
 }
 
@@ -175,7 +175,7 @@ TEST_F(AppDelegateTest, GrowingProcessListGrowsTheWindow) {
   platform.utilities.runOne();
   platform.loop.runPosted();
   const double height = window()->frame().height;
-  window()->actions().showMore();
+  window()->act(pressed("more"));
   EXPECT_EQ(window()->frame().height, height + 87);
   EXPECT_EQ(content().resources.processTitle.text, "TOP 13 PROCESSES");
 }
@@ -193,7 +193,7 @@ TEST_F(AppDelegateTest, ActivityButtonOpensTheSystemMonitor) {
   launch();
   clickItem("nimbo-memory");
   EXPECT_TRUE(content().resources.activityButton.enabled);
-  window()->actions().openActivityMonitor();
+  window()->act(pressed("activity"));
   EXPECT_EQ(platform.desktop.monitorsOpened, 1);
 }
 
@@ -258,7 +258,7 @@ TEST_F(AppDelegateTest, QuitFromTheMenuEndsWithoutAsking) {
 TEST_F(AppDelegateTest, QuitFromTheDashboardEnds) {
   launch();
   clickItem("nimbo-memory");
-  window()->actions().quit();
+  window()->act(pressed("quit"));
   EXPECT_TRUE(platform.loop.hasQuit());
 }
 
@@ -294,7 +294,7 @@ TEST_F(AppDelegateTest, WakeEmptiesTheHistoriesTakesASampleAndRestarts) {
   platform.power.wake();
   EXPECT_EQ(platform.loop.repeatingTimers().size(), 2U);
   clickItem("nimbo-ai");
-  window()->actions().selectTab(1);
+  window()->act(chosen("tabs", 1));
   EXPECT_EQ(content().resources.history.bars.size(), 40U + 1) << "one sample over the empty places";
   EXPECT_EQ(content().resources.time.text, "RECENT USAGE · 0s");
 }

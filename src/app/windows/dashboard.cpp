@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/windows/dashboard.h"
 
+#include <string_view>
 #include <utility>
 
 #include "usage/usage_status.h"
@@ -40,22 +41,22 @@ bool Dashboard::create() {
   };
   controller.awakeView().onSettingsChanged = callbacks_.settingsChanged;
   panel.statusButtons = callbacks_.statusItemFrames;
-  window->setActions({
-      .selectTab =
-          [this](std::size_t index) {
-            parts_->controller.tabChanged(index);
-            callbacks_.tabChanged();
-          },
-      .openSettings = callbacks_.openSettings,
-      .showMore = [this] { parts_->controller.expandClicked(); },
-      .showLess = [this] { parts_->controller.collapseClicked(); },
-      .openActivityMonitor = [this] { (void)services_.workspace.openSystemMonitor(); },
-      .quit = callbacks_.quit,
-      .awake = controller.awakeView().actions(),
-      .usage = {callbacks_.refreshUsage, callbacks_.configureUsage,
-                [this](UsageProvider provider) { services_.workspace.openLink(usagePage(provider)); }},
-  });
+  window->setListener([this](const ControlEvent& event) { handle(event); });
   return true;
+}
+
+void Dashboard::handle(const ControlEvent& event) {
+  const std::string_view identifier = event.identifier;
+  if (identifier == "settings") return callbacks_.openSettings();
+  if (identifier == "quit") return callbacks_.quit();
+  if (identifier == "activity") (void)services_.workspace.openSystemMonitor();
+  if (identifier == "refresh") return callbacks_.refreshUsage();
+  if (identifier == "configure" || identifier.starts_with("connect.")) return callbacks_.configureUsage();
+  for (const auto provider : kAllUsageProviders) {
+    if (identifier == linkIdentifier(provider)) services_.workspace.openLink(usagePage(provider));
+  }
+  parts_->controller.handle(event);
+  if (identifier == "tabs") callbacks_.tabChanged();
 }
 
 void Dashboard::close() {

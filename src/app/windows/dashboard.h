@@ -70,6 +70,8 @@ class Dashboard {
   };
 
   [[nodiscard]] bool create();
+  /// What the user does in the window.
+  void handle(const ControlEvent& event);
   [[nodiscard]] bool prepare(std::optional<DashboardTab> tab);
 
   Services services_;

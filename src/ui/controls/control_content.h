@@ -3,7 +3,9 @@
 
 #include <chrono>
 #include <cstddef>
+#include <functional>
 #include <string>
+#include <variant>
 #include <vector>
 
 #include "base/geometry.h"
@@ -129,5 +131,25 @@ struct TabsContent {
   std::size_t selected = 0;
   bool operator==(const TabsContent&) const = default;
 };
+
+/// What the user gave a control: nothing by pressing it, or its state, the index of an item, a text, a date.
+using ControlValue =
+    std::variant<std::monostate, bool, std::size_t, std::string, std::chrono::system_clock::time_point>;
+
+/// What the user did with a control.
+struct ControlEvent {
+  std::string identifier;
+  ControlValue value = {};
+
+  /// The value, or an empty one where it is of another kind.
+  template <class Value>
+  [[nodiscard]] Value as() const {
+    const auto* const given = std::get_if<Value>(&value);
+    return given != nullptr ? *given : Value{};
+  }
+  bool operator==(const ControlEvent&) const = default;
+};
+
+using ControlListener = std::function<void(const ControlEvent& event)>;
 
 }  // namespace nimbo

@@ -55,22 +55,21 @@ void AwakeView::reset() {
   if (!sources_.awake.isActive() && date_ <= now) date_ = suggestedEnd(now);
 }
 
-AwakeActions AwakeView::actions() {
-  return {
-      .startOrStop = [this] { startOrStop(); },
-      .extend = [this] { sources_.awake.extend(std::chrono::minutes(30)); },
-      .selectDuration = [this](std::size_t index) { selectDuration(index); },
-      .editMinutes = [this](const std::string& text) { editMinutes(text); },
-      .pickDate = [this](Time date) { pickDate(date); },
-      .switchDisplay = [this](bool on) { switchDisplay(on); },
-      .switchPlugged = [this](bool on) { storeRules(on, sources_.settings.awakeBatteryFloor()); },
-      .selectBatteryFloor =
-          [this](std::size_t index) {
-            const auto floor = kBatteryFloors[std::min(index, kBatteryFloors.size() - 1)];
-            storeRules(sources_.settings.awakeOnlyOnPower(), static_cast<int>(floor));
-          },
-      .turnDisplayOff = [this] { sources_.awake.turnDisplayOff(); },
-  };
+void AwakeView::handle(const ControlEvent& event) {
+  const auto& identifier = event.identifier;
+  const auto& settings = sources_.settings;
+  if (identifier == "start") return startOrStop();
+  if (identifier == "extend") return sources_.awake.extend(std::chrono::minutes(30));
+  if (identifier == "duration") return selectDuration(event.as<std::size_t>());
+  if (identifier == "minutes") return editMinutes(event.as<std::string>());
+  if (identifier == "date") return pickDate(event.as<Time>());
+  if (identifier == "display") return switchDisplay(event.as<bool>());
+  if (identifier == "plugged") return storeRules(event.as<bool>(), settings.awakeBatteryFloor());
+  if (identifier == "battery") {
+    const auto floor = kBatteryFloors[std::min(event.as<std::size_t>(), kBatteryFloors.size() - 1)];
+    return storeRules(settings.awakeOnlyOnPower(), static_cast<int>(floor));
+  }
+  if (identifier == "displayOff") sources_.awake.turnDisplayOff();
 }
 
 void AwakeView::startOrStop() {

@@ -7,7 +7,6 @@
 #include <string>
 
 #include "ui/dashboard/dashboard_pages.h"
-#include "ui/dashboard/dashboard_window.h"
 
 namespace nimbo {
 
@@ -23,8 +22,8 @@ class AwakeView {
   /// Forgets what was entered but not used.
   void reset();
   [[nodiscard]] AwakeContent content() const;
-  /// What the page's controls call; lives as long as the view.
-  [[nodiscard]] AwakeActions actions();
+  /// What the user does with the page's controls; nothing for those of other pages.
+  void handle(const ControlEvent& event);
 
   /// The user has changed a setting that other windows show, too.
   std::function<void()> onSettingsChanged;

@@ -60,19 +60,18 @@ void DashboardController::showProcesses(ProcessScan scan) {
   show();
 }
 
-void DashboardController::tabChanged(std::size_t index) {
-  const auto order = sources_.settings.tabOrder();
-  tab_ = order[std::min(index, order.size() - 1)];
-  show();
-}
-
-void DashboardController::expandClicked() {
-  processes_.limit += kProcessLimitStep;
-  show();
-}
-
-void DashboardController::collapseClicked() {
-  processes_.limit = kCollapsedProcessLimit;
+void DashboardController::handle(const ControlEvent& event) {
+  const auto& identifier = event.identifier;
+  if (identifier == "tabs") {
+    const auto order = sources_.settings.tabOrder();
+    tab_ = order[std::min(event.as<std::size_t>(), order.size() - 1)];
+  } else if (identifier == "more") {
+    processes_.limit += kProcessLimitStep;
+  } else if (identifier == "less") {
+    processes_.limit = kCollapsedProcessLimit;
+  } else {
+    return awakeView_.handle(event);
+  }
   show();
 }
 

@@ -31,9 +31,8 @@ class DashboardController {
   void show();
   void showProcesses(ProcessScan scan);
 
-  void tabChanged(std::size_t index);
-  void expandClicked();
-  void collapseClicked();
+  /// What the user does with the tabs, the process list and the Keep Awake page.
+  void handle(const ControlEvent& event);
 
   /// `content` is another one now.
   std::function<void()> onContentChanged;

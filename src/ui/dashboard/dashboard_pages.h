@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 
 #include "awake/awake_manager.h"
 #include "platform/clock.h"
@@ -37,6 +38,9 @@ struct ProcessView {
 [[nodiscard]] double resourcesHeight(const DashboardSources& sources, const ProcessView& processes);
 
 [[nodiscard]] ResourcesContent resourcesContent(const DashboardSources& sources, const ProcessView& processes);
+
+/// Of the button that opens the provider's own page.
+[[nodiscard]] std::string linkIdentifier(UsageProvider provider);
 
 /// The AI page: one card for each provider with its limit windows.
 [[nodiscard]] UsageContent usageContent(const DashboardSources& sources);

@@ -76,7 +76,7 @@ UsageCardContent cardFor(const CardState& card, double y) {
 
   UsageCardContent content{card.provider, {0, y, 300, height}};
   content.title = {{12, 11, 245, 22}, {14, FontWeight::semibold}, providerLabel(card.provider)};
-  content.link = {"link." + std::string(rawValue(card.provider)), {263, 10, 26, 24}, ButtonLook::inlined, 12, "↗"};
+  content.link = {linkIdentifier(card.provider), {263, 10, 26, 24}, ButtonLook::inlined, 12, "↗"};
   content.link.accessibleName = content.link.toolTip = "Open " + name + " usage dashboard";
   const bool lastKnown = card.stale && !windows.empty();
   content.status = {{12, 35, 276, 26},
@@ -100,6 +100,8 @@ bool anyState(const UsageStates& states, bool UsageState::*flag) {
 }
 
 }  // namespace
+
+std::string linkIdentifier(UsageProvider provider) { return "link." + std::string(rawValue(provider)); }
 
 UsageContent usageContent(const DashboardSources& sources) {
   static const UsageState kUnknown;

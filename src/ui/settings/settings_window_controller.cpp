@@ -24,21 +24,11 @@ constexpr std::array kRequests{
 
 }  // namespace
 
-SettingsWindowActions SettingsWindowController::actions() {
-  return {
-      .selectTab = [this](std::size_t index) { tabChanged(index); },
-      .check = [this](const std::string& identifier, bool on) { checkChanged(identifier, on); },
-      .choose = [this](const std::string& identifier, std::size_t index) { choiceChanged(identifier, index); },
-      .press = [this](const std::string& identifier) { pressed(identifier); },
-      .becameKey = [this] { sync(); },
-  };
-}
-
 void SettingsWindowController::show(std::optional<SettingsTab> tab) {
   if (!window_) {
     window_ = callbacks_.makeWindow();
     if (!window_) return;
-    window_->setActions(actions());
+    window_->setListeners([this](const ControlEvent& event) { handle(event); }, [this] { sync(); });
   }
   if (tab) selectedTab_ = static_cast<std::size_t>(*tab);
   sync();
@@ -58,38 +48,25 @@ void SettingsWindowController::syncIfVisible() {
   if (window_ && window_->visible()) sync();
 }
 
-void SettingsWindowController::tabChanged(std::size_t index) {
-  if (index < kSettingsTabCount) selectedTab_ = index;
-  sync();
-}
-
-void SettingsWindowController::checkChanged(const std::string& identifier, bool on) {
-  if (const auto* const check = settingsCheck(identifier)) {
-    check->write(sources_.settings, on);
-    callbacks_.changed({check->change, check->change == SettingsChange::Kind::display && on});
-  } else {
-    askOwner(identifier);
-  }
-  sync();
-}
-
-void SettingsWindowController::choiceChanged(const std::string& identifier, std::size_t index) {
+void SettingsWindowController::handle(const ControlEvent& event) {
+  const auto& [identifier, value] = event;
+  const auto* const on = std::get_if<bool>(&value);
+  const auto* const index = std::get_if<std::size_t>(&value);
+  const auto* const check = settingsCheck(identifier);
   const auto* const choice = settingsChoice(identifier);
-  if (choice != nullptr && index < choice->items.size()) {
-    choice->write(sources_.settings, choice->items[index].tag);
+  if (identifier == "tabs" && index != nullptr && *index < kSettingsTabCount) {
+    selectedTab_ = *index;
+  } else if (check != nullptr && on != nullptr) {
+    check->write(sources_.settings, *on);
+    callbacks_.changed({check->change, check->change == SettingsChange::Kind::display && *on});
+  } else if (choice != nullptr && index != nullptr && *index < choice->items.size()) {
+    choice->write(sources_.settings, choice->items[*index].tag);
     callbacks_.changed({choice->change});
+  } else {
+    const auto request = std::ranges::find(kRequests, identifier, &Request::identifier);
+    if (request != kRequests.end()) (callbacks_.*request->callback)();
   }
   sync();
-}
-
-void SettingsWindowController::pressed(const std::string& identifier) {
-  askOwner(identifier);
-  sync();
-}
-
-void SettingsWindowController::askOwner(const std::string& identifier) const {
-  const auto request = std::ranges::find(kRequests, identifier, &Request::identifier);
-  if (request != kRequests.end()) (callbacks_.*request->callback)();
 }
 
 }  // namespace nimbo

@@ -53,16 +53,11 @@ class SettingsWindowController {
   /// Something that the window shows has changed elsewhere; costs nothing while it is closed.
   void syncIfVisible();
 
-  // What the user does in the window.
-  void tabChanged(std::size_t index);
-  void checkChanged(const std::string& identifier, bool on);
-  void choiceChanged(const std::string& identifier, std::size_t index);
-  void pressed(const std::string& identifier);
+  /// What the user does in the window.
+  void handle(const ControlEvent& event);
 
  private:
-  [[nodiscard]] SettingsWindowActions actions();
   void sync();
-  void askOwner(const std::string& identifier) const;
 
   Sources sources_;
   Callbacks callbacks_;

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/control_events.h"
 #include "ui/dashboard/dashboard_world.h"
 
 namespace nimbo {
@@ -84,9 +85,9 @@ TEST_F(DashboardControllerTest, EachPageIsVisibleOnItsTabOnly) {
     return std::vector{content().usage.visible, content().resources.visible, content().awake.visible};
   };
   EXPECT_EQ(visible(), (std::vector{true, false, false}));
-  controller_.tabChanged(1);
+  controller_.handle(chosen("tabs", 1));
   EXPECT_EQ(visible(), (std::vector{false, true, false}));
-  controller_.tabChanged(2);
+  controller_.handle(chosen("tabs", 2));
   EXPECT_EQ(visible(), (std::vector{false, false, true}));
   EXPECT_TRUE(content().title.visible && content().settingsButton.visible && content().quitButton.visible);
 }
@@ -109,7 +110,7 @@ TEST_F(DashboardControllerTest, ShownTabKeepsItsPageWhenTheOrderChanges) {
 }
 
 TEST_F(DashboardControllerTest, TabBeyondTheLastIsTheLast) {
-  controller_.tabChanged(5);
+  controller_.handle(chosen("tabs", 5));
   EXPECT_EQ(controller_.selectedTab(), DashboardTab::awake);
   EXPECT_EQ(content().tabs.selected, 2U);
 }
@@ -118,16 +119,16 @@ TEST_F(DashboardControllerTest, ShowMoreAddsTenRowsEachTimeAndShowLessGoesBackTo
   controller_.open(DashboardTab::memory);
   controller_.showProcesses(scanOf(30));
   EXPECT_EQ(content().resources.processes.labels.size(), 6U);
-  controller_.expandClicked();
+  controller_.handle(pressed("more"));
   EXPECT_EQ(content().resources.processTitle.text, "TOP 13 PROCESSES");
   EXPECT_EQ(content().resources.processes.labels.size(), 26U);
   EXPECT_EQ(content().size.height, 596 + 87 + 38);
   EXPECT_TRUE(content().resources.lessButton.visible);
-  controller_.expandClicked();
+  controller_.handle(pressed("more"));
   EXPECT_EQ(content().resources.processTitle.text, "TOP 23 PROCESSES");
   EXPECT_EQ(content().size.height, 596 + 87 + 38);
   EXPECT_TRUE(content().resources.moreButton.enabled);
-  controller_.collapseClicked();
+  controller_.handle(pressed("less"));
   EXPECT_EQ(content().resources.processTitle.text, "TOP 3 PROCESSES");
   EXPECT_FALSE(content().resources.lessButton.visible);
   EXPECT_EQ(content().size.height, 596 + 38);
@@ -137,13 +138,13 @@ TEST_F(DashboardControllerTest, ChangeOfTheAwakePageIsAChangeOfTheContent) {
   controller_.open(DashboardTab::awake);
   changes_ = 0;
   EXPECT_EQ(content().awake.detail.text, "Keep AI jobs running while your display rests.");
-  controller_.awakeView().actions().selectDuration(5);
+  controller_.handle(chosen("duration", 5));
   EXPECT_EQ(changes_, 1);
   EXPECT_TRUE(content().awake.minutes.visible);
 }
 
 TEST_F(DashboardControllerTest, OpeningForgetsWhatWasEntered) {
-  controller_.awakeView().actions().editMinutes("x");
+  controller_.handle(typed("minutes", "x"));
   EXPECT_EQ(content().awake.minutes.text, "x");
   controller_.open(std::nullopt);
   EXPECT_EQ(content().awake.minutes.text, "60");
@@ -173,7 +174,7 @@ TEST_F(DashboardControllerTest, ChangeIsReportedOnceAndNothingWhenNothingChanged
   EXPECT_EQ(changes_, 3);
   controller_.showProcesses(scanOf(2));
   EXPECT_EQ(changes_, 3);
-  controller_.tabChanged(0);
+  controller_.handle(chosen("tabs", 0));
   EXPECT_EQ(changes_, 3);
 }
 

@@ -42,8 +42,8 @@ TEST_F(SettingsWindowControllerTest, TabShowsItsPageAndHidesTheOthers) {
 }
 
 TEST_F(SettingsWindowControllerTest, TabThatIsNotThereIsIgnored) {
-  controller.tabChanged(kUsagePage);
-  controller.tabChanged(4);
+  controller.handle(chosen("tabs", kUsagePage));
+  controller.handle(chosen("tabs", 4));
   EXPECT_EQ(pagesVisible(), (std::vector{false, false, true, false}));
 }
 
@@ -68,9 +68,9 @@ TEST_F(SettingsWindowControllerTest, OpensWithWhatWasStoredMeanwhile) {
 TEST_F(SettingsWindowControllerTest, BecomingKeyShowsWhatWasStoredMeanwhile) {
   settings.setAwakeBatteryFloor(50);
   settings.setMenuRotation(true);
-  EXPECT_EQ(chosen("battery"), "20%");
+  EXPECT_EQ(chosenItem("battery"), "20%");
   ASSERT_TRUE(window.becomeKey());
-  EXPECT_EQ(chosen("battery"), "50%");
+  EXPECT_EQ(chosenItem("battery"), "50%");
   EXPECT_TRUE(check("menuRotation").on);
 }
 

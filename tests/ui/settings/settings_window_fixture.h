@@ -62,7 +62,7 @@ class SettingsWindowTest : public testing::Test {
     if (found == nullptr) throw std::logic_error("no pop-up " + identifier);
     return *found;
   }
-  [[nodiscard]] std::string chosen(const std::string& identifier) const {
+  [[nodiscard]] std::string chosenItem(const std::string& identifier) const {
     return choice(identifier).items.at(choice(identifier).selected);
   }
 

@@ -6,6 +6,7 @@
 #include <QWidget>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "ui/qt/controls/qt_geometry.h"
 #include "ui/qt/controls/theme.h"
@@ -60,7 +61,9 @@ void showContent(QWidget& widget, const Content& content, const QMargins& around
 template <class Widget, class Content>
 class ContentWidget : public Widget {
  public:
-  ContentWidget(const Theme& theme, QWidget* parent) : Widget(parent), theme_(theme) {}
+  /// `listener` gets what the user does with it.
+  ContentWidget(const Theme& theme, QWidget* parent, ControlListener listener = {})
+      : Widget(parent), theme_(theme), listener_(std::move(listener)) {}
 
  protected:
   /// To be called last for a content that differs from the one before.
@@ -69,7 +72,12 @@ class ContentWidget : public Widget {
     showContent(*this, content, around);
   }
 
+  void report(const ControlValue& value = {}) const {
+    if (listener_) listener_({this->objectName().toStdString(), value});
+  }
+
   const Theme& theme_;
+  const ControlListener listener_;
   std::optional<Content> content_;  ///< absent until the first one
 };
 

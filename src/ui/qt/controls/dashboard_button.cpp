@@ -25,11 +25,11 @@ double sideInset(ButtonLook look) { return look == ButtonLook::icon ? 0 : look =
 
 }  // namespace
 
-DashboardButton::DashboardButton(const Theme& theme, std::function<void()> pressed, QWidget* parent)
-    : ContentWidget(theme, parent) {
+DashboardButton::DashboardButton(const Theme& theme, ControlListener listener, QWidget* parent)
+    : ContentWidget(theme, parent, std::move(listener)) {
   // In a dialog the focus would otherwise make another button the default one.
   setAutoDefault(false);
-  connect(this, &QPushButton::clicked, this, std::move(pressed));
+  connect(this, &QPushButton::clicked, this, [this] { report(); });
 }
 
 void DashboardButton::setContent(const ButtonContent& content) {

@@ -17,24 +17,27 @@ namespace nimbo {
 namespace {
 
 using Content = DashboardContent;
-using Actions = DashboardActions;
 
 constexpr std::array kRowNames{"row0", "row1", "row2", "row3", "row4"};
 constexpr std::array kValueNames{"value0", "value1", "value2", "value3", "value4"};
 
 }  // namespace
 
-DashboardPage::DashboardPage(const Theme& theme, QWidget* parent)
-    : QWidget(parent), theme_(theme), controls_(theme, *this), resources_(theme, *this), awake_(theme, *this) {
+DashboardPage::DashboardPage(const Theme& theme, const ControlListener& listener, QWidget* parent)
+    : QWidget(parent),
+      theme_(theme),
+      controls_(theme, *this, listener),
+      resources_(theme, *this, listener),
+      awake_(theme, *this, listener) {
   setObjectName("page");
   controls_.label("title", &Content::title);
-  controls_.control<SegmentedTabs>(&Content::tabs, &Actions::selectTab);
-  controls_.control<DashboardButton>(&Content::settingsButton, &Actions::openSettings);
+  controls_.control<SegmentedTabs>(&Content::tabs);
+  controls_.control<DashboardButton>(&Content::settingsButton);
   addResources();
   resources_.label("footer", &ResourcesContent::footer);
   addKeepAwake();
-  usage_.emplace(theme, *this);
-  controls_.control<DashboardButton>(&Content::quitButton, &Actions::quit);
+  usage_.emplace(theme, *this, listener);
+  controls_.control<DashboardButton>(&Content::quitButton);
   controls_.label("quitHint", &Content::quitHint);
 }
 
@@ -53,35 +56,28 @@ void DashboardPage::addResources() {
   resources_.label("cpu", &ResourcesContent::cpu);
   resources_.label("temperature", &ResourcesContent::temperature);
   resources_.label("processTitle", &ResourcesContent::processTitle);
-  resources_.control<DashboardButton>(&ResourcesContent::lessButton, &Actions::showLess);
-  resources_.control<DashboardButton>(&ResourcesContent::moreButton, &Actions::showMore);
+  resources_.control<DashboardButton>(&ResourcesContent::lessButton);
+  resources_.control<DashboardButton>(&ResourcesContent::moreButton);
   processes_ = resources_.bind(&ResourcesContent::processes, new ProcessListWidget(theme_, this));
   resources_.label("processNote", &ResourcesContent::processNote);
-  resources_.control<DashboardButton>(&ResourcesContent::activityButton, &Actions::openActivityMonitor);
+  resources_.control<DashboardButton>(&ResourcesContent::activityButton);
 }
 
 void DashboardPage::addKeepAwake() {
   awake_.label("awakeState", &AwakeContent::state);
   awake_.label("awakeDetail", &AwakeContent::detail);
-  awake_.control<DashboardButton>(&AwakeContent::start, &AwakeActions::startOrStop);
-  awake_.control<DashboardButton>(&AwakeContent::extend, &AwakeActions::extend);
+  awake_.control<DashboardButton>(&AwakeContent::start);
+  awake_.control<DashboardButton>(&AwakeContent::extend);
   awake_.label("awakeDurationTitle", &AwakeContent::durationTitle);
-  awake_.control<PopUpButton>(&AwakeContent::duration, &AwakeActions::selectDuration);
-  awake_.control<TextField>(&AwakeContent::minutes, &AwakeActions::editMinutes);
-  awake_.control<DatePicker>(&AwakeContent::date, &AwakeActions::pickDate);
-  awake_.control<CheckBox>(&AwakeContent::display, &AwakeActions::switchDisplay);
-  awake_.control<CheckBox>(&AwakeContent::plugged, &AwakeActions::switchPlugged);
+  awake_.control<PopUpButton>(&AwakeContent::duration);
+  awake_.control<TextField>(&AwakeContent::minutes);
+  awake_.control<DatePicker>(&AwakeContent::date);
+  awake_.control<CheckBox>(&AwakeContent::display);
+  awake_.control<CheckBox>(&AwakeContent::plugged);
   awake_.label("awakeBatteryTitle", &AwakeContent::batteryTitle);
-  awake_.control<PopUpButton>(&AwakeContent::battery, &AwakeActions::selectBatteryFloor);
-  awake_.control<DashboardButton>(&AwakeContent::off, &AwakeActions::turnDisplayOff);
+  awake_.control<PopUpButton>(&AwakeContent::battery);
+  awake_.control<DashboardButton>(&AwakeContent::off);
   awake_.label("awakeNote", &AwakeContent::note);
-}
-
-void DashboardPage::setActions(DashboardActions actions) {
-  awake_.setActions(std::move(actions.awake));
-  usage_->setActions(std::move(actions.usage));
-  resources_.setActions(actions);
-  controls_.setActions(std::move(actions));
 }
 
 void DashboardPage::render(const DashboardContent& content) {

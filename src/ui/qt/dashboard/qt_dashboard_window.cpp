@@ -47,7 +47,8 @@ QtDashboardWindow::QtDashboardWindow(const Theme& theme, WindowSystem& windowSys
     : QWidget(nullptr, flagsFor(windowSystem)),
       theme_(theme),
       windowSystem_(windowSystem),
-      page_(new DashboardPage(theme, this)) {
+      page_(new DashboardPage(
+          theme, [this](const ControlEvent& event) { call(listener_, event); }, this)) {
   setObjectName("dashboard");
   setWindowTitle("Nimbo");
   setAccessibleName("Nimbo");

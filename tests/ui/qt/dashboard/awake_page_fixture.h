@@ -18,13 +18,11 @@ class AwakePageTest : public DashboardTest {
     DashboardTest::SetUp();
     controller_.open(DashboardTab::awake);
     controller_.onContentChanged = [this] { render(); };
-    window_->setActions({.selectTab = {},
-                         .openSettings = {},
-                         .showMore = {},
-                         .showLess = {},
-                         .openActivityMonitor = {},
-                         .quit = {},
-                         .awake = recorded(world_.connect(controller_))});
+    world_.connect(controller_);
+    window_->setListener([this](const ControlEvent& event) {
+      log_.push_back(described(event));
+      controller_.handle(event);
+    });
     window_->setEvents({.keyDown =
                             [this](Key key) {
                               keys_.push_back(key);
@@ -52,27 +50,6 @@ class AwakePageTest : public DashboardTest {
 
   std::vector<Key> keys_;
   int clicksOutside_ = 0;
-
- private:
-  AwakeActions recorded(AwakeActions actions) {
-    const auto logged = [this](const char* name, auto action) {
-      return [this, name, action](const auto&... values) {
-        log_.push_back((std::string(name) + ... + (' ' + described(values))));
-        action(values...);
-      };
-    };
-    return {logged("start", actions.startOrStop),       logged("extend", actions.extend),
-            logged("duration", actions.selectDuration), logged("minutes", actions.editMinutes),
-            logged("date", actions.pickDate),           logged("display", actions.switchDisplay),
-            logged("plugged", actions.switchPlugged),   logged("battery", actions.selectBatteryFloor),
-            logged("off", actions.turnDisplayOff)};
-  }
-  static std::string described(bool on) { return on ? "on" : "off"; }
-  static std::string described(std::size_t index) { return std::to_string(index); }
-  static std::string described(const std::string& text) { return text; }
-  static std::string described(std::chrono::system_clock::time_point date) {
-    return std::to_string(std::chrono::system_clock::to_time_t(date));
-  }
 };
 
 }  // namespace nimbo

@@ -60,7 +60,8 @@ TEST_F(AwakePageOnScreen, EveryControlCallsItsAction) {
                     child("plugged").geometry().topLeft() + QPoint(90, 10));
   popUp("battery").setCurrentIndex(3);
   popUp("duration").setCurrentIndex(5);
-  EXPECT_EQ(log_, (Log{"start", "extend", "off", "start", "display on", "plugged on", "battery 3", "duration 5"}));
+  EXPECT_EQ(log_,
+            (Log{"start", "extend", "displayOff", "start", "display on", "plugged on", "battery 3", "duration 5"}));
   EXPECT_EQ(world_.settings.awakeBatteryFloor(), 30);
 }
 
@@ -145,7 +146,7 @@ TEST_F(AwakePageOnScreen, RefusedSwitchGoesBack) {
 }
 
 TEST_F(AwakePageOnScreen, SwitchOrChoiceThatTheProgramIgnoresGoesBackWithTheNextContent) {
-  window_->setActions({});
+  window_->setListener({});
   click(child("plugged").geometry().topLeft() + QPoint(10, 10));
   popUp("duration").setCurrentIndex(4);
   ASSERT_TRUE(button("plugged").isChecked());
@@ -318,7 +319,7 @@ TEST_F(AwakePageOnScreen, RenderingWhileTheUserTypesKeepsTextAndCursor) {
 }
 
 TEST_F(AwakePageOnScreen, TextThatTheProgramDoesNotMirrorStaysUntilTheProgramHasAnother) {
-  window_->setActions({});
+  window_->setListener({});
   choose("Custom minutes…");
   auto shown = content();
   shown.awake.minutes.visible = true;

@@ -90,7 +90,7 @@ TEST_F(DashboardContentOnScreen, EveryControlCallsItsAction) {
   click("quit");
   auto& tabs = child<QTabBar>("tabs");
   click(tabs.mapTo(&widget(), tabs.tabRect(2).center()));
-  EXPECT_EQ(log_, (std::vector<std::string>{"settings", "less", "more", "activity", "quit", "tab 2"}));
+  EXPECT_EQ(log_, (std::vector<std::string>{"settings", "less", "more", "activity", "quit", "tabs 2"}));
 }
 
 TEST_F(DashboardContentOnScreen, OnlyWhatDiffersIsPainted) {

@@ -74,7 +74,7 @@ TEST_F(DashboardKeyboard, ArrowKeysMoveBetweenTabs) {
   press(Qt::Key_Right);
   press(Qt::Key_Left);
   press(Qt::Key_Left);
-  EXPECT_EQ(log_, (std::vector<std::string>{"tab 2", "tab 1", "tab 0"}));
+  EXPECT_EQ(log_, (std::vector<std::string>{"tabs 2", "tabs 1", "tabs 0"}));
 }
 
 TEST_F(DashboardKeyboard, ArrowKeysScrollTheProcessList) {

@@ -60,10 +60,9 @@ struct SampleWorld : DashboardWorld {
     controller.open(tab);
   }
 
-  /// Stays where it is: the session and the actions call it.
-  AwakeActions connect(DashboardController& controller) {
+  /// Lets the session tell the controller of its changes. Stays where it is.
+  void connect(DashboardController& controller) {
     manager.onChange = [&controller] { controller.show(); };
-    return controller.awakeView().actions();
   }
 };
 

@@ -22,10 +22,6 @@ class UsagePageTest : public DashboardTest {
     DashboardTest::SetUp();
     controller_.open(DashboardTab::ai);
     controller_.onContentChanged = [this] { render(); };
-    DashboardActions actions;
-    actions.usage = {[this] { log_.push_back("refresh"); }, [this] { log_.push_back("configure"); },
-                     [this](UsageProvider provider) { log_.push_back("link " + std::string(rawValue(provider))); }};
-    window_->setActions(actions);
     show(sampleUsage(now()));
     render();
     open();

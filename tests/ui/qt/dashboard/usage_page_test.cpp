@@ -69,7 +69,7 @@ TEST_F(UsagePageOnScreen, EveryControlCallsItsAction) {
   show({});
   click("connect.codex");
   click("connect.claude");
-  EXPECT_EQ(log_, (Log{"link codex", "link claude", "refresh", "configure", "configure", "configure"}));
+  EXPECT_EQ(log_, (Log{"link.codex", "link.claude", "refresh", "configure", "connect.codex", "connect.claude"}));
 }
 
 TEST_F(UsagePageOnScreen, WithoutProvidersThereIsNothingToRefreshButSomethingToConnect) {
@@ -138,12 +138,10 @@ TEST_F(UsagePageOnScreen, CardMayGoAndComeBack) {
 }
 
 TEST_F(UsagePageOnScreen, CardMayGoThroughItsOwnButton) {
-  DashboardActions actions;
-  actions.usage.openLink = [this](UsageProvider) {
+  window_->setListener([this](const ControlEvent& /*event*/) {
     renderClaudeOnly();
-    window_->setActions({});
-  };
-  window_->setActions(actions);
+    window_->setListener({});
+  });
   click("link.codex");
   QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
   EXPECT_EQ(cards(), 1);

@@ -18,13 +18,11 @@ class X11Popup : public X11WindowTest {
     start();
     controller_.open(DashboardTab::awake);
     controller_.onContentChanged = [this] { window_->render(controller_.content()); };
-    window_->setActions({.selectTab = {},
-                         .openSettings = {},
-                         .showMore = {},
-                         .showLess = {},
-                         .openActivityMonitor = {},
-                         .quit = [this] { ++quits_; },
-                         .awake = world_.connect(controller_)});
+    world_.connect(controller_);
+    window_->setListener([this](const ControlEvent& event) {
+      quits_ += event == pressed("quit");
+      controller_.handle(event);
+    });
     window_->render(controller_.content());
     window_->setFrame({100, 50, controller_.content().size.width, controller_.content().size.height});
     window_->show();

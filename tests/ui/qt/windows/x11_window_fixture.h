@@ -22,12 +22,7 @@ class X11WindowTest : public testing::Test {
     interface_ = QtUserInterface::make();
     ASSERT_NE(interface_, nullptr);
     window_ = interface_->makeDashboardWindow();
-    window_->setActions({.selectTab = {},
-                         .openSettings = {},
-                         .showMore = {},
-                         .showLess = {},
-                         .openActivityMonitor = {},
-                         .quit = [this] { ++quits_; }});
+    window_->setListener([this](const ControlEvent& event) { quits_ += event == pressed("quit"); });
     window_->setEvents({.keyDown =
                             [this](Key key) {
                               keys_.push_back(key);
