@@ -30,7 +30,7 @@ AppDelegate::AppDelegate(PlatformServices& platform, UserInterfaceMaker makeUser
       systemRequests_(platform, toolkit_),
       settingsWindow_({settings, platform.bundleInfo(), platform.loginItem()}, settingsWindowCallbacks()),
       statusItems_(platform.statusBar(), platform.mainLoop(), settings, statusItemCallbacks()) {
-  awake_.onChange = [this] { awakeChanged(); };
+  awake_.onChange = [this] { refreshViews(); };
 }
 
 SamplingLoop::Callbacks AppDelegate::samplingCallbacks() {
@@ -45,7 +45,7 @@ SamplingLoop::Callbacks AppDelegate::samplingCallbacks() {
 
 Dashboard::Callbacks AppDelegate::dashboardCallbacks() {
   return {
-      .tabChanged = [this] { tabChanged(); },
+      .tabShown = [this](DashboardTab tab) { tabShown(tab); },
       .openSettings = [this] { openSettings(); },
       .configureUsage = [this] { openSettings(SettingsTab::usage); },
       .quit = [this] { quit(); },
@@ -201,34 +201,28 @@ void AppDelegate::statusClicked(StatusItemTab item, const StatusClick& click) {
 }
 
 void AppDelegate::openDashboard(StatusItemTab item, std::optional<DashboardTab> tab) {
-  if (!dashboard_.open(statusItems_.item(item), statusItems_.knownFrame(item), tab)) return;
-  tabChanged();
-  statusItems_.restartRotation();
+  if (dashboard_.open(statusItems_.item(item), statusItems_.knownFrame(item), tab)) statusItems_.restartRotation();
 }
 
 // Comes with every tick, which is also when a provider may be due and the countdowns go on.
 void AppDelegate::readingsChanged() {
   usage_.refreshDue();
   widgets_.writeWidgetSnapshot(WidgetPublisher::Force::no);
-  statusItems_.refresh();
-  dashboard_.update();
+  refreshViews();
 }
 
-void AppDelegate::tabChanged() {
-  const auto tab = dashboard_.selectedTab();
-  if (!tab) return;
-  settings_.setLastDashboardTab(*tab);
+void AppDelegate::tabShown(DashboardTab tab) {
+  settings_.setLastDashboardTab(tab);
   sampling_.startProcessScan(SamplingLoop::Throttle::ignore);
 }
 
-void AppDelegate::awakeChanged() {
+void AppDelegate::refreshViews() {
   statusItems_.refresh();
   dashboard_.update();
 }
 
 void AppDelegate::usageChanged() {
-  statusItems_.refresh();
-  dashboard_.update();
+  refreshViews();
   // What a read brought must not reach the widgets five minutes late.
   if (!usage_.isRefreshing()) widgets_.writeWidgetSnapshot(WidgetPublisher::Force::yes);
 }
@@ -237,7 +231,7 @@ void AppDelegate::settingsChanged(const SettingsChange& change) {
   switch (change.kind) {
     case SettingsChange::Kind::display:
       awake_.keepDisplayOn(change.on);
-      return awakeChanged();
+      return refreshViews();
     case SettingsChange::Kind::monitors:
       statusItems_.configure();
       sampling_.monitorsChanged();

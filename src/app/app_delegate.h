@@ -62,8 +62,9 @@ class AppDelegate {
   void openDashboard(StatusItemTab item, std::optional<DashboardTab> tab);
 
   void readingsChanged();
-  void tabChanged();
-  void awakeChanged();
+  void tabShown(DashboardTab tab);
+  /// The status items and the open dashboard.
+  void refreshViews();
   void usageChanged();
   void settingsChanged(const SettingsChange& change);
 

@@ -309,12 +309,6 @@ TEST_F(AppDelegateLinksTest, LinkOpensItsTabUnderTheFirstItem) {
   EXPECT_EQ(settings.lastDashboardTab(), DashboardTab::awake);
 }
 
-TEST_F(AppDelegateLinksTest, ResourcesMeanTheMemoryTab) {
-  launch();
-  delegate->open({"nimbo://resources"});
-  EXPECT_EQ(content().tabs.selected, 1U);
-}
-
 TEST_F(AppDelegateLinksTest, LinkMovesTheOpenDashboardToItsTab) {
   launch();
   clickItem("nimbo-memory");

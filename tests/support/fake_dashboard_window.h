@@ -34,8 +34,7 @@ class FakeDashboardWindow final : public DashboardWindow {
 
   // What a user or the desktop does; ignored while hidden, as a real window has it.
 
-  /// Whether the key was swallowed.
-  bool press(Key key) { return visible_ && events_.keyDown && events_.keyDown(key); }
+  void pressEscape() { callWhileVisible(events_.escapePressed); }
   void clickOutside(std::optional<Point> place) {
     if (visible_ && events_.clickedOutside) events_.clickedOutside(place);
   }
@@ -46,7 +45,7 @@ class FakeDashboardWindow final : public DashboardWindow {
     if (listener_) listener_(event);
   }
   /// Empty once nobody listens any more.
-  [[nodiscard]] bool hasListeners() const { return static_cast<bool>(events_.keyDown); }
+  [[nodiscard]] bool hasListeners() const { return static_cast<bool>(events_.escapePressed); }
   [[nodiscard]] const DashboardContent& content() const { return content_; }
   [[nodiscard]] Rect frame() const { return frames_.empty() ? Rect{} : frames_.back(); }
   [[nodiscard]] const std::vector<Rect>& frames() const { return frames_; }

@@ -15,6 +15,7 @@ bool Dashboard::open(const std::shared_ptr<StatusItem>& item, std::optional<Rect
                      std::optional<DashboardTab> tab) {
   if (!prepare(tab)) return false;
   parts_->panel.show(item, reported);
+  callbacks_.tabShown(parts_->controller.selectedTab());
   return true;
 }
 
@@ -56,7 +57,7 @@ void Dashboard::handle(const ControlEvent& event) {
     if (identifier == linkIdentifier(provider)) services_.workspace.openLink(usagePage(provider));
   }
   parts_->controller.handle(event);
-  if (identifier == "tabs") callbacks_.tabChanged();
+  if (identifier == "tabs") callbacks_.tabShown(parts_->controller.selectedTab());
 }
 
 void Dashboard::close() {
@@ -68,11 +69,6 @@ bool Dashboard::wantsProcesses() const {
 }
 
 bool Dashboard::justClosedBy(const StatusItem& item) const { return parts_ && parts_->panel.justClosedBy(item); }
-
-std::optional<DashboardTab> Dashboard::selectedTab() const {
-  if (!parts_) return std::nullopt;
-  return parts_->controller.selectedTab();
-}
 
 void Dashboard::update() {
   if (visible()) parts_->controller.show();

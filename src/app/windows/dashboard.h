@@ -26,7 +26,7 @@ class Dashboard {
     Workspace& workspace;
   };
   struct Callbacks {
-    std::function<void()> tabChanged;  ///< the user picked another tab
+    std::function<void(DashboardTab tab)> tabShown;  ///< by opening it, or because the user picked it
     std::function<void()> openSettings;
     std::function<void()> configureUsage;  ///< the settings of the subscriptions
     std::function<void()> quit;
@@ -48,8 +48,6 @@ class Dashboard {
   [[nodiscard]] bool wantsProcesses() const;
   /// Whether a click on `item` is the one that has just closed the dashboard.
   [[nodiscard]] bool justClosedBy(const StatusItem& item) const;
-  /// Absent before the dashboard was first opened.
-  [[nodiscard]] std::optional<DashboardTab> selectedTab() const;
 
   // For the open dashboard; a closed one costs nothing and catches up on opening.
 

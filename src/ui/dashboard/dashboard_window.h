@@ -9,12 +9,10 @@
 
 namespace nimbo {
 
-enum class Key { escape, other };
-
 /// What happens around an open menu window. Called only while it is visible.
 struct MenuWindowEvents {
-  /// A key went down in this application, before any control sees it; true swallows it.
-  std::function<bool(Key)> keyDown;
+  /// Escape went down in this application; no control sees it.
+  std::function<void()> escapePressed;
   /// A mouse button went down outside the window; the place in global coordinates where it is known.
   std::function<void(std::optional<Point>)> clickedOutside;
   /// Another application came to the front.

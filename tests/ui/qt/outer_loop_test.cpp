@@ -108,7 +108,8 @@ TEST_F(QtOuterLoopTest, PostFromTheToolkitsHandlerRuns) {
 }
 
 TEST_F(QtOuterLoopTest, QuitEndsTheLoopThoughTheWindowRefusesToClose) {
-  window_->setEvents({.keyDown = {}, .clickedOutside = {}, .otherApplicationActivated = {}, .closeRequested = [] {}});
+  window_->setEvents(
+      {.escapePressed = {}, .clickedOutside = {}, .otherApplicationActivated = {}, .closeRequested = [] {}});
   loop_.post([this] { loop_.quit(); });
   EXPECT_LT(run(), milliseconds(1000));
   EXPECT_TRUE(window_->visible());

@@ -72,6 +72,7 @@ class ContentWidget : public Widget {
     showContent(*this, content, around);
   }
 
+  /// Tells what the user has done.
   void report(const ControlValue& value = {}) const {
     if (listener_) listener_({this->objectName().toStdString(), value});
   }

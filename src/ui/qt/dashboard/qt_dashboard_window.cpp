@@ -150,9 +150,9 @@ bool QtDashboardWindow::eventFilter(QObject* watched, QEvent* event) {
 }
 
 bool QtDashboardWindow::keyDown(const QKeyEvent& key) {
-  const auto keyDown = events_.keyDown;
-  if (keyDown && keyDown(key.key() == Qt::Key_Escape ? Key::escape : Key::other)) return true;
-  return isVisible() && performKeyEquivalent(key);
+  if (key.key() != Qt::Key_Escape) return performKeyEquivalent(key);
+  call(events_.escapePressed);
+  return true;
 }
 
 bool QtDashboardWindow::performKeyEquivalent(const QKeyEvent& key) {

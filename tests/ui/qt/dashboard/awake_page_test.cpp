@@ -225,12 +225,12 @@ TEST_F(AwakePageOnScreen, SpaceOpensTheListAndReturnTakesTheItem) {
 TEST_F(AwakePageOnScreen, EscapeClosesTheListAloneAndIsNotReported) {
   focus("duration");
   press(Qt::Key_Space);
-  keys_.clear();
+  escapes_ = 0;
   press(Qt::Key_Escape);
-  EXPECT_EQ(keys_, std::vector<Key>{});
+  EXPECT_EQ(escapes_, 0);
   EXPECT_EQ(QApplication::activePopupWidget(), &widget());
   press(Qt::Key_Escape);
-  EXPECT_EQ(keys_, std::vector<Key>{Key::escape});
+  EXPECT_EQ(escapes_, 1);
   EXPECT_EQ(log_, Log{});
 }
 
@@ -343,10 +343,10 @@ TEST_F(AwakePageOnScreen, TextFieldHasItsMenuWithoutWaitingForIt) {
   QApplication::sendEvent(&field, &event);
   ASSERT_NE(openMenu(), nullptr);
   EXPECT_GT(openMenu()->actions().size(), 5);
-  keys_.clear();
+  escapes_ = 0;
   press(Qt::Key_Escape);
   EXPECT_EQ(openMenu(), nullptr);
-  EXPECT_EQ(keys_, std::vector<Key>{});
+  EXPECT_EQ(escapes_, 0);
 }
 
 TEST_F(AwakePageOnScreen, CheckedBoxHasTheAccentInBothAppearances) {

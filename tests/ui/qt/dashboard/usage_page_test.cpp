@@ -72,24 +72,6 @@ TEST_F(UsagePageOnScreen, EveryControlCallsItsAction) {
   EXPECT_EQ(log_, (Log{"link.codex", "link.claude", "refresh", "configure", "connect.codex", "connect.claude"}));
 }
 
-TEST_F(UsagePageOnScreen, WithoutProvidersThereIsNothingToRefreshButSomethingToConnect) {
-  show({});
-  EXPECT_FALSE(child("refresh").isEnabled());
-  EXPECT_TRUE(child("connect.codex").isVisible());
-  EXPECT_TRUE(child("connect.claude").isVisible());
-  EXPECT_EQ(status(kCodex), "Enable in Settings to connect your sign-in.");
-  EXPECT_TRUE(rows(kClaude).empty());
-}
-
-TEST_F(UsagePageOnScreen, RunningRefreshIsToldBesideTheButton) {
-  auto states = sampleUsage(now());
-  states[kClaude] = {true, {}, {}, true};
-  show(states);
-  EXPECT_EQ(text("usageProgress"), "Refreshing…");
-  EXPECT_EQ(status(kClaude), "Refreshing…");
-  EXPECT_FALSE(child("connect.claude").isVisible());
-}
-
 TEST_F(UsagePageOnScreen, OtherTabHidesEverything) {
   controller_.open(DashboardTab::memory);
   for (const char* const name : {"usage", "usageCard.codex", "usageCard.claude", "link.codex", "refresh",
@@ -178,13 +160,6 @@ TEST_F(UsagePageOnScreen, BarIsFilledFromTheLeftByWhatIsLeft) {
   EXPECT_EQ(barPixel(used38, 170), rgb(color(ColorRole::teal, Appearance::light)));
   EXPECT_NE(barPixel(used38, 172), rgb(color(ColorRole::teal, Appearance::light)));
   EXPECT_EQ(barPixel(bar(kClaude, 0), 20), rgb(color(ColorRole::orange, Appearance::light)));
-}
-
-TEST_F(UsagePageOnScreen, ColourOfABarTellsHowMuchIsUsed) {
-  showCodex(connectedState({sampleWindow("a", 74), sampleWindow("b", 75), sampleWindow("c", 90)}, now()));
-  EXPECT_EQ(barPixel(bar(kCodex, 0), 10), rgb(color(ColorRole::teal, Appearance::light)));
-  EXPECT_EQ(barPixel(bar(kCodex, 1), 10), rgb(color(ColorRole::orange, Appearance::light)));
-  EXPECT_EQ(barPixel(bar(kCodex, 2), 10), rgb(color(ColorRole::red, Appearance::light)));
 }
 
 TEST_F(UsagePageOnScreen, EmptyBarIsATrackThatCanBeSeen) {

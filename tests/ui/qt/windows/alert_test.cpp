@@ -249,19 +249,15 @@ TEST_F(AlertOnScreen, IsFoundAmongTheProgramsWindows) {
 TEST_F(AlertOnScreen, DashboardOpensAndClosesBesideIt) {
   show();
   const auto dashboard = interface().makeDashboardWindow();
-  std::vector<Key> keys;
-  dashboard->setEvents({.keyDown =
-                            [&](Key key) {
-                              keys.push_back(key);
-                              return true;
-                            },
+  int escapes = 0;
+  dashboard->setEvents({.escapePressed = [&] { ++escapes; },
                         .clickedOutside = {},
                         .otherApplicationActivated = {},
                         .closeRequested = {}});
   dashboard->setFrame({0, 0, 340, 400});
   dashboard->show();
   press(Qt::Key_Escape);
-  EXPECT_EQ(keys, std::vector<Key>{Key::escape}) << "a popup has the keys";
+  EXPECT_EQ(escapes, 1) << "a popup has the keys";
   EXPECT_TRUE(window().isVisible());
   dashboard->hide();
   press(Qt::Key_Escape);

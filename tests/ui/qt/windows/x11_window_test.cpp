@@ -40,8 +40,8 @@ TEST_F(X11Window, CornersAreLeftToACompositorThatRuns) {
 TEST_F(X11Window, KeysReachItWithoutAWindowManager) {
   open();
   client_.typeKey(X11Client::kEscape);
-  ASSERT_TRUE(eventually([this] { return !keys_.empty(); }));
-  EXPECT_EQ(keys_, std::vector<Key>{Key::escape});
+  ASSERT_TRUE(eventually([this] { return escapes_ > 0; }));
+  EXPECT_EQ(escapes_, 1);
   EXPECT_TRUE(window_->visible());
 }
 
@@ -81,7 +81,7 @@ TEST_F(X11Window, TakesThePointerAsSoonAsThePanelLetsGo) {
   client_.click(600, 300);
   EXPECT_TRUE(eventually([this] { return !outside_.empty(); }));
   client_.typeKey(X11Client::kEscape);
-  EXPECT_TRUE(eventually([this] { return !keys_.empty(); }));
+  EXPECT_TRUE(eventually([this] { return escapes_ > 0; }));
 }
 
 TEST_F(X11Window, PointerThatRestsShowsTheToolTipInTheWindowsColours) {
@@ -95,7 +95,7 @@ TEST_F(X11Window, PointerThatRestsShowsTheToolTipInTheWindowsColours) {
   EXPECT_EQ(QToolTip::palette().color(QPalette::ToolTipBase).rgb(), qRgb(ground.red, ground.green, ground.blue));
   EXPECT_TRUE(window_->visible());
   client_.typeKey(X11Client::kEscape);
-  EXPECT_TRUE(eventually([this] { return !keys_.empty(); }));
+  EXPECT_TRUE(eventually([this] { return escapes_ > 0; }));
 }
 
 TEST_F(X11Window, ShownAgainWhileOpenKeepsThePointer) {
