@@ -3,8 +3,7 @@
 
 #include <utility>
 
-#include "app/tray/status_menu.h"
-#include "app/widgets/widget_link.h"
+#include "app/launch.h"
 #include "ui/tray/status_item_content.h"
 #include "ui/tray/usage_menu_gauge.h"
 
@@ -15,25 +14,23 @@ AppDelegate::AppDelegate(PlatformServices& platform, UserInterfaceMaker makeUser
     : platform_(platform),
       clock_(*platform.readers().clock),
       settings_(settings),
-      awake_(
-          {platform.mainLoop(), clock_, platform.assertionClient(), platform.powerSources(), platform.displayPower()}),
-      awakeCommands_(awake_, settings, clock_),
+      awake_({platform.mainLoop(), clock_, platform.assertionClient(), platform.powerSources(), platform.displayPower(),
+              settings}),
       usage_(platform, settings, [this] { usageChanged(); }),
       toolkit_(platform.mainLoop(), platform.workspace(), std::move(makeUserInterface),
                makeMainMenu({.openSettings = [this] { openSettings(); }, .quit = [this] { quit(); }})),
       sampling_(platform, settings, samplingCallbacks()),
       widgets_(platform, {settings, sampling_.readings(), usage_.states()}, widgets == Widgets::published,
-               [this] { settingsWindow_.update(); }),
+               [this] { settingsWindow_.syncIfVisible(); }),
       updateAlerts_(toolkit_, platform.mainLoop(), [this] { dashboard_.close(); }),
       updater_(platform, updateAlerts_),
       dashboard_({toolkit_, platform.mainLoop(), platform.workspace()},
                  {settings, sampling_.readings(), awake_, usage_.states(), clock_, platform.dates()},
                  dashboardCallbacks()),
       systemRequests_(platform, toolkit_),
-      settingsWindow_(platform, toolkit_, settings, settingsWindowCallbacks()),
-      quitQuestion_(toolkit_, platform.mainLoop(), awake_, [this] { dashboard_.close(); }),
+      settingsWindow_({settings, platform.bundleInfo(), platform.loginItem()}, settingsWindowCallbacks()),
       statusItems_(platform.statusBar(), platform.mainLoop(), settings, statusItemCallbacks()) {
-  awake_.onChange = [this] { awakeChanged(); };
+  awake_.onChange = [this] { refreshViews(); };
 }
 
 SamplingLoop::Callbacks AppDelegate::samplingCallbacks() {
@@ -48,20 +45,12 @@ SamplingLoop::Callbacks AppDelegate::samplingCallbacks() {
 
 Dashboard::Callbacks AppDelegate::dashboardCallbacks() {
   return {
-      .tabChanged = [this] { tabChanged(); },
+      .tabShown = [this](DashboardTab tab) { tabShown(tab); },
       .openSettings = [this] { openSettings(); },
       .configureUsage = [this] { openSettings(SettingsTab::usage); },
       .quit = [this] { quit(); },
       .statusItemFrames = [this] { return statusItems_.knownFrames(); },
-      .awake = {.toggle = [this](std::optional<AwakeManager::Time> end) { awakeCommands_.toggle(end); },
-                .keepDisplayOn = [this](bool on) { keepDisplayOn(on); },
-                .rulesChanged =
-                    [this] {
-                      awakeCommands_.applyRules();
-                      settingsWindow_.update();
-                    },
-                .turnDisplayOff = [this] { awake_.turnDisplayOff(); },
-                .extend = [this] { awakeCommands_.extend(); }},
+      .settingsChanged = [this] { settingsWindow_.syncIfVisible(); },
       .refreshUsage = [this] { usage_.refreshAll(); },
   };
 }
@@ -76,8 +65,13 @@ StatusItems::Callbacks AppDelegate::statusItemCallbacks() {
   };
 }
 
-SettingsWindowOpener::Callbacks AppDelegate::settingsWindowCallbacks() {
+SettingsWindowController::Callbacks AppDelegate::settingsWindowCallbacks() {
   return {
+      .makeWindow =
+          [this] {
+            auto* const interface = toolkit_.interface();
+            return interface != nullptr ? interface->makeSettingsWindow() : nullptr;
+          },
       .changed = [this](const SettingsChange& change) { settingsChanged(change); },
       .toggleLogin = [this] { systemRequests_.toggleLogin(); },
       .checkForUpdates = [this] { updater_.checkForUpdates(); },
@@ -106,15 +100,22 @@ StatusItemContent AppDelegate::contentFor(StatusItemTab tab) const {
 }
 
 StatusMenu AppDelegate::statusMenu() {
-  return makeStatusMenu({.quickToggleAwake = [this] { awakeCommands_.toggle(std::nullopt); },
-                         .openSettings = [this] { openSettings(); },
-                         .checkForUpdates = [this] { updater_.checkForUpdates(); },
-                         .quit = [this] { quit(); }},
-                        awake_.isActive() ? AwakeSession::running : AwakeSession::off);
+  using enum MenuEntry::Kind;
+  const char* const toggle = awake_.isActive() ? "Stop awake session" : "Keep awake until stopped";
+  const MenuEntry line{separator, {}, false, {}, {}};
+  return {"Nimbo",
+          {
+              {action, toggle, true, {}, [this] { awake_.toggle(std::nullopt); }},
+              line,
+              {action, "Settings…", true, ",", [this] { openSettings(); }},
+              {action, "Check for Updates…", true, {}, [this] { updater_.checkForUpdates(); }},
+              line,
+              {action, "Quit Nimbo", true, {}, [this] { quit(); }},
+          }};
 }
 
 void AppDelegate::applicationDidFinishLaunching() {
-  awakeCommands_.applyRules();
+  awake_.applyStoredRules();
   usage_.refreshDue();
   updater_.start();
   statusItems_.configure();
@@ -150,7 +151,23 @@ void AppDelegate::open(const std::vector<std::string>& links) {
 
 void AppDelegate::openSettings(std::optional<SettingsTab> tab) {
   dashboard_.close();
-  settingsWindow_.open(tab);
+  settingsWindow_.show(tab);
+}
+
+void AppDelegate::quit() {
+  if (!awake_.isActive()) return platform_.mainLoop().quit();
+  dashboard_.close();
+  if (quitQuestion_) return quitQuestion_->present();
+  const AlertContent question{.title = "Keep Awake is running",
+                              .text =
+                                  "Quitting or installing an update ends this session. Your Mac may sleep "
+                                  "afterward.",
+                              .buttons = {"Keep Running", "End Session & Quit"}};
+  const bool asked = toolkit_.showAlert(quitQuestion_, question, [this](std::size_t button) {
+    if (button == 1) platform_.mainLoop().quit();
+  });
+  // When nobody can be asked, what the user said counts.
+  if (!asked) platform_.mainLoop().quit();
 }
 
 bool AppDelegate::loadDashboardOffscreen() {
@@ -176,7 +193,7 @@ void AppDelegate::didWake() {
 }
 
 void AppDelegate::statusClicked(StatusItemTab item, const StatusClick& click) {
-  if (click.alternate) return awakeCommands_.toggleTimed();
+  if (click.alternate) return awake_.toggleTimed();
   if (dashboard_.visible()) return dashboard_.close();
   const auto clicked = statusItems_.item(item);
   if (clicked && dashboard_.justClosedBy(*clicked)) return;
@@ -184,40 +201,28 @@ void AppDelegate::statusClicked(StatusItemTab item, const StatusClick& click) {
 }
 
 void AppDelegate::openDashboard(StatusItemTab item, std::optional<DashboardTab> tab) {
-  if (!dashboard_.open(statusItems_.item(item), statusItems_.knownFrame(item), tab)) return;
-  tabChanged();
-  statusItems_.restartRotation();
-}
-
-void AppDelegate::keepDisplayOn(bool on) {
-  awakeCommands_.keepDisplayOn(on);
-  awakeChanged();
-  settingsWindow_.update();
+  if (dashboard_.open(statusItems_.item(item), statusItems_.knownFrame(item), tab)) statusItems_.restartRotation();
 }
 
 // Comes with every tick, which is also when a provider may be due and the countdowns go on.
 void AppDelegate::readingsChanged() {
   usage_.refreshDue();
   widgets_.writeWidgetSnapshot(WidgetPublisher::Force::no);
-  statusItems_.refresh();
-  dashboard_.update();
+  refreshViews();
 }
 
-void AppDelegate::tabChanged() {
-  const auto tab = dashboard_.selectedTab();
-  if (!tab) return;
-  settings_.setLastDashboardTab(*tab);
+void AppDelegate::tabShown(DashboardTab tab) {
+  settings_.setLastDashboardTab(tab);
   sampling_.startProcessScan(SamplingLoop::Throttle::ignore);
 }
 
-void AppDelegate::awakeChanged() {
+void AppDelegate::refreshViews() {
   statusItems_.refresh();
   dashboard_.update();
 }
 
 void AppDelegate::usageChanged() {
-  statusItems_.refresh();
-  dashboard_.update();
+  refreshViews();
   // What a read brought must not reach the widgets five minutes late.
   if (!usage_.isRefreshing()) widgets_.writeWidgetSnapshot(WidgetPublisher::Force::yes);
 }
@@ -225,7 +230,8 @@ void AppDelegate::usageChanged() {
 void AppDelegate::settingsChanged(const SettingsChange& change) {
   switch (change.kind) {
     case SettingsChange::Kind::display:
-      return keepDisplayOn(change.on);
+      awake_.keepDisplayOn(change.on);
+      return refreshViews();
     case SettingsChange::Kind::monitors:
       statusItems_.configure();
       sampling_.monitorsChanged();
@@ -238,7 +244,7 @@ void AppDelegate::settingsChanged(const SettingsChange& change) {
     case SettingsChange::Kind::usage:
       return usage_.settingsChanged();
     case SettingsChange::Kind::awakeRules:
-      return awakeCommands_.applyRules();
+      return awake_.applyStoredRules();
     case SettingsChange::Kind::presentation:
       return statusItems_.configure();
   }

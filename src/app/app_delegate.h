@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "app/awake_commands.h"
 #include "app/sampling_loop.h"
 #include "app/system_requests.h"
 #include "app/tray/status_items.h"
@@ -13,13 +13,12 @@
 #include "app/usage_providers.h"
 #include "app/widgets/widget_publisher.h"
 #include "app/windows/dashboard.h"
-#include "app/windows/quit_question.h"
-#include "app/windows/settings_window_opener.h"
 #include "app/windows/toolkit.h"
 #include "app/windows/update_alerts.h"
 #include "awake/awake_manager.h"
 #include "platform/platform_services.h"
 #include "settings/settings.h"
+#include "ui/settings/settings_window_controller.h"
 
 namespace nimbo {
 
@@ -42,18 +41,17 @@ class AppDelegate {
   void open(const std::vector<std::string>& links);
   void openSettings(std::optional<SettingsTab> tab = std::nullopt);
   /// Ends the program, after asking when a session runs.
-  void quit() { quitQuestion_.quit(); }
+  void quit();
   /// Makes the dashboard with its process list without showing it; false when there is no display.
   [[nodiscard]] bool loadDashboardOffscreen();
 
   [[nodiscard]] AwakeManager& awake() { return awake_; }
-  [[nodiscard]] AwakeCommands& awakeCommands() { return awakeCommands_; }
 
  private:
   [[nodiscard]] SamplingLoop::Callbacks samplingCallbacks();
   [[nodiscard]] Dashboard::Callbacks dashboardCallbacks();
   [[nodiscard]] StatusItems::Callbacks statusItemCallbacks();
-  [[nodiscard]] SettingsWindowOpener::Callbacks settingsWindowCallbacks();
+  [[nodiscard]] SettingsWindowController::Callbacks settingsWindowCallbacks();
   [[nodiscard]] StatusItemContent contentFor(StatusItemTab tab) const;
   [[nodiscard]] StatusMenu statusMenu();
 
@@ -62,11 +60,11 @@ class AppDelegate {
   void statusClicked(StatusItemTab item, const StatusClick& click);
   /// Under `item`, on `tab` or else on the tab shown last.
   void openDashboard(StatusItemTab item, std::optional<DashboardTab> tab);
-  void keepDisplayOn(bool on);
 
   void readingsChanged();
-  void tabChanged();
-  void awakeChanged();
+  void tabShown(DashboardTab tab);
+  /// The status items and the open dashboard.
+  void refreshViews();
   void usageChanged();
   void settingsChanged(const SettingsChange& change);
 
@@ -77,7 +75,6 @@ class AppDelegate {
   bool didFinishLaunching_ = false;
   std::optional<DashboardTab> pendingTab_;  ///< of a link that was opened before launch
   AwakeManager awake_;
-  AwakeCommands awakeCommands_;
   UsageProviders usage_;
   Toolkit toolkit_;
   SamplingLoop sampling_;
@@ -86,8 +83,8 @@ class AppDelegate {
   UpdateChecker updater_;
   Dashboard dashboard_;
   SystemRequests systemRequests_;
-  SettingsWindowOpener settingsWindow_;
-  QuitQuestion quitQuestion_;
+  SettingsWindowController settingsWindow_;
+  std::unique_ptr<Alert> quitQuestion_;
   StatusItems statusItems_;
   Subscription sleepObservation_;
   Subscription terminationObservation_;

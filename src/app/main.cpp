@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "app/app_delegate.h"
-#include "app/launch_mode.h"
+#include "app/launch.h"
 #include "app/reports/console_reports.h"
 #include "app/reports/performance_probe.h"
 #include "platform/platform_services.h"

@@ -3,6 +3,8 @@
 
 #include <utility>
 
+#include "awake/session_length.h"
+
 namespace nimbo {
 namespace {
 
@@ -89,6 +91,26 @@ void AwakeManager::tick(Time now) {
 void AwakeManager::checkBattery() {
   if (!isActive()) return;
   if (auto reason = stopReason(readBattery(services_.powerSources), rules_)) stop(std::move(*reason));
+}
+
+void AwakeManager::toggle(std::optional<Time> end) {
+  if (isActive()) return stopByUser();
+  start(end, services_.settings.awakeDisplayOn(), services_.clock.now());
+}
+
+void AwakeManager::toggleTimed() {
+  // A date that was picked on the page is not kept, so that choice means what the page suggests.
+  const Time now = services_.clock.now();
+  toggle(sessionEnd(services_.settings.awakeDuration(), clampedCustomMinutes(services_.settings.awakeCustomMinutes()),
+                    suggestedEnd(now), now));
+}
+
+void AwakeManager::keepDisplayOn(bool on) {
+  if (setKeepDisplayOn(on)) services_.settings.setAwakeDisplayOn(on);
+}
+
+void AwakeManager::applyStoredRules() {
+  setRules({services_.settings.awakeOnlyOnPower(), services_.settings.awakeBatteryFloor()});
 }
 
 bool AwakeManager::activate(bool keepDisplayOn) {

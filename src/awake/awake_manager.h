@@ -11,6 +11,7 @@
 #include "platform/clock.h"
 #include "platform/display_power.h"
 #include "platform/main_loop.h"
+#include "settings/settings.h"
 
 namespace nimbo {
 
@@ -28,6 +29,7 @@ class AwakeManager {
     AssertionClient& assertionClient;
     PowerSources& powerSources;
     DisplayPower& displayPower;
+    Settings& settings;
   };
 
   explicit AwakeManager(Services services) : services_(services), assertions_(services.assertionClient) {}
@@ -62,6 +64,17 @@ class AwakeManager {
   /// To be called every few seconds: checks the deadline, and twice a minute the charge, of which many
   /// machines do not tell when it falls.
   void tick(Time now);
+
+  // What the user asks for, with the settings that go with it.
+
+  /// Stops the session, or starts one until `end`; absent for one until stopped.
+  void toggle(std::optional<Time> end);
+  /// Stops the session, or starts one of the length chosen last.
+  void toggleTimed();
+  /// Keeps the display on, too, or no longer; stored unless a running session cannot do it.
+  void keepDisplayOn(bool on);
+  /// Applies the battery rules that are stored.
+  void applyStoredRules();
 
   /// After every change that the user should see.
   std::function<void()> onChange;

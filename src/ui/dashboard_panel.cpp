@@ -13,7 +13,7 @@ constexpr std::chrono::milliseconds kClickReportLimit{300};
 
 DashboardPanel::DashboardPanel(DashboardWindow& window, UserInterface& interface, MainLoop& loop, const Clock& clock)
     : window_(window), interface_(interface), loop_(loop), clock_(clock) {
-  window_.setEvents({.keyDown = [this](Key key) { return keyDown(key); },
+  window_.setEvents({.escapePressed = [this] { close(); },
                      .clickedOutside = [this](std::optional<Point> place) { clickedOutside(place); },
                      .otherApplicationActivated = [this] { closeByClickElsewhere(); },
                      .closeRequested = [this] { close(); }});
@@ -62,12 +62,6 @@ void DashboardPanel::setContentSize(Size size) {
 
 bool DashboardPanel::justClosedBy(const StatusItem& item) const {
   return closedItem_.lock().get() == &item && clock_.uptime() - closedAt_ <= kClickReportLimit;
-}
-
-bool DashboardPanel::keyDown(Key key) {
-  if (key != Key::escape) return false;
-  close();
-  return true;
 }
 
 void DashboardPanel::clickedOutside(std::optional<Point> place) {

@@ -47,7 +47,6 @@ class DashboardPanel {
  private:
   /// Puts the window where its anchor and size now demand.
   void reposition();
-  bool keyDown(Key key);
   void clickedOutside(std::optional<Point> place);
   void closeByClickElsewhere();
   [[nodiscard]] bool onOwnItem(std::optional<Point> place) const;

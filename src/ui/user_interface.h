@@ -1,21 +1,40 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "base/geometry.h"
 #include "base/subscription.h"
 #include "platform/main_loop.h"
 #include "platform/workspace.h"
-#include "ui/alert.h"
 #include "ui/dashboard/dashboard_window.h"
 #include "ui/dashboard/panel_placement.h"
 #include "ui/main_menu.h"
 #include "ui/settings/settings_window.h"
 
 namespace nimbo {
+
+/// A question in a window of its own.
+struct AlertContent {
+  std::string title;  ///< the question in bold
+  std::string text;
+  std::vector<std::string> buttons;  ///< the first is the default one, pressed by Return
+  std::size_t cancel = 0;            ///< the one pressed by Escape and closing
+  bool operator==(const AlertContent&) const = default;
+};
+
+/// An alert on the screen; destroying it takes it away unanswered. Main thread only.
+class Alert {
+ public:
+  virtual ~Alert() = default;
+
+  /// Brings it to the front once more.
+  virtual void present() = 0;
+};
 
 /// The toolkit, loaded when the first window is wanted and kept for the rest of the run.
 class UserInterface {

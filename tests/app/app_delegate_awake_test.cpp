@@ -21,7 +21,6 @@ class AppDelegateAwakeTest : public AppDelegateTest {
   AppDelegateAwakeTest() { settings.setMenuAwake(true); }
 
   const AwakeContent& page() const { return content().awake; }
-  const AwakeActions& actions() const { return window()->actions().awake; }
   AwakeManager& awake() { return delegate->awake(); }
   std::string itemToolTip() const { return platform.bar.item("nimbo-awake")->content.toolTip; }
 
@@ -48,16 +47,16 @@ TEST_F(AppDelegateAwakeTest, NothingIsHeldOrObservedAfterLaunch) {
 TEST_F(AppDelegateAwakeTest, PageStartsExtendsAndStopsASession) {
   launchAndOpen();
   EXPECT_EQ(page().detail.text, "Keep AI jobs running while your display rests.");
-  actions().selectDuration(2);
-  actions().startOrStop();
+  window()->act(chosen("duration", 2));
+  window()->act(pressed("start"));
   EXPECT_EQ(page().state.text, "Your Mac is staying awake");
   EXPECT_EQ(itemToolTip(), "Keep Awake is on");
   EXPECT_EQ(awake().endsAt(), platform.clock->now() + 1h);
 
-  actions().extend();
+  window()->act(pressed("extend"));
   EXPECT_EQ(awake().endsAt(), platform.clock->now() + 90min);
 
-  actions().startOrStop();
+  window()->act(pressed("start"));
   EXPECT_EQ(page().detail.text, "Session ended. Normal sleep is allowed.");
   EXPECT_EQ(itemToolTip(), "Keep Awake is off · click for session controls");
   EXPECT_TRUE(platform.assertions.held().empty());
@@ -65,8 +64,8 @@ TEST_F(AppDelegateAwakeTest, PageStartsExtendsAndStopsASession) {
 
 TEST_F(AppDelegateAwakeTest, SessionEndsAtItsDeadline) {
   launchAndOpen();
-  actions().selectDuration(1);
-  actions().startOrStop();
+  window()->act(chosen("duration", 1));
+  window()->act(pressed("start"));
   platform.loop.advance(30min - 1ms);
   EXPECT_TRUE(awake().isActive());
   platform.loop.advance(1ms);
@@ -132,7 +131,7 @@ TEST_F(AppDelegateAwakeTest, PullingTheChargerEndsASessionThatNeedsPower) {
   settings.setAwakeOnlyOnPower(true);
   platform.batteries.onMains(90);
   launchAndOpen();
-  actions().startOrStop();
+  window()->act(pressed("start"));
   ASSERT_TRUE(awake().isActive());
   platform.batteries.onBattery(90);
   EXPECT_FALSE(awake().isActive());
@@ -143,17 +142,17 @@ TEST_F(AppDelegateAwakeTest, PullingTheChargerEndsASessionThatNeedsPower) {
 TEST_F(AppDelegateAwakeTest, ChangedRuleAppliesToTheRunningSessionAtOnce) {
   platform.batteries.onBattery(40);
   launchAndOpen();
-  actions().startOrStop();
+  window()->act(pressed("start"));
   ASSERT_TRUE(awake().isActive());
-  actions().selectBatteryFloor(4);
+  window()->act(chosen("battery", 4));
   EXPECT_FALSE(awake().isActive());
   EXPECT_EQ(page().detail.text, "Session stopped: battery is at or below 50%.");
 }
 
 TEST_F(AppDelegateAwakeTest, DisplayChoiceOfARunningSessionIsStoredOnceItHolds) {
   launchAndOpen();
-  actions().startOrStop();
-  actions().switchDisplay(true);
+  window()->act(pressed("start"));
+  window()->act(switched("display", true));
   EXPECT_TRUE(platform.assertions.holds(kPreventDisplaySleep));
   EXPECT_TRUE(settings.awakeDisplayOn());
   EXPECT_EQ(page().detail.text, "Until you stop it. Display stays on.");
@@ -161,9 +160,9 @@ TEST_F(AppDelegateAwakeTest, DisplayChoiceOfARunningSessionIsStoredOnceItHolds) 
 
 TEST_F(AppDelegateAwakeTest, RefusedDisplayChoiceIsNotStoredAndTheSwitchGoesBack) {
   launchAndOpen();
-  actions().startOrStop();
+  window()->act(pressed("start"));
   platform.assertions.refuse(kPreventDisplaySleep, -7);
-  actions().switchDisplay(true);
+  window()->act(switched("display", true));
   EXPECT_FALSE(settings.awakeDisplayOn());
   EXPECT_FALSE(page().display.on);
   EXPECT_EQ(page().detail.text, "macOS couldn’t keep your Mac awake (error -7). Please try again.");
@@ -172,20 +171,20 @@ TEST_F(AppDelegateAwakeTest, RefusedDisplayChoiceIsNotStoredAndTheSwitchGoesBack
 
 TEST_F(AppDelegateAwakeTest, DisplayChoiceWithoutASessionIsOnlyStored) {
   launchAndOpen();
-  actions().switchDisplay(true);
+  window()->act(switched("display", true));
   EXPECT_TRUE(settings.awakeDisplayOn());
   EXPECT_TRUE(page().display.on);
   EXPECT_TRUE(platform.assertions.calls.empty());
-  actions().startOrStop();
+  window()->act(pressed("start"));
   EXPECT_TRUE(awake().keepsDisplayOn());
 }
 
 TEST_F(AppDelegateAwakeTest, DisplayIsTurnedOffFromThePage) {
   launchAndOpen();
-  actions().turnDisplayOff();
+  window()->act(pressed("displayOff"));
   EXPECT_EQ(platform.display.requests, 0) << "no session runs";
-  actions().startOrStop();
-  actions().turnDisplayOff();
+  window()->act(pressed("start"));
+  window()->act(pressed("displayOff"));
   EXPECT_EQ(platform.display.pending(), 1U);
   platform.display.fail();
   EXPECT_EQ(page().detail.text, "macOS couldn’t turn the display off. Your Mac is still awake.");
@@ -264,8 +263,8 @@ TEST_F(AppDelegateAwakeTest, SessionAloneAddsNoTimerAndNoSignal) {
 
 TEST_F(AppDelegateAwakeTest, QuitAlertHasItsTextsAndClosesTheDashboard) {
   launchAndOpen();
-  actions().startOrStop();
-  window()->actions().quit();
+  window()->act(pressed("start"));
+  window()->act(pressed("quit"));
   EXPECT_FALSE(dashboardVisible());
   ASSERT_NE(alert(), nullptr);
   EXPECT_EQ(alert()->content().title, "Keep Awake is running");

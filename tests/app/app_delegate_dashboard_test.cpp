@@ -55,7 +55,7 @@ TEST_F(DashboardRenders, TickCostsOneOnEveryTab) {
   launchAndOpen("nimbo-memory");
   std::uint64_t megabytes = 0;
   for (const std::size_t tab : {0U, 1U, 2U}) {
-    window()->actions().selectTab(tab);
+    window()->act(chosen("tabs", tab));
     finishScans();
     for (int tick = 0; tick < 4; ++tick) {
       platform.host->counts = MemoryCounts{.wired = ++megabytes << 20};
@@ -100,12 +100,11 @@ TEST_F(DashboardRenders, ClosedDashboardCostsNone) {
 TEST_F(DashboardRenders, EachClickOnThePageCostsOne) {
   settings.setMenuAwake(true);
   launchAndOpen("nimbo-awake");
-  const auto& awake = window()->actions().awake;
-  EXPECT_EQ(rendersOf([&] { awake.selectDuration(1); }), 1);
-  EXPECT_EQ(rendersOf([&] { awake.switchPlugged(true); }), 1);
-  EXPECT_EQ(rendersOf([&] { awake.startOrStop(); }), 1);
-  EXPECT_EQ(rendersOf([&] { awake.extend(); }), 1);
-  EXPECT_EQ(rendersOf([&] { window()->actions().selectTab(1); }), 1);
+  EXPECT_EQ(rendersOf([&] { window()->act(chosen("duration", 1)); }), 1);
+  EXPECT_EQ(rendersOf([&] { window()->act(switched("plugged", true)); }), 1);
+  EXPECT_EQ(rendersOf([&] { window()->act(pressed("start")); }), 1);
+  EXPECT_EQ(rendersOf([&] { window()->act(pressed("extend")); }), 1);
+  EXPECT_EQ(rendersOf([&] { window()->act(chosen("tabs", 1)); }), 1);
 }
 
 }  // namespace

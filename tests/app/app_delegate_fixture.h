@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "app/app_delegate.h"
+#include "support/control_events.h"
 #include "support/fake_dashboard_window.h"
 #include "support/fake_platform_services.h"
 #include "support/fake_user_interface.h"
@@ -33,7 +34,7 @@ class AppDelegateTest : public ::testing::Test {
     platform.loop.runPosted();
   }
 
-  void toggleAwake() { delegate->awakeCommands().toggle(std::nullopt); }
+  void toggleAwake() { delegate->awake().toggle(std::nullopt); }
 
   /// Lets the widgets' file be written as often as somebody has asked for it.
   void finishWrites() {

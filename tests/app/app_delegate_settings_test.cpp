@@ -49,7 +49,7 @@ TEST_F(AppDelegateSettingsTest, WindowIsMadeOnceAndKept) {
 TEST_F(AppDelegateSettingsTest, OpeningItClosesTheDashboard) {
   launch();
   clickItem("nimbo-memory");
-  window()->actions().openSettings();
+  window()->act(pressed("settings"));
   EXPECT_FALSE(dashboardVisible());
   EXPECT_TRUE(settingsWindow()->visible());
   EXPECT_EQ(settingsWindow()->content().tabs.selected, 0U);
@@ -58,7 +58,7 @@ TEST_F(AppDelegateSettingsTest, OpeningItClosesTheDashboard) {
 TEST_F(AppDelegateSettingsTest, ConfiguringSubscriptionsOpensTheirPage) {
   launch();
   clickItem("nimbo-ai");
-  window()->actions().usage.configure();
+  window()->act(pressed("configure"));
   EXPECT_TRUE(settingsWindow()->visible());
   EXPECT_EQ(settingsWindow()->content().tabs.selected, 2U);
 }
@@ -182,7 +182,7 @@ TEST_F(AppDelegateSettingsTest, ChoiceMadeOnTheDashboardShowsInTheOpenWindow) {
   clickItem("nimbo-ai");
   delegate->openSettings();
   EXPECT_FALSE(isOn("display"));
-  window()->actions().awake.switchDisplay(true);
+  window()->act(switched("display", true));
   EXPECT_TRUE(isOn("display"));
 }
 
@@ -307,12 +307,6 @@ TEST_F(AppDelegateLinksTest, LinkOpensItsTabUnderTheFirstItem) {
   ASSERT_TRUE(dashboardVisible());
   EXPECT_EQ(content().tabs.selected, 2U);
   EXPECT_EQ(settings.lastDashboardTab(), DashboardTab::awake);
-}
-
-TEST_F(AppDelegateLinksTest, ResourcesMeanTheMemoryTab) {
-  launch();
-  delegate->open({"nimbo://resources"});
-  EXPECT_EQ(content().tabs.selected, 1U);
 }
 
 TEST_F(AppDelegateLinksTest, LinkMovesTheOpenDashboardToItsTab) {

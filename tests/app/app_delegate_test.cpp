@@ -50,7 +50,7 @@ TEST_F(AppDelegateTest, ClickOpensTheDashboardOnTheItemsTab) {
   clickItem("nimbo-memory");
   ASSERT_TRUE(dashboardVisible());
   EXPECT_EQ(content().tabs.selected, 1U);
-  EXPECT_EQ(content().hero.text, "50%");
+  EXPECT_EQ(content().resources.hero.text, "50%");
   EXPECT_EQ(platform.loop.outer(), &interface->fakeLoop());
 }
 
@@ -102,7 +102,7 @@ TEST_F(AppDelegateTest, ShownTabIsRemembered) {
   launch();
   clickItem("nimbo-memory");
   EXPECT_EQ(settings.lastDashboardTab(), DashboardTab::memory);
-  window()->actions().selectTab(2);
+  window()->act(chosen("tabs", 2));
   EXPECT_EQ(settings.lastDashboardTab(), DashboardTab::awake);
 }
 
@@ -112,8 +112,8 @@ TEST_F(AppDelegateTest, OpeningOnTheMemoryTabScansAtOnceEvenWithinTheThrottle) {
   EXPECT_EQ(platform.utilities.waiting(), 1U);
   platform.utilities.runOne();
   platform.loop.runPosted();
-  ASSERT_EQ(content().processes.labels.size(), 2U);
-  EXPECT_EQ(content().processes.labels[0].text, "big");
+  ASSERT_EQ(content().resources.processes.labels.size(), 2U);
+  EXPECT_EQ(content().resources.processes.labels[0].text, "big");
   clickItem("nimbo-memory");
   clickItem("nimbo-memory");
   EXPECT_EQ(platform.utilities.waiting(), 1U);
@@ -123,7 +123,7 @@ TEST_F(AppDelegateTest, SwitchingToTheMemoryTabScansAndToAnotherDoesNot) {
   launch();
   clickItem("nimbo-ai");
   EXPECT_EQ(platform.utilities.waiting(), 0U);
-  window()->actions().selectTab(1);
+  window()->act(chosen("tabs", 1));
   EXPECT_EQ(platform.utilities.waiting(), 1U);
 }
 
@@ -152,8 +152,8 @@ TEST_F(AppDelegateTest, OpenDashboardFollowsTheSamples) {
   clickItem("nimbo-memory");
   platform.host->counts = MemoryCounts{.wired = kGibibyte * 4};
   platform.loop.advance(seconds(5));
-  EXPECT_EQ(content().hero.text, "25%");
-  EXPECT_EQ(content().time.text, "RECENT USAGE · 5s");
+  EXPECT_EQ(content().resources.hero.text, "25%");
+  EXPECT_EQ(content().resources.time.text, "RECENT USAGE · 5s");
 }
 
 TEST_F(AppDelegateTest, ClosedDashboardIsNotRenderedAndCatchesUpOnOpening) {
@@ -165,7 +165,7 @@ TEST_F(AppDelegateTest, ClosedDashboardIsNotRenderedAndCatchesUpOnOpening) {
   platform.loop.advance(seconds(10));
   EXPECT_EQ(window()->renders(), renders);
   clickItem("nimbo-memory");
-  EXPECT_EQ(content().hero.text, "25%");
+  EXPECT_EQ(content().resources.hero.text, "25%");
 }
 
 TEST_F(AppDelegateTest, GrowingProcessListGrowsTheWindow) {
@@ -175,9 +175,9 @@ TEST_F(AppDelegateTest, GrowingProcessListGrowsTheWindow) {
   platform.utilities.runOne();
   platform.loop.runPosted();
   const double height = window()->frame().height;
-  window()->actions().showMore();
+  window()->act(pressed("more"));
   EXPECT_EQ(window()->frame().height, height + 87);
-  EXPECT_EQ(content().processTitle.text, "TOP 13 PROCESSES");
+  EXPECT_EQ(content().resources.processTitle.text, "TOP 13 PROCESSES");
 }
 
 TEST_F(AppDelegateTest, SettingsChangedByHandAreSeenAtTheNextOpening) {
@@ -186,14 +186,14 @@ TEST_F(AppDelegateTest, SettingsChangedByHandAreSeenAtTheNextOpening) {
   clickItem("nimbo-memory");
   settings.setMonitorCpu(true);
   clickItem("nimbo-memory");
-  EXPECT_TRUE(content().cpu.visible);
+  EXPECT_TRUE(content().resources.cpu.visible);
 }
 
 TEST_F(AppDelegateTest, ActivityButtonOpensTheSystemMonitor) {
   launch();
   clickItem("nimbo-memory");
-  EXPECT_TRUE(content().activityButton.enabled);
-  window()->actions().openActivityMonitor();
+  EXPECT_TRUE(content().resources.activityButton.enabled);
+  window()->act(pressed("activity"));
   EXPECT_EQ(platform.desktop.monitorsOpened, 1);
 }
 
@@ -201,7 +201,7 @@ TEST_F(AppDelegateTest, WithoutASystemMonitorItsButtonIsDisabled) {
   platform.desktop.systemMonitor = false;
   launch();
   clickItem("nimbo-memory");
-  EXPECT_FALSE(content().activityButton.enabled);
+  EXPECT_FALSE(content().resources.activityButton.enabled);
 }
 
 TEST_F(AppDelegateTest, WindowsFollowTheDesktopsAppearance) {
@@ -228,9 +228,25 @@ TEST_F(AppDelegateTest, MenuClosesThePanelAndHasItsEntries) {
   clickItem("nimbo-memory");
   const auto menu = platform.bar.openMenu("nimbo-memory");
   EXPECT_FALSE(dashboardVisible());
-  ASSERT_EQ(menu.entries.size(), 6U);
-  EXPECT_EQ(menu.entries[0].title, "Keep awake until stopped");
-  EXPECT_EQ(menu.entries[5].title, "Quit Nimbo");
+  EXPECT_EQ(menu.title, "Nimbo");
+  Names titles;
+  for (const auto& entry : menu.entries) {
+    const bool line = entry.kind == MenuEntry::Kind::separator;
+    titles.push_back(line ? "-" : entry.title);
+    EXPECT_EQ(entry.enabled, !line) << entry.title;
+    EXPECT_EQ(entry.keyEquivalent, entry.title == "Settings…" ? "," : "") << entry.title;
+  }
+  EXPECT_EQ(titles, (Names{"Keep awake until stopped", "-", "Settings…", "Check for Updates…", "-", "Quit Nimbo"}));
+}
+
+TEST_F(AppDelegateTest, MenuOpensTheSettingsAndChecksForUpdates) {
+  launch();
+  EXPECT_TRUE(platform.bar.choose("nimbo-memory", "Settings…"));
+  ASSERT_EQ(interface->settingsWindows().size(), 1U);
+  EXPECT_TRUE(interface->settingsWindows()[0]->visible());
+  EXPECT_TRUE(platform.bar.choose("nimbo-memory", "Check for Updates…"));
+  ASSERT_EQ(interface->openAlerts().size(), 1U);
+  EXPECT_EQ(interface->openAlerts()[0]->content().title, "Updates aren’t connected yet");
 }
 
 TEST_F(AppDelegateTest, QuitFromTheMenuEndsWithoutAsking) {
@@ -242,7 +258,7 @@ TEST_F(AppDelegateTest, QuitFromTheMenuEndsWithoutAsking) {
 TEST_F(AppDelegateTest, QuitFromTheDashboardEnds) {
   launch();
   clickItem("nimbo-memory");
-  window()->actions().quit();
+  window()->act(pressed("quit"));
   EXPECT_TRUE(platform.loop.hasQuit());
 }
 
@@ -278,9 +294,9 @@ TEST_F(AppDelegateTest, WakeEmptiesTheHistoriesTakesASampleAndRestarts) {
   platform.power.wake();
   EXPECT_EQ(platform.loop.repeatingTimers().size(), 2U);
   clickItem("nimbo-ai");
-  window()->actions().selectTab(1);
-  EXPECT_EQ(content().history.history.size(), 1U);
-  EXPECT_EQ(content().time.text, "RECENT USAGE · 0s");
+  window()->act(chosen("tabs", 1));
+  EXPECT_EQ(content().resources.history.bars.size(), 40U + 1) << "one sample over the empty places";
+  EXPECT_EQ(content().resources.time.text, "RECENT USAGE · 0s");
 }
 
 TEST_F(AppDelegateTest, RotationWaitsWhileThePanelIsOpen) {

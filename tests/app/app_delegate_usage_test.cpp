@@ -84,7 +84,7 @@ TEST_F(AppDelegateUsageTest, OpenPageFollowsARefresh) {
   answer(200, kUsage);
   clickItem("nimbo-ai");
   EXPECT_EQ(page().progress.text, "");
-  window()->actions().usage.refresh();
+  window()->act(pressed("refresh"));
   EXPECT_EQ(page().progress.text, "Refreshing…");
   readSignIn();
   answer(500);
@@ -149,8 +149,8 @@ TEST_F(AppDelegateUsageTest, ProviderSwitchedOffByHandIsForgotten) {
 TEST_F(AppDelegateUsageTest, LinksOpenTheProvidersPages) {
   launch();
   clickItem("nimbo-ai");
-  window()->actions().usage.openLink(UsageProvider::codex);
-  window()->actions().usage.openLink(UsageProvider::claude);
+  window()->act(pressed("link.codex"));
+  window()->act(pressed("link.claude"));
   EXPECT_EQ(platform.desktop.linksOpened,
             (std::vector<std::string>{"https://chatgpt.com/codex/settings/usage", "https://claude.ai/settings/usage"}));
 }

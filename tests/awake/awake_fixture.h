@@ -13,6 +13,7 @@
 #include "support/fake_display_power.h"
 #include "support/fake_main_loop.h"
 #include "support/fake_power_sources.h"
+#include "support/fake_user_defaults.h"
 
 namespace nimbo {
 
@@ -61,7 +62,10 @@ class AwakeManagerTest : public testing::Test {
   FakeAssertionClient client;
   FakePowerSources sources;
   FakeDisplayPower display;
-  AwakeManager manager{{loop, clock, client, sources, display}};
+  FakeUserDefaultsDomains domains;
+  FakeUserDefaults defaults{domains, "test"};
+  Settings settings{defaults};
+  AwakeManager manager{{loop, clock, client, sources, display, settings}};
   Log told;  ///< the message at each change
 };
 

@@ -109,7 +109,7 @@ class PulledMeanwhile final : public PowerSources {
 
 TEST_F(AwakeManagerBatteryTest, ChargerPulledBetweenReadingAndObservingEndsTheSession) {
   PulledMeanwhile pulled;
-  AwakeManager late({loop, clock, client, pulled, display});
+  AwakeManager late({loop, clock, client, pulled, display, settings});
   late.setRules({true, 20});
   EXPECT_FALSE(late.start(at(14, 0), true, clock.now()));
   EXPECT_FALSE(late.isActive());

@@ -13,7 +13,7 @@ namespace nimbo {
 /// A window without pixels: a test reads what it shows and does to it what a user would.
 class FakeDashboardWindow final : public DashboardWindow {
  public:
-  void setActions(DashboardActions actions) override { actions_ = std::move(actions); }
+  void setListener(ControlListener listener) override { listener_ = std::move(listener); }
   void setEvents(MenuWindowEvents events) override { events_ = std::move(events); }
 
   void render(const DashboardContent& content) override {
@@ -34,17 +34,18 @@ class FakeDashboardWindow final : public DashboardWindow {
 
   // What a user or the desktop does; ignored while hidden, as a real window has it.
 
-  /// Whether the key was swallowed.
-  bool press(Key key) { return visible_ && events_.keyDown && events_.keyDown(key); }
+  void pressEscape() { callWhileVisible(events_.escapePressed); }
   void clickOutside(std::optional<Point> place) {
     if (visible_ && events_.clickedOutside) events_.clickedOutside(place);
   }
   void activateOtherApplication() { callWhileVisible(events_.otherApplicationActivated); }
   void requestClose() { callWhileVisible(events_.closeRequested); }
 
-  [[nodiscard]] const DashboardActions& actions() const { return actions_; }
+  void act(const ControlEvent& event) const {
+    if (listener_) listener_(event);
+  }
   /// Empty once nobody listens any more.
-  [[nodiscard]] bool hasListeners() const { return static_cast<bool>(events_.keyDown); }
+  [[nodiscard]] bool hasListeners() const { return static_cast<bool>(events_.escapePressed); }
   [[nodiscard]] const DashboardContent& content() const { return content_; }
   [[nodiscard]] Rect frame() const { return frames_.empty() ? Rect{} : frames_.back(); }
   [[nodiscard]] const std::vector<Rect>& frames() const { return frames_; }
@@ -59,7 +60,7 @@ class FakeDashboardWindow final : public DashboardWindow {
     if (visible_ && event) event();
   }
 
-  DashboardActions actions_;
+  ControlListener listener_;
   MenuWindowEvents events_;
   DashboardContent content_;
   std::vector<Rect> frames_;

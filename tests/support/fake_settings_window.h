@@ -4,10 +4,10 @@
 #include <cstddef>
 #include <functional>
 #include <string>
-#include <type_traits>
 #include <utility>
 #include <variant>
 
+#include "support/control_events.h"
 #include "ui/user_interface.h"
 
 namespace nimbo {
@@ -16,7 +16,10 @@ namespace nimbo {
 /// window is hidden, nor from a control that is not on the page in front or cannot be used.
 class FakeSettingsWindow final : public SettingsWindow {
  public:
-  void setActions(SettingsWindowActions actions) override { actions_ = std::move(actions); }
+  void setListeners(ControlListener acted, std::function<void()> becameKey) override {
+    acted_ = std::move(acted);
+    becameKey_ = std::move(becameKey);
+  }
 
   void render(const SettingsWindowContent& content) override {
     content_ = content;
@@ -34,22 +37,26 @@ class FakeSettingsWindow final : public SettingsWindow {
   // What a user does; whether anybody heard it.
 
   bool selectTab(std::size_t index) {
-    return visible_ && index < content_.tabs.labels.size() && call(actions_.selectTab, index);
+    return visible_ && index < content_.tabs.labels.size() && report(chosen("tabs", index));
   }
   /// Flips a check box.
   bool click(const std::string& identifier) {
     const auto* const box = usable<CheckBoxContent>(identifier);
-    return box != nullptr && call(actions_.check, identifier, !box->on);
+    return box != nullptr && report(switched(identifier, !box->on));
   }
   bool choose(const std::string& identifier, std::size_t index) {
     const auto* const list = usable<PopUpContent>(identifier);
-    return list != nullptr && index < list->items.size() && call(actions_.choose, identifier, index);
+    return list != nullptr && index < list->items.size() && report(chosen(identifier, index));
   }
   bool press(const std::string& identifier) {
-    return usable<ButtonContent>(identifier) != nullptr && call(actions_.press, identifier);
+    return usable<ButtonContent>(identifier) != nullptr && report(pressed(identifier));
   }
   /// The user comes back to it from another window.
-  bool becomeKey() { return visible_ && call(actions_.becameKey); }
+  bool becomeKey() {
+    if (!visible_ || !becameKey_) return false;
+    becameKey_();
+    return true;
+  }
 
   /// A control of any page; null when no such control is shown.
   template <class Control>
@@ -61,8 +68,6 @@ class FakeSettingsWindow final : public SettingsWindow {
   }
 
   [[nodiscard]] const SettingsWindowContent& content() const { return content_; }
-  /// False once nobody listens any more.
-  [[nodiscard]] bool hasListeners() const { return static_cast<bool>(actions_.check); }
   [[nodiscard]] int renders() const { return renders_; }
   [[nodiscard]] int shows() const { return shows_; }
 
@@ -89,13 +94,13 @@ class FakeSettingsWindow final : public SettingsWindow {
     return nullptr;
   }
 
-  template <class... Arguments>
-  static bool call(const std::function<void(Arguments...)>& action, std::type_identity_t<Arguments>... arguments) {
-    if (action) action(arguments...);
-    return static_cast<bool>(action);
+  bool report(const ControlEvent& event) {
+    if (acted_) acted_(event);
+    return static_cast<bool>(acted_);
   }
 
-  SettingsWindowActions actions_;
+  ControlListener acted_;
+  std::function<void()> becameKey_;
   SettingsWindowContent content_;
   bool visible_ = false;
   int renders_ = 0;

@@ -216,19 +216,14 @@ TEST(FakeUserInterface, HiddenWindowReportsNothing) {
   FakeUserInterface interface;
   const auto window = interface.makeDashboardWindow();
   int keys = 0;
-  window->setEvents({.keyDown =
-                         [&](Key) {
-                           ++keys;
-                           return true;
-                         },
-                     .clickedOutside = {},
-                     .otherApplicationActivated = {},
-                     .closeRequested = {}});
+  window->setEvents(
+      {.escapePressed = [&] { ++keys; }, .clickedOutside = {}, .otherApplicationActivated = {}, .closeRequested = {}});
   ASSERT_EQ(interface.windows().size(), 1U);
   FakeDashboardWindow& fake = *interface.windows()[0];
-  EXPECT_FALSE(fake.press(Key::escape));
+  fake.pressEscape();
+  EXPECT_EQ(keys, 0);
   window->show();
-  EXPECT_TRUE(fake.press(Key::escape));
+  fake.pressEscape();
   EXPECT_EQ(keys, 1);
 }
 

@@ -18,6 +18,22 @@ bool contains(const std::vector<StatusItemTab>& tabs, StatusItemTab tab) {
 
 }  // namespace
 
+StatusItemPlan planStatusItems(const Settings& settings, std::optional<DashboardTab> rotationTab) {
+  const auto tabs = settings.menuTabs();
+  if (settings.compactMenuBar() || tabs.empty()) return {{std::nullopt}, std::nullopt};
+  if (!settings.menuRotation()) return {{tabs.begin(), tabs.end()}, std::nullopt};
+  const bool kept = rotationTab && std::ranges::find(tabs, *rotationTab) != tabs.end();
+  const DashboardTab tab = kept ? *rotationTab : tabs.front();
+  return {{tab}, tab};
+}
+
+std::optional<DashboardTab> nextRotationTab(const Settings& settings, DashboardTab tab) {
+  const auto tabs = settings.menuTabs();
+  const auto found = std::ranges::find(tabs, tab);
+  if (tabs.size() < 2 || found == tabs.end()) return std::nullopt;
+  return std::next(found) == tabs.end() ? tabs.front() : *std::next(found);
+}
+
 StatusItems::StatusItems(StatusBar& statusBar, MainLoop& mainLoop, const Settings& settings, Callbacks callbacks)
     : statusBar_(statusBar), mainLoop_(mainLoop), settings_(settings), callbacks_(std::move(callbacks)) {}
 

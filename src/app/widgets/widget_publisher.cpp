@@ -3,7 +3,10 @@
 
 #include <algorithm>
 #include <array>
+#include <nlohmann/json.hpp>
 #include <utility>
+
+#include "usage/usage_json.h"
 
 namespace nimbo {
 namespace {
@@ -25,6 +28,22 @@ UsageState stateOf(const UsageStates& states, UsageProvider provider) {
 }
 
 }  // namespace
+
+std::string WidgetSnapshot::encoded() const {
+  nlohmann::ordered_json object;
+  object["date"] = secondsSince2001(date);
+  if (temperature) object["temperature"] = *temperature;
+  if (temperatureDate) object["temperatureDate"] = secondsSince2001(*temperatureDate);
+  object["temperatureEnabled"] = temperatureEnabled;
+  object["codex"] = usageJson(codex);
+  object["claude"] = usageJson(claude);
+  return compactJsonText(object);
+}
+
+bool WidgetSnapshot::write(const WidgetCenter& to, const std::optional<std::string>& appGroup) const {
+  const auto folder = appGroup ? to.container(*appGroup) : std::nullopt;
+  return folder && to.writeAtomically(*folder / "usage-snapshot.json", encoded());
+}
 
 WidgetPublisher::WidgetPublisher(PlatformServices& platform, Sources sources, bool publishesWidgets,
                                  std::function<void()> messageChanged)

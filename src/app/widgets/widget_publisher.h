@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <optional>
 #include <string>
 
-#include "app/widgets/widget_snapshot.h"
 #include "base/lifetime.h"
 #include "platform/platform_services.h"
 #include "settings/settings.h"
@@ -13,6 +13,26 @@
 #include "usage/usage_monitor.h"
 
 namespace nimbo {
+
+/// What the program shares with its widgets: one JSON object whose keys are the names of the fields, in
+/// their order. What is absent is left out; dates are numbers of seconds since 2001, UTC.
+struct WidgetSnapshot {
+  using Time = std::chrono::system_clock::time_point;
+
+  Time date{};                          ///< when it was built
+  std::optional<double> temperature{};  ///< °C, the last one accepted
+  std::optional<Time> temperatureDate{};
+  bool temperatureEnabled = false;  ///< whether the user watches the temperature
+  UsageState codex{};
+  UsageState claude{};
+  bool operator==(const WidgetSnapshot&) const = default;
+
+  [[nodiscard]] std::string encoded() const;
+
+  /// Replaces "usage-snapshot.json" in the group's folder. False when there is no group, no folder for
+  /// it, or the file could not be replaced. Waits for the disk. Any thread.
+  [[nodiscard]] bool write(const WidgetCenter& to, const std::optional<std::string>& appGroup) const;
+};
 
 /// Keeps the widgets' file up to date, at most every five minutes unless forced. The file is written on
 /// the utility queue, because flushing it can take long, and which is serial, so that the newest snapshot

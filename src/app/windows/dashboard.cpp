@@ -1,18 +1,21 @@
 // SPDX-License-Identifier: MIT
 #include "app/windows/dashboard.h"
 
+#include <string_view>
 #include <utility>
 
 #include "usage/usage_status.h"
 
 namespace nimbo {
+
 Dashboard::Dashboard(Services services, const DashboardSources& sources, Callbacks callbacks)
     : services_(services), sources_(sources), callbacks_(std::move(callbacks)) {}
 
 bool Dashboard::open(const std::shared_ptr<StatusItem>& item, std::optional<Rect> reported,
                      std::optional<DashboardTab> tab) {
   if (!prepare(tab)) return false;
-  parts_->panel->show(item, reported);
+  parts_->panel.show(item, reported);
+  callbacks_.tabShown(parts_->controller.selectedTab());
   return true;
 }
 
@@ -31,52 +34,41 @@ bool Dashboard::prepare(std::optional<DashboardTab> tab) {
 bool Dashboard::create() {
   auto* const interface = services_.toolkit.interface();
   if (interface == nullptr) return false;
-  auto parts = std::make_unique<Parts>(sources_);
-  parts->window = interface->makeDashboardWindow();
-  parts->panel = std::make_unique<DashboardPanel>(*parts->window, *interface, services_.mainLoop, sources_.clock);
-  wire(*parts);
-  parts_ = std::move(parts);
+  parts_ = std::make_unique<Parts>(sources_, *interface, services_.mainLoop);
+  auto& [controller, window, panel] = *parts_;
+  controller.onContentChanged = [this] {
+    parts_->window->render(parts_->controller.content());
+    parts_->panel.setContentSize(parts_->controller.content().size);
+  };
+  controller.awakeView().onSettingsChanged = callbacks_.settingsChanged;
+  panel.statusButtons = callbacks_.statusItemFrames;
+  window->setListener([this](const ControlEvent& event) { handle(event); });
   return true;
 }
 
-void Dashboard::wire(Parts& parts) {
-  auto& controller = parts.controller;
-  controller.onContentChanged = [&parts] {
-    parts.window->render(parts.controller.content());
-    parts.panel->setContentSize(parts.controller.content().size);
-  };
-  parts.panel->statusButtons = callbacks_.statusItemFrames;
-  parts.window->setActions({
-      .selectTab =
-          [&controller, told = callbacks_.tabChanged](std::size_t index) {
-            controller.tabChanged(index);
-            told();
-          },
-      .openSettings = callbacks_.openSettings,
-      .showMore = [&controller] { controller.expandClicked(); },
-      .showLess = [&controller] { controller.collapseClicked(); },
-      .openActivityMonitor = [this] { (void)services_.workspace.openSystemMonitor(); },
-      .quit = callbacks_.quit,
-      .awake = controller.awakeView().actions(callbacks_.awake),
-      .usage = {callbacks_.refreshUsage, callbacks_.configureUsage,
-                [this](UsageProvider provider) { services_.workspace.openLink(usagePage(provider)); }},
-  });
+void Dashboard::handle(const ControlEvent& event) {
+  const std::string_view identifier = event.identifier;
+  if (identifier == "settings") return callbacks_.openSettings();
+  if (identifier == "quit") return callbacks_.quit();
+  if (identifier == "activity") (void)services_.workspace.openSystemMonitor();
+  if (identifier == "refresh") return callbacks_.refreshUsage();
+  if (identifier == "configure" || identifier.starts_with("connect.")) return callbacks_.configureUsage();
+  for (const auto provider : kAllUsageProviders) {
+    if (identifier == linkIdentifier(provider)) services_.workspace.openLink(usagePage(provider));
+  }
+  parts_->controller.handle(event);
+  if (identifier == "tabs") callbacks_.tabShown(parts_->controller.selectedTab());
 }
 
 void Dashboard::close() {
-  if (parts_) parts_->panel->close();
+  if (parts_) parts_->panel.close();
 }
 
 bool Dashboard::wantsProcesses() const {
   return parts_ && (offscreen_ || visible()) && parts_->controller.selectedTab() == DashboardTab::memory;
 }
 
-bool Dashboard::justClosedBy(const StatusItem& item) const { return parts_ && parts_->panel->justClosedBy(item); }
-
-std::optional<DashboardTab> Dashboard::selectedTab() const {
-  if (!parts_) return std::nullopt;
-  return parts_->controller.selectedTab();
-}
+bool Dashboard::justClosedBy(const StatusItem& item) const { return parts_ && parts_->panel.justClosedBy(item); }
 
 void Dashboard::update() {
   if (visible()) parts_->controller.show();

@@ -26,12 +26,12 @@ class Dashboard {
     Workspace& workspace;
   };
   struct Callbacks {
-    std::function<void()> tabChanged;  ///< the user picked another tab
+    std::function<void(DashboardTab tab)> tabShown;  ///< by opening it, or because the user picked it
     std::function<void()> openSettings;
     std::function<void()> configureUsage;  ///< the settings of the subscriptions
     std::function<void()> quit;
     std::function<std::vector<Rect>()> statusItemFrames;
-    AwakeView::Requests awake;
+    std::function<void()> settingsChanged;  ///< by the user, on the Keep Awake page
     std::function<void()> refreshUsage;
   };
 
@@ -43,13 +43,11 @@ class Dashboard {
   /// Makes and fills everything without showing it. False when there is no display.
   [[nodiscard]] bool loadOffscreen(DashboardTab tab);
   void close();
-  [[nodiscard]] bool visible() const { return parts_ && parts_->panel->visible(); }
+  [[nodiscard]] bool visible() const { return parts_ && parts_->panel.visible(); }
   /// Whether somebody looks at the process list, or it is being loaded off screen.
   [[nodiscard]] bool wantsProcesses() const;
   /// Whether a click on `item` is the one that has just closed the dashboard.
   [[nodiscard]] bool justClosedBy(const StatusItem& item) const;
-  /// Absent before the dashboard was first opened.
-  [[nodiscard]] std::optional<DashboardTab> selectedTab() const;
 
   // For the open dashboard; a closed one costs nothing and catches up on opening.
 
@@ -60,14 +58,18 @@ class Dashboard {
  private:
   /// In order of dependence, so that they go in the reverse order.
   struct Parts {
-    explicit Parts(const DashboardSources& sources) : controller(sources) {}
+    Parts(const DashboardSources& sources, UserInterface& interface, MainLoop& loop)
+        : controller(sources),
+          window(interface.makeDashboardWindow()),
+          panel(*window, interface, loop, sources.clock) {}
     DashboardController controller;
     std::unique_ptr<DashboardWindow> window;
-    std::unique_ptr<DashboardPanel> panel;
+    DashboardPanel panel;
   };
 
   [[nodiscard]] bool create();
-  void wire(Parts& parts);
+  /// What the user does in the window.
+  void handle(const ControlEvent& event);
   [[nodiscard]] bool prepare(std::optional<DashboardTab> tab);
 
   Services services_;

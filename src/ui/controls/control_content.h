@@ -3,15 +3,40 @@
 
 #include <chrono>
 #include <cstddef>
+#include <functional>
 #include <string>
+#include <variant>
 #include <vector>
 
 #include "base/geometry.h"
 
 namespace nimbo {
 
-/// Colours by meaning; the toolkit has one value of each for light and one for dark appearance.
-enum class ColorRole { label, secondaryLabel, tertiaryLabel, quaternaryLabel, teal, indigo, orange, green, red, blue };
+/// Colours by meaning; each has one value for light and one for dark appearance. All but quaternaryLabel,
+/// separator and cardGround are opaque.
+enum class ColorRole {
+  // Read as small text on `background` and on a card, too.
+  label,
+  secondaryLabel,
+  tertiaryLabel,
+  teal,
+  indigo,
+  orange,
+  green,
+  red,
+  blue,
+
+  quaternaryLabel,  ///< behind the bars of charts
+  background,       ///< of windows and menus
+  cardGround,       ///< of a card on the background
+  separator,        ///< thin lines: a panel's border and the one above its footer
+  // What is on, selected or pressed by Return, and the text on it. Not the desktop's accent colour, so
+  // that the contrast is always enough.
+  accentGround,
+  accentLabel,
+  fieldGround,  ///< inside fields and check boxes that are off
+  fieldBorder,  ///< around them; strong enough to tell where they are
+};
 
 enum class FontWeight { regular, medium, semibold };
 enum class TextAlignment { left, right };
@@ -106,5 +131,25 @@ struct TabsContent {
   std::size_t selected = 0;
   bool operator==(const TabsContent&) const = default;
 };
+
+/// What the user gave a control: nothing by pressing it, or its state, the index of an item, a text, a date.
+using ControlValue =
+    std::variant<std::monostate, bool, std::size_t, std::string, std::chrono::system_clock::time_point>;
+
+/// What the user did with a control.
+struct ControlEvent {
+  std::string identifier;
+  ControlValue value = {};
+
+  /// The value, or an empty one where it is of another kind.
+  template <class Value>
+  [[nodiscard]] Value as() const {
+    const auto* const given = std::get_if<Value>(&value);
+    return given != nullptr ? *given : Value{};
+  }
+  bool operator==(const ControlEvent&) const = default;
+};
+
+using ControlListener = std::function<void(const ControlEvent& event)>;
 
 }  // namespace nimbo

@@ -41,11 +41,6 @@ std::string sessionText(const AwakeManager& manager, const Dates& dates) {
   return text + (manager.keepsDisplayOn() ? " Display stays on." : " Display may sleep.");
 }
 
-template <class... Controls>
-void hide(Controls&... controls) {
-  ((controls.visible = false), ...);
-}
-
 }  // namespace
 
 AwakeView::AwakeView(const DashboardSources& sources, std::function<void()> changed)
@@ -60,26 +55,24 @@ void AwakeView::reset() {
   if (!sources_.awake.isActive() && date_ <= now) date_ = suggestedEnd(now);
 }
 
-AwakeActions AwakeView::actions(const Requests& requests) {
-  return {
-      .startOrStop = [this, toggle = requests.toggle] { startOrStop(toggle); },
-      .extend = requests.extend,
-      .selectDuration = [this](std::size_t index) { selectDuration(index); },
-      .editMinutes = [this](const std::string& text) { editMinutes(text); },
-      .pickDate = [this](Time date) { pickDate(date); },
-      .switchDisplay = [this, keep = requests.keepDisplayOn](bool on) { switchDisplay(on, keep); },
-      .switchPlugged = [this, told = requests.rulesChanged](
-                           bool on) { storeRules(on, sources_.settings.awakeBatteryFloor(), told); },
-      .selectBatteryFloor =
-          [this, told = requests.rulesChanged](std::size_t index) {
-            const auto floor = kBatteryFloors[std::min(index, kBatteryFloors.size() - 1)];
-            storeRules(sources_.settings.awakeOnlyOnPower(), static_cast<int>(floor), told);
-          },
-      .turnDisplayOff = requests.turnDisplayOff,
-  };
+void AwakeView::handle(const ControlEvent& event) {
+  const auto& identifier = event.identifier;
+  const auto& settings = sources_.settings;
+  if (identifier == "start") return startOrStop();
+  if (identifier == "extend") return sources_.awake.extend(std::chrono::minutes(30));
+  if (identifier == "duration") return selectDuration(event.as<std::size_t>());
+  if (identifier == "minutes") return editMinutes(event.as<std::string>());
+  if (identifier == "date") return pickDate(event.as<Time>());
+  if (identifier == "display") return switchDisplay(event.as<bool>());
+  if (identifier == "plugged") return storeRules(event.as<bool>(), settings.awakeBatteryFloor());
+  if (identifier == "battery") {
+    const auto floor = kBatteryFloors[std::min(event.as<std::size_t>(), kBatteryFloors.size() - 1)];
+    return storeRules(settings.awakeOnlyOnPower(), static_cast<int>(floor));
+  }
+  if (identifier == "displayOff") sources_.awake.turnDisplayOff();
 }
 
-void AwakeView::startOrStop(const std::function<void(std::optional<Time> end)>& toggle) {
+void AwakeView::startOrStop() {
   std::optional<Time> end;
   if (!sources_.awake.isActive()) {
     const auto minutes = customMinutes(minutes_);
@@ -95,7 +88,7 @@ void AwakeView::startOrStop(const std::function<void(std::optional<Time> end)>& 
     end = sessionEnd(duration, minutes.value_or(0), date_, sources_.clock.now());
   }
   validationMessage_.reset();
-  toggle(end);
+  sources_.awake.toggle(end);
   changed_();
 }
 
@@ -117,34 +110,34 @@ void AwakeView::pickDate(Time date) {
   changed_();
 }
 
-void AwakeView::switchDisplay(bool on, const std::function<void(bool on)>& keepDisplayOn) {
+void AwakeView::switchDisplay(bool on) {
   // Shown as the user has it now, so that a refusal is a change that puts the switch back.
   switchedDisplay_ = on;
   changed_();
   switchedDisplay_.reset();
-  keepDisplayOn(on);
-  changed_();
+  sources_.awake.keepDisplayOn(on);
+  settingsChanged();
 }
 
-void AwakeView::storeRules(bool onlyOnPower, int batteryFloor, const std::function<void()>& rulesChanged) {
+void AwakeView::storeRules(bool onlyOnPower, int batteryFloor) {
   sources_.settings.setAwakeOnlyOnPower(onlyOnPower);
   sources_.settings.setAwakeBatteryFloor(batteryFloor);
-  rulesChanged();
+  sources_.awake.applyStoredRules();
+  settingsChanged();
+}
+
+void AwakeView::settingsChanged() {
+  if (onSettingsChanged) onSettingsChanged();
   changed_();
 }
 
-AwakeContent AwakeView::content(bool visible) const {
+AwakeContent AwakeView::content() const {
   AwakeContent content;
   fillSession(content);
   fillLength(content);
   fillRules(content);
   content.note = {{20, 386, 300, 44}, {10, FontWeight::regular, ColorRole::tertiaryLabel}, kNote};
   content.note.lines = 3;
-  if (!visible) {
-    hide(content.state, content.detail, content.start, content.extend, content.durationTitle, content.duration,
-         content.minutes, content.date, content.display, content.plugged, content.batteryTitle, content.battery,
-         content.off, content.note);
-  }
   return content;
 }
 

@@ -6,43 +6,36 @@
 #include <optional>
 #include <string>
 
-#include "ui/dashboard/dashboard_sources.h"
-#include "ui/dashboard/dashboard_window.h"
+#include "ui/dashboard/dashboard_pages.h"
 
 namespace nimbo {
 
-/// The Keep Awake page without its pixels: checks and stores what the user chooses, and turns the
-/// session's state into texts. Holds only what the user has begun to enter. Main thread only.
+/// The Keep Awake page without its pixels: checks and stores what the user chooses, steers the session,
+/// and turns its state into texts. Holds only what the user has begun to enter. Main thread only.
 class AwakeView {
  public:
   using Time = AwakeManager::Time;
-
-  /// Requests to the owner of the session.
-  struct Requests {
-    /// Stop the session that runs, or start one that ends at `end`; absent for one until stopped.
-    std::function<void(std::optional<Time> end)> toggle;
-    std::function<void(bool on)> keepDisplayOn;
-    std::function<void()> rulesChanged;  ///< the battery rules; they are stored already
-    std::function<void()> turnDisplayOff;
-    std::function<void()> extend;
-  };
 
   /// `changed` tells that `content` is another one now.
   AwakeView(const DashboardSources& sources, std::function<void()> changed);
 
   /// Forgets what was entered but not used.
   void reset();
-  [[nodiscard]] AwakeContent content(bool visible) const;
-  /// What the page's controls call; lives as long as the view.
-  [[nodiscard]] AwakeActions actions(const Requests& requests);
+  [[nodiscard]] AwakeContent content() const;
+  /// What the user does with the page's controls; nothing for those of other pages.
+  void handle(const ControlEvent& event);
+
+  /// The user has changed a setting that other windows show, too.
+  std::function<void()> onSettingsChanged;
 
  private:
-  void startOrStop(const std::function<void(std::optional<Time> end)>& toggle);
+  void startOrStop();
   void selectDuration(std::size_t index);
   void editMinutes(const std::string& text);
   void pickDate(Time date);
-  void switchDisplay(bool on, const std::function<void(bool on)>& keepDisplayOn);
-  void storeRules(bool onlyOnPower, int batteryFloor, const std::function<void()>& rulesChanged);
+  void switchDisplay(bool on);
+  void storeRules(bool onlyOnPower, int batteryFloor);
+  void settingsChanged();
 
   void fillSession(AwakeContent& content) const;
   void fillLength(AwakeContent& content) const;
@@ -53,7 +46,7 @@ class AwakeView {
   std::optional<std::string> validationMessage_;  // an input error, shown instead of the session's detail
   std::string minutes_;
   Time date_;
-  std::optional<bool> switchedDisplay_;  // only while the owner is asked
+  std::optional<bool> switchedDisplay_;  // only while the session is asked
 };
 
 }  // namespace nimbo

@@ -50,4 +50,11 @@ std::vector<ChartBar> breakdownBars(const std::optional<MemorySnapshot>& snapsho
   return bars;
 }
 
+std::vector<ChartBar> allowanceBars(double fraction, ColorRole tint, Size size) {
+  const RoundedRect track{{0, 0, size.width, size.height}, 4};
+  std::vector<ChartBar> bars{{track, ColorRole::quaternaryLabel}};
+  if (fraction > 0) bars.push_back({{{0, 0, size.width * fraction, size.height}, 0}, tint, {}, track});
+  return bars;
+}
+
 }  // namespace nimbo

@@ -4,19 +4,10 @@
 #include <optional>
 #include <vector>
 
-#include "platform/template_image.h"
+#include "system/system_readings.h"
 #include "ui/dashboard/dashboard_content.h"
 
 namespace nimbo {
-
-/// One filled shape of a chart, in points from the chart's top left corner.
-struct ChartBar {
-  RoundedRect shape;
-  ColorRole color = ColorRole::label;
-  double alpha = 1;  ///< takes the place of the colour's own
-  std::optional<RoundedRect> clip;
-  bool operator==(const ChartBar&) const = default;
-};
 
 // The bars of a chart of that size, in drawing order.
 
@@ -26,5 +17,8 @@ struct ChartBar {
 /// Physical memory as one bar: app, wired and compressed over a background that stands for cached and
 /// free memory.
 [[nodiscard]] std::vector<ChartBar> breakdownBars(const std::optional<MemorySnapshot>& snapshot, Size size);
+
+/// How much is left of an allowance (0…1), filled from the left.
+[[nodiscard]] std::vector<ChartBar> allowanceBars(double fraction, ColorRole tint, Size size);
 
 }  // namespace nimbo

@@ -7,29 +7,35 @@
 #include <vector>
 
 #include "base/geometry.h"
+#include "platform/template_image.h"
 #include "settings/usage_provider.h"
-#include "system/system_readings.h"
 #include "ui/controls/control_content.h"
 
 namespace nimbo {
 
 // Frames are in points from the top left corner of the dashboard, unless said otherwise.
 
-struct HistoryContent {
-  Rect frame;
-  std::vector<double> history;  ///< 0…1, oldest first
-  ColorRole tint = ColorRole::teal;
-  std::string accessibleName = {};
-  bool visible = true;
-  bool operator==(const HistoryContent&) const = default;
+/// One filled shape of a chart, in points from the chart's top left corner.
+struct ChartBar {
+  RoundedRect shape;
+  ColorRole color = ColorRole::label;
+  std::optional<double> alpha = {};  ///< takes the place of the colour's own
+  std::optional<RoundedRect> clip = {};
+  bool operator==(const ChartBar&) const = default;
 };
 
-struct BreakdownContent {
+struct ChartContent {
   Rect frame;
-  std::optional<MemorySnapshot> snapshot;
+  std::vector<ChartBar> bars = {};  ///< in drawing order
+  double opacity = 1;
   std::string accessibleName = {};
+  std::string toolTip = {};
+  // What it says to those who cannot see it.
+  bool progress = false;     ///< a bar of progress and no chart
+  double percent = 0;        ///< 0…100
+  std::string reading = {};  ///< the same in words; empty while there is nothing to read
   bool visible = true;
-  bool operator==(const BreakdownContent&) const = default;
+  bool operator==(const ChartContent&) const = default;
 };
 
 /// A scrolling list; the labels' frames are relative to the scrolled document.
@@ -47,7 +53,29 @@ struct MemoryRowContent {
   bool operator==(const MemoryRowContent&) const = default;
 };
 
-/// What the Keep Awake page shows. All of it is hidden on the other pages.
+// Each page has all that it shows besides the head and the foot of the dashboard; `visible` is of everything.
+
+struct ResourcesContent {
+  LabelContent hero;
+  LabelContent subtitle;
+  ChartContent history;
+  LabelContent pressure;
+  LabelContent time;
+  ChartContent breakdown;
+  std::array<MemoryRowContent, 5> rows;
+  LabelContent cpu;
+  LabelContent temperature;
+  LabelContent processTitle;
+  ButtonContent lessButton;
+  ButtonContent moreButton;
+  ProcessListContent processes;
+  LabelContent processNote;
+  ButtonContent activityButton;
+  LabelContent footer;
+  bool visible = true;
+  bool operator==(const ResourcesContent&) const = default;
+};
+
 struct AwakeContent {
   LabelContent state;
   LabelContent detail;
@@ -63,31 +91,21 @@ struct AwakeContent {
   PopUpContent battery;
   ButtonContent off;
   LabelContent note;
+  bool visible = true;
   bool operator==(const AwakeContent&) const = default;
 };
 
-/// A bar that shows how much is left.
-struct UsageBarContent {
-  Rect frame;
-  double fraction = 0;  ///< 0…1, filled from the left
-  ColorRole tint = ColorRole::teal;
-  double alpha = 1;
-  std::string accessibleName = {};
-  std::string accessibleValue = {};
-  std::string toolTip = {};
-  bool operator==(const UsageBarContent&) const = default;
-};
-
-/// One limit window.
+/// One limit window. Its frame is relative to the card; those of its parts are relative to it.
 struct UsageRowContent {
+  Rect frame;
   LabelContent title;
   LabelContent amount;
-  UsageBarContent bar;
+  ChartContent bar;  ///< how much is left
   LabelContent reset;
   bool operator==(const UsageRowContent&) const = default;
 };
 
-/// One provider. Frames are relative to the scrolled document, as are those of the rows.
+/// One provider. Its frame is relative to the scrolled document; those of its parts are relative to it.
 struct UsageCardContent {
   UsageProvider provider = UsageProvider::codex;
   Rect frame;
@@ -99,7 +117,6 @@ struct UsageCardContent {
   bool operator==(const UsageCardContent&) const = default;
 };
 
-/// What the AI page shows.
 struct UsageContent {
   Rect scroll;
   Size document;
@@ -108,7 +125,7 @@ struct UsageContent {
   LabelContent progress;  ///< beside the button while a refresh runs
   ButtonContent configure;
   LabelContent note;
-  bool visible = true;  ///< of everything
+  bool visible = true;
   bool operator==(const UsageContent&) const = default;
 };
 
@@ -120,23 +137,7 @@ struct DashboardContent {
   TabsContent tabs;
   ButtonContent settingsButton;
 
-  LabelContent hero;
-  LabelContent subtitle;
-  HistoryContent history;
-  LabelContent pressure;
-  LabelContent time;
-  BreakdownContent breakdown;
-  std::array<MemoryRowContent, 5> rows;
-  LabelContent cpu;
-  LabelContent temperature;
-  LabelContent processTitle;
-  ButtonContent lessButton;
-  ButtonContent moreButton;
-  ProcessListContent processes;
-  LabelContent processNote;
-  ButtonContent activityButton;
-  LabelContent footer;
-
+  ResourcesContent resources;
   AwakeContent awake;
   UsageContent usage;
 

@@ -4,8 +4,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "ui/dashboard/usage_view.h"
-
 namespace nimbo {
 namespace {
 
@@ -25,18 +23,6 @@ const char* tabLabel(DashboardTab tab) {
       return "Awake";
   }
   return "";
-}
-
-double pageHeight(DashboardTab tab, const ResourcesView& resources) {
-  switch (tab) {
-    case DashboardTab::ai:
-      return kUsagePageHeight;
-    case DashboardTab::memory:
-      return resourcesHeight(resources);
-    case DashboardTab::awake:
-      return kAwakePageHeight;
-  }
-  return 0;
 }
 
 void fillHeader(DashboardContent& content, const std::vector<DashboardTab>& tabOrder, DashboardTab selected) {
@@ -70,45 +56,49 @@ void DashboardController::open(std::optional<DashboardTab> tab) {
 }
 
 void DashboardController::showProcesses(ProcessScan scan) {
-  processes_ = std::move(scan);
+  processes_.scan = std::move(scan);
   show();
 }
 
-void DashboardController::tabChanged(std::size_t index) {
-  const auto order = sources_.settings.tabOrder();
-  tab_ = order[std::min(index, order.size() - 1)];
+void DashboardController::handle(const ControlEvent& event) {
+  const auto& identifier = event.identifier;
+  if (identifier == "tabs") {
+    const auto order = sources_.settings.tabOrder();
+    tab_ = order[std::min(event.as<std::size_t>(), order.size() - 1)];
+  } else if (identifier == "more") {
+    processes_.limit += kProcessLimitStep;
+  } else if (identifier == "less") {
+    processes_.limit = kCollapsedProcessLimit;
+  } else {
+    return awakeView_.handle(event);
+  }
   show();
 }
 
-void DashboardController::expandClicked() {
-  processLimit_ += kProcessLimitStep;
-  show();
-}
-
-void DashboardController::collapseClicked() {
-  processLimit_ = kCollapsedProcessLimit;
-  show();
+double DashboardController::pageHeight() const {
+  switch (tab_) {
+    case DashboardTab::ai:
+      return kUsagePageHeight;
+    case DashboardTab::memory:
+      return resourcesHeight(sources_, processes_);
+    case DashboardTab::awake:
+      return kAwakePageHeight;
+  }
+  return 0;
 }
 
 void DashboardController::show() {
-  const auto& settings = sources_.settings;
-  const ResourcesView resources{.readings = sources_.readings,
-                                .processes = processes_,
-                                .refreshInterval = settings.refreshInterval(),
-                                .visible = tab_ == DashboardTab::memory,
-                                .memoryEnabled = settings.monitorMemory(),
-                                .cpuEnabled = settings.monitorCpu(),
-                                .temperatureEnabled = settings.monitorTemperature(),
-                                .activityMonitorEnabled = activityMonitorEnabled_,
-                                .processLimit = processLimit_};
-  const double height = pageHeight(tab_, resources);
+  const double height = pageHeight();
 
   DashboardContent content;
   content.size = {kWidth, height + kFooterHeight};
-  fillHeader(content, settings.tabOrder(), tab_);
-  fillResources(content, resources);
-  content.usage = usageContent(sources_, tab_ == DashboardTab::ai);
-  content.awake = awakeView_.content(tab_ == DashboardTab::awake);
+  fillHeader(content, sources_.settings.tabOrder(), tab_);
+  content.resources = resourcesContent(sources_, processes_);
+  content.resources.visible = tab_ == DashboardTab::memory;
+  content.usage = usageContent(sources_);
+  content.usage.visible = tab_ == DashboardTab::ai;
+  content.awake = awakeView_.content();
+  content.awake.visible = tab_ == DashboardTab::awake;
   fillFooter(content, height);
 
   if (content == content_) return;

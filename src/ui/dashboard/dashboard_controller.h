@@ -8,8 +8,7 @@
 #include "system/process_scan.h"
 #include "ui/dashboard/awake_view.h"
 #include "ui/dashboard/dashboard_content.h"
-#include "ui/dashboard/dashboard_sources.h"
-#include "ui/dashboard/resources_view.h"
+#include "ui/dashboard/dashboard_pages.h"
 
 namespace nimbo {
 
@@ -24,7 +23,7 @@ class DashboardController {
   [[nodiscard]] DashboardTab selectedTab() const { return tab_; }
 
   /// For a desktop that has no program for watching processes; shown with the next content.
-  void setActivityMonitorEnabled(bool enabled) { activityMonitorEnabled_ = enabled; }
+  void setActivityMonitorEnabled(bool enabled) { processes_.activityMonitorEnabled = enabled; }
 
   /// Before the window is opened: shows `tab`, or else the selected one, and forgets unfinished input.
   void open(std::optional<DashboardTab> tab);
@@ -32,19 +31,18 @@ class DashboardController {
   void show();
   void showProcesses(ProcessScan scan);
 
-  void tabChanged(std::size_t index);
-  void expandClicked();
-  void collapseClicked();
+  /// What the user does with the tabs, the process list and the Keep Awake page.
+  void handle(const ControlEvent& event);
 
   /// `content` is another one now.
   std::function<void()> onContentChanged;
 
  private:
+  [[nodiscard]] double pageHeight() const;
+
   DashboardSources sources_;
   DashboardTab tab_;
-  bool activityMonitorEnabled_ = true;
-  ProcessScan processes_;
-  std::size_t processLimit_ = kCollapsedProcessLimit;
+  ProcessView processes_;
   AwakeView awakeView_;
   DashboardContent content_;
 };

@@ -63,21 +63,6 @@ Rect spanning(const Rect& strip, const Rect& rect, ScreenEdge edge) {
   return horizontal ? Rect{rect.x, strip.y, rect.width, strip.height} : Rect{strip.x, rect.y, strip.width, rect.height};
 }
 
-/// `rect` stretched to the edge, where the panel's own thickness is not known.
-Rect reaching(const Rect& frame, const Rect& rect, ScreenEdge edge) {
-  switch (edge) {
-    case ScreenEdge::top:
-      return {rect.x, frame.y, rect.width, rect.maxY() - frame.y};
-    case ScreenEdge::bottom:
-      return {rect.x, rect.y, rect.width, frame.maxY() - rect.y};
-    case ScreenEdge::left:
-      return {frame.x, rect.y, rect.maxX() - frame.x, rect.height};
-    case ScreenEdge::right:
-      return {rect.x, rect.y, frame.maxX() - rect.x, rect.height};
-  }
-  return {};
-}
-
 std::optional<PanelAnchor> anchorInPanel(const Screen& screen, const Rect& reported) {
   for (const auto edge : kEdges) {
     const Rect area = strip(screen.frame, screen.visibleFrame, edge);
@@ -93,7 +78,7 @@ std::optional<PanelAnchor> anchorNearEdge(const Screen& screen, const Rect& repo
                    frame.height - 2 * kPanelReach};
   for (const auto edge : kEdges) {
     if (!strip(frame, inner, edge).contains(center(reported))) continue;
-    return PanelAnchor{reaching(frame, reported, edge), edge, screen.visibleFrame};
+    return PanelAnchor{reported, edge, screen.visibleFrame};
   }
   return std::nullopt;
 }

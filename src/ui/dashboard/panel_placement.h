@@ -19,7 +19,7 @@ enum class ScreenEdge { top, bottom, left, right };
 
 /// What the dashboard hangs from. Global coordinates, y downwards.
 struct PanelAnchor {
-  Rect rect;  ///< spans the menu bar or panel across its thickness
+  Rect rect;  ///< of the item; across the menu bar or panel as thick as that, where its thickness is known
   ScreenEdge edge = ScreenEdge::top;
   Rect visibleFrame;  ///< of the screen it is on
   bool operator==(const PanelAnchor&) const = default;

@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: MIT
-#include "ui/dashboard/resources_view.h"
+#include "ui/dashboard/dashboard_pages.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <array>
-#include <utility>
+#include <cmath>
 
 #include "base/size_text.h"
+#include "ui/dashboard/chart_bars.h"
 
 namespace nimbo {
 namespace {
@@ -40,37 +41,48 @@ constexpr std::array kRows{
               [](const auto& memory) { return memory.swap ? gigabytesText(*memory.swap) : "Unavailable"; }},
 };
 
-double temperatureHeight(const ResourcesView& view) { return view.temperatureEnabled ? kTemperatureHeight : 0; }
+struct ResourcesView {
+  const Settings& settings;
+  const SystemReadings& readings;
+  const ProcessView& processes;
+  bool memory = settings.monitorMemory();
+};
 
-bool expanded(const ResourcesView& view) { return view.memoryEnabled && view.processLimit > kCollapsedProcessLimit; }
+double temperatureHeight(const ResourcesView& view) {
+  return view.settings.monitorTemperature() ? kTemperatureHeight : 0;
+}
+
+bool expanded(const ResourcesView& view) { return view.memory && view.processes.limit > kCollapsedProcessLimit; }
 
 double expandedHeight(const ResourcesView& view) { return expanded(view) ? kExpandedHeight : 0; }
 
-bool memoryVisible(const ResourcesView& view) { return view.visible && view.memoryEnabled; }
+double pageHeight(const ResourcesView& view) {
+  return (view.memory ? 596 : 278) + expandedHeight(view) + temperatureHeight(view);
+}
 
 std::string percentText(double fraction) { return fmt::format("{:.0f}%", fraction * 100); }
 
 /// The reading to show; null when there is none or it cannot be trusted.
 const MemorySnapshot* shownMemory(const ResourcesView& view) {
   const auto& readings = view.readings;
-  return view.memoryEnabled && readings.memory && !readings.memoryFailed ? &*readings.memory : nullptr;
+  return view.memory && readings.memory && !readings.memoryFailed ? &*readings.memory : nullptr;
 }
 
 bool awaitsFirstReading(const ResourcesView& view) {
-  return view.memoryEnabled && !view.readings.memory && !view.readings.memoryFailed;
+  return view.memory && !view.readings.memory && !view.readings.memoryFailed;
 }
 
 const std::vector<double>& shownHistory(const ResourcesView& view) {
-  return view.memoryEnabled ? view.readings.memoryHistory : view.readings.cpuHistory;
+  return view.memory ? view.readings.memoryHistory : view.readings.cpuHistory;
 }
 
 std::string heroText(const ResourcesView& view) {
   if (const auto* memory = shownMemory(view)) return percentText(memory->usedFraction());
-  return !view.memoryEnabled && view.readings.cpu ? percentText(*view.readings.cpu) : kNoFigure;
+  return !view.memory && view.readings.cpu ? percentText(*view.readings.cpu) : kNoFigure;
 }
 
 std::string subtitleText(const ResourcesView& view) {
-  if (!view.memoryEnabled) return "Total CPU utilization · all cores";
+  if (!view.memory) return "Total CPU utilization · all cores";
   if (awaitsFirstReading(view)) return "Reading memory…";
   const auto* memory = shownMemory(view);
   if (memory == nullptr) return "Memory unavailable. Retrying automatically…";
@@ -100,7 +112,7 @@ std::string timeText(const ResourcesView& view) {
   if (awaitsFirstReading(view)) return "RECENT USAGE";
   const auto samples = shownHistory(view).size();
   const auto steps = samples == 0 ? 0 : samples - 1;
-  return fmt::format("RECENT USAGE · {}s", steps * static_cast<std::size_t>(view.refreshInterval.count()));
+  return fmt::format("RECENT USAGE · {}s", steps * static_cast<std::size_t>(view.settings.refreshInterval().count()));
 }
 
 std::string temperatureText(std::optional<double> celsius) {
@@ -108,65 +120,74 @@ std::string temperatureText(std::optional<double> celsius) {
   return fmt::format("CPU temperature  {:.0f}°C · hottest sensor", *celsius);
 }
 
-LabelContent label(const Rect& frame, const TextStyle& style, std::string text, bool visible,
-                   const char* toolTip = "") {
-  return {frame, style, std::move(text), toolTip, visible};
+ButtonContent button(const char* identifier, const Rect& frame, ButtonLook look, const char* title) {
+  return {identifier, frame, look, 11, title};
 }
 
-ButtonContent button(const char* identifier, const Rect& frame, ButtonLook look, const char* title, bool visible,
-                     bool enabled = true) {
-  ButtonContent content{identifier, frame, look, 11, title};
-  content.visible = visible;
-  content.enabled = enabled;
-  return content;
-}
-
-void fillSummary(DashboardContent& content, const ResourcesView& view) {
+void fillSummary(ResourcesContent& content, const ResourcesView& view) {
   const auto* memory = shownMemory(view);
   const auto pressure = memory != nullptr ? memory->pressure : MemoryPressure::unknown;
-  content.hero = label({18, 55, 302, 48}, {38, FontWeight::semibold, ColorRole::label, TextAlignment::left, true},
-                       heroText(view), view.visible);
-  content.subtitle =
-      label({20, 108, 300, 18}, {12, FontWeight::regular, ColorRole::secondaryLabel}, subtitleText(view), view.visible);
-  content.pressure = label({174, 210, 146, 16}, {11, FontWeight::medium, pressureColor(pressure), TextAlignment::right},
-                           memory != nullptr ? pressureText(pressure) : "", memoryVisible(view));
-  content.time =
-      label({20, 211, 154, 14}, {9, FontWeight::medium, ColorRole::tertiaryLabel}, timeText(view), view.visible);
+  content.hero = {
+      {18, 55, 302, 48}, {38, FontWeight::semibold, ColorRole::label, TextAlignment::left, true}, heroText(view)};
+  content.subtitle = {{20, 108, 300, 18}, {12, FontWeight::regular, ColorRole::secondaryLabel}, subtitleText(view)};
+  content.pressure = {{174, 210, 146, 16}, {11, FontWeight::medium, pressureColor(pressure), TextAlignment::right}};
+  if (memory != nullptr) content.pressure.text = pressureText(pressure);
+  content.pressure.visible = view.memory;
+  content.time = {{20, 211, 154, 14}, {9, FontWeight::medium, ColorRole::tertiaryLabel}, timeText(view)};
 }
 
-void fillCharts(DashboardContent& content, const ResourcesView& view) {
-  content.history = {{20, 146, 300, 56}, shownHistory(view), ColorRole::teal, "Memory history", view.visible};
-  if (!view.memoryEnabled) {
-    content.history.tint = ColorRole::blue;
-    content.history.accessibleName = "CPU history";
+std::string partsText(const MemorySnapshot& memory) {
+  const auto percent = [&](std::uint64_t bytes) {
+    return std::lround(static_cast<double>(bytes) / static_cast<double>(memory.total) * 100);
+  };
+  return fmt::format("App memory {}%, wired {}%, compressed {}%", percent(memory.app), percent(memory.wired),
+                     percent(memory.compressed));
+}
+
+void fillCharts(ResourcesContent& content, const ResourcesView& view) {
+  auto& history = content.history = {{20, 146, 300, 56}};
+  const auto& samples = shownHistory(view);
+  history.bars = historyBars(samples, view.memory ? ColorRole::teal : ColorRole::blue, {300, 56});
+  history.accessibleName = view.memory ? "Memory history" : "CPU history";
+  if (!samples.empty()) {
+    history.percent = samples.back() * 100;
+    history.reading = fmt::format("{}%", std::lround(history.percent));
   }
-  content.breakdown = {{20, 243, 300, 8}, {}, "Memory breakdown", memoryVisible(view)};
-  if (const auto* memory = shownMemory(view)) content.breakdown.snapshot = *memory;
+
+  auto& breakdown = content.breakdown = {{20, 243, 300, 8}};
+  const auto* memory = shownMemory(view);
+  breakdown.bars = breakdownBars(memory != nullptr ? std::optional(*memory) : std::nullopt, {300, 8});
+  breakdown.accessibleName = "Memory breakdown";
+  breakdown.visible = view.memory;
+  if (memory != nullptr && memory->total > 0) {
+    breakdown.percent = memory->usedFraction() * 100;
+    breakdown.reading = partsText(*memory);
+  }
 }
 
-void fillRows(DashboardContent& content, const ResourcesView& view) {
+void fillRows(ResourcesContent& content, const ResourcesView& view) {
   const auto* memory = shownMemory(view);
   for (std::size_t index = 0; index < kRows.size(); ++index) {
     const auto& row = kRows[index];
     const double y = 264 + 23 * static_cast<double>(index);
+    const std::string text = memory != nullptr ? row.text(*memory) : kNoFigure;
     content.rows[index] = {
-        label({20, y, 160, 18}, {12, FontWeight::regular, row.color}, row.title, memoryVisible(view), row.toolTip),
-        label({190, y, 130, 18}, kFigureStyle, memory != nullptr ? row.text(*memory) : kNoFigure, memoryVisible(view),
-              row.toolTip)};
+        {{20, y, 160, 18}, {12, FontWeight::regular, row.color}, row.title, row.toolTip, view.memory},
+        {{190, y, 130, 18}, kFigureStyle, text, row.toolTip, view.memory}};
   }
 }
 
-void fillSensorLines(DashboardContent& content, const ResourcesView& view) {
+void fillSensorLines(ResourcesContent& content, const ResourcesView& view) {
   const TextStyle style{11, FontWeight::medium, ColorRole::secondaryLabel, TextAlignment::left, true};
   const auto cpu = view.readings.cpu;
-  content.cpu = label({20, 389, 300, 18}, style, cpu ? "CPU  " + percentText(*cpu) + " utilized" : "CPU  Measuring…",
-                      memoryVisible(view) && view.cpuEnabled);
-  content.temperature = label({20, view.memoryEnabled ? 411.0 : 239.0, 300, 18}, style,
-                              temperatureText(view.readings.temperature), view.visible && view.temperatureEnabled);
+  content.cpu = {{20, 389, 300, 18}, style, cpu ? "CPU  " + percentText(*cpu) + " utilized" : "CPU  Measuring…"};
+  content.cpu.visible = view.memory && view.settings.monitorCpu();
+  content.temperature = {{20, view.memory ? 411.0 : 239.0, 300, 18}, style, temperatureText(view.readings.temperature)};
+  content.temperature.visible = view.settings.monitorTemperature();
 }
 
 std::size_t shownProcesses(const ResourcesView& view) {
-  return std::min(view.processLimit, view.processes.processes.size());
+  return std::min(view.processes.limit, view.processes.scan.processes.size());
 }
 
 std::string processNoteText(int unreadable) {
@@ -181,7 +202,7 @@ std::vector<LabelContent> processLabels(const ResourcesView& view) {
   }
   std::vector<LabelContent> labels;
   for (std::size_t row = 0; row < shown; ++row) {
-    const auto& [pid, name, bytes] = view.processes.processes[row];
+    const auto& [pid, name, bytes] = view.processes.scan.processes[row];
     const double y = 5 + kProcessHeight * static_cast<double>(row);
     labels.push_back({{0, y, 200, 19}, {12, FontWeight::medium}, name, fmt::format("{} · PID {}", name, pid)});
     labels.push_back({{201, y, 83, 19}, kFigureStyle, footprintText(bytes)});
@@ -189,47 +210,55 @@ std::vector<LabelContent> processLabels(const ResourcesView& view) {
   return labels;
 }
 
-void fillProcesses(DashboardContent& content, const ResourcesView& view) {
+void fillProcesses(ResourcesContent& content, const ResourcesView& view) {
   const double t = temperatureHeight(view);
   const double e = expandedHeight(view);
-  const bool visible = memoryVisible(view);
+  const bool visible = view.memory;
   const auto shown = shownProcesses(view);
   const double height = kProcessHeight * static_cast<double>(std::max<std::size_t>(shown, 1));
+  const auto count = expanded(view) ? shown : kCollapsedProcessLimit;
 
-  content.processTitle =
-      label({20, 422 + t, 130, 15}, {10, FontWeight::semibold, ColorRole::secondaryLabel},
-            fmt::format("TOP {} PROCESSES", expanded(view) ? shown : kCollapsedProcessLimit), visible);
-  content.lessButton =
-      button("less", {157, 418 + t, 72, 22}, ButtonLook::rounded, "Show less", visible && expanded(view));
-  content.moreButton = button("more", {230, 418 + t, 93, 22}, ButtonLook::rounded, "Show more", visible,
-                              view.processLimit < view.processes.processes.size());
+  content.processTitle = {{20, 422 + t, 130, 15}, {10, FontWeight::semibold, ColorRole::secondaryLabel}};
+  content.processTitle.text = fmt::format("TOP {} PROCESSES", count);
+  content.processTitle.visible = visible;
+  content.lessButton = button("less", {157, 418 + t, 72, 22}, ButtonLook::rounded, "Show less");
+  content.lessButton.visible = visible && expanded(view);
+  content.moreButton = button("more", {230, 418 + t, 93, 22}, ButtonLook::rounded, "Show more");
+  content.moreButton.visible = visible;
+  content.moreButton.enabled = view.processes.limit < view.processes.scan.processes.size();
   content.processes = {{20, 444 + t, 300, 87 + e}, {300, height}, processLabels(view), visible};
-  content.processNote = label({20, 538 + e + t, 300, 14}, {9, FontWeight::regular, ColorRole::tertiaryLabel},
-                              processNoteText(view.processes.unreadable), visible, kProcessNoteToolTip);
+  content.processNote = {{20, 538 + e + t, 300, 14},
+                         {9, FontWeight::regular, ColorRole::tertiaryLabel},
+                         processNoteText(view.processes.scan.unreadable),
+                         kProcessNoteToolTip,
+                         visible};
 }
 
-void fillLastLine(DashboardContent& content, const ResourcesView& view) {
-  const double height = resourcesHeight(view);
-  content.footer = label({20, height - 26, 170, 16}, {10, FontWeight::regular, ColorRole::tertiaryLabel},
-                         fmt::format("Updates every {}s", view.refreshInterval.count()), view.visible);
-  content.activityButton = button("activity", {194, height - 30, 130, 22}, ButtonLook::inlined, "Activity Monitor ↗",
-                                  view.visible, view.activityMonitorEnabled);
+void fillLastLine(ResourcesContent& content, const ResourcesView& view) {
+  const double height = pageHeight(view);
+  content.footer = {{20, height - 26, 170, 16}, {10, FontWeight::regular, ColorRole::tertiaryLabel}};
+  content.footer.text = fmt::format("Updates every {}s", view.settings.refreshInterval().count());
+  content.activityButton = button("activity", {194, height - 30, 130, 22}, ButtonLook::inlined, "Activity Monitor ↗");
+  content.activityButton.enabled = view.processes.activityMonitorEnabled;
   content.activityButton.accessibleName = "Activity Monitor";
 }
 
 }  // namespace
 
-double resourcesHeight(const ResourcesView& view) {
-  return (view.memoryEnabled ? 596 : 278) + expandedHeight(view) + temperatureHeight(view);
+double resourcesHeight(const DashboardSources& sources, const ProcessView& processes) {
+  return pageHeight({sources.settings, sources.readings, processes});
 }
 
-void fillResources(DashboardContent& content, const ResourcesView& view) {
+ResourcesContent resourcesContent(const DashboardSources& sources, const ProcessView& processes) {
+  const ResourcesView view{sources.settings, sources.readings, processes};
+  ResourcesContent content;
   fillSummary(content, view);
   fillCharts(content, view);
   fillRows(content, view);
   fillSensorLines(content, view);
   fillProcesses(content, view);
   fillLastLine(content, view);
+  return content;
 }
 
 }  // namespace nimbo

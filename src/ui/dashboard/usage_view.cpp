@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
-#include "ui/dashboard/usage_view.h"
+#include "ui/dashboard/dashboard_pages.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <cmath>
 
+#include "ui/dashboard/chart_bars.h"
 #include "usage/usage_status.h"
 
 namespace nimbo {
@@ -15,7 +16,7 @@ constexpr double kPageTop = 56;
 constexpr double kCardGap = 10;
 constexpr double kUsageRowHeight = 58;
 constexpr double kVisibleHeight = 371;
-constexpr double kStaleAlpha = 0.45;
+constexpr double kStaleOpacity = 0.45;
 constexpr const char* kUsageNote = "Updates every 5 minutes · hover for countdowns";
 
 const TextStyle kSecondaryText{11, FontWeight::regular, ColorRole::secondaryLabel};
@@ -41,29 +42,29 @@ std::string resetText(const UsageWindow& window, const Dates& dates) {
   return "Resets " + dates.abbreviatedDateAndShortTime(*window.resetsAt);
 }
 
-UsageBarContent barFor(const UsageWindow& window, const CardState& card, double y) {
-  UsageBarContent bar{{12, y + 24, 276, 7}};
+ChartContent barFor(const UsageWindow& window, const CardState& card) {
   const double left = percentLeft(window);
-  bar.fraction = std::isfinite(left) ? std::clamp(left / 100, 0.0, 1.0) : 0;
-  bar.tint = tintFor(window, card.provider);
-  bar.alpha = card.stale ? kStaleAlpha : 1;
+  const double fraction = std::isfinite(left) ? std::clamp(left / 100, 0.0, 1.0) : 0;
+  ChartContent bar{{0, 24, 276, 7}, allowanceBars(fraction, tintFor(window, card.provider), {276, 7})};
+  bar.opacity = card.stale ? kStaleOpacity : 1;
   bar.accessibleName = std::string(displayName(card.provider)) + " " + window.title;
-  bar.accessibleValue = fmt::format("{:.0f} percent remaining", bar.fraction * 100);
+  bar.progress = true;
+  bar.percent = fraction * 100;
+  bar.reading = fmt::format("{:.0f} percent remaining", bar.percent);
   return bar;
 }
 
 UsageRowContent rowFor(const UsageWindow& window, const CardState& card, double y) {
-  UsageRowContent row;
+  UsageRowContent row{{12, y, 276, 52}, {}, {}, barFor(window, card), {}};
   const std::string amount = fmt::format("{:.0f}% left", percentLeft(window));
   const std::string reset = resetText(window, card.dates);
   const std::string toolTip =
       fmt::format("{} · {} · {}\n{}\n{}", window.title, amount, resetCountdown(window, card.now), reset, card.status);
-  row.title = {{12, y, 170, 20}, {12, FontWeight::medium}, window.title, toolTip};
+  row.title = {{0, 0, 170, 20}, {12, FontWeight::medium}, window.title, toolTip};
   row.amount = {
-      {182, y, 106, 20}, {12, FontWeight::medium, ColorRole::label, TextAlignment::right, true}, amount, toolTip};
-  row.bar = barFor(window, card, y);
+      {170, 0, 106, 20}, {12, FontWeight::medium, ColorRole::label, TextAlignment::right, true}, amount, toolTip};
   row.bar.toolTip = toolTip;
-  row.reset = {{12, y + 34, 276, 18}, kSecondaryText, reset, toolTip};
+  row.reset = {{0, 34, 276, 18}, kSecondaryText, reset, toolTip};
   return row;
 }
 
@@ -74,19 +75,19 @@ UsageCardContent cardFor(const CardState& card, double y) {
   const double height = windows.empty() ? 110 : kUsageRowHeight * static_cast<double>(windows.size()) + 63;
 
   UsageCardContent content{card.provider, {0, y, 300, height}};
-  content.title = {{12, y + 11, 245, 22}, {14, FontWeight::semibold}, providerLabel(card.provider)};
-  content.link = {"link." + std::string(rawValue(card.provider)), {263, y + 10, 26, 24}, ButtonLook::inlined, 12, "↗"};
+  content.title = {{12, 11, 245, 22}, {14, FontWeight::semibold}, providerLabel(card.provider)};
+  content.link = {linkIdentifier(card.provider), {263, 10, 26, 24}, ButtonLook::inlined, 12, "↗"};
   content.link.accessibleName = content.link.toolTip = "Open " + name + " usage dashboard";
   const bool lastKnown = card.stale && !windows.empty();
-  content.status = {{12, y + 35, 276, 26},
+  content.status = {{12, 35, 276, 26},
                     {10, FontWeight::regular, ColorRole::secondaryLabel},
                     lastKnown ? "Last known · " + card.status : card.status,
                     card.status};
   content.status.lines = 2;
-  content.connect = {"connect." + std::string(rawValue(card.provider)), {8, y + 71, 230, 28}};
+  content.connect = {"connect." + std::string(rawValue(card.provider)), {8, 71, 230, 28}};
   content.connect.title = "Connect in Settings…";
   content.connect.visible = windows.empty() && !card.state.isRefreshing;
-  double rowY = y + 58;
+  double rowY = 58;
   for (const auto& window : windows) {
     content.rows.push_back(rowFor(window, card, rowY));
     rowY += kUsageRowHeight;
@@ -100,7 +101,9 @@ bool anyState(const UsageStates& states, bool UsageState::*flag) {
 
 }  // namespace
 
-UsageContent usageContent(const DashboardSources& sources, bool visible) {
+std::string linkIdentifier(UsageProvider provider) { return "link." + std::string(rawValue(provider)); }
+
+UsageContent usageContent(const DashboardSources& sources) {
   static const UsageState kUnknown;
   const auto& states = sources.usage;
   const auto now = sources.clock.now();
@@ -125,7 +128,6 @@ UsageContent usageContent(const DashboardSources& sources, bool visible) {
   content.configure = {"configure", {216, kPageTop + 390, 110, 24}, ButtonLook::inlined, 12, "Configure…"};
   content.note = {
       {20, kPageTop + 421, 300, 18}, {10, FontWeight::regular, ColorRole::tertiaryLabel}, kUsageNote, kUsageNote};
-  content.visible = visible;
   return content;
 }
 

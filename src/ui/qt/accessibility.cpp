@@ -105,7 +105,11 @@ class AccessiblePopUp final : public QAccessibleWidget {
 
 class AccessibleChart final : public QAccessibleWidget, public QAccessibleValueInterface {
  public:
-  AccessibleChart(ChartWidget& chart, QAccessible::Role role) : QAccessibleWidget(&chart, role), chart_(chart) {}
+  explicit AccessibleChart(ChartWidget& chart) : QAccessibleWidget(&chart), chart_(chart) {}
+
+  [[nodiscard]] QAccessible::Role role() const override {
+    return chart_.content().progress ? QAccessible::ProgressBar : QAccessible::Chart;
+  }
 
   void* interface_cast(QAccessible::InterfaceType type) override {
     if (type == QAccessible::ValueInterface) return static_cast<QAccessibleValueInterface*>(this);
@@ -113,10 +117,10 @@ class AccessibleChart final : public QAccessibleWidget, public QAccessibleValueI
   }
   [[nodiscard]] QString text(QAccessible::Text part) const override {
     const bool reading = part == QAccessible::Value || part == QAccessible::Description;
-    return reading ? chart_.reading().text : QAccessibleWidget::text(part);
+    return reading ? QString::fromStdString(chart_.content().reading) : QAccessibleWidget::text(part);
   }
 
-  [[nodiscard]] QVariant currentValue() const override { return chart_.reading().percent; }
+  [[nodiscard]] QVariant currentValue() const override { return chart_.content().percent; }
   void setCurrentValue(const QVariant& /*value*/) override {}
   [[nodiscard]] QVariant maximumValue() const override { return 100.0; }
   [[nodiscard]] QVariant minimumValue() const override { return 0.0; }
@@ -151,9 +155,7 @@ QAccessibleInterface* makeAccessibleApplication(const QString& /*className*/, QO
 
 QAccessibleInterface* makeAccessibleWidget(const QString& /*className*/, QObject* object) {
   if (auto* const popUp = dynamic_cast<PopUpButton*>(object)) return new AccessiblePopUp(*popUp);
-  if (auto* const chart = dynamic_cast<ChartWidget*>(object)) {
-    return new AccessibleChart(*chart, isOneOf<UsageBar>(object) ? QAccessible::ProgressBar : QAccessible::Chart);
-  }
+  if (auto* const chart = dynamic_cast<ChartWidget*>(object)) return new AccessibleChart(*chart);
   const auto role = roleOf(object);
   return role ? new QAccessibleWidget(static_cast<QWidget*>(object), *role) : nullptr;
 }

@@ -23,14 +23,6 @@
 namespace nimbo {
 namespace {
 
-std::vector<char*> pointersTo(std::vector<std::string>& texts) {
-  std::vector<char*> pointers;
-  pointers.reserve(texts.size() + 1);
-  for (auto& text : texts) pointers.push_back(text.data());
-  pointers.push_back(nullptr);
-  return pointers;
-}
-
 /// A screen in the window system's own pixels. The toolkit scales sizes but leaves origins alone.
 QRectF pixelFrame(const QScreen& screen) {
   const QRectF frame = screen.geometry();
@@ -54,10 +46,7 @@ std::unique_ptr<QtUserInterface> QtUserInterface::make(DisplayNeed need) {
   return platform ? std::unique_ptr<QtUserInterface>(new QtUserInterface(*platform)) : nullptr;
 }
 
-QtUserInterface::QtUserInterface(const std::string& platform)
-    : arguments_{"nimbo", "-platform", platform},
-      argumentPointers_(pointersTo(arguments_)),
-      argumentCount_(static_cast<int>(arguments_.size())) {
+QtUserInterface::QtUserInterface(const std::string& platform) : arguments_{"nimbo", "-platform", platform} {
   QCoreApplication::setApplicationName("Nimbo");
   QGuiApplication::setDesktopFileName("com.quellwerk.Nimbo");
   QAccessible::installFactory(makeAccessibleApplication);

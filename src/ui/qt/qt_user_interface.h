@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QApplication>
+#include <array>
 #include <memory>
 #include <string>
 #include <vector>
@@ -46,10 +47,10 @@ class QtUserInterface final : public UserInterface, private OuterLoop {
   void run(int descriptor, const std::function<void()>& dispatchPending) override;
   void stop() override;
 
-  // The toolkit keeps references to both for as long as the application lives.
-  std::vector<std::string> arguments_;
-  std::vector<char*> argumentPointers_;
-  int argumentCount_;
+  // The toolkit keeps references to the pointers and their count for as long as the application lives.
+  std::array<std::string, 3> arguments_;
+  std::array<char*, 4> argumentPointers_{arguments_[0].data(), arguments_[1].data(), arguments_[2].data(), nullptr};
+  int argumentCount_ = 3;
 
   Theme theme_;
   std::unique_ptr<QApplication> application_;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <cstddef>
 #include <functional>
 #include <string>
 #include <variant>
@@ -32,23 +31,15 @@ struct SettingsWindowContent {
   bool operator==(const SettingsWindowContent&) const = default;
 };
 
-/// What the user did in the settings window.
-struct SettingsWindowActions {
-  std::function<void(std::size_t index)> selectTab;
-  std::function<void(const std::string& identifier, bool on)> check;
-  std::function<void(const std::string& identifier, std::size_t index)> choose;
-  std::function<void(const std::string& identifier)> press;
-  /// The window got the keyboard focus.
-  std::function<void()> becameKey;
-};
-
 /// An ordinary window with a title bar that can be closed and minimised, but not resized. Closing hides
 /// it. Main thread only.
 class SettingsWindow {
  public:
   virtual ~SettingsWindow() = default;
 
-  virtual void setActions(SettingsWindowActions actions) = 0;
+  /// `acted` gets what the user does with the controls; `becameKey` is called when the window gets the
+  /// keyboard focus.
+  virtual void setListeners(ControlListener acted, std::function<void()> becameKey) = 0;
   /// Shows `content`; touches only what differs from what is shown.
   virtual void render(const SettingsWindowContent& content) = 0;
 

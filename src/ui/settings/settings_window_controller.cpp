@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <array>
 #include <string_view>
-#include <utility>
 
 namespace nimbo {
 namespace {
@@ -25,23 +24,15 @@ constexpr std::array kRequests{
 
 }  // namespace
 
-SettingsWindowController::SettingsWindowController(Sources sources, SettingsWindow& window, Callbacks callbacks)
-    : sources_(sources), window_(window), callbacks_(std::move(callbacks)) {
-  window_.setActions({
-      .selectTab = [this](std::size_t index) { tabChanged(index); },
-      .check = [this](const std::string& identifier, bool on) { checkChanged(identifier, on); },
-      .choose = [this](const std::string& identifier, std::size_t index) { choiceChanged(identifier, index); },
-      .press = [this](const std::string& identifier) { pressed(identifier); },
-      .becameKey = [this] { sync(); },
-  });
-}
-
-SettingsWindowController::~SettingsWindowController() { window_.setActions({}); }
-
 void SettingsWindowController::show(std::optional<SettingsTab> tab) {
+  if (!window_) {
+    window_ = callbacks_.makeWindow();
+    if (!window_) return;
+    window_->setListeners([this](const ControlEvent& event) { handle(event); }, [this] { sync(); });
+  }
   if (tab) selectedTab_ = static_cast<std::size_t>(*tab);
   sync();
-  window_.show();
+  window_->show();
 }
 
 void SettingsWindowController::sync() {
@@ -50,45 +41,32 @@ void SettingsWindowController::sync() {
                             .loginStatus = sources_.loginItem.status(),
                             .automaticUpdates = callbacks_.automaticUpdates(),
                             .widgetMessage = callbacks_.widgetMessage()};
-  window_.render(settingsWindowContent(facts, selectedTab_));
+  window_->render(settingsWindowContent(facts, selectedTab_));
 }
 
 void SettingsWindowController::syncIfVisible() {
-  if (window_.visible()) sync();
+  if (window_ && window_->visible()) sync();
 }
 
-void SettingsWindowController::tabChanged(std::size_t index) {
-  if (index < kSettingsTabCount) selectedTab_ = index;
-  sync();
-}
-
-void SettingsWindowController::checkChanged(const std::string& identifier, bool on) {
-  if (const auto* const check = settingsCheck(identifier)) {
-    check->write(sources_.settings, on);
-    callbacks_.changed({check->change, check->change == SettingsChange::Kind::display && on});
-  } else {
-    askOwner(identifier);
-  }
-  sync();
-}
-
-void SettingsWindowController::choiceChanged(const std::string& identifier, std::size_t index) {
+void SettingsWindowController::handle(const ControlEvent& event) {
+  const auto& [identifier, value] = event;
+  const auto* const on = std::get_if<bool>(&value);
+  const auto* const index = std::get_if<std::size_t>(&value);
+  const auto* const check = settingsCheck(identifier);
   const auto* const choice = settingsChoice(identifier);
-  if (choice != nullptr && index < choice->items.size()) {
-    choice->write(sources_.settings, choice->items[index].tag);
+  if (identifier == "tabs" && index != nullptr && *index < kSettingsTabCount) {
+    selectedTab_ = *index;
+  } else if (check != nullptr && on != nullptr) {
+    check->write(sources_.settings, *on);
+    callbacks_.changed({check->change, check->change == SettingsChange::Kind::display && *on});
+  } else if (choice != nullptr && index != nullptr && *index < choice->items.size()) {
+    choice->write(sources_.settings, choice->items[*index].tag);
     callbacks_.changed({choice->change});
+  } else {
+    const auto request = std::ranges::find(kRequests, identifier, &Request::identifier);
+    if (request != kRequests.end()) (callbacks_.*request->callback)();
   }
   sync();
-}
-
-void SettingsWindowController::pressed(const std::string& identifier) {
-  askOwner(identifier);
-  sync();
-}
-
-void SettingsWindowController::askOwner(const std::string& identifier) const {
-  const auto request = std::ranges::find(kRequests, identifier, &Request::identifier);
-  if (request != kRequests.end()) (callbacks_.*request->callback)();
 }
 
 }  // namespace nimbo

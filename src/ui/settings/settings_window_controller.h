@@ -3,8 +3,10 @@
 
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "platform/bundle_info.h"
 #include "platform/login_item.h"
@@ -15,8 +17,9 @@
 
 namespace nimbo {
 
-/// The settings window: writes what the user changes straight into the settings and tells its owner.
-/// Remembers only which page is in front; all else is read again whenever it is shown. Main thread only.
+/// The settings window, made when it is opened for the first time and kept from then on: writes what the
+/// user changes straight into the settings and tells its owner. Remembers only which page is in front; all
+/// else is read again whenever it is shown. Main thread only.
 class SettingsWindowController {
  public:
   /// All outlive the controller.
@@ -26,7 +29,8 @@ class SettingsWindowController {
     const LoginItem& loginItem;
   };
   struct Callbacks {
-    std::function<void(const SettingsChange& change)> changed;  ///< a setting was written
+    std::function<std::unique_ptr<SettingsWindow>()> makeWindow;  ///< null when there is no display
+    std::function<void(const SettingsChange& change)> changed;    ///< a setting was written
     // Requests; the window then shows their outcome.
     std::function<void()> toggleLogin;
     std::function<void()> checkForUpdates;
@@ -38,31 +42,27 @@ class SettingsWindowController {
     std::function<std::optional<std::string>()> widgetMessage;
   };
 
-  /// `window` outlives the controller.
-  SettingsWindowController(Sources sources, SettingsWindow& window, Callbacks callbacks);
-  ~SettingsWindowController();
+  SettingsWindowController(Sources sources, Callbacks callbacks)
+      : sources_(sources), callbacks_(std::move(callbacks)) {}
   SettingsWindowController(const SettingsWindowController&) = delete;
   SettingsWindowController& operator=(const SettingsWindowController&) = delete;
 
-  /// Brings the window to the front, on `tab` or else on the one that was in front last.
+  /// Brings the window to the front, on `tab` or else on the one that was in front last. Nothing happens
+  /// while there is no display.
   void show(std::optional<SettingsTab> tab = std::nullopt);
   /// Something that the window shows has changed elsewhere; costs nothing while it is closed.
   void syncIfVisible();
 
-  // What the user does in the window.
-  void tabChanged(std::size_t index);
-  void checkChanged(const std::string& identifier, bool on);
-  void choiceChanged(const std::string& identifier, std::size_t index);
-  void pressed(const std::string& identifier);
+  /// What the user does in the window.
+  void handle(const ControlEvent& event);
 
  private:
   void sync();
-  void askOwner(const std::string& identifier) const;
 
   Sources sources_;
-  SettingsWindow& window_;
   Callbacks callbacks_;
   std::size_t selectedTab_ = 0;
+  std::unique_ptr<SettingsWindow> window_;
 };
 
 }  // namespace nimbo

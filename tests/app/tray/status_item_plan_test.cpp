@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/tray/status_item_plan.h"
+#include "app/tray/status_items.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/widgets/widget_snapshot.h"
+#include "app/widgets/widget_publisher.h"
 
 #include <gtest/gtest.h>
 

@@ -6,6 +6,7 @@
 #include "platform/system_clock.h"
 #include "support/fake_display_power.h"
 #include "support/fake_power_sources.h"
+#include "support/fake_user_defaults.h"
 
 namespace nimbo {
 namespace {
@@ -20,7 +21,10 @@ TEST_F(SessionDeadlineTest, LockIsHeldUntilThenAndNoLonger) {
       DesktopAssertionClient::Means{{mainLoop.event(), mainLoop}, sessionAddress, systemAddress, {}});
   FakePowerSources power;
   FakeDisplayPower display;
-  AwakeManager manager({mainLoop, clock, client, power, display});
+  FakeUserDefaultsDomains domains;
+  FakeUserDefaults defaults(domains, "test");
+  Settings settings(defaults);
+  AwakeManager manager({mainLoop, clock, client, power, display, settings});
   manager.onChange = [&] {
     if (!manager.isActive()) mainLoop.quit();
   };

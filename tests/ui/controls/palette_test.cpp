@@ -30,13 +30,16 @@ class PaletteInAppearance : public testing::TestWithParam<Appearance> {};
 TEST_P(PaletteInAppearance, TextRolesAreReadableAtSmallSizes) {
   for (const auto role : {ColorRole::label, ColorRole::secondaryLabel, ColorRole::teal, ColorRole::indigo,
                           ColorRole::orange, ColorRole::green, ColorRole::red, ColorRole::blue}) {
-    EXPECT_GE(contrast(color(role, GetParam()), panelBackground(GetParam())), 4.5) << "role " << static_cast<int>(role);
+    EXPECT_GE(contrast(color(role, GetParam()), color(ColorRole::background, GetParam())), 4.5)
+        << "role " << static_cast<int>(role);
     EXPECT_EQ(color(role, GetParam()).alpha, 1);
   }
 }
 
 TEST_P(PaletteInAppearance, LabelsStepBackInOrderAndTertiaryStaysReadable) {
-  const auto ratio = [](ColorRole role) { return contrast(color(role, GetParam()), panelBackground(GetParam())); };
+  const auto ratio = [](ColorRole role) {
+    return contrast(color(role, GetParam()), color(ColorRole::background, GetParam()));
+  };
   EXPECT_GT(ratio(ColorRole::label), ratio(ColorRole::secondaryLabel));
   EXPECT_GT(ratio(ColorRole::secondaryLabel), ratio(ColorRole::tertiaryLabel));
   EXPECT_GE(ratio(ColorRole::tertiaryLabel), 3.5);
@@ -52,8 +55,8 @@ Color blended(const Color& upper, const Color& lower) {
 }
 
 TEST_P(PaletteInAppearance, TextAndBarsAreReadableOnACardToo) {
-  const Color ground = blended(cardGround(GetParam()), panelBackground(GetParam()));
-  EXPECT_NE(ground, panelBackground(GetParam()));
+  const Color ground = blended(color(ColorRole::cardGround, GetParam()), color(ColorRole::background, GetParam()));
+  EXPECT_NE(ground, color(ColorRole::background, GetParam()));
   for (const auto role :
        {ColorRole::label, ColorRole::secondaryLabel, ColorRole::teal, ColorRole::orange, ColorRole::red}) {
     EXPECT_GE(contrast(color(role, GetParam()), ground), 4.5) << "role " << static_cast<int>(role);
@@ -62,31 +65,31 @@ TEST_P(PaletteInAppearance, TextAndBarsAreReadableOnACardToo) {
 
 TEST_P(PaletteInAppearance, GroundsAndLinesAreFaint) {
   EXPECT_LT(color(ColorRole::quaternaryLabel, GetParam()).alpha, 0.3);
-  EXPECT_LT(separatorColor(GetParam()).alpha, 0.3);
-  EXPECT_EQ(panelBackground(GetParam()).alpha, 1);
+  EXPECT_LT(color(ColorRole::separator, GetParam()).alpha, 0.3);
+  EXPECT_EQ(color(ColorRole::background, GetParam()).alpha, 1);
 }
 
 TEST_P(PaletteInAppearance, TextOnTheAccentIsReadableAndTheAccentStandsOut) {
-  EXPECT_GE(contrast(accentLabel(GetParam()), accentGround(GetParam())), 4.5);
-  EXPECT_GE(contrast(accentGround(GetParam()), panelBackground(GetParam())), 3);
-  EXPECT_EQ(accentGround(GetParam()).alpha, 1);
+  EXPECT_GE(contrast(color(ColorRole::accentLabel, GetParam()), color(ColorRole::accentGround, GetParam())), 4.5);
+  EXPECT_GE(contrast(color(ColorRole::accentGround, GetParam()), color(ColorRole::background, GetParam())), 3);
+  EXPECT_EQ(color(ColorRole::accentGround, GetParam()).alpha, 1);
 }
 
 TEST_P(PaletteInAppearance, FieldsHaveAVisibleEdgeAndReadableTextAndPlaceholder) {
-  const Color ground = fieldGround(GetParam());
-  EXPECT_GE(contrast(fieldBorder(GetParam()), panelBackground(GetParam())), 3);
-  EXPECT_GE(contrast(fieldBorder(GetParam()), ground), 3);
+  const Color ground = color(ColorRole::fieldGround, GetParam());
+  EXPECT_GE(contrast(color(ColorRole::fieldBorder, GetParam()), color(ColorRole::background, GetParam())), 3);
+  EXPECT_GE(contrast(color(ColorRole::fieldBorder, GetParam()), ground), 3);
   EXPECT_GE(contrast(color(ColorRole::label, GetParam()), ground), 7);
   EXPECT_GE(contrast(color(ColorRole::tertiaryLabel, GetParam()), ground), 4.5) << "the placeholder";
   EXPECT_EQ(ground.alpha, 1);
-  EXPECT_EQ(fieldBorder(GetParam()).alpha, 1);
+  EXPECT_EQ(color(ColorRole::fieldBorder, GetParam()).alpha, 1);
 }
 
 INSTANTIATE_TEST_SUITE_P(Appearances, PaletteInAppearance, testing::Values(Appearance::light, Appearance::dark));
 
 TEST(Palette, LightAndDarkAreOpposites) {
-  EXPECT_GT(luminance(panelBackground(Appearance::light)), 0.8);
-  EXPECT_LT(luminance(panelBackground(Appearance::dark)), 0.05);
+  EXPECT_GT(luminance(color(ColorRole::background, Appearance::light)), 0.8);
+  EXPECT_LT(luminance(color(ColorRole::background, Appearance::dark)), 0.05);
 }
 
 }  // namespace

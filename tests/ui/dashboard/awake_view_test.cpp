@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "settings/setting_keys.h"
+#include "support/control_events.h"
 #include "ui/dashboard/dashboard_world.h"
 
 namespace nimbo {
@@ -22,8 +23,16 @@ constexpr std::size_t kDateItem = 6;
 
 class AwakeViewTest : public testing::Test {
  protected:
-  AwakeContent content() const { return view.content(true); }
+  AwakeContent content() const { return view.content(); }
   Time now() const { return world.clock.now(); }
+
+  /// The end of the session that the page starts; absent when none runs or it has no end.
+  std::optional<Time> endOfStarted() {
+    view.handle(pressed("start"));
+    const auto end = world.manager.endsAt();
+    world.manager.stopByUser();
+    return end;
+  }
 
   void startSession(std::optional<Time> end, bool display = false) {
     ASSERT_TRUE(world.manager.start(end, display, now()));
@@ -33,16 +42,6 @@ class AwakeViewTest : public testing::Test {
   int changes = 0;
   std::function<void()> changed = [this] { ++changes; };
   AwakeView view{world.sources(), [this] { changed(); }};
-  int displayOffs = 0;
-  int extensions = 0;
-  std::vector<std::optional<Time>> toggles;
-  std::vector<bool> displays;
-  AwakeView::Requests requests{.toggle = [this](std::optional<Time> end) { toggles.push_back(end); },
-                               .keepDisplayOn = [this](bool on) { displays.push_back(on); },
-                               .rulesChanged = [] {},
-                               .turnDisplayOff = [this] { ++displayOffs; },
-                               .extend = [this] { ++extensions; }};
-  AwakeActions actions = view.actions(requests);
 };
 
 TEST_F(AwakeViewTest, OffersTheSpecifiedLengthsAndFloors) {
@@ -146,104 +145,87 @@ TEST_F(AwakeViewTest, ReopeningDuringASessionKeepsTheHeldDisplayState) {
 }
 
 TEST_F(AwakeViewTest, ChosenLengthIsStoredAndShowsItsField) {
-  actions.selectDuration(kCustomItem);
+  view.handle(chosen("duration", kCustomItem));
   EXPECT_EQ(world.settings.awakeDuration(), -1);
   EXPECT_TRUE(content().minutes.visible);
   EXPECT_FALSE(content().date.visible);
-  actions.selectDuration(kDateItem);
+  view.handle(chosen("duration", kDateItem));
   EXPECT_EQ(world.settings.awakeDuration(), -2);
   EXPECT_FALSE(content().minutes.visible);
   EXPECT_TRUE(content().date.visible);
-  actions.selectDuration(kOneHourItem);
+  view.handle(chosen("duration", kOneHourItem));
   EXPECT_EQ(world.settings.awakeDuration(), 3600);
   EXPECT_FALSE(content().minutes.visible);
   EXPECT_FALSE(content().date.visible);
 }
 
-TEST_F(AwakeViewTest, StartWithoutEndReportsNone) {
-  actions.startOrStop();
-  EXPECT_EQ(toggles, (std::vector<std::optional<Time>>{std::nullopt}));
+TEST_F(AwakeViewTest, StartWithoutEndRunsUntilStopped) {
+  view.handle(pressed("start"));
+  EXPECT_TRUE(world.manager.isActive());
+  EXPECT_FALSE(world.manager.endsAt());
 }
 
 TEST_F(AwakeViewTest, EveryFixedLengthCountsFromNow) {
   const std::vector<std::chrono::seconds> lengths{30min, 1h, 2h, 4h};
   for (std::size_t item = 1; item <= lengths.size(); ++item) {
-    actions.selectDuration(item);
-    actions.startOrStop();
-    EXPECT_EQ(toggles.back(), now() + lengths[item - 1]) << item;
+    view.handle(chosen("duration", item));
+    EXPECT_EQ(endOfStarted(), now() + lengths[item - 1]) << item;
   }
 }
 
 TEST_F(AwakeViewTest, CustomLengthCountsFromNowAndIsStored) {
-  actions.selectDuration(kCustomItem);
-  actions.editMinutes("90");
-  actions.startOrStop();
-  EXPECT_EQ(toggles.back(), now() + 90min);
+  view.handle(chosen("duration", kCustomItem));
+  view.handle(typed("minutes", "90"));
+  EXPECT_EQ(endOfStarted(), now() + 90min);
   EXPECT_EQ(world.settings.awakeCustomMinutes(), 90);
 }
 
-TEST_F(AwakeViewTest, WhiteSpaceAroundTheCustomLengthIsAccepted) {
-  actions.selectDuration(kCustomItem);
-  actions.editMinutes(" \t45\n");
-  actions.startOrStop();
-  EXPECT_EQ(toggles.back(), now() + 45min);
-  EXPECT_EQ(world.settings.awakeCustomMinutes(), 45);
-}
-
-TEST_F(AwakeViewTest, LongestCustomLengthStartsASevenDaySession) {
-  actions.selectDuration(kCustomItem);
-  actions.editMinutes("10080");
-  actions.startOrStop();
-  EXPECT_EQ(toggles.back(), now() + 7 * 24h);
-}
-
 TEST_F(AwakeViewTest, BadCustomLengthStartsNothingAndSaysSo) {
-  actions.selectDuration(kCustomItem);
+  view.handle(chosen("duration", kCustomItem));
   for (const char* text : {"ten", "0", "10081", "", "  ", "1.5", "-3", "99999999999999999999", "4 5", "12a"}) {
-    actions.editMinutes(text);
-    actions.startOrStop();
+    view.handle(typed("minutes", text));
+    view.handle(pressed("start"));
     EXPECT_EQ(content().detail.text, "Enter a whole number from 1 to 10080 minutes.") << text;
   }
-  EXPECT_TRUE(toggles.empty());
+  EXPECT_FALSE(world.manager.isActive());
   EXPECT_EQ(world.settings.awakeCustomMinutes(), 60);
 }
 
 TEST_F(AwakeViewTest, InputErrorStaysOverTheDetailUntilTheMinutesChange) {
-  actions.selectDuration(kCustomItem);
-  actions.editMinutes("x");
-  actions.startOrStop();
+  view.handle(chosen("duration", kCustomItem));
+  view.handle(typed("minutes", "x"));
+  view.handle(pressed("start"));
   EXPECT_EQ(content().detail.text, "Enter a whole number from 1 to 10080 minutes.");
-  actions.editMinutes("x1");
+  view.handle(typed("minutes", "x1"));
   EXPECT_EQ(content().detail.text, "Keep AI jobs running while your display rests.");
 }
 
 TEST_F(AwakeViewTest, InputErrorGoesWithAnotherLengthAndWithAStart) {
-  actions.selectDuration(kCustomItem);
-  actions.editMinutes("x");
-  actions.startOrStop();
-  actions.selectDuration(0);
+  view.handle(chosen("duration", kCustomItem));
+  view.handle(typed("minutes", "x"));
+  view.handle(pressed("start"));
+  view.handle(chosen("duration", 0));
   EXPECT_EQ(content().detail.text, "Keep AI jobs running while your display rests.");
 
-  actions.selectDuration(kCustomItem);
-  actions.startOrStop();
+  view.handle(chosen("duration", kCustomItem));
+  view.handle(pressed("start"));
   ASSERT_EQ(content().detail.text, "Enter a whole number from 1 to 10080 minutes.");
   startSession({});  // by another control
   ASSERT_EQ(content().detail.text, "Enter a whole number from 1 to 10080 minutes.");
-  actions.startOrStop();
+  view.handle(pressed("start"));
   EXPECT_NE(content().detail.text, "Enter a whole number from 1 to 10080 minutes.");
 }
 
 TEST_F(AwakeViewTest, WrongMinutesDoNotMatterToAnotherLength) {
-  actions.editMinutes("x");
-  actions.selectDuration(kOneHourItem);
-  actions.startOrStop();
-  EXPECT_EQ(toggles.back(), now() + 1h);
+  view.handle(typed("minutes", "x"));
+  view.handle(chosen("duration", kOneHourItem));
+  EXPECT_EQ(endOfStarted(), now() + 1h);
 }
 
 TEST_F(AwakeViewTest, OnlyValidMinutesAreStoredWhileTyping) {
-  actions.editMinutes("12");
+  view.handle(typed("minutes", "12"));
   EXPECT_EQ(world.settings.awakeCustomMinutes(), 12);
-  actions.editMinutes("12x");
+  view.handle(typed("minutes", "12x"));
   EXPECT_EQ(world.settings.awakeCustomMinutes(), 12);
   EXPECT_EQ(content().minutes.text, "12x");
 }
@@ -251,30 +233,27 @@ TEST_F(AwakeViewTest, OnlyValidMinutesAreStoredWhileTyping) {
 TEST_F(AwakeViewTest, PickerSuggestsAnHourFromNowOnTheMinute) {
   world.clock.setNow(Time(std::chrono::seconds(1'795'271'459)));
   const AwakeView fresh(world.sources(), [] {});
-  EXPECT_EQ(fresh.content(true).date.date, Time(std::chrono::seconds(1'795'271'400 + 3600)));
+  EXPECT_EQ(fresh.content().date.date, Time(std::chrono::seconds(1'795'271'400 + 3600)));
 }
 
 TEST_F(AwakeViewTest, PickedDateIsTheEnd) {
-  actions.selectDuration(kDateItem);
+  view.handle(chosen("duration", kDateItem));
   const Time end = now() + 49h;
-  actions.pickDate(end);
+  view.handle(picked("date", end));
   EXPECT_EQ(content().date.date, end);
-  actions.startOrStop();
-  EXPECT_EQ(toggles.back(), end);
+  EXPECT_EQ(endOfStarted(), end);
 }
 
 TEST_F(AwakeViewTest, PastDateReachesTheManagerWhichRefusesIt) {
-  requests.toggle = [this](std::optional<Time> end) { EXPECT_FALSE(world.manager.start(end, false, now())); };
-  actions = view.actions(requests);
-  actions.selectDuration(kDateItem);
-  actions.pickDate(now() - 1min);
-  actions.startOrStop();
+  view.handle(chosen("duration", kDateItem));
+  view.handle(picked("date", now() - 1min));
+  view.handle(pressed("start"));
   EXPECT_EQ(content().detail.text, "Choose an end time in the future.");
   EXPECT_EQ(content().state.text, "Ready for your next run");
 }
 
 TEST_F(AwakeViewTest, DateThatHasPassedGivesWayToANewSuggestionWhenThePageIsLoadedAgain) {
-  actions.pickDate(now() + 2h);
+  view.handle(picked("date", now() + 2h));
   view.reset();
   EXPECT_EQ(content().date.date, now() + 2h);
   const Time picked = content().date.date;
@@ -284,18 +263,19 @@ TEST_F(AwakeViewTest, DateThatHasPassedGivesWayToANewSuggestionWhenThePageIsLoad
   EXPECT_GT(content().date.date, now());
 }
 
-TEST_F(AwakeViewTest, StopReportsNoEndWhateverTheLength) {
-  actions.selectDuration(kCustomItem);
-  actions.editMinutes("x");
+TEST_F(AwakeViewTest, SessionIsStoppedWhateverTheLength) {
+  view.handle(chosen("duration", kCustomItem));
+  view.handle(typed("minutes", "x"));
   startSession(now() + 1h);
-  actions.startOrStop();
-  EXPECT_EQ(toggles, (std::vector<std::optional<Time>>{std::nullopt}));
+  view.handle(pressed("start"));
+  EXPECT_FALSE(world.manager.isActive());
 }
 
-TEST_F(AwakeViewTest, DisplaySwitchIsReportedNotStored) {
-  actions.switchDisplay(true);
-  EXPECT_EQ(displays, (std::vector<bool>{true}));
-  EXPECT_FALSE(world.settings.awakeDisplayOn());
+TEST_F(AwakeViewTest, DisplaySwitchIsStoredBeforeItIsReported) {
+  bool stored = false;
+  view.onSettingsChanged = [&] { stored = world.settings.awakeDisplayOn(); };
+  view.handle(switched("display", true));
+  EXPECT_TRUE(stored);
 }
 
 TEST_F(AwakeViewTest, RefusedDisplaySwitchGoesBackAndThatIsAChange) {
@@ -303,9 +283,7 @@ TEST_F(AwakeViewTest, RefusedDisplaySwitchGoesBackAndThatIsAChange) {
   world.assertions.refuse(kPreventDisplaySleep, 5);
   std::vector<bool> shown;
   changed = [&] { shown.push_back(content().display.on); };
-  requests.keepDisplayOn = [this](bool on) { EXPECT_FALSE(world.manager.setKeepDisplayOn(on)); };
-  actions = view.actions(requests);
-  actions.switchDisplay(true);
+  view.handle(switched("display", true));
   EXPECT_EQ(shown, (std::vector<bool>{true, false}));
   EXPECT_EQ(content().detail.text, "macOS couldn’t keep your Mac awake (error 5). Please try again.");
 }
@@ -313,61 +291,47 @@ TEST_F(AwakeViewTest, RefusedDisplaySwitchGoesBackAndThatIsAChange) {
 TEST_F(AwakeViewTest, EitherRuleIsStoredBeforeItIsReported) {
   bool onlyOnPower = false;
   int floor = -1;
-  requests.rulesChanged = [&] {
+  view.onSettingsChanged = [&] {
     onlyOnPower = world.settings.awakeOnlyOnPower();
     floor = world.settings.awakeBatteryFloor();
   };
-  actions = view.actions(requests);
-  actions.switchPlugged(true);
+  view.handle(switched("plugged", true));
   EXPECT_TRUE(onlyOnPower);
   EXPECT_EQ(floor, 20);
-  actions.selectBatteryFloor(4);
+  view.handle(chosen("battery", 4));
   EXPECT_EQ(floor, 50);
-  actions.selectBatteryFloor(0);
+  view.handle(chosen("battery", 0));
   EXPECT_EQ(floor, 0);
-  actions.switchPlugged(false);
+  view.handle(switched("plugged", false));
   EXPECT_FALSE(onlyOnPower);
 }
 
-TEST_F(AwakeViewTest, ButtonsReportThemselves) {
-  actions.turnDisplayOff();
-  actions.extend();
-  EXPECT_EQ(displayOffs, 1);
-  EXPECT_EQ(extensions, 1);
+TEST_F(AwakeViewTest, ButtonsReachTheSession) {
+  startSession(now() + 1h);
+  view.handle(pressed("displayOff"));
+  view.handle(pressed("extend"));
+  EXPECT_EQ(world.displayPower.requests, 1);
+  EXPECT_EQ(world.manager.endsAt(), now() + 90min);
 }
 
 TEST_F(AwakeViewTest, IndicesBeyondTheListsAreClamped) {
-  actions.selectDuration(99);
+  view.handle(chosen("duration", 99));
   EXPECT_EQ(world.settings.awakeDuration(), -2);
-  actions.selectBatteryFloor(99);
+  view.handle(chosen("battery", 99));
   EXPECT_EQ(world.settings.awakeBatteryFloor(), 50);
 }
 
 TEST_F(AwakeViewTest, EachActionIsReportedAsOneChange) {
-  actions.selectDuration(1);
+  view.handle(chosen("duration", 1));
   EXPECT_EQ(changes, 1);
-  actions.editMinutes("7");
+  view.handle(typed("minutes", "7"));
   EXPECT_EQ(changes, 2);
-  actions.pickDate(now() + 1h);
+  view.handle(picked("date", now() + 1h));
   EXPECT_EQ(changes, 3);
-  actions.switchPlugged(true);
+  view.handle(switched("plugged", true));
   EXPECT_EQ(changes, 4);
-  actions.startOrStop();
+  view.handle(pressed("start"));
   EXPECT_EQ(changes, 5);
-}
-
-TEST_F(AwakeViewTest, NothingIsVisibleOnTheOtherPages) {
-  for (const std::size_t item : {std::size_t{0}, kCustomItem, kDateItem}) {
-    actions.selectDuration(item);
-    const auto hidden = view.content(false);
-    for (const bool visible :
-         {hidden.state.visible, hidden.detail.visible, hidden.start.visible, hidden.extend.visible,
-          hidden.durationTitle.visible, hidden.duration.visible, hidden.minutes.visible, hidden.date.visible,
-          hidden.display.visible, hidden.plugged.visible, hidden.batteryTitle.visible, hidden.battery.visible,
-          hidden.off.visible, hidden.note.visible}) {
-      EXPECT_FALSE(visible);
-    }
-  }
 }
 
 TEST_F(AwakeViewTest, ControlsCarryTheirHelpAndNames) {
@@ -391,7 +355,7 @@ TEST_F(AwakeViewTest, ControlsCarryTheirHelpAndNames) {
 
 TEST_F(AwakeViewTest, EverythingLiesOnThePageAndNothingOverlaps) {
   for (const std::size_t item : {kCustomItem, kDateItem}) {
-    actions.selectDuration(item);
+    view.handle(chosen("duration", item));
     const auto page = content();
     std::vector<Rect> frames{page.state.frame,         page.detail.frame,   page.start.frame,   page.extend.frame,
                              page.durationTitle.frame, page.duration.frame, page.display.frame, page.plugged.frame,

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/control_events.h"
 #include "ui/dashboard/dashboard_world.h"
 
 namespace nimbo {
@@ -65,29 +66,28 @@ TEST_F(DashboardControllerTest, FooterFollowsThePage) {
 TEST_F(DashboardControllerTest, ResourcesFollowTheMonitors) {
   world_.settings.setMonitorCpu(true);
   controller_.open(DashboardTab::memory);
-  EXPECT_TRUE(content().cpu.visible);
-  EXPECT_FALSE(content().temperature.visible);
+  EXPECT_TRUE(content().resources.cpu.visible);
+  EXPECT_FALSE(content().resources.temperature.visible);
   world_.settings.setMonitorMemory(false);
   world_.readings.cpu = 0.42;
   controller_.show();
   EXPECT_EQ(content().size, (Size{340, 278 + 38}));
-  EXPECT_EQ(content().hero.text, "42%");
-  EXPECT_FALSE(content().cpu.visible);
+  EXPECT_EQ(content().resources.hero.text, "42%");
+  EXPECT_FALSE(content().resources.cpu.visible);
   world_.settings.setMonitorTemperature(true);
   controller_.show();
   EXPECT_EQ(content().size, (Size{340, 302 + 38}));
-  EXPECT_TRUE(content().temperature.visible);
+  EXPECT_TRUE(content().resources.temperature.visible);
 }
 
 TEST_F(DashboardControllerTest, EachPageIsVisibleOnItsTabOnly) {
   const auto visible = [this] {
-    return std::vector{content().usage.visible, content().hero.visible && content().activityButton.visible,
-                       content().awake.start.visible};
+    return std::vector{content().usage.visible, content().resources.visible, content().awake.visible};
   };
   EXPECT_EQ(visible(), (std::vector{true, false, false}));
-  controller_.tabChanged(1);
+  controller_.handle(chosen("tabs", 1));
   EXPECT_EQ(visible(), (std::vector{false, true, false}));
-  controller_.tabChanged(2);
+  controller_.handle(chosen("tabs", 2));
   EXPECT_EQ(visible(), (std::vector{false, false, true}));
   EXPECT_TRUE(content().title.visible && content().settingsButton.visible && content().quitButton.visible);
 }
@@ -110,7 +110,7 @@ TEST_F(DashboardControllerTest, ShownTabKeepsItsPageWhenTheOrderChanges) {
 }
 
 TEST_F(DashboardControllerTest, TabBeyondTheLastIsTheLast) {
-  controller_.tabChanged(5);
+  controller_.handle(chosen("tabs", 5));
   EXPECT_EQ(controller_.selectedTab(), DashboardTab::awake);
   EXPECT_EQ(content().tabs.selected, 2U);
 }
@@ -118,19 +118,19 @@ TEST_F(DashboardControllerTest, TabBeyondTheLastIsTheLast) {
 TEST_F(DashboardControllerTest, ShowMoreAddsTenRowsEachTimeAndShowLessGoesBackToThree) {
   controller_.open(DashboardTab::memory);
   controller_.showProcesses(scanOf(30));
-  EXPECT_EQ(content().processes.labels.size(), 6U);
-  controller_.expandClicked();
-  EXPECT_EQ(content().processTitle.text, "TOP 13 PROCESSES");
-  EXPECT_EQ(content().processes.labels.size(), 26U);
+  EXPECT_EQ(content().resources.processes.labels.size(), 6U);
+  controller_.handle(pressed("more"));
+  EXPECT_EQ(content().resources.processTitle.text, "TOP 13 PROCESSES");
+  EXPECT_EQ(content().resources.processes.labels.size(), 26U);
   EXPECT_EQ(content().size.height, 596 + 87 + 38);
-  EXPECT_TRUE(content().lessButton.visible);
-  controller_.expandClicked();
-  EXPECT_EQ(content().processTitle.text, "TOP 23 PROCESSES");
+  EXPECT_TRUE(content().resources.lessButton.visible);
+  controller_.handle(pressed("more"));
+  EXPECT_EQ(content().resources.processTitle.text, "TOP 23 PROCESSES");
   EXPECT_EQ(content().size.height, 596 + 87 + 38);
-  EXPECT_TRUE(content().moreButton.enabled);
-  controller_.collapseClicked();
-  EXPECT_EQ(content().processTitle.text, "TOP 3 PROCESSES");
-  EXPECT_FALSE(content().lessButton.visible);
+  EXPECT_TRUE(content().resources.moreButton.enabled);
+  controller_.handle(pressed("less"));
+  EXPECT_EQ(content().resources.processTitle.text, "TOP 3 PROCESSES");
+  EXPECT_FALSE(content().resources.lessButton.visible);
   EXPECT_EQ(content().size.height, 596 + 38);
 }
 
@@ -138,24 +138,24 @@ TEST_F(DashboardControllerTest, ChangeOfTheAwakePageIsAChangeOfTheContent) {
   controller_.open(DashboardTab::awake);
   changes_ = 0;
   EXPECT_EQ(content().awake.detail.text, "Keep AI jobs running while your display rests.");
-  controller_.awakeView().actions({}).selectDuration(5);
+  controller_.handle(chosen("duration", 5));
   EXPECT_EQ(changes_, 1);
   EXPECT_TRUE(content().awake.minutes.visible);
 }
 
 TEST_F(DashboardControllerTest, OpeningForgetsWhatWasEntered) {
-  controller_.awakeView().actions({}).editMinutes("x");
+  controller_.handle(typed("minutes", "x"));
   EXPECT_EQ(content().awake.minutes.text, "x");
   controller_.open(std::nullopt);
   EXPECT_EQ(content().awake.minutes.text, "60");
 }
 
 TEST_F(DashboardControllerTest, ButtonThatLeadsNowhereIsDisabled) {
-  EXPECT_TRUE(content().activityButton.enabled);
+  EXPECT_TRUE(content().resources.activityButton.enabled);
   controller_.setActivityMonitorEnabled(false);
   controller_.open(DashboardTab::memory);
-  EXPECT_FALSE(content().activityButton.enabled);
-  EXPECT_TRUE(content().activityButton.visible);
+  EXPECT_FALSE(content().resources.activityButton.enabled);
+  EXPECT_TRUE(content().resources.activityButton.visible);
 }
 
 TEST_F(DashboardControllerTest, ChangeIsReportedOnceAndNothingWhenNothingChanged) {
@@ -174,7 +174,7 @@ TEST_F(DashboardControllerTest, ChangeIsReportedOnceAndNothingWhenNothingChanged
   EXPECT_EQ(changes_, 3);
   controller_.showProcesses(scanOf(2));
   EXPECT_EQ(changes_, 3);
-  controller_.tabChanged(0);
+  controller_.handle(chosen("tabs", 0));
   EXPECT_EQ(changes_, 3);
 }
 

@@ -8,7 +8,7 @@
 #include "support/fake_main_loop.h"
 #include "support/fake_power_sources.h"
 #include "support/fake_user_defaults.h"
-#include "ui/dashboard/dashboard_sources.h"
+#include "ui/dashboard/dashboard_pages.h"
 
 namespace nimbo {
 
@@ -28,7 +28,7 @@ struct DashboardWorld {
   FakeAssertionClient assertions;
   FakePowerSources batteries;
   FakeDisplayPower displayPower;
-  AwakeManager manager{{loop, clock, assertions, batteries, displayPower}};
+  AwakeManager manager{{loop, clock, assertions, batteries, displayPower, settings}};
   SystemReadings readings;
   UsageStates usage;
 

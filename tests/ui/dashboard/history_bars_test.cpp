@@ -34,7 +34,7 @@ TEST(HistoryBars, ThreeHundredPointsWideHasSlotsEvery7575Points) {
     EXPECT_DOUBLE_EQ(background[slot].shape.rect.y, 0);
     EXPECT_DOUBLE_EQ(background[slot].shape.rect.height, 56);
     EXPECT_DOUBLE_EQ(background[slot].shape.radius, 2);
-    EXPECT_DOUBLE_EQ(background[slot].alpha, 0.13);
+    EXPECT_EQ(background[slot].alpha, 0.13);
   }
   EXPECT_NEAR(background.back().shape.rect.maxX(), 300, 1e-9);
 }
@@ -50,7 +50,7 @@ TEST(HistoryBars, OneSampleOfZeroIsAThreePointBarInTheRightmostSlot) {
   EXPECT_DOUBLE_EQ(bars[0].shape.rect.height, 3);
   EXPECT_DOUBLE_EQ(bars[0].shape.rect.maxY(), 56);
   EXPECT_DOUBLE_EQ(bars[0].shape.radius, 2);
-  EXPECT_DOUBLE_EQ(bars[0].alpha, 1);
+  EXPECT_EQ(bars[0].alpha, 1);
   EXPECT_EQ(bars[0].color, ColorRole::teal);
 }
 
@@ -61,9 +61,9 @@ TEST(HistoryBars, BarsGrowFromTheBottomAndOnlyTheNewestIsFullyOpaque) {
   EXPECT_EQ(bars[1].shape.rect, (Rect{bars[1].shape.rect.x, 0, 4.575, 56}));
   EXPECT_EQ(bars[2].shape.rect, (Rect{bars[2].shape.rect.x, 28, 4.575, 28}));
   EXPECT_DOUBLE_EQ(bars[0].shape.rect.x, 37 * 7.575);
-  EXPECT_DOUBLE_EQ(bars[0].alpha, 0.65);
-  EXPECT_DOUBLE_EQ(bars[1].alpha, 0.65);
-  EXPECT_DOUBLE_EQ(bars[2].alpha, 1);
+  EXPECT_EQ(bars[0].alpha, 0.65);
+  EXPECT_EQ(bars[1].alpha, 0.65);
+  EXPECT_EQ(bars[2].alpha, 1);
   EXPECT_EQ(bars[0].color, ColorRole::blue);
 }
 

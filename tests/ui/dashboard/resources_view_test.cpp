@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
-#include "ui/dashboard/resources_view.h"
+#include "ui/dashboard/dashboard_pages.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
 #include <string>
+
+#include "ui/dashboard/chart_bars.h"
+#include "ui/dashboard/dashboard_world.h"
 
 namespace nimbo {
 namespace {
@@ -26,41 +29,30 @@ MemorySnapshot snapshot() {
 }
 
 /// What the page is made of.
-struct State {
-  SystemReadings readings;
-  ProcessScan processScan;
-  std::chrono::seconds interval{5};
-  bool visible = true;
-  bool memoryEnabled = true;
-  bool cpuEnabled = false;
-  bool temperatureEnabled = false;
-  std::size_t processLimit = kCollapsedProcessLimit;
-
-  [[nodiscard]] ResourcesView view() const {
-    return {.readings = readings,
-            .processes = processScan,
-            .refreshInterval = interval,
-            .visible = visible,
-            .memoryEnabled = memoryEnabled,
-            .cpuEnabled = cpuEnabled,
-            .temperatureEnabled = temperatureEnabled,
-            .processLimit = processLimit};
+struct Page {
+  /// Before the first reading.
+  enum Empty { empty };
+  explicit Page(Empty /*empty*/) {}
+  Page() {
+    readings.memory = snapshot();
+    readings.cpu = 0.234;
+    readings.memoryHistory = {0.5, 0.6, 0.7};
+    readings.cpuHistory = {0.1, 0.2};
   }
+  Page(const Page&) = delete;
+  Page& operator=(const Page&) = delete;
+
+  mutable DashboardWorld world;
+  Settings& settings = world.settings;
+  SystemReadings& readings = world.readings;
+  ProcessView processes;
 };
 
-State page() {
-  State state;
-  state.readings.memory = snapshot();
-  state.readings.cpu = 0.234;
-  state.readings.memoryHistory = {0.5, 0.6, 0.7};
-  state.readings.cpuHistory = {0.1, 0.2};
-  return state;
-}
+ResourcesContent shown(const Page& page) { return resourcesContent(page.world.sources(), page.processes); }
 
-DashboardContent shown(const State& state) {
-  DashboardContent content;
-  fillResources(content, state.view());
-  return content;
+/// How samples are drawn in the page's chart.
+std::vector<ChartBar> drawn(const std::vector<double>& samples, ColorRole tint) {
+  return historyBars(samples, tint, {300, 56});
 }
 
 ProcessScan scanOf(int count) {
@@ -69,32 +61,33 @@ ProcessScan scanOf(int count) {
   return scan;
 }
 
-std::array<std::string, 5> rowTexts(const DashboardContent& content) {
+std::array<std::string, 5> rowTexts(const ResourcesContent& content) {
   std::array<std::string, 5> texts;
   for (std::size_t row = 0; row < texts.size(); ++row) texts[row] = content.rows[row].value.text;
   return texts;
 }
 
 TEST(ResourcesView, ReadingIsShownInFigures) {
-  const auto content = shown(page());
+  const auto content = shown(Page());
   EXPECT_EQ(content.hero.text, "70%");
   EXPECT_EQ(content.subtitle.text, "11.2 GB of 16.0 GB used");
   EXPECT_EQ(rowTexts(content), (std::array<std::string, 5>{"6.0 GB", "2.5 GB", "2.7 GB", "4.8 GB", "1.5 GB"}));
-  EXPECT_EQ(content.breakdown.snapshot, snapshot());
-  EXPECT_EQ(content.history.history, (std::vector{0.5, 0.6, 0.7}));
-  EXPECT_EQ(content.history.tint, ColorRole::teal);
+  EXPECT_EQ(content.breakdown.bars, breakdownBars(snapshot(), {300, 8}));
+  EXPECT_EQ(content.breakdown.reading, "App memory 38%, wired 16%, compressed 17%");
+  EXPECT_EQ(content.history.bars, drawn({0.5, 0.6, 0.7}, ColorRole::teal));
   EXPECT_EQ(content.history.accessibleName, "Memory history");
+  EXPECT_EQ(content.history.reading, "70%");
 }
 
 TEST(ResourcesView, TotalOfZeroReadsZeroPercent) {
-  auto state = page();
+  Page state;
   state.readings.memory = MemorySnapshot{};
   EXPECT_EQ(shown(state).hero.text, "0%");
   EXPECT_EQ(shown(state).subtitle.text, "0.0 GB of 0.0 GB used");
 }
 
 TEST(ResourcesView, AbsentSwapReadsUnavailableBesideTheOtherFigures) {
-  auto state = page();
+  Page state;
   state.readings.memory->swap.reset();
   EXPECT_EQ(rowTexts(shown(state)),
             (std::array<std::string, 5>{"6.0 GB", "2.5 GB", "2.7 GB", "4.8 GB", "Unavailable"}));
@@ -102,7 +95,7 @@ TEST(ResourcesView, AbsentSwapReadsUnavailableBesideTheOtherFigures) {
 
 TEST(ResourcesView, PressureHasAWordAndAColourPerLevel) {
   const auto pressureLabel = [](MemoryPressure pressure) {
-    auto state = page();
+    Page state;
     state.readings.memory->pressure = pressure;
     return shown(state).pressure;
   };
@@ -116,53 +109,52 @@ TEST(ResourcesView, PressureHasAWordAndAColourPerLevel) {
   EXPECT_EQ(pressureLabel(MemoryPressure::unknown).style.color, ColorRole::secondaryLabel);
 }
 
-void expectUnavailable(const DashboardContent& content) {
+void expectUnavailable(const ResourcesContent& content) {
   EXPECT_EQ(content.hero.text, "—");
   EXPECT_EQ(content.subtitle.text, "Memory unavailable. Retrying automatically…");
   EXPECT_EQ(content.pressure.text, "");
-  EXPECT_FALSE(content.breakdown.snapshot.has_value());
+  EXPECT_EQ(content.breakdown.bars, breakdownBars({}, {300, 8}));
+  EXPECT_EQ(content.breakdown.reading, "");
   EXPECT_EQ(rowTexts(content), (std::array<std::string, 5>{"—", "—", "—", "—", "—"}));
-  EXPECT_EQ(content.history.history, (std::vector{0.5, 0.6, 0.7}));
-  EXPECT_EQ(content.history.tint, ColorRole::teal);
+  EXPECT_EQ(content.history.bars, drawn({0.5, 0.6, 0.7}, ColorRole::teal));
 }
 
 TEST(ResourcesView, FailedReadingShowsDashesAndKeepsTheHistory) {
-  auto state = page();
+  Page state;
   state.readings.memory.reset();
   state.readings.memoryFailed = true;
   expectUnavailable(shown(state));
 }
 
 TEST(ResourcesView, FailedReadingHidesAnOldSnapshot) {
-  auto state = page();
+  Page state;
   state.readings.memoryFailed = true;
   expectUnavailable(shown(state));
 }
 
 TEST(ResourcesView, MemoryOffShowsTheCpuInstead) {
-  auto state = page();
-  state.memoryEnabled = false;
+  Page state;
+  state.settings.setMonitorMemory(false);
   const auto content = shown(state);
   EXPECT_EQ(content.hero.text, "23%");
   EXPECT_EQ(content.subtitle.text, "Total CPU utilization · all cores");
   EXPECT_EQ(content.pressure.text, "");
-  EXPECT_EQ(content.history.history, (std::vector{0.1, 0.2}));
-  EXPECT_EQ(content.history.tint, ColorRole::blue);
+  EXPECT_EQ(content.history.bars, drawn({0.1, 0.2}, ColorRole::blue));
   EXPECT_EQ(content.history.accessibleName, "CPU history");
   EXPECT_EQ(content.time.text, "RECENT USAGE · 5s");
 }
 
 TEST(ResourcesView, MemoryOffAndNoCpuShowsADash) {
-  auto state = page();
-  state.memoryEnabled = false;
+  Page state;
+  state.settings.setMonitorMemory(false);
   state.readings.cpu.reset();
   EXPECT_EQ(shown(state).hero.text, "—");
 }
 
 TEST(ResourcesView, MemoryOffHidesAllThatSpeaksOfMemory) {
-  auto state = page();
-  state.memoryEnabled = false;
-  state.cpuEnabled = true;
+  Page state;
+  state.settings.setMonitorMemory(false);
+  state.settings.setMonitorCpu(true);
   const auto content = shown(state);
   EXPECT_FALSE(content.pressure.visible);
   EXPECT_FALSE(content.breakdown.visible);
@@ -178,9 +170,9 @@ TEST(ResourcesView, MemoryOffHidesAllThatSpeaksOfMemory) {
 }
 
 TEST(ResourcesView, CpuLineIsShownOnlyWithBothMonitors) {
-  auto state = page();
+  Page state;
   EXPECT_FALSE(shown(state).cpu.visible);
-  state.cpuEnabled = true;
+  state.settings.setMonitorCpu(true);
   EXPECT_TRUE(shown(state).cpu.visible);
   EXPECT_EQ(shown(state).cpu.text, "CPU  23% utilized");
   state.readings.cpu.reset();
@@ -189,9 +181,9 @@ TEST(ResourcesView, CpuLineIsShownOnlyWithBothMonitors) {
 
 TEST(ResourcesView, TimeSpansTheHistoryAndIsNeverNegative) {
   const auto timeOf = [](std::size_t samples, std::chrono::seconds interval) {
-    auto state = page();
+    Page state;
     state.readings.memoryHistory.assign(samples, 0.5);
-    state.interval = interval;
+    state.settings.setRefreshInterval(interval);
     return shown(state).time.text;
   };
   EXPECT_EQ(timeOf(0, 5s), "RECENT USAGE · 0s");
@@ -201,18 +193,19 @@ TEST(ResourcesView, TimeSpansTheHistoryAndIsNeverNegative) {
 }
 
 TEST(ResourcesView, TextsBeforeTheFirstReading) {
-  const auto content = shown(State());
+  const auto content = shown(Page(Page::empty));
   EXPECT_EQ(content.hero.text, "—");
   EXPECT_EQ(content.subtitle.text, "Reading memory…");
   EXPECT_EQ(content.time.text, "RECENT USAGE");
   EXPECT_EQ(content.processTitle.text, "TOP 3 PROCESSES");
   EXPECT_EQ(content.processNote.text, "Physical footprint · individual processes");
   EXPECT_EQ(rowTexts(content), (std::array<std::string, 5>{"—", "—", "—", "—", "—"}));
-  EXPECT_TRUE(content.history.history.empty());
+  EXPECT_EQ(content.history.bars, drawn({}, ColorRole::teal));
+  EXPECT_EQ(content.history.reading, "");
 }
 
 TEST(ResourcesView, TemperatureIsRoundedToWholeDegrees) {
-  auto state = page();
+  Page state;
   state.readings.temperature = 61.6;
   EXPECT_EQ(shown(state).temperature.text, "CPU temperature  62°C · hottest sensor");
   state.readings.temperature.reset();
@@ -220,19 +213,19 @@ TEST(ResourcesView, TemperatureIsRoundedToWholeDegrees) {
 }
 
 TEST(ResourcesView, LastLineNamesTheRefreshInterval) {
-  auto state = page();
+  Page state;
   EXPECT_EQ(shown(state).footer.text, "Updates every 5s");
-  state.interval = 30s;
+  state.settings.setRefreshInterval(30s);
   EXPECT_EQ(shown(state).footer.text, "Updates every 30s");
 }
 
 TEST(ResourcesView, HeightFollowsMemoryTemperatureAndExpansion) {
   const auto height = [](bool memory, bool temperature, std::size_t limit) {
-    State state;
-    state.memoryEnabled = memory;
-    state.temperatureEnabled = temperature;
-    state.processLimit = limit;
-    return resourcesHeight(state.view());
+    Page state(Page::empty);
+    state.settings.setMonitorMemory(memory);
+    state.settings.setMonitorTemperature(temperature);
+    state.processes.limit = limit;
+    return resourcesHeight(state.world.sources(), state.processes);
   };
   EXPECT_EQ(height(true, false, 3), 596);
   EXPECT_EQ(height(true, true, 3), 620);
@@ -245,7 +238,7 @@ TEST(ResourcesView, HeightFollowsMemoryTemperatureAndExpansion) {
 }
 
 TEST(ResourcesView, FramesWithoutExtras) {
-  const auto content = shown(page());
+  const auto content = shown(Page());
   EXPECT_EQ(content.hero.frame, (Rect{18, 55, 302, 48}));
   EXPECT_EQ(content.subtitle.frame, (Rect{20, 108, 300, 18}));
   EXPECT_EQ(content.history.frame, (Rect{20, 146, 300, 56}));
@@ -264,9 +257,9 @@ TEST(ResourcesView, FramesWithoutExtras) {
 }
 
 TEST(ResourcesView, TemperatureAndExpansionPushDownWhatFollows) {
-  auto state = page();
-  state.temperatureEnabled = true;
-  state.processLimit = 13;
+  Page state;
+  state.settings.setMonitorTemperature(true);
+  state.processes.limit = 13;
   const auto content = shown(state);
   EXPECT_EQ(content.temperature.frame, (Rect{20, 411, 300, 18}));
   EXPECT_EQ(content.processTitle.frame, (Rect{20, 446, 130, 15}));
@@ -279,9 +272,9 @@ TEST(ResourcesView, TemperatureAndExpansionPushDownWhatFollows) {
 }
 
 TEST(ResourcesView, MemoryOffMovesTheTemperatureUp) {
-  auto state = page();
-  state.memoryEnabled = false;
-  state.temperatureEnabled = true;
+  Page state;
+  state.settings.setMonitorMemory(false);
+  state.settings.setMonitorTemperature(true);
   const auto content = shown(state);
   EXPECT_EQ(content.temperature.frame, (Rect{20, 239, 300, 18}));
   EXPECT_EQ(content.footer.frame, (Rect{20, 276, 170, 16}));
@@ -289,7 +282,7 @@ TEST(ResourcesView, MemoryOffMovesTheTemperatureUp) {
 }
 
 TEST(ResourcesView, RowsHaveTheirTitlesColoursFramesAndToolTips) {
-  const auto content = shown(page());
+  const auto content = shown(Page());
   const std::array<std::string, 5> titles{"App memory", "Wired", "Compressed", "Available", "Swap used"};
   const std::array colors{ColorRole::teal, ColorRole::indigo, ColorRole::orange, ColorRole::secondaryLabel,
                           ColorRole::secondaryLabel};
@@ -311,7 +304,7 @@ TEST(ResourcesView, RowsHaveTheirTitlesColoursFramesAndToolTips) {
 }
 
 TEST(ResourcesView, FontsAreAsDesigned) {
-  const auto content = shown(page());
+  const auto content = shown(Page());
   EXPECT_EQ(content.hero.style, (TextStyle{38, FontWeight::semibold, ColorRole::label, TextAlignment::left, true}));
   EXPECT_EQ(content.subtitle.style, (TextStyle{12, FontWeight::regular, ColorRole::secondaryLabel}));
   EXPECT_EQ(content.pressure.style.size, 11);
@@ -332,8 +325,8 @@ TEST(ResourcesView, FontsAreAsDesigned) {
 }
 
 TEST(ResourcesView, ProcessesAreListedWithNamesPidsAndSizes) {
-  auto state = page();
-  state.processScan = {{{4711, "big", kGigabyte}, {12, "small", kGigabyte - 1}}, 0};
+  Page state;
+  state.processes.scan = {{{4711, "big", kGigabyte}, {12, "small", kGigabyte - 1}}, 0};
   const auto list = shown(state).processes;
   ASSERT_EQ(list.labels.size(), 4U);
   EXPECT_EQ(list.document, (Size{300, 58}));
@@ -348,8 +341,8 @@ TEST(ResourcesView, ProcessesAreListedWithNamesPidsAndSizes) {
 }
 
 TEST(ResourcesView, ProcessOfExactlyOneGigabyteShowsGigabytesAndOneByteLessMegabytes) {
-  auto state = page();
-  state.processScan = {{{1, "a", 1'073'741'824}, {2, "b", 1'073'741'823}}, 0};
+  Page state;
+  state.processes.scan = {{{1, "a", 1'073'741'824}, {2, "b", 1'073'741'823}}, 0};
   const auto list = shown(state).processes;
   ASSERT_EQ(list.labels.size(), 4U);
   EXPECT_EQ(list.labels[1].text, "1.0 GB");
@@ -357,7 +350,7 @@ TEST(ResourcesView, ProcessOfExactlyOneGigabyteShowsGigabytesAndOneByteLessMegab
 }
 
 TEST(ResourcesView, NoProcessesLeaveOneLineThatSaysSo) {
-  const auto list = shown(page()).processes;
+  const auto list = shown(Page()).processes;
   ASSERT_EQ(list.labels.size(), 1U);
   EXPECT_EQ(list.labels[0].text, "No readable processes yet");
   EXPECT_EQ(list.labels[0].frame, (Rect{0, 7, 285, 18}));
@@ -366,9 +359,9 @@ TEST(ResourcesView, NoProcessesLeaveOneLineThatSaysSo) {
 }
 
 TEST(ResourcesView, ThirteenProcessesAtALimitOfThirteenFillTheListAndDisableShowMore) {
-  auto state = page();
-  state.processScan = scanOf(13);
-  state.processLimit = 13;
+  Page state;
+  state.processes.scan = scanOf(13);
+  state.processes.limit = 13;
   const auto content = shown(state);
   EXPECT_EQ(content.processTitle.text, "TOP 13 PROCESSES");
   EXPECT_FALSE(content.moreButton.enabled);
@@ -378,19 +371,19 @@ TEST(ResourcesView, ThirteenProcessesAtALimitOfThirteenFillTheListAndDisableShow
 }
 
 TEST(ResourcesView, EightProcessesAtALimitOfThirteenAreCountedInTheTitle) {
-  auto state = page();
-  state.processScan = scanOf(8);
-  state.processLimit = 13;
+  Page state;
+  state.processes.scan = scanOf(8);
+  state.processes.limit = 13;
   EXPECT_EQ(shown(state).processTitle.text, "TOP 8 PROCESSES");
   EXPECT_FALSE(shown(state).moreButton.enabled);
 }
 
 TEST(ResourcesView, CollapsedTitleSaysThreeHoweverManyThereAre) {
-  auto state = page();
-  state.processScan = scanOf(2);
+  Page state;
+  state.processes.scan = scanOf(2);
   EXPECT_EQ(shown(state).processTitle.text, "TOP 3 PROCESSES");
   EXPECT_FALSE(shown(state).moreButton.enabled);
-  state.processScan = scanOf(4);
+  state.processes.scan = scanOf(4);
   EXPECT_EQ(shown(state).processTitle.text, "TOP 3 PROCESSES");
   EXPECT_TRUE(shown(state).moreButton.enabled);
   EXPECT_EQ(shown(state).processes.labels.size(), 6U);
@@ -398,37 +391,19 @@ TEST(ResourcesView, CollapsedTitleSaysThreeHoweverManyThereAre) {
 }
 
 TEST(ResourcesView, NoteCountsWhatCouldNotBeRead) {
-  auto state = page();
-  state.processScan.unreadable = 17;
+  Page state;
+  state.processes.scan.unreadable = 17;
   EXPECT_EQ(shown(state).processNote.text, "Physical footprint · 17 inaccessible/exited");
-  state.processScan.unreadable = 0;
+  state.processes.scan.unreadable = 0;
   EXPECT_EQ(shown(state).processNote.text, "Physical footprint · individual processes");
   EXPECT_EQ(shown(state).processNote.toolTip,
             "Includes compressed memory charged to each process. Helper processes are listed separately. Protected or "
             "exited processes may be omitted. Process totals need not equal system memory used.");
 }
 
-TEST(ResourcesView, HiddenPageShowsNothing) {
-  auto state = page();
-  state.visible = false;
-  state.cpuEnabled = true;
-  state.temperatureEnabled = true;
-  state.processLimit = 13;
-  const auto content = shown(state);
-  for (const auto* label : {&content.hero, &content.subtitle, &content.pressure, &content.time, &content.cpu,
-                            &content.temperature, &content.processTitle, &content.processNote, &content.footer}) {
-    EXPECT_FALSE(label->visible) << label->text;
-  }
-  for (const auto& row : content.rows) EXPECT_FALSE(row.title.visible || row.value.visible);
-  EXPECT_FALSE(content.history.visible);
-  EXPECT_FALSE(content.breakdown.visible);
-  EXPECT_FALSE(content.processes.visible);
-  EXPECT_FALSE(content.moreButton.visible || content.lessButton.visible || content.activityButton.visible);
-}
-
 TEST(ResourcesView, ChartsCanBeNamedByAScreenReader) {
-  EXPECT_EQ(shown(page()).breakdown.accessibleName, "Memory breakdown");
-  EXPECT_EQ(shown(page()).activityButton.accessibleName, "Activity Monitor");
+  EXPECT_EQ(shown(Page()).breakdown.accessibleName, "Memory breakdown");
+  EXPECT_EQ(shown(Page()).activityButton.accessibleName, "Activity Monitor");
 }
 
 }  // namespace

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "ui/dashboard/usage_view.h"
+#include "ui/dashboard/dashboard_pages.h"
 
 #include <gtest/gtest.h>
 
+#include "ui/dashboard/chart_bars.h"
 #include "ui/dashboard/dashboard_world.h"
 
 namespace nimbo {
@@ -19,7 +20,7 @@ class UsageViewTest : public testing::Test {
     return {true, UsageSnapshot{std::move(windows), now(), {}}, {}, false};
   }
   UsageWindow window(double used, const std::string& title = "Weekly") const { return {title, used, now() + 26h}; }
-  UsageContent content() { return usageContent(world.sources(), true); }
+  UsageContent content() { return usageContent(world.sources()); }
   /// The first card, of a provider in that state.
   UsageCardContent card(const UsageState& state, UsageProvider provider = UsageProvider::codex) {
     world.settings.setClaudeFirst(provider == UsageProvider::claude);
@@ -55,15 +56,16 @@ TEST_F(UsageViewTest, ThreeWindowsMakeACardOf237Points) {
   const auto shown = card(stateWith({window(1, "5-hour"), window(2), window(3, "Opus weekly")}));
   EXPECT_EQ(shown.frame, (Rect{0, 0, 300, 237}));
   ASSERT_EQ(shown.rows.size(), 3U);
-  EXPECT_EQ(shown.rows[0].title.frame, (Rect{12, 58, 170, 20}));
-  EXPECT_EQ(shown.rows[1].title.frame.y, 116);
-  EXPECT_EQ(shown.rows[2].title.frame.y, 174);
+  EXPECT_EQ(shown.rows[0].frame, (Rect{12, 58, 276, 52}));
+  EXPECT_EQ(shown.rows[0].title.frame, (Rect{0, 0, 170, 20}));
+  EXPECT_EQ(shown.rows[1].frame.y, 116);
+  EXPECT_EQ(shown.rows[2].frame.y, 174);
   EXPECT_FALSE(shown.connect.visible);
 }
 
 TEST_F(UsageViewTest, TintWarnsWithUse) {
   const auto tint = [this](double used, UsageProvider provider) {
-    return card(stateWith({window(used)}), provider).rows.at(0).bar.tint;
+    return card(stateWith({window(used)}), provider).rows.at(0).bar.bars.at(1).color;
   };
   EXPECT_EQ(tint(74.9, UsageProvider::codex), ColorRole::teal);
   EXPECT_EQ(tint(75, UsageProvider::codex), ColorRole::orange);
@@ -77,9 +79,11 @@ TEST_F(UsageViewTest, RowTellsWhatIsLeftAndWhenItResets) {
   EXPECT_EQ(row.title.text, "Weekly");
   EXPECT_EQ(row.amount.text, "70% left");
   EXPECT_EQ(row.reset.text, "Resets Nov 22, 2026 16:30");
-  EXPECT_DOUBLE_EQ(row.bar.fraction, 0.7);
+  EXPECT_DOUBLE_EQ(row.bar.percent, 70);
+  EXPECT_TRUE(row.bar.progress);
+  EXPECT_EQ(row.bar.bars, allowanceBars(0.7, ColorRole::teal, {276, 7}));
   EXPECT_EQ(row.bar.accessibleName, "Codex Weekly");
-  EXPECT_EQ(row.bar.accessibleValue, "70 percent remaining");
+  EXPECT_EQ(row.bar.reading, "70 percent remaining");
   const std::string toolTip = "Weekly · 70% left · Resets in 1d 2h\nResets Nov 22, 2026 16:30\nUpdated 14:30";
   for (const auto& text : {row.title.toolTip, row.amount.toolTip, row.bar.toolTip, row.reset.toolTip}) {
     EXPECT_EQ(text, toolTip);
@@ -94,7 +98,7 @@ TEST_F(UsageViewTest, MissingResetTimeIsSaid) {
 TEST_F(UsageViewTest, MoreThanAllLeavesNothing) {
   const auto row = card(stateWith({window(110)})).rows.at(0);
   EXPECT_EQ(row.amount.text, "0% left");
-  EXPECT_EQ(row.bar.fraction, 0);
+  EXPECT_EQ(row.bar.percent, 0);
 }
 
 TEST_F(UsageViewTest, MessageWithoutWindowsStandsAlone) {
@@ -112,13 +116,13 @@ TEST_F(UsageViewTest, OldFiguresAreNeverShownAsNew) {
   auto shown = card(state);
   EXPECT_EQ(shown.status.text, "Last known · Couldn’t reach the provider.");
   EXPECT_EQ(shown.status.toolTip, "Couldn’t reach the provider.");
-  EXPECT_EQ(shown.rows.at(0).bar.alpha, 0.45);
+  EXPECT_EQ(shown.rows.at(0).bar.opacity, 0.45);
 
   state.message.reset();
   state.snapshot->fetchedAt = now() - 901s;
   shown = card(state);
   EXPECT_EQ(shown.status.text, "Last known · Updated 14:14 · Stale");
-  EXPECT_EQ(shown.rows.at(0).bar.alpha, 0.45);
+  EXPECT_EQ(shown.rows.at(0).bar.opacity, 0.45);
 }
 
 TEST_F(UsageViewTest, DisabledStateHidesItsSnapshot) {
@@ -153,11 +157,6 @@ TEST_F(UsageViewTest, DocumentGrowsWithTheCards) {
 TEST_F(UsageViewTest, LinksNameTheirProvider) {
   EXPECT_EQ(content().cards[0].link.toolTip, "Open Codex usage dashboard");
   EXPECT_EQ(content().cards[1].link.toolTip, "Open Claude usage dashboard");
-}
-
-TEST_F(UsageViewTest, VisibilityIsOfEverything) {
-  EXPECT_TRUE(content().visible);
-  EXPECT_FALSE(usageContent(world.sources(), false).visible);
 }
 
 }  // namespace

@@ -118,13 +118,8 @@ class AccessibleTree : public DashboardTest {
     QAccessible::installUpdateHandler(askAboutSource);
     DashboardTest::SetUp();
     controller_.onContentChanged = [this] { render(); };
-    window_->setActions({.selectTab = [this](std::size_t index) { selectTab(index); },
-                         .openSettings = [this] { showSettings(); },
-                         .showMore = [this] { controller_.expandClicked(); },
-                         .showLess = [this] { controller_.collapseClicked(); },
-                         .openActivityMonitor = {},
-                         .quit = [this] { showAlert(); },
-                         .awake = world_.connect(controller_)});
+    world_.connect(controller_);
+    window_->setListener([this](const ControlEvent& event) { handle(event); });
     open();
   }
   void TearDown() override {
@@ -169,6 +164,12 @@ class AccessibleTree : public DashboardTest {
   std::minstd_rand random_{kSeed};  // the same changes and questions every time
 
  private:
+  void handle(const ControlEvent& event) {
+    if (event.identifier == "tabs") return selectTab(event.as<std::size_t>());
+    if (event.identifier == "settings") return showSettings();
+    if (event.identifier == "quit") return showAlert();
+    controller_.handle(event);
+  }
   void selectTab(std::size_t index) {
     constexpr std::array kTabs{DashboardTab::ai, DashboardTab::memory, DashboardTab::awake};
     controller_.open(kTabs[index]);

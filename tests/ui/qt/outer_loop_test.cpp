@@ -56,12 +56,12 @@ TEST_F(QtOuterLoopTest, RepeatingTimerStaysOnTimeWhileAWindowIsOpen) {
 TEST_F(QtOuterLoopTest, WindowIsPaintedWhileTimersFire) {
   auto content = controller_.content();
   const auto timer = loop_.every(milliseconds(10), milliseconds(0), [&] {
-    content.hero.text += "1";
+    content.resources.hero.text += "1";
     window_->render(content);
   });
   QTimer::singleShot(milliseconds(100), &widget(), [this] { loop_.quit(); });
   run();
-  EXPECT_GT(content.hero.text.size(), 5U);
+  EXPECT_GT(content.resources.hero.text.size(), 5U);
 }
 
 TEST_F(QtOuterLoopTest, PostFromAnotherThreadArrivesOnTheMainThread) {
@@ -108,7 +108,8 @@ TEST_F(QtOuterLoopTest, PostFromTheToolkitsHandlerRuns) {
 }
 
 TEST_F(QtOuterLoopTest, QuitEndsTheLoopThoughTheWindowRefusesToClose) {
-  window_->setEvents({.keyDown = {}, .clickedOutside = {}, .otherApplicationActivated = {}, .closeRequested = [] {}});
+  window_->setEvents(
+      {.escapePressed = {}, .clickedOutside = {}, .otherApplicationActivated = {}, .closeRequested = [] {}});
   loop_.post([this] { loop_.quit(); });
   EXPECT_LT(run(), milliseconds(1000));
   EXPECT_TRUE(window_->visible());

@@ -12,6 +12,7 @@
 #include <memory>
 #include <stdexcept>
 
+#include "support/control_events.h"
 #include "ui/controls/palette.h"
 #include "ui/qt/dashboard/sample_dashboard.h"
 #include "ui/qt/qt_user_interface.h"
@@ -51,14 +52,9 @@ class DashboardTest : public QtTest {
   void SetUp() override {
     interface().setAppearance(Appearance::light);
     window_ = interface().makeDashboardWindow();
-    window_->setActions({.selectTab = [this](std::size_t index) { log_.push_back("tab " + std::to_string(index)); },
-                         .openSettings = [this] { log_.push_back("settings"); },
-                         .showMore = [this] { log_.push_back("more"); },
-                         .showLess = [this] { log_.push_back("less"); },
-                         .openActivityMonitor = [this] { log_.push_back("activity"); },
-                         .quit = [this] { log_.push_back("quit"); }});
+    window_->setListener([this](const ControlEvent& event) { log_.push_back(described(event)); });
     world_.fill(controller_, DashboardTab::memory, 40);
-    controller_.expandClicked();
+    controller_.handle(pressed("more"));
     render();
   }
 

@@ -145,7 +145,7 @@ TEST_P(SettingsChoiceTest, EveryItemWritesSendsAndShows) {
     EXPECT_EQ(choice(identifier).items[step], item.title);
     choose(identifier, step);
     EXPECT_EQ(stored(key), item.stored) << item.title;
-    EXPECT_EQ(chosen(identifier), item.title);
+    EXPECT_EQ(chosenItem(identifier), item.title);
     EXPECT_EQ(takeChanges(), std::vector{Change{kind}});
     EXPECT_EQ(takeWrittenKeys(), Keys{key});
   }
@@ -153,7 +153,7 @@ TEST_P(SettingsChoiceTest, EveryItemWritesSendsAndShows) {
 
 TEST_P(SettingsChoiceTest, ItemsThatAreNotThereChangeNothing) {
   const auto selected = choice(GetParam().identifier).selected;
-  controller.choiceChanged(GetParam().identifier, GetParam().items.size());
+  controller.handle(chosen(GetParam().identifier, GetParam().items.size()));
   EXPECT_EQ(takeWrittenKeys(), Keys{});
   EXPECT_EQ(takeChanges(), std::vector<Change>{});
   EXPECT_EQ(choice(GetParam().identifier).selected, selected);
@@ -237,7 +237,7 @@ TEST_F(SettingsPresets, PickingCustomKeepsTheCategoriesAndShowsWhatTheyAre) {
   choose("preset", 4);
   EXPECT_EQ(takeWrittenKeys(), Keys{});
   EXPECT_EQ(takeChanges(), std::vector{Change{Kind::monitors}});
-  EXPECT_EQ(chosen("preset"), "All");
+  EXPECT_EQ(chosenItem("preset"), "All");
 }
 
 // What a hand-edited file may hold.
@@ -247,7 +247,7 @@ using SettingsOddities = SettingsWindowTest;
 TEST_F(SettingsOddities, QuotasOutOfRangeCountAsWeekly) {
   for (const nlohmann::json& value : {nlohmann::json(7), nlohmann::json(-1), nlohmann::json("0"), nlohmann::json()}) {
     store("aiMenuWindows", value);
-    EXPECT_EQ(chosen("aiWindows"), "Weekly") << value;
+    EXPECT_EQ(chosenItem("aiWindows"), "Weekly") << value;
   }
 }
 
@@ -262,11 +262,11 @@ TEST_F(SettingsOddities, LookingAtOddValuesDoesNotRepairThem) {
 }
 
 TEST_F(SettingsOddities, UnknownControlsChangeNothing) {
-  controller.checkChanged("nonsense", true);
-  controller.checkChanged("preset", true);
-  controller.choiceChanged("nonsense", 0);
-  controller.choiceChanged("memory", 1);
-  controller.pressed("nonsense");
+  controller.handle(switched("nonsense", true));
+  controller.handle(switched("preset", true));
+  controller.handle(chosen("nonsense", 0));
+  controller.handle(chosen("memory", 1));
+  controller.handle(pressed("nonsense"));
   EXPECT_EQ(takeWrittenKeys(), Keys{});
   EXPECT_EQ(takeChanges(), std::vector<Change>{});
 }

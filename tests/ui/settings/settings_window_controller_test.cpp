@@ -42,8 +42,8 @@ TEST_F(SettingsWindowControllerTest, TabShowsItsPageAndHidesTheOthers) {
 }
 
 TEST_F(SettingsWindowControllerTest, TabThatIsNotThereIsIgnored) {
-  controller.tabChanged(kUsagePage);
-  controller.tabChanged(4);
+  controller.handle(chosen("tabs", kUsagePage));
+  controller.handle(chosen("tabs", 4));
   EXPECT_EQ(pagesVisible(), (std::vector{false, false, true, false}));
 }
 
@@ -68,9 +68,9 @@ TEST_F(SettingsWindowControllerTest, OpensWithWhatWasStoredMeanwhile) {
 TEST_F(SettingsWindowControllerTest, BecomingKeyShowsWhatWasStoredMeanwhile) {
   settings.setAwakeBatteryFloor(50);
   settings.setMenuRotation(true);
-  EXPECT_EQ(chosen("battery"), "20%");
+  EXPECT_EQ(chosenItem("battery"), "20%");
   ASSERT_TRUE(window.becomeKey());
-  EXPECT_EQ(chosen("battery"), "50%");
+  EXPECT_EQ(chosenItem("battery"), "50%");
   EXPECT_TRUE(check("menuRotation").on);
 }
 
@@ -200,16 +200,21 @@ TEST_F(SettingsWindowControllerTest, WidgetMessageIsThereOnlyWhileThereIsOne) {
   EXPECT_EQ(window.content(), without);
 }
 
-// Its ends.
+// Without a display.
 
-TEST_F(SettingsWindowControllerTest, LetsGoOfTheWindowAtItsEnd) {
-  FakeSettingsWindow other;
-  auto second = std::make_unique<SettingsWindowController>(SettingsWindowController::Sources{settings, bundle, login},
-                                                           other, SettingsWindowController::Callbacks());
-  EXPECT_TRUE(other.hasListeners());
-  EXPECT_EQ(other.renders(), 0) << "nothing is made for a window that nobody opened";
-  second.reset();
-  EXPECT_FALSE(other.hasListeners());
+TEST_F(SettingsWindowControllerTest, WindowIsMadeWhenItIsOpenedAndAskedForAgainUntilThereIsOne) {
+  int asked = 0;
+  SettingsWindowController::Callbacks callbacks;
+  callbacks.makeWindow = [&]() -> std::unique_ptr<SettingsWindow> {
+    ++asked;
+    return nullptr;
+  };
+  SettingsWindowController other({settings, bundle, login}, callbacks);
+  other.syncIfVisible();
+  EXPECT_EQ(asked, 0);
+  other.show();
+  other.show();
+  EXPECT_EQ(asked, 2);
 }
 
 TEST_F(SettingsWindowControllerTest, WindowThatCannotBeShownCostsNothingLater) {

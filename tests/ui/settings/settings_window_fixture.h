@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
+#include <memory>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <string>
@@ -61,7 +62,7 @@ class SettingsWindowTest : public testing::Test {
     if (found == nullptr) throw std::logic_error("no pop-up " + identifier);
     return *found;
   }
-  [[nodiscard]] std::string chosen(const std::string& identifier) const {
+  [[nodiscard]] std::string chosenItem(const std::string& identifier) const {
     return choice(identifier).items.at(choice(identifier).selected);
   }
 
@@ -93,7 +94,8 @@ class SettingsWindowTest : public testing::Test {
   FakeLoginItem login;
   bool automaticUpdates = false;
   std::optional<std::string> widgetMessage;
-  FakeSettingsWindow window;
+  std::unique_ptr<FakeSettingsWindow> made = std::make_unique<FakeSettingsWindow>();
+  FakeSettingsWindow& window = *made;  ///< lives as long as the controller
 
   std::vector<Change> changes;
   /// What the owner does besides keeping its record.
@@ -104,11 +106,12 @@ class SettingsWindowTest : public testing::Test {
   int updateToggles = 0;
   int claudeDesktopRequests = 0;
 
-  SettingsWindowController controller{{settings, bundle, login}, window, callbacks()};
+  SettingsWindowController controller{{settings, bundle, login}, callbacks()};
 
  private:
   SettingsWindowController::Callbacks callbacks() {
-    return {.changed =
+    return {.makeWindow = [this] { return std::move(made); },
+            .changed =
                 [this](const Change& change) {
                   changes.push_back(change);
                   onChange(change);

@@ -20,10 +20,10 @@ QFont titleFont() { return fontFor(kTextSize, FontWeight::regular); }
 
 }  // namespace
 
-CheckBox::CheckBox(const Theme& theme, std::function<void(bool on)> switched, QWidget* parent)
-    : ContentWidget(theme, parent) {
+CheckBox::CheckBox(const Theme& theme, ControlListener listener, QWidget* parent)
+    : ContentWidget(theme, parent, std::move(listener)) {
   // Not `clicked`, which assistive technology can do without.
-  connect(this, &QCheckBox::toggled, this, std::move(switched));
+  connect(this, &QCheckBox::toggled, this, [this](bool on) { report(on); });
 }
 
 void CheckBox::setContent(const CheckBoxContent& content) {
@@ -53,7 +53,7 @@ void CheckBox::drawBox(QPainter& painter, const QRectF& box) const {
   fillRounded(painter, box, kBoxRadius,
               isChecked() && isEnabled() ? theme_.accent(state) : theme_.controlGround(state));
   if (!isChecked()) return;
-  painter.setPen(isEnabled() ? theme_.accentLabel() : theme_.disabledLabel());
+  painter.setPen(isEnabled() ? theme_.color(ColorRole::accentLabel) : theme_.disabledLabel());
   drawCheckMark(painter, box);
 }
 

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <QCheckBox>
-#include <functional>
 
 #include "ui/qt/controls/content_widget.h"
 
@@ -11,8 +10,7 @@ namespace nimbo {
 /// A box with a title beside it, on or off.
 class CheckBox final : public ContentWidget<QCheckBox, CheckBoxContent> {
  public:
-  /// `switched` is called for the user's switching only.
-  CheckBox(const Theme& theme, std::function<void(bool on)> switched, QWidget* parent);
+  CheckBox(const Theme& theme, ControlListener listener, QWidget* parent);
 
   void setContent(const CheckBoxContent& content);
 

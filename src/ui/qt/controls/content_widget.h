@@ -6,6 +6,7 @@
 #include <QWidget>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "ui/qt/controls/qt_geometry.h"
 #include "ui/qt/controls/theme.h"
@@ -24,14 +25,25 @@ template <class Content>
 }
 
 /// The text as a label of a control that would take "&" for the mark of a key.
-[[nodiscard]] QString withoutMnemonics(const std::string& text);
+[[nodiscard]] inline QString withoutMnemonics(const std::string& text) {
+  return QString::fromStdString(text).replace('&', "&&");
+}
 
 /// Only when it is another one: the toolkit announces the same name again.
-void setSpokenName(QWidget& widget, const std::string& name);
+inline void setSpokenName(QWidget& widget, const std::string& name) {
+  const QString wanted = QString::fromStdString(name);
+  if (widget.accessibleName() != wanted) widget.setAccessibleName(wanted);
+}
 
 /// Shows `text` as it is, wrapped to a readable width; never as markup, because names of processes
 /// come from elsewhere. Screen readers get it as the description.
-void setPlainToolTip(QWidget& widget, const std::string& text);
+inline void setPlainToolTip(QWidget& widget, const std::string& text) {
+  const QString plain = QString::fromStdString(text);
+  if (widget.accessibleDescription() == plain) return;
+  // Only markup is wrapped by the toolkit.
+  widget.setToolTip(text.empty() ? QString() : "<qt>" + plain.toHtmlEscaped().replace('\n', "<br>") + "</qt>");
+  widget.setAccessibleDescription(plain);
+}
 
 /// Takes over what contents have in common. The widget reaches `around` the content's frame.
 template <class Content>
@@ -49,7 +61,9 @@ void showContent(QWidget& widget, const Content& content, const QMargins& around
 template <class Widget, class Content>
 class ContentWidget : public Widget {
  public:
-  ContentWidget(const Theme& theme, QWidget* parent) : Widget(parent), theme_(theme) {}
+  /// `listener` gets what the user does with it.
+  ContentWidget(const Theme& theme, QWidget* parent, ControlListener listener = {})
+      : Widget(parent), theme_(theme), listener_(std::move(listener)) {}
 
  protected:
   /// To be called last for a content that differs from the one before.
@@ -58,7 +72,13 @@ class ContentWidget : public Widget {
     showContent(*this, content, around);
   }
 
+  /// Tells what the user has done.
+  void report(const ControlValue& value = {}) const {
+    if (listener_) listener_({this->objectName().toStdString(), value});
+  }
+
   const Theme& theme_;
+  const ControlListener listener_;
   std::optional<Content> content_;  ///< absent until the first one
 };
 

@@ -25,11 +25,11 @@ double sideInset(ButtonLook look) { return look == ButtonLook::icon ? 0 : look =
 
 }  // namespace
 
-DashboardButton::DashboardButton(const Theme& theme, std::function<void()> pressed, QWidget* parent)
-    : ContentWidget(theme, parent) {
+DashboardButton::DashboardButton(const Theme& theme, ControlListener listener, QWidget* parent)
+    : ContentWidget(theme, parent, std::move(listener)) {
   // In a dialog the focus would otherwise make another button the default one.
   setAutoDefault(false);
-  connect(this, &QPushButton::clicked, this, std::move(pressed));
+  connect(this, &QPushButton::clicked, this, [this] { report(); });
 }
 
 void DashboardButton::setContent(const ButtonContent& content) {
@@ -75,7 +75,7 @@ QColor DashboardButton::ground() const {
 void DashboardButton::drawTitle(QPainter& painter) const {
   const auto bareLook = content_->look == ButtonLook::rounded ? ColorRole::label : ColorRole::secondaryLabel;
   QColor ink = theme_.color(bareLook);
-  if (isDefault()) ink = theme_.accentLabel();
+  if (isDefault()) ink = theme_.color(ColorRole::accentLabel);
   if (!isEnabled()) ink = theme_.disabledLabel();
   if (const auto symbol = symbolPath(content_->title)) {
     const double side = symbolSide(*content_);
@@ -96,7 +96,8 @@ void DashboardButton::drawRing(QPainter& painter, double radius) const {
   }
   // A ring in its usual colour would not show on the accent.
   constexpr double kApart = 1.5;
-  drawFocusRing(painter, face().adjusted(kApart, kApart, -kApart, -kApart), radius - kApart, theme_.accentLabel());
+  drawFocusRing(painter, face().adjusted(kApart, kApart, -kApart, -kApart), radius - kApart,
+                theme_.color(ColorRole::accentLabel));
 }
 
 void DashboardButton::paintEvent(QPaintEvent* /*event*/) {

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <QPushButton>
-#include <functional>
 
 #include "ui/qt/controls/content_widget.h"
 
@@ -11,7 +10,7 @@ namespace nimbo {
 /// A button in one of the three looks; the default one of a window stands out.
 class DashboardButton final : public ContentWidget<QPushButton, ButtonContent> {
  public:
-  DashboardButton(const Theme& theme, std::function<void()> pressed, QWidget* parent);
+  DashboardButton(const Theme& theme, ControlListener listener, QWidget* parent);
 
   void setContent(const ButtonContent& content);
 

@@ -51,17 +51,17 @@ QString dateAndTimeFormat(const QLocale& locale) {
   return QString(date + " " + time).replace(QChar(0x202F), u' ');
 }
 
-DatePicker::DatePicker(const Theme& theme, std::function<void(Time date)> picked, QWidget* parent)
-    : ContentWidget(theme, parent) {
+DatePicker::DatePicker(const Theme& theme, ControlListener listener, QWidget* parent)
+    : ContentWidget(theme, parent, std::move(listener)) {
   setFrame(false);
   setTimeSpec(Qt::UTC);
   setDisplayFormat(dateAndTimeFormat(locale()));
   // So that any moment fits into the nanoseconds of the system's clock.
   setDateTimeRange({QDate(2000, 1, 1), QTime(0, 0), Qt::UTC}, {QDate(2199, 12, 31), QTime(23, 59), Qt::UTC});
   setWrapping(true);
-  connect(this, &QDateTimeEdit::dateTimeChanged, this, [this, picked = std::move(picked)](const QDateTime& wall) {
+  connect(this, &QDateTimeEdit::dateTimeChanged, this, [this](const QDateTime& wall) {
     const Time date = momentOf(wall);
-    if (std::exchange(shown_, date) != date) picked(date);
+    if (std::exchange(shown_, date) != date) report(date);
   });
 }
 

@@ -3,7 +3,6 @@
 
 #include <QDateTimeEdit>
 #include <chrono>
-#include <functional>
 
 #include "ui/qt/controls/content_widget.h"
 
@@ -20,8 +19,8 @@ class DatePicker final : public ContentWidget<QDateTimeEdit, DatePickerContent> 
  public:
   using Time = std::chrono::system_clock::time_point;
 
-  /// `picked` is called with whole minutes whenever the user's input makes another moment.
-  DatePicker(const Theme& theme, std::function<void(Time date)> picked, QWidget* parent);
+  /// Reports whole minutes whenever the user's input makes another moment.
+  DatePicker(const Theme& theme, ControlListener listener, QWidget* parent);
 
   /// The date is taken over when it is another one than in the content before; otherwise what the
   /// user has typed since stays.

@@ -49,7 +49,7 @@ void drawMenuItem(QPainter& painter, const QStyleOptionMenuItem& item, const The
   const QRectF row = item.rect;
   if (isSeparator(item)) {
     painter.fillRect(QRectF(row.left() + kMenuPadding, row.center().y(), row.width() - 2 * kMenuPadding, 1),
-                     theme.separator());
+                     theme.color(ColorRole::separator));
     return;
   }
   painter.save();
@@ -59,7 +59,9 @@ void drawMenuItem(QPainter& painter, const QStyleOptionMenuItem& item, const The
   if (selected) {
     fillRounded(painter, row.adjusted(kGroundInset, 0, -kGroundInset, 0), kMenuRadius, theme.accent());
   }
-  const QColor ink = selected ? theme.accentLabel() : enabled ? theme.color(ColorRole::label) : theme.disabledLabel();
+  const QColor ink = selected  ? theme.color(ColorRole::accentLabel)
+                     : enabled ? theme.color(ColorRole::label)
+                               : theme.disabledLabel();
   painter.setPen(ink);
   if (item.checked) {
     drawCheckMark(painter,
@@ -133,8 +135,8 @@ void PanelStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opt
     return;
   }
   painter->save();
-  painter->setPen(QPen(theme_.separator(), 1));
-  painter->setBrush(theme_.background());
+  painter->setPen(QPen(theme_.color(ColorRole::separator), 1));
+  painter->setBrush(theme_.color(ColorRole::background));
   painter->drawRect(option->rect.toRectF().adjusted(0.5, 0.5, -0.5, -0.5));
   painter->restore();
 }

@@ -17,18 +17,18 @@ constexpr double kArrowsWidth = 20;
 
 }  // namespace
 
-PopUpButton::PopUpButton(const Theme& theme, std::function<void(std::size_t index)> selected, QWidget* parent)
-    : ContentWidget(theme, parent) {
+PopUpButton::PopUpButton(const Theme& theme, ControlListener listener, QWidget* parent)
+    : ContentWidget(theme, parent, std::move(listener)) {
   setFocusPolicy(Qt::StrongFocus);
   setFont(controlFont());
   setMaxVisibleItems(20);
-  connect(this, &QComboBox::currentIndexChanged, this, [this, selected](int index) {
+  connect(this, &QComboBox::currentIndexChanged, this, [this](int index) {
     reported_ = true;
-    if (index >= 0) selected(static_cast<std::size_t>(index));
+    if (index >= 0) report(static_cast<std::size_t>(index));
   });
   // The selected item chosen again is a choice, too: it may stand for more than what is shown.
-  connect(this, &QComboBox::activated, this, [this, selected = std::move(selected)](int index) {
-    if (!std::exchange(reported_, true)) selected(static_cast<std::size_t>(index));
+  connect(this, &QComboBox::activated, this, [this](int index) {
+    if (!std::exchange(reported_, true)) report(static_cast<std::size_t>(index));
   });
 }
 

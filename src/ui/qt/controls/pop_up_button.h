@@ -2,7 +2,6 @@
 #pragma once
 
 #include <QComboBox>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -14,8 +13,7 @@ namespace nimbo {
 /// without opening it.
 class PopUpButton final : public ContentWidget<QComboBox, PopUpContent> {
  public:
-  /// `selected` is called for the user's choices only.
-  PopUpButton(const Theme& theme, std::function<void(std::size_t index)> selected, QWidget* parent);
+  PopUpButton(const Theme& theme, ControlListener listener, QWidget* parent);
 
   void setContent(const PopUpContent& content);
 

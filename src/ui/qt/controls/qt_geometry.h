@@ -14,13 +14,4 @@ namespace nimbo {
 [[nodiscard]] inline QSize toQSize(const Size& size) { return {qRound(size.width), qRound(size.height)}; }
 [[nodiscard]] inline Rect toRect(const QRectF& rect) { return {rect.x(), rect.y(), rect.width(), rect.height()}; }
 
-/// The same content with its frame counted from the top left corner of `parent` instead of from
-/// where the frame of `parent` is counted from.
-template <class Content>
-[[nodiscard]] Content movedInto(const Rect& parent, Content content) {
-  content.frame.x -= parent.x;
-  content.frame.y -= parent.y;
-  return content;
-}
-
 }  // namespace nimbo

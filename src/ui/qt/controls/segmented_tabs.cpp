@@ -20,14 +20,14 @@ constexpr double kSideInset = 4;  // keeps the track apart from what stands besi
 
 }  // namespace
 
-SegmentedTabs::SegmentedTabs(const Theme& theme, std::function<void(std::size_t)> selected, QWidget* parent)
-    : ContentWidget(theme, parent) {
+SegmentedTabs::SegmentedTabs(const Theme& theme, ControlListener listener, QWidget* parent)
+    : ContentWidget(theme, parent, std::move(listener)) {
   setObjectName("tabs");
   setAccessibleName("Pages");
   setFocusPolicy(Qt::StrongFocus);
   setUsesScrollButtons(false);
-  connect(this, &QTabBar::currentChanged, this, [selected = std::move(selected)](int index) {
-    if (index >= 0) selected(static_cast<std::size_t>(index));
+  connect(this, &QTabBar::currentChanged, this, [this](int index) {
+    if (index >= 0) report(static_cast<std::size_t>(index));
   });
 }
 
@@ -66,7 +66,7 @@ void SegmentedTabs::paintEvent(QPaintEvent* /*event*/) {
     const QRectF frame = segment(index);
     const bool selected = index == currentIndex();
     if (selected) {
-      painter.setPen(QPen(theme_.separator(), 0.5));
+      painter.setPen(QPen(theme_.color(ColorRole::separator), 0.5));
       painter.setBrush(theme_.raisedGround());
       painter.drawRoundedRect(frame, inner, inner);
       if (keyboardFocusVisible(*this)) drawFocusRing(painter, frame, inner, theme_.focusRing());

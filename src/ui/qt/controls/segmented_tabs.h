@@ -2,7 +2,6 @@
 #pragma once
 
 #include <QTabBar>
-#include <functional>
 
 #include "ui/controls/control_content.h"
 #include "ui/qt/controls/content_widget.h"
@@ -13,8 +12,7 @@ namespace nimbo {
 /// keys move the selection.
 class SegmentedTabs final : public ContentWidget<QTabBar, TabsContent> {
  public:
-  /// `selected` is called for the user's choices only.
-  SegmentedTabs(const Theme& theme, std::function<void(std::size_t)> selected, QWidget* parent);
+  SegmentedTabs(const Theme& theme, ControlListener listener, QWidget* parent);
 
   void setContent(const TabsContent& content);
 

@@ -8,15 +8,14 @@
 
 namespace nimbo {
 
-TextField::TextField(const Theme& theme, std::function<void(const std::string& text)> edited, QWidget* parent)
-    : ContentWidget(theme, parent) {
+TextField::TextField(const Theme& theme, ControlListener listener, QWidget* parent)
+    : ContentWidget(theme, parent, std::move(listener)) {
   constexpr int kPadding = 6;
   setFrame(false);
   setTextMargins(kPadding, 0, kPadding, 0);
   setFont(controlFont());
   // Not `textEdited`, which assistive technology can do without.
-  connect(this, &QLineEdit::textChanged, this,
-          [edited = std::move(edited)](const QString& text) { edited(text.toStdString()); });
+  connect(this, &QLineEdit::textChanged, this, [this](const QString& text) { report(text.toStdString()); });
 }
 
 void TextField::setContent(const TextFieldContent& content) {

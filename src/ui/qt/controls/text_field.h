@@ -2,7 +2,6 @@
 #pragma once
 
 #include <QLineEdit>
-#include <functional>
 #include <string>
 
 #include "ui/qt/controls/content_widget.h"
@@ -12,8 +11,8 @@ namespace nimbo {
 /// One line of text to be typed.
 class TextField final : public ContentWidget<QLineEdit, TextFieldContent> {
  public:
-  /// `edited` is called with the whole text for each change that the user makes.
-  TextField(const Theme& theme, std::function<void(const std::string& text)> edited, QWidget* parent);
+  /// Reports the whole text for each change that the user makes.
+  TextField(const Theme& theme, ControlListener listener, QWidget* parent);
 
   /// The text is taken over when it is another one than in the content before; otherwise what the
   /// user has typed since stays.

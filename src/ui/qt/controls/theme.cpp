@@ -6,12 +6,6 @@
 namespace nimbo {
 namespace {
 
-QColor toolkitColor(const Color& color) {
-  QColor result(color.red, color.green, color.blue);
-  result.setAlphaF(static_cast<float>(color.alpha));
-  return result;
-}
-
 QColor withAlpha(QColor color, float alpha) {
   color.setAlphaF(alpha);
   return color;
@@ -33,13 +27,10 @@ float groundAlpha(ControlState state, bool dark) {
 
 }  // namespace
 
-QColor Theme::color(ColorRole role) const { return toolkitColor(nimbo::color(role, appearance_)); }
-
-QColor Theme::background() const { return toolkitColor(panelBackground(appearance_)); }
-
-QColor Theme::separator() const { return toolkitColor(separatorColor(appearance_)); }
-
-QColor Theme::cardGround() const { return toolkitColor(nimbo::cardGround(appearance_)); }
+QColor Theme::color(ColorRole role) const {
+  const auto [red, green, blue, alpha] = nimbo::color(role, appearance_);
+  return withAlpha({red, green, blue}, static_cast<float>(alpha));
+}
 
 QColor Theme::controlGround(ControlState state) const {
   return withAlpha(color(ColorRole::label), groundAlpha(state, appearance_ == Appearance::dark));
@@ -54,34 +45,31 @@ QColor Theme::focusRing() const { return withAlpha(color(ColorRole::blue), 0.75F
 QColor Theme::disabledLabel() const { return withAlpha(color(ColorRole::tertiaryLabel), 0.7F); }
 
 QColor Theme::accent(ControlState state) const {
-  const QColor ground = toolkitColor(accentGround(appearance_));
+  const QColor ground = color(ColorRole::accentGround);
   // Darker, so that what is written on it stays readable.
   if (state == ControlState::hovered) return ground.darker(108);
   return state == ControlState::pressed ? ground.darker(122) : ground;
 }
 
-QColor Theme::accentLabel() const { return toolkitColor(nimbo::accentLabel(appearance_)); }
-
 QColor Theme::fieldGround(bool enabled) const {
-  return enabled ? toolkitColor(nimbo::fieldGround(appearance_)) : controlGround(ControlState::disabled);
+  return enabled ? color(ColorRole::fieldGround) : controlGround(ControlState::disabled);
 }
 
-QColor Theme::fieldBorder(bool enabled) const {
-  return enabled ? toolkitColor(nimbo::fieldBorder(appearance_)) : separator();
-}
+QColor Theme::fieldBorder(bool enabled) const { return color(enabled ? ColorRole::fieldBorder : ColorRole::separator); }
 
 QPalette Theme::palette() const {
   // Built from two colours, the toolkit derives the rest of a fitting light or dark set.
-  QPalette palette(background(), background());
+  const QColor background = color(ColorRole::background);
+  QPalette palette(background, background);
   for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText}) {
     palette.setColor(role, color(ColorRole::label));
     palette.setColor(QPalette::Disabled, role, color(ColorRole::tertiaryLabel));
   }
-  palette.setColor(QPalette::Base, background());
-  palette.setColor(QPalette::ToolTipBase, background());
+  palette.setColor(QPalette::Base, background);
+  palette.setColor(QPalette::ToolTipBase, background);
   palette.setColor(QPalette::PlaceholderText, color(ColorRole::tertiaryLabel));
   palette.setColor(QPalette::Highlight, accent());
-  palette.setColor(QPalette::HighlightedText, accentLabel());
+  palette.setColor(QPalette::HighlightedText, color(ColorRole::accentLabel));
   return palette;
 }
 

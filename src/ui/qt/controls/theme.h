@@ -19,9 +19,6 @@ class Theme {
   void setAppearance(Appearance appearance) { appearance_ = appearance; }
 
   [[nodiscard]] QColor color(ColorRole role) const;
-  [[nodiscard]] QColor background() const;
-  [[nodiscard]] QColor separator() const;
-  [[nodiscard]] QColor cardGround() const;
   /// The ground of a button or of the track of a control.
   [[nodiscard]] QColor controlGround(ControlState state) const;
   /// The raised, selected part of a control.
@@ -30,9 +27,8 @@ class Theme {
   /// What is written on a control that cannot be used now.
   [[nodiscard]] QColor disabledLabel() const;
 
-  /// The ground of what is on or selected, and what is written on it.
+  /// The ground of what is on or selected.
   [[nodiscard]] QColor accent(ControlState state = ControlState::idle) const;
-  [[nodiscard]] QColor accentLabel() const;
 
   [[nodiscard]] QColor fieldGround(bool enabled) const;
   [[nodiscard]] QColor fieldBorder(bool enabled) const;

@@ -17,74 +17,73 @@ namespace nimbo {
 namespace {
 
 using Content = DashboardContent;
-using Actions = DashboardActions;
 
 constexpr std::array kRowNames{"row0", "row1", "row2", "row3", "row4"};
 constexpr std::array kValueNames{"value0", "value1", "value2", "value3", "value4"};
 
 }  // namespace
 
-DashboardPage::DashboardPage(const Theme& theme, QWidget* parent)
-    : QWidget(parent), theme_(theme), controls_(theme, *this), awake_(theme, *this) {
+DashboardPage::DashboardPage(const Theme& theme, const ControlListener& listener, QWidget* parent)
+    : QWidget(parent),
+      theme_(theme),
+      controls_(theme, *this, listener),
+      resources_(theme, *this, listener),
+      awake_(theme, *this, listener) {
   setObjectName("page");
   controls_.label("title", &Content::title);
-  controls_.control<SegmentedTabs>(&Content::tabs, &Actions::selectTab);
-  controls_.control<DashboardButton>(&Content::settingsButton, &Actions::openSettings);
+  controls_.control<SegmentedTabs>(&Content::tabs);
+  controls_.control<DashboardButton>(&Content::settingsButton);
   addResources();
-  controls_.label("footer", &Content::footer);
+  resources_.label("footer", &ResourcesContent::footer);
   addKeepAwake();
-  usage_.emplace(theme, *this);
-  controls_.control<DashboardButton>(&Content::quitButton, &Actions::quit);
+  usage_.emplace(theme, *this, listener);
+  controls_.control<DashboardButton>(&Content::quitButton);
   controls_.label("quitHint", &Content::quitHint);
 }
 
 void DashboardPage::addResources() {
-  controls_.label("hero", &Content::hero);
-  controls_.label("subtitle", &Content::subtitle);
-  controls_.bind(&Content::history, new HistoryWidget(theme_, this))->setObjectName("history");
-  controls_.label("pressure", &Content::pressure);
-  controls_.label("time", &Content::time);
-  controls_.bind(&Content::breakdown, new BreakdownWidget(theme_, this))->setObjectName("breakdown");
+  resources_.label("hero", &ResourcesContent::hero);
+  resources_.label("subtitle", &ResourcesContent::subtitle);
+  resources_.bind(&ResourcesContent::history, new ChartWidget(theme_, this))->setObjectName("history");
+  resources_.label("pressure", &ResourcesContent::pressure);
+  resources_.label("time", &ResourcesContent::time);
+  resources_.bind(&ResourcesContent::breakdown, new ChartWidget(theme_, this))->setObjectName("breakdown");
   for (std::size_t row = 0; row < kRowNames.size(); ++row) {
-    controls_.label(kRowNames.at(row), [row](const Content& content) { return content.rows.at(row).title; });
-    controls_.label(kValueNames.at(row), [row](const Content& content) { return content.rows.at(row).value; });
+    resources_.label(kRowNames.at(row), [row](const ResourcesContent& content) { return content.rows.at(row).title; });
+    resources_.label(kValueNames.at(row),
+                     [row](const ResourcesContent& content) { return content.rows.at(row).value; });
   }
-  controls_.label("cpu", &Content::cpu);
-  controls_.label("temperature", &Content::temperature);
-  controls_.label("processTitle", &Content::processTitle);
-  controls_.control<DashboardButton>(&Content::lessButton, &Actions::showLess);
-  controls_.control<DashboardButton>(&Content::moreButton, &Actions::showMore);
-  processes_ = controls_.bind(&Content::processes, new ProcessListWidget(theme_, this));
-  controls_.label("processNote", &Content::processNote);
-  controls_.control<DashboardButton>(&Content::activityButton, &Actions::openActivityMonitor);
+  resources_.label("cpu", &ResourcesContent::cpu);
+  resources_.label("temperature", &ResourcesContent::temperature);
+  resources_.label("processTitle", &ResourcesContent::processTitle);
+  resources_.control<DashboardButton>(&ResourcesContent::lessButton);
+  resources_.control<DashboardButton>(&ResourcesContent::moreButton);
+  processes_ = resources_.bind(&ResourcesContent::processes, new ProcessListWidget(theme_, this));
+  resources_.label("processNote", &ResourcesContent::processNote);
+  resources_.control<DashboardButton>(&ResourcesContent::activityButton);
 }
 
 void DashboardPage::addKeepAwake() {
   awake_.label("awakeState", &AwakeContent::state);
   awake_.label("awakeDetail", &AwakeContent::detail);
-  awake_.control<DashboardButton>(&AwakeContent::start, &AwakeActions::startOrStop);
-  awake_.control<DashboardButton>(&AwakeContent::extend, &AwakeActions::extend);
+  awake_.control<DashboardButton>(&AwakeContent::start);
+  awake_.control<DashboardButton>(&AwakeContent::extend);
   awake_.label("awakeDurationTitle", &AwakeContent::durationTitle);
-  awake_.control<PopUpButton>(&AwakeContent::duration, &AwakeActions::selectDuration);
-  awake_.control<TextField>(&AwakeContent::minutes, &AwakeActions::editMinutes);
-  awake_.control<DatePicker>(&AwakeContent::date, &AwakeActions::pickDate);
-  awake_.control<CheckBox>(&AwakeContent::display, &AwakeActions::switchDisplay);
-  awake_.control<CheckBox>(&AwakeContent::plugged, &AwakeActions::switchPlugged);
+  awake_.control<PopUpButton>(&AwakeContent::duration);
+  awake_.control<TextField>(&AwakeContent::minutes);
+  awake_.control<DatePicker>(&AwakeContent::date);
+  awake_.control<CheckBox>(&AwakeContent::display);
+  awake_.control<CheckBox>(&AwakeContent::plugged);
   awake_.label("awakeBatteryTitle", &AwakeContent::batteryTitle);
-  awake_.control<PopUpButton>(&AwakeContent::battery, &AwakeActions::selectBatteryFloor);
-  awake_.control<DashboardButton>(&AwakeContent::off, &AwakeActions::turnDisplayOff);
+  awake_.control<PopUpButton>(&AwakeContent::battery);
+  awake_.control<DashboardButton>(&AwakeContent::off);
   awake_.label("awakeNote", &AwakeContent::note);
-}
-
-void DashboardPage::setActions(DashboardActions actions) {
-  awake_.setActions(std::move(actions.awake));
-  usage_->setActions(std::move(actions.usage));
-  controls_.setActions(std::move(actions));
 }
 
 void DashboardPage::render(const DashboardContent& content) {
   controls_.render(content);
-  setSpokenName(*processes_, content.processTitle.text);
+  resources_.render(content.resources);
+  setSpokenName(*processes_, content.resources.processTitle.text);
   awake_.render(content.awake);
   usage_->render(content.usage);
   if (std::exchange(footerSeparator_, content.footerSeparator) != content.footerSeparator) update();
@@ -93,7 +92,7 @@ void DashboardPage::render(const DashboardContent& content) {
 
 void DashboardPage::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
-  painter.fillRect(toQRectF(footerSeparator_), theme_.separator());
+  painter.fillRect(toQRectF(footerSeparator_), theme_.color(ColorRole::separator));
   painter.setRenderHint(QPainter::Antialiasing);
   const auto drawRingAround = [&](const ScrollArea& view, const QMargins& room) {
     if (keyboardFocusVisible(view)) drawFocusRing(painter, view.geometry() + room, 6, theme_.focusRing());

@@ -4,7 +4,7 @@
 #include <QWidget>
 #include <optional>
 
-#include "ui/dashboard/dashboard_window.h"
+#include "ui/dashboard/dashboard_content.h"
 #include "ui/qt/controls/page_controls.h"
 #include "ui/qt/dashboard/process_list_widget.h"
 #include "ui/qt/dashboard/usage_page.h"
@@ -14,9 +14,8 @@ namespace nimbo {
 /// What stands in the dashboard: the head and the foot, and the page between them.
 class DashboardPage final : public QWidget {
  public:
-  DashboardPage(const Theme& theme, QWidget* parent);
+  DashboardPage(const Theme& theme, const ControlListener& listener, QWidget* parent);
 
-  void setActions(DashboardActions actions);
   void render(const DashboardContent& content);
 
  protected:
@@ -27,8 +26,9 @@ class DashboardPage final : public QWidget {
   void addKeepAwake();
 
   const Theme& theme_;
-  PageControls<DashboardContent, DashboardActions> controls_;
-  PageControls<AwakeContent, AwakeActions> awake_;
+  PageControls<DashboardContent> controls_;
+  PageControls<ResourcesContent> resources_;
+  PageControls<AwakeContent> awake_;
   std::optional<UsagePage> usage_;  ///< made in its turn, for the order in which Tab goes
   ProcessListWidget* processes_ = nullptr;
   Rect footerSeparator_;

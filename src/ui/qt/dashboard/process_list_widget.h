@@ -14,11 +14,20 @@ namespace nimbo {
 /// holds from one scan to the next.
 class ProcessListWidget final : public ScrollArea {
  public:
-  ProcessListWidget(const Theme& theme, QWidget* parent);
+  ProcessListWidget(const Theme& theme, QWidget* parent) : ScrollArea(kRowHeight, parent), theme_(theme) {
+    setObjectName("processes");
+  }
 
-  void setContent(const ProcessListContent& content);
+  void setContent(const ProcessListContent& content) {
+    while (labels_.size() > content.labels.size()) labels_.pop_back();
+    while (labels_.size() < content.labels.size()) labels_.push_back(std::make_unique<FittedLabel>(theme_, document()));
+    for (std::size_t index = 0; index < labels_.size(); ++index) labels_[index]->setContent(content.labels[index]);
+    place(content.frame, content.document, content.visible);
+  }
 
  private:
+  static constexpr int kRowHeight = 29;
+
   const Theme& theme_;
   std::vector<std::unique_ptr<FittedLabel>> labels_;
 };

@@ -47,7 +47,8 @@ QtDashboardWindow::QtDashboardWindow(const Theme& theme, WindowSystem& windowSys
     : QWidget(nullptr, flagsFor(windowSystem)),
       theme_(theme),
       windowSystem_(windowSystem),
-      page_(new DashboardPage(theme, this)) {
+      page_(new DashboardPage(
+          theme, [this](const ControlEvent& event) { call(listener_, event); }, this)) {
   setObjectName("dashboard");
   setWindowTitle("Nimbo");
   setAccessibleName("Nimbo");
@@ -149,9 +150,9 @@ bool QtDashboardWindow::eventFilter(QObject* watched, QEvent* event) {
 }
 
 bool QtDashboardWindow::keyDown(const QKeyEvent& key) {
-  const auto keyDown = events_.keyDown;
-  if (keyDown && keyDown(key.key() == Qt::Key_Escape ? Key::escape : Key::other)) return true;
-  return isVisible() && performKeyEquivalent(key);
+  if (key.key() != Qt::Key_Escape) return performKeyEquivalent(key);
+  call(events_.escapePressed);
+  return true;
 }
 
 bool QtDashboardWindow::performKeyEquivalent(const QKeyEvent& key) {
@@ -197,9 +198,10 @@ void QtDashboardWindow::shapeCorners() {
 void QtDashboardWindow::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
   // Without a compositor the half transparent pixels at the corners would come out black.
-  if (!compositing_) painter.fillRect(rect(), theme_.background());
+  if (!compositing_) painter.fillRect(rect(), theme_.color(ColorRole::background));
   painter.setRenderHint(QPainter::Antialiasing);
-  fillRounded(painter, rect(), kCornerRadius, theme_.background(), theme_.separator(), 1 / devicePixelRatioF());
+  fillRounded(painter, rect(), kCornerRadius, theme_.color(ColorRole::background), theme_.color(ColorRole::separator),
+              1 / devicePixelRatioF());
 }
 
 }  // namespace nimbo

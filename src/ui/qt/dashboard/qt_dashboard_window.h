@@ -19,7 +19,7 @@ class QtDashboardWindow final : public QWidget, public DashboardWindow {
   QtDashboardWindow(const Theme& theme, WindowSystem& windowSystem);
   ~QtDashboardWindow() override;
 
-  void setActions(DashboardActions actions) override { page_->setActions(std::move(actions)); }
+  void setListener(ControlListener listener) override { listener_ = std::move(listener); }
   void setEvents(MenuWindowEvents events) override { events_ = std::move(events); }
   void render(const DashboardContent& content) override { page_->render(content); }
   void setFrame(const Rect& frame) override { setGeometry(toQRect(frame)); }
@@ -50,6 +50,7 @@ class QtDashboardWindow final : public QWidget, public DashboardWindow {
 
   const Theme& theme_;
   WindowSystem& windowSystem_;
+  ControlListener listener_;
   MenuWindowEvents events_;
   Subscription otherActivation_;
   QTimer deactivationTimer_;

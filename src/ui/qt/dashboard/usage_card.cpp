@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ui/qt/dashboard/usage_card.h"
 
-#include <utility>
-
 #include "ui/qt/controls/control_painting.h"
 #include "ui/qt/controls/dashboard_button.h"
-#include "ui/qt/controls/fitted_label.h"
 #include "ui/qt/dashboard/chart_widget.h"
 
 namespace nimbo {
@@ -13,45 +10,32 @@ namespace nimbo {
 /// One limit window. A widget around its four parts, so that the tool tip does not go away between them.
 class UsageRow final : public QWidget {
  public:
-  UsageRow(const Theme& theme, QWidget* parent)
-      : QWidget(parent),
-        title_(new FittedLabel(theme, this, "usageRowTitle")),
-        amount_(new FittedLabel(theme, this, "usageRowAmount")),
-        bar_(new UsageBar(theme, this)),
-        reset_(new FittedLabel(theme, this, "usageRowReset")) {
+  UsageRow(const Theme& theme, QWidget* parent) : QWidget(parent), controls_(theme, *this, {}) {
     setObjectName("usageRow");
-    bar_->setObjectName("usageRowBar");
+    controls_.label("usageRowTitle", &UsageRowContent::title);
+    controls_.label("usageRowAmount", &UsageRowContent::amount);
+    controls_.bind(&UsageRowContent::bar, new ChartWidget(theme, this))->setObjectName("usageRowBar");
+    controls_.label("usageRowReset", &UsageRowContent::reset);
   }
 
-  /// Frames are counted from where the frame of the card is counted from.
-  void setContent(const UsageRowContent& content, const Rect& card) {
-    const QRectF frame = toQRectF(content.title.frame) | toQRectF(content.amount.frame) | toQRectF(content.bar.frame) |
-                         toQRectF(content.reset.frame);
-    setGeometry(frame.translated(-card.x, -card.y).toRect());
+  void setContent(const UsageRowContent& content) {
+    setGeometry(toQRect(content.frame));
     setPlainToolTip(*this, content.title.toolTip);
-    title_->setContent(movedInto(toRect(frame), content.title));
-    amount_->setContent(movedInto(toRect(frame), content.amount));
-    bar_->setContent(movedInto(toRect(frame), content.bar));
-    reset_->setContent(movedInto(toRect(frame), content.reset));
+    controls_.render(content);
     show();
   }
 
  private:
-  FittedLabel* const title_;
-  FittedLabel* const amount_;
-  UsageBar* const bar_;
-  FittedLabel* const reset_;
+  PageControls<UsageRowContent> controls_;
 };
 
-UsageCard::UsageCard(const Theme& theme, UsageProvider provider, Actions actions, QWidget* parent)
-    : QWidget(parent),
-      theme_(theme),
-      provider_(provider),
-      title_(new FittedLabel(theme, this, "usageCardTitle")),
-      link_(new DashboardButton(theme, std::move(actions.openLink), this)),
-      status_(new FittedLabel(theme, this, "usageCardStatus")),
-      connect_(new DashboardButton(theme, std::move(actions.connect), this)) {
+UsageCard::UsageCard(const Theme& theme, UsageProvider provider, const ControlListener& listener, QWidget* parent)
+    : QWidget(parent), theme_(theme), provider_(provider), controls_(theme, *this, listener) {
   setObjectName("usageCard." + QString::fromUtf8(rawValue(provider)));
+  controls_.label("usageCardTitle", &UsageCardContent::title);
+  link_ = controls_.control<DashboardButton>(&UsageCardContent::link);
+  controls_.label("usageCardStatus", &UsageCardContent::status);
+  connect_ = controls_.control<DashboardButton>(&UsageCardContent::connect);
 }
 
 UsageCard::~UsageCard() = default;
@@ -59,17 +43,12 @@ UsageCard::~UsageCard() = default;
 void UsageCard::setContent(const UsageCardContent& content) {
   setGeometry(toQRect(content.frame));
   setSpokenName(*this, content.title.text);
-  title_->setContent(movedInto(content.frame, content.title));
-  link_->setContent(movedInto(content.frame, content.link));
-  status_->setContent(movedInto(content.frame, content.status));
   // The toolkit would move the focus to the next card.
   if (connect_->hasFocus() && !content.connect.visible) link_->setFocus(Qt::OtherFocusReason);
-  connect_->setContent(movedInto(content.frame, content.connect));
+  controls_.render(content);
   while (rows_.size() > content.rows.size()) rows_.pop_back();
   while (rows_.size() < content.rows.size()) rows_.push_back(std::make_unique<UsageRow>(theme_, this));
-  for (std::size_t index = 0; index < rows_.size(); ++index) {
-    rows_[index]->setContent(content.rows[index], content.frame);
-  }
+  for (std::size_t index = 0; index < rows_.size(); ++index) rows_[index]->setContent(content.rows[index]);
   show();
 }
 
@@ -82,7 +61,8 @@ QWidget* UsageCard::followInTabOrder(QWidget* previous) {
 void UsageCard::paintEvent(QPaintEvent* /*event*/) {
   constexpr double kRadius = 10.5;
   SmoothPainter painter(this);
-  fillRounded(painter, rect(), kRadius, theme_.cardGround(), theme_.separator(), 1 / devicePixelRatioF());
+  fillRounded(painter, rect(), kRadius, theme_.color(ColorRole::cardGround), theme_.color(ColorRole::separator),
+              1 / devicePixelRatioF());
 }
 
 }  // namespace nimbo

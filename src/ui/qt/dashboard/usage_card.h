@@ -2,28 +2,21 @@
 #pragma once
 
 #include <QWidget>
-#include <functional>
 #include <memory>
 #include <vector>
 
 #include "ui/dashboard/dashboard_content.h"
+#include "ui/qt/controls/page_controls.h"
 
 namespace nimbo {
 
 class DashboardButton;
-class FittedLabel;
-class Theme;
 class UsageRow;
 
 /// One provider with its limit windows, a group of that name to assistive technology.
 class UsageCard final : public QWidget {
  public:
-  struct Actions {
-    std::function<void()> openLink;
-    std::function<void()> connect;
-  };
-
-  UsageCard(const Theme& theme, UsageProvider provider, Actions actions, QWidget* parent);
+  UsageCard(const Theme& theme, UsageProvider provider, const ControlListener& listener, QWidget* parent);
   ~UsageCard() override;
 
   [[nodiscard]] UsageProvider provider() const { return provider_; }
@@ -39,10 +32,9 @@ class UsageCard final : public QWidget {
  private:
   const Theme& theme_;
   const UsageProvider provider_;
-  FittedLabel* const title_;
-  DashboardButton* const link_;
-  FittedLabel* const status_;
-  DashboardButton* const connect_;
+  PageControls<UsageCardContent> controls_;
+  DashboardButton* link_ = nullptr;
+  DashboardButton* connect_ = nullptr;
   std::vector<std::unique_ptr<UsageRow>> rows_;
 };
 

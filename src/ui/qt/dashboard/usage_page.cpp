@@ -12,26 +12,19 @@ namespace {
 
 constexpr int kScrollStep = 29;  // half a row
 
-/// That part of a page's content, hidden together with the page.
-template <class Part>
-auto onPage(Part UsageContent::*field) {
-  return [field](const UsageContent& content) {
-    Part part = content.*field;
-    part.visible = part.visible && content.visible;
-    return part;
-  };
-}
-
 }  // namespace
 
-UsagePage::UsagePage(const Theme& theme, QWidget& parent)
-    : theme_(theme), scroll_(new ScrollArea(kScrollStep, &parent)), controls_(theme, parent) {
+UsagePage::UsagePage(const Theme& theme, QWidget& parent, const ControlListener& listener)
+    : theme_(theme),
+      listener_(listener),
+      scroll_(new ScrollArea(kScrollStep, &parent)),
+      controls_(theme, parent, listener) {
   scroll_->setObjectName("usage");
   scroll_->setAccessibleName("AI usage");
-  controls_.control<DashboardButton>(onPage(&UsageContent::refresh), &UsageActions::refresh);
-  controls_.label("usageProgress", onPage(&UsageContent::progress));
-  controls_.control<DashboardButton>(onPage(&UsageContent::configure), &UsageActions::configure);
-  controls_.label("usageNote", onPage(&UsageContent::note));
+  controls_.control<DashboardButton>(&UsageContent::refresh);
+  controls_.label("usageProgress", &UsageContent::progress);
+  controls_.control<DashboardButton>(&UsageContent::configure);
+  controls_.label("usageNote", &UsageContent::note);
 }
 
 void UsagePage::render(const UsageContent& content) {
@@ -68,10 +61,7 @@ UsageCard* UsagePage::takeCard(UsageProvider provider) {
     cards_.erase(found);
     return card;
   }
-  return new UsageCard(theme_, provider,
-                       {[openLink = controls_.caller(&UsageActions::openLink), provider] { openLink(provider); },
-                        controls_.caller(&UsageActions::configure)},
-                       scroll_->document());
+  return new UsageCard(theme_, provider, listener_, scroll_->document());
 }
 
 }  // namespace nimbo

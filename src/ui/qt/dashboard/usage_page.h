@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "ui/dashboard/dashboard_window.h"
+#include "ui/dashboard/dashboard_content.h"
 #include "ui/qt/controls/page_controls.h"
 #include "ui/qt/controls/scroll_area.h"
 
@@ -15,9 +15,8 @@ class UsageCard;
 /// them. The widgets stand directly in `parent`, which owns them.
 class UsagePage {
  public:
-  UsagePage(const Theme& theme, QWidget& parent);
+  UsagePage(const Theme& theme, QWidget& parent, const ControlListener& listener);
 
-  void setActions(UsageActions actions) { controls_.setActions(std::move(actions)); }
   void render(const UsageContent& content);
 
   [[nodiscard]] const ScrollArea& scroll() const { return *scroll_; }
@@ -28,9 +27,10 @@ class UsagePage {
   [[nodiscard]] UsageCard* takeCard(UsageProvider provider);
 
   const Theme& theme_;
+  const ControlListener listener_;
   ScrollArea* const scroll_;
   std::vector<UsageCard*> cards_;  ///< from top to bottom
-  PageControls<UsageContent, UsageActions> controls_;
+  PageControls<UsageContent> controls_;
 };
 
 }  // namespace nimbo

@@ -9,7 +9,6 @@
 #include "ui/qt/controls/page_controls.h"
 #include "ui/qt/controls/segmented_tabs.h"
 #include "ui/qt/settings/settings_page.h"
-#include "ui/qt/windows/window_presentation.h"
 #include "ui/qt/windows/window_system.h"
 
 namespace nimbo {
@@ -24,8 +23,8 @@ QtSettingsWindow::QtSettingsWindow(const Theme& theme, WindowSystem& windowSyste
     : QWidget(nullptr, kFlags),
       theme_(theme),
       windowSystem_(windowSystem),
-      tabs_(new SegmentedTabs(
-          theme, [this](std::size_t index) { call(actions_.selectTab, index); }, this)) {
+      listener_([this](const ControlEvent& event) { call(acted_, event); }),
+      tabs_(new SegmentedTabs(theme, listener_, this)) {
   setObjectName("settingsWindow");
   setProgramIcon(*this);
   for (const auto& [key, places] : {std::pair{Qt::Key_PageDown, 1}, std::pair{Qt::Key_PageUp, -1}}) {
@@ -42,7 +41,7 @@ void QtSettingsWindow::render(const SettingsWindowContent& content) {
 }
 
 void QtSettingsWindow::renderPages(const std::vector<SettingsPageContent>& contents) {
-  while (pages_.size() < contents.size()) pages_.push_back(new SettingsPage(theme_, actions_, this));
+  while (pages_.size() < contents.size()) pages_.push_back(new SettingsPage(theme_, listener_, this));
   for (; pages_.size() > contents.size(); pages_.pop_back()) pages_.back()->deleteLater();
   for (std::size_t index = 0; index < pages_.size(); ++index) {
     SettingsPage& page = *pages_[index];
@@ -73,7 +72,7 @@ bool QtSettingsWindow::event(QEvent* event) {
   if (event->type() == QEvent::Show) windowHandle()->installEventFilter(this);
   // Some window managers let the user make every window full screen.
   if (event->type() == QEvent::WindowStateChange && isFullScreen()) showNormal();
-  if (event->type() == QEvent::WindowActivate) call(actions_.becameKey);
+  if (event->type() == QEvent::WindowActivate) call(becameKey_);
   return handled;
 }
 

@@ -18,7 +18,10 @@ class QtSettingsWindow final : public QWidget, public SettingsWindow {
  public:
   QtSettingsWindow(const Theme& theme, WindowSystem& windowSystem);
 
-  void setActions(SettingsWindowActions actions) override { actions_ = std::move(actions); }
+  void setListeners(ControlListener acted, std::function<void()> becameKey) override {
+    acted_ = std::move(acted);
+    becameKey_ = std::move(becameKey);
+  }
   void render(const SettingsWindowContent& content) override;
   void show() override;
   void close() override { QWidget::close(); }
@@ -35,7 +38,9 @@ class QtSettingsWindow final : public QWidget, public SettingsWindow {
 
   const Theme& theme_;
   WindowSystem& windowSystem_;
-  SettingsWindowActions actions_;
+  ControlListener acted_;
+  std::function<void()> becameKey_;
+  const ControlListener listener_;  ///< calls the one that is set then
   bool placed_ = false;
 
   // Owned by this widget, as is the toolkit's way.

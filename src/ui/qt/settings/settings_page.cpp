@@ -6,7 +6,7 @@
 
 #include "ui/qt/controls/check_box.h"
 #include "ui/qt/controls/dashboard_button.h"
-#include "ui/qt/controls/page_controls.h"
+#include "ui/qt/controls/fitted_label.h"
 #include "ui/qt/controls/pop_up_button.h"
 
 namespace nimbo {
@@ -30,7 +30,7 @@ QWidget& widgetOf(const Control& control) {
   return *std::visit([](auto* widget) -> QWidget* { return widget; }, control);
 }
 
-/// Whether a widget made for one content can show another: what it reports to the program never changes.
+/// Whether the widget shows that control already, so that it keeps what it has, such as the focus.
 template <class Control>
 bool fits(const Control& control, const SettingsControl& content) {
   return control.index() == content.index() && widgetOf(control).objectName() == identifierOf(content);
@@ -39,10 +39,9 @@ bool fits(const Control& control, const SettingsControl& content) {
 template <class Control>
 void setContent(const Control& control, const SettingsControl& content) {
   std::visit(
-      [](auto* widget, const auto& shown) {
-        if constexpr (requires { widget->setContent(shown); }) {
-          widget->setContent(movedInto(Rect{-kRingRoom, 0, 0, 0}, shown));
-        }
+      [](auto* widget, auto shown) {
+        shown.frame.x += kRingRoom;
+        if constexpr (requires { widget->setContent(shown); }) widget->setContent(shown);
       },
       control, content);
 }
@@ -56,25 +55,14 @@ void discard(QWidget& control) {
 
 }  // namespace
 
-SettingsPage::SettingsPage(const Theme& theme, const SettingsWindowActions& actions, QWidget* parent)
-    : QWidget(parent), theme_(theme), actions_(actions) {}
+SettingsPage::SettingsPage(const Theme& theme, ControlListener listener, QWidget* parent)
+    : QWidget(parent), theme_(theme), listener_(std::move(listener)) {}
 
 FittedLabel* SettingsPage::make(const LabelContent& /*content*/) { return new FittedLabel(theme_, this); }
-
-CheckBox* SettingsPage::make(const CheckBoxContent& content) {
-  return new CheckBox(
-      theme_, [this, identifier = content.identifier](bool on) { call(actions_.check, identifier, on); }, this);
-}
-
-PopUpButton* SettingsPage::make(const PopUpContent& content) {
-  return new PopUpButton(
-      theme_, [this, identifier = content.identifier](std::size_t index) { call(actions_.choose, identifier, index); },
-      this);
-}
-
-DashboardButton* SettingsPage::make(const ButtonContent& content) {
-  return new DashboardButton(
-      theme_, [this, identifier = content.identifier] { call(actions_.press, identifier); }, this);
+CheckBox* SettingsPage::make(const CheckBoxContent& /*content*/) { return new CheckBox(theme_, listener_, this); }
+PopUpButton* SettingsPage::make(const PopUpContent& /*content*/) { return new PopUpButton(theme_, listener_, this); }
+DashboardButton* SettingsPage::make(const ButtonContent& /*content*/) {
+  return new DashboardButton(theme_, listener_, this);
 }
 
 SettingsPage::Control SettingsPage::take(std::vector<Control>& candidates, const SettingsControl& content) {

@@ -19,8 +19,7 @@ class Theme;
 /// order in which Tab visits them.
 class SettingsPage final : public QWidget {
  public:
-  /// `actions` outlives the page.
-  SettingsPage(const Theme& theme, const SettingsWindowActions& actions, QWidget* parent);
+  SettingsPage(const Theme& theme, ControlListener listener, QWidget* parent);
 
   void render(const SettingsPageContent& content);
 
@@ -37,7 +36,7 @@ class SettingsPage final : public QWidget {
   void orderTabs() const;
 
   const Theme& theme_;
-  const SettingsWindowActions& actions_;
+  const ControlListener listener_;
   std::vector<Control> controls_;
 };
 

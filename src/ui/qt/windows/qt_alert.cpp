@@ -10,7 +10,7 @@
 #include "ui/qt/controls/dashboard_button.h"
 #include "ui/qt/controls/page_controls.h"
 #include "ui/qt/controls/text_fitting.h"
-#include "ui/qt/windows/window_presentation.h"
+#include "ui/qt/windows/window_system.h"
 
 namespace nimbo {
 namespace {
@@ -80,7 +80,7 @@ double QtAlert::placeButtons(const Theme& theme, const std::vector<std::string>&
   double right = kWidth - kMargin + kButtonInset;
   for (std::size_t index = 0; index < titles.size(); ++index) {
     auto* const button = new DashboardButton(
-        theme, [this, index] { answer(index); }, this);
+        theme, [this, index](const ControlEvent&) { answer(index); }, this);
     const double width = buttonWidth(titles[index]);
     right -= width + (index == 0 ? 0 : kButtonGap);
     ButtonContent content{"alertButton" + std::to_string(index), {right, top, width, kButtonHeight}};

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "ui/alert.h"
 #include "ui/controls/control_content.h"
+#include "ui/user_interface.h"
 
 namespace nimbo {
 

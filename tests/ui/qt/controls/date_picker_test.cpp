@@ -44,7 +44,7 @@ class DatePickerTest : public QtTest {
   void show(Time date, const QLocale& locale = QLocale(QLocale::English, QLocale::UnitedStates)) {
     QLocale::setDefault(locale);
     picker_ = std::make_unique<DatePicker>(
-        theme_, [this](Time picked) { picked_.push_back(picked); }, nullptr);
+        theme_, [this](const ControlEvent& event) { picked_.push_back(event.as<Time>()); }, nullptr);
     content_ = {"date", {20, 20, 150, 26}, date, "Session end date and time"};
     picker_->setContent(content_);
     picker_->show();

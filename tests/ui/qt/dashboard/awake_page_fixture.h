@@ -18,18 +18,12 @@ class AwakePageTest : public DashboardTest {
     DashboardTest::SetUp();
     controller_.open(DashboardTab::awake);
     controller_.onContentChanged = [this] { render(); };
-    window_->setActions({.selectTab = {},
-                         .openSettings = {},
-                         .showMore = {},
-                         .showLess = {},
-                         .openActivityMonitor = {},
-                         .quit = {},
-                         .awake = recorded(world_.connect(controller_))});
-    window_->setEvents({.keyDown =
-                            [this](Key key) {
-                              keys_.push_back(key);
-                              return false;
-                            },
+    world_.connect(controller_);
+    window_->setListener([this](const ControlEvent& event) {
+      log_.push_back(described(event));
+      controller_.handle(event);
+    });
+    window_->setEvents({.escapePressed = [this] { ++escapes_; },
                         .clickedOutside = [this](std::optional<Point>) { ++clicksOutside_; },
                         .otherApplicationActivated = {},
                         .closeRequested = {}});
@@ -50,29 +44,8 @@ class AwakePageTest : public DashboardTest {
   }
   static void focus(const char* name) { child(name).setFocus(Qt::TabFocusReason); }
 
-  std::vector<Key> keys_;
+  int escapes_ = 0;
   int clicksOutside_ = 0;
-
- private:
-  AwakeActions recorded(AwakeActions actions) {
-    const auto logged = [this](const char* name, auto action) {
-      return [this, name, action](const auto&... values) {
-        log_.push_back((std::string(name) + ... + (' ' + described(values))));
-        action(values...);
-      };
-    };
-    return {logged("start", actions.startOrStop),       logged("extend", actions.extend),
-            logged("duration", actions.selectDuration), logged("minutes", actions.editMinutes),
-            logged("date", actions.pickDate),           logged("display", actions.switchDisplay),
-            logged("plugged", actions.switchPlugged),   logged("battery", actions.selectBatteryFloor),
-            logged("off", actions.turnDisplayOff)};
-  }
-  static std::string described(bool on) { return on ? "on" : "off"; }
-  static std::string described(std::size_t index) { return std::to_string(index); }
-  static std::string described(const std::string& text) { return text; }
-  static std::string described(std::chrono::system_clock::time_point date) {
-    return std::to_string(std::chrono::system_clock::to_time_t(date));
-  }
 };
 
 }  // namespace nimbo

@@ -78,15 +78,6 @@ TEST_F(DashboardAccessibility, BreakdownReadsAsItsParts) {
   EXPECT_EQ(breakdown.text(QAccessible::Value), "App memory 46%, wired 14%, compressed 9%");
 }
 
-TEST_F(DashboardAccessibility, EmptyChartsReadAsNothing) {
-  world_.readings.memoryFailed = true;
-  world_.readings.memoryHistory.clear();
-  controller_.show();
-  render();
-  EXPECT_EQ(accessible("history").text(QAccessible::Description), "");
-  EXPECT_EQ(accessible("breakdown").text(QAccessible::Value), "");
-}
-
 TEST_F(DashboardAccessibility, ProcessListIsNamedByItsHeading) {
   EXPECT_EQ(nameOf(accessible("processes")), "TOP 13 PROCESSES");
 }

@@ -90,7 +90,7 @@ TEST_F(DashboardContentOnScreen, EveryControlCallsItsAction) {
   click("quit");
   auto& tabs = child<QTabBar>("tabs");
   click(tabs.mapTo(&widget(), tabs.tabRect(2).center()));
-  EXPECT_EQ(log_, (std::vector<std::string>{"settings", "less", "more", "activity", "quit", "tab 2"}));
+  EXPECT_EQ(log_, (std::vector<std::string>{"settings", "less", "more", "activity", "quit", "tabs 2"}));
 }
 
 TEST_F(DashboardContentOnScreen, OnlyWhatDiffersIsPainted) {
@@ -102,7 +102,7 @@ TEST_F(DashboardContentOnScreen, OnlyWhatDiffersIsPainted) {
   EXPECT_TRUE(counter.counts.empty()) << counter.counts.begin()->first;
 
   auto content = controller_.content();
-  content.hero.text = "71%";
+  content.resources.hero.text = "71%";
   window_->render(content);
   ASSERT_TRUE(QTest::qWaitFor([&] { return counter.counts["hero"] == 1; }));
   counter.counts.erase("hero");
@@ -168,11 +168,12 @@ TEST_F(DashboardContentOnScreen, ChartsAreDrawnWhereTheyBelong) {
 
 TEST_F(DashboardContentOnScreen, AppearanceChangesEveryColour) {
   open();
-  EXPECT_EQ(pixel({30, 700}), rgb(panelBackground(Appearance::light)));
+  EXPECT_EQ(pixel({30, 700}), rgb(color(ColorRole::background, Appearance::light)));
   interface().setAppearance(Appearance::dark);
-  EXPECT_EQ(pixel({30, 700}), rgb(panelBackground(Appearance::dark)));
+  EXPECT_EQ(pixel({30, 700}), rgb(color(ColorRole::background, Appearance::dark)));
   EXPECT_EQ(pixel({20 + 10, 247}), rgb(color(ColorRole::teal, Appearance::dark)));
-  EXPECT_EQ(QApplication::palette().color(QPalette::ToolTipBase).rgb(), rgb(panelBackground(Appearance::dark)));
+  EXPECT_EQ(QApplication::palette().color(QPalette::ToolTipBase).rgb(),
+            rgb(color(ColorRole::background, Appearance::dark)));
 }
 
 TEST_F(DashboardContentOnScreen, CornersAreTransparent) {
@@ -189,7 +190,8 @@ TEST_F(DashboardContentOnScreen, SettingsButtonShowsAGear) {
   const QImage image = widget().grab(frame).toImage();
   int ink = 0;
   for (int y = 0; y < image.height(); ++y) {
-    for (int x = 0; x < image.width(); ++x) ink += image.pixel(x, y) != rgb(panelBackground(Appearance::light));
+    for (int x = 0; x < image.width(); ++x)
+      ink += image.pixel(x, y) != rgb(color(ColorRole::background, Appearance::light));
   }
   EXPECT_GT(ink, 60);
   EXPECT_LT(ink, 300);

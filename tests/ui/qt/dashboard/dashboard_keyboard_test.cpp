@@ -13,11 +13,7 @@ class DashboardKeyboard : public DashboardTest {
  protected:
   void SetUp() override {
     DashboardTest::SetUp();
-    window_->setEvents({.keyDown =
-                            [this](Key key) {
-                              keys_.push_back(key);
-                              return key == Key::escape;
-                            },
+    window_->setEvents({.escapePressed = [this] { ++escapes_; },
                         .clickedOutside = [this](std::optional<Point> place) { outside_.push_back(place); },
                         .otherApplicationActivated = {},
                         .closeRequested =
@@ -33,7 +29,7 @@ class DashboardKeyboard : public DashboardTest {
     return focus != nullptr ? focus->objectName().toStdString() : "";
   }
 
-  std::vector<Key> keys_;
+  int escapes_ = 0;
   std::vector<std::optional<Point>> outside_;
   int closeRequests_ = 0;
   bool hideOnClose_ = false;
@@ -74,7 +70,7 @@ TEST_F(DashboardKeyboard, ArrowKeysMoveBetweenTabs) {
   press(Qt::Key_Right);
   press(Qt::Key_Left);
   press(Qt::Key_Left);
-  EXPECT_EQ(log_, (std::vector<std::string>{"tab 2", "tab 1", "tab 0"}));
+  EXPECT_EQ(log_, (std::vector<std::string>{"tabs 2", "tabs 1", "tabs 0"}));
 }
 
 TEST_F(DashboardKeyboard, ArrowKeysScrollTheProcessList) {
@@ -92,27 +88,9 @@ TEST_F(DashboardKeyboard, EscapeIsReportedAndSwallowedWhereverTheFocusIs) {
   press(Qt::Key_Escape);
   child("processes").setFocus(Qt::TabFocusReason);
   press(Qt::Key_Escape);
-  EXPECT_EQ(keys_, (std::vector<Key>{Key::escape, Key::escape, Key::escape}));
+  EXPECT_EQ(escapes_, 3);
   EXPECT_TRUE(window_->visible()) << "closing is the owner's decision";
   EXPECT_EQ(closeRequests_, 0);
-}
-
-TEST_F(DashboardKeyboard, SwallowedKeyReachesNoControl) {
-  window_->setEvents({.keyDown = [](Key) { return true; },
-                      .clickedOutside = {},
-                      .otherApplicationActivated = {},
-                      .closeRequested = {}});
-  child("less").setFocus(Qt::TabFocusReason);
-  press(Qt::Key_Return);
-  press(Qt::Key_Q, Qt::ControlModifier);
-  EXPECT_EQ(log_, std::vector<std::string>{});
-}
-
-TEST_F(DashboardKeyboard, OtherKeysAreReportedBeforeTheControlActs) {
-  child("less").setFocus(Qt::TabFocusReason);
-  press(Qt::Key_Return);
-  EXPECT_EQ(keys_, std::vector<Key>{Key::other});
-  EXPECT_EQ(log_, std::vector<std::string>{"less"});
 }
 
 TEST_F(DashboardKeyboard, ControlQQuitsFromAnyControl) {
@@ -133,7 +111,7 @@ TEST_F(DashboardKeyboard, NothingIsReportedWhileHidden) {
   auto* const handle = widget().windowHandle();
   window_->hide();
   QTest::keyClick(handle, Qt::Key_Escape);
-  EXPECT_TRUE(keys_.empty());
+  EXPECT_EQ(escapes_, 0);
 }
 
 TEST_F(DashboardKeyboard, OpeningAgainStartsWithoutFocusedControl) {

@@ -17,6 +17,7 @@
 
 #include "sample_dashboard.h"
 #include "sample_usage.h"
+#include "support/control_events.h"
 #include "support/fake_login_item.h"
 #include "ui/qt/qt_user_interface.h"
 #include "ui/settings/settings_window_controller.h"
@@ -49,12 +50,12 @@ struct Scene {
   Scene() {
     world.clock.setNow(
         std::chrono::system_clock::time_point(std::chrono::seconds{1795267800}));  // 2026-11-21 13:30 UTC
+    world.connect(controller);
   }
 
   SampleWorld world;
   AmericanDates dates;
   DashboardController controller{{world.settings, world.readings, world.manager, world.usage, world.clock, dates}};
-  AwakeActions awake = world.connect(controller);
 };
 
 struct Picture {
@@ -68,7 +69,7 @@ void threeProcesses(Scene& scene) { scene.world.fill(scene.controller, Dashboard
 
 void thirteenProcesses(Scene& scene) {
   scene.world.fill(scene.controller, DashboardTab::memory, 40);
-  scene.controller.expandClicked();
+  scene.controller.handle(pressed("more"));
 }
 
 void memoryFailed(Scene& scene) {
@@ -130,34 +131,40 @@ void usageExtremes(Scene& scene) {
 
 void awakeIdle(Scene& scene) { scene.world.fill(scene.controller, DashboardTab::awake, 3); }
 
-const AwakeActions& awakeActions(Scene& scene, std::size_t duration) {
+void chooseDuration(Scene& scene, std::size_t index) {
   awakeIdle(scene);
-  scene.awake.selectDuration(duration);
-  return scene.awake;
+  scene.controller.handle(chosen("duration", index));
 }
 
-void awakeMinutes(Scene& scene) { awakeActions(scene, 5).editMinutes(""); }
-void awakeDate(Scene& scene) { awakeActions(scene, 6); }
+void awakeMinutes(Scene& scene) {
+  chooseDuration(scene, 5);
+  scene.controller.handle(typed("minutes", ""));
+}
+void awakeDate(Scene& scene) { chooseDuration(scene, 6); }
 
 void awakeRunning(Scene& scene) {
-  const auto& actions = awakeActions(scene, 2);
-  actions.switchDisplay(true);
-  actions.switchPlugged(true);
-  actions.selectBatteryFloor(2);
-  actions.startOrStop();
+  chooseDuration(scene, 2);
+  for (const auto& event :
+       {switched("display", true), switched("plugged", true), chosen("battery", 2), pressed("start")}) {
+    scene.controller.handle(event);
+  }
 }
 
-void awakeRunningUntilDate(Scene& scene) { awakeActions(scene, 6).startOrStop(); }
+void awakeRunningUntilDate(Scene& scene) {
+  chooseDuration(scene, 6);
+  scene.controller.handle(pressed("start"));
+}
 
 void awakeInputError(Scene& scene) {
-  const auto& actions = awakeActions(scene, 5);
-  actions.editMinutes("soon");
-  actions.startOrStop();
+  chooseDuration(scene, 5);
+  scene.controller.handle(typed("minutes", "soon"));
+  scene.controller.handle(pressed("start"));
 }
 
 void awakeRefused(Scene& scene) {
   scene.world.assertions.refuse("PreventUserIdleSystemSleep", 95);
-  awakeActions(scene, 0).startOrStop();
+  chooseDuration(scene, 0);
+  scene.controller.handle(pressed("start"));
 }
 
 template <class Control>
@@ -291,16 +298,16 @@ bool saveSettings(UserInterface& interface, const SettingsPicture& picture, cons
   BundleInfo bundle;
   bundle.shortVersion = "1.0";
   bundle.version = "1";
-  const auto window = interface.makeSettingsWindow();
   FakeLoginItem login;
   login.current = picture.loginStatus;
   SettingsWindowController::Callbacks callbacks;
+  callbacks.makeWindow = [&interface] { return interface.makeSettingsWindow(); };
   callbacks.automaticUpdates = [] { return false; };
   callbacks.widgetMessage = [&picture]() -> std::optional<std::string> {
     if (picture.message == nullptr) return std::nullopt;
     return picture.message;
   };
-  SettingsWindowController controller({settings, bundle, login}, *window, callbacks);
+  SettingsWindowController controller({settings, bundle, login}, callbacks);
   controller.show(picture.tab);
   QWidget& widget = topLevel("settingsWindow");
   constexpr QMargins kRoom{24, 24, 24, 24};

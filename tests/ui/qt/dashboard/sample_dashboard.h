@@ -60,26 +60,9 @@ struct SampleWorld : DashboardWorld {
     controller.open(tab);
   }
 
-  /// Stays where it is: the session and the actions call it.
-  AwakeActions connect(DashboardController& controller) {
+  /// Lets the session tell the controller of its changes. Stays where it is.
+  void connect(DashboardController& controller) {
     manager.onChange = [&controller] { controller.show(); };
-    return controller.awakeView().actions({
-        .toggle =
-            [this](std::optional<AwakeView::Time> end) {
-              if (manager.isActive()) {
-                manager.stopByUser();
-              } else {
-                static_cast<void>(manager.start(end, settings.awakeDisplayOn(), clock.now()));
-              }
-            },
-        .keepDisplayOn =
-            [this](bool on) {
-              if (!manager.isActive() || manager.setKeepDisplayOn(on)) settings.setAwakeDisplayOn(on);
-            },
-        .rulesChanged = [] {},
-        .turnDisplayOff = [] {},
-        .extend = [this] { manager.extend(std::chrono::minutes(30)); },
-    });
   }
 };
 

@@ -48,7 +48,7 @@ TEST_F(UsagePageAccessibility, LinkCanBePressedByAssistiveTechnology) {
   ASSERT_NE(actions, nullptr);
   actions->doAction(QAccessibleActionInterface::pressAction());
   ASSERT_TRUE(QTest::qWaitFor([this] { return !log_.empty(); }));
-  EXPECT_EQ(log_, std::vector<std::string>{"link claude"});
+  EXPECT_EQ(log_, std::vector<std::string>{"link.claude"});
 }
 
 TEST_F(UsagePageAccessibility, LabelsAreStaticTextAndTellTheRestAsDescription) {

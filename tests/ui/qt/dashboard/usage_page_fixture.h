@@ -22,10 +22,6 @@ class UsagePageTest : public DashboardTest {
     DashboardTest::SetUp();
     controller_.open(DashboardTab::ai);
     controller_.onContentChanged = [this] { render(); };
-    DashboardActions actions;
-    actions.usage = {[this] { log_.push_back("refresh"); }, [this] { log_.push_back("configure"); },
-                     [this](UsageProvider provider) { log_.push_back("link " + std::string(rawValue(provider))); }};
-    window_->setActions(actions);
     show(sampleUsage(now()));
     render();
     open();
@@ -55,7 +51,9 @@ class UsagePageTest : public DashboardTest {
   }
   static std::string textOf(QWidget& whole, const char* name) { return part<QLabel>(whole, name).text().toStdString(); }
   static std::string status(UsageProvider provider) { return textOf(card(provider), "usageCardStatus"); }
-  static UsageBar& bar(UsageProvider provider, int row) { return part<UsageBar>(*rows(provider)[row], "usageRowBar"); }
+  static ChartWidget& bar(UsageProvider provider, int row) {
+    return part<ChartWidget>(*rows(provider)[row], "usageRowBar");
+  }
 
   static std::string focused() {
     const QWidget* const focus = QApplication::focusWidget();

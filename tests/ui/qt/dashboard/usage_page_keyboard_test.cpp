@@ -37,7 +37,7 @@ TEST_F(UsagePageKeyboard, SpaceAndReturnPressTheFocusedButton) {
   press(Qt::Key_Return);
   focus("refresh");
   press(Qt::Key_Return);
-  EXPECT_EQ(log_, (Log{"link claude", "link claude", "refresh"}));
+  EXPECT_EQ(log_, (Log{"link.claude", "link.claude", "refresh"}));
 }
 
 TEST_F(UsagePageKeyboard, ArrowAndPageKeysScroll) {
@@ -84,7 +84,7 @@ TEST_F(UsagePageKeyboard, PressWithThePointerScrollsNothing) {
   ASSERT_FALSE(inSight("link.codex"));
   click("link.codex");
   EXPECT_EQ(scrollBar().value(), 20);
-  EXPECT_EQ(log_, Log{"link codex"});
+  EXPECT_EQ(log_, Log{"link.codex"});
 }
 
 TEST_F(UsagePageKeyboard, FocusReachedByKeyboardIsMarked) {

@@ -42,18 +42,19 @@ class SettingsWindowTest : public QtTest {
   void SetUp() override {
     interface().setAppearance(Appearance::light);
     window_ = interface().makeSettingsWindow();
-    window_->setActions(recordingActions());
+    listen();
     render();
   }
   void TearDown() override { interface().setMainMenu({}); }
 
-  SettingsWindowActions recordingActions() {
-    return {.selectTab = [this](std::size_t index) { log_.push_back("tab " + std::to_string(index)); },
-            .check = [this](const std::string& name, bool on) { log_.push_back(name + (on ? " on" : " off")); },
-            .choose = [this](const std::string& name,
-                             std::size_t index) { log_.push_back(name + ' ' + std::to_string(index)); },
-            .press = [this](const std::string& name) { log_.push_back(name); },
-            .becameKey = [this] { ++becameKey_; }};
+  /// `then` is done with each event that is in the log.
+  void listen(const std::function<void()>& then = [] {}) {
+    window_->setListeners(
+        [this, then](const ControlEvent& event) {
+          log_.push_back(described(event));
+          then();
+        },
+        [this] { ++becameKey_; });
   }
 
   void render() { window_->render(content_); }

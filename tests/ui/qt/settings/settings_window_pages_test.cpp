@@ -54,10 +54,9 @@ class SettingsPagesOnScreen : public QtTest {
                      .appGroup = {}};
   FakeLoginItem login_;
   std::optional<std::string> widgetMessage_;
-  std::unique_ptr<SettingsWindow> window_ = interface().makeSettingsWindow();
   SettingsWindowController controller_{{settings_, bundle_, login_},
-                                       *window_,
-                                       {.changed = [](const SettingsChange&) {},
+                                       {.makeWindow = [] { return interface().makeSettingsWindow(); },
+                                        .changed = [](const SettingsChange&) {},
                                         .toggleLogin = {},
                                         .checkForUpdates = {},
                                         .toggleAutomaticUpdates = {},

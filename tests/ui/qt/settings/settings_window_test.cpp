@@ -79,12 +79,12 @@ TEST_F(SettingsWindowOnScreen, ClickOnATabSelectsItAndTheProgramDecidesWhatIsSho
   const QRect tabs = child("tabs").geometry();
   EXPECT_EQ(tabs, QRect(28, 20, 504, 28));
   QTest::mouseClick(widget().windowHandle(), Qt::LeftButton, {}, {tabs.right() - 60, tabs.center().y()});
-  EXPECT_EQ(log_, Log{"tab 1"});
+  EXPECT_EQ(log_, Log{"tabs 1"});
   EXPECT_TRUE(child("login").isVisible());
   showMonitors();
   EXPECT_FALSE(child("login").isVisible());
   EXPECT_TRUE(child("memory").isVisible());
-  EXPECT_EQ(log_, Log{"tab 1"});
+  EXPECT_EQ(log_, Log{"tabs 1"});
 }
 
 TEST_F(SettingsWindowOnScreen, ControlsStandWhereTheirFramesSay) {
@@ -108,22 +108,17 @@ TEST_F(SettingsWindowOnScreen, ChangesByTheProgramCallNoAction) {
 }
 
 TEST_F(SettingsWindowOnScreen, ContentRenderedFromWithinAnActionWins) {
-  auto actions = recordingActions();
-  actions.check = [this](const std::string&, bool) { render(); };
-  window_->setActions(actions);
+  listen([this] { render(); });
   click("login");
   EXPECT_FALSE(button("login").isChecked());
 }
 
 TEST_F(SettingsWindowOnScreen, ButtonThatChangesThePageMayDisappear) {
-  auto actions = recordingActions();
-  actions.press = [this](const std::string& name) {
-    log_.push_back(name);
+  listen([this] {
     content_.pages[0].controls.pop_back();
-    window_->setActions({});
+    window_->setListeners({}, {});
     render();
-  };
-  window_->setActions(actions);
+  });
   click("checkUpdates");
   EXPECT_EQ(log_, Log{"checkUpdates"});
   EXPECT_EQ(widget().findChild<QWidget*>("checkUpdates"), nullptr);
@@ -179,7 +174,7 @@ TEST_F(SettingsWindowOnScreen, GroundFollowsTheAppearanceWhileOpen) {
   for (const auto appearance : {Appearance::dark, Appearance::light}) {
     interface().setAppearance(appearance);
     QCoreApplication::processEvents();
-    const Color ground = panelBackground(appearance);
+    const Color ground = color(ColorRole::background, appearance);
     for (const QPoint place : {QPoint(5, 5), QPoint(500, 600), QPoint(555, 675)}) {
       EXPECT_EQ(picture().pixel(place), qRgb(ground.red, ground.green, ground.blue));
     }
@@ -233,7 +228,7 @@ TEST_F(SettingsWindowOnScreen, ArrowsMoveBetweenTabsAndSpaceSwitches) {
   child("checkUpdates").setFocus(Qt::TabFocusReason);
   press(Qt::Key_Space);
   press(Qt::Key_Return);
-  EXPECT_EQ(log_, (Log{"tab 1", "tab 0", "menuAI off", "checkUpdates", "checkUpdates"}));
+  EXPECT_EQ(log_, (Log{"tabs 1", "tabs 0", "menuAI off", "checkUpdates", "checkUpdates"}));
 }
 
 TEST_F(SettingsWindowOnScreen, ControlPageKeysMoveBetweenTabsWhereverTheFocusIs) {
@@ -242,7 +237,7 @@ TEST_F(SettingsWindowOnScreen, ControlPageKeysMoveBetweenTabsWhereverTheFocusIs)
   showMonitors();
   press(Qt::Key_PageDown, Qt::ControlModifier);
   press(Qt::Key_PageUp, Qt::ControlModifier);
-  EXPECT_EQ(log_, (Log{"tab 1", "tab 0", "tab 1"})) << "around the ends";
+  EXPECT_EQ(log_, (Log{"tabs 1", "tabs 0", "tabs 1"})) << "around the ends";
 }
 
 TEST_F(SettingsWindowOnScreen, FocusOnAPageThatGoesIsTakenByTheTabs) {
@@ -272,7 +267,7 @@ TEST_F(SettingsWindowOnScreen, ClosingOrDestroyingItTakesItsOpenList) {
 }
 
 TEST_F(SettingsWindowTest, NobodyNeedsToListen) {
-  window_->setActions({});
+  window_->setListeners({}, {});
   open();
   click("login");
   click("checkUpdates");

@@ -29,13 +29,8 @@ class SettingsWindowOn : public testing::Test {
     ASSERT_NE(interface_, nullptr);
     interface_->setMainMenu(makeMainMenu({{}, [this] { log_.emplace_back("quit"); }}));
     window_ = interface_->makeSettingsWindow();
-    window_->setActions(
-        {.selectTab = {},
-         .check = [this](const std::string& name, bool on) { log_.push_back(name + (on ? " on" : " off")); },
-         .choose = [this](const std::string& name,
-                          std::size_t index) { log_.push_back(name + ' ' + std::to_string(index)); },
-         .press = {},
-         .becameKey = [this] { ++becameKey_; }});
+    window_->setListeners([this](const ControlEvent& event) { log_.push_back(described(event)); },
+                          [this] { ++becameKey_; });
     window_->render(sampleSettings());
   }
   void open() {
@@ -72,7 +67,7 @@ using X11SettingsWindow = SettingsWindowOn<PrivateDisplay>;
 TEST_F(X11SettingsWindow, OpensALittleAboveTheMiddleOfTheScreenWithTheKeyboard) {
   open();
   EXPECT_EQ(widget().geometry(), QRect(360, 48, 560, 680));
-  const auto ground = panelBackground(Appearance::light);
+  const auto ground = color(ColorRole::background, Appearance::light);
   const std::uint32_t expected = qRgb(ground.red, ground.green, ground.blue) & 0xFFFFFF;
   EXPECT_TRUE(eventually([&] { return client_.pixel(365, 53) == expected; }));
   EXPECT_EQ(becameKey_, 1);

@@ -22,17 +22,8 @@ class X11WindowTest : public testing::Test {
     interface_ = QtUserInterface::make();
     ASSERT_NE(interface_, nullptr);
     window_ = interface_->makeDashboardWindow();
-    window_->setActions({.selectTab = {},
-                         .openSettings = {},
-                         .showMore = {},
-                         .showLess = {},
-                         .openActivityMonitor = {},
-                         .quit = [this] { ++quits_; }});
-    window_->setEvents({.keyDown =
-                            [this](Key key) {
-                              keys_.push_back(key);
-                              return key == Key::escape;
-                            },
+    window_->setListener([this](const ControlEvent& event) { quits_ += event == pressed("quit"); });
+    window_->setEvents({.escapePressed = [this] { ++escapes_; },
                         .clickedOutside = [this](std::optional<Point> place) { outside_.push_back(place); },
                         .otherApplicationActivated = [this] { ++activations_; },
                         .closeRequested = {}});
@@ -57,7 +48,7 @@ class X11WindowTest : public testing::Test {
   std::unique_ptr<DashboardWindow> window_;
   SampleWorld world_;
   DashboardController controller_{world_.sources()};
-  std::vector<Key> keys_;
+  int escapes_ = 0;
   std::vector<std::optional<Point>> outside_;
   int activations_ = 0;
   int quits_ = 0;

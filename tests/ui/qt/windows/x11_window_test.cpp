@@ -14,7 +14,7 @@ using X11Window = X11WindowTest;
 
 TEST_F(X11Window, StandsWhereItWasPut) {
   open();
-  const auto ground = panelBackground(Appearance::light);
+  const auto ground = color(ColorRole::background, Appearance::light);
   const std::uint32_t expected = qRgb(ground.red, ground.green, ground.blue) & 0xFFFFFF;
   EXPECT_TRUE(eventually([&] { return client_.pixel(115, 400) == expected; }));
   EXPECT_NE(client_.pixel(95, 400), expected);
@@ -40,8 +40,8 @@ TEST_F(X11Window, CornersAreLeftToACompositorThatRuns) {
 TEST_F(X11Window, KeysReachItWithoutAWindowManager) {
   open();
   client_.typeKey(X11Client::kEscape);
-  ASSERT_TRUE(eventually([this] { return !keys_.empty(); }));
-  EXPECT_EQ(keys_, std::vector<Key>{Key::escape});
+  ASSERT_TRUE(eventually([this] { return escapes_ > 0; }));
+  EXPECT_EQ(escapes_, 1);
   EXPECT_TRUE(window_->visible());
 }
 
@@ -81,7 +81,7 @@ TEST_F(X11Window, TakesThePointerAsSoonAsThePanelLetsGo) {
   client_.click(600, 300);
   EXPECT_TRUE(eventually([this] { return !outside_.empty(); }));
   client_.typeKey(X11Client::kEscape);
-  EXPECT_TRUE(eventually([this] { return !keys_.empty(); }));
+  EXPECT_TRUE(eventually([this] { return escapes_ > 0; }));
 }
 
 TEST_F(X11Window, PointerThatRestsShowsTheToolTipInTheWindowsColours) {
@@ -91,11 +91,11 @@ TEST_F(X11Window, PointerThatRestsShowsTheToolTipInTheWindowsColours) {
   client_.movePointer(302, 422);
   ASSERT_TRUE(eventually([] { return QToolTip::isVisible(); }));
   EXPECT_TRUE(QToolTip::text().contains("Memory stored on disk.")) << QToolTip::text().toStdString();
-  const auto ground = panelBackground(Appearance::dark);
+  const auto ground = color(ColorRole::background, Appearance::dark);
   EXPECT_EQ(QToolTip::palette().color(QPalette::ToolTipBase).rgb(), qRgb(ground.red, ground.green, ground.blue));
   EXPECT_TRUE(window_->visible());
   client_.typeKey(X11Client::kEscape);
-  EXPECT_TRUE(eventually([this] { return !keys_.empty(); }));
+  EXPECT_TRUE(eventually([this] { return escapes_ > 0; }));
 }
 
 TEST_F(X11Window, ShownAgainWhileOpenKeepsThePointer) {

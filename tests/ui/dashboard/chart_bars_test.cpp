@@ -48,5 +48,14 @@ TEST(BreakdownBars, PartsThatMakeUpTheTotalFillTheBarExactly) {
   EXPECT_NEAR(bars[3].shape.rect.maxX(), 300, 1e-9);
 }
 
+TEST(AllowanceBars, TrackIsFilledFromTheLeftByWhatIsLeft) {
+  const RoundedRect track{{0, 0, 276, 7}, 4};
+  const auto bars = allowanceBars(0.25, ColorRole::red, {276, 7});
+  ASSERT_EQ(bars.size(), 2U);
+  EXPECT_EQ(bars[0], (ChartBar{track, ColorRole::quaternaryLabel, {}, {}}));
+  EXPECT_EQ(bars[1], (ChartBar{{{0, 0, 69, 7}, 0}, ColorRole::red, {}, track}));
+  EXPECT_EQ(allowanceBars(0, ColorRole::red, {276, 7}).size(), 1U);
+}
+
 }  // namespace
 }  // namespace nimbo

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/widgets/widget_link.h"
+#include "app/launch.h"
 
 #include <gtest/gtest.h>
 

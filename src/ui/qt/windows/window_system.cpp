@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ui/qt/windows/window_presentation.h"
+#include "ui/qt/windows/window_system.h"
 
 #include <QCursor>
 #include <QGuiApplication>
@@ -7,8 +7,6 @@
 #include <QScreen>
 #include <QWidget>
 #include <algorithm>
-
-#include "ui/qt/windows/window_system.h"
 
 namespace nimbo {
 

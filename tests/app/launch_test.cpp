@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/launch_mode.h"
+#include "app/launch.h"
 
 #include <gtest/gtest.h>
 
