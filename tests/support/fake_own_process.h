@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "platform/own_process.h"
+#include "platform/process_table.h"
 
 namespace nimbo {
 

@@ -3,7 +3,6 @@
 
 #include "awake/awake_manager.h"
 #include "platform/clock.h"
-#include "platform/dates.h"
 #include "settings/settings.h"
 #include "system/system_readings.h"
 #include "usage/usage_monitor.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/linux/machine/procfs_own_process.h"
+#include "platform/linux/machine/procfs_processes.h"
 
 #include <gtest/gtest.h>
 #include <sys/mman.h>
@@ -7,7 +7,6 @@
 #include <fstream>
 #include <sstream>
 
-#include "platform/linux/machine/process_status.h"
 #include "support/services/temporary_tree.h"
 
 namespace nimbo {

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "base/text.h"
-#include "platform/linux/desktop/detached_programs.h"
+#include "platform/linux/desktop/desktop_programs.h"
 #include "platform/linux/files/regular_file.h"
 
 namespace nimbo {

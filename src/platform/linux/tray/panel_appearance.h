@@ -27,7 +27,7 @@ class PanelAppearance {
 
   Workspace& workspace_;
   const bool alwaysDark_;
-  std::optional<bool> darkPanel_;  // the panel's own setting
+  bool darkPanel_ = false;  // by the panel's own setting
   Appearance appearance_;
   ObserverList<> observers_;
   Subscription workspaceObserver_;

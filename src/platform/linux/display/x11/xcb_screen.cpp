@@ -58,8 +58,6 @@ void blockSignals() {
 
 }  // namespace
 
-XcbScreen::XcbScreen(std::string display) : display_(std::move(display)) {}
-
 bool XcbScreen::resetScreenSaver() { return carryOut(resetOn); }
 
 bool XcbScreen::turnOff() { return carryOut(turnOffOn); }

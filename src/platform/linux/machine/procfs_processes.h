@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <functional>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "platform/linux/files/unique_fd.h"
+#include "platform/linux/machine/proc_file.h"
+#include "platform/process_table.h"
+
+namespace nimbo {
+
+/// What a /proc/PID/status tells; 0 and empty for what is not told. Bytes.
+struct ProcessStatus {
+  std::string name;  ///< empty without a footprint
+  /// Private anonymous memory and its swap; kernels before 4.5 do not tell it and all resident memory stands in for
+  /// it. Kernel threads and zombies have none.
+  std::uint64_t footprint = 0;
+  std::uint64_t resident = 0;
+};
+
+[[nodiscard]] ProcessStatus parseProcessStatus(std::string_view text);
+
+/// Parses the file that `read` reads into a buffer, at first into a small one; absent when it cannot be read.
+[[nodiscard]] std::optional<ProcessStatus> readProcessStatus(
+    const std::function<std::optional<std::string_view>(std::span<char>)>& read);
+
+/// Pages of private anonymous memory out of a /proc/PID/statm: those resident less those that belong
+/// to files and shared memory. Absent for other text.
+[[nodiscard]] std::optional<std::uint64_t> parseAnonymousPages(std::string_view text);
+
+/// The processes that /proc shows to this user. What a process has in swap is told by its status file
+/// alone, which costs more than the two files that tell the rest; it is read only while swap is in use.
+class ProcfsProcessTable final : public ProcessTable {
+ public:
+  explicit ProcfsProcessTable(std::string procRoot = "/proc");
+
+  [[nodiscard]] std::vector<std::int32_t> list() override;
+  [[nodiscard]] std::optional<ProcessReading> read(std::int32_t pid) override;
+
+ private:
+  [[nodiscard]] bool swapInUse();
+  [[nodiscard]] std::optional<ProcessReading> readStatus(std::int32_t pid) const;
+  [[nodiscard]] std::optional<ProcessReading> readResident(std::int32_t pid) const;
+  [[nodiscard]] std::optional<std::string_view> readFile(std::int32_t pid, std::string_view name,
+                                                         std::span<char> buffer) const;
+
+  std::string root_;
+  UniqueFd folder_;  // paths relative to it save the kernel a step
+  ProcFile memInfo_;
+  bool statusNeeded_ = true;  // as of the last list
+};
+
+/// What /proc and the kernel's accounting say of the running program.
+class ProcfsOwnProcess final : public OwnProcess {
+ public:
+  explicit ProcfsOwnProcess(const std::string& procRoot = "/proc");
+
+  /// The footprint is private memory with what is swapped out of it; memory as it is now, CPU time of
+  /// finished threads included.
+  [[nodiscard]] std::optional<ResourceUsage> usage() const override;
+
+ private:
+  const std::string status_;
+};
+
+}  // namespace nimbo
