@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -91,7 +92,8 @@ class PlatformServices {
   [[nodiscard]] virtual PowerSources& powerSources() = 0;
   [[nodiscard]] virtual DisplayPower& displayPower() = 0;
   [[nodiscard]] virtual const Dates& dates() = 0;
-  [[nodiscard]] virtual const OwnProcess& ownProcess() = 0;
+  /// What this process has cost so far; absent when the system does not tell.
+  [[nodiscard]] virtual std::optional<ResourceUsage> ownUsage() const = 0;
   [[nodiscard]] virtual UsageServices usageServices() = 0;
   [[nodiscard]] virtual LoginItem& loginItem() = 0;
   [[nodiscard]] virtual WidgetCenter& widgetCenter() = 0;

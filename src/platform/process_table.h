@@ -34,13 +34,4 @@ struct ResourceUsage {
   std::chrono::nanoseconds cpuTime{0};  ///< user and system time of all threads since the start
 };
 
-/// The running program, seen from the system's side. Any thread.
-class OwnProcess {
- public:
-  virtual ~OwnProcess() = default;
-
-  /// Absent when the system does not tell.
-  [[nodiscard]] virtual std::optional<ResourceUsage> usage() const = 0;
-};
-
 }  // namespace nimbo

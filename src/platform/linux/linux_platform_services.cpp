@@ -141,7 +141,7 @@ class LinuxPlatformServices final : public PlatformServices {
   [[nodiscard]] PowerSources& powerSources() override { return powerSources_; }
   [[nodiscard]] DisplayPower& displayPower() override { return displayPower_; }
   [[nodiscard]] const Dates& dates() override { return dates_; }
-  [[nodiscard]] const OwnProcess& ownProcess() override { return ownProcess_; }
+  [[nodiscard]] std::optional<ResourceUsage> ownUsage() const override { return readOwnUsage(); }
   [[nodiscard]] UsageServices usageServices() override {
     return {http_, secretFiles_, toolFiles_, terminals_, accessibility_, claudeQueue_, inBackground(), user_};
   }
@@ -199,7 +199,6 @@ class LinuxPlatformServices final : public PlatformServices {
       {makeX11Screen_, waylandDisplayFromModule(modules_, loop_, waylandSocket(environment_))}};
   SysfsPowerSources powerSources_{loop_.event()};
   LocaleDates dates_{dateLocale(environment_)};
-  ProcfsOwnProcess ownProcess_;
 
   const UserSurroundings user_ = surroundingsFrom(environment_);
   ModuleHttpClient http_{

@@ -8,7 +8,6 @@
 #include <iterator>
 
 #include "platform/clock.h"
-#include "platform/linux/machine/meminfo.h"
 #include "platform/machine/meminfo_recordings.h"
 #include "support/services/temporary_tree.h"
 #include "system/system_sampler.h"

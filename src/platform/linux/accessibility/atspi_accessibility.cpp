@@ -11,7 +11,6 @@
 #include <utility>
 #include <vector>
 
-#include "platform/linux/accessibility/application_process.h"
 #include "platform/linux/accessibility/hypertext.h"
 #include "platform/linux/desktop/desktop_application.h"
 
@@ -143,16 +142,12 @@ class AtspiElement final : public AccessibleElement {
     for (const auto& child : arrangement_->children) {
       children.push_back(child->asHypertext(deadline, depth + 1));
       if (std::chrono::steady_clock::now() < deadline) continue;
-      child->forget();  // it may have had no time to answer
+      child->facts_.reset();  // it may have had no time to answer
+      child->arrangement_.reset();
       return *arrangement_;
     }
     if (!children.empty()) arrangement_->pieces = takeApart(*text, children);
     return *arrangement_;
-  }
-
-  void forget() {
-    facts_.reset();
-    arrangement_.reset();
   }
 
   [[nodiscard]] HypertextChild asHypertext(Deadline deadline, int depth) {

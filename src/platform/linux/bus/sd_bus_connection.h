@@ -17,9 +17,6 @@ using BusSlot = UniquePointer<sd_bus_slot, sd_bus_slot_unref>;
 
 using BusMessage = UniquePointer<sd_bus_message, sd_bus_message_unref>;
 
-/// Releasing a bus closes the connection, so that nothing of it is left on the bus.
-using Bus = UniquePointer<sd_bus, sd_bus_close_unref>;
-
 using Deadline = std::chrono::steady_clock::time_point;
 
 /// One connection to a message bus. A bus that cannot be reached gives a null `get()`, which everything
@@ -48,7 +45,7 @@ class SdBusConnection {
   [[nodiscard]] BusMessage ask(BusMessage call, Deadline deadline) const;
 
  private:
-  Bus bus_;
+  UniquePointer<sd_bus, sd_bus_close_unref> bus_;  // releasing it leaves nothing of it on the bus
   BusSlot disconnected_;
   std::string failure_;
 };

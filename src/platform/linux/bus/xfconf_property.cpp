@@ -1,26 +1,24 @@
 // SPDX-License-Identifier: MIT
 #include "platform/linux/bus/xfconf_property.h"
 
-#include <utility>
-
 namespace nimbo {
 
-XfconfProperty::XfconfProperty(sd_bus* session, const std::string& channel, const std::string& property,
-                               BusHandler changed)
-    : changed_(std::move(changed)) {
+XfconfProperty followXfconf(sd_bus* session, const std::string& channel, const std::string& property,
+                            const BusHandler& changed) {
   constexpr const char* kService = "org.xfce.Xfconf";
   constexpr const char* kPath = "/org/xfce/Xfconf";
-  const BusSignal propertyChanged{kService, kPath, kService, "PropertyChanged", {channel, property}};
-  propertyChanged_ = addMatch(session, matchRule(propertyChanged), [this](sd_bus_message* signal) {
-    if (sd_bus_message_skip(signal, "ss") >= 0) changed_(signal);
-  });
-  const BusSignal propertyRemoved{kService, kPath, kService, "PropertyRemoved", {channel, property}};
-  propertyRemoved_ =
-      addMatch(session, matchRule(propertyRemoved), [this](sd_bus_message* /*signal*/) { changed_(nullptr); });
-  const BusMethod getProperty{kService, kPath, kService, "GetProperty"};
-  query_ = callAsync(methodCall(session, getProperty, channel, property), [this](sd_bus_message* reply) {
-    if (!isError(reply)) changed_(reply);
-  });
+  const BusSignal set{kService, kPath, kService, "PropertyChanged", {channel, property}};
+  const BusSignal removed{kService, kPath, kService, "PropertyRemoved", {channel, property}};
+  const BusMethod get{kService, kPath, kService, "GetProperty"};
+  const auto toldOfValue = [changed](sd_bus_message* signal) {
+    if (sd_bus_message_skip(signal, "ss") >= 0) changed(signal);
+  };
+  const auto toldOfRemoval = [changed](sd_bus_message* /*signal*/) { changed(nullptr); };
+  const auto answered = [changed](sd_bus_message* reply) {
+    if (!isError(reply)) changed(reply);
+  };
+  return {addMatch(session, matchRule(set), toldOfValue), addMatch(session, matchRule(removed), toldOfRemoval),
+          callAsync(methodCall(session, get, channel, property), answered)};
 }
 
 }  // namespace nimbo

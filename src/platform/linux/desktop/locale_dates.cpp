@@ -61,18 +61,6 @@ LocaleDates::LocaleDates(const std::string& locale)
       timePattern_(hasTwelveHours(locale_.get()) ? L"%-I:%M %p" : L"%H:%M"),
       monthPattern_(monthPattern(locale_.get())) {}
 
-std::string LocaleDates::shortDateAndTime(std::chrono::system_clock::time_point time) const {
-  return format(time, L"%x, " + timePattern_);
-}
-
-std::string LocaleDates::shortTime(std::chrono::system_clock::time_point time) const {
-  return format(time, timePattern_);
-}
-
-std::string LocaleDates::abbreviatedDateAndShortTime(std::chrono::system_clock::time_point time) const {
-  return format(time, monthPattern_ + L", " + timePattern_);
-}
-
 std::string LocaleDates::format(std::chrono::system_clock::time_point time, const std::wstring& pattern) const {
   const std::time_t seconds = std::chrono::floor<std::chrono::seconds>(time).time_since_epoch().count();
   std::tm fields{};

@@ -20,9 +20,15 @@ class LocaleDates final : public Dates {
   /// installed is the C locale.
   explicit LocaleDates(const std::string& locale);
 
-  [[nodiscard]] std::string shortDateAndTime(std::chrono::system_clock::time_point time) const override;
-  [[nodiscard]] std::string shortTime(std::chrono::system_clock::time_point time) const override;
-  [[nodiscard]] std::string abbreviatedDateAndShortTime(std::chrono::system_clock::time_point time) const override;
+  [[nodiscard]] std::string shortDateAndTime(std::chrono::system_clock::time_point time) const override {
+    return format(time, L"%x, " + timePattern_);
+  }
+  [[nodiscard]] std::string shortTime(std::chrono::system_clock::time_point time) const override {
+    return format(time, timePattern_);
+  }
+  [[nodiscard]] std::string abbreviatedDateAndShortTime(std::chrono::system_clock::time_point time) const override {
+    return format(time, monthPattern_ + L", " + timePattern_);
+  }
 
  private:
   [[nodiscard]] std::string format(std::chrono::system_clock::time_point time, const std::wstring& pattern) const;

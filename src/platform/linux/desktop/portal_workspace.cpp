@@ -45,7 +45,7 @@ PortalWorkspace::PortalWorkspace(MainLoop& loop, sd_bus* session, Setup setup)
     if (sd_bus_message_skip(signal, "ss") >= 0) setColorScheme(signal);
   });
   if (desktopIs(setup_.desktop, "XFCE")) {
-    xfceTheme_.emplace(session, "xsettings", "/Net/ThemeName", [this](sd_bus_message* value) {
+    xfceTheme_ = followXfconf(session, "xsettings", "/Net/ThemeName", [this](sd_bus_message* value) {
       const char* name = nullptr;
       const bool isSet = value != nullptr && sd_bus_message_read(value, "v", "s", &name) > 0;
       themeName_ = isSet ? name : setup_.gtkTheme;

@@ -57,7 +57,7 @@ class PortalWorkspace final : public Workspace {
   BusSlot application_;
   BusSlot file_;
   std::optional<BusNameWatch> portalOwner_;
-  std::optional<XfconfProperty> xfceTheme_;
+  XfconfProperty xfceTheme_;
   DetachedPrograms programs_;
 };
 

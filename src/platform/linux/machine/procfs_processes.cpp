@@ -9,8 +9,9 @@
 #include <array>
 #include <charconv>
 #include <cstddef>
+#include <functional>
 
-#include "platform/linux/machine/meminfo.h"
+#include "platform/linux/machine/procfs_host_statistics.h"
 
 namespace nimbo {
 namespace {
@@ -27,6 +28,19 @@ std::string unescaped(std::string_view escaped) {
     name += pair && escaped[index] == 'n' ? '\n' : escaped[index];
   }
   return name;
+}
+
+/// Parses the file that `read` reads into a buffer, at first into a small one; absent when it cannot be read.
+std::optional<ProcessStatus> readProcessStatus(
+    const std::function<std::optional<std::string_view>(std::span<char>)>& read) {
+  std::array<char, 8192> usual;
+  std::string large;
+  auto text = read(usual);
+  if (text && text->size() == usual.size()) {
+    large.resize(kLargestStatus);
+    text = read(large);
+  }
+  return text ? std::optional(parseProcessStatus(*text)) : std::nullopt;
 }
 
 std::chrono::nanoseconds durationOf(const timeval& time) {
@@ -57,18 +71,6 @@ ProcessStatus parseProcessStatus(std::string_view text) {
   return status;
 }
 
-std::optional<ProcessStatus> readProcessStatus(
-    const std::function<std::optional<std::string_view>(std::span<char>)>& read) {
-  std::array<char, 8192> usual;
-  std::string large;
-  auto text = read(usual);
-  if (text && text->size() == usual.size()) {
-    large.resize(kLargestStatus);
-    text = read(large);
-  }
-  return text ? std::optional(parseProcessStatus(*text)) : std::nullopt;
-}
-
 std::optional<std::uint64_t> parseAnonymousPages(std::string_view text) {
   auto line = takeLine(text);
   if (!line) return std::nullopt;
@@ -85,7 +87,9 @@ ProcfsProcessTable::ProcfsProcessTable(std::string procRoot)
       memInfo_(root_ + "/meminfo") {}
 
 std::vector<std::int32_t> ProcfsProcessTable::list() {
-  statusNeeded_ = swapInUse();
+  std::array<char, 8192> buffer;
+  const auto memory = memInfo_.read(buffer);
+  statusNeeded_ = !memory || swapUsed(*memory) != 0;
   std::vector<std::int32_t> pids;
   visitFolder(root_, [&](std::string_view name) {
     std::int32_t pid = 0;
@@ -96,16 +100,7 @@ std::vector<std::int32_t> ProcfsProcessTable::list() {
 }
 
 std::optional<ProcessReading> ProcfsProcessTable::read(std::int32_t pid) {
-  return statusNeeded_ ? readStatus(pid) : readResident(pid);
-}
-
-bool ProcfsProcessTable::swapInUse() {
-  std::array<char, 8192> buffer;
-  const auto text = memInfo_.read(buffer);
-  return !text || swapUsed(*text) != 0;
-}
-
-std::optional<ProcessReading> ProcfsProcessTable::readStatus(std::int32_t pid) const {
+  if (!statusNeeded_) return readResident(pid);
   auto status = readProcessStatus([&](std::span<char> buffer) { return readFile(pid, "status", buffer); });
   return status ? std::optional(ProcessReading{status->footprint, std::move(status->name)}) : std::nullopt;
 }
@@ -139,10 +134,9 @@ std::optional<std::string_view> ProcfsProcessTable::readFile(std::int32_t pid, s
   return std::string_view(buffer.data(), static_cast<std::size_t>(size));
 }
 
-ProcfsOwnProcess::ProcfsOwnProcess(const std::string& procRoot) : status_(procRoot + "/self/status") {}
-
-std::optional<ResourceUsage> ProcfsOwnProcess::usage() const {
-  const auto status = readProcessStatus([this](std::span<char> buffer) { return ProcFile(status_).read(buffer); });
+std::optional<ResourceUsage> readOwnUsage(const std::string& procRoot) {
+  ProcFile file(procRoot + "/self/status");
+  const auto status = readProcessStatus([&file](std::span<char> buffer) { return file.read(buffer); });
   rusage times{};
   if (!status || status->resident == 0 || ::getrusage(RUSAGE_SELF, &times) != 0) return std::nullopt;
   return ResourceUsage{status->footprint, status->resident, durationOf(times.ru_utime) + durationOf(times.ru_stime)};

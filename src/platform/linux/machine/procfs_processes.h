@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -23,10 +22,6 @@ struct ProcessStatus {
 
 [[nodiscard]] ProcessStatus parseProcessStatus(std::string_view text);
 
-/// Parses the file that `read` reads into a buffer, at first into a small one; absent when it cannot be read.
-[[nodiscard]] std::optional<ProcessStatus> readProcessStatus(
-    const std::function<std::optional<std::string_view>(std::span<char>)>& read);
-
 /// Pages of private anonymous memory out of a /proc/PID/statm: those resident less those that belong
 /// to files and shared memory. Absent for other text.
 [[nodiscard]] std::optional<std::uint64_t> parseAnonymousPages(std::string_view text);
@@ -41,8 +36,6 @@ class ProcfsProcessTable final : public ProcessTable {
   [[nodiscard]] std::optional<ProcessReading> read(std::int32_t pid) override;
 
  private:
-  [[nodiscard]] bool swapInUse();
-  [[nodiscard]] std::optional<ProcessReading> readStatus(std::int32_t pid) const;
   [[nodiscard]] std::optional<ProcessReading> readResident(std::int32_t pid) const;
   [[nodiscard]] std::optional<std::string_view> readFile(std::int32_t pid, std::string_view name,
                                                          std::span<char> buffer) const;
@@ -53,17 +46,8 @@ class ProcfsProcessTable final : public ProcessTable {
   bool statusNeeded_ = true;  // as of the last list
 };
 
-/// What /proc and the kernel's accounting say of the running program.
-class ProcfsOwnProcess final : public OwnProcess {
- public:
-  explicit ProcfsOwnProcess(const std::string& procRoot = "/proc");
-
-  /// The footprint is private memory with what is swapped out of it; memory as it is now, CPU time of
-  /// finished threads included.
-  [[nodiscard]] std::optional<ResourceUsage> usage() const override;
-
- private:
-  const std::string status_;
-};
+/// What /proc and the kernel's accounting say of this process. The footprint is private memory with what is swapped out
+/// of it; memory as it is now, CPU time of finished threads included. Absent when they do not tell. Any thread.
+[[nodiscard]] std::optional<ResourceUsage> readOwnUsage(const std::string& procRoot = "/proc");
 
 }  // namespace nimbo

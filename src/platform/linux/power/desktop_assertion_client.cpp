@@ -17,11 +17,8 @@ using std::chrono::steady_clock;
 constexpr const char* kSessionManager = "org.gnome.SessionManager";
 constexpr const char* kPlasma = "org.kde.Solid.PowerManagement.PolicyAgent";
 
-constexpr CookieService sessionManager(std::uint32_t flags) {
-  return {kSessionManager, "/org/gnome/SessionManager", "org.gnome.SessionManager", "Uninhibit", flags};
-}
-constexpr CookieService kNoSuspend = sessionManager(4);
-constexpr CookieService kNoIdle = sessionManager(8);
+constexpr CookieService kNoSuspend = {kSessionManager, "/org/gnome/SessionManager", kSessionManager, "Uninhibit", 4};
+constexpr CookieService kNoIdle = {kSessionManager, "/org/gnome/SessionManager", kSessionManager, "Uninhibit", 8};
 constexpr CookieService kPowerManagement = {"org.freedesktop.PowerManagement",
                                             "/org/freedesktop/PowerManagement/Inhibit",
                                             "org.freedesktop.PowerManagement.Inhibit", "UnInhibit"};

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <span>
 #include <string_view>
 #include <utility>
 
@@ -29,11 +28,12 @@ int answer(sd_bus_message* call, const std::function<void(BusWriter& reply)>& wr
   return reply.result() < 0 ? reply.result() : sd_bus_send(nullptr, message.get(), nullptr);
 }
 
-std::span<const std::int32_t> readIds(sd_bus_message* call) {
+std::vector<std::int32_t> readIds(sd_bus_message* call) {
   const void* ids = nullptr;
   std::size_t bytes = 0;
   if (sd_bus_message_read_array(call, SD_BUS_TYPE_INT32, &ids, &bytes) < 0) return {};
-  return {static_cast<const std::int32_t*>(ids), bytes / sizeof(std::int32_t)};
+  const auto* const first = static_cast<const std::int32_t*>(ids);
+  return {first, first + bytes / sizeof(std::int32_t)};
 }
 
 struct Property {
@@ -161,8 +161,7 @@ int DbusMenu::getLayout(sd_bus_message* call, sd_bus_error* error) {
 }
 
 int DbusMenu::getGroupProperties(sd_bus_message* call, sd_bus_error* /*error*/) {
-  const auto wanted = readIds(call);
-  std::vector<std::int32_t> ids(wanted.begin(), wanted.end());
+  std::vector<std::int32_t> ids = readIds(call);
   std::vector<std::string> names;
   if (!readStrings(call, names)) return -EINVAL;
   if (revision_ == 0) refreshIfClosed();

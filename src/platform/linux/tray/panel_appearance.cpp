@@ -12,7 +12,7 @@ PanelAppearance::PanelAppearance(sd_bus* session, const std::string& desktop, Wo
   if (alwaysDark_) return;
   workspaceObserver_ = workspace.observeAppearance([this](Appearance /*appearance*/) { update(); });
   if (!desktopIs(desktop, "XFCE")) return;
-  xfcePanel_.emplace(session, "xfce4-panel", "/panels/dark-mode", [this](sd_bus_message* value) {
+  xfcePanel_ = followXfconf(session, "xfce4-panel", "/panels/dark-mode", [this](sd_bus_message* value) {
     int dark = 0;
     darkPanel_ = value != nullptr && sd_bus_message_read(value, "v", "b", &dark) > 0 && dark != 0;
     update();

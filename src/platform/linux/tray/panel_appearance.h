@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <optional>
 #include <string>
 
 #include "base/observer_list.h"
@@ -31,7 +30,7 @@ class PanelAppearance {
   Appearance appearance_;
   ObserverList<> observers_;
   Subscription workspaceObserver_;
-  std::optional<XfconfProperty> xfcePanel_;
+  XfconfProperty xfcePanel_;
 };
 
 }  // namespace nimbo

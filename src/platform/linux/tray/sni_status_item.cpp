@@ -134,15 +134,13 @@ void SniStatusItem::followWatcher() {
   watcher_.emplace(connection_.get(), kWatcher, [this](const std::string& owner) {
     registration_.reset();
     announced_ = false;
-    turn_ = owner.empty() ? Subscription() : pacer_.request([this, owner] { registerWith(owner); });
+    turn_ = owner.empty() ? Subscription() : pacer_.request([this, owner] {
+      const BusMethod method{owner.c_str(), "/StatusNotifierWatcher", kWatcher, "RegisterStatusNotifierItem"};
+      announced_ = true;
+      // A tray that refuses is gone or broken; the next one is registered with when it comes.
+      registration_ = callAsync(methodCall(connection_.get(), method, registeredName_), [](sd_bus_message*) {});
+    });
   });
-}
-
-void SniStatusItem::registerWith(const std::string& watcher) {
-  const BusMethod method{watcher.c_str(), "/StatusNotifierWatcher", kWatcher, "RegisterStatusNotifierItem"};
-  announced_ = true;
-  // A tray that refuses is gone or broken; the next one is registered with when it comes.
-  registration_ = callAsync(methodCall(connection_.get(), method, registeredName_), [](sd_bus_message* /*reply*/) {});
 }
 
 void SniStatusItem::emit(const char* signal) {

@@ -40,7 +40,6 @@ class SniStatusItem final : public StatusItem {
   static const sd_bus_vtable* table(bool labelled);
   void requestName();
   void followWatcher();
-  void registerWith(const std::string& watcher);
   void emit(const char* signal);
 
   template <bool kAlternate>
