@@ -15,10 +15,10 @@
 #include <string>
 #include <vector>
 
+#include "platform/clock.h"
 #include "platform/linux/machine/hwmon_temperature_sensor.h"
 #include "platform/linux/machine/procfs_host_statistics.h"
-#include "platform/linux/machine/procfs_process_table.h"
-#include "platform/system_clock.h"
+#include "platform/linux/machine/procfs_processes.h"
 #include "system/process_scan.h"
 #include "system/system_sampler.h"
 

@@ -1,37 +1,33 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "platform/accessibility.h"
 #include "platform/application_instance.h"
 #include "platform/assertion_client.h"
-#include "platform/bundle_info.h"
+#include "platform/bundle.h"
 #include "platform/clock.h"
-#include "platform/dates.h"
 #include "platform/display_power.h"
 #include "platform/host_statistics.h"
 #include "platform/http_client.h"
 #include "platform/login_item.h"
 #include "platform/main_loop.h"
-#include "platform/module_loader.h"
-#include "platform/own_process.h"
 #include "platform/power_sources.h"
 #include "platform/process_table.h"
 #include "platform/pseudo_terminal.h"
-#include "platform/secret_files.h"
 #include "platform/status_bar.h"
-#include "platform/system_sleep.h"
+#include "platform/system_events.h"
 #include "platform/temperature_sensor.h"
-#include "platform/termination.h"
-#include "platform/tool_files.h"
 #include "platform/update_session.h"
 #include "platform/user_defaults.h"
-#include "platform/user_surroundings.h"
+#include "platform/user_files.h"
 #include "platform/widget_center.h"
-#include "platform/work_queue.h"
 #include "platform/workspace.h"
 
 namespace nimbo {
@@ -45,6 +41,17 @@ struct SystemReaders {
   std::unique_ptr<HostStatistics> hostStatistics;
   std::unique_ptr<ProcessTable> processTable;
   TemperatureSensorMaker makeTemperatureSensor;
+};
+
+/// What the programs of this user find when they start.
+struct UserSurroundings {
+  std::filesystem::path home;
+  std::filesystem::path caches;
+  std::string searchPath;                ///< PATH
+  std::string codexHome;                 ///< CODEX_HOME; usually empty
+  std::vector<std::string> environment;  ///< all of it, "NAME=value"
+  /// An identifier such as "Europe/Berlin" or the path of a zone file; asked anew, as people travel.
+  std::function<std::string()> localZone;
 };
 
 /// What reading AI allowances takes of the system.
@@ -85,7 +92,8 @@ class PlatformServices {
   [[nodiscard]] virtual PowerSources& powerSources() = 0;
   [[nodiscard]] virtual DisplayPower& displayPower() = 0;
   [[nodiscard]] virtual const Dates& dates() = 0;
-  [[nodiscard]] virtual const OwnProcess& ownProcess() = 0;
+  /// What this process has cost so far; absent when the system does not tell.
+  [[nodiscard]] virtual std::optional<ResourceUsage> ownUsage() const = 0;
   [[nodiscard]] virtual UsageServices usageServices() = 0;
   [[nodiscard]] virtual LoginItem& loginItem() = 0;
   [[nodiscard]] virtual WidgetCenter& widgetCenter() = 0;

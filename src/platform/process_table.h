@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -24,6 +25,13 @@ class ProcessTable {
   /// Absent when the process has exited or may not be measured. The name is only looked up for a
   /// footprint above 0.
   [[nodiscard]] virtual std::optional<ProcessReading> read(std::int32_t pid) = 0;
+};
+
+/// What this process has cost so far.
+struct ResourceUsage {
+  std::uint64_t physicalFootprint = 0;  ///< bytes of memory that are charged to this process alone
+  std::uint64_t residentSize = 0;       ///< bytes in memory, shared ones included
+  std::chrono::nanoseconds cpuTime{0};  ///< user and system time of all threads since the start
 };
 
 }  // namespace nimbo

@@ -45,16 +45,15 @@ struct StatusClick {
   std::optional<Rect> anchor;
 };
 
-/// Answers for one status item. All on the main thread.
+/// Answers for one status item, all of them set. All on the main thread.
 struct StatusItemHandlers {
   std::function<void(const StatusClick&)> clicked;
   /// A secondary click: builds the menu that is about to open.
   std::function<StatusMenu()> menuWillOpen;
   /// The menu opened by the last `menuWillOpen` has closed.
   std::function<void()> menuDidClose;
-  /// The menu that would open now, for bars that read it ahead; nothing opens. When it is not set
-  /// they call `menuWillOpen` and `menuDidClose` in turn.
-  std::function<StatusMenu()> menuPreview = {};
+  /// The menu that would open now, for bars that read it ahead; nothing opens.
+  std::function<StatusMenu()> menuPreview;
 };
 
 /// One item in the menu bar or tray; destroying it removes it. Main thread only.

@@ -9,7 +9,6 @@
 #include "platform/http_client.h"
 #include "platform/main_loop.h"
 #include "platform/updater.h"
-#include "platform/work_queue.h"
 #include "platform/workspace.h"
 
 namespace nimbo {

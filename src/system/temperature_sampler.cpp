@@ -8,8 +8,6 @@
 #include <span>
 #include <string>
 
-#include "platform/plausible_temperature.h"
-
 namespace nimbo {
 namespace {
 

@@ -8,7 +8,6 @@
 #include <span>
 
 #include "platform/clock.h"
-#include "platform/dates.h"
 #include "settings/usage_provider.h"
 #include "usage/usage_model.h"
 

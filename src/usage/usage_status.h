@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/dates.h"
+#include "platform/clock.h"
 #include "settings/usage_provider.h"
 #include "usage/usage_model.h"
 

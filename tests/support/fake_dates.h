@@ -5,7 +5,7 @@
 
 #include <array>
 
-#include "platform/dates.h"
+#include "platform/clock.h"
 
 namespace nimbo {
 

@@ -148,7 +148,7 @@ class FakePlatformServices final : public PlatformServices {
   [[nodiscard]] PowerSources& powerSources() override { return batteries; }
   [[nodiscard]] DisplayPower& displayPower() override { return display; }
   [[nodiscard]] const Dates& dates() override { return utcDates; }
-  [[nodiscard]] const OwnProcess& ownProcess() override { return self; }
+  [[nodiscard]] std::optional<ResourceUsage> ownUsage() const override { return self.usage(); }
   [[nodiscard]] UsageServices usageServices() override {
     return {network,
             secretFiles,

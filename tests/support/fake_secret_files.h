@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/secret_files.h"
+#include "platform/user_files.h"
 
 namespace nimbo {
 

@@ -6,7 +6,7 @@
 #include <system_error>
 #include <vector>
 
-#include "platform/tool_files.h"
+#include "platform/user_files.h"
 
 namespace nimbo {
 

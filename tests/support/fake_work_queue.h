@@ -6,7 +6,7 @@
 #include <functional>
 #include <utility>
 
-#include "platform/work_queue.h"
+#include "platform/main_loop.h"
 
 namespace nimbo {
 

@@ -32,7 +32,7 @@ void PerformanceProbe::next(std::chrono::milliseconds delay, void (PerformancePr
 }
 
 PerformanceProbe::Sample PerformanceProbe::sample() const {
-  const auto usage = platform_.ownProcess().usage();
+  const auto usage = platform_.ownUsage();
   if (!usage) complain_("the system does not tell what this process costs");
   return {usage.value_or(ResourceUsage{}), platform_.readers().clock->uptime()};
 }

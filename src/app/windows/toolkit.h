@@ -4,8 +4,8 @@
 #include <functional>
 #include <memory>
 
+#include "platform/bundle.h"
 #include "platform/main_loop.h"
-#include "platform/module_loader.h"
 #include "platform/workspace.h"
 #include "ui/user_interface.h"
 

@@ -7,12 +7,12 @@
 #include <string>
 #include <utility>
 
+#include "platform/clock.h"
 #include "platform/linux/accessibility/atspi_accessibility.h"
 #include "platform/linux/bus/dbus_application_instance.h"
 #include "platform/linux/bus/sd_bus_connection.h"
 #include "platform/linux/bus/xdg_widget_center.h"
 #include "platform/linux/desktop/desktop_application.h"
-#include "platform/linux/desktop/local_time_zone.h"
 #include "platform/linux/desktop/locale_dates.h"
 #include "platform/linux/desktop/portal_workspace.h"
 #include "platform/linux/desktop/xdg_login_item.h"
@@ -28,8 +28,7 @@
 #include "platform/linux/loop/thread_work_queue.h"
 #include "platform/linux/machine/hwmon_temperature_sensor.h"
 #include "platform/linux/machine/procfs_host_statistics.h"
-#include "platform/linux/machine/procfs_own_process.h"
-#include "platform/linux/machine/procfs_process_table.h"
+#include "platform/linux/machine/procfs_processes.h"
 #include "platform/linux/power/desktop_assertion_client.h"
 #include "platform/linux/power/logind_system_sleep.h"
 #include "platform/linux/power/sysfs_power_sources.h"
@@ -41,7 +40,6 @@
 #include "platform/linux/tray/sni_status_bar.h"
 #include "platform/linux/update/update_module.h"
 #include "platform/platform_services.h"
-#include "platform/system_clock.h"
 
 namespace nimbo {
 namespace {
@@ -143,7 +141,7 @@ class LinuxPlatformServices final : public PlatformServices {
   [[nodiscard]] PowerSources& powerSources() override { return powerSources_; }
   [[nodiscard]] DisplayPower& displayPower() override { return displayPower_; }
   [[nodiscard]] const Dates& dates() override { return dates_; }
-  [[nodiscard]] const OwnProcess& ownProcess() override { return ownProcess_; }
+  [[nodiscard]] std::optional<ResourceUsage> ownUsage() const override { return readOwnUsage(); }
   [[nodiscard]] UsageServices usageServices() override {
     return {http_, secretFiles_, toolFiles_, terminals_, accessibility_, claudeQueue_, inBackground(), user_};
   }
@@ -201,7 +199,6 @@ class LinuxPlatformServices final : public PlatformServices {
       {makeX11Screen_, waylandDisplayFromModule(modules_, loop_, waylandSocket(environment_))}};
   SysfsPowerSources powerSources_{loop_.event()};
   LocaleDates dates_{dateLocale(environment_)};
-  ProcfsOwnProcess ownProcess_;
 
   const UserSurroundings user_ = surroundingsFrom(environment_);
   ModuleHttpClient http_{

@@ -6,7 +6,6 @@
 
 #include "awake/awake_manager.h"
 #include "platform/clock.h"
-#include "platform/dates.h"
 #include "settings/settings.h"
 #include "system/process_scan.h"
 #include "system/system_readings.h"

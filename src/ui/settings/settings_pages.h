@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/bundle_info.h"
+#include "platform/bundle.h"
 #include "platform/login_item.h"
 #include "settings/settings.h"
 #include "ui/settings/settings_window.h"

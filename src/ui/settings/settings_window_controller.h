@@ -8,7 +8,7 @@
 #include <string>
 #include <utility>
 
-#include "platform/bundle_info.h"
+#include "platform/bundle.h"
 #include "platform/login_item.h"
 #include "settings/settings.h"
 #include "ui/settings/settings_controls.h"

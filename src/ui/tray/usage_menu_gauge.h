@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/dates.h"
+#include "platform/clock.h"
 #include "platform/status_bar.h"
 #include "platform/template_image.h"
 #include "settings/settings.h"

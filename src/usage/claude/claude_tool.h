@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "platform/pseudo_terminal.h"
-#include "platform/tool_files.h"
+#include "platform/user_files.h"
 
 /// How Claude Code is found and run so that it shows its usage screen and does nothing else.
 namespace nimbo::claude_tool {

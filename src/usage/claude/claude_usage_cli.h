@@ -9,7 +9,7 @@
 
 #include "platform/clock.h"
 #include "platform/pseudo_terminal.h"
-#include "platform/tool_files.h"
+#include "platform/user_files.h"
 #include "usage/usage_model.h"
 
 namespace nimbo {

@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "platform/main_loop.h"
-#include "platform/work_queue.h"
 #include "usage/claude/claude_usage_cli.h"
 #include "usage/usage_model.h"
 

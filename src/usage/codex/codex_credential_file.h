@@ -5,7 +5,7 @@
 #include <string>
 
 #include "platform/clock.h"
-#include "platform/secret_files.h"
+#include "platform/user_files.h"
 #include "usage/codex/usage_credential_reader.h"
 
 namespace nimbo {

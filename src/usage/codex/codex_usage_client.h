@@ -6,7 +6,6 @@
 #include <string>
 
 #include "platform/clock.h"
-#include "platform/dates.h"
 #include "platform/http_client.h"
 #include "usage/codex/usage_credential_reader.h"
 #include "usage/usage_model.h"

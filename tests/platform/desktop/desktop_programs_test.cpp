@@ -8,8 +8,7 @@
 #include <cerrno>
 #include <filesystem>
 
-#include "platform/linux/desktop/current_desktop.h"
-#include "platform/linux/desktop/detached_programs.h"
+#include "platform/linux/desktop/desktop_programs.h"
 #include "platform/linux/files/unique_fd.h"
 #include "support/services/bus_peer.h"
 #include "support/services/temporary_tree.h"
@@ -65,7 +64,7 @@ TEST(DetachedPrograms, ProgramThatEndsIsReaped) {
   const TemporaryTree tree;
   const std::string program = writeProgram(tree, "monitor", "echo done > \"" + tree.path().string() + "/ran\"\n");
   DetachedPrograms programs(loop.main());
-  ASSERT_TRUE(programs.start(program));
+  ASSERT_TRUE(programs.start({program}));
   // No child is left, and not even a dead one, when wait has nothing to wait for.
   const auto childless = [] {
     siginfo_t child{};
@@ -88,7 +87,7 @@ TEST(DetachedPrograms, ProgramRunsInASessionOfItsOwnWithNoSignalBlocked) {
                        "\"; { cut -d' ' -f1,6 /proc/$$/stat; grep SigBlk /proc/self/status; } > a\n"
                        "mv a out\n");
   DetachedPrograms programs(loop.main());
-  ASSERT_TRUE(programs.start(program));
+  ASSERT_TRUE(programs.start({program}));
   ASSERT_TRUE(loop.runUntil([&] { return !tree.read("out").empty(); }));
   pthread_sigmask(SIG_SETMASK, &before, nullptr);
   const std::string out = tree.read("out");
@@ -105,7 +104,7 @@ TEST(DetachedPrograms, ProgramInheritsNoDescriptorThatALibraryLeftOpen) {
                    "cd \"" + tree.path().string() + "\"; test -e /proc/$$/fd/" + std::to_string(leaked.get()) +
                        " && echo open > a || echo closed > a; mv a out\n");
   DetachedPrograms programs(loop.main());
-  ASSERT_TRUE(programs.start(program));
+  ASSERT_TRUE(programs.start({program}));
   ASSERT_TRUE(loop.runUntil([&] { return !tree.read("out").empty(); }));
   EXPECT_EQ(tree.read("out"), "closed\n");
 }
@@ -113,7 +112,7 @@ TEST(DetachedPrograms, ProgramInheritsNoDescriptorThatALibraryLeftOpen) {
 TEST(DetachedPrograms, ProgramThatIsNotThereIsNotStarted) {
   BusLoop loop;
   DetachedPrograms programs(loop.main());
-  EXPECT_FALSE(programs.start("/nonexistent/monitor"));
+  EXPECT_FALSE(programs.start({"/nonexistent/monitor"}));
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/linux/desktop/local_time_zone.h"
+#include "platform/linux/desktop/locale_dates.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/linux/machine/meminfo.h"
+#include "platform/linux/machine/procfs_host_statistics.h"
 
 #include <gtest/gtest.h>
 

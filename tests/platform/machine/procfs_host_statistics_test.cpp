@@ -7,9 +7,8 @@
 #include <fstream>
 #include <iterator>
 
-#include "platform/linux/machine/meminfo.h"
+#include "platform/clock.h"
 #include "platform/machine/meminfo_recordings.h"
-#include "platform/system_clock.h"
 #include "support/services/temporary_tree.h"
 #include "system/system_sampler.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/linux/machine/procfs_own_process.h"
+#include "platform/linux/machine/procfs_processes.h"
 
 #include <gtest/gtest.h>
 #include <sys/mman.h>
@@ -7,7 +7,6 @@
 #include <fstream>
 #include <sstream>
 
-#include "platform/linux/machine/process_status.h"
 #include "support/services/temporary_tree.h"
 
 namespace nimbo {
@@ -21,7 +20,7 @@ class ProcfsOwnProcessTest : public testing::Test {
  protected:
   [[nodiscard]] std::optional<ResourceUsage> usage(const std::string& status) const {
     tree.write("self/status", status);
-    return ProcfsOwnProcess(tree.path().string()).usage();
+    return readOwnUsage(tree.path().string());
   }
 
   TemporaryTree tree;
@@ -51,14 +50,14 @@ TEST_F(ProcfsOwnProcessTest, UserInThousandsOfGroupsIsReadWhole) {
 }
 
 TEST_F(ProcfsOwnProcessTest, MissingAndForeignTextIsAbsent) {
-  EXPECT_FALSE(ProcfsOwnProcess(tree.path().string()).usage());
+  EXPECT_FALSE(readOwnUsage(tree.path().string()));
   for (const char* text : {"", "\n", "Name:\tnimbo\n", "VmRSS:\t many kB\nRssAnon:\t 5 kB\n", "VmRSS:\t 1024 kB"}) {
     EXPECT_FALSE(usage(text)) << text;
   }
 }
 
 TEST(RealOwnProcess, MemoryIsWhatTheKernelSaysOfThisProcess) {
-  const auto usage = ProcfsOwnProcess().usage();
+  const auto usage = readOwnUsage();
   std::stringstream status;
   status << std::ifstream("/proc/self/status").rdbuf();
   const ProcessStatus memory = parseProcessStatus(status.str());
@@ -72,23 +71,22 @@ TEST(RealOwnProcess, MemoryIsWhatTheKernelSaysOfThisProcess) {
 
 TEST(RealOwnProcess, TouchedMemoryIsAddedToTheFootprint) {
   constexpr std::size_t kSize = 16 * kMebibyte;
-  const auto before = ProcfsOwnProcess().usage();
+  const auto before = readOwnUsage();
   void* const memory =
       ::mmap(nullptr, kSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_POPULATE, -1, 0);
   ASSERT_NE(memory, MAP_FAILED);
-  const auto after = ProcfsOwnProcess().usage();
+  const auto after = readOwnUsage();
   ::munmap(memory, kSize);
   ASSERT_TRUE(before && after);
   EXPECT_GE(after->physicalFootprint, before->physicalFootprint + kSize - kMebibyte);
 }
 
 TEST(RealOwnProcess, WorkIsAddedToTheCpuTime) {
-  const ProcfsOwnProcess process;
-  const auto before = process.usage();
+  const auto before = readOwnUsage();
   ASSERT_TRUE(before);
   std::optional<ResourceUsage> after;
   do {
-    after = process.usage();
+    after = readOwnUsage();
     ASSERT_TRUE(after);
     ASSERT_GE(after->cpuTime, before->cpuTime);
   } while (after->cpuTime < before->cpuTime + milliseconds(20));

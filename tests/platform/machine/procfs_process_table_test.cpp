@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/linux/machine/procfs_process_table.h"
+#include "platform/linux/machine/procfs_processes.h"
 
 #include <gtest/gtest.h>
 #include <sys/mman.h>
@@ -11,7 +11,6 @@
 #include <array>
 #include <cstdio>
 
-#include "platform/linux/machine/process_status.h"
 #include "platform/machine/meminfo_recordings.h"
 #include "support/services/temporary_tree.h"
 #include "system/process_scan.h"

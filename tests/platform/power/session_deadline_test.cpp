@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // A session with a deadline from its start to its end: the real clock, loop and locks.
 #include "awake/awake_manager.h"
+#include "platform/clock.h"
 #include "platform/linux/loop/sd_event_main_loop.h"
 #include "platform/power/assertion_client_fixture.h"
-#include "platform/system_clock.h"
 #include "support/fake_display_power.h"
 #include "support/fake_power_sources.h"
 #include "support/fake_user_defaults.h"

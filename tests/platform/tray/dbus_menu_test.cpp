@@ -53,13 +53,12 @@ class DbusMenuTest : public ::testing::Test {
   }
 
   /// Shows the item and returns its bus name.
-  std::string show(StatusItemHandlers given, const std::string& desktop = "XFCE") {
+  std::string show(const std::string& desktop = "XFCE") {
     statusBar = std::make_unique<SniStatusBar>(loop.main(), bus.address(), desktop, panel);
-    item = statusBar->makeItem("nimbo", {}, std::move(given));
+    item = statusBar->makeItem("nimbo", {}, handlers());
     EXPECT_TRUE(host.waitForItems(1));
     return host.registered.at(0);
   }
-  std::string show(const std::string& desktop = "XFCE") { return show(handlers(), desktop); }
 
   static Log labels(const FakeTrayHost::MenuItem& root) {
     Log labels;
@@ -137,14 +136,6 @@ TEST_F(DbusMenuTest, ReadingAheadOpensNothing) {
     FakeTrayHost::appendStrings(call, {});
   });
   EXPECT_EQ(events, Log{});
-}
-
-TEST_F(DbusMenuTest, ReadingAheadWithoutAPreviewOpensAndClosesInTurn) {
-  StatusItemHandlers given = handlers();
-  given.menuPreview = nullptr;
-  const std::string name = show(std::move(given));
-  EXPECT_EQ(labels(host.layout(name).root), kLabels);
-  EXPECT_EQ(events, (Log{"will open", "did close"}));
 }
 
 TEST_F(DbusMenuTest, OpeningAndClosingAreToldOnce) {

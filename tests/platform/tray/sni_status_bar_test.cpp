@@ -340,14 +340,6 @@ TEST_F(SniStatusBarTest, HandlerMayDestroyTheItem) {
   EXPECT_EQ(item, nullptr);
 }
 
-TEST_F(SniStatusBarTest, HandlersThatAreNotSetAreNotCalled) {
-  host.emplace(loop, bus.address());
-  item = makeBar().makeItem("nimbo", content(), {});
-  ASSERT_TRUE(host->waitForItems(1));
-  EXPECT_TRUE(succeeded(click(host->registered.at(0), "Activate", 10, 10)));
-  EXPECT_TRUE(host->layout(host->registered.at(0)).root.children.empty());
-}
-
 TEST_F(SniStatusBarTest, WithoutABusItemsExistAndStaySilent) {
   SniStatusBar silent(loop.main(), "unix:path=/nonexistent/bus", "", panel);
   const auto lonely = silent.makeItem("nimbo", content(), {});

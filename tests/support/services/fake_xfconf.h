@@ -4,11 +4,14 @@
 #include <map>
 #include <string>
 #include <utility>
+#include <variant>
 
 #include "platform/linux/bus/xfconf_property.h"
 #include "support/services/bus_peer.h"
 
 namespace nimbo {
+
+using XfconfValue = std::variant<bool, std::string>;
 
 /// XFCE's settings service with its store in memory.
 class FakeXfconf {

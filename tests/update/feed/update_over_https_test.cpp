@@ -3,11 +3,11 @@
 #include <fstream>
 #include <set>
 
+#include "platform/clock.h"
 #include "platform/http/http_client_fixture.h"
 #include "platform/linux/loop/thread_work_queue.h"
 #include "platform/linux/update/debian/debian_system.h"
 #include "platform/linux/update/update_module.h"
-#include "platform/system_clock.h"
 #include "support/fake_update_windows.h"
 #include "support/fake_user_defaults.h"
 #include "support/fake_workspace.h"

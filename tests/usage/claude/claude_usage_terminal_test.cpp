@@ -15,10 +15,10 @@
 #include <thread>
 #include <vector>
 
+#include "platform/clock.h"
 #include "platform/linux/loop/thread_work_queue.h"
 #include "platform/linux/terminal/local_tool_files.h"
 #include "platform/linux/terminal/pty_terminals.h"
-#include "platform/system_clock.h"
 #include "support/fake_main_loop.h"
 #include "support/services/temporary_tree.h"
 #include "usage/claude/claude_usage_cli.h"

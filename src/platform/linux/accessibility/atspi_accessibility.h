@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "platform/accessibility.h"
 #include "platform/linux/accessibility/atspi_bus.h"
@@ -15,11 +16,13 @@ namespace nimbo {
 class AtspiAccessibility final : public Accessibility {
  public:
   /// `sessionAddress` is that of the session bus, `procRoot` where procfs is mounted.
-  explicit AtspiAccessibility(std::string sessionAddress, std::string procRoot = "/proc");
+  explicit AtspiAccessibility(std::string sessionAddress, std::string procRoot = "/proc")
+      : sessionAddress_(std::move(sessionAddress)), procRoot_(std::move(procRoot)) {}
 
-  [[nodiscard]] bool isTrusted() override;
-  /// Takes four seconds at most.
-  void requestTrust() override;
+  [[nodiscard]] bool isTrusted() override { return bus() != nullptr; }
+  /// There is nobody to ask. What is missing is that applications offer their content, and that starts the bus,
+  /// too. Takes four seconds at most.
+  void requestTrust() override { enableAtspi(sessionAddress_); }
   [[nodiscard]] std::unique_ptr<AccessibleApplication> application(const std::string& bundleIdentifier) override;
 
  private:

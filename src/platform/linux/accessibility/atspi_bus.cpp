@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "platform/linux/accessibility/atspi_bus.h"
 
-#include <cstddef>
 #include <string_view>
 #include <utility>
 
@@ -21,38 +20,18 @@ constexpr std::string_view kNullPath = "/org/a11y/atspi/null";
 // Starting the accessibility bus takes a program or two.
 constexpr std::chrono::seconds kLongestStart{2};
 
-std::vector<BusMessage> askAll(const BoundedBus& bus, const std::vector<BusMessage>& calls, Deadline deadline) {
-  std::vector<BusMessage> answers(calls.size());
-  std::vector<BusSlot> pending;
-  std::size_t open = 0;
-  for (std::size_t index = 0; index < calls.size(); ++index) {
-    pending.push_back(callAsync(calls[index], [&answers, &open, index](sd_bus_message* reply) {
-      --open;
-      if (!isError(reply)) answers[index].reset(sd_bus_message_ref(reply));
-    }));
-    if (pending.back()) ++open;
-  }
-  // What is still missing then stays null.
-  [[maybe_unused]] const bool complete = bus.turnUntil(deadline, [&open] { return open == 0; });
-  return answers;
-}
-
-BusMessage askOne(const BoundedBus& bus, BusMessage call, Deadline deadline) {
-  std::vector<BusMessage> calls;
-  calls.push_back(std::move(call));
-  return std::move(askAll(bus, calls, deadline).front());
-}
+BusMessage unlessError(BusMessage answer) { return isError(answer.get()) ? BusMessage() : std::move(answer); }
 
 template <class... Arguments>
-BusMessage askLauncher(const BoundedBus& session, const char* interface, const char* method,
+BusMessage askLauncher(const SdBusConnection& session, const char* interface, const char* method,
                        const Arguments&... arguments) {
   const BusMethod called{kLauncher, kLauncherPath, interface, method, BusActivation::allowed};
-  return askOne(session, methodCall(session.get(), called, arguments...),
-                std::chrono::steady_clock::now() + kLongestStart);
+  return unlessError(
+      session.ask(methodCall(session.get(), called, arguments...), std::chrono::steady_clock::now() + kLongestStart));
 }
 
 std::string accessibilityBusAddress(const std::string& sessionAddress) {
-  const BoundedBus session(sessionAddress);
+  const SdBusConnection session(nullptr, sessionAddress);
   const BusMessage answer = askLauncher(session, kLauncher, "GetAddress");
   const char* address = "";
   if (answer) sd_bus_message_read(answer.get(), "s", &address);
@@ -66,7 +45,7 @@ bool isLocal(std::string_view addresses) {
   return local;
 }
 
-bool isAtspiEnabled(const BoundedBus& session) {
+bool isAtspiEnabled(const SdBusConnection& session) {
   const BusMessage answer = askLauncher(session, kBusProperties, "Get", kStatus, "IsEnabled");
   int enabled = 0;
   return answer && sd_bus_message_read(answer.get(), "v", "b", &enabled) > 0 && enabled != 0;
@@ -84,10 +63,12 @@ std::shared_ptr<AtspiBus> AtspiBus::connect(const std::string& sessionAddress) {
 bool AtspiBus::answers() const { return static_cast<bool>(ask(methodCall(bus_.get(), methodOfTheBus("GetId")))); }
 
 std::vector<BusMessage> AtspiBus::ask(const std::vector<BusMessage>& calls, Deadline deadline) const {
-  return askAll(bus_, calls, deadline);
+  auto answers = bus_.ask(calls, deadline);
+  for (BusMessage& answer : answers) answer = unlessError(std::move(answer));
+  return answers;
 }
 
-BusMessage AtspiBus::ask(BusMessage call) const { return askOne(bus_, std::move(call), deadline()); }
+BusMessage AtspiBus::ask(BusMessage call) const { return unlessError(bus_.ask(std::move(call), deadline())); }
 
 void AtspiBus::waitUntil(Deadline deadline) const {
   [[maybe_unused]] const bool never = bus_.turnUntil(deadline, [] { return false; });
@@ -128,7 +109,7 @@ std::optional<std::uint32_t> readNumber(const BusMessage& answer) {
 }
 
 void enableAtspi(const std::string& sessionAddress) {
-  const BoundedBus session(sessionAddress);
+  const SdBusConnection session(nullptr, sessionAddress);
   if (isAtspiEnabled(session)) return;
   (void)askLauncher(session, kBusProperties, "Set", kStatus, "IsEnabled", BusVariant(true));
 }

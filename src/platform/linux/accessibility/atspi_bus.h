@@ -8,7 +8,6 @@
 #include <string>
 #include <vector>
 
-#include "platform/linux/bus/bounded_bus.h"
 #include "platform/linux/bus/sd_bus_calls.h"
 
 namespace nimbo {
@@ -55,10 +54,10 @@ class AtspiBus {
   [[nodiscard]] bool tellsAttributes(const AtspiReference& element) const;
 
  private:
-  explicit AtspiBus(const std::string& address) : bus_(address) {}
+  explicit AtspiBus(const std::string& address) : bus_(nullptr, address) {}
   [[nodiscard]] BusMessage ask(BusMessage call) const;
 
-  BoundedBus bus_;
+  const SdBusConnection bus_;
   std::chrono::milliseconds timeout_{1000};
 };
 

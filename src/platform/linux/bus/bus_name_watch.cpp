@@ -10,11 +10,9 @@ namespace nimbo {
 // The bus handles the match before the question, so no change can fall between the two.
 BusNameWatch::BusNameWatch(sd_bus* bus, const std::string& name, std::function<void(const std::string&)> changed)
     : changed_(std::make_shared<std::function<void(const std::string&)>>(std::move(changed))) {
-  const std::string rule =
-      "type='signal',sender='org.freedesktop.DBus',path='/org/freedesktop/DBus',"
-      "interface='org.freedesktop.DBus',member='NameOwnerChanged',arg0='" +
-      name + "'";
-  match_ = addMatch(bus, rule.c_str(), [this](sd_bus_message* signal) {
+  const BusSignal ownerChanged{
+      "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "NameOwnerChanged", {name}};
+  match_ = addMatch(bus, matchRule(ownerChanged), [this](sd_bus_message* signal) {
     if (!isFrom(signal, "org.freedesktop.DBus")) return;
     const char* owner = nullptr;
     if (sd_bus_message_read(signal, "sss", nullptr, nullptr, &owner) > 0) update(owner);

@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/linux/bus/sd_bus_handles.h"
+#include "platform/linux/bus/sd_bus_connection.h"
 
 namespace nimbo {
 

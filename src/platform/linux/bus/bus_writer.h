@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <systemd/sd-bus.h>
+
 #include <cstdint>
 #include <string>
 #include <variant>
 #include <vector>
-
-#include "platform/linux/bus/sd_bus_handles.h"
 
 namespace nimbo {
 
@@ -33,11 +33,18 @@ class BusWriter {
   void add(const std::string& text) { add(text.c_str()); }
   void add(BusObjectPath object) { append("o", object.path); }
   void add(NoOptions /*none*/) { append("a{sv}", 0); }
-  void add(const std::vector<std::uint8_t>& bytes);
-  void add(const std::vector<std::int32_t>& numbers);
-  void add(const std::vector<std::string>& texts);
-  void add(const std::vector<std::vector<std::string>>& lists);
-  void add(const BusVariant& value);
+  void add(const std::vector<std::uint8_t>& bytes) {
+    if (result_ >= 0) result_ = sd_bus_message_append_array(message_, SD_BUS_TYPE_BYTE, bytes.data(), bytes.size());
+  }
+  template <class Value>
+  void add(const std::vector<Value>& values) {
+    inside(SD_BUS_TYPE_ARRAY, typeOf(Value()), [&] {
+      for (const Value& value : values) add(value);
+    });
+  }
+  void add(const BusVariant& value) {
+    std::visit([&](const auto& held) { inside(SD_BUS_TYPE_VARIANT, typeOf(held), [&] { add(held); }); }, value);
+  }
 
   /// Everything that `write` writes, inside a container; `kind` and `contents` as in
   /// sd_bus_message_open_container.
@@ -52,6 +59,12 @@ class BusWriter {
   [[nodiscard]] int result() const { return result_; }
 
  private:
+  static const char* typeOf(bool /*value*/) { return "b"; }
+  static const char* typeOf(std::int32_t /*value*/) { return "i"; }
+  static const char* typeOf(const std::string& /*value*/) { return "s"; }
+  static const char* typeOf(const std::vector<std::string>& /*value*/) { return "as"; }
+  static const char* typeOf(const std::vector<std::vector<std::string>>& /*value*/) { return "aas"; }
+
   template <class Value>
   void append(const char* type, Value value) {
     if (result_ >= 0) result_ = sd_bus_message_append(message_, type, value);

@@ -10,7 +10,6 @@
 
 #include "base/utf8_text.h"
 #include "platform/linux/bus/sd_bus_calls.h"
-#include "platform/linux/bus/sd_bus_connection.h"
 
 namespace nimbo {
 namespace {
@@ -29,14 +28,15 @@ constexpr int kAlreadyOwner = 4;
 
 std::string reason(int result) { return std::generic_category().message(-result); }
 
-std::uint64_t remaining(std::chrono::steady_clock::time_point deadline) {
+std::uint64_t remaining(Deadline deadline) {
   using std::chrono::microseconds;
   const auto left = std::chrono::duration_cast<microseconds>(deadline - std::chrono::steady_clock::now());
   // sd-bus takes 0 for its own, longer limit.
   return static_cast<std::uint64_t>(std::max<microseconds::rep>(left.count(), 1));
 }
 
-int call(const BusMessage& message, std::chrono::steady_clock::time_point deadline, sd_bus_message** reply = nullptr) {
+// Others' calls wait for the loop meanwhile.
+int call(const BusMessage& message, Deadline deadline, sd_bus_message** reply = nullptr) {
   if (!message) return -ENOTCONN;
   sd_bus* const bus = sd_bus_message_get_bus(message.get());
   return sd_bus_call(bus, message.get(), remaining(deadline), nullptr, reply);
@@ -55,9 +55,6 @@ const sd_bus_vtable DbusApplicationInstance::kTable[] = {
     SD_BUS_VTABLE_END,
 };
 
-DbusApplicationInstance::DbusApplicationInstance(SdBusConnection& session, std::chrono::milliseconds limit)
-    : session_(session), limit_(limit) {}
-
 Result<InstanceRole, InstanceError> DbusApplicationInstance::claim(const std::vector<std::string>& links,
                                                                    ApplicationInstanceHandlers handlers) {
   const auto unreachable = [](const std::string& why) {
@@ -69,7 +66,10 @@ Result<InstanceRole, InstanceError> DbusApplicationInstance::claim(const std::ve
   object_ = addObject(session_.get(), kPath, kInterface, kTable, this);
 
   const Deadline deadline = std::chrono::steady_clock::now() + limit_;
-  if (const int result = waitUntilReady(deadline); result < 0) return unreachable(reason(result));
+  // sd-bus would wait much longer for a bus that accepts the connection and then says nothing.
+  const auto isReady = [this] { return sd_bus_is_ready(session_.get()); };
+  const int ready = session_.turnUntil(deadline, [&] { return isReady() != 0; }) ? isReady() : -ETIMEDOUT;
+  if (ready < 0) return unreachable(reason(ready));
   int forwarded = 0;
   // Twice, because the other program may end between its name being seen and its answer.
   for (int attempt = 0; attempt < 2; ++attempt) {
@@ -87,20 +87,6 @@ Result<InstanceRole, InstanceError> DbusApplicationInstance::claim(const std::ve
   return tl::unexpected(InstanceError{fmt::format("Nimbo is running but does not answer: {}.", reason(forwarded))});
 }
 
-// sd-bus would wait much longer for a bus that accepts the connection and then says nothing.
-int DbusApplicationInstance::waitUntilReady(Deadline deadline) {
-  sd_bus* const bus = session_.get();
-  while (true) {
-    const int ready = sd_bus_is_ready(bus);
-    if (ready != 0) return ready;
-    const int processed = sd_bus_process(bus, nullptr);
-    if (processed < 0) return processed;
-    if (processed > 0) continue;
-    if (std::chrono::steady_clock::now() >= deadline) return -ETIMEDOUT;
-    if (const int waited = sd_bus_wait(bus, remaining(deadline)); waited < 0) return waited;
-  }
-}
-
 int DbusApplicationInstance::requestName(Deadline deadline) {
   constexpr std::uint32_t kDoNotQueue = 4;
   BusMessage reply;
@@ -116,7 +102,6 @@ int DbusApplicationInstance::forward(const std::vector<std::string>& links, Dead
   sd_bus* const bus = session_.get();
   if (links.empty()) return call(methodCall(bus, {kName, kPath, kInterface, "Activate"}, NoOptions()), deadline);
   std::vector<std::string> repaired;
-  repaired.reserve(links.size());
   for (const std::string& link : links) repaired.push_back(repairedUtf8(link));
   return call(methodCall(bus, {kName, kPath, kInterface, "Open"}, repaired, NoOptions()), deadline);
 }

@@ -6,29 +6,26 @@
 #include <string>
 
 #include "platform/application_instance.h"
-#include "platform/linux/bus/sd_bus_handles.h"
+#include "platform/linux/bus/sd_bus_connection.h"
 
 namespace nimbo {
-
-class SdBusConnection;
 
 /// One instance per session through a bus name; later starts reach the first as
 /// org.freedesktop.Application. Main thread only.
 class DbusApplicationInstance final : public ApplicationInstance {
  public:
   /// `session` outlives this object. `limit` is for all answers together.
-  explicit DbusApplicationInstance(SdBusConnection& session, std::chrono::milliseconds limit = std::chrono::seconds(5));
+  explicit DbusApplicationInstance(SdBusConnection& session, std::chrono::milliseconds limit = std::chrono::seconds(5))
+      : session_(session), limit_(limit) {}
 
   [[nodiscard]] Result<InstanceRole, InstanceError> claim(const std::vector<std::string>& links,
                                                           ApplicationInstanceHandlers handlers) override;
 
  private:
-  using Deadline = std::chrono::steady_clock::time_point;
   static const sd_bus_vtable kTable[];
 
   /// Negative error code, or what the bus says of the request.
   [[nodiscard]] int requestName(Deadline deadline);
-  [[nodiscard]] int waitUntilReady(Deadline deadline);
   [[nodiscard]] int forward(const std::vector<std::string>& links, Deadline deadline);
 
   int activate(sd_bus_message* call, sd_bus_error* error);

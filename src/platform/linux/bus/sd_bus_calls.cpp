@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "platform/linux/bus/sd_bus_calls.h"
 
+#include <fmt/format.h>
+
+#include <cstddef>
 #include <memory>
 #include <utility>
 
@@ -44,13 +47,22 @@ BusSlot callAsync(const BusMessage& call, BusHandler done) {
   return keeping(std::move(handler), std::move(slot));
 }
 
-BusSlot addMatch(sd_bus* bus, const char* rule, BusHandler received) {
+std::string matchRule(const BusSignal& signal) {
+  std::string rule = fmt::format("type='signal',sender='{}',path='{}',interface='{}',member='{}'", signal.sender,
+                                 signal.path, signal.interface, signal.member);
+  for (std::size_t index = 0; index < signal.arguments.size(); ++index) {
+    rule += fmt::format(",arg{}='{}'", index, signal.arguments[index]);
+  }
+  return rule;
+}
+
+BusSlot addMatch(sd_bus* bus, const std::string& rule, BusHandler received) {
   if (bus == nullptr) return {};
   auto handler = std::make_unique<BusHandler>(std::move(received));
   BusSlot slot;
   // Without an install callback a refused match would end the connection.
   const auto installed = [](sd_bus_message*, void*, sd_bus_error*) { return 0; };
-  if (sd_bus_add_match_async(bus, slot.out(), rule, onMessage, installed, handler.get()) < 0) return {};
+  if (sd_bus_add_match_async(bus, slot.out(), rule.c_str(), onMessage, installed, handler.get()) < 0) return {};
   return keeping(std::move(handler), std::move(slot));
 }
 

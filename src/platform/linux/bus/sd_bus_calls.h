@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "platform/linux/bus/bus_writer.h"
-#include "platform/linux/bus/sd_bus_handles.h"
+#include "platform/linux/bus/sd_bus_connection.h"
 
 // Small helpers over sd-bus. All take a null bus or message, and then do nothing.
 namespace nimbo {
@@ -29,6 +29,15 @@ struct BusMethod {
   const char* interface;
   const char* member;
   BusActivation activation = BusActivation::forbidden;
+};
+
+/// A broadcast, and whose. `arguments` are the texts that it has to begin with.
+struct BusSignal {
+  const char* sender;
+  const char* path;
+  const char* interface;
+  const char* member;
+  std::vector<std::string> arguments{};
 };
 
 /// A method of the bus itself.
@@ -52,9 +61,12 @@ template <class... Arguments>
 /// sent the slot is null and `done` never called.
 [[nodiscard]] BusSlot callAsync(const BusMessage& call, BusHandler done);
 
+/// How a bus is told of the signals that are wanted.
+[[nodiscard]] std::string matchRule(const BusSignal& signal);
+
 /// Calls `received` for each matching signal, until the slot is dropped. The bus holds only broadcasts to the
 /// rule's sender: where others than the user are on the bus, `received` asks `isFrom`.
-[[nodiscard]] BusSlot addMatch(sd_bus* bus, const char* rule, BusHandler received);
+[[nodiscard]] BusSlot addMatch(sd_bus* bus, const std::string& rule, BusHandler received);
 
 /// The strings of an "as" at the read position; false when there is none.
 [[nodiscard]] bool readStrings(sd_bus_message* message, std::vector<std::string>& strings);
@@ -80,26 +92,21 @@ int method(sd_bus_message* call, void* object, sd_bus_error* error) {
   return (static_cast<decltype(classOf(kMember))*>(object)->*kMember)(call, error);
 }
 
-/// A member function that returns a property's value, or writes it.
-template <auto kMember>
+/// What returns a property's value: a function when it never changes, or a member function, which may also write it.
+template <auto kValue>
 int property(sd_bus* /*bus*/, const char* /*path*/, const char* /*interface*/, const char* /*property*/,
-             sd_bus_message* reply, void* object, sd_bus_error* /*error*/) {
-  using Object = const decltype(classOf(kMember));
+             sd_bus_message* reply, [[maybe_unused]] void* object, sd_bus_error* /*error*/) {
   BusWriter writer(reply);
-  if constexpr (std::is_invocable_v<decltype(kMember), Object&, BusWriter&>) {
-    (static_cast<Object*>(object)->*kMember)(writer);
+  if constexpr (std::is_invocable_v<decltype(kValue)>) {
+    writer.add(kValue());
   } else {
-    writer.add((static_cast<Object*>(object)->*kMember)());
+    using Object = const decltype(classOf(kValue));
+    if constexpr (std::is_invocable_v<decltype(kValue), Object&, BusWriter&>) {
+      (static_cast<Object*>(object)->*kValue)(writer);
+    } else {
+      writer.add((static_cast<Object*>(object)->*kValue)());
+    }
   }
-  return writer.result();
-}
-
-/// A function that returns the value of a property that never changes.
-template <auto kFunction>
-int constant(sd_bus* /*bus*/, const char* /*path*/, const char* /*interface*/, const char* /*property*/,
-             sd_bus_message* reply, void* /*object*/, sd_bus_error* /*error*/) {
-  BusWriter writer(reply);
-  writer.add(kFunction());
   return writer.result();
 }
 

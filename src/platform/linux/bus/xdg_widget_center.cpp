@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "platform/linux/bus/xdg_widget_center.h"
 
-#include <utility>
-
 #include "platform/linux/files/atomic_file.h"
 
 namespace nimbo {
@@ -16,9 +14,6 @@ bool isFolderName(const std::string& name) {
 }
 
 }  // namespace
-
-XdgWidgetCenter::XdgWidgetCenter(sd_bus* session, std::filesystem::path dataFolder)
-    : session_(session), dataFolder_(std::move(dataFolder)) {}
 
 std::optional<std::filesystem::path> XdgWidgetCenter::container(const std::string& appGroup) const {
   return isFolderName(appGroup) ? std::optional(dataFolder_ / appGroup) : std::nullopt;

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "platform/linux/bus/sd_bus_handles.h"
+#include <utility>
+
+#include "platform/linux/bus/sd_bus_connection.h"
 #include "platform/widget_center.h"
 
 namespace nimbo {
@@ -11,7 +13,8 @@ namespace nimbo {
 class XdgWidgetCenter final : public WidgetCenter {
  public:
   /// `session` may be null: then nobody is told. `dataFolder` is $XDG_DATA_HOME.
-  XdgWidgetCenter(sd_bus* session, std::filesystem::path dataFolder);
+  XdgWidgetCenter(sd_bus* session, std::filesystem::path dataFolder)
+      : session_(session), dataFolder_(std::move(dataFolder)) {}
 
   /// None for a name that would lead elsewhere than into a folder of that name.
   [[nodiscard]] std::optional<std::filesystem::path> container(const std::string& appGroup) const override;

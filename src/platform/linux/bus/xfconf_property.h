@@ -1,32 +1,19 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <functional>
-#include <optional>
+#include <array>
 #include <string>
-#include <variant>
 
-#include "platform/linux/bus/sd_bus_handles.h"
+#include "platform/linux/bus/sd_bus_calls.h"
 
 namespace nimbo {
 
-using XfconfValue = std::variant<bool, std::string>;
+/// Keeps one property of XFCE's settings service followed.
+using XfconfProperty = std::array<BusSlot, 3>;
 
-/// One property of XFCE's settings service, followed for as long as this lives. Main thread only.
-class XfconfProperty {
- public:
-  /// `changed` gets the value when it is first known and whenever it changes; absent when it was
-  /// removed or has another type. Nothing is called while the service does not run.
-  XfconfProperty(sd_bus* session, const std::string& channel, const std::string& property,
-                 std::function<void(std::optional<XfconfValue>)> changed);
-  XfconfProperty(const XfconfProperty&) = delete;
-  XfconfProperty& operator=(const XfconfProperty&) = delete;
-
- private:
-  std::function<void(std::optional<XfconfValue>)> changed_;
-  BusSlot propertyChanged_;
-  BusSlot propertyRemoved_;
-  BusSlot query_;
-};
+/// `changed` gets a message to read the value (a "v") from when it is first known and whenever it changes,
+/// null when it was removed. Nothing is called while the service does not run.
+[[nodiscard]] XfconfProperty followXfconf(sd_bus* session, const std::string& channel, const std::string& property,
+                                          const BusHandler& changed);
 
 }  // namespace nimbo

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <map>
 #include <optional>
@@ -23,6 +24,17 @@ struct ApplicationMarks {
 
 /// Null for applications that this program has nothing to do with.
 [[nodiscard]] const ApplicationMarks* applicationMarks(std::string_view bundleIdentifier);
+
+enum class ProcessShows { windows, perhapsNothing };
+
+/// Looks at the executable behind a process, at the program that Electron runs and at the
+/// application of a Flatpak: things that neither a web page nor a window's title can imitate.
+/// `root` is that of procfs.
+[[nodiscard]] bool isProcessOf(const ApplicationMarks& application, const std::string& root, std::int64_t pid,
+                               ProcessShows shows);
+
+/// Whether any process that may be looked at is the application.
+[[nodiscard]] bool isRunning(const ApplicationMarks& application, const std::string& root);
 
 /// An application that the system can start, as its desktop entry has it.
 struct InstalledApplication {

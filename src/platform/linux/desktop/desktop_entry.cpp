@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "base/text.h"
-#include "platform/linux/desktop/detached_programs.h"
+#include "platform/linux/desktop/desktop_programs.h"
 #include "platform/linux/files/regular_file.h"
 
 namespace nimbo {
@@ -33,7 +33,7 @@ struct Word {
 
 // No rule knows single quotes, but many files have them. Of the codes that start with "%" only "%%"
 // stands for anything when nothing is to be opened.
-std::optional<Word> takeWord(std::string_view& rest) {
+std::optional<Word> takeCommandWord(std::string_view& rest) {
   Word word;
   char quote = '\0';
   std::size_t index = 0;
@@ -60,7 +60,7 @@ std::optional<Word> takeWord(std::string_view& rest) {
 std::optional<std::vector<std::string>> wordsOf(std::string_view command) {
   std::vector<std::string> words;
   for (command = trimmed(command); !command.empty(); command = trimmed(command)) {
-    auto word = takeWord(command);
+    auto word = takeCommandWord(command);
     if (!word) return std::nullopt;
     if (word->isQuoted || !word->text.empty()) words.push_back(std::move(word->text));
   }

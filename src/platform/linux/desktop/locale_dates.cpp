@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <string_view>
+#include <system_error>
 
 namespace nimbo {
 namespace {
@@ -39,17 +40,17 @@ const wchar_t* monthPattern(locale_t locale) {
   return date.starts_with("%Y") ? L"%Y %b %-d" : L"%-d %b %Y";
 }
 
-void appendUtf8(std::string& text, char32_t character) {
-  const auto append = [&](char32_t byte) { text += static_cast<char>(static_cast<unsigned char>(byte)); };
-  if (character < 0x80) return append(character);
-  if (character < 0x800) {
-    append(0xC0 | (character >> 6));
-  } else {
-    append(character < 0x10000 ? 0xE0 | (character >> 12) : 0xF0 | (character >> 18));
-    if (character >= 0x10000) append(0x80 | ((character >> 12) & 0x3F));
-    append(0x80 | ((character >> 6) & 0x3F));
-  }
-  append(0x80 | (character & 0x3F));
+constexpr const char* kUtc = "UTC";
+
+// The link is followed by name only: what "Europe/Berlin" itself may link to is the database's affair,
+// and a name tells one zone from another where the path of the link would not.
+std::string linkedZone(const std::filesystem::path& localtime) {
+  constexpr std::string_view kDatabase = "/zoneinfo/";
+  std::error_code error;
+  const std::string target = std::filesystem::read_symlink(localtime, error).string();
+  const auto start = target.find(kDatabase);
+  if (!error && start != std::string::npos) return target.substr(start + kDatabase.size());
+  return std::filesystem::exists(localtime, error) ? localtime.string() : kUtc;
 }
 
 }  // namespace
@@ -60,18 +61,6 @@ LocaleDates::LocaleDates(const std::string& locale)
       timePattern_(hasTwelveHours(locale_.get()) ? L"%-I:%M %p" : L"%H:%M"),
       monthPattern_(monthPattern(locale_.get())) {}
 
-std::string LocaleDates::shortDateAndTime(std::chrono::system_clock::time_point time) const {
-  return format(time, L"%x, " + timePattern_);
-}
-
-std::string LocaleDates::shortTime(std::chrono::system_clock::time_point time) const {
-  return format(time, timePattern_);
-}
-
-std::string LocaleDates::abbreviatedDateAndShortTime(std::chrono::system_clock::time_point time) const {
-  return format(time, monthPattern_ + L", " + timePattern_);
-}
-
 std::string LocaleDates::format(std::chrono::system_clock::time_point time, const std::wstring& pattern) const {
   const std::time_t seconds = std::chrono::floor<std::chrono::seconds>(time).time_since_epoch().count();
   std::tm fields{};
@@ -81,11 +70,15 @@ std::string LocaleDates::format(std::chrono::system_clock::time_point time, cons
   // Wide characters are Unicode whatever the character set of the locale.
   std::array<wchar_t, 256> wide{};
   const std::size_t size = ::wcsftime_l(wide.data(), wide.size(), pattern.c_str(), &fields, locale_.get());
-  std::string text;
-  for (const wchar_t character : std::wstring_view(wide.data(), size)) {
-    appendUtf8(text, static_cast<char32_t>(character));
-  }
-  return text;
+  // What the library makes UTF-8 of in every locale is a path.
+  return std::filesystem::path(std::u32string(wide.data(), wide.data() + size)).string();
+}
+
+// As the C library reads them: a colon before the name does not matter, and an empty name is UTC.
+std::string localTimeZoneName(const std::optional<std::string>& tz, const std::filesystem::path& localtime) {
+  if (!tz) return linkedZone(localtime);
+  const std::string name = tz->starts_with(':') ? tz->substr(1) : *tz;
+  return name.empty() ? kUtc : name;
 }
 
 }  // namespace nimbo

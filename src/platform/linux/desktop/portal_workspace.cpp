@@ -7,8 +7,8 @@
 
 #include "base/text.h"
 #include "platform/linux/bus/sd_bus_calls.h"
-#include "platform/linux/desktop/current_desktop.h"
 #include "platform/linux/desktop/desktop_application.h"
+#include "platform/linux/desktop/desktop_programs.h"
 
 namespace nimbo {
 namespace {
@@ -40,15 +40,15 @@ std::string objectPath(const std::string& busName) {
 
 PortalWorkspace::PortalWorkspace(MainLoop& loop, sd_bus* session, Setup setup)
     : session_(session), setup_(std::move(setup)), themeName_(setup_.gtkTheme), programs_(loop) {
-  const std::string rule = std::string("type='signal',sender='") + kPortal + "',path='" + kPath + "',interface='" +
-                           kInterface + "',member='SettingChanged',arg0='" + kNamespace + "',arg1='" + kKey + "'";
-  settingChanged_ = addMatch(session, rule.c_str(), [this](sd_bus_message* signal) {
+  const BusSignal settingChanged{kPortal, kPath, kInterface, "SettingChanged", {kNamespace, kKey}};
+  settingChanged_ = addMatch(session, matchRule(settingChanged), [this](sd_bus_message* signal) {
     if (sd_bus_message_skip(signal, "ss") >= 0) setColorScheme(signal);
   });
   if (desktopIs(setup_.desktop, "XFCE")) {
-    xfceTheme_.emplace(session, "xsettings", "/Net/ThemeName", [this](std::optional<XfconfValue> value) {
-      const auto* name = value ? std::get_if<std::string>(&*value) : nullptr;
-      themeName_ = name ? *name : setup_.gtkTheme;
+    xfceTheme_ = followXfconf(session, "xsettings", "/Net/ThemeName", [this](sd_bus_message* value) {
+      const char* name = nullptr;
+      const bool isSet = value != nullptr && sd_bus_message_read(value, "v", "s", &name) > 0;
+      themeName_ = isSet ? name : setup_.gtkTheme;
       update();
     });
   }
@@ -95,10 +95,6 @@ void PortalWorkspace::update() {
   observers_.notify(now);
 }
 
-Subscription PortalWorkspace::observeAppearance(std::function<void(Appearance)> changed) {
-  return observers_.add(std::move(changed));
-}
-
 std::optional<std::string> PortalWorkspace::systemMonitor() const {
   for (const std::string_view program : systemMonitorPrograms(setup_.desktop)) {
     if (auto path = findProgram(std::string(program), setup_.searchPath)) return path;
@@ -106,11 +102,9 @@ std::optional<std::string> PortalWorkspace::systemMonitor() const {
   return std::nullopt;
 }
 
-bool PortalWorkspace::hasSystemMonitor() const { return systemMonitor().has_value(); }
-
 bool PortalWorkspace::openSystemMonitor() {
   const auto path = systemMonitor();
-  return path && programs_.start(*path);
+  return path && programs_.start({*path});
 }
 
 // The portal knows the user's choice also from inside a container; without one, xdg-open does.
@@ -121,7 +115,7 @@ void PortalWorkspace::openLink(const std::string& url) {
 
 bool PortalWorkspace::openByProgram(const std::string& url) {
   const auto path = findProgram("xdg-open", setup_.searchPath);
-  return path && programs_.start(*path, {url});
+  return path && programs_.start({*path, url});
 }
 
 // `otherwise` is done at once when the call cannot be made, and later when it fails.
@@ -137,18 +131,14 @@ bool PortalWorkspace::openApplication(const std::string& bundleIdentifier) {
   if (marks == nullptr) return false;
   const auto application = findInstalledApplication(marks->desktopIds, setup_.applicationFolders, setup_.searchPath);
   if (!application) return false;
-  if (!application->isActivatable) return start(application->command);
+  if (!application->isActivatable) return programs_.start(application->command);
 
   const std::string& name = application->desktopId;
   const std::string path = objectPath(name);
   const BusMethod activate{name.c_str(), path.c_str(), "org.freedesktop.Application", "Activate",
                            BusActivation::allowed};
   return callOr(application_, methodCall(session_, activate, NoOptions()),
-                [this, command = application->command] { return start(command); });
-}
-
-bool PortalWorkspace::start(const std::vector<std::string>& command) {
-  return !command.empty() && programs_.start(command.front(), {command.begin() + 1, command.end()});
+                [this, command = application->command] { return programs_.start(command); });
 }
 
 // The portal's OpenURI would take a folder's URI and then quietly refuse it.

@@ -9,7 +9,7 @@
 #include "base/observer_list.h"
 #include "platform/linux/bus/bus_name_watch.h"
 #include "platform/linux/bus/xfconf_property.h"
-#include "platform/linux/desktop/detached_programs.h"
+#include "platform/linux/desktop/desktop_programs.h"
 #include "platform/workspace.h"
 
 namespace nimbo {
@@ -28,8 +28,10 @@ class PortalWorkspace final : public Workspace {
   PortalWorkspace(MainLoop& loop, sd_bus* session, Setup setup);
 
   [[nodiscard]] Appearance appearance() const override { return appearance_; }
-  [[nodiscard]] Subscription observeAppearance(std::function<void(Appearance)> changed) override;
-  [[nodiscard]] bool hasSystemMonitor() const override;
+  [[nodiscard]] Subscription observeAppearance(std::function<void(Appearance)> changed) override {
+    return observers_.add(std::move(changed));
+  }
+  [[nodiscard]] bool hasSystemMonitor() const override { return systemMonitor().has_value(); }
   [[nodiscard]] bool openSystemMonitor() override;
   void openLink(const std::string& url) override;
   bool openApplication(const std::string& bundleIdentifier) override;
@@ -42,7 +44,6 @@ class PortalWorkspace final : public Workspace {
   [[nodiscard]] std::optional<std::string> systemMonitor() const;
   [[nodiscard]] bool callOr(BusSlot& pending, const BusMessage& call, const std::function<bool()>& otherwise);
   [[nodiscard]] bool openByProgram(const std::string& url);
-  [[nodiscard]] bool start(const std::vector<std::string>& command);
 
   sd_bus* const session_;
   const Setup setup_;
@@ -56,7 +57,7 @@ class PortalWorkspace final : public Workspace {
   BusSlot application_;
   BusSlot file_;
   std::optional<BusNameWatch> portalOwner_;
-  std::optional<XfconfProperty> xfceTheme_;
+  XfconfProperty xfceTheme_;
   DetachedPrograms programs_;
 };
 

@@ -10,8 +10,8 @@
 #include <system_error>
 #include <utility>
 
-#include "platform/linux/desktop/current_desktop.h"
 #include "platform/linux/desktop/desktop_entry.h"
+#include "platform/linux/desktop/desktop_programs.h"
 #include "platform/linux/files/atomic_file.h"
 #include "platform/linux/files/last_error.h"
 #include "platform/linux/files/regular_file.h"

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "platform/linux/bus/sd_bus_calls.h"
-#include "platform/linux/desktop/current_desktop.h"
+#include "platform/linux/desktop/desktop_programs.h"
 
 namespace nimbo {
 namespace {
@@ -12,9 +12,6 @@ namespace {
 constexpr std::chrono::milliseconds kX11Leeway{100};
 
 }  // namespace
-
-DesktopDisplayPower::DesktopDisplayPower(MainLoop& loop, sd_bus* session, std::string desktop, Makers makers)
-    : loop_(loop), session_(session), desktop_(std::move(desktop)), make_(std::move(makers)) {}
 
 Result<Subscription, DisplayPowerError> DesktopDisplayPower::sleepNow(std::function<void()> failed) {
   if (!x11Screen_ && make_.x11) x11Screen_ = make_.x11();

@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <systemd/sd-bus.h>
-
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "platform/display_power.h"
-#include "platform/linux/bus/sd_bus_handles.h"
+#include "platform/linux/bus/sd_bus_connection.h"
 #include "platform/linux/display/display_modules.h"
 #include "platform/main_loop.h"
 
@@ -24,7 +23,8 @@ class DesktopDisplayPower final : public DisplayPower {
   };
 
   /// `session` may be null; `loop` outlives the object. `desktop` is the value of XDG_CURRENT_DESKTOP.
-  DesktopDisplayPower(MainLoop& loop, sd_bus* session, std::string desktop, Makers makers);
+  DesktopDisplayPower(MainLoop& loop, sd_bus* session, std::string desktop, Makers makers)
+      : loop_(loop), session_(session), desktop_(std::move(desktop)), make_(std::move(makers)) {}
 
   [[nodiscard]] Result<Subscription, DisplayPowerError> sleepNow(std::function<void()> failed) override;
 

@@ -6,9 +6,9 @@
 #include <memory>
 #include <string>
 
+#include "platform/bundle.h"
 #include "platform/display_power.h"
 #include "platform/main_loop.h"
-#include "platform/module_loader.h"
 
 namespace nimbo {
 

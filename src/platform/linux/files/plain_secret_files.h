@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/linux/files/regular_file.h"
-#include "platform/secret_files.h"
+#include "platform/user_files.h"
 
 namespace nimbo {
 

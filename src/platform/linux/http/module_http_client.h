@@ -5,10 +5,10 @@
 #include <memory>
 #include <thread>
 
+#include "platform/bundle.h"
 #include "platform/http_client.h"
 #include "platform/linux/http/http_transfer.h"
 #include "platform/main_loop.h"
-#include "platform/module_loader.h"
 
 namespace nimbo {
 

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "platform/module_loader.h"
+#include "platform/bundle.h"
 
 namespace nimbo {
 

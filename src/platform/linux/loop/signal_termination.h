@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "platform/linux/loop/sd_event_main_loop.h"
-#include "platform/termination.h"
+#include "platform/system_events.h"
 
 namespace nimbo {
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <thread>
 
-#include "platform/work_queue.h"
+#include "platform/main_loop.h"
 
 namespace nimbo {
 

@@ -6,18 +6,8 @@
 
 #include "base/text.h"
 #include "platform/linux/machine/proc_file.h"
-#include "platform/plausible_temperature.h"
 
 namespace nimbo {
-namespace {
-
-/// Empty when the attribute cannot be read.
-std::string firstLineOf(const std::string& attribute) {
-  const auto text = readAttribute(attribute).value_or("");
-  return text.substr(0, text.find('\n'));
-}
-
-}  // namespace
 
 bool isCpuSensor(std::string_view name) {
   constexpr std::array<std::string_view, 7> kNames = {"coretemp",    "k10temp",      "k8temp",     "zenpower",
@@ -41,14 +31,14 @@ HwmonTemperatureSensor::HwmonTemperatureSensor(const std::string& sysRoot) {
   const std::string chips = sysRoot + "/class/hwmon/";
   visitFolder(chips, [&](std::string_view name) {
     const std::string chip = chips + std::string(name);
-    if (isCpuSensor(firstLineOf(chip + "/name"))) {
+    if (isCpuSensor(readAttributeLine(chip + "/name"))) {
       for (Input& input : chipInputs(chip)) chips_.push_back(std::move(input));
     }
   });
   const std::string zones = sysRoot + "/class/thermal/";
   visitFolder(zones, [&](std::string_view name) {
     const std::string zone = zones + std::string(name);
-    if (name.starts_with("thermal_zone") && isCpuSensor(firstLineOf(zone + "/type"))) {
+    if (name.starts_with("thermal_zone") && isCpuSensor(readAttributeLine(zone + "/type"))) {
       zones_.push_back({zone + "/temp", ""});
     }
   });
@@ -67,7 +57,7 @@ std::vector<HwmonTemperatureSensor::Input> HwmonTemperatureSensor::chipInputs(co
   visitFolder(chip, [&](std::string_view name) {
     if (!name.starts_with("temp") || !name.ends_with(kSuffix)) return;
     const std::string base = chip + '/' + std::string(name.substr(0, name.size() - kSuffix.size()));
-    const std::string label = firstLineOf(base + "_label");
+    const std::string label = readAttributeLine(base + "_label");
     Input input{base + "_input", base + "_fault"};
     hasDie = hasDie || label == "Tdie";
     if (label == "Tctl") {
@@ -85,7 +75,7 @@ std::vector<HwmonTemperatureSensor::Input> HwmonTemperatureSensor::chipInputs(co
 std::optional<double> HwmonTemperatureSensor::hottest(const std::vector<Input>& inputs) {
   HottestTemperature hottest;
   for (const Input& input : inputs) {
-    const bool faulty = !input.fault.empty() && firstLineOf(input.fault) == "1";
+    const bool faulty = !input.fault.empty() && readAttributeLine(input.fault) == "1";
     const auto text = faulty ? std::nullopt : readAttribute(input.value);
     if (text) hottest.add(parseMillidegrees(*text));
   }

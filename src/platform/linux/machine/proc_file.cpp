@@ -41,6 +41,11 @@ std::optional<std::string> readAttribute(const std::string& path) {
   return text ? std::optional<std::string>(*text) : std::nullopt;
 }
 
+std::string readAttributeLine(const std::string& path) {
+  const std::string text = readAttribute(path).value_or("");
+  return text.substr(0, text.find('\n'));
+}
+
 void visitFolder(const std::string& path, const std::function<void(std::string_view name)>& visit) {
   struct Closer {
     void operator()(DIR* folder) const { ::closedir(folder); }

@@ -30,6 +30,9 @@ class ProcFile {
 /// The text of a file of at most a page, as sysfs attributes are; absent when it cannot be read.
 [[nodiscard]] std::optional<std::string> readAttribute(const std::string& path);
 
+/// Its first line, without the newline; empty when it cannot be read.
+[[nodiscard]] std::string readAttributeLine(const std::string& path);
+
 /// Calls `visit` with each name in a folder, "." and ".." included; not at all when it cannot be
 /// listed.
 void visitFolder(const std::string& path, const std::function<void(std::string_view name)>& visit);

@@ -7,6 +7,8 @@
 #include <sys/syscall.h>
 #include <sys/wait.h>
 
+#include <functional>
+
 #include "platform/linux/files/last_error.h"
 
 namespace nimbo {
@@ -21,83 +23,67 @@ std::vector<char*> pointers(std::vector<std::string>& texts) {
   return result;
 }
 
-/// What happens to a child before its program begins: first it gets a session and clean signals, then
-/// come the steps that were added, and last all other descriptors are closed.
-class SessionStart {
- public:
-  SessionStart() {
-    sigset_t none;
-    sigset_t all;
-    ::sigemptyset(&none);
-    ::sigfillset(&all);
-    ::posix_spawnattr_init(&attributes_);
-    ::posix_spawnattr_setsigmask(&attributes_, &none);
-    ::posix_spawnattr_setsigdefault(&attributes_, &all);
-    ::posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
-    ::posix_spawn_file_actions_init(&steps_);
-  }
-  ~SessionStart() {
-    ::posix_spawn_file_actions_destroy(&steps_);
-    ::posix_spawnattr_destroy(&attributes_);
-  }
-  SessionStart(const SessionStart&) = delete;
-  SessionStart& operator=(const SessionStart&) = delete;
+/// `prepare` adds what is done in the child before its program begins: after it has got a session and clean signals,
+/// and before all other descriptors are closed. Its result is 0 or an error number.
+Result<SessionLeader, std::error_code> spawn(const std::string& executable, const std::vector<std::string>& arguments,
+                                             char* const* environment,
+                                             const std::function<int(posix_spawn_file_actions_t* steps)>& prepare) {
+  std::vector<std::string> words{executable};
+  words.insert(words.end(), arguments.begin(), arguments.end());
+  const std::vector<char*> wordPointers = pointers(words);
 
-  void openInput(const char* path, int flags) {
-    note(::posix_spawn_file_actions_addopen(&steps_, STDIN_FILENO, path, flags, 0));
-  }
-  void copyInputTo(int output) { note(::posix_spawn_file_actions_adddup2(&steps_, STDIN_FILENO, output)); }
-  void enter(const std::string& folder) { note(::posix_spawn_file_actions_addchdir_np(&steps_, folder.c_str())); }
+  sigset_t none;
+  sigset_t all;
+  ::sigemptyset(&none);
+  ::sigfillset(&all);
+  posix_spawnattr_t attributes;
+  ::posix_spawnattr_init(&attributes);
+  ::posix_spawnattr_setsigmask(&attributes, &none);
+  ::posix_spawnattr_setsigdefault(&attributes, &all);
+  ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+  posix_spawn_file_actions_t steps;
+  ::posix_spawn_file_actions_init(&steps);
 
-  [[nodiscard]] Result<SessionLeader, std::error_code> spawn(const std::string& executable,
-                                                             const std::vector<std::string>& arguments,
-                                                             char* const* environment) {
-    std::vector<std::string> words{executable};
-    words.insert(words.end(), arguments.begin(), arguments.end());
-    SessionLeader leader;
-    note(::posix_spawn_file_actions_addclosefrom_np(&steps_, STDERR_FILENO + 1));
-    if (error_ == 0) {
-      note(::posix_spawn(&leader.pid, executable.c_str(), &steps_, &attributes_, pointers(words).data(), environment));
-    }
-    if (error_ != 0) return tl::unexpected(std::error_code(error_, std::generic_category()));
-    leader.descriptor = processDescriptor(leader.pid);
-    if (leader.descriptor) return leader;
-    const std::error_code reason = lastError();
-    if (reason != std::errc::no_such_process) {  // else the number is nobody's or a stranger's
-      ::kill(leader.pid, SIGKILL);
-      ::waitpid(leader.pid, nullptr, 0);
-    }
-    return tl::unexpected(reason);
+  SessionLeader leader;
+  int error = prepare(&steps);
+  if (error == 0) error = ::posix_spawn_file_actions_addclosefrom_np(&steps, STDERR_FILENO + 1);
+  if (error == 0) {
+    error = ::posix_spawn(&leader.pid, executable.c_str(), &steps, &attributes, wordPointers.data(), environment);
   }
+  ::posix_spawn_file_actions_destroy(&steps);
+  ::posix_spawnattr_destroy(&attributes);
+  if (error != 0) return tl::unexpected(std::error_code(error, std::generic_category()));
 
- private:
-  void note(int error) {
-    if (error_ == 0) error_ = error;
+  leader.descriptor = processDescriptor(leader.pid);
+  if (leader.descriptor) return leader;
+  const std::error_code reason = lastError();
+  if (reason != std::errc::no_such_process) {  // else the number is nobody's or a stranger's
+    ::kill(leader.pid, SIGKILL);
+    ::waitpid(leader.pid, nullptr, 0);
   }
-
-  posix_spawnattr_t attributes_{};
-  posix_spawn_file_actions_t steps_{};
-  int error_ = 0;  // the first one
-};
+  return tl::unexpected(reason);
+}
 
 }  // namespace
 
 Result<SessionLeader, std::error_code> spawnOnTerminal(const ChildProgram& program, const std::string& terminal) {
-  SessionStart start;
-  // A terminal that a session leader opens becomes its controlling one.
-  start.openInput(terminal.c_str(), O_RDWR);
-  start.copyInputTo(STDOUT_FILENO);
-  start.copyInputTo(STDERR_FILENO);
-  start.enter(program.folder);
   std::vector<std::string> variables = program.environment;
-  return start.spawn(program.executable, program.arguments, pointers(variables).data());
+  const auto onTerminal = [&](posix_spawn_file_actions_t* steps) {
+    // A terminal that a session leader opens becomes its controlling one.
+    int error = ::posix_spawn_file_actions_addopen(steps, STDIN_FILENO, terminal.c_str(), O_RDWR, 0);
+    for (const int output : {STDOUT_FILENO, STDERR_FILENO}) {
+      if (error == 0) error = ::posix_spawn_file_actions_adddup2(steps, STDIN_FILENO, output);
+    }
+    return error != 0 ? error : ::posix_spawn_file_actions_addchdir_np(steps, program.folder.c_str());
+  };
+  return spawn(program.executable, program.arguments, pointers(variables).data(), onTerminal);
 }
 
 Result<SessionLeader, std::error_code> spawnWithoutInput(const std::string& executable,
                                                          const std::vector<std::string>& arguments) {
-  SessionStart start;
-  start.openInput("/dev/null", O_RDONLY);
-  return start.spawn(executable, arguments, ::environ);
+  return spawn(executable, arguments, ::environ, [](posix_spawn_file_actions_t* steps) {
+    return ::posix_spawn_file_actions_addopen(steps, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+  });
 }
 
 // glibc 2.36 declares its wrapper without C linkage.

@@ -17,11 +17,8 @@ using std::chrono::steady_clock;
 constexpr const char* kSessionManager = "org.gnome.SessionManager";
 constexpr const char* kPlasma = "org.kde.Solid.PowerManagement.PolicyAgent";
 
-constexpr CookieService sessionManager(std::uint32_t flags) {
-  return {kSessionManager, "/org/gnome/SessionManager", "org.gnome.SessionManager", "Uninhibit", flags};
-}
-constexpr CookieService kNoSuspend = sessionManager(4);
-constexpr CookieService kNoIdle = sessionManager(8);
+constexpr CookieService kNoSuspend = {kSessionManager, "/org/gnome/SessionManager", kSessionManager, "Uninhibit", 4};
+constexpr CookieService kNoIdle = {kSessionManager, "/org/gnome/SessionManager", kSessionManager, "Uninhibit", 8};
 constexpr CookieService kPowerManagement = {"org.freedesktop.PowerManagement",
                                             "/org/freedesktop/PowerManagement/Inhibit",
                                             "org.freedesktop.PowerManagement.Inhibit", "UnInhibit"};
@@ -72,15 +69,11 @@ class Attempt {
 
  private:
   void findServices(Deadline deadline) {
-    const BoundedBus bus(means_.sessionAddress);
-    const BusMessage call = methodCall(bus.get(), methodOfTheBus("ListNames"));
-    bool answered = false;
-    const BusSlot pending = callAsync(call, [&](sd_bus_message* reply) {
-      answered = true;
-      if (!isError(reply) && !readStrings(reply, services_)) services_.clear();
-    });
-    sessionHangs_ = pending && !bus.turnUntil(deadline, [&answered] { return answered; });
+    const SdBusConnection bus(nullptr, means_.sessionAddress);
+    const BusMessage reply = bus.ask(methodCall(bus.get(), methodOfTheBus("ListNames")), deadline);
+    sessionHangs_ = bus.get() != nullptr && !reply;
     if (sessionHangs_) error = {ETIMEDOUT};
+    if (reply && !isError(reply.get()) && !readStrings(reply.get(), services_)) services_.clear();
   }
   [[nodiscard]] bool has(std::string_view service) const {
     return std::find(services_.begin(), services_.end(), service) != services_.end();

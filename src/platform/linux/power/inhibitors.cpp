@@ -41,7 +41,7 @@ std::int32_t errorCode(sd_bus_message* reply) {
 class Cookie {
  public:
   Cookie(InhibitorLoops loops, const std::string& address, const CookieService& service, std::string reason)
-      : loops_(loops), service_(service), reason_(std::move(reason)), bus_(address) {
+      : loops_(loops), service_(service), reason_(std::move(reason)), bus_(nullptr, address) {
     ownerWatch_.emplace(bus_.get(), service_.name, [this](const std::string& owner) { ownerChanged(owner); });
   }
   ~Cookie() { giveBack(); }
@@ -54,7 +54,7 @@ class Cookie {
     if (!bus_.turnUntil(deadline, [this] { return cookie_ || failure_ != 0; })) return ETIMEDOUT;
     if (!cookie_) return failure_;
     kept_ = true;
-    bus_.attach(loops_.event);
+    sd_bus_attach_event(bus_.get(), loops_.event, SD_EVENT_PRIORITY_NORMAL);
     return 0;
   }
 
@@ -109,7 +109,7 @@ class Cookie {
   const InhibitorLoops loops_;
   const CookieService service_;
   const std::string reason_;
-  BoundedBus bus_;
+  const SdBusConnection bus_;
   std::string owner_;  // of the service's name
   std::optional<std::uint32_t> cookie_;
   std::int32_t failure_ = 0;  // the last one
@@ -118,16 +118,6 @@ class Cookie {
   BusSlot call_;
   std::optional<BusNameWatch> ownerWatch_;
 };
-
-// The message closes its own descriptor.
-Inhibitor lockFrom(sd_bus_message* reply) {
-  if (isError(reply)) return failure(errorCode(reply));
-  int descriptor = -1;
-  if (sd_bus_message_read(reply, "h", &descriptor) <= 0) return failure(EBADMSG);
-  auto lock = std::make_shared<UniqueFd>(::fcntl(descriptor, F_DUPFD_CLOEXEC, 3));
-  if (!*lock) return failure(errno);
-  return Subscription([lock = std::move(lock)]() mutable { lock.reset(); });
-}
 
 }  // namespace
 
@@ -140,15 +130,19 @@ Inhibitor takeCookie(InhibitorLoops loops, const std::string& sessionAddress, co
 
 Inhibitor takeLogindLock(const std::string& systemAddress, const char* what, const std::string& reason,
                          Deadline deadline) {
-  const BoundedBus bus(systemAddress);
+  const SdBusConnection bus(nullptr, systemAddress);
   constexpr BusMethod kInhibit{"org.freedesktop.login1", "/org/freedesktop/login1", "org.freedesktop.login1.Manager",
                                "Inhibit"};
-  const BusMessage call = methodCall(bus.get(), kInhibit, what, kApplication, reason, "block");
+  BusMessage call = methodCall(bus.get(), kInhibit, what, kApplication, reason, "block");
   if (!call) return failure(ENOTSUP);
-  std::optional<Inhibitor> lock;
-  const BusSlot pending = callAsync(call, [&lock](sd_bus_message* reply) { lock = lockFrom(reply); });
-  if (!bus.turnUntil(deadline, [&lock] { return lock.has_value(); })) return failure(ETIMEDOUT);
-  return std::move(*lock);
+  const BusMessage reply = bus.ask(std::move(call), deadline);
+  if (!reply) return failure(ETIMEDOUT);
+  if (isError(reply.get())) return failure(errorCode(reply.get()));
+  int descriptor = -1;  // which belongs to the reply
+  if (sd_bus_message_read(reply.get(), "h", &descriptor) <= 0) return failure(EBADMSG);
+  auto lock = std::make_shared<UniqueFd>(::fcntl(descriptor, F_DUPFD_CLOEXEC, 3));
+  if (!*lock) return failure(errno);
+  return Subscription([lock = std::move(lock)]() mutable { lock.reset(); });
 }
 
 }  // namespace nimbo

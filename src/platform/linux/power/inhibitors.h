@@ -9,7 +9,7 @@
 #include "base/result.h"
 #include "base/subscription.h"
 #include "platform/assertion_client.h"
-#include "platform/linux/bus/bounded_bus.h"
+#include "platform/linux/bus/sd_bus_connection.h"
 #include "platform/main_loop.h"
 
 namespace nimbo {

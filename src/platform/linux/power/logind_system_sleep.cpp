@@ -16,8 +16,6 @@ constexpr const char* kManager = "org.freedesktop.login1.Manager";
 
 }  // namespace
 
-LogindSystemSleep::LogindSystemSleep(sd_bus* system) : system_(system) {}
-
 Subscription LogindSystemSleep::observe(std::function<void()> willSleep, std::function<void()> didWake) {
   if (system_ != nullptr && !logind_) start();
   return observers_.add([willSleep = std::move(willSleep), didWake = std::move(didWake)](Notice notice) {
@@ -26,13 +24,11 @@ Subscription LogindSystemSleep::observe(std::function<void()> willSleep, std::fu
 }
 
 void LogindSystemSleep::start() {
-  constexpr const char* kRule =
-      "type='signal',sender='org.freedesktop.login1',path='/org/freedesktop/login1',"
-      "interface='org.freedesktop.login1.Manager',member='PrepareForSleep'";
-  prepareForSleep_ = addMatch(system_, kRule, [this](sd_bus_message* signal) {
-    int sleeping = 0;
-    if (isFrom(signal, owner_) && sd_bus_message_read(signal, "b", &sleeping) > 0) prepareForSleep(sleeping != 0);
-  });
+  prepareForSleep_ =
+      addMatch(system_, matchRule({kLogind, kPath, kManager, "PrepareForSleep"}), [this](sd_bus_message* signal) {
+        int sleeping = 0;
+        if (isFrom(signal, owner_) && sd_bus_message_read(signal, "b", &sleeping) > 0) prepareForSleep(sleeping != 0);
+      });
   // A logind that starts anew may have lost the lock, and it is not in the middle of a sleep.
   logind_.emplace(system_, kLogind, [this](const std::string& owner) {
     owner_ = owner;

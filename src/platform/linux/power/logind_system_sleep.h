@@ -7,7 +7,7 @@
 #include "base/observer_list.h"
 #include "platform/linux/bus/bus_name_watch.h"
 #include "platform/linux/files/unique_fd.h"
-#include "platform/system_sleep.h"
+#include "platform/system_events.h"
 
 namespace nimbo {
 
@@ -16,7 +16,7 @@ namespace nimbo {
 class LogindSystemSleep final : public SystemSleep {
  public:
   /// `system` may be null: then nothing is ever announced.
-  explicit LogindSystemSleep(sd_bus* system);
+  explicit LogindSystemSleep(sd_bus* system) : system_(system) {}
 
   [[nodiscard]] Subscription observe(std::function<void()> willSleep, std::function<void()> didWake) override;
 

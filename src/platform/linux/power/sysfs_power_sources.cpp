@@ -30,50 +30,37 @@ std::optional<std::vector<std::filesystem::path>> entriesOf(const std::string& f
   return entries;
 }
 
-/// The attributes of one supply.
-class Attributes {
- public:
-  explicit Attributes(std::string folder) : folder_(std::move(folder) + '/') {}
-
-  [[nodiscard]] std::string text(const std::string& name) const {
-    const auto whole = readAttribute(folder_ + name);
-    return whole ? whole->substr(0, whole->find('\n')) : std::string();
-  }
-
-  [[nodiscard]] std::optional<std::int64_t> number(const std::string& name) const {
-    constexpr std::uint64_t kLargest = std::numeric_limits<std::int64_t>::max();
-    const auto number = parseNumber(text(name));
-    return number && *number <= kLargest ? std::optional(static_cast<std::int64_t>(*number)) : std::nullopt;
-  }
-
- private:
-  std::string folder_;
-};
+std::optional<std::int64_t> readNumberOf(const std::string& attribute) {
+  constexpr std::uint64_t kLargest = std::numeric_limits<std::int64_t>::max();
+  const auto number = parseNumber(readAttributeLine(attribute));
+  return number && *number <= kLargest ? std::optional(static_cast<std::int64_t>(*number)) : std::nullopt;
+}
 
 /// What the desktop shows as the charge, else what stands behind it.
-std::optional<PowerSupply::Charge> readCharge(const Attributes& attributes) {
+std::optional<PowerSupply::Charge> readCharge(const std::string& folder) {
   constexpr std::int64_t kWhole = 100;
-  if (const auto percent = attributes.number("capacity"); percent && *percent <= kWhole) return {{*percent, kWhole}};
+  if (const auto percent = readNumberOf(folder + "/capacity"); percent && *percent <= kWhole)
+    return {{*percent, kWhole}};
   for (const std::string unit : {"energy", "charge"}) {
-    const auto full = attributes.number(unit + "_full");
-    const auto now = full ? attributes.number(unit + "_now") : std::nullopt;
+    const auto full = readNumberOf(folder + "/" + unit + "_full");
+    const auto now = full ? readNumberOf(folder + "/" + unit + "_now") : std::nullopt;
     if (now && *full > 0) return {{*now, *full}};
   }
   return std::nullopt;
 }
 
 /// No more than what this supply is to be judged by: some attributes ask the hardware.
-PowerSupply readSupply(const Attributes& attributes) {
+PowerSupply readSupply(const std::string& folder) {
   PowerSupply supply;
-  supply.type = attributes.text("type");
-  supply.scope = attributes.text("scope");
+  supply.type = readAttributeLine(folder + "/type");
+  supply.scope = readAttributeLine(folder + "/scope");
   if (supply.scope == "Device") return supply;
-  if (supply.type == "Battery") supply.present = attributes.number("present");
+  if (supply.type == "Battery") supply.present = readNumberOf(folder + "/present");
   if (isInternalBattery(supply) || supply.type == "UPS") {
-    supply.status = attributes.text("status");
-    supply.charge = readCharge(attributes);
+    supply.status = readAttributeLine(folder + "/status");
+    supply.charge = readCharge(folder);
   } else {
-    supply.online = attributes.number("online");
+    supply.online = readNumberOf(folder + "/online");
   }
   return supply;
 }
@@ -98,7 +85,7 @@ std::optional<std::vector<PowerSourceDescription>> SysfsPowerSources::list() con
   const auto entries = entriesOf(folder_);
   if (!entries) return std::nullopt;
   std::vector<PowerSupply> supplies;
-  for (const auto& entry : *entries) supplies.push_back(readSupply(Attributes(entry.string())));
+  for (const auto& entry : *entries) supplies.push_back(readSupply(entry.string()));
   return describePowerSources(supplies);
 }
 

@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <string_view>
 
-#include "platform/bundle_info.h"
+#include "platform/bundle.h"
 
 namespace nimbo {
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "platform/tool_files.h"
+#include "platform/user_files.h"
 
 namespace nimbo {
 

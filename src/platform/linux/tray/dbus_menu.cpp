@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <span>
 #include <string_view>
 #include <utility>
 
@@ -20,30 +19,21 @@ int unknownId(sd_bus_error* error, std::int32_t id) {
   return sd_bus_error_setf(error, SD_BUS_ERROR_INVALID_ARGS, "The menu has no item %d.", id);
 }
 
-/// The answer to a call, which is written and then sent.
-class Reply : public BusWriter {
- public:
-  explicit Reply(sd_bus_message* call) : Reply(newReply(call)) {}
+/// Sends the answer to a call; `write` puts everything into it.
+int answer(sd_bus_message* call, const std::function<void(BusWriter& reply)>& write) {
+  BusMessage message;
+  if (const int result = sd_bus_message_new_method_return(call, message.out()); result < 0) return result;
+  BusWriter reply(message.get());
+  write(reply);
+  return reply.result() < 0 ? reply.result() : sd_bus_send(nullptr, message.get(), nullptr);
+}
 
-  [[nodiscard]] int send() const { return result() < 0 ? result() : sd_bus_send(nullptr, message_.get(), nullptr); }
-
- private:
-  explicit Reply(BusMessage message) : BusWriter(message.get()), message_(std::move(message)) {}
-
-  static BusMessage newReply(sd_bus_message* call) {
-    BusMessage reply;
-    sd_bus_message_new_method_return(call, reply.out());
-    return reply;
-  }
-
-  BusMessage message_;
-};
-
-std::span<const std::int32_t> readIds(sd_bus_message* call) {
+std::vector<std::int32_t> readIds(sd_bus_message* call) {
   const void* ids = nullptr;
   std::size_t bytes = 0;
   if (sd_bus_message_read_array(call, SD_BUS_TYPE_INT32, &ids, &bytes) < 0) return {};
-  return {static_cast<const std::int32_t*>(ids), bytes / sizeof(std::int32_t)};
+  const auto* const first = static_cast<const std::int32_t*>(ids);
+  return {first, first + bytes / sizeof(std::int32_t)};
 }
 
 struct Property {
@@ -126,22 +116,18 @@ const sd_bus_vtable DbusMenu::kTable[] = {
     SD_BUS_METHOD("EventGroup", "a(isvu)", "ai", bus_table::method<&DbusMenu::eventGroup>, kOpen),
     SD_BUS_METHOD("AboutToShow", "i", "b", bus_table::method<&DbusMenu::aboutToShow>, kOpen),
     SD_BUS_METHOD("AboutToShowGroup", "ai", "aiai", bus_table::method<&DbusMenu::aboutToShowGroup>, kOpen),
-    SD_BUS_PROPERTY("Version", "u", bus_table::constant<[] { return 3U; }>, 0, kConst),
-    SD_BUS_PROPERTY("TextDirection", "s", bus_table::constant<[] { return "ltr"; }>, 0, kConst),
-    SD_BUS_PROPERTY("Status", "s", bus_table::constant<[] { return "normal"; }>, 0, kConst),
-    SD_BUS_PROPERTY("IconThemePath", "as", bus_table::constant<[] { return std::vector<std::string>(); }>, 0, kConst),
+    SD_BUS_PROPERTY("Version", "u", bus_table::property<[] { return 3U; }>, 0, kConst),
+    SD_BUS_PROPERTY("TextDirection", "s", bus_table::property<[] { return "ltr"; }>, 0, kConst),
+    SD_BUS_PROPERTY("Status", "s", bus_table::property<[] { return "normal"; }>, 0, kConst),
+    SD_BUS_PROPERTY("IconThemePath", "as", bus_table::property<[] { return std::vector<std::string>(); }>, 0, kConst),
     SD_BUS_SIGNAL("ItemsPropertiesUpdated", "a(ia{sv})a(ias)", 0),
     SD_BUS_SIGNAL("LayoutUpdated", "ui", 0),
     SD_BUS_SIGNAL("ItemActivationRequested", "iu", 0),
     SD_BUS_VTABLE_END,
 };
 
-DbusMenu::DbusMenu(sd_bus* bus, DbusMenuHandlers handlers) : bus_(bus), handlers_(std::move(handlers)) {
+DbusMenu::DbusMenu(sd_bus* bus, StatusItemHandlers handlers) : bus_(bus), handlers_(std::move(handlers)) {
   object_ = addObject(bus, kPath, kMenuInterface, kTable, this);
-}
-
-bool DbusMenu::contains(std::int32_t id) const {
-  return id >= 0 && static_cast<std::size_t>(id) <= menu_.entries.size();
 }
 
 /// True when hosts would see another menu than before.
@@ -160,12 +146,6 @@ bool DbusMenu::replaceAndTell(StatusMenu menu) {
   return differs;
 }
 
-void DbusMenu::refreshIfClosed() {
-  if (!open_) replace(handlers_.menu());
-}
-
-bool DbusMenu::prepareToShow() { return !open_ && replaceAndTell(handlers_.menu()); }
-
 int DbusMenu::getLayout(sd_bus_message* call, sd_bus_error* error) {
   std::int32_t id = 0;
   std::int32_t depth = 0;
@@ -174,32 +154,31 @@ int DbusMenu::getLayout(sd_bus_message* call, sd_bus_error* error) {
   if (!readStrings(call, names)) return -EINVAL;
   refreshIfClosed();
   if (!contains(id)) return unknownId(error, id);
-  Reply reply(call);
-  reply.add(revision_);
-  writeLayout(reply, menu_, id, depth, names);
-  return reply.send();
+  return answer(call, [&](BusWriter& reply) {
+    reply.add(revision_);
+    writeLayout(reply, menu_, id, depth, names);
+  });
 }
 
 int DbusMenu::getGroupProperties(sd_bus_message* call, sd_bus_error* /*error*/) {
-  const auto wanted = readIds(call);
-  std::vector<std::int32_t> ids(wanted.begin(), wanted.end());
+  std::vector<std::int32_t> ids = readIds(call);
   std::vector<std::string> names;
   if (!readStrings(call, names)) return -EINVAL;
   if (revision_ == 0) refreshIfClosed();
   if (ids.empty()) {
     for (std::int32_t id = 0; contains(id); ++id) ids.push_back(id);
   }
-  Reply reply(call);
-  reply.inside(SD_BUS_TYPE_ARRAY, "(ia{sv})", [&] {
-    for (const std::int32_t id : ids) {
-      if (!contains(id)) continue;
-      reply.inside(SD_BUS_TYPE_STRUCT, "ia{sv}", [&] {
-        reply.add(id);
-        write(reply, properties(menu_, id, names));
-      });
-    }
+  std::erase_if(ids, [this](std::int32_t id) { return !contains(id); });
+  return answer(call, [&](BusWriter& reply) {
+    reply.inside(SD_BUS_TYPE_ARRAY, "(ia{sv})", [&] {
+      for (const std::int32_t id : ids) {
+        reply.inside(SD_BUS_TYPE_STRUCT, "ia{sv}", [&] {
+          reply.add(id);
+          write(reply, properties(menu_, id, names));
+        });
+      }
+    });
   });
-  return reply.send();
 }
 
 int DbusMenu::getProperty(sd_bus_message* call, sd_bus_error* error) {
@@ -210,9 +189,7 @@ int DbusMenu::getProperty(sd_bus_message* call, sd_bus_error* error) {
   if (!contains(id)) return unknownId(error, id);
   const auto found = properties(menu_, id, {name});
   if (found.empty()) return sd_bus_error_setf(error, SD_BUS_ERROR_INVALID_ARGS, "Item %d has no such property.", id);
-  Reply reply(call);
-  reply.add(found.front().value);
-  return reply.send();
+  return answer(call, [&found](BusWriter& reply) { reply.add(found.front().value); });
 }
 
 void DbusMenu::opened(const char* sender) {
@@ -226,14 +203,14 @@ void DbusMenu::opened(const char* sender) {
       for (const auto& callback : afterwards) callback();
     });
   }
-  replaceAndTell(handlers_.willOpen());
+  replaceAndTell(handlers_.menuWillOpen());
 }
 
 void DbusMenu::closed(Callbacks& afterwards) {
   if (!open_) return;
   open_ = false;
   opener_.reset();
-  afterwards.push_back(handlers_.didClose);
+  afterwards.push_back(handlers_.menuDidClose);
 }
 
 /// Reads one "isvu" and takes note of it; false when there is no item `id`. What the user's choice
@@ -281,9 +258,7 @@ int DbusMenu::eventGroup(sd_bus_message* call, sd_bus_error* error) {
   }
   if (result < 0) return result;
   if (count > 0 && unknown.size() == count) return unknownId(error, unknown.front());
-  Reply reply(call);
-  reply.add(unknown);
-  result = reply.send();
+  result = answer(call, [&unknown](BusWriter& reply) { reply.add(unknown); });
   for (const auto& callback : afterwards) callback();
   return result;
 }
@@ -303,10 +278,10 @@ int DbusMenu::aboutToShowGroup(sd_bus_message* call, sd_bus_error* /*error*/) {
     if (id == 0 && prepareToShow()) updates.push_back(id);
     if (!contains(id)) unknown.push_back(id);
   }
-  Reply reply(call);
-  reply.add(updates);
-  reply.add(unknown);
-  return reply.send();
+  return answer(call, [&](BusWriter& reply) {
+    reply.add(updates);
+    reply.add(unknown);
+  });
 }
 
 }  // namespace nimbo

@@ -5,19 +5,14 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/linux/bus/bus_name_watch.h"
-#include "platform/linux/bus/sd_bus_handles.h"
+#include "platform/linux/bus/sd_bus_connection.h"
 #include "platform/status_bar.h"
 
 namespace nimbo {
-
-struct DbusMenuHandlers {
-  std::function<StatusMenu()> menu;      ///< what would open now; nothing opens
-  std::function<StatusMenu()> willOpen;  ///< what opens now
-  std::function<void()> didClose;
-};
 
 /// A status item's menu as tray hosts read it: com.canonical.dbusmenu. Main thread only.
 /// Hosts read layouts ahead and at odd times, and some never announce an opening, so every question
@@ -26,8 +21,7 @@ class DbusMenu {
  public:
   static constexpr const char* kPath = "/MenuBar";
 
-  /// All handlers are set.
-  DbusMenu(sd_bus* bus, DbusMenuHandlers handlers);
+  DbusMenu(sd_bus* bus, StatusItemHandlers handlers);
   DbusMenu(const DbusMenu&) = delete;
   DbusMenu& operator=(const DbusMenu&) = delete;
 
@@ -43,17 +37,21 @@ class DbusMenu {
   int aboutToShow(sd_bus_message* call, sd_bus_error* error);
   int aboutToShowGroup(sd_bus_message* call, sd_bus_error* error);
 
-  [[nodiscard]] bool contains(std::int32_t id) const;
+  [[nodiscard]] bool contains(std::int32_t id) const {
+    return id >= 0 && std::cmp_less_equal(id, menu_.entries.size());
+  }
   bool replace(StatusMenu menu);
   bool replaceAndTell(StatusMenu menu);
-  void refreshIfClosed();
-  [[nodiscard]] bool prepareToShow();
+  void refreshIfClosed() {
+    if (!open_) replace(handlers_.menuPreview());
+  }
+  [[nodiscard]] bool prepareToShow() { return !open_ && replaceAndTell(handlers_.menuPreview()); }
   [[nodiscard]] bool readEvent(sd_bus_message* call, Callbacks& afterwards, std::int32_t& id);
   void opened(const char* sender);
   void closed(Callbacks& afterwards);
 
   sd_bus* const bus_;
-  const DbusMenuHandlers handlers_;
+  const StatusItemHandlers handlers_;
   StatusMenu menu_;
   std::uint32_t revision_ = 0;  // 0 while no layout was built
   bool open_ = false;

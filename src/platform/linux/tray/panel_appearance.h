@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <optional>
 #include <string>
 
 #include "base/observer_list.h"
@@ -27,11 +26,11 @@ class PanelAppearance {
 
   Workspace& workspace_;
   const bool alwaysDark_;
-  std::optional<bool> darkPanel_;  // the panel's own setting
+  bool darkPanel_ = false;  // by the panel's own setting
   Appearance appearance_;
   ObserverList<> observers_;
   Subscription workspaceObserver_;
-  std::optional<XfconfProperty> xfcePanel_;
+  XfconfProperty xfcePanel_;
 };
 
 }  // namespace nimbo

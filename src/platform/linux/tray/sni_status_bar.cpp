@@ -6,7 +6,6 @@
 
 #include <utility>
 
-#include "platform/linux/desktop/current_desktop.h"
 #include "platform/linux/tray/sni_status_item.h"
 
 namespace nimbo {
@@ -15,17 +14,13 @@ SniStatusBar::SniStatusBar(SdEventMainLoop& loop, std::string sessionAddress, co
                            PanelAppearance& panel)
     : loop_(loop),
       sessionAddress_(std::move(sessionAddress)),
-      clickOpensMenu_(desktopIs(desktop, "GNOME")),
-      toolTipTitle_(toolTipTitleOn(desktop)),
-      // xfce4-panel shows either as the second line of a tooltip that has none, and tells screen readers neither.
-      titled_(!desktopIs(desktop, "XFCE")),
+      host_(trayHostOn(desktop)),
       panel_(panel),
       pacer_(loop) {}
 
 std::unique_ptr<StatusItem> SniStatusBar::makeItem(const std::string& identifier, StatusItemContent content,
                                                    StatusItemHandlers handlers) {
-  SniStatusItem::Setup setup{fmt::format("org.kde.StatusNotifierItem-{}-{}", ::getpid(), ++made_), identifier,
-                             clickOpensMenu_, toolTipTitle_, titled_};
+  SniStatusItem::Setup setup{fmt::format("org.kde.StatusNotifierItem-{}-{}", ::getpid(), ++made_), identifier, host_};
   return std::make_unique<SniStatusItem>(loop_.event(), sessionAddress_, std::move(setup), std::move(content),
                                          std::move(handlers), panel_, pacer_);
 }

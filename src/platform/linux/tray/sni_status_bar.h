@@ -5,7 +5,7 @@
 
 #include "platform/linux/loop/sd_event_main_loop.h"
 #include "platform/linux/tray/registration_pacer.h"
-#include "platform/linux/tray/tool_tip_text.h"
+#include "platform/linux/tray/tray_host.h"
 #include "platform/status_bar.h"
 
 namespace nimbo {
@@ -24,9 +24,7 @@ class SniStatusBar final : public StatusBar {
  private:
   SdEventMainLoop& loop_;
   const std::string sessionAddress_;
-  const bool clickOpensMenu_;
-  const ToolTipTitle toolTipTitle_;
-  const bool titled_;
+  const TrayHost host_;
   PanelAppearance& panel_;
   RegistrationPacer pacer_;
   int made_ = 0;

@@ -30,26 +30,23 @@ std::optional<Rect> anchorAt(int x, int y) {
   return Rect{x - kAnchorSide / 2, y - kAnchorSide / 2, kAnchorSide, kAnchorSide};
 }
 
-int click(sd_bus_message* call, bool alternate, const std::function<void(const StatusClick&)>& clicked) {
-  int x = 0;
-  int y = 0;
-  if (const int result = sd_bus_message_read(call, "ii", &x, &y); result < 0) return result;
-  // The answer first, because opening the dashboard may take a while; a copy of the handler,
-  // because it may destroy the item.
-  const int result = sd_bus_reply_method_return(call, "");
-  const auto handler = clicked;
-  if (handler) handler(StatusClick{alternate, anchorAt(x, y)});
-  return result;
-}
-
 // A label that became empty would hide the icon on one host.
 std::string labelText(const StatusItemContent& content) {
   const std::string text = repairedUtf8(content.title.value_or(""));
   return text.empty() ? " " : text;
 }
 
-std::string titleText(const StatusItemContent& content) {
-  return content.accessibleName.empty() ? "Nimbo" : repairedUtf8(content.accessibleName);
+/// For hosts that open the menu on a plain click: the dashboard comes first in it.
+StatusItemHandlers withDashboardEntry(StatusItemHandlers handlers) {
+  for (auto* const menu : {&handlers.menuWillOpen, &handlers.menuPreview}) {
+    *menu = [build = *menu, clicked = handlers.clicked] {
+      StatusMenu built = build();
+      built.entries.insert(built.entries.begin(),
+                           MenuEntry{MenuEntry::Kind::action, "Open Nimbo", true, "", [clicked] { clicked({}); }});
+      return built;
+    };
+  }
+  return handlers;
 }
 
 }  // namespace
@@ -62,23 +59,23 @@ std::vector<sd_bus_vtable> SniStatusItem::makeTable(bool labelled) {
   constexpr auto kUnprivileged = SD_BUS_VTABLE_UNPRIVILEGED;
   std::vector<sd_bus_vtable> table{
       SD_BUS_VTABLE_START(0),
-      SD_BUS_METHOD("Activate", "ii", "", bus_table::method<&Self::activate>, kUnprivileged),
-      SD_BUS_METHOD("SecondaryActivate", "ii", "", bus_table::method<&Self::secondaryActivate>, kUnprivileged),
+      SD_BUS_METHOD("Activate", "ii", "", bus_table::method<&Self::click<false>>, kUnprivileged),
+      SD_BUS_METHOD("SecondaryActivate", "ii", "", bus_table::method<&Self::click<true>>, kUnprivileged),
       SD_BUS_METHOD("ContextMenu", "ii", "", bus_table::method<&Self::ignore>, kUnprivileged),
       SD_BUS_METHOD("Scroll", "is", "", bus_table::method<&Self::ignore>, kUnprivileged),
       SD_BUS_METHOD("ProvideXdgActivationToken", "s", "", bus_table::method<&Self::ignore>, kUnprivileged),
-      SD_BUS_PROPERTY("Category", "s", bus_table::constant<[] { return "SystemServices"; }>, 0, kConstant),
+      SD_BUS_PROPERTY("Category", "s", bus_table::property<[] { return "SystemServices"; }>, 0, kConstant),
       SD_BUS_PROPERTY("Id", "s", bus_table::property<&Self::identifier>, 0, kConstant),
       SD_BUS_PROPERTY("Title", "s", bus_table::property<&Self::title>, 0, kChanges),
-      SD_BUS_PROPERTY("Status", "s", bus_table::constant<[] { return "Active"; }>, 0, kChanges),
-      SD_BUS_PROPERTY("WindowId", "i", bus_table::constant<[] { return 0; }>, 0, kConstant),
-      SD_BUS_PROPERTY("IconName", "s", bus_table::constant<[] { return ""; }>, 0, kConstant),
+      SD_BUS_PROPERTY("Status", "s", bus_table::property<[] { return "Active"; }>, 0, kChanges),
+      SD_BUS_PROPERTY("WindowId", "i", bus_table::property<[] { return 0; }>, 0, kConstant),
+      SD_BUS_PROPERTY("IconName", "s", bus_table::property<[] { return ""; }>, 0, kConstant),
       // 35 KB that every host reads again after NewIcon would be sent for nothing with a change.
       SD_BUS_PROPERTY("IconPixmap", "a(iiay)", bus_table::property<&Self::iconPixmap>, 0, 0),
       SD_BUS_PROPERTY("IconAccessibleDesc", "s", bus_table::property<&Self::title>, 0, kChanges),
       SD_BUS_PROPERTY("ToolTip", "(sa(iiay)ss)", bus_table::property<&Self::toolTip>, 0, kChanges),
-      SD_BUS_PROPERTY("ItemIsMenu", "b", bus_table::constant<[] { return false; }>, 0, kConstant),
-      SD_BUS_PROPERTY("Menu", "o", (bus_table::constant<[] { return BusObjectPath{DbusMenu::kPath}; }>), 0, kConstant),
+      SD_BUS_PROPERTY("ItemIsMenu", "b", bus_table::property<[] { return false; }>, 0, kConstant),
+      SD_BUS_PROPERTY("Menu", "o", (bus_table::property<[] { return BusObjectPath{DbusMenu::kPath}; }>), 0, kConstant),
       SD_BUS_SIGNAL("NewTitle", "", 0),
       SD_BUS_SIGNAL("NewIcon", "", 0),
       SD_BUS_SIGNAL("NewToolTip", "", 0),
@@ -105,11 +102,11 @@ SniStatusItem::SniStatusItem(sd_event* event, const std::string& busAddress, Set
                              StatusItemHandlers handlers, PanelAppearance& panel, RegistrationPacer& pacer)
     : setup_(std::move(setup)),
       content_(std::move(content)),
-      handlers_(std::move(handlers)),
+      handlers_(setup_.host.clickOpensMenu ? withDashboardEntry(std::move(handlers)) : std::move(handlers)),
       panel_(panel),
       labelled_(content_.title && !content_.title->empty()),
       connection_(event, busAddress),
-      menu_(connection_.get(), menuHandlers()),
+      menu_(connection_.get(), handlers_),
       pacer_(pacer) {
   if (connection_.get() == nullptr) return;
   object_ = addObject(connection_.get(), kPath, kInterface, table(labelled_), this);
@@ -137,15 +134,13 @@ void SniStatusItem::followWatcher() {
   watcher_.emplace(connection_.get(), kWatcher, [this](const std::string& owner) {
     registration_.reset();
     announced_ = false;
-    turn_ = owner.empty() ? Subscription() : pacer_.request([this, owner] { registerWith(owner); });
+    turn_ = owner.empty() ? Subscription() : pacer_.request([this, owner] {
+      const BusMethod method{owner.c_str(), "/StatusNotifierWatcher", kWatcher, "RegisterStatusNotifierItem"};
+      announced_ = true;
+      // A tray that refuses is gone or broken; the next one is registered with when it comes.
+      registration_ = callAsync(methodCall(connection_.get(), method, registeredName_), [](sd_bus_message*) {});
+    });
   });
-}
-
-void SniStatusItem::registerWith(const std::string& watcher) {
-  const BusMethod method{watcher.c_str(), "/StatusNotifierWatcher", kWatcher, "RegisterStatusNotifierItem"};
-  announced_ = true;
-  // A tray that refuses is gone or broken; the next one is registered with when it comes.
-  registration_ = callAsync(methodCall(connection_.get(), method, registeredName_), [](sd_bus_message* /*reply*/) {});
 }
 
 void SniStatusItem::emit(const char* signal) {
@@ -158,7 +153,7 @@ void SniStatusItem::setContent(const StatusItemContent& content) {
   if (!announced_ || content == before) return;
   std::vector<const char*> changed;
   if (!(content.image == before.image)) emit("NewIcon");
-  if (setup_.titled && content.accessibleName != before.accessibleName) {
+  if (setup_.host.showsTitles && content.accessibleName != before.accessibleName) {
     emit("NewTitle");
     changed.insert(changed.end(), {"Title", "IconAccessibleDesc"});
   }
@@ -176,43 +171,17 @@ void SniStatusItem::setContent(const StatusItemContent& content) {
   sd_bus_emit_properties_changed_strv(connection_.get(), kPath, kInterface, const_cast<char**>(changed.data()));
 }
 
-// Trays have no such mark.
-void SniStatusItem::setHighlighted(bool /*highlighted*/) {}
-
-StatusMenu SniStatusItem::withDashboardEntry(StatusMenu menu) const {
-  if (!setup_.dashboardInMenu) return menu;
-  MenuEntry entry;
-  entry.title = "Open Nimbo";
-  entry.action = [clicked = handlers_.clicked] {
-    if (clicked) clicked({});
-  };
-  menu.entries.insert(menu.entries.begin(), std::move(entry));
-  return menu;
-}
-
-DbusMenuHandlers SniStatusItem::menuHandlers() {
-  DbusMenuHandlers menu;
-  menu.willOpen = [this] {
-    return withDashboardEntry(handlers_.menuWillOpen ? handlers_.menuWillOpen() : StatusMenu{});
-  };
-  menu.didClose = [didClose = handlers_.menuDidClose] {
-    if (didClose) didClose();
-  };
-  menu.menu = [this, willOpen = menu.willOpen, didClose = menu.didClose] {
-    if (handlers_.menuPreview) return withDashboardEntry(handlers_.menuPreview());
-    StatusMenu built = willOpen();
-    didClose();
-    return built;
-  };
-  return menu;
-}
-
-int SniStatusItem::activate(sd_bus_message* call, sd_bus_error* /*error*/) {
-  return click(call, false, handlers_.clicked);
-}
-
-int SniStatusItem::secondaryActivate(sd_bus_message* call, sd_bus_error* /*error*/) {
-  return click(call, true, handlers_.clicked);
+template <bool kAlternate>
+int SniStatusItem::click(sd_bus_message* call, sd_bus_error* /*error*/) {
+  int x = 0;
+  int y = 0;
+  if (const int result = sd_bus_message_read(call, "ii", &x, &y); result < 0) return result;
+  // The answer first, because opening the dashboard may take a while; a copy of the handler,
+  // because it may destroy the item.
+  const int result = sd_bus_reply_method_return(call, "");
+  const auto handler = handlers_.clicked;
+  handler(StatusClick{kAlternate, anchorAt(x, y)});
+  return result;
 }
 
 // Hosts show the menu themselves, and there is nothing to scroll; activation tokens are not needed.
@@ -220,9 +189,10 @@ int SniStatusItem::ignore(sd_bus_message* call, sd_bus_error* /*error*/) {
   return sd_bus_reply_method_return(call, "");
 }
 
-const std::string& SniStatusItem::identifier() const { return setup_.identifier; }
-
-std::string SniStatusItem::title() const { return setup_.titled ? titleText(content_) : ""; }
+std::string SniStatusItem::title() const {
+  if (!setup_.host.showsTitles) return "";
+  return content_.accessibleName.empty() ? "Nimbo" : repairedUtf8(content_.accessibleName);
+}
 
 std::string SniStatusItem::label() const { return labelText(content_); }
 
@@ -240,7 +210,7 @@ void SniStatusItem::iconPixmap(BusWriter& reply) const {
 }
 
 void SniStatusItem::toolTip(BusWriter& reply) const {
-  const ToolTipText text = toolTipText(content_.toolTip, setup_.toolTipTitle);
+  const ToolTipText text = toolTipText(content_.toolTip, setup_.host.toolTipTitle);
   reply.inside(SD_BUS_TYPE_STRUCT, "sa(iiay)ss", [&] {
     reply.add("");  // the icon's name
     reply.inside(SD_BUS_TYPE_ARRAY, "(iiay)", [] {});

@@ -9,7 +9,7 @@
 #include "platform/linux/bus/bus_writer.h"
 #include "platform/linux/bus/sd_bus_connection.h"
 #include "platform/linux/tray/dbus_menu.h"
-#include "platform/linux/tray/tool_tip_text.h"
+#include "platform/linux/tray/tray_host.h"
 #include "platform/status_bar.h"
 
 namespace nimbo {
@@ -25,9 +25,7 @@ class SniStatusItem final : public StatusItem {
   struct Setup {
     std::string busName;     ///< org.kde.StatusNotifierItem-PID-N
     std::string identifier;  ///< names the item to hosts across restarts
-    bool dashboardInMenu;    ///< the host opens the menu on a plain click, so the menu offers the dashboard
-    ToolTipTitle toolTipTitle;
-    bool titled;  ///< has a title and an accessible description
+    TrayHost host;
   };
 
   /// `panel` and `pacer` outlive the item.
@@ -35,22 +33,19 @@ class SniStatusItem final : public StatusItem {
                 StatusItemHandlers handlers, PanelAppearance& panel, RegistrationPacer& pacer);
 
   void setContent(const StatusItemContent& content) override;
-  void setHighlighted(bool highlighted) override;
+  void setHighlighted(bool /*highlighted*/) override {}  // trays have no such mark
 
  private:
   static std::vector<sd_bus_vtable> makeTable(bool labelled);
   static const sd_bus_vtable* table(bool labelled);
   void requestName();
   void followWatcher();
-  void registerWith(const std::string& watcher);
   void emit(const char* signal);
-  [[nodiscard]] StatusMenu withDashboardEntry(StatusMenu menu) const;
-  [[nodiscard]] DbusMenuHandlers menuHandlers();
 
-  int activate(sd_bus_message* call, sd_bus_error* error);
-  int secondaryActivate(sd_bus_message* call, sd_bus_error* error);
+  template <bool kAlternate>
+  int click(sd_bus_message* call, sd_bus_error* error);
   int ignore(sd_bus_message* call, sd_bus_error* error);
-  [[nodiscard]] const std::string& identifier() const;
+  [[nodiscard]] const std::string& identifier() const { return setup_.identifier; }
   [[nodiscard]] std::string title() const;
   [[nodiscard]] std::string label() const;
   void iconPixmap(BusWriter& reply) const;

@@ -126,13 +126,10 @@ double coverage(const PixelShape& shape, const Area& bounds, double x, double y)
 void paint(const PixelShape& shape, int side, std::vector<double>& alphas) {
   const Area bounds = shape.clip ? intersection(shape.outline, *shape.clip) : shape.outline;
   const auto pixel = [side](double edge) { return static_cast<int>(std::clamp(edge, 0.0, double(side))); };
-  const auto index = [side](int x, int y) {
-    return static_cast<std::size_t>(side - 1 - y) * static_cast<std::size_t>(side) + static_cast<std::size_t>(x);
-  };
   for (int y = pixel(std::floor(bounds.bottom)); y < pixel(std::ceil(bounds.top)); ++y) {
     for (int x = pixel(std::floor(bounds.left)); x < pixel(std::ceil(bounds.right)); ++x) {
       const double source = shape.alpha * coverage(shape, bounds, x, y);
-      double& alpha = alphas[index(x, y)];
+      double& alpha = alphas[static_cast<std::size_t>((side - 1 - y) * side + x)];
       alpha = source + alpha * (1 - source);
     }
   }

@@ -3,7 +3,7 @@
 
 #include <filesystem>
 
-#include "platform/module_loader.h"
+#include "platform/bundle.h"
 #include "platform/update_session.h"
 
 namespace nimbo {

@@ -46,7 +46,9 @@ void WaylandDisplay::eventsHandled(bool connected) {
   } else if (state_ == State::connecting && session_->answered()) {
     introduced();
   } else if (state_ == State::waitingForPause && session_->inputPauses()) {
-    turnOff();
+    longestWaitForPause_.reset();
+    state_ = State::off;
+    session_->turnOutputs(false);
   } else if (state_ == State::off && session_->outputsRefuse()) {
     turnOn();
     fail();
@@ -68,12 +70,6 @@ void WaylandDisplay::introduced() {
 void WaylandDisplay::waitForPause() {
   state_ = State::waitingForPause;
   session_->watchInput(kPauseBeforeOff);
-}
-
-void WaylandDisplay::turnOff() {
-  longestWaitForPause_.reset();
-  state_ = State::off;
-  session_->turnOutputs(false);
 }
 
 void WaylandDisplay::turnOn() {

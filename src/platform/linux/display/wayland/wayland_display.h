@@ -42,7 +42,6 @@ class WaylandDisplay final : public DisplayPower {
   void eventsHandled(bool connected);
   void introduced();
   void waitForPause();
-  void turnOff();
   void turnOn();
   void finish();
   void lost();

@@ -1,11 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/linux/display/wayland/wayland_session.h"
 
-#include <ext-idle-notify-v1-client.h>
-#include <idle-client.h>
 #include <poll.h>
-#include <wayland-client-protocol.h>
-#include <wlr-output-power-management-unstable-v1-client.h>
 
 #include <algorithm>
 #include <utility>

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <wayland-client-core.h>
+#include <ext-idle-notify-v1-client.h>
+#include <idle-client.h>
+#include <wayland-client.h>
+#include <wlr-output-power-management-unstable-v1-client.h>
 
 #include <chrono>
 #include <cstdint>
@@ -11,17 +14,6 @@
 #include <string>
 
 #include "platform/main_loop.h"
-
-struct ext_idle_notification_v1;
-struct ext_idle_notifier_v1;
-struct org_kde_kwin_idle;
-struct org_kde_kwin_idle_timeout;
-struct wl_callback;
-struct wl_output;
-struct wl_registry;
-struct wl_seat;
-struct zwlr_output_power_manager_v1;
-struct zwlr_output_power_v1;
 
 namespace nimbo {
 

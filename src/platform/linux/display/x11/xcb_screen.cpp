@@ -28,39 +28,28 @@ bool done(xcb_connection_t* connection, xcb_void_cookie_t request) {
   return error == nullptr && xcb_connection_has_error(connection) == 0;
 }
 
-bool resetOn(xcb_connection_t* connection) {
-  return done(connection, xcb_force_screen_saver_checked(connection, XCB_SCREEN_SAVER_RESET));
-}
-
-// Power management that the user has switched off has to be on for this. Its time-outs are taken
-// out first, so that the display still never goes off by itself afterwards.
-void enable(xcb_connection_t* connection) {
-  xcb_dpms_set_timeouts(connection, 0, 0, 0);
-  xcb_dpms_enable(connection);
-}
-
 bool turnOffOn(xcb_connection_t* connection) {
   const auto* const extension = xcb_get_extension_data(connection, &xcb_dpms_id);
   if (extension == nullptr || extension->present == 0) return false;
   const auto capable = owned(xcb_dpms_capable_reply(connection, xcb_dpms_capable(connection), nullptr));
   const auto info = owned(xcb_dpms_info_reply(connection, xcb_dpms_info(connection), nullptr));
   if (capable == nullptr || capable->capable == 0 || info == nullptr) return false;
-  if (info->state == 0) enable(connection);
+  // Power management that the user has switched off has to be on for this. Its time-outs are taken
+  // out first, so that the display still never goes off by itself afterwards.
+  if (info->state == 0) {
+    xcb_dpms_set_timeouts(connection, 0, 0, 0);
+    xcb_dpms_enable(connection);
+  }
   return done(connection, xcb_dpms_force_level_checked(connection, XCB_DPMS_DPMS_MODE_OFF));
-}
-
-// Writing to a server that has gone raises SIGPIPE, for the writing thread.
-void blockSignals() {
-  sigset_t all;
-  sigfillset(&all);
-  ::pthread_sigmask(SIG_SETMASK, &all, nullptr);
 }
 
 }  // namespace
 
-XcbScreen::XcbScreen(std::string display) : display_(std::move(display)) {}
-
-bool XcbScreen::resetScreenSaver() { return carryOut(resetOn); }
+bool XcbScreen::resetScreenSaver() {
+  return carryOut([](xcb_connection_t* connection) {
+    return done(connection, xcb_force_screen_saver_checked(connection, XCB_SCREEN_SAVER_RESET));
+  });
+}
 
 bool XcbScreen::turnOff() { return carryOut(turnOffOn); }
 
@@ -68,7 +57,10 @@ bool XcbScreen::carryOut(Request request) {
   using std::chrono::milliseconds;
   if (outcome_.valid() && outcome_.wait_for(milliseconds::zero()) != std::future_status::ready) return false;
   std::packaged_task<bool()> task([display = display_, request] {
-    blockSignals();
+    // Writing to a server that has gone raises SIGPIPE, for the writing thread.
+    sigset_t all;
+    sigfillset(&all);
+    ::pthread_sigmask(SIG_SETMASK, &all, nullptr);
     const std::shared_ptr<xcb_connection_t> connection(xcb_connect(display.c_str(), nullptr), xcb_disconnect);
     return xcb_connection_has_error(connection.get()) == 0 && request(connection.get());
   });

@@ -3,6 +3,7 @@
 
 #include <future>
 #include <string>
+#include <utility>
 
 #include "platform/linux/display/display_modules.h"
 
@@ -15,7 +16,7 @@ namespace nimbo {
 class XcbScreen final : public X11Screen {
  public:
   /// `display` in the form of DISPLAY.
-  explicit XcbScreen(std::string display);
+  explicit XcbScreen(std::string display) : display_(std::move(display)) {}
 
   [[nodiscard]] bool resetScreenSaver() override;
   [[nodiscard]] bool turnOff() override;

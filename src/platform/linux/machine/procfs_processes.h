@@ -11,6 +11,21 @@
 
 namespace nimbo {
 
+/// What a /proc/PID/status tells; 0 and empty for what is not told. Bytes.
+struct ProcessStatus {
+  std::string name;  ///< empty without a footprint
+  /// Private anonymous memory and its swap; kernels before 4.5 do not tell it and all resident memory stands in for
+  /// it. Kernel threads and zombies have none.
+  std::uint64_t footprint = 0;
+  std::uint64_t resident = 0;
+};
+
+[[nodiscard]] ProcessStatus parseProcessStatus(std::string_view text);
+
+/// Pages of private anonymous memory out of a /proc/PID/statm: those resident less those that belong
+/// to files and shared memory. Absent for other text.
+[[nodiscard]] std::optional<std::uint64_t> parseAnonymousPages(std::string_view text);
+
 /// The processes that /proc shows to this user. What a process has in swap is told by its status file
 /// alone, which costs more than the two files that tell the rest; it is read only while swap is in use.
 class ProcfsProcessTable final : public ProcessTable {
@@ -21,8 +36,6 @@ class ProcfsProcessTable final : public ProcessTable {
   [[nodiscard]] std::optional<ProcessReading> read(std::int32_t pid) override;
 
  private:
-  [[nodiscard]] bool swapInUse();
-  [[nodiscard]] std::optional<ProcessReading> readStatus(std::int32_t pid) const;
   [[nodiscard]] std::optional<ProcessReading> readResident(std::int32_t pid) const;
   [[nodiscard]] std::optional<std::string_view> readFile(std::int32_t pid, std::string_view name,
                                                          std::span<char> buffer) const;
@@ -32,5 +45,9 @@ class ProcfsProcessTable final : public ProcessTable {
   ProcFile memInfo_;
   bool statusNeeded_ = true;  // as of the last list
 };
+
+/// What /proc and the kernel's accounting say of this process. The footprint is private memory with what is swapped out
+/// of it; memory as it is now, CPU time of finished threads included. Absent when they do not tell. Any thread.
+[[nodiscard]] std::optional<ResourceUsage> readOwnUsage(const std::string& procRoot = "/proc");
 
 }  // namespace nimbo

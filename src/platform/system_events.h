@@ -17,4 +17,12 @@ class SystemSleep {
   [[nodiscard]] virtual Subscription observe(std::function<void()> willSleep, std::function<void()> didWake) = 0;
 };
 
+/// Tells when the system or the user asks the process to end (log-out, kill). Main thread only.
+class Termination {
+ public:
+  virtual ~Termination() = default;
+
+  [[nodiscard]] virtual Subscription observe(std::function<void()> requested) = 0;
+};
+
 }  // namespace nimbo

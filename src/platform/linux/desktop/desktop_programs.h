@@ -4,12 +4,20 @@
 #include <list>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/linux/files/unique_fd.h"
 #include "platform/main_loop.h"
 
 namespace nimbo {
+
+/// Whether `name` is one of the desktops in `currentDesktop`, the value of XDG_CURRENT_DESKTOP ("ubuntu:GNOME"). Letter
+/// case does not matter.
+[[nodiscard]] bool desktopIs(std::string_view currentDesktop, std::string_view name);
+
+/// Names of programs that show all processes, those of the desktop itself first.
+[[nodiscard]] std::vector<std::string_view> systemMonitorPrograms(std::string_view currentDesktop);
 
 /// The full path of an executable file `name` in the first absolute folder of `searchPath` (in the
 /// form of PATH) that has one.
@@ -23,8 +31,8 @@ class DetachedPrograms {
   DetachedPrograms(const DetachedPrograms&) = delete;
   DetachedPrograms& operator=(const DetachedPrograms&) = delete;
 
-  /// False when the program could not be started.
-  [[nodiscard]] bool start(const std::string& path, const std::vector<std::string>& arguments = {});
+  /// The program's whole path and its arguments. False when it could not be started, or `command` is empty.
+  [[nodiscard]] bool start(const std::vector<std::string>& command);
 
  private:
   struct Child {

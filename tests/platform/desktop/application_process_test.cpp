@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/linux/accessibility/application_process.h"
+#include "platform/linux/desktop/desktop_application.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>

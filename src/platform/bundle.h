@@ -4,6 +4,8 @@
 #include <optional>
 #include <string>
 
+#include "base/result.h"
+
 namespace nimbo {
 
 /// What the installed application says of itself, read once at start. A key that is missing, not a
@@ -15,6 +17,19 @@ struct BundleInfo {
   std::optional<std::string> feedUrl;       ///< "SUFeedURL"
   std::optional<std::string> publicKey;     ///< "SUPublicEDKey"
   std::optional<std::string> appGroup;      ///< "NimboAppGroup"
+};
+
+struct ModuleError {
+  std::string message;  ///< the system's own words
+};
+
+/// Loads parts of the application that most runs never need. Main thread only.
+class ModuleLoader {
+ public:
+  virtual ~ModuleLoader() = default;
+
+  /// The address of `symbol` in `module` ("nimbo-ui"), which stays loaded for the rest of the run.
+  [[nodiscard]] virtual Result<void*, ModuleError> symbol(const std::string& module, const char* symbol) = 0;
 };
 
 }  // namespace nimbo

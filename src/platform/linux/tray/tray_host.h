@@ -15,10 +15,17 @@ struct ToolTipText {
 /// What a host takes the title for. One that parses it shows no tooltip at all for a bare & or <.
 enum class ToolTipTitle { plain, markup };
 
-/// Of the host that belongs to a desktop, the value of XDG_CURRENT_DESKTOP.
-[[nodiscard]] ToolTipTitle toolTipTitleOn(std::string_view desktop);
-
 /// The first line of `text` becomes the title and the rest the subtitle.
 [[nodiscard]] ToolTipText toolTipText(const std::string& text, ToolTipTitle kind);
+
+/// What has to be known of the program that shows the items.
+struct TrayHost {
+  bool clickOpensMenu;  ///< so that the menu has to offer the dashboard
+  bool showsTitles;     ///< of items, or reads them out
+  ToolTipTitle toolTipTitle;
+};
+
+/// The host that belongs to a desktop, the value of XDG_CURRENT_DESKTOP.
+[[nodiscard]] TrayHost trayHostOn(std::string_view desktop);
 
 }  // namespace nimbo

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/linux/tray/tool_tip_text.h"
+#include "platform/linux/tray/tray_host.h"
 
 #include <gtest/gtest.h>
 
@@ -41,12 +41,12 @@ TEST(ToolTipText, BytesThatAreNotUtf8AreReplaced) {
 }
 
 TEST(ToolTipText, PanelsThatShowTitlesPlainAreKnownByTheirDesktop) {
-  EXPECT_EQ(toolTipTitleOn("XFCE"), ToolTipTitle::plain);
-  EXPECT_EQ(toolTipTitleOn("KDE"), ToolTipTitle::plain);
-  EXPECT_EQ(toolTipTitleOn("LXQt"), ToolTipTitle::plain);
-  EXPECT_EQ(toolTipTitleOn("MATE"), ToolTipTitle::markup);
-  EXPECT_EQ(toolTipTitleOn("sway"), ToolTipTitle::markup);
-  EXPECT_EQ(toolTipTitleOn(""), ToolTipTitle::markup);
+  EXPECT_EQ(trayHostOn("XFCE").toolTipTitle, ToolTipTitle::plain);
+  EXPECT_EQ(trayHostOn("KDE").toolTipTitle, ToolTipTitle::plain);
+  EXPECT_EQ(trayHostOn("LXQt").toolTipTitle, ToolTipTitle::plain);
+  EXPECT_EQ(trayHostOn("MATE").toolTipTitle, ToolTipTitle::markup);
+  EXPECT_EQ(trayHostOn("sway").toolTipTitle, ToolTipTitle::markup);
+  EXPECT_EQ(trayHostOn("").toolTipTitle, ToolTipTitle::markup);
 }
 
 }  // namespace

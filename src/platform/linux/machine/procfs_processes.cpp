@@ -1,0 +1,145 @@
+// SPDX-License-Identifier: MIT
+#include "platform/linux/machine/procfs_processes.h"
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstddef>
+#include <functional>
+
+#include "platform/linux/machine/procfs_host_statistics.h"
+
+namespace nimbo {
+namespace {
+
+// The file names all groups of a process ahead of its memory: up to 65,536 of ten digits.
+constexpr std::size_t kLargestStatus = std::size_t{1} << 20;
+
+// The kernel writes a newline as \n and a backslash as \\.
+std::string unescaped(std::string_view escaped) {
+  std::string name;
+  for (std::size_t index = 0; index < escaped.size(); ++index) {
+    const bool pair = escaped[index] == '\\' && index + 1 < escaped.size();
+    if (pair) ++index;
+    name += pair && escaped[index] == 'n' ? '\n' : escaped[index];
+  }
+  return name;
+}
+
+/// Parses the file that `read` reads into a buffer, at first into a small one; absent when it cannot be read.
+std::optional<ProcessStatus> readProcessStatus(
+    const std::function<std::optional<std::string_view>(std::span<char>)>& read) {
+  std::array<char, 8192> usual;
+  std::string large;
+  auto text = read(usual);
+  if (text && text->size() == usual.size()) {
+    large.resize(kLargestStatus);
+    text = read(large);
+  }
+  return text ? std::optional(parseProcessStatus(*text)) : std::nullopt;
+}
+
+std::chrono::nanoseconds durationOf(const timeval& time) {
+  return std::chrono::seconds(time.tv_sec) + std::chrono::microseconds(time.tv_usec);
+}
+
+}  // namespace
+
+ProcessStatus parseProcessStatus(std::string_view text) {
+  ProcessStatus status;
+  std::string_view escapedName;
+  std::optional<std::uint64_t> anonymous;
+  std::uint64_t swapped = 0;
+  while (auto line = takeLine(text)) {
+    if (takePrefix(*line, "Name:\t")) {
+      escapedName = *line;
+    } else if (takePrefix(*line, "VmRSS:")) {
+      status.resident = parseKilobytes(*line).value_or(0);
+    } else if (takePrefix(*line, "RssAnon:")) {
+      anonymous = parseKilobytes(*line);
+    } else if (takePrefix(*line, "VmSwap:")) {
+      swapped = parseKilobytes(*line).value_or(0);
+      break;  // the last of those wanted
+    }
+  }
+  status.footprint = anonymous.value_or(status.resident) + swapped;
+  if (status.footprint > 0) status.name = unescaped(escapedName);
+  return status;
+}
+
+std::optional<std::uint64_t> parseAnonymousPages(std::string_view text) {
+  auto line = takeLine(text);
+  if (!line) return std::nullopt;
+  (void)takeWord(*line);  // the size of the address space
+  const auto resident = parseNumber(takeWord(*line));
+  const auto shared = parseNumber(takeWord(*line));
+  if (!resident || !shared) return std::nullopt;
+  return *resident - std::min(*resident, *shared);
+}
+
+ProcfsProcessTable::ProcfsProcessTable(std::string procRoot)
+    : root_(std::move(procRoot)),
+      folder_(::open(root_.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC)),
+      memInfo_(root_ + "/meminfo") {}
+
+std::vector<std::int32_t> ProcfsProcessTable::list() {
+  std::array<char, 8192> buffer;
+  const auto memory = memInfo_.read(buffer);
+  statusNeeded_ = !memory || swapUsed(*memory) != 0;
+  std::vector<std::int32_t> pids;
+  visitFolder(root_, [&](std::string_view name) {
+    std::int32_t pid = 0;
+    const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), pid);
+    if (error == std::errc() && end == name.data() + name.size()) pids.push_back(pid);
+  });
+  return pids;
+}
+
+std::optional<ProcessReading> ProcfsProcessTable::read(std::int32_t pid) {
+  if (!statusNeeded_) return readResident(pid);
+  auto status = readProcessStatus([&](std::span<char> buffer) { return readFile(pid, "status", buffer); });
+  return status ? std::optional(ProcessReading{status->footprint, std::move(status->name)}) : std::nullopt;
+}
+
+std::optional<ProcessReading> ProcfsProcessTable::readResident(std::int32_t pid) const {
+  std::array<char, 256> buffer;
+  const auto counts = readFile(pid, "statm", buffer);
+  const auto pages = counts ? parseAnonymousPages(*counts) : std::nullopt;
+  if (!pages) return std::nullopt;
+
+  ProcessReading reading;
+  reading.footprint = *pages * static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE));
+  if (reading.footprint > 0) {
+    auto name = readFile(pid, "comm", buffer).value_or(std::string_view());
+    if (name.ends_with('\n')) name.remove_suffix(1);
+    reading.name = name;
+  }
+  return reading;
+}
+
+std::optional<std::string_view> ProcfsProcessTable::readFile(std::int32_t pid, std::string_view name,
+                                                             std::span<char> buffer) const {
+  std::array<char, 32> path;
+  char* const end = std::to_chars(path.data(), path.data() + path.size(), pid).ptr;
+  *end = '/';
+  *std::copy(name.begin(), name.end(), end + 1) = '\0';  // "status" at the longest
+  const UniqueFd file(::openat(folder_.get(), path.data(), O_RDONLY | O_CLOEXEC));
+  if (!file) return std::nullopt;
+  const ssize_t size = ::read(file.get(), buffer.data(), buffer.size());
+  if (size <= 0) return std::nullopt;
+  return std::string_view(buffer.data(), static_cast<std::size_t>(size));
+}
+
+std::optional<ResourceUsage> readOwnUsage(const std::string& procRoot) {
+  ProcFile file(procRoot + "/self/status");
+  const auto status = readProcessStatus([&file](std::span<char> buffer) { return file.read(buffer); });
+  rusage times{};
+  if (!status || status->resident == 0 || ::getrusage(RUSAGE_SELF, &times) != 0) return std::nullopt;
+  return ResourceUsage{status->footprint, status->resident, durationOf(times.ru_utime) + durationOf(times.ru_stime)};
+}
+
+}  // namespace nimbo
