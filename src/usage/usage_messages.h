@@ -45,6 +45,10 @@ inline constexpr char kClaudeCodeScreenUnsupported[] =
 inline constexpr char kClaudeCodeGaveNoUsage[] =
     "Claude Code couldn’t return usage. Run claude, sign in and check /usage, then refresh.";
 
+// A usage screen, whichever program shows it.
+inline constexpr char kNoReadableClaudeLimits[] =
+    "No readable Claude limits. Sign in with Claude Code and check /usage, then refresh.";
+
 // The desktop application.
 inline constexpr char kDesktopNeedsAccessibility[] =
     "Desktop fallback needs Accessibility access. Enable it in Nimbo Settings → AI Usage.";

@@ -42,7 +42,7 @@ class ScreenWatch {
     if (stop_.stop_requested()) return tl::unexpected(UsageError{});
     interpret();
     if (!latest_) return tl::unexpected(UsageError{usage_messages::kClaudeCodeGaveNoUsage});
-    return *latest_;
+    return latest_;
   }
 
  private:
@@ -106,10 +106,10 @@ class ScreenWatch {
   const Clock& clock_;
   const std::stop_token& stop_;
   UsageScreenParser screen_;
-  std::size_t size_ = 0;                   // of what `screen_` was given
-  std::optional<TrustQuestion> question_;  // until it is answered
-  std::optional<UsageTime> drawnAt_;       // of what was not interpreted yet
-  std::optional<UsageSnapshot> latest_;
+  std::size_t size_ = 0;                                // of what `screen_` was given
+  std::optional<TrustQuestion> question_;               // until it is answered
+  std::optional<UsageTime> drawnAt_;                    // of what was not interpreted yet
+  UsageOutcome latest_ = tl::unexpected(UsageError{});  // of what was interpreted
   Interval latestOutput_;
 };
 

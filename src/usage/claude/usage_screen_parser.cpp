@@ -7,6 +7,7 @@
 
 #include "base/text.h"
 #include "usage/claude/reset_text_parser.h"
+#include "usage/usage_messages.h"
 
 namespace nimbo {
 namespace {
@@ -116,12 +117,11 @@ void UsageScreenParser::append(std::string_view bytes) {
   lineStart_ = lineEnd + 1;
 }
 
-std::optional<UsageSnapshot> UsageScreenParser::snapshot(UsageTime now, std::string_view source,
-                                                         std::string_view localZone) const {
+UsageOutcome UsageScreenParser::snapshot(UsageTime now, std::string_view source, std::string_view localZone) const {
   UsageScreenLines lines = lines_;
   lines.takeAll(text_.settled().substr(lineStart_) + text_.unsettled());
   lines.commit();
-  if (lines.windows().empty()) return std::nullopt;
+  if (lines.windows().empty()) return tl::unexpected(UsageError{usage_messages::kNoReadableClaudeLimits});
   UsageSnapshot snapshot{.windows = {}, .fetchedAt = now, .source = std::string(source)};
   for (const auto& [title, usedPercent, resetLine] : lines.windows()) {
     snapshot.windows.push_back({title, usedPercent, parseResetText(resetLine, now, localZone)});
@@ -129,8 +129,8 @@ std::optional<UsageSnapshot> UsageScreenParser::snapshot(UsageTime now, std::str
   return snapshot;
 }
 
-std::optional<UsageSnapshot> parseUsageScreen(std::string_view text, UsageTime now, std::string_view source,
-                                              std::string_view localZone) {
+UsageOutcome parseUsageScreen(std::string_view text, UsageTime now, std::string_view source,
+                              std::string_view localZone) {
   UsageScreenParser parser;
   parser.append(text);
   return parser.snapshot(now, source, localZone);

@@ -45,9 +45,8 @@ class UsageScreenParser {
  public:
   void append(std::string_view bytes);
 
-  /// The screen as it stands; absent while it shows no limit. `localZone` as in `parseResetText`.
-  [[nodiscard]] std::optional<UsageSnapshot> snapshot(UsageTime now, std::string_view source,
-                                                      std::string_view localZone) const;
+  /// The screen as it stands; an error while it shows no limit. `localZone` as in `parseResetText`.
+  [[nodiscard]] UsageOutcome snapshot(UsageTime now, std::string_view source, std::string_view localZone) const;
 
  private:
   TerminalText text_;
@@ -56,7 +55,7 @@ class UsageScreenParser {
 };
 
 /// The same for a text that is complete.
-[[nodiscard]] std::optional<UsageSnapshot> parseUsageScreen(std::string_view text, UsageTime now,
-                                                            std::string_view source, std::string_view localZone);
+[[nodiscard]] UsageOutcome parseUsageScreen(std::string_view text, UsageTime now, std::string_view source,
+                                            std::string_view localZone);
 
 }  // namespace nimbo

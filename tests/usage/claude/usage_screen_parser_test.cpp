@@ -24,9 +24,7 @@ std::string recording(const std::string& name) {
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-std::optional<UsageSnapshot> parse(std::string_view text) {
-  return parseUsageScreen(text, kReadAt, "Claude Code", "UTC");
-}
+UsageOutcome parse(std::string_view text) { return parseUsageScreen(text, kReadAt, "Claude Code", "UTC"); }
 
 // "5-hour 61, Weekly 8" for short.
 std::string windowsOf(std::string_view text) {
@@ -76,11 +74,14 @@ TEST(UsageScreen, DesktopPageIsReadToo) {
                                }));
 }
 
-TEST(UsageScreen, ScreensWithoutLimitsGiveNothing) {
+TEST(UsageScreen, ScreensWithoutLimitsAreAnErrorThatSaysWhatToDo) {
+  const UsageError error{"No readable Claude limits. Sign in with Claude Code and check /usage, then refresh."};
   for (const char* const name : {"signed_out.txt", "trust_prompt.txt", "garbage.bin"}) {
-    EXPECT_FALSE(parse(recording(name))) << name;
+    ASSERT_FALSE(parse(recording(name))) << name;
+    EXPECT_EQ(parse(recording(name)).error(), error) << name;
   }
-  EXPECT_EQ(windowsOf(""), kNoLimits);
+  ASSERT_FALSE(parse(""));
+  EXPECT_EQ(parse("").error(), error);
 }
 
 TEST(UsageScreen, TitlesAreFoundInAnyCase) {
