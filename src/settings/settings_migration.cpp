@@ -4,7 +4,7 @@
 #include <array>
 #include <nlohmann/json.hpp>
 
-#include "base/preference_value.h"
+#include "base/bounded_json.h"
 #include "settings/setting_keys.h"
 
 namespace nimbo {

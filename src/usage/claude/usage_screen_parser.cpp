@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "base/text.h"
-#include "base/utf8_text.h"
 #include "usage/claude/reset_text_parser.h"
 #include "usage/usage_messages.h"
 

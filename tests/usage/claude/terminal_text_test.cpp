@@ -6,7 +6,7 @@
 #include <random>
 #include <regex>
 
-#include "base/utf8_text.h"
+#include "base/text.h"
 #include "usage/claude/usage_screen_parser.h"
 
 namespace nimbo {

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "platform/linux/bus/sd_bus_connection.h"
-#include "platform/linux/loop/sd_event_handles.h"
+#include "platform/linux/loop/sd_event_main_loop.h"
 
 namespace nimbo {
 

@@ -7,7 +7,7 @@
 #include <sys/syscall.h>
 #include <sys/wait.h>
 
-#include "platform/linux/files/last_error.h"
+#include "platform/linux/files/unique_fd.h"
 
 namespace nimbo {
 namespace {

@@ -4,7 +4,6 @@
 #include <algorithm>
 
 #include "base/text.h"
-#include "base/utf8_text.h"
 #include "platform/linux/desktop/current_desktop.h"
 
 namespace nimbo {

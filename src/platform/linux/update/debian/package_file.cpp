@@ -8,7 +8,7 @@
 #include <cerrno>
 
 #include "platform/linux/files/atomic_file.h"
-#include "platform/linux/files/last_error.h"
+#include "platform/linux/files/unique_fd.h"
 
 namespace nimbo {
 namespace {
