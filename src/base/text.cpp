@@ -26,12 +26,59 @@ constexpr bool isAsciiWhiteSpace(char character) {
   return character == ' ' || (character >= '\t' && character <= '\r');
 }
 
+// Of the white-space character that `isAt` finds in its place and whose outermost byte is `byte`; 0 for none.
+template <class Predicate>
+std::size_t whiteSpaceLength(char byte, Predicate isAt) {
+  if (isAscii(byte)) return isAsciiWhiteSpace(byte) ? 1 : 0;
+  const auto* const found = std::ranges::find_if(kWideWhiteSpace, isAt);
+  return found == kWideWhiteSpace.end() ? 0 : found->size();
+}
+
 std::size_t trailingWhiteSpace(std::string_view text) {
   if (text.empty()) return 0;
-  if (isAscii(text.back())) return isAsciiWhiteSpace(text.back()) ? 1 : 0;
-  const auto* const found = std::find_if(kWideWhiteSpace.begin(), kWideWhiteSpace.end(),
-                                         [&](std::string_view character) { return text.ends_with(character); });
-  return found == kWideWhiteSpace.end() ? 0 : found->size();
+  return whiteSpaceLength(text.back(), [&](std::string_view character) { return text.ends_with(character); });
+}
+
+constexpr std::string_view kReplacement = "\uFFFD";
+
+struct Lead {
+  std::size_t length = 0;  // 0: no sequence begins with this byte
+  unsigned char secondFrom = 0x80;
+  unsigned char secondTo = 0xBF;
+};
+
+// Table 3-7 of the Unicode Standard: the second byte's range keeps out overlong forms, surrogates
+// and values above U+10FFFF.
+Lead lead(unsigned char byte) {
+  if (byte < 0x80) return {1};
+  if (byte < 0xC2) return {};
+  if (byte < 0xE0) return {2};
+  if (byte == 0xE0) return {3, 0xA0, 0xBF};
+  if (byte == 0xED) return {3, 0x80, 0x9F};
+  if (byte < 0xF0) return {3};
+  if (byte == 0xF0) return {4, 0x90, 0xBF};
+  if (byte < 0xF4) return {4};
+  if (byte == 0xF4) return {4, 0x80, 0x8F};
+  return {};
+}
+
+struct Part {
+  std::size_t length = 0;  // bytes that belong together, at least 1
+  bool wellFormed = false;
+};
+
+Part firstPart(std::string_view bytes) {
+  const auto at = [&](std::size_t index) { return static_cast<unsigned char>(bytes[index]); };
+  const Lead expected = lead(at(0));
+  if (expected.length == 0) return {1, false};
+  std::size_t length = 1;
+  while (length < std::min(expected.length, bytes.size())) {
+    const unsigned char from = length == 1 ? expected.secondFrom : 0x80;
+    const unsigned char to = length == 1 ? expected.secondTo : 0xBF;
+    if (at(length) < from || at(length) > to) break;
+    ++length;
+  }
+  return {length, length == expected.length};
 }
 
 }  // namespace
@@ -83,14 +130,8 @@ std::string removedIgnoringCase(std::string_view text, std::string_view part) {
 std::string replacedCharacters(std::string_view text, std::initializer_list<CharacterReplacement> replacements) {
   std::string result;
   for (const char character : text) {
-    const auto* const found =
-        std::find_if(replacements.begin(), replacements.end(),
-                     [&](const CharacterReplacement& candidate) { return candidate.character == character; });
-    if (found == replacements.end()) {
-      result += character;
-    } else {
-      result += found->replacement;
-    }
+    const auto* const found = std::ranges::find(replacements, character, &CharacterReplacement::character);
+    result += found == replacements.end() ? std::string_view(&character, 1) : found->replacement;
   }
   return result;
 }
@@ -109,10 +150,7 @@ std::string percentEncoded(std::string_view bytes, std::string_view plain) {
 
 std::size_t leadingWhiteSpace(std::string_view text) {
   if (text.empty()) return 0;
-  if (isAscii(text.front())) return isAsciiWhiteSpace(text.front()) ? 1 : 0;
-  const auto* const found = std::find_if(kWideWhiteSpace.begin(), kWideWhiteSpace.end(),
-                                         [&](std::string_view character) { return text.starts_with(character); });
-  return found == kWideWhiteSpace.end() ? 0 : found->size();
+  return whiteSpaceLength(text.front(), [&](std::string_view character) { return text.starts_with(character); });
 }
 
 std::string_view trimmedWhiteSpace(std::string_view text) {
@@ -130,6 +168,27 @@ std::string plainLowerCased(std::string_view text) {
     text.remove_prefix(std::max(blank, std::size_t{1}));
   }
   return plain;
+}
+
+bool isUtf8(std::string_view bytes) {
+  while (!bytes.empty()) {
+    const Part part = firstPart(bytes);
+    if (!part.wellFormed) return false;
+    bytes.remove_prefix(part.length);
+  }
+  return true;
+}
+
+std::string repairedUtf8(std::string_view bytes) {
+  if (std::ranges::all_of(bytes, isAscii)) return std::string(bytes);
+  std::string text;
+  text.reserve(bytes.size());
+  while (!bytes.empty()) {
+    const Part part = firstPart(bytes);
+    text.append(part.wellFormed ? bytes.substr(0, part.length) : kReplacement);
+    bytes.remove_prefix(part.length);
+  }
+  return text;
 }
 
 }  // namespace nimbo

@@ -4,7 +4,6 @@
 #include <algorithm>
 
 namespace nimbo {
-
 namespace {
 
 struct Names {
@@ -12,17 +11,10 @@ struct Names {
   std::string_view shown;
 };
 
-Names namesOf(DashboardTab tab) {
-  switch (tab) {
-    case DashboardTab::ai:
-      return {"ai", "AI"};
-    case DashboardTab::memory:
-      return {"memory", "Mem"};
-    case DashboardTab::awake:
-      return {"awake", "Awake"};
-  }
-  return {};
-}
+// In the order of the tabs.
+constexpr std::array<Names, kAllDashboardTabs.size()> kNames{{{"ai", "AI"}, {"memory", "Mem"}, {"awake", "Awake"}}};
+
+const Names& namesOf(DashboardTab tab) { return kNames.at(static_cast<std::size_t>(tab)); }
 
 }  // namespace
 

@@ -16,4 +16,15 @@ inline constexpr std::array kAllUsageProviders{UsageProvider::codex, UsageProvid
   return provider == UsageProvider::codex ? "codex" : "claude";
 }
 
+/// The name under which people know the service: "Codex" or "Claude".
+[[nodiscard]] constexpr std::string_view displayName(UsageProvider provider) {
+  return provider == UsageProvider::codex ? "Codex" : "Claude";
+}
+
+/// Where a user sees the provider's own account of the limits.
+[[nodiscard]] constexpr const char* usagePage(UsageProvider provider) {
+  return provider == UsageProvider::codex ? "https://chatgpt.com/codex/settings/usage"
+                                          : "https://claude.ai/settings/usage";
+}
+
 }  // namespace nimbo

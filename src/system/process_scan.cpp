@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-#include "base/utf8_text.h"
+#include "base/text.h"
 
 namespace nimbo {
 namespace {

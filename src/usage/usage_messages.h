@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <fmt/format.h>
+
 #include <string>
 #include <string_view>
 
@@ -17,8 +19,12 @@ inline constexpr char kClaudeCodeSignInExpired[] = "Sign-in expired. Open Claude
 inline constexpr char kSignInReadStillWaiting[] =
     "A sign-in read is still waiting on Keychain. Check for a macOS prompt, then refresh.";
 inline constexpr char kSignInReadTimedOut[] = "Sign-in access timed out. Check Keychain access and refresh.";
-[[nodiscard]] std::string signInUnreadable(UsageProvider provider);
-[[nodiscard]] std::string noSubscriptionSignIn(UsageProvider provider);
+[[nodiscard]] inline std::string signInUnreadable(UsageProvider provider) {
+  return fmt::format("Sign-in data is unreadable. Sign in again in {} first.", displayName(provider));
+}
+[[nodiscard]] inline std::string noSubscriptionSignIn(UsageProvider provider) {
+  return fmt::format("No subscription sign-in found. Sign in with {} first.", displayName(provider));
+}
 
 // The answer of a web service.
 inline constexpr char kNoHttpResponse[] = "No response from the provider.";
@@ -29,10 +35,16 @@ inline constexpr char kNoSupportedLimits[] = "No supported usage limits returned
 inline constexpr char kSignInCannotReadUsage[] =
     "This sign-in cannot read usage. Check your subscription and sign-in permissions.";
 inline constexpr char kProviderUnreachable[] = "Couldn’t reach the provider. Check your connection and refresh.";
-[[nodiscard]] std::string signInExpired(UsageProvider provider);
+[[nodiscard]] inline std::string signInExpired(UsageProvider provider) {
+  return fmt::format("Sign-in expired. Open {} to sign in again, then refresh.", displayName(provider));
+}
 /// `time` is the local time of day, without a date.
-[[nodiscard]] std::string rateLimitReached(std::string_view time);
-[[nodiscard]] std::string serviceUnavailable(int status);
+[[nodiscard]] inline std::string rateLimitReached(std::string_view time) {
+  return fmt::format("Provider rate limit reached. Retry at {}. Refresh cannot shorten this wait.", time);
+}
+[[nodiscard]] inline std::string serviceUnavailable(int status) {
+  return fmt::format("Usage service unavailable (HTTP {}). Retrying later.", status);
+}
 
 // The command-line tool.
 inline constexpr char kClaudeCodeUnavailable[] = "Claude Code usage is unavailable.";
@@ -44,6 +56,10 @@ inline constexpr char kClaudeCodeScreenUnsupported[] =
     "Claude Code returned an unsupported usage screen. Update Claude Code and refresh.";
 inline constexpr char kClaudeCodeGaveNoUsage[] =
     "Claude Code couldn’t return usage. Run claude, sign in and check /usage, then refresh.";
+
+// A usage screen, whichever program shows it.
+inline constexpr char kNoReadableClaudeLimits[] =
+    "No readable Claude limits. Sign in with Claude Code and check /usage, then refresh.";
 
 // The desktop application.
 inline constexpr char kDesktopNeedsAccessibility[] =

@@ -4,7 +4,7 @@
 #include "fuzz/fuzz_input.h"
 #include "update/feed/update_choice.h"
 #include "update/feed/update_feed_parser.h"
-#include "update/feed/version_order.h"
+#include "update/feed/update_item.h"
 
 using namespace nimbo;
 

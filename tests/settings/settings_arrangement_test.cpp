@@ -128,17 +128,5 @@ TEST_F(SettingsTest, ProviderOrderFollowsClaudeFirst) {
   EXPECT_EQ(settings.providerOrder(), (Providers{UsageProvider::codex, UsageProvider::claude}));
 }
 
-TEST_F(SettingsTest, ProviderOrderStoresWhetherClaudeComesFirst) {
-  Settings settings(defaults);
-  settings.setProviderOrder(Providers{UsageProvider::claude, UsageProvider::codex});
-  EXPECT_EQ(stored("claudeFirst"), true);
-  settings.setProviderOrder(Providers{UsageProvider::codex, UsageProvider::claude});
-  EXPECT_EQ(stored("claudeFirst"), false);
-  settings.setProviderOrder(Providers{UsageProvider::claude});
-  EXPECT_EQ(stored("claudeFirst"), true);
-  settings.setProviderOrder({});
-  EXPECT_EQ(stored("claudeFirst"), false);
-}
-
 }  // namespace
 }  // namespace nimbo

@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: MIT
-#include "settings/settings_migration.h"
-
 #include <gtest/gtest.h>
 
 #include <algorithm>

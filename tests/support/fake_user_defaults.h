@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "base/preference_value.h"
+#include "base/bounded_json.h"
 #include "platform/user_defaults.h"
 
 namespace nimbo {

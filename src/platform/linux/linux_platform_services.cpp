@@ -18,7 +18,7 @@
 #include "platform/linux/desktop/xdg_login_item.h"
 #include "platform/linux/display/desktop_display_power.h"
 #include "platform/linux/display/display_modules.h"
-#include "platform/linux/files/plain_secret_files.h"
+#include "platform/linux/files/regular_file.h"
 #include "platform/linux/files/xdg_folders.h"
 #include "platform/linux/http/module_http_client.h"
 #include "platform/linux/loop/background_threads.h"

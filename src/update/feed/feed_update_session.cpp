@@ -5,14 +5,61 @@
 #include <utility>
 
 #include "update/feed/update_feed_parser.h"
-#include "update/feed/update_notices.h"
-#include "update/feed/update_signature.h"
+#include "update/feed/update_item.h"
 
 namespace nimbo {
 namespace {
 
 constexpr int kOk = 200;
 constexpr std::chrono::minutes kLongestDownload{30};
+
+// What the user is told at each step. The last button is the one that ends it. `version` and `installed` are for
+// people, such as "1.2".
+namespace update_notices {
+
+constexpr const char* kUnreachable = "The update server can’t be reached. Check the internet connection and try again.";
+constexpr const char* kNoFeed = "The update server’s answer isn’t a list of updates.";
+constexpr const char* kNoPackage = "The update server didn’t send it. Try again later.";
+constexpr const char* kWrongPackage = "The downloaded update was damaged or isn’t genuine. Nothing was changed.";
+
+UpdateNotice checking() { return {"Checking for updates…", "", {"Cancel"}}; }
+
+UpdateNotice available(const std::string& version, const std::string& installed) {
+  return {
+      "Nimbo " + version + " is available",
+      "You have " + installed + ". The update is saved in your Downloads folder, where you install it when you like.",
+      {"Download", "Later"}};
+}
+
+UpdateNotice downloading(const std::string& version) { return {"Downloading Nimbo " + version + "…", "", {"Cancel"}}; }
+
+UpdateNotice ready(const std::string& version) {
+  return {"Nimbo " + version + " is ready to install",
+          "The package is in your Downloads folder. Open it there to install the update.",
+          {"Show in Folder", "Done"}};
+}
+
+/// Something has gone wrong, for one of the reasons above or another.
+UpdateNotice failedCheck(const std::string& reason) { return {"Couldn’t check for updates", reason, {"OK"}}; }
+
+/// The check has found no update.
+UpdateNotice nothing(NoUpdate why, const std::string& installed) {
+  if (why == NoUpdate::untrusted) {
+    return failedCheck("The update server offers a version that isn’t signed as it should be, so it was left alone.");
+  }
+  const std::string scope = why == NoUpdate::otherSystem ? " for this system." : ".";
+  return {"You’re up to date", "Nimbo " + installed + " is the newest version" + scope, {"OK"}};
+}
+
+UpdateNotice failedDownload(const std::string& version, const std::string& reason) {
+  return {"Couldn’t download Nimbo " + version, reason, {"OK"}};
+}
+
+std::string notSaved(std::error_code why) {
+  return "It couldn’t be saved in your Downloads folder: " + why.message() + ".";
+}
+
+}  // namespace update_notices
 
 KeptPackage verifyAndSave(const UpdateItem& item, const std::string& package, const PackageSaver& save) {
   if (!describes(item, package)) return tl::unexpected(std::string(update_notices::kWrongPackage));

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "update/feed/version_order.h"
+#include "update/feed/update_item.h"
 
 namespace nimbo {
 namespace {

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "update/feed/update_item.h"
 
-#include <algorithm>
-#include <string_view>
+#include <sodium.h>
 
-#include "update/feed/version_order.h"
+#include <algorithm>
+#include <array>
+#include <optional>
+
+#include "base/text.h"
 #include "update/https_url.h"
 
 namespace nimbo {
@@ -27,6 +30,25 @@ bool isBoundedVersion(std::string_view text) { return text.size() <= kLongestTex
 
 bool isArchitecture(std::string_view text) {
   return text.size() <= kLongestText && consistsOf(text, "abcdefghijklmnopqrstuvwxyz0123456789-");
+}
+
+/// Takes the first number off `version`, without its leading zeros: "" is 0.
+std::string_view takeNumber(std::string_view& version) {
+  std::string_view number = takeUntil(version, '.');
+  number.remove_prefix(std::min(number.find_first_not_of('0'), number.size()));
+  return number;
+}
+
+const unsigned char* bytesOf(std::string_view text) { return reinterpret_cast<const unsigned char*>(text.data()); }
+
+/// Exactly that many bytes, with padding as the standard wants it.
+template <std::size_t kSize>
+std::optional<std::array<unsigned char, kSize>> decoded(const std::string& base64) {
+  std::array<unsigned char, kSize> bytes{};
+  std::size_t size = 0;
+  const int result = sodium_base642bin(bytes.data(), bytes.size(), base64.data(), base64.size(), nullptr, &size,
+                                       nullptr, sodium_base64_VARIANT_ORIGINAL);
+  return result == 0 && size == kSize ? std::optional(bytes) : std::nullopt;
 }
 
 }  // namespace
@@ -54,6 +76,41 @@ std::string packageFileName(const UpdateItem& item) {
                      name.ends_with(".deb") &&
                      consistsOf(name, "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789.+~_-");
   return plain ? name : std::string();
+}
+
+bool isSigned(const UpdateItem& item, const std::string& publicKey) {
+  if (sodium_init() < 0) return false;
+  const auto key = decoded<crypto_sign_PUBLICKEYBYTES>(publicKey);
+  const auto signature = decoded<crypto_sign_BYTES>(item.signature);
+  if (!key || !signature) return false;
+  const std::string statement = updateStatement(item);
+  return crypto_sign_verify_detached(signature->data(), bytesOf(statement), statement.size(), key->data()) == 0;
+}
+
+bool describes(const UpdateItem& item, std::string_view package) {
+  if (package.size() != item.length) return false;
+  std::array<unsigned char, crypto_hash_sha256_BYTES> digest{};
+  crypto_hash_sha256(digest.data(), bytesOf(package), package.size());
+  std::array<char, 2 * crypto_hash_sha256_BYTES + 1> text{};
+  sodium_bin2hex(text.data(), text.size(), digest.data(), digest.size());
+  return item.sha256 == text.data();
+}
+
+bool isVersion(std::string_view text) {
+  return !text.empty() && text.front() != '.' && text.back() != '.' && text.find("..") == std::string_view::npos &&
+         text.find_first_not_of(".0123456789") == std::string_view::npos;
+}
+
+bool isNewerVersion(std::string_view candidate, std::string_view than) {
+  if (!isVersion(candidate) || !isVersion(than)) return false;
+  while (!candidate.empty() || !than.empty()) {
+    // As text, so that no number is too large.
+    const auto left = takeNumber(candidate);
+    const auto right = takeNumber(than);
+    if (left.size() != right.size()) return left.size() > right.size();
+    if (left != right) return left > right;
+  }
+  return false;
 }
 
 }  // namespace nimbo

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 
 namespace nimbo {
 
@@ -31,5 +32,18 @@ struct UpdateItem {
 
 /// The last part of the package's URL; empty when it is not the plain name of a Debian package.
 [[nodiscard]] std::string packageFileName(const UpdateItem& item);
+
+/// Whether the owner of `publicKey` (Ed25519, in base64) has signed what the item says.
+[[nodiscard]] bool isSigned(const UpdateItem& item, const std::string& publicKey);
+
+/// Whether `package` is the very one that the item describes. Takes a second for 300 MB.
+[[nodiscard]] bool describes(const UpdateItem& item, std::string_view package);
+
+/// Whether `text` is numbers with dots between them, such as "1.10.2". The numbers may be of any length.
+[[nodiscard]] bool isVersion(std::string_view text);
+
+/// Number by number; missing ones count as 0. False also when either is no version: what cannot be
+/// compared is not newer.
+[[nodiscard]] bool isNewerVersion(std::string_view candidate, std::string_view than);
 
 }  // namespace nimbo

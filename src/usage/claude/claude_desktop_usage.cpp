@@ -75,7 +75,7 @@ UsageOutcome ClaudeDesktopUsage::read(std::string_view localZone, const std::sto
     const std::string text = windowText(*window, clock_, stop);
     if (stop.stop_requested()) return tl::unexpected(UsageError{});
     if (text.find(kMarker) == std::string::npos) continue;
-    if (auto snapshot = parseUsageScreen(text, clock_.now(), kDesktopSource, localZone)) return *std::move(snapshot);
+    if (auto outcome = parseUsageScreen(text, clock_.now(), kDesktopSource, localZone)) return outcome;
   }
   return tl::unexpected(UsageError{usage_messages::kDesktopUsageNotShown});
 }

@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "usage/claude/claude_tool.h"
-#include "usage/claude/trust_question.h"
 #include "usage/claude/usage_screen_parser.h"
 #include "usage/usage_messages.h"
 
@@ -17,6 +16,8 @@ using std::chrono::milliseconds;
 using Interval = std::chrono::duration<double>;
 
 constexpr std::size_t kMaximumScreenBytes = std::size_t{512} * 1024;
+// The question has some hundred bytes: what was written before these is no part of it.
+constexpr std::size_t kLongestQuestion = std::size_t{16} * 1024;
 constexpr std::string_view kToolSource = "Claude Code";
 constexpr std::string_view kYes = "y\r";
 
@@ -24,14 +25,14 @@ constexpr std::string_view kYes = "y\r";
 /// whether it may trust its folder, once.
 class ScreenWatch {
  public:
-  /// All but `folderNames`, by each of which the tool may call its folder, outlive it. Nothing of `program` is stopped.
+  /// All outlive it; the tool may call its folder by each of `folderNames`. Nothing of `program` is stopped.
   ScreenWatch(TerminalProgram& program, const ClaudeUsageCLI& cli, const std::vector<std::string>& folderNames,
               const std::stop_token& stop)
       : program_(program),
         cli_(cli),
         clock_(cli.services.clock),
         stop_(stop),
-        question_(folderNames),
+        folderNames_(folderNames),
         latestOutput_(clock_.uptime()) {}
 
   [[nodiscard]] UsageOutcome run(Interval timeout) {
@@ -42,7 +43,7 @@ class ScreenWatch {
     if (stop_.stop_requested()) return tl::unexpected(UsageError{});
     interpret();
     if (!latest_) return tl::unexpected(UsageError{usage_messages::kClaudeCodeGaveNoUsage});
-    return *latest_;
+    return latest_;
   }
 
  private:
@@ -51,11 +52,10 @@ class ScreenWatch {
     // A program that has ended may have left output, but somebody else may hold its terminal: that is not
     // waited for.
     const bool running = program_.running();
-    std::string bytes;
-    const auto input = program_.read(bytes, running ? patience(deadline) : milliseconds{0});
+    const auto input = program_.read(screen_, running ? patience(deadline) : milliseconds{0});
     if (input == TerminalProgram::Input::ended) return false;
     if (input == TerminalProgram::Input::some) {
-      take(bytes);
+      screenHasGrown();
       return !isTooMuch();
     }
     interpret();
@@ -73,31 +73,29 @@ class ScreenWatch {
   }
 
   /// More than any usage screen.
-  [[nodiscard]] bool isTooMuch() const { return size_ > kMaximumScreenBytes; }
+  [[nodiscard]] bool isTooMuch() const { return screen_.size() > kMaximumScreenBytes; }
 
-  void take(std::string_view bytes) {
+  void screenHasGrown() {
     latestOutput_ = clock_.uptime();
-    size_ += bytes.size();
     if (isTooMuch()) return;
-    if (question_) question_->append(bytes);
-    if (question_ && question_->isAsked()) return answer();
-    screen_.append(bytes);
+    const std::string_view end =
+        std::string_view(screen_).substr(screen_.size() - std::min(screen_.size(), kLongestQuestion));
+    if (!hasAnswered_ && asksForTrust(end, folderNames_)) return answer();
     drawnAt_ = clock_.now();
   }
 
   void answer() {
     // Should it not get through, the tool waits for it until the time is up.
     (void)program_.write(kYes);
-    question_.reset();
-    screen_ = {};
-    size_ = 0;
+    hasAnswered_ = true;
+    screen_.clear();
     drawnAt_.reset();
   }
 
   // Only when the tool pauses: a screen that is drawn in a thousand pieces is understood once.
   void interpret() {
     if (const auto drawnAt = std::exchange(drawnAt_, std::nullopt)) {
-      latest_ = screen_.snapshot(*drawnAt, kToolSource, cli_.surroundings.localZone);
+      latest_ = parseUsageScreen(screen_, *drawnAt, kToolSource, cli_.surroundings.localZone);
     }
   }
 
@@ -105,11 +103,11 @@ class ScreenWatch {
   const ClaudeUsageCLI& cli_;
   const Clock& clock_;
   const std::stop_token& stop_;
-  UsageScreenParser screen_;
-  std::size_t size_ = 0;                   // of what `screen_` was given
-  std::optional<TrustQuestion> question_;  // until it is answered
-  std::optional<UsageTime> drawnAt_;       // of what was not interpreted yet
-  std::optional<UsageSnapshot> latest_;
+  const std::vector<std::string>& folderNames_;
+  std::string screen_;  // all that the tool has written, or since the answer
+  bool hasAnswered_ = false;
+  std::optional<UsageTime> drawnAt_;                    // of what was not interpreted yet
+  UsageOutcome latest_ = tl::unexpected(UsageError{});  // of what was interpreted
   Interval latestOutput_;
 };
 
@@ -131,8 +129,8 @@ UsageOutcome ClaudeUsageCLI::fetch(const std::filesystem::path& executable, Inte
                                         .environment = claude_tool::environment(surroundings.environment),
                                         .folder = folder->path});
   if (!tool) return tl::unexpected(UsageError{});
-  ScreenWatch watch(**tool, *this, {surroundings.workspace, folder->path}, stop);
-  auto snapshot = watch.run(timeout);
+  const std::vector<std::string> folderNames{surroundings.workspace, folder->path};
+  auto snapshot = ScreenWatch(**tool, *this, folderNames, stop).run(timeout);
   (*tool)->stop(pace.stopping);
   return snapshot;
 }

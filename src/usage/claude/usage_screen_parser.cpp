@@ -3,10 +3,14 @@
 
 #include <algorithm>
 #include <charconv>
+#include <limits>
+#include <optional>
 #include <utility>
+#include <vector>
 
 #include "base/text.h"
 #include "usage/claude/reset_text_parser.h"
+#include "usage/usage_messages.h"
 
 namespace nimbo {
 namespace {
@@ -15,6 +19,36 @@ namespace {
 // not cost without end.
 constexpr std::size_t kMaximumWindows = 64;
 constexpr std::size_t kLongestLine = 16384;
+
+// How long the sequence is that `text` begins with: ESC ] … ended by BEL or ESC \ with neither of them in
+// between. 0 for none.
+std::size_t commandLength(std::string_view text) {
+  const std::size_t end = text.starts_with("\x1B]") ? text.find_first_of("\a\x1B", 2) : std::string_view::npos;
+  if (end == std::string_view::npos) return 0;
+  if (text[end] == '\a') return end + 1;
+  return text.substr(end).starts_with("\x1B\\") ? end + 2 : 0;
+}
+
+// Likewise: ESC [ parameters, intermediates and one final character.
+std::size_t controlLength(std::string_view text) {
+  if (!text.starts_with("\x1B[")) return 0;
+  const std::size_t intermediates = std::min(text.find_first_not_of("0123456789:;<=>?", 2), text.size());
+  const std::size_t last = text.find_first_not_of(" !\"#$%&'()*+,-./", intermediates);
+  const bool isComplete = last != std::string_view::npos && text[last] >= '@' && text[last] <= '~';
+  return isComplete ? last + 1 : 0;
+}
+
+std::string withoutSequences(std::string_view text, std::size_t (*sequenceLength)(std::string_view)) {
+  std::string plain;
+  while (!text.empty()) {
+    const std::size_t sequence = sequenceLength(text);
+    // What is no sequence is text, up to where the next one may begin.
+    const std::size_t length = sequence > 0 ? sequence : std::min(text.find('\x1B', 1), text.size());
+    if (sequence == 0) plain.append(text.substr(0, length));
+    text.remove_prefix(length);
+  }
+  return plain;
+}
 
 bool isUsedNext(std::string_view text) {
   while (const std::size_t length = leadingWhiteSpace(text)) text.remove_prefix(length);
@@ -65,75 +99,81 @@ std::optional<std::string> windowTitle(std::string_view line) {
   return removedIgnoringCase(name, " only") + " weekly";
 }
 
+/// Understands the lines of a screen.
+class ScreenWindows {
+ public:
+  struct Window {
+    std::string title;
+    double usedPercent = std::numeric_limits<double>::infinity();  ///< until its figure is found
+    std::string_view resetLine{};                                  ///< empty for none
+  };
+
+  void take(std::string_view untrimmed) {
+    if (untrimmed.empty() || untrimmed.size() > kLongestLine) return;
+    const std::string_view line = trimmedWhiteSpace(untrimmed);
+    if (auto title = windowTitle(line)) {
+      commit();
+      begun_ = Window{std::move(*title)};
+    } else if (begun_) {
+      takeDetail(line);
+    }
+  }
+
+  /// Nothing more belongs to the window that was begun.
+  void commit() {
+    const auto window = std::exchange(begun_, std::nullopt);
+    if (!window || window->usedPercent > 100) return;
+    const auto known = std::ranges::find(all_, window->title, &Window::title);
+    if (known != all_.end()) {
+      *known = *window;
+    } else if (all_.size() < kMaximumWindows) {
+      all_.push_back(*window);
+    }
+  }
+
+  /// Those with a figure, one per title, in the order of their first appearance.
+  [[nodiscard]] const std::vector<Window>& all() const { return all_; }
+
+ private:
+  void takeDetail(std::string_view line) {
+    if (const auto figure = usedFigure(line)) begun_->usedPercent = *figure;
+    if (startsWithIgnoringCase(line, "resets ")) begun_->resetLine = line;
+    const bool isOtherSection = startsWithIgnoringCase(line, "usage credits") ||
+                                startsWithIgnoringCase(line, "extra usage") || equalsIgnoringCase(line, "activity");
+    if (isOtherSection) commit();
+  }
+
+  std::vector<Window> all_;
+  std::optional<Window> begun_;
+};
+
 }  // namespace
 
-void UsageScreenLines::takeAll(std::string_view text) {
-  for (std::size_t end = text.find('\n'); end != std::string_view::npos; end = text.find('\n')) {
-    take(text.substr(0, end));
-    text.remove_prefix(end + 1);
-  }
-  take(text);
+std::string plainTerminalText(std::string_view bytes) {
+  std::string text = withoutSequences(withoutSequences(repairedUtf8(bytes), commandLength), controlLength);
+  std::ranges::replace(text, '\r', '\n');
+  return text;
 }
 
-void UsageScreenLines::take(std::string_view untrimmed) {
-  if (untrimmed.empty() || untrimmed.size() > kLongestLine) return;
-  const std::string_view line = trimmedWhiteSpace(untrimmed);
-  if (auto title = windowTitle(line)) {
-    commit();
-    begun_ = Window{std::move(*title)};
-  } else if (begun_) {
-    takeDetail(line);
-  }
+bool asksForTrust(std::string_view screen, const std::vector<std::string>& folderNames) {
+  const std::string text = plainTerminalText(screen);
+  const auto shows = [&text](std::string_view part) { return text.find(part) != std::string::npos; };
+  return shows("y. Yes, I trust this folder") && shows("Enter y/n:") &&
+         std::ranges::any_of(folderNames, [&](const std::string& name) { return shows(repairedUtf8(name)); });
 }
 
-void UsageScreenLines::takeDetail(std::string_view line) {
-  if (const auto figure = usedFigure(line)) begun_->usedPercent = *figure;
-  if (startsWithIgnoringCase(line, "resets ")) begun_->resetLine = line;
-  const bool isOtherSection = startsWithIgnoringCase(line, "usage credits") ||
-                              startsWithIgnoringCase(line, "extra usage") || equalsIgnoringCase(line, "activity");
-  if (isOtherSection) commit();
-}
-
-void UsageScreenLines::commit() {
-  const auto window = std::exchange(begun_, std::nullopt);
-  if (!window || window->usedPercent > 100) return;
-  const auto known = std::ranges::find(windows_, window->title, &Window::title);
-  if (known != windows_.end()) {
-    *known = *window;
-  } else if (windows_.size() < kMaximumWindows) {
-    windows_.push_back(*window);
-  }
-}
-
-void UsageScreenParser::append(std::string_view bytes) {
-  const std::size_t searched = text_.settled().size();
-  text_.append(bytes);
-  const std::string_view settled = text_.settled();
-  const std::size_t lastLineFeed = settled.substr(searched).rfind('\n');
-  if (lastLineFeed == std::string_view::npos) return;
-  const std::size_t lineEnd = searched + lastLineFeed;
-  lines_.takeAll(settled.substr(lineStart_, lineEnd - lineStart_));
-  lineStart_ = lineEnd + 1;
-}
-
-std::optional<UsageSnapshot> UsageScreenParser::snapshot(UsageTime now, std::string_view source,
-                                                         std::string_view localZone) const {
-  UsageScreenLines lines = lines_;
-  lines.takeAll(text_.settled().substr(lineStart_) + text_.unsettled());
-  lines.commit();
-  if (lines.windows().empty()) return std::nullopt;
+UsageOutcome parseUsageScreen(std::string_view screen, UsageTime now, std::string_view source,
+                              std::string_view localZone) {
+  const std::string text = plainTerminalText(screen);
+  ScreenWindows windows;
+  for (std::string_view rest = text; !rest.empty();) windows.take(takeUntil(rest, '\n'));
+  windows.commit();
+  if (windows.all().empty()) return tl::unexpected(UsageError{usage_messages::kNoReadableClaudeLimits});
   UsageSnapshot snapshot{.windows = {}, .fetchedAt = now, .source = std::string(source)};
-  for (const auto& [title, usedPercent, resetLine] : lines.windows()) {
+  for (const auto& [title, usedPercent, resetLine] : windows.all()) {
     snapshot.windows.push_back({title, usedPercent, parseResetText(resetLine, now, localZone)});
   }
   return snapshot;
-}
-
-std::optional<UsageSnapshot> parseUsageScreen(std::string_view text, UsageTime now, std::string_view source,
-                                              std::string_view localZone) {
-  UsageScreenParser parser;
-  parser.append(text);
-  return parser.snapshot(now, source, localZone);
 }
 
 }  // namespace nimbo

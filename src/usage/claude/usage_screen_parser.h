@@ -1,62 +1,26 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <cstddef>
-#include <limits>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "usage/claude/terminal_text.h"
 #include "usage/usage_model.h"
 
 namespace nimbo {
 
-/// Understands a usage screen line by line: a title, then its figure and its reset, in any order and
-/// with anything in between.
-class UsageScreenLines {
- public:
-  struct Window {
-    std::string title;
-    double usedPercent = std::numeric_limits<double>::infinity();  ///< until its figure is found
-    std::string resetLine{};                                       ///< empty for none
-  };
+/// What a program wrote to its terminal, as plain text: lossy UTF-8 without operating-system commands and
+/// control sequences, each carriage return a line feed. A sequence that has not ended yet is text. Linear time.
+[[nodiscard]] std::string plainTerminalText(std::string_view bytes);
 
-  /// All lines of `text`, the last of which need not end.
-  void takeAll(std::string_view text);
-  /// Nothing more belongs to the window that was begun.
-  void commit();
+/// Whether the tool's screen, as it was written to the terminal, shows the whole question whether a folder may
+/// be trusted that goes by one of these names.
+[[nodiscard]] bool asksForTrust(std::string_view screen, const std::vector<std::string>& folderNames);
 
-  /// Those with a figure, one per title, in the order of their first appearance.
-  [[nodiscard]] const std::vector<Window>& windows() const { return windows_; }
-
- private:
-  void take(std::string_view untrimmed);
-  void takeDetail(std::string_view line);
-
-  std::vector<Window> windows_;
-  std::optional<Window> begun_;
-};
-
-/// Reads the limits off a usage screen while it is being drawn: each byte is looked at once, and at any
-/// moment the answer is the one that the whole text so far would give. A plain value; any thread.
-class UsageScreenParser {
- public:
-  void append(std::string_view bytes);
-
-  /// The screen as it stands; absent while it shows no limit. `localZone` as in `parseResetText`.
-  [[nodiscard]] std::optional<UsageSnapshot> snapshot(UsageTime now, std::string_view source,
-                                                      std::string_view localZone) const;
-
- private:
-  TerminalText text_;
-  std::size_t lineStart_ = 0;  // of the first line that may still change
-  UsageScreenLines lines_;     // those before it
-};
-
-/// The same for a text that is complete.
-[[nodiscard]] std::optional<UsageSnapshot> parseUsageScreen(std::string_view text, UsageTime now,
-                                                            std::string_view source, std::string_view localZone);
+/// Reads the limits off a usage screen, as it was written to a terminal or as a window shows it, line by line:
+/// a title, then its figure and its reset, in any order and with anything in between. An error when it shows
+/// none. `source` is the snapshot's, `localZone` as in `parseResetText`. Linear time; any thread.
+[[nodiscard]] UsageOutcome parseUsageScreen(std::string_view screen, UsageTime now, std::string_view source,
+                                            std::string_view localZone);
 
 }  // namespace nimbo

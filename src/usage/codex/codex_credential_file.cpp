@@ -5,7 +5,7 @@
 #include <string_view>
 #include <utility>
 
-#include "base/utf8_text.h"
+#include "base/text.h"
 #include "usage/usage_messages.h"
 
 // RapidJSON adds to the null pointer of a stack that is still empty before it compares with the end.

@@ -18,4 +18,8 @@ namespace nimbo {
 /// which only a number of seconds counts; never less than ten minutes.
 [[nodiscard]] std::chrono::seconds rateLimitWait(const std::optional<std::string>& header);
 
+/// An instant such as "2026-11-21T14:30:00Z" or "2026-11-21T14:30:00.25+01:00" (the zone's colon may be
+/// missing); absent for anything else.
+[[nodiscard]] std::optional<UsageTime> parseIso8601(std::string_view text);
+
 }  // namespace nimbo

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/linux/files/plain_secret_files.h"
+#include "platform/linux/files/regular_file.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>

@@ -5,7 +5,7 @@
 
 #include <memory>
 
-#include "platform/linux/loop/sd_event_handles.h"
+#include "platform/linux/loop/sd_event_main_loop.h"
 #include "platform/linux/power/sysfs_power_sources.h"
 
 namespace nimbo {

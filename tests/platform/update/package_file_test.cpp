@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/linux/update/debian/package_file.h"
+#include "platform/linux/update/debian/downloads_folder.h"
 
 #include <gtest/gtest.h>
 #include <signal.h>

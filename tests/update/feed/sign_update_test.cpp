@@ -11,7 +11,7 @@
 #include "support/services/temporary_tree.h"
 #include "update/feed/signed_feed.h"
 #include "update/feed/update_feed_parser.h"
-#include "update/feed/update_signature.h"
+#include "update/feed/update_item.h"
 
 namespace nimbo {
 namespace {

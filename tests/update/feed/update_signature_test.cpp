@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "update/feed/update_signature.h"
+#include "update/feed/update_item.h"
 
 #include <gtest/gtest.h>
 

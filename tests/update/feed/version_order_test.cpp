@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "update/feed/version_order.h"
+#include "update/feed/update_item.h"
 
 #include <gtest/gtest.h>
 

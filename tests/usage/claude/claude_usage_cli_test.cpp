@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <ctime>
 #include <string>
 
 #include "support/fake_clock.h"
@@ -168,6 +170,32 @@ TEST_F(ClaudeUsageCLITest, HalfAMegabyteIsStillRead) {
   const std::string end = "\n" + session(61);
   terminals.writes(0ms, std::string(512 * 1024 - end.size(), '.') + end);
   EXPECT_EQ(percents(fetch()), std::vector{61.0});
+}
+
+TEST_F(ClaudeUsageCLITest, HalfAMegabyteInSmallReadsCostsLittle) {
+  std::string screen;
+  while (screen.size() < 500 * 1024) screen += "\x1B[31m" + session(61);
+  const std::clock_t begin = std::clock();
+  terminals.writes(0ms, screen);
+  EXPECT_EQ(percents(fetch()), std::vector{61.0});
+  const std::chrono::duration<double> cost(static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC);
+  EXPECT_LT(cost, std::chrono::milliseconds(NIMBO_SCREEN_LIMIT_MS));
+}
+
+TEST_F(ClaudeUsageCLITest, QuestionMayArriveInPieces) {
+  const std::string question = kQuestion;
+  for (std::size_t index = 0; index < question.size(); ++index) {
+    terminals.writes(std::chrono::milliseconds(index), question.substr(index, 1));
+  }
+  terminals.onWrite = [this](std::string_view) { terminals.writesAfter(200ms, kScreen); };
+  EXPECT_EQ(percents(fetch()), (std::vector{61.0, 20.0}));
+  EXPECT_EQ(terminals.written, Texts{"y\r"});
+}
+
+TEST_F(ClaudeUsageCLITest, QuestionMayComeAfterMuchElse) {
+  terminals.writes(0ms, std::string(100 * 1024, '.') + kQuestion);
+  terminals.onWrite = [this](std::string_view) { terminals.writesAfter(200ms, kScreen); };
+  EXPECT_EQ(percents(fetch()), (std::vector{61.0, 20.0}));
 }
 
 TEST_F(ClaudeUsageCLITest, MoreThanHalfAMegabyteIsRefusedEvenWithAScreen) {

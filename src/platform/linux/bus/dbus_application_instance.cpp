@@ -8,7 +8,7 @@
 #include <system_error>
 #include <utility>
 
-#include "base/utf8_text.h"
+#include "base/text.h"
 #include "platform/linux/bus/sd_bus_calls.h"
 
 namespace nimbo {

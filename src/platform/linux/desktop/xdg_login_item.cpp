@@ -13,8 +13,8 @@
 #include "platform/linux/desktop/desktop_entry.h"
 #include "platform/linux/desktop/desktop_programs.h"
 #include "platform/linux/files/atomic_file.h"
-#include "platform/linux/files/last_error.h"
 #include "platform/linux/files/regular_file.h"
+#include "platform/linux/files/unique_fd.h"
 
 namespace nimbo {
 namespace {

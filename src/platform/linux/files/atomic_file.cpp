@@ -8,7 +8,6 @@
 #include <cerrno>
 #include <cstdio>
 
-#include "platform/linux/files/last_error.h"
 #include "platform/linux/files/unique_fd.h"
 
 namespace nimbo {

@@ -9,7 +9,6 @@
 #include <cerrno>
 #include <cstdlib>
 
-#include "platform/linux/files/last_error.h"
 #include "platform/linux/files/unique_fd.h"
 
 namespace nimbo {

@@ -9,6 +9,7 @@
 
 #include "base/result.h"
 #include "base/secret.h"
+#include "platform/user_files.h"
 
 namespace nimbo {
 
@@ -50,5 +51,14 @@ enum class LinkedFile {
 [[nodiscard]] Result<Secret, std::error_code> readSecretFile(const std::filesystem::path& file,
                                                              std::size_t maximumBytes,
                                                              LinkedFile linked = LinkedFile::follow);
+
+/// Secrets in plain files.
+class PlainSecretFiles final : public SecretFiles {
+ public:
+  [[nodiscard]] Result<Secret, std::error_code> read(const std::filesystem::path& file,
+                                                     std::size_t maximumBytes) const override {
+    return readSecretFile(file, maximumBytes);
+  }
+};
 
 }  // namespace nimbo

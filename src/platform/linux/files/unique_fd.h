@@ -3,6 +3,9 @@
 
 #include <unistd.h>
 
+#include <cerrno>
+#include <system_error>
+
 #include "base/unique_handle.h"
 
 namespace nimbo {
@@ -13,5 +16,8 @@ struct FdTraits {
   static void release(Handle descriptor) { ::close(descriptor); }
 };
 using UniqueFd = UniqueHandle<FdTraits>;
+
+/// What `errno` says of the call that has just failed.
+[[nodiscard]] inline std::error_code lastError() { return {errno, std::generic_category()}; }
 
 }  // namespace nimbo

@@ -1,15 +1,21 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <systemd/sd-event.h>
+
 #include <memory>
 #include <mutex>
 #include <vector>
 
 #include "platform/linux/files/unique_fd.h"
-#include "platform/linux/loop/sd_event_handles.h"
 #include "platform/main_loop.h"
 
 namespace nimbo {
+
+using Event = UniquePointer<sd_event, sd_event_unref>;
+
+/// Releasing a source also stops it, although a handler that runs right now may still hold it.
+using EventSource = UniquePointer<sd_event_source, sd_event_source_disable_unref>;
 
 /// The main loop on libsystemd's sd-event. Timers carry their leeway as sd-event's accuracy.
 class SdEventMainLoop final : public MainLoop {

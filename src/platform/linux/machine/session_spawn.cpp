@@ -9,7 +9,7 @@
 
 #include <functional>
 
-#include "platform/linux/files/last_error.h"
+#include "platform/linux/files/unique_fd.h"
 
 namespace nimbo {
 namespace {

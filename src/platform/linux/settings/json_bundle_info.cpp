@@ -6,7 +6,6 @@
 #include <string>
 
 #include "base/bounded_json.h"
-#include "base/preference_value.h"
 #include "platform/linux/files/regular_file.h"
 
 namespace nimbo {

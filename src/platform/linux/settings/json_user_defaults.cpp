@@ -5,7 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
-#include "base/preference_value.h"
+#include "base/bounded_json.h"
 #include "platform/linux/settings/json_domain_file.h"
 
 namespace nimbo {

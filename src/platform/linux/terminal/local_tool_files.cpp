@@ -11,7 +11,6 @@
 #include <string_view>
 
 #include "platform/linux/files/atomic_file.h"
-#include "platform/linux/files/last_error.h"
 #include "platform/linux/files/regular_file.h"
 #include "platform/linux/files/unique_fd.h"
 

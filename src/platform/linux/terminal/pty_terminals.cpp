@@ -15,7 +15,6 @@
 #include <chrono>
 #include <utility>
 
-#include "platform/linux/files/last_error.h"
 #include "platform/linux/files/unique_fd.h"
 #include "platform/linux/machine/session_spawn.h"
 #include "platform/linux/terminal/session_processes.h"

@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "base/text.h"
-#include "base/utf8_text.h"
 #include "platform/linux/bus/sd_bus_calls.h"
 
 namespace nimbo {

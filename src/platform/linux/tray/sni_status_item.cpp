@@ -3,7 +3,7 @@
 
 #include <utility>
 
-#include "base/utf8_text.h"
+#include "base/text.h"
 #include "platform/linux/bus/sd_bus_calls.h"
 #include "platform/linux/tray/panel_appearance.h"
 #include "platform/linux/tray/registration_pacer.h"

@@ -5,7 +5,6 @@
 #include <initializer_list>
 
 #include "base/text.h"
-#include "base/utf8_text.h"
 #include "platform/linux/desktop/desktop_programs.h"
 
 namespace nimbo {

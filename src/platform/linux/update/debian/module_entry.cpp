@@ -4,7 +4,6 @@
 #include "platform/linux/files/regular_file.h"
 #include "platform/linux/update/debian/debian_system.h"
 #include "platform/linux/update/debian/downloads_folder.h"
-#include "platform/linux/update/debian/package_file.h"
 #include "platform/linux/update/update_module.h"
 #include "update/feed/feed_update_session.h"
 

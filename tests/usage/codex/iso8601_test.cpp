@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "usage/iso8601.h"
+#include "usage/codex/usage_response_parser.h"
 
 #include <gtest/gtest.h>
 
