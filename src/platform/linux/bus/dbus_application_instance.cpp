@@ -101,8 +101,8 @@ int DbusApplicationInstance::requestName(Deadline deadline) {
 int DbusApplicationInstance::forward(const std::vector<std::string>& links, Deadline deadline) {
   sd_bus* const bus = session_.get();
   if (links.empty()) return call(methodCall(bus, {kName, kPath, kInterface, "Activate"}, NoOptions()), deadline);
-  std::vector<std::string> repaired;
-  for (const std::string& link : links) repaired.push_back(repairedUtf8(link));
+  std::vector<std::string> repaired(links.size());
+  std::ranges::transform(links, repaired.begin(), repairedUtf8);
   return call(methodCall(bus, {kName, kPath, kInterface, "Open"}, repaired, NoOptions()), deadline);
 }
 

@@ -5,11 +5,11 @@ namespace nimbo {
 
 XfconfProperty followXfconf(sd_bus* session, const std::string& channel, const std::string& property,
                             const BusHandler& changed) {
-  constexpr const char* kService = "org.xfce.Xfconf";
-  constexpr const char* kPath = "/org/xfce/Xfconf";
-  const BusSignal set{kService, kPath, kService, "PropertyChanged", {channel, property}};
-  const BusSignal removed{kService, kPath, kService, "PropertyRemoved", {channel, property}};
-  const BusMethod get{kService, kPath, kService, "GetProperty"};
+  constexpr const char* kXfconf = "org.xfce.Xfconf";
+  constexpr const char* kXfconfPath = "/org/xfce/Xfconf";
+  const BusSignal set{kXfconf, kXfconfPath, kXfconf, "PropertyChanged", {channel, property}};
+  const BusSignal removed{kXfconf, kXfconfPath, kXfconf, "PropertyRemoved", {channel, property}};
+  const BusMethod get{kXfconf, kXfconfPath, kXfconf, "GetProperty"};
   const auto toldOfValue = [changed](sd_bus_message* signal) {
     if (sd_bus_message_skip(signal, "ss") >= 0) changed(signal);
   };

@@ -41,9 +41,10 @@ std::optional<PowerSupply::Charge> readCharge(const std::string& folder) {
   constexpr std::int64_t kWhole = 100;
   if (const auto percent = readNumberOf(folder + "/capacity"); percent && *percent <= kWhole)
     return {{*percent, kWhole}};
-  for (const std::string unit : {"energy", "charge"}) {
-    const auto full = readNumberOf(folder + "/" + unit + "_full");
-    const auto now = full ? readNumberOf(folder + "/" + unit + "_now") : std::nullopt;
+  for (const auto& [fullName, nowName] :
+       {std::pair{"/energy_full", "/energy_now"}, std::pair{"/charge_full", "/charge_now"}}) {
+    const auto full = readNumberOf(folder + fullName);
+    const auto now = full ? readNumberOf(folder + nowName) : std::nullopt;
     if (now && *full > 0) return {{*now, *full}};
   }
   return std::nullopt;

@@ -129,7 +129,8 @@ void paint(const PixelShape& shape, int side, std::vector<double>& alphas) {
   for (int y = pixel(std::floor(bounds.bottom)); y < pixel(std::ceil(bounds.top)); ++y) {
     for (int x = pixel(std::floor(bounds.left)); x < pixel(std::ceil(bounds.right)); ++x) {
       const double source = shape.alpha * coverage(shape, bounds, x, y);
-      double& alpha = alphas[static_cast<std::size_t>((side - 1 - y) * side + x)];
+      double& alpha =
+          alphas[static_cast<std::size_t>(side - 1 - y) * static_cast<std::size_t>(side) + static_cast<std::size_t>(x)];
       alpha = source + alpha * (1 - source);
     }
   }
