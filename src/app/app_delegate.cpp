@@ -9,28 +9,30 @@
 
 namespace nimbo {
 
-AppDelegate::AppDelegate(PlatformServices& platform, UserInterfaceMaker makeUserInterface, Settings& settings,
-                         Widgets widgets)
+AppDelegate::AppDelegate(PlatformServices& platform, UserInterface& windows, Settings& settings, Widgets widgets)
     : platform_(platform),
       clock_(*platform.readers().clock),
       settings_(settings),
       awake_({platform.mainLoop(), clock_, platform.assertionClient(), platform.powerSources(), platform.displayPower(),
               settings}),
       usage_(platform, settings, [this] { usageChanged(); }),
-      toolkit_(platform.mainLoop(), platform.workspace(), std::move(makeUserInterface),
-               makeMainMenu({.openSettings = [this] { openSettings(); }, .quit = [this] { quit(); }})),
       sampling_(platform, settings, samplingCallbacks()),
       widgets_(platform, {settings, sampling_.readings(), usage_.states()}, widgets == Widgets::published,
                [this] { settingsWindow_.syncIfVisible(); }),
-      updateAlerts_(toolkit_, platform.mainLoop(), [this] { dashboard_.close(); }),
+      updateAlerts_(windows, [this] { dashboard_.close(); }),
       updater_(platform, updateAlerts_),
-      dashboard_({toolkit_, platform.mainLoop(), platform.workspace()},
+      dashboard_({windows, platform.mainLoop(), platform.workspace()},
                  {settings, sampling_.readings(), awake_, usage_.states(), clock_, platform.dates()},
                  dashboardCallbacks()),
-      systemRequests_(platform, toolkit_),
-      settingsWindow_({settings, platform.bundleInfo(), platform.loginItem()}, settingsWindowCallbacks()),
+      systemRequests_(platform, windows),
+      settingsWindow_({settings, platform.bundleInfo(), platform.loginItem()}, settingsWindowCallbacks(windows)),
+      quitQuestion_(windows, platform.mainLoop(), awake_, [this] { dashboard_.close(); }),
       statusItems_(platform.statusBar(), platform.mainLoop(), settings, statusItemCallbacks()) {
   awake_.onChange = [this] { refreshViews(); };
+  windows.setMainMenu(makeMainMenu({.openSettings = [this] { openSettings(); }, .quit = [this] { quit(); }}));
+  windows.setAppearance(platform.workspace().appearance());
+  appearanceObservation_ =
+      platform.workspace().observeAppearance([&windows](Appearance appearance) { windows.setAppearance(appearance); });
 }
 
 SamplingLoop::Callbacks AppDelegate::samplingCallbacks() {
@@ -65,13 +67,9 @@ StatusItems::Callbacks AppDelegate::statusItemCallbacks() {
   };
 }
 
-SettingsWindowController::Callbacks AppDelegate::settingsWindowCallbacks() {
+SettingsWindowController::Callbacks AppDelegate::settingsWindowCallbacks(UserInterface& windows) {
   return {
-      .makeWindow =
-          [this] {
-            auto* const interface = toolkit_.interface();
-            return interface != nullptr ? interface->makeSettingsWindow() : nullptr;
-          },
+      .makeWindow = [&windows] { return windows.makeSettingsWindow(); },
       .changed = [this](const SettingsChange& change) { settingsChanged(change); },
       .toggleLogin = [this] { systemRequests_.toggleLogin(); },
       .checkForUpdates = [this] { updater_.checkForUpdates(); },
@@ -154,26 +152,9 @@ void AppDelegate::openSettings(std::optional<SettingsTab> tab) {
   settingsWindow_.show(tab);
 }
 
-void AppDelegate::quit() {
-  if (!awake_.isActive()) return platform_.mainLoop().quit();
-  dashboard_.close();
-  if (quitQuestion_) return quitQuestion_->present();
-  const AlertContent question{.title = "Keep Awake is running",
-                              .text =
-                                  "Quitting or installing an update ends this session. Your Mac may sleep "
-                                  "afterward.",
-                              .buttons = {"Keep Running", "End Session & Quit"}};
-  const bool asked = toolkit_.showAlert(quitQuestion_, question, [this](std::size_t button) {
-    if (button == 1) platform_.mainLoop().quit();
-  });
-  // When nobody can be asked, what the user said counts.
-  if (!asked) platform_.mainLoop().quit();
-}
-
-bool AppDelegate::loadDashboardOffscreen() {
-  if (!dashboard_.loadOffscreen(DashboardTab::memory)) return false;
+void AppDelegate::loadDashboardOffscreen() {
+  dashboard_.loadOffscreen(DashboardTab::memory);
   sampling_.startProcessScan(SamplingLoop::Throttle::ignore);
-  return true;
 }
 
 void AppDelegate::willSleep() {
@@ -201,7 +182,8 @@ void AppDelegate::statusClicked(StatusItemTab item, const StatusClick& click) {
 }
 
 void AppDelegate::openDashboard(StatusItemTab item, std::optional<DashboardTab> tab) {
-  if (dashboard_.open(statusItems_.item(item), statusItems_.knownFrame(item), tab)) statusItems_.restartRotation();
+  dashboard_.open(statusItems_.item(item), statusItems_.knownFrame(item), tab);
+  if (dashboard_.visible()) statusItems_.restartRotation();
 }
 
 // Comes with every tick, which is also when a provider may be due and the countdowns go on.

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -13,7 +12,7 @@
 #include "app/usage_providers.h"
 #include "app/widgets/widget_publisher.h"
 #include "app/windows/dashboard.h"
-#include "app/windows/toolkit.h"
+#include "app/windows/quit_question.h"
 #include "app/windows/update_alerts.h"
 #include "awake/awake_manager.h"
 #include "platform/platform_services.h"
@@ -29,8 +28,8 @@ class AppDelegate {
   /// Whether widgets are shown what the program reads.
   enum class Widgets { none, published };
 
-  /// `platform` and `settings` outlive it.
-  AppDelegate(PlatformServices& platform, UserInterfaceMaker makeUserInterface, Settings& settings, Widgets widgets);
+  /// All outlive it.
+  AppDelegate(PlatformServices& platform, UserInterface& windows, Settings& settings, Widgets widgets);
 
   void applicationDidFinishLaunching();
   void applicationWillTerminate();
@@ -41,9 +40,10 @@ class AppDelegate {
   void open(const std::vector<std::string>& links);
   void openSettings(std::optional<SettingsTab> tab = std::nullopt);
   /// Ends the program, after asking when a session runs.
-  void quit();
-  /// Makes the dashboard with its process list without showing it; false when there is no display.
-  [[nodiscard]] bool loadDashboardOffscreen();
+  void quit() { quitQuestion_.quit(); }
+  /// Makes the dashboard with its process list without showing it.
+  void loadDashboardOffscreen();
+  [[nodiscard]] bool dashboardLoaded() const { return dashboard_.loaded(); }
 
   [[nodiscard]] AwakeManager& awake() { return awake_; }
 
@@ -51,7 +51,7 @@ class AppDelegate {
   [[nodiscard]] SamplingLoop::Callbacks samplingCallbacks();
   [[nodiscard]] Dashboard::Callbacks dashboardCallbacks();
   [[nodiscard]] StatusItems::Callbacks statusItemCallbacks();
-  [[nodiscard]] SettingsWindowController::Callbacks settingsWindowCallbacks();
+  [[nodiscard]] SettingsWindowController::Callbacks settingsWindowCallbacks(UserInterface& windows);
   [[nodiscard]] StatusItemContent contentFor(StatusItemTab tab) const;
   [[nodiscard]] StatusMenu statusMenu();
 
@@ -76,7 +76,6 @@ class AppDelegate {
   std::optional<DashboardTab> pendingTab_;  ///< of a link that was opened before launch
   AwakeManager awake_;
   UsageProviders usage_;
-  Toolkit toolkit_;
   SamplingLoop sampling_;
   WidgetPublisher widgets_;
   UpdateAlerts updateAlerts_;
@@ -84,8 +83,9 @@ class AppDelegate {
   Dashboard dashboard_;
   SystemRequests systemRequests_;
   SettingsWindowController settingsWindow_;
-  std::unique_ptr<Alert> quitQuestion_;
+  QuitQuestion quitQuestion_;
   StatusItems statusItems_;
+  Subscription appearanceObservation_;
   Subscription sleepObservation_;
   Subscription terminationObservation_;
 };

@@ -2,6 +2,7 @@
 #include <fmt/format.h>
 
 #include <cstdio>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -11,6 +12,7 @@
 #include "app/reports/performance_probe.h"
 #include "platform/platform_services.h"
 #include "settings/settings.h"
+#include "ui/remote/remote_user_interface.h"
 
 namespace nimbo {
 namespace {
@@ -26,6 +28,11 @@ int runDiagnostics() {
   SystemSampler sampler(*readers.hostStatistics, *readers.clock);
   const auto sensor = readers.makeTemperatureSensor();
   return print(makeDiagnosticsReport(sampler, *sensor, *readers.processTable, *readers.clock));
+}
+
+std::unique_ptr<UserInterface> makeUserInterface(PlatformServices& platform, DisplayNeed need) {
+  const RemoteUserInterface::Services services{platform.mainLoop(), *platform.readers().clock, platform.workspace()};
+  return std::make_unique<RemoteUserInterface>(services, platform.windowsStarter(), need);
 }
 
 int runMenuBar(const std::vector<std::string>& links) {
@@ -46,8 +53,8 @@ int runMenuBar(const std::vector<std::string>& links) {
   if (*role == InstanceRole::later) return 0;
 
   Settings settings(platform->userDefaults(), platform->userDefaultsDomains(), platform->bundleInfo().identifier);
-  AppDelegate delegate(*platform, userInterfaceFromModule(platform->moduleLoader()), settings,
-                       AppDelegate::Widgets::published);
+  const auto windows = makeUserInterface(*platform, DisplayNeed::required);
+  AppDelegate delegate(*platform, *windows, settings, AppDelegate::Widgets::published);
   controller = &delegate;
   delegate.open(links);
   delegate.applicationDidFinishLaunching();
@@ -65,8 +72,8 @@ int runProfile() {
     std::fflush(stdout);
   };
   const auto complain = [](const std::string& line) { fmt::print(stderr, "nimbo: {}\n", line); };
-  return runPerformanceProbe(*platform, userInterfaceFromModule(platform->moduleLoader(), DisplayNeed::optional), print,
-                             complain);
+  const auto windows = makeUserInterface(*platform, DisplayNeed::optional);
+  return runPerformanceProbe(*platform, *windows, print, complain);
 }
 
 int runClaudeDesktopCheck() {

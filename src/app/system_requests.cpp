@@ -31,7 +31,7 @@ void SystemRequests::openClaudeDesktop() {
 }
 
 void SystemRequests::tell(const std::string& title, const std::string& text) {
-  toolkit_.showAlert(notice_, {title, text, {"OK"}}, [](std::size_t) {});
+  notice_.ask({title, text, {"OK"}}, [](std::optional<std::size_t> /*button*/) {});
 }
 
 }  // namespace nimbo

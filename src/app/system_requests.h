@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <memory>
 #include <string>
 
-#include "app/windows/toolkit.h"
+#include "app/windows/question.h"
 #include "base/lifetime.h"
 #include "platform/platform_services.h"
 
@@ -14,7 +13,7 @@ namespace nimbo {
 class SystemRequests {
  public:
   /// Both outlive it, and `platform` also what it has been asked for.
-  SystemRequests(PlatformServices& platform, Toolkit& toolkit) : platform_(platform), toolkit_(toolkit) {}
+  SystemRequests(PlatformServices& platform, UserInterface& windows) : platform_(platform), notice_(windows) {}
 
   /// Starts the program at log-in, or no longer.
   void toggleLogin();
@@ -25,9 +24,8 @@ class SystemRequests {
   void tell(const std::string& title, const std::string& text);
 
   PlatformServices& platform_;
-  Toolkit& toolkit_;
   bool openingClaudeDesktop_ = false;
-  std::unique_ptr<Alert> notice_;
+  Question notice_;
   Lifetime lifetime_;
 };
 

@@ -28,6 +28,7 @@
 #include "platform/user_defaults.h"
 #include "platform/user_files.h"
 #include "platform/widget_center.h"
+#include "platform/windows_process.h"
 #include "platform/workspace.h"
 
 namespace nimbo {
@@ -83,7 +84,6 @@ class PlatformServices {
   [[nodiscard]] virtual UserDefaultsDomains& userDefaultsDomains() = 0;
   /// Another domain of that name, or null when it cannot be kept.
   [[nodiscard]] virtual std::unique_ptr<UserDefaults> makeUserDefaults(const std::string& domain) = 0;
-  [[nodiscard]] virtual ModuleLoader& moduleLoader() = 0;
   [[nodiscard]] virtual ApplicationInstance& applicationInstance() = 0;
   [[nodiscard]] virtual StatusBar& statusBar() = 0;
   [[nodiscard]] virtual SystemSleep& systemSleep() = 0;
@@ -94,6 +94,8 @@ class PlatformServices {
   [[nodiscard]] virtual const Dates& dates() = 0;
   /// What this process has cost so far; absent when the system does not tell.
   [[nodiscard]] virtual std::optional<ResourceUsage> ownUsage() const = 0;
+  /// Empty on a system whose windows live in this process.
+  [[nodiscard]] virtual WindowsStarter windowsStarter() = 0;
   [[nodiscard]] virtual UsageServices usageServices() = 0;
   [[nodiscard]] virtual LoginItem& loginItem() = 0;
   [[nodiscard]] virtual WidgetCenter& widgetCenter() = 0;

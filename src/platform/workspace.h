@@ -32,6 +32,8 @@ class Workspace {
   virtual bool openApplication(const std::string& bundleIdentifier) = 0;
   /// Shows a file in its folder, in the user's file manager, without waiting.
   virtual void revealFile(const std::filesystem::path& file) = 0;
+  /// Tells the user something in the desktop's own way, without waiting. Lost where the desktop has none.
+  virtual void notify(const std::string& title, const std::string& text) = 0;
 };
 
 }  // namespace nimbo

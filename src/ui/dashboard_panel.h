@@ -1,71 +1,68 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
 
-#include "base/lifetime.h"
-#include "platform/clock.h"
-#include "platform/main_loop.h"
-#include "platform/status_bar.h"
+#include "base/geometry.h"
+#include "base/subscription.h"
+#include "ui/dashboard/dashboard_window.h"
+#include "ui/dashboard/menu_window.h"
 #include "ui/dashboard/panel_placement.h"
-#include "ui/user_interface.h"
 
 namespace nimbo {
 
-/// The dropdown that holds the dashboard: keeps the window at the status item that was clicked,
-/// highlights that item, and closes on Escape, on clicks elsewhere and when another application
-/// comes to the front. Everything passed to its constructor outlives it. Main thread only.
-class DashboardPanel {
+/// The screens as the toolkit sees them. Main thread only.
+class Screens {
  public:
-  DashboardPanel(DashboardWindow& window, UserInterface& interface, MainLoop& loop, const Clock& clock);
+  virtual ~Screens() = default;
+
+  /// The primary screen first; empty while no screen is connected.
+  [[nodiscard]] virtual std::vector<Screen> screens() const = 0;
+  /// A screen came, went, or changed its frames.
+  [[nodiscard]] virtual Subscription observeScreens(std::function<void()> changed) = 0;
+  /// The place that another program has reported, such as that of a clicked status item, in points. Some
+  /// programs report pixels, others points: on a scaled screen the pointer, which is there, tells which. Once
+  /// it has moved away, what it told last holds.
+  [[nodiscard]] virtual Rect toPoints(const Rect& reported) { return reported; }
+};
+
+/// The dropdown that holds the dashboard: keeps its window at the status item that was clicked, and closes on Escape,
+/// on clicks elsewhere and when another application comes to the front. Main thread only.
+class DashboardPanel final : public DashboardWindow {
+ public:
+  /// `screens` outlives it.
+  DashboardPanel(std::unique_ptr<MenuWindow> window, Screens& screens);
   DashboardPanel(const DashboardPanel&) = delete;
   DashboardPanel& operator=(const DashboardPanel&) = delete;
-  ~DashboardPanel();
+  ~DashboardPanel() override;
 
-  /// Opens under `item`, or moves there when open. `reported` is where the bar says the item is, in the
-  /// units that the bar uses. Nothing happens while no screen is connected.
-  void show(const std::shared_ptr<StatusItem>& item, std::optional<Rect> reported);
-
-  void close();
-
-  /// The size that the dashboard needs; an open panel follows at once.
-  void setContentSize(Size size);
-
-  [[nodiscard]] bool visible() const { return window_.visible(); }
-
-  /// Whether a click now reported by `item` must be the one that has just closed the panel under that
-  /// item. Such a click is not meant to open the panel again.
-  [[nodiscard]] bool justClosedBy(const StatusItem& item) const;
-
-  /// Where the bar last reported the program's own status items.
-  std::function<std::vector<Rect>()> statusButtons;
+  void setEvents(DashboardEvents events) override;
+  /// An open panel follows the content's size at once.
+  void render(const DashboardContent& content) override;
+  /// Nothing happens while no screen is connected.
+  void show(const DashboardPlace& place) override;
+  void hide() override;
+  [[nodiscard]] bool visible() const override { return window_->visible(); }
 
  private:
   /// Puts the window where its anchor and size now demand.
   void reposition();
   void clickedOutside(std::optional<Point> place);
-  void closeByClickElsewhere();
+  void close(ClosedBy by);
   [[nodiscard]] bool onOwnItem(std::optional<Point> place) const;
-  void setAnchorHighlighted(bool highlighted);
 
-  DashboardWindow& window_;
-  UserInterface& interface_;
-  MainLoop& loop_;
-  const Clock& clock_;
+  const std::unique_ptr<MenuWindow> window_;
+  Screens& screens_;
+  std::function<void(ClosedBy by)> closed_;
 
-  std::weak_ptr<StatusItem> item_;
   std::optional<Rect> reported_;
+  std::vector<Rect> ownItems_;
   std::optional<PanelAnchor> anchor_;
   Size contentSize_{340, 496};
-  Subscription screens_;
-
-  std::weak_ptr<StatusItem> closedItem_;
-  std::chrono::duration<double> closedAt_{};
-  Lifetime lifetime_;
+  Subscription screensChanged_;
 };
 
 }  // namespace nimbo

@@ -31,7 +31,7 @@ class AppDelegateAwakeTest : public AppDelegateTest {
     ASSERT_EQ(content().tabs.selected, kAwakeTab);
   }
   std::shared_ptr<FakeAlert> alert() const {
-    const auto open = interface == nullptr ? std::vector<std::shared_ptr<FakeAlert>>() : interface->openAlerts();
+    const auto open = interface.openAlerts();
     return open.empty() ? nullptr : open.back();
   }
 };
@@ -200,7 +200,7 @@ TEST_F(AppDelegateAwakeTest, AlternateClickTogglesASessionOfTheStoredLengthAndOp
   clickItem("nimbo-ai", kAlternateClick);
   EXPECT_FALSE(awake().isActive());
   EXPECT_EQ(awake().message(), "Session ended. Normal sleep is allowed.");
-  EXPECT_EQ(interfacesMade, 0);
+  EXPECT_EQ(window(), nullptr);
 }
 
 TEST_F(AppDelegateAwakeTest, AlternateClickUsesTheStoredCustomLengthWithinItsRange) {
@@ -301,15 +301,15 @@ TEST_F(AppDelegateAwakeTest, QuittingAgainBringsTheAlertToTheFront) {
   toggleAwake();
   delegate->quit();
   delegate->quit();
-  EXPECT_EQ(interface->alerts().size(), 1U);
+  EXPECT_EQ(interface.alerts().size(), 1U);
   EXPECT_EQ(alert()->presents(), 1);
 }
 
 TEST_F(AppDelegateAwakeTest, WithoutADisplayQuittingDoesNotAsk) {
-  hasDisplay = false;
   launch();
   toggleAwake();
   delegate->quit();
+  alert()->fail();
   EXPECT_TRUE(platform.loop.hasQuit());
 }
 
@@ -318,7 +318,7 @@ TEST_F(AppDelegateAwakeTest, LogOutDuringASessionDoesNotAsk) {
   toggleAwake();
   platform.terminationRequests.request();
   EXPECT_TRUE(platform.loop.hasQuit());
-  EXPECT_EQ(interfacesMade, 0);
+  EXPECT_TRUE(interface.alerts().empty());
 }
 
 TEST_F(AppDelegateAwakeTest, TerminationEndsTheSessionAndWhatItAskedFor) {

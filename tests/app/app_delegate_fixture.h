@@ -9,7 +9,6 @@
 
 #include "app/app_delegate.h"
 #include "support/control_events.h"
-#include "support/fake_dashboard_window.h"
 #include "support/fake_platform_services.h"
 #include "support/fake_user_interface.h"
 
@@ -43,27 +42,15 @@ class AppDelegateTest : public ::testing::Test {
   }
 
   /// Null before the dashboard was first opened.
-  FakeDashboardWindow* window() const {
-    return interface == nullptr || interface->windows().empty() ? nullptr : interface->windows().back();
-  }
+  FakeMenuWindow* window() const { return interface.windows().empty() ? nullptr : interface.windows().back(); }
   bool dashboardVisible() const { return window() != nullptr && window()->visible(); }
   const DashboardContent& content() const { return window()->content(); }
 
   FakePlatformServices platform;
   Settings settings{platform.defaults};
-  bool hasDisplay = true;
-  int interfacesMade = 0;
-  FakeUserInterface* interface = nullptr;
-  std::unique_ptr<AppDelegate> delegate = std::make_unique<AppDelegate>(
-      platform,
-      [this]() -> std::unique_ptr<UserInterface> {
-        if (!hasDisplay) return nullptr;
-        ++interfacesMade;
-        auto made = std::make_unique<FakeUserInterface>();
-        interface = made.get();
-        return made;
-      },
-      settings, AppDelegate::Widgets::published);
+  FakeUserInterface interface;
+  std::unique_ptr<AppDelegate> delegate =
+      std::make_unique<AppDelegate>(platform, interface, settings, AppDelegate::Widgets::published);
 };
 
 }  // namespace nimbo

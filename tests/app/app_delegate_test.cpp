@@ -25,10 +25,10 @@ TEST_F(AppDelegateTest, LaunchMakesTheItemsTakesASampleAndStartsTheTimer) {
   EXPECT_TRUE(platform.power.observed());
 }
 
-TEST_F(AppDelegateTest, LaunchDoesNotLoadTheToolkit) {
+TEST_F(AppDelegateTest, LaunchMakesNoWindow) {
   launch();
   platform.loop.advance(seconds(60));
-  EXPECT_EQ(interfacesMade, 0);
+  EXPECT_EQ(window(), nullptr);
 }
 
 TEST_F(AppDelegateTest, TickRefreshesTheMemoryItem) {
@@ -51,7 +51,6 @@ TEST_F(AppDelegateTest, ClickOpensTheDashboardOnTheItemsTab) {
   ASSERT_TRUE(dashboardVisible());
   EXPECT_EQ(content().tabs.selected, 1U);
   EXPECT_EQ(content().resources.hero.text, "50%");
-  EXPECT_EQ(platform.loop.outer(), &interface->fakeLoop());
 }
 
 TEST_F(AppDelegateTest, ClickWhileOpenCloses) {
@@ -68,11 +67,10 @@ TEST_F(AppDelegateTest, ClickOnAnotherItemWhileOpenCloses) {
   EXPECT_FALSE(dashboardVisible());
 }
 
-TEST_F(AppDelegateTest, ReopeningUsesTheSameToolkit) {
+TEST_F(AppDelegateTest, ReopeningUsesTheSameWindow) {
   launch();
   for (int i = 0; i < 5; ++i) clickItem("nimbo-memory");
-  EXPECT_EQ(interfacesMade, 1);
-  EXPECT_EQ(interface->windows().size(), 1U);
+  EXPECT_EQ(interface.windows().size(), 1U);
   EXPECT_TRUE(dashboardVisible());
 }
 
@@ -209,16 +207,17 @@ TEST_F(AppDelegateTest, WindowsFollowTheDesktopsAppearance) {
   launch();
   clickItem("nimbo-memory");
   platform.desktop.setAppearance(Appearance::light);
-  EXPECT_EQ(interface->appearances(), (std::vector{Appearance::dark, Appearance::light}));
+  EXPECT_EQ(interface.appearances(), (std::vector{Appearance::light, Appearance::dark, Appearance::light}));
 }
 
 TEST_F(AppDelegateTest, WithoutADisplayAClickChangesNothing) {
-  hasDisplay = false;
+  const auto screens = interface.screens();
+  interface.setScreens({});
   launch();
   clickItem("nimbo-memory");
-  EXPECT_EQ(window(), nullptr);
-  EXPECT_EQ(platform.loop.outer(), nullptr);
-  hasDisplay = true;
+  EXPECT_FALSE(dashboardVisible());
+  EXPECT_FALSE(platform.bar.item("nimbo-memory")->highlighted);
+  interface.setScreens(screens);
   clickItem("nimbo-memory");
   EXPECT_TRUE(dashboardVisible()) << "a display that appears later is found";
 }
@@ -242,11 +241,11 @@ TEST_F(AppDelegateTest, MenuClosesThePanelAndHasItsEntries) {
 TEST_F(AppDelegateTest, MenuOpensTheSettingsAndChecksForUpdates) {
   launch();
   EXPECT_TRUE(platform.bar.choose("nimbo-memory", "Settings…"));
-  ASSERT_EQ(interface->settingsWindows().size(), 1U);
-  EXPECT_TRUE(interface->settingsWindows()[0]->visible());
+  ASSERT_EQ(interface.settingsWindows().size(), 1U);
+  EXPECT_TRUE(interface.settingsWindows()[0]->visible());
   EXPECT_TRUE(platform.bar.choose("nimbo-memory", "Check for Updates…"));
-  ASSERT_EQ(interface->openAlerts().size(), 1U);
-  EXPECT_EQ(interface->openAlerts()[0]->content().title, "Updates aren’t connected yet");
+  ASSERT_EQ(interface.openAlerts().size(), 1U);
+  EXPECT_EQ(interface.openAlerts()[0]->content().title, "Updates aren’t connected yet");
 }
 
 TEST_F(AppDelegateTest, QuitFromTheMenuEndsWithoutAsking) {

@@ -67,7 +67,7 @@ class WatchedProgram(Program):
         """None for what came or went meanwhile, which shows in more than one way."""
         self.check()
         try:
-            return question(self.pid, *arguments)
+            return question(self.windows_pid, *arguments)
         except (GLib.Error, AttributeError, TypeError):
             return None
 

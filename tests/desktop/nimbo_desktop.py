@@ -373,7 +373,9 @@ class TrayHost:
 
 
 def windows_of(session, pid):
-    """Visible top-level windows of a process as {id: (x, y, width, height)}."""
+    """Visible top-level windows of a process, if there is one, as {id: (x, y, width, height)}."""
+    if pid is None:
+        return {}
     found = subprocess.run(
         ["xdotool", "search", "--onlyvisible", "--pid", str(pid)], env=session.env, capture_output=True, text=True
     )

@@ -29,6 +29,11 @@ class Program:
     def pid(self):
         return self.child.pid
 
+    @property
+    def windows_pid(self):
+        """Of the process that shows the windows; None while there is none."""
+        return windows_process(self.pid)
+
     def errors(self):
         return pathlib.Path(self.stderr).read_text()
 
@@ -42,7 +47,7 @@ class Program:
 
     def dashboard(self):
         """Frame of the open dashboard; None when there is none."""
-        for frame in windows_of(self.session, self.pid).values():
+        for frame in windows_of(self.session, self.windows_pid).values():
             if frame[2] >= DASHBOARD_WIDTH and frame[3] >= DASHBOARD_HEIGHT:
                 return frame
         return None
@@ -56,7 +61,7 @@ class Program:
     def controls(self):
         """What is in the open dashboard; assistive technology learns of a new window a moment later."""
         return wait_until(
-            lambda: [control for control in accessibility.tree(self.session, self.pid) if control["showing"]],
+            lambda: [control for control in accessibility.tree(self.session, self.windows_pid) if control["showing"]],
             "the dashboard in the accessibility tree",
         )
 
@@ -68,7 +73,17 @@ class Program:
 
     def press(self, name):
         self.controls()
-        accessibility.press(self.session, self.pid, name)
+        accessibility.press(self.session, self.windows_pid, name)
+
+
+def windows_process(pid):
+    """The child of a program that shows its windows, or None."""
+    for children in pathlib.Path(f"/proc/{pid}/task").glob("*/children"):
+        for child in children.read_text().split():
+            with contextlib.suppress(OSError):
+                if pathlib.Path(f"/proc/{child}/comm").read_text() == "nimbo-windows\n":
+                    return int(child)
+    return None
 
 
 def armed_timers(pid):

@@ -178,7 +178,7 @@ class AwakePageTest(DesktopTest):
         self.held(1)
 
     def windows(self):
-        return windows_of(self.session, self.program.pid)
+        return windows_of(self.session, self.program.windows_pid)
 
     def test_escape_closes_the_open_list_only(self):
         self.open()

@@ -137,12 +137,6 @@ class DashboardTest(DesktopTest):
         self.open()
         self.program.wait_for_text(lambda text: re.fullmatch(r"RECENT USAGE · [4-9]s", text), "three samples")
 
-    def test_display_that_vanishes_takes_the_program_with_it_but_leaves_the_settings(self):
-        self.open()
-        self.session.display.server.end()
-        self.program.wait_for_exit()
-        self.assertTrue((self.session.folder / "config" / "com.quellwerk.Nimbo.json").read_text().startswith("{"))
-
 
 class WithoutDisplayTest(DesktopTest):
     def test_click_tells_that_no_window_can_be_shown_and_the_item_lives_on(self):

@@ -49,7 +49,7 @@ class SettingsWindowTest(DesktopTest):
         item.click_menu(entries[label])
 
     def is_open(self):
-        return any(frame[2:] == (WIDTH, HEIGHT) for frame in windows_of(self.session, self.program.pid).values())
+        return any(frame[2:] == (WIDTH, HEIGHT) for frame in windows_of(self.session, self.program.windows_pid).values())
 
     def control(self, name, role=None):
         found = [

@@ -13,7 +13,7 @@ namespace nimbo {
 /// An alert without pixels: a test reads it and answers it, also after the program has let go of it.
 class FakeAlert {
  public:
-  FakeAlert(AlertContent content, std::function<void(std::size_t button)> answered)
+  FakeAlert(AlertContent content, AlertAnswer answered)
       : content_(std::move(content)), answered_(std::move(answered)) {}
 
   /// What the program holds of `alert`.
@@ -27,6 +27,10 @@ class FakeAlert {
     const auto answered = std::exchange(answered_, nullptr);
     if (answered) answered(button);
     return static_cast<bool>(answered);
+  }
+  /// The system could not show it.
+  void fail() {
+    if (const auto answered = std::exchange(answered_, nullptr)) answered(std::nullopt);
   }
   /// Escape and the window's close button.
   bool close() { return answer(content_.cancel); }
@@ -54,7 +58,7 @@ class FakeAlert {
   };
 
   AlertContent content_;
-  std::function<void(std::size_t button)> answered_;
+  AlertAnswer answered_;
   bool up_ = true;
   int presents_ = 0;
 };

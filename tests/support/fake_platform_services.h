@@ -69,19 +69,6 @@ class FakeTermination final : public Termination {
  private:
   std::function<void()> requested_;
 };
-
-class FakeModuleLoader final : public ModuleLoader {
- public:
-  [[nodiscard]] Result<void*, ModuleError> symbol(const std::string& module, const char* symbol) override {
-    asked.push_back(module + ":" + symbol);
-    if (address == nullptr) return tl::unexpected(ModuleError{"no such module"});
-    return address;
-  }
-
-  std::vector<std::string> asked;
-  void* address = nullptr;
-};
-
 class FakeApplicationInstance final : public ApplicationInstance {
  public:
   [[nodiscard]] Result<InstanceRole, InstanceError> claim(const std::vector<std::string>& links,
@@ -139,7 +126,7 @@ class FakePlatformServices final : public PlatformServices {
     suites.push_back(domain);
     return keepsOtherDomains ? std::make_unique<FakeUserDefaults>(domains, domain) : nullptr;
   }
-  [[nodiscard]] ModuleLoader& moduleLoader() override { return modules; }
+  [[nodiscard]] WindowsStarter windowsStarter() override { return {}; }
   [[nodiscard]] ApplicationInstance& applicationInstance() override { return instance; }
   [[nodiscard]] StatusBar& statusBar() override { return bar; }
   [[nodiscard]] SystemSleep& systemSleep() override { return power; }
@@ -184,7 +171,6 @@ class FakePlatformServices final : public PlatformServices {
   FakeUserDefaults defaults{domains, "com.quellwerk.Nimbo"};
   bool keepsOtherDomains = true;
   std::vector<std::string> suites;  ///< names of the other domains that were asked for
-  FakeModuleLoader modules;
   FakeApplicationInstance instance;
   FakeStatusBar bar;
   FakeSystemSleep power;

@@ -16,10 +16,7 @@ namespace nimbo {
 /// window is hidden, nor from a control that is not on the page in front or cannot be used.
 class FakeSettingsWindow final : public SettingsWindow {
  public:
-  void setListeners(ControlListener acted, std::function<void()> becameKey) override {
-    acted_ = std::move(acted);
-    becameKey_ = std::move(becameKey);
-  }
+  void setEvents(SettingsWindowEvents events) override { events_ = std::move(events); }
 
   void render(const SettingsWindowContent& content) override {
     content_ = content;
@@ -31,7 +28,9 @@ class FakeSettingsWindow final : public SettingsWindow {
     ++shows_;
     becomeKey();
   }
-  void close() override { visible_ = false; }
+  void close() override {
+    if (std::exchange(visible_, false) && events_.closed) events_.closed();
+  }
   [[nodiscard]] bool visible() const override { return visible_; }
 
   // What a user does; whether anybody heard it.
@@ -53,8 +52,8 @@ class FakeSettingsWindow final : public SettingsWindow {
   }
   /// The user comes back to it from another window.
   bool becomeKey() {
-    if (!visible_ || !becameKey_) return false;
-    becameKey_();
+    if (!visible_ || !events_.becameKey) return false;
+    events_.becameKey();
     return true;
   }
 
@@ -95,12 +94,11 @@ class FakeSettingsWindow final : public SettingsWindow {
   }
 
   bool report(const ControlEvent& event) {
-    if (acted_) acted_(event);
-    return static_cast<bool>(acted_);
+    if (events_.acted) events_.acted(event);
+    return static_cast<bool>(events_.acted);
   }
 
-  ControlListener acted_;
-  std::function<void()> becameKey_;
+  SettingsWindowEvents events_;
   SettingsWindowContent content_;
   bool visible_ = false;
   int renders_ = 0;

@@ -11,36 +11,16 @@
 #include <vector>
 
 #include "support/fake_alert.h"
-#include "support/fake_dashboard_window.h"
+#include "support/fake_menu_window.h"
 #include "support/fake_settings_window.h"
+#include "ui/dashboard_panel.h"
 #include "ui/user_interface.h"
 
 namespace nimbo {
 
-/// An outer loop that drives the inner one as often as it is told to wait and returns at once.
-class FakeOuterLoop final : public OuterLoop {
- public:
-  void run(int descriptor, const std::function<void()>& dispatchPending) override {
-    descriptor_ = descriptor;
-    stopped_ = false;
-    for (int turn = 0; turn < turns && !stopped_; ++turn) dispatchPending();
-  }
-  void stop() override { stopped_ = true; }
-
-  [[nodiscard]] std::optional<int> descriptor() const { return descriptor_; }
-  [[nodiscard]] bool stopped() const { return stopped_; }
-
-  int turns = 1;
-
- private:
-  std::optional<int> descriptor_;
-  bool stopped_ = false;
-};
-
 /// A toolkit without a display: screens come and go as the test says. Subscriptions may outlive it.
-class FakeUserInterface final : public UserInterface {
+class FakeUserInterface final : public UserInterface, public Screens {
  public:
-  [[nodiscard]] OuterLoop& loop() override { return loop_; }
   [[nodiscard]] std::vector<Screen> screens() const override { return screens_; }
 
   [[nodiscard]] Subscription observeScreens(std::function<void()> changed) override {
@@ -61,9 +41,9 @@ class FakeUserInterface final : public UserInterface {
 
   /// Points to the made window are kept for the test; they end with the window.
   [[nodiscard]] std::unique_ptr<DashboardWindow> makeDashboardWindow() override {
-    auto window = std::make_unique<FakeDashboardWindow>();
+    auto window = std::make_unique<FakeMenuWindow>();
     windows_.push_back(window.get());
-    return window;
+    return std::make_unique<DashboardPanel>(std::move(window), *this);
   }
 
   [[nodiscard]] std::unique_ptr<SettingsWindow> makeSettingsWindow() override {
@@ -72,8 +52,7 @@ class FakeUserInterface final : public UserInterface {
     return window;
   }
 
-  [[nodiscard]] std::unique_ptr<Alert> showAlert(const AlertContent& content,
-                                                 std::function<void(std::size_t button)> answered) override {
+  [[nodiscard]] std::unique_ptr<Alert> showAlert(const AlertContent& content, AlertAnswer answered) override {
     alerts_.push_back(std::make_shared<FakeAlert>(content, std::move(answered)));
     return FakeAlert::show(alerts_.back());
   }
@@ -89,10 +68,9 @@ class FakeUserInterface final : public UserInterface {
   /// How many of the bar's pixels make a point.
   double scale = 1;
 
-  [[nodiscard]] FakeOuterLoop& fakeLoop() { return loop_; }
   [[nodiscard]] std::size_t observerCount() const { return observers_->size(); }
   [[nodiscard]] const std::vector<Appearance>& appearances() const { return appearances_; }
-  [[nodiscard]] const std::vector<FakeDashboardWindow*>& windows() const { return windows_; }
+  [[nodiscard]] const std::vector<FakeMenuWindow*>& windows() const { return windows_; }
   [[nodiscard]] const std::vector<FakeSettingsWindow*>& settingsWindows() const { return settingsWindows_; }
   /// Empty before one was set.
   [[nodiscard]] const MainMenu& mainMenu() const { return mainMenu_; }
@@ -108,12 +86,11 @@ class FakeUserInterface final : public UserInterface {
  private:
   using Observers = std::map<int, std::function<void()>>;
 
-  FakeOuterLoop loop_;
   std::vector<Screen> screens_{{{0, 0, 1440, 900}, {0, 24, 1440, 876}}};
   std::shared_ptr<Observers> observers_ = std::make_shared<Observers>();
   int lastId_ = 0;
   std::vector<Appearance> appearances_;
-  std::vector<FakeDashboardWindow*> windows_;
+  std::vector<FakeMenuWindow*> windows_;
   std::vector<FakeSettingsWindow*> settingsWindows_;
   MainMenu mainMenu_;
   std::vector<std::shared_ptr<FakeAlert>> alerts_;

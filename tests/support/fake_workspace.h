@@ -35,6 +35,8 @@ class FakeWorkspace final : public Workspace {
   }
   void revealFile(const std::filesystem::path& file) override { filesRevealed.push_back(file); }
 
+  void notify(const std::string& title, const std::string& text) override { notices.emplace_back(title, text); }
+
   void setAppearance(Appearance appearance) {
     appearance_ = appearance;
     const auto observers = observers_;
@@ -47,6 +49,7 @@ class FakeWorkspace final : public Workspace {
   std::set<std::string> installed{"com.anthropic.claudefordesktop"};  ///< bundle identifiers
   std::vector<std::string> applicationsOpened;                        ///< also the ones that are not installed
   std::vector<std::filesystem::path> filesRevealed;
+  std::vector<std::pair<std::string, std::string>> notices;  ///< title and text
 
  private:
   Appearance appearance_ = Appearance::light;

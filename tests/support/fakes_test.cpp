@@ -196,29 +196,16 @@ TEST(FakeStatusBar, OnlyRealChangesOfContentAreCounted) {
   EXPECT_EQ(bar.item("memory")->content, content);
 }
 
-TEST(FakeUserInterface, OuterLoopDrivesTheInnerOneUntilStopped) {
-  FakeOuterLoop loop;
-  int dispatched = 0;
-  loop.turns = 5;
-  loop.run(3, [&] {
-    if (++dispatched == 2) loop.stop();
-  });
-  EXPECT_EQ(dispatched, 2);
-  EXPECT_EQ(loop.descriptor(), 3);
-  EXPECT_TRUE(loop.stopped());
-}
-
 TEST(FakeUserInterface, HiddenWindowReportsNothing) {
   FakeUserInterface interface;
   const auto window = interface.makeDashboardWindow();
   int keys = 0;
-  window->setEvents(
-      {.escapePressed = [&] { ++keys; }, .clickedOutside = {}, .otherApplicationActivated = {}, .closeRequested = {}});
+  window->setEvents({.acted = {}, .closed = [&](ClosedBy /*by*/) { ++keys; }});
   ASSERT_EQ(interface.windows().size(), 1U);
-  FakeDashboardWindow& fake = *interface.windows()[0];
+  FakeMenuWindow& fake = *interface.windows()[0];
   fake.pressEscape();
   EXPECT_EQ(keys, 0);
-  window->show();
+  window->show({});
   fake.pressEscape();
   EXPECT_EQ(keys, 1);
 }
@@ -227,8 +214,8 @@ TEST(FakeUserInterface, AlertIsAnsweredOnceAndMayGoAwayInItsAnswer) {
   FakeUserInterface interface;
   std::unique_ptr<Alert> alert;
   std::vector<std::size_t> answers;
-  alert = interface.showAlert({"Title", "Text", {"Stay", "Go"}}, [&](std::size_t button) {
-    answers.push_back(button);
+  alert = interface.showAlert({"Title", "Text", {"Stay", "Go"}}, [&](std::optional<std::size_t> button) {
+    answers.push_back(button.value());
     alert.reset();
   });
   ASSERT_EQ(interface.openAlerts().size(), 1U);
@@ -248,7 +235,7 @@ TEST(FakeUserInterface, AlertIsAnsweredOnceAndMayGoAwayInItsAnswer) {
 TEST(FakeUserInterface, AlertTakenAwayIsNeverAnswered) {
   FakeUserInterface interface;
   int answers = 0;
-  auto alert = interface.showAlert({"Title", "Text", {"Stay", "Go"}}, [&](std::size_t) { ++answers; });
+  auto alert = interface.showAlert({"Title", "Text", {"Stay", "Go"}}, [&](std::optional<std::size_t> /*button*/) { ++answers; });
   alert.reset();
   EXPECT_FALSE(interface.alerts()[0]->close());
   EXPECT_EQ(answers, 0);

@@ -55,11 +55,12 @@ void PerformanceProbe::loadDashboard() {
   const double seconds = (idleEnd.uptime - idleStart_.uptime).count();
   const std::chrono::duration<double> used = idleEnd.usage.cpuTime - idleStart_.usage.cpuTime;
   print_(fmt::format("Idle CPU: {:.3f}% of one core over {:.1f}s", used.count() / seconds * 100, seconds));
-  if (!delegate_.loadDashboardOffscreen()) complain_("the dashboard could not be loaded");
+  delegate_.loadDashboardOffscreen();
   next(kLoading, &PerformanceProbe::startSession);
 }
 
 void PerformanceProbe::startSession() {
+  if (!delegate_.dashboardLoaded()) complain_("the dashboard could not be loaded");
   printMemory("Dashboard and process list loaded offscreen");
   auto& awake = delegate_.awake();
   if (!awake.start(std::nullopt, false, platform_.readers().clock->now())) {
@@ -73,7 +74,7 @@ void PerformanceProbe::finish() {
   platform_.mainLoop().quit();
 }
 
-int runPerformanceProbe(PlatformServices& platform, UserInterfaceMaker makeUserInterface, PerformanceProbe::Print print,
+int runPerformanceProbe(PlatformServices& platform, UserInterface& windows, PerformanceProbe::Print print,
                         PerformanceProbe::Print complain) {
   std::random_device random;
   const std::string domain = fmt::format("Nimbo.Performance.{:08X}{:08X}", random(), random());
@@ -85,7 +86,7 @@ int runPerformanceProbe(PlatformServices& platform, UserInterfaceMaker makeUserI
       return 1;
     }
     Settings settings(*defaults);
-    AppDelegate delegate(platform, std::move(makeUserInterface), settings, AppDelegate::Widgets::none);
+    AppDelegate delegate(platform, windows, settings, AppDelegate::Widgets::none);
     delegate.applicationDidFinishLaunching();
     PerformanceProbe probe(platform, delegate, std::move(print), std::move(complain));
     probe.start();

@@ -5,8 +5,8 @@
 #include <functional>
 #include <string>
 
-#include "app/windows/toolkit.h"
 #include "platform/platform_services.h"
+#include "ui/user_interface.h"
 
 namespace nimbo {
 
@@ -48,7 +48,7 @@ class PerformanceProbe {
 };
 
 /// Runs the whole program over a throw-away settings domain until the probe ends it; the exit status.
-[[nodiscard]] int runPerformanceProbe(PlatformServices& platform, UserInterfaceMaker makeUserInterface,
-                                      PerformanceProbe::Print print, PerformanceProbe::Print complain);
+[[nodiscard]] int runPerformanceProbe(PlatformServices& platform, UserInterface& windows, PerformanceProbe::Print print,
+                                      PerformanceProbe::Print complain);
 
 }  // namespace nimbo

@@ -7,43 +7,50 @@
 #include "usage/usage_status.h"
 
 namespace nimbo {
+namespace {
+
+/// How long after a press some bars report it as a click: they wait for the button's release.
+constexpr std::chrono::milliseconds kClickReportLimit{300};
+
+}  // namespace
 
 Dashboard::Dashboard(Services services, const DashboardSources& sources, Callbacks callbacks)
     : services_(services), sources_(sources), callbacks_(std::move(callbacks)) {}
 
-bool Dashboard::open(const std::shared_ptr<StatusItem>& item, std::optional<Rect> reported,
+void Dashboard::open(const std::shared_ptr<StatusItem>& item, std::optional<Rect> reported,
                      std::optional<DashboardTab> tab) {
-  if (!prepare(tab)) return false;
-  parts_->panel.show(item, reported);
+  prepare(tab);
+  if (item_.lock() != item) setItemHighlighted(false);
+  item_ = item;
+  parts_->window->show({reported, callbacks_.statusItemFrames()});
+  // A bar takes its own highlight away when the click that opened the dashboard ends.
+  services_.mainLoop.post(lifetime_.guard([this] {
+    if (visible()) setItemHighlighted(true);
+  }));
+  if (!visible()) return;
+  setItemHighlighted(true);
   callbacks_.tabShown(parts_->controller.selectedTab());
-  return true;
 }
 
-bool Dashboard::loadOffscreen(DashboardTab tab) {
-  offscreen_ = prepare(tab);
-  return offscreen_;
+void Dashboard::loadOffscreen(DashboardTab tab) {
+  offscreen_ = true;
+  prepare(tab);
+  parts_->window->prepare();
 }
 
-bool Dashboard::prepare(std::optional<DashboardTab> tab) {
-  if (!parts_ && !create()) return false;
+void Dashboard::prepare(std::optional<DashboardTab> tab) {
+  if (!parts_) create();
   parts_->controller.setActivityMonitorEnabled(services_.workspace.hasSystemMonitor());
   parts_->controller.open(tab);
-  return true;
 }
 
-bool Dashboard::create() {
-  auto* const interface = services_.toolkit.interface();
-  if (interface == nullptr) return false;
-  parts_ = std::make_unique<Parts>(sources_, *interface, services_.mainLoop);
-  auto& [controller, window, panel] = *parts_;
-  controller.onContentChanged = [this] {
-    parts_->window->render(parts_->controller.content());
-    parts_->panel.setContentSize(parts_->controller.content().size);
-  };
+void Dashboard::create() {
+  parts_ = std::make_unique<Parts>(sources_, services_.windows);
+  auto& [controller, window] = *parts_;
+  controller.onContentChanged = [this] { parts_->window->render(parts_->controller.content()); };
   controller.awakeView().onSettingsChanged = callbacks_.settingsChanged;
-  panel.statusButtons = callbacks_.statusItemFrames;
-  window->setListener([this](const ControlEvent& event) { handle(event); });
-  return true;
+  window->setEvents(
+      {.acted = [this](const ControlEvent& event) { handle(event); }, .closed = [this](ClosedBy by) { closed(by); }});
 }
 
 void Dashboard::handle(const ControlEvent& event) {
@@ -57,18 +64,35 @@ void Dashboard::handle(const ControlEvent& event) {
     if (identifier == linkIdentifier(provider)) services_.workspace.openLink(usagePage(provider));
   }
   parts_->controller.handle(event);
-  if (identifier == "tabs") callbacks_.tabShown(parts_->controller.selectedTab());
+  if (identifier == kTabsIdentifier) callbacks_.tabShown(parts_->controller.selectedTab());
 }
 
 void Dashboard::close() {
-  if (parts_) parts_->panel.close();
+  if (!parts_) return;
+  parts_->window->hide();
+  closed(ClosedBy::user);
+}
+
+void Dashboard::closed(ClosedBy by) {
+  if (by == ClosedBy::clickElsewhere) {
+    closedItem_ = item_;
+    closedAt_ = sources_.clock.uptime();
+  }
+  setItemHighlighted(false);
+  item_.reset();
+}
+
+void Dashboard::setItemHighlighted(bool highlighted) {
+  if (const auto item = item_.lock()) item->setHighlighted(highlighted);
 }
 
 bool Dashboard::wantsProcesses() const {
   return parts_ && (offscreen_ || visible()) && parts_->controller.selectedTab() == DashboardTab::memory;
 }
 
-bool Dashboard::justClosedBy(const StatusItem& item) const { return parts_ && parts_->panel.justClosedBy(item); }
+bool Dashboard::justClosedBy(const StatusItem& item) const {
+  return closedItem_.lock().get() == &item && sources_.clock.uptime() - closedAt_ <= kClickReportLimit;
+}
 
 void Dashboard::update() {
   if (visible()) parts_->controller.show();

@@ -1,27 +1,27 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
 
-#include "app/windows/toolkit.h"
+#include "base/lifetime.h"
 #include "platform/main_loop.h"
 #include "platform/status_bar.h"
 #include "platform/workspace.h"
 #include "ui/dashboard/dashboard_controller.h"
-#include "ui/dashboard_panel.h"
 #include "ui/user_interface.h"
 
 namespace nimbo {
 
-/// The dashboard from the application's side: made when it is opened for the first time, and from
-/// then on keeps its controller, its window and its panel together. Main thread.
+/// The dashboard from the application's side: made when it is opened for the first time, and from then on keeps its
+/// controller and its window together. Highlights the item that it hangs from. Main thread.
 class Dashboard {
  public:
   struct Services {
-    Toolkit& toolkit;
+    UserInterface& windows;
     MainLoop& mainLoop;
     Workspace& workspace;
   };
@@ -37,16 +37,17 @@ class Dashboard {
 
   Dashboard(Services services, const DashboardSources& sources, Callbacks callbacks);
 
-  /// Opens under `item`, on `tab` or else on the tab shown last. False when there is no display.
-  [[nodiscard]] bool open(const std::shared_ptr<StatusItem>& item, std::optional<Rect> reported,
-                          std::optional<DashboardTab> tab);
-  /// Makes and fills everything without showing it. False when there is no display.
-  [[nodiscard]] bool loadOffscreen(DashboardTab tab);
+  /// Opens under `item`, on `tab` or else on the tab shown last.
+  void open(const std::shared_ptr<StatusItem>& item, std::optional<Rect> reported, std::optional<DashboardTab> tab);
+  /// Makes and fills everything without showing it.
+  void loadOffscreen(DashboardTab tab);
+  [[nodiscard]] bool loaded() const { return parts_ && parts_->window->prepared(); }
   void close();
-  [[nodiscard]] bool visible() const { return parts_ && parts_->panel.visible(); }
+  [[nodiscard]] bool visible() const { return parts_ && parts_->window->visible(); }
   /// Whether somebody looks at the process list, or it is being loaded off screen.
   [[nodiscard]] bool wantsProcesses() const;
-  /// Whether a click on `item` is the one that has just closed the dashboard.
+  /// Whether a click now reported by `item` must be the one that has just closed the dashboard under that item. Such
+  /// a click is not meant to open it again.
   [[nodiscard]] bool justClosedBy(const StatusItem& item) const;
 
   // For the open dashboard; a closed one costs nothing and catches up on opening.
@@ -58,25 +59,28 @@ class Dashboard {
  private:
   /// In order of dependence, so that they go in the reverse order.
   struct Parts {
-    Parts(const DashboardSources& sources, UserInterface& interface, MainLoop& loop)
-        : controller(sources),
-          window(interface.makeDashboardWindow()),
-          panel(*window, interface, loop, sources.clock) {}
+    Parts(const DashboardSources& sources, UserInterface& windows)
+        : controller(sources), window(windows.makeDashboardWindow()) {}
     DashboardController controller;
     std::unique_ptr<DashboardWindow> window;
-    DashboardPanel panel;
   };
 
-  [[nodiscard]] bool create();
-  /// What the user does in the window.
+  void create();
+  void prepare(std::optional<DashboardTab> tab);
   void handle(const ControlEvent& event);
-  [[nodiscard]] bool prepare(std::optional<DashboardTab> tab);
+  void closed(ClosedBy by);
+  void setItemHighlighted(bool highlighted);
 
   Services services_;
   DashboardSources sources_;
   Callbacks callbacks_;
   bool offscreen_ = false;
   std::unique_ptr<Parts> parts_;
+
+  std::weak_ptr<StatusItem> item_;
+  std::weak_ptr<StatusItem> closedItem_;
+  std::chrono::duration<double> closedAt_{};
+  Lifetime lifetime_;
 };
 
 }  // namespace nimbo

@@ -2,12 +2,8 @@
 #pragma once
 
 #include <functional>
-#include <memory>
-#include <optional>
 
-#include "app/windows/toolkit.h"
-#include "base/lifetime.h"
-#include "platform/main_loop.h"
+#include "app/windows/question.h"
 #include "platform/updater.h"
 
 namespace nimbo {
@@ -16,18 +12,15 @@ namespace nimbo {
 /// notice is about; so does a display that is not there. Main thread only.
 class UpdateAlerts final : public UpdateWindows {
  public:
-  /// `toolkit` and `loop` outlive it. `willShow` makes room on the screen.
-  UpdateAlerts(Toolkit& toolkit, MainLoop& loop, std::function<void()> willShow);
+  /// `windows` outlives it. `willShow` makes room on the screen.
+  UpdateAlerts(UserInterface& windows, std::function<void()> willShow);
 
   void show(const UpdateNotice& notice, std::function<void(std::size_t button)> answered) override;
-  void dismiss() override;
+  void dismiss() override { question_.dismiss(); }
 
  private:
-  Toolkit& toolkit_;
-  MainLoop& loop_;
   std::function<void()> willShow_;
-  std::unique_ptr<Alert> alert_;
-  std::optional<Lifetime> unseen_;  ///< of a notice that could not be shown
+  Question question_;
 };
 
 }  // namespace nimbo

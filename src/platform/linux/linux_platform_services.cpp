@@ -39,6 +39,7 @@
 #include "platform/linux/tray/panel_appearance.h"
 #include "platform/linux/tray/sni_status_bar.h"
 #include "platform/linux/update/update_module.h"
+#include "platform/linux/windows/windows_launcher.h"
 #include "platform/platform_services.h"
 
 namespace nimbo {
@@ -132,7 +133,6 @@ class LinuxPlatformServices final : public PlatformServices {
   [[nodiscard]] std::unique_ptr<UserDefaults> makeUserDefaults(const std::string& domain) override {
     return std::make_unique<JsonUserDefaults>(folders_.config, domain, defaultsServices());
   }
-  [[nodiscard]] ModuleLoader& moduleLoader() override { return modules_; }
   [[nodiscard]] ApplicationInstance& applicationInstance() override { return instance_; }
   [[nodiscard]] StatusBar& statusBar() override { return statusBar_; }
   [[nodiscard]] SystemSleep& systemSleep() override { return systemSleep_; }
@@ -141,7 +141,10 @@ class LinuxPlatformServices final : public PlatformServices {
   [[nodiscard]] PowerSources& powerSources() override { return powerSources_; }
   [[nodiscard]] DisplayPower& displayPower() override { return displayPower_; }
   [[nodiscard]] const Dates& dates() override { return dates_; }
-  [[nodiscard]] std::optional<ResourceUsage> ownUsage() const override { return readOwnUsage(); }
+  [[nodiscard]] std::optional<ResourceUsage> ownUsage() const override { return readOwnUsage(windows_.process()); }
+  [[nodiscard]] WindowsStarter windowsStarter() override {
+    return [this](DisplayNeed need, WindowsProcess::Events events) { return windows_.start(need, std::move(events)); };
+  }
   [[nodiscard]] UsageServices usageServices() override {
     return {http_, secretFiles_, toolFiles_, terminals_, accessibility_, claudeQueue_, inBackground(), user_};
   }
@@ -199,6 +202,7 @@ class LinuxPlatformServices final : public PlatformServices {
       {makeX11Screen_, waylandDisplayFromModule(modules_, loop_, waylandSocket(environment_))}};
   SysfsPowerSources powerSources_{loop_.event()};
   LocaleDates dates_{dateLocale(environment_)};
+  WindowsLauncher windows_{loop_, prefix_ / "lib" / "nimbo" / "nimbo-windows"};
 
   const UserSurroundings user_ = surroundingsFrom(environment_);
   ModuleHttpClient http_{

@@ -132,6 +132,9 @@ struct TabsContent {
   bool operator==(const TabsContent&) const = default;
 };
 
+/// A window has one row of segments; events name it so.
+inline constexpr const char* kTabsIdentifier = "tabs";
+
 /// What the user gave a control: nothing by pressing it, or its state, the index of an item, a text, a date.
 using ControlValue =
     std::variant<std::monostate, bool, std::size_t, std::string, std::chrono::system_clock::time_point>;

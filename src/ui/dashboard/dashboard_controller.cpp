@@ -62,7 +62,7 @@ void DashboardController::showProcesses(ProcessScan scan) {
 
 void DashboardController::handle(const ControlEvent& event) {
   const auto& identifier = event.identifier;
-  if (identifier == "tabs") {
+  if (identifier == kTabsIdentifier) {
     const auto order = sources_.settings.tabOrder();
     tab_ = order[std::min(event.as<std::size_t>(), order.size() - 1)];
   } else if (identifier == "more") {

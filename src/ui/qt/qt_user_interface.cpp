@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "ui/qt/qt_user_interface.h"
 
-#include <QAbstractEventDispatcher>
 #include <QCursor>
 #include <QScreen>
 #include <QSessionManager>
-#include <QSocketNotifier>
 #include <QTimer>
 #include <QToolTip>
 #include <algorithm>
@@ -72,18 +70,6 @@ QtUserInterface::~QtUserInterface() {
   QAccessible::removeFactory(makeAccessibleApplication);
 }
 
-void QtUserInterface::run(int descriptor, const std::function<void()>& dispatchPending) {
-  QSocketNotifier notifier(descriptor, QSocketNotifier::Read);
-  const auto dispatch = [&dispatchPending] { dispatchPending(); };
-  // The notifier is the context of both connections, so both end with it.
-  QObject::connect(&notifier, &QSocketNotifier::activated, &notifier, dispatch);
-  QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, &notifier, dispatch);
-  QCoreApplication::exec();
-}
-
-// Not quit(), which first asks every window to close and gives up when one refuses.
-void QtUserInterface::stop() { QCoreApplication::exit(0); }
-
 // Observers are told once for each burst of changes.
 void QtUserInterface::watchScreens() {
   auto* const burst = new QTimer(application_.get());
@@ -135,6 +121,10 @@ void QtUserInterface::setAppearance(Appearance appearance) {
 }
 
 std::unique_ptr<DashboardWindow> QtUserInterface::makeDashboardWindow() {
+  return std::make_unique<DashboardPanel>(makeMenuWindow(), *this);
+}
+
+std::unique_ptr<MenuWindow> QtUserInterface::makeMenuWindow() {
   return std::make_unique<QtDashboardWindow>(theme_, *windowSystem_);
 }
 
@@ -144,8 +134,7 @@ std::unique_ptr<SettingsWindow> QtUserInterface::makeSettingsWindow() {
   return window;
 }
 
-std::unique_ptr<Alert> QtUserInterface::showAlert(const AlertContent& content,
-                                                  std::function<void(std::size_t button)> answered) {
+std::unique_ptr<Alert> QtUserInterface::showAlert(const AlertContent& content, AlertAnswer answered) {
   auto alert = std::make_unique<QtAlert>(theme_, *windowSystem_, content, std::move(answered));
   mainMenuKeys_.serve(*alert);
   alert->present();

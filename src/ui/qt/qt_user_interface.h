@@ -8,6 +8,8 @@
 #include <vector>
 
 #include "base/observer_list.h"
+#include "platform/windows_process.h"
+#include "ui/dashboard_panel.h"
 #include "ui/qt/controls/theme.h"
 #include "ui/qt/windows/main_menu_keys.h"
 #include "ui/user_interface.h"
@@ -17,15 +19,13 @@ namespace nimbo {
 class WindowSystem;
 
 /// The toolkit's application object and what hangs on it. One at a time; outlives its windows. If
-/// the connection to the display breaks, the toolkit ends the process with status 1, which loses
-/// nothing: whatever the program stores is on disk as soon as it is set.
-class QtUserInterface final : public UserInterface, private OuterLoop {
+/// the connection to the display breaks, the toolkit ends the process with status 1.
+class QtUserInterface final : public UserInterface, public Screens {
  public:
   /// Null when no display can be reached.
   [[nodiscard]] static std::unique_ptr<QtUserInterface> make(DisplayNeed need = DisplayNeed::required);
   ~QtUserInterface() override;
 
-  [[nodiscard]] OuterLoop& loop() override { return *this; }
   [[nodiscard]] std::vector<Screen> screens() const override;
   [[nodiscard]] Subscription observeScreens(std::function<void()> changed) override {
     return screenObservers_.add(std::move(changed));
@@ -34,18 +34,14 @@ class QtUserInterface final : public UserInterface, private OuterLoop {
   void setAppearance(Appearance appearance) override;
   void setMainMenu(const MainMenu& menu) override { mainMenuKeys_.setMenu(menu); }
   [[nodiscard]] std::unique_ptr<DashboardWindow> makeDashboardWindow() override;
+  /// The window alone, which hangs nowhere and does not close by itself.
+  [[nodiscard]] std::unique_ptr<MenuWindow> makeMenuWindow();
   [[nodiscard]] std::unique_ptr<SettingsWindow> makeSettingsWindow() override;
-  [[nodiscard]] std::unique_ptr<Alert> showAlert(const AlertContent& content,
-                                                 std::function<void(std::size_t button)> answered) override;
+  [[nodiscard]] std::unique_ptr<Alert> showAlert(const AlertContent& content, AlertAnswer answered) override;
 
  private:
   explicit QtUserInterface(const std::string& platform);
   void watchScreens();
-
-  // The toolkit's event loop as the outer one. Nothing called from it may run a nested event loop
-  // (modal dialogs, menus that wait): the inner main loop would stand still meanwhile.
-  void run(int descriptor, const std::function<void()>& dispatchPending) override;
-  void stop() override;
 
   // The toolkit keeps references to the pointers and their count for as long as the application lives.
   std::array<std::string, 3> arguments_;

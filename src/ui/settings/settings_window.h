@@ -31,15 +31,19 @@ struct SettingsWindowContent {
   bool operator==(const SettingsWindowContent&) const = default;
 };
 
+struct SettingsWindowEvents {
+  ControlListener acted = {};            ///< what the user does with the controls
+  std::function<void()> becameKey = {};  ///< the window got the keyboard focus
+  std::function<void()> closed = {};     ///< it is gone from the screen
+};
+
 /// An ordinary window with a title bar that can be closed and minimised, but not resized. Closing hides
 /// it. Main thread only.
 class SettingsWindow {
  public:
   virtual ~SettingsWindow() = default;
 
-  /// `acted` gets what the user does with the controls; `becameKey` is called when the window gets the
-  /// keyboard focus.
-  virtual void setListeners(ControlListener acted, std::function<void()> becameKey) = 0;
+  virtual void setEvents(SettingsWindowEvents events) = 0;
   /// Shows `content`; touches only what differs from what is shown.
   virtual void render(const SettingsWindowContent& content) = 0;
 

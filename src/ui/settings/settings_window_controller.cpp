@@ -27,8 +27,8 @@ constexpr std::array kRequests{
 void SettingsWindowController::show(std::optional<SettingsTab> tab) {
   if (!window_) {
     window_ = callbacks_.makeWindow();
-    if (!window_) return;
-    window_->setListeners([this](const ControlEvent& event) { handle(event); }, [this] { sync(); });
+    window_->setEvents(
+        {.acted = [this](const ControlEvent& event) { handle(event); }, .becameKey = [this] { sync(); }});
   }
   if (tab) selectedTab_ = static_cast<std::size_t>(*tab);
   sync();
@@ -54,7 +54,7 @@ void SettingsWindowController::handle(const ControlEvent& event) {
   const auto* const index = std::get_if<std::size_t>(&value);
   const auto* const check = settingsCheck(identifier);
   const auto* const choice = settingsChoice(identifier);
-  if (identifier == "tabs" && index != nullptr && *index < kSettingsTabCount) {
+  if (identifier == kTabsIdentifier && index != nullptr && *index < kSettingsTabCount) {
     selectedTab_ = *index;
   } else if (check != nullptr && on != nullptr) {
     check->write(sources_.settings, *on);

@@ -29,8 +29,8 @@ class SettingsWindowController {
     const LoginItem& loginItem;
   };
   struct Callbacks {
-    std::function<std::unique_ptr<SettingsWindow>()> makeWindow;  ///< null when there is no display
-    std::function<void(const SettingsChange& change)> changed;    ///< a setting was written
+    std::function<std::unique_ptr<SettingsWindow>()> makeWindow;
+    std::function<void(const SettingsChange& change)> changed;  ///< a setting was written
     // Requests; the window then shows their outcome.
     std::function<void()> toggleLogin;
     std::function<void()> checkForUpdates;
@@ -47,8 +47,7 @@ class SettingsWindowController {
   SettingsWindowController(const SettingsWindowController&) = delete;
   SettingsWindowController& operator=(const SettingsWindowController&) = delete;
 
-  /// Brings the window to the front, on `tab` or else on the one that was in front last. Nothing happens
-  /// while there is no display.
+  /// Brings the window to the front, on `tab` or else on the one that was in front last.
   void show(std::optional<SettingsTab> tab = std::nullopt);
   /// Something that the window shows has changed elsewhere; costs nothing while it is closed.
   void syncIfVisible();

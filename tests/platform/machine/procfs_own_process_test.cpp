@@ -20,7 +20,7 @@ class ProcfsOwnProcessTest : public testing::Test {
  protected:
   [[nodiscard]] std::optional<ResourceUsage> usage(const std::string& status) const {
     tree.write("self/status", status);
-    return readOwnUsage(tree.path().string());
+    return readOwnUsage(std::nullopt, tree.path().string());
   }
 
   TemporaryTree tree;
@@ -32,6 +32,21 @@ TEST_F(ProcfsOwnProcessTest, FootprintIsPrivateMemoryAndItsSwapBesideAllResident
   ASSERT_TRUE(usage);
   EXPECT_EQ(usage->physicalFootprint, 12 * kMebibyte);
   EXPECT_EQ(usage->residentSize, 40 * kMebibyte);
+}
+
+TEST_F(ProcfsOwnProcessTest, WindowsInAProcessOfTheirOwnAreCounted) {
+  tree.write("self/status", "Name:\tnimbo\nVmRSS:\t 4096 kB\nRssAnon:\t 1024 kB\nVmSwap:\t 0 kB\n");
+  const auto alone = readOwnUsage(77, tree.path().string());
+  ASSERT_TRUE(alone) << "it has just ended";
+  EXPECT_EQ(alone->residentSize, 4 * kMebibyte);
+
+  tree.write("77/status", "Name:\twindows\nVmRSS:\t 8192 kB\nRssAnon:\t 2048 kB\nVmSwap:\t 1024 kB\n");
+  tree.write("77/schedstat", "2000000000 31 4\n");
+  const auto both = readOwnUsage(77, tree.path().string());
+  ASSERT_TRUE(both);
+  EXPECT_EQ(both->physicalFootprint, 4 * kMebibyte);
+  EXPECT_EQ(both->residentSize, 12 * kMebibyte);
+  EXPECT_GE(both->cpuTime - alone->cpuTime, std::chrono::seconds(2));
 }
 
 TEST_F(ProcfsOwnProcessTest, AllResidentMemoryStandsInOnOldKernels) {
@@ -50,7 +65,7 @@ TEST_F(ProcfsOwnProcessTest, UserInThousandsOfGroupsIsReadWhole) {
 }
 
 TEST_F(ProcfsOwnProcessTest, MissingAndForeignTextIsAbsent) {
-  EXPECT_FALSE(readOwnUsage(tree.path().string()));
+  EXPECT_FALSE(readOwnUsage(std::nullopt, tree.path().string()));
   for (const char* text : {"", "\n", "Name:\tnimbo\n", "VmRSS:\t many kB\nRssAnon:\t 5 kB\n", "VmRSS:\t 1024 kB"}) {
     EXPECT_FALSE(usage(text)) << text;
   }

@@ -186,7 +186,7 @@ class AccessibleTree : public DashboardTest {
   }
   void showAlert() {
     alert_ = interface().showAlert({"Quit?", "A session is running.", {"No", "Yes"}},
-                                   [this](std::size_t) { alert_.reset(); });
+                                   [this](std::optional<std::size_t> /*button*/) { alert_.reset(); });
   }
   void withSomePopUp(const std::function<void(PopUpButton&)>& act) {
     constexpr std::array kNames{"duration", "battery", "preset"};

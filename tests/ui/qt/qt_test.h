@@ -32,7 +32,7 @@ class QtTest : public testing::Test {
   }
   static void TearDownTestSuite() { interface_.reset(); }
 
-  static UserInterface& interface() { return *interface_; }
+  static QtUserInterface& interface() { return *interface_; }
 
  private:
   static inline std::unique_ptr<QtUserInterface> interface_;
@@ -51,7 +51,7 @@ class DashboardTest : public QtTest {
  protected:
   void SetUp() override {
     interface().setAppearance(Appearance::light);
-    window_ = interface().makeDashboardWindow();
+    window_ = interface().makeMenuWindow();
     window_->setListener([this](const ControlEvent& event) { log_.push_back(described(event)); });
     world_.fill(controller_, DashboardTab::memory, 40);
     controller_.handle(pressed("more"));
@@ -88,7 +88,7 @@ class DashboardTest : public QtTest {
   SampleWorld world_;
   DashboardController controller_{world_.sources()};
   std::vector<std::string> log_;
-  std::unique_ptr<DashboardWindow> window_;
+  std::unique_ptr<MenuWindow> window_;
 };
 
 }  // namespace nimbo

@@ -69,7 +69,7 @@ TEST_F(QtUserInterfaceTest, ProgramIsNamedForTheDesktop) {
 
 TEST_F(QtUserInterfaceTest, WindowsComeAndGo) {
   for (int round = 0; round < 3; ++round) {
-    const auto window = interface().makeDashboardWindow();
+    const auto window = interface().makeMenuWindow();
     EXPECT_FALSE(window->visible());
     window->setFrame({0, 0, 340, 400});
     window->show();
@@ -77,7 +77,7 @@ TEST_F(QtUserInterfaceTest, WindowsComeAndGo) {
     window->hide();
     EXPECT_FALSE(window->visible());
   }
-  const auto closedWhileOpen = interface().makeDashboardWindow();
+  const auto closedWhileOpen = interface().makeMenuWindow();
   closedWhileOpen->show();
 }
 

@@ -202,19 +202,21 @@ TEST_F(SettingsWindowControllerTest, WidgetMessageIsThereOnlyWhileThereIsOne) {
 
 // Without a display.
 
-TEST_F(SettingsWindowControllerTest, WindowIsMadeWhenItIsOpenedAndAskedForAgainUntilThereIsOne) {
-  int asked = 0;
-  SettingsWindowController::Callbacks callbacks;
-  callbacks.makeWindow = [&]() -> std::unique_ptr<SettingsWindow> {
-    ++asked;
-    return nullptr;
+TEST_F(SettingsWindowControllerTest, WindowIsMadeWhenItIsFirstOpened) {
+  int windows = 0;
+  SettingsWindowController::Callbacks counting;
+  counting.automaticUpdates = [] { return false; };
+  counting.widgetMessage = [] { return std::nullopt; };
+  counting.makeWindow = [&]() -> std::unique_ptr<SettingsWindow> {
+    ++windows;
+    return std::make_unique<FakeSettingsWindow>();
   };
-  SettingsWindowController other({settings, bundle, login}, callbacks);
+  SettingsWindowController other({settings, bundle, login}, counting);
   other.syncIfVisible();
-  EXPECT_EQ(asked, 0);
+  EXPECT_EQ(windows, 0);
   other.show();
   other.show();
-  EXPECT_EQ(asked, 2);
+  EXPECT_EQ(windows, 1);
 }
 
 TEST_F(SettingsWindowControllerTest, WindowThatCannotBeShownCostsNothingLater) {

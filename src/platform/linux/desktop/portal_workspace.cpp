@@ -2,6 +2,7 @@
 #include "platform/linux/desktop/portal_workspace.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <string_view>
 #include <utility>
 
@@ -147,6 +148,17 @@ void PortalWorkspace::revealFile(const std::filesystem::path& file) {
                             "org.freedesktop.FileManager1", "ShowItems", BusActivation::allowed};
   (void)callOr(file_, methodCall(session_, kShow, std::vector{fileUri(file)}, ""),
                [this, folder = fileUri(file.parent_path())] { return openByProgram(folder); });
+}
+
+// Desktop Notifications Specification; a desktop without a server for them may start one. The answer is only its number.
+void PortalWorkspace::notify(const std::string& title, const std::string& text) {
+  constexpr BusMethod kNotify{"org.freedesktop.Notifications", "/org/freedesktop/Notifications",
+                              "org.freedesktop.Notifications", "Notify", BusActivation::allowed};
+  constexpr std::uint32_t kNew = 0;
+  constexpr std::int32_t kUsualTime = -1;
+  notice_ = callAsync(methodCall(session_, kNotify, "Nimbo", kNew, "com.quellwerk.Nimbo", title, text,
+                                 std::vector<std::string>(), NoOptions(), kUsualTime),
+                      [](sd_bus_message* /*reply*/) {});
 }
 
 }  // namespace nimbo

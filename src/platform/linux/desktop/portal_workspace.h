@@ -36,6 +36,7 @@ class PortalWorkspace final : public Workspace {
   void openLink(const std::string& url) override;
   bool openApplication(const std::string& bundleIdentifier) override;
   void revealFile(const std::filesystem::path& file) override;
+  void notify(const std::string& title, const std::string& text) override;
 
  private:
   void readColorScheme(const char* method);
@@ -56,6 +57,7 @@ class PortalWorkspace final : public Workspace {
   BusSlot link_;
   BusSlot application_;
   BusSlot file_;
+  BusSlot notice_;
   std::optional<BusNameWatch> portalOwner_;
   XfconfProperty xfceTheme_;
   DetachedPrograms programs_;

@@ -47,6 +47,21 @@ std::chrono::nanoseconds durationOf(const timeval& time) {
   return std::chrono::seconds(time.tv_sec) + std::chrono::microseconds(time.tv_usec);
 }
 
+/// Of a process by its folder, without its CPU time.
+std::optional<ResourceUsage> memoryOf(const std::string& process) {
+  ProcFile file(process + "/status");
+  const auto status = readProcessStatus([&file](std::span<char> buffer) { return file.read(buffer); });
+  if (!status || status->resident == 0) return std::nullopt;
+  return ResourceUsage{status->footprint, status->resident, {}};
+}
+
+// The first number of schedstat: nanoseconds on a processor. Kernels without scheduler statistics do not tell.
+std::chrono::nanoseconds cpuTimeOf(const std::string& process) {
+  std::array<char, 128> buffer;
+  auto text = ProcFile(process + "/schedstat").read(buffer).value_or(std::string_view());
+  return std::chrono::nanoseconds(parseNumber(takeWord(text)).value_or(0));
+}
+
 }  // namespace
 
 ProcessStatus parseProcessStatus(std::string_view text) {
@@ -134,12 +149,18 @@ std::optional<std::string_view> ProcfsProcessTable::readFile(std::int32_t pid, s
   return std::string_view(buffer.data(), static_cast<std::size_t>(size));
 }
 
-std::optional<ResourceUsage> readOwnUsage(const std::string& procRoot) {
-  ProcFile file(procRoot + "/self/status");
-  const auto status = readProcessStatus([&file](std::span<char> buffer) { return file.read(buffer); });
+std::optional<ResourceUsage> readOwnUsage(std::optional<pid_t> windows, const std::string& procRoot) {
+  auto usage = memoryOf(procRoot + "/self");
   rusage times{};
-  if (!status || status->resident == 0 || ::getrusage(RUSAGE_SELF, &times) != 0) return std::nullopt;
-  return ResourceUsage{status->footprint, status->resident, durationOf(times.ru_utime) + durationOf(times.ru_stime)};
+  if (!usage || ::getrusage(RUSAGE_SELF, &times) != 0) return std::nullopt;
+  usage->cpuTime = durationOf(times.ru_utime) + durationOf(times.ru_stime);
+  const std::string other = procRoot + "/" + std::to_string(windows.value_or(0));
+  if (const auto more = windows ? memoryOf(other) : std::nullopt) {
+    usage->physicalFootprint += more->physicalFootprint;
+    usage->residentSize += more->residentSize;
+    usage->cpuTime += cpuTimeOf(other);
+  }
+  return usage;
 }
 
 }  // namespace nimbo

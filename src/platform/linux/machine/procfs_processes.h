@@ -46,8 +46,10 @@ class ProcfsProcessTable final : public ProcessTable {
   bool statusNeeded_ = true;  // as of the last list
 };
 
-/// What /proc and the kernel's accounting say of this process. The footprint is private memory with what is swapped out
-/// of it; memory as it is now, CPU time of finished threads included. Absent when they do not tell. Any thread.
-[[nodiscard]] std::optional<ResourceUsage> readOwnUsage(const std::string& procRoot = "/proc");
+/// What /proc and the kernel's accounting say of this process, and of the one that shows its windows, if there is one,
+/// together. The footprint is private memory with what is swapped out of it; memory as it is now, CPU time of finished
+/// threads included. Absent when they do not tell. Any thread.
+[[nodiscard]] std::optional<ResourceUsage> readOwnUsage(std::optional<pid_t> windows = {},
+                                                        const std::string& procRoot = "/proc");
 
 }  // namespace nimbo

@@ -6,6 +6,7 @@
 #include <spawn.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <functional>
 
@@ -24,12 +25,12 @@ std::vector<char*> pointers(std::vector<std::string>& texts) {
 }
 
 /// `prepare` adds what is done in the child before its program begins: after it has got a session and clean signals,
-/// and before all other descriptors are closed. Its result is 0 or an error number.
-Result<SessionLeader, std::error_code> spawn(const std::string& executable, const std::vector<std::string>& arguments,
+/// and before all descriptors from `firstClosed` on are closed. Its result is 0 or an error number. `words` are the
+/// name that the program is told, and its arguments.
+Result<SessionLeader, std::error_code> spawn(const std::string& executable, std::vector<std::string> words,
                                              char* const* environment,
-                                             const std::function<int(posix_spawn_file_actions_t* steps)>& prepare) {
-  std::vector<std::string> words{executable};
-  words.insert(words.end(), arguments.begin(), arguments.end());
+                                             const std::function<int(posix_spawn_file_actions_t* steps)>& prepare,
+                                             int firstClosed = STDERR_FILENO + 1) {
   const std::vector<char*> wordPointers = pointers(words);
 
   sigset_t none;
@@ -46,7 +47,7 @@ Result<SessionLeader, std::error_code> spawn(const std::string& executable, cons
 
   SessionLeader leader;
   int error = prepare(&steps);
-  if (error == 0) error = ::posix_spawn_file_actions_addclosefrom_np(&steps, STDERR_FILENO + 1);
+  if (error == 0) error = ::posix_spawn_file_actions_addclosefrom_np(&steps, firstClosed);
   if (error == 0) {
     error = ::posix_spawn(&leader.pid, executable.c_str(), &steps, &attributes, wordPointers.data(), environment);
   }
@@ -64,6 +65,12 @@ Result<SessionLeader, std::error_code> spawn(const std::string& executable, cons
   return tl::unexpected(reason);
 }
 
+std::vector<std::string> commandOf(const std::string& executable, const std::vector<std::string>& arguments) {
+  std::vector<std::string> words{executable};
+  words.insert(words.end(), arguments.begin(), arguments.end());
+  return words;
+}
+
 }  // namespace
 
 Result<SessionLeader, std::error_code> spawnOnTerminal(const ChildProgram& program, const std::string& terminal) {
@@ -76,14 +83,25 @@ Result<SessionLeader, std::error_code> spawnOnTerminal(const ChildProgram& progr
     }
     return error != 0 ? error : ::posix_spawn_file_actions_addchdir_np(steps, program.folder.c_str());
   };
-  return spawn(program.executable, program.arguments, pointers(variables).data(), onTerminal);
+  return spawn(program.executable, commandOf(program.executable, program.arguments), pointers(variables).data(),
+               onTerminal);
 }
 
 Result<SessionLeader, std::error_code> spawnWithoutInput(const std::string& executable,
                                                          const std::vector<std::string>& arguments) {
-  return spawn(executable, arguments, ::environ, [](posix_spawn_file_actions_t* steps) {
+  return spawn(executable, commandOf(executable, arguments), ::environ, [](posix_spawn_file_actions_t* steps) {
     return ::posix_spawn_file_actions_addopen(steps, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
   });
+}
+
+Result<SessionLeader, std::error_code> spawnWithInput(const UniqueFd& executable, const std::vector<std::string>& words,
+                                                      const UniqueFd& input) {
+  constexpr int kExecutable = STDERR_FILENO + 1;
+  const auto withInput = [&](posix_spawn_file_actions_t* steps) {
+    const int error = ::posix_spawn_file_actions_adddup2(steps, input.get(), STDIN_FILENO);
+    return error != 0 ? error : ::posix_spawn_file_actions_adddup2(steps, executable.get(), kExecutable);
+  };
+  return spawn("/proc/self/fd/" + std::to_string(kExecutable), words, ::environ, withInput, kExecutable + 1);
 }
 
 // glibc 2.36 declares its wrapper without C linkage.

@@ -22,7 +22,7 @@ constexpr double kSideInset = 4;  // keeps the track apart from what stands besi
 
 SegmentedTabs::SegmentedTabs(const Theme& theme, ControlListener listener, QWidget* parent)
     : ContentWidget(theme, parent, std::move(listener)) {
-  setObjectName("tabs");
+  setObjectName(kTabsIdentifier);
   setAccessibleName("Pages");
   setFocusPolicy(Qt::StrongFocus);
   setUsesScrollButtons(false);

@@ -5,7 +5,7 @@
 #include <QWidget>
 
 #include "base/subscription.h"
-#include "ui/dashboard/dashboard_window.h"
+#include "ui/dashboard/menu_window.h"
 #include "ui/qt/dashboard/dashboard_page.h"
 
 namespace nimbo {
@@ -14,7 +14,7 @@ class WindowSystem;
 
 /// The dashboard's page in a borderless window with rounded corners that behaves like a menu: it takes
 /// keyboard and pointer while it is open.
-class QtDashboardWindow final : public QWidget, public DashboardWindow {
+class QtDashboardWindow final : public QWidget, public MenuWindow {
  public:
   QtDashboardWindow(const Theme& theme, WindowSystem& windowSystem);
   ~QtDashboardWindow() override;

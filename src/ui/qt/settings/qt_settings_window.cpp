@@ -23,7 +23,7 @@ QtSettingsWindow::QtSettingsWindow(const Theme& theme, WindowSystem& windowSyste
     : QWidget(nullptr, kFlags),
       theme_(theme),
       windowSystem_(windowSystem),
-      listener_([this](const ControlEvent& event) { call(acted_, event); }),
+      listener_([this](const ControlEvent& event) { call(events_.acted, event); }),
       tabs_(new SegmentedTabs(theme, listener_, this)) {
   setObjectName("settingsWindow");
   setProgramIcon(*this);
@@ -72,7 +72,8 @@ bool QtSettingsWindow::event(QEvent* event) {
   if (event->type() == QEvent::Show) windowHandle()->installEventFilter(this);
   // Some window managers let the user make every window full screen.
   if (event->type() == QEvent::WindowStateChange && isFullScreen()) showNormal();
-  if (event->type() == QEvent::WindowActivate) call(becameKey_);
+  if (event->type() == QEvent::WindowActivate) call(events_.becameKey);
+  if (event->type() == QEvent::Hide && !event->spontaneous()) call(events_.closed);
   return handled;
 }
 

@@ -18,10 +18,7 @@ class QtSettingsWindow final : public QWidget, public SettingsWindow {
  public:
   QtSettingsWindow(const Theme& theme, WindowSystem& windowSystem);
 
-  void setListeners(ControlListener acted, std::function<void()> becameKey) override {
-    acted_ = std::move(acted);
-    becameKey_ = std::move(becameKey);
-  }
+  void setEvents(SettingsWindowEvents events) override { events_ = std::move(events); }
   void render(const SettingsWindowContent& content) override;
   void show() override;
   void close() override { QWidget::close(); }
@@ -38,8 +35,7 @@ class QtSettingsWindow final : public QWidget, public SettingsWindow {
 
   const Theme& theme_;
   WindowSystem& windowSystem_;
-  ControlListener acted_;
-  std::function<void()> becameKey_;
+  SettingsWindowEvents events_;
   const ControlListener listener_;  ///< calls the one that is set then
   bool placed_ = false;
 

@@ -54,8 +54,7 @@ double buttonWidth(const std::string& title) {
 
 }  // namespace
 
-QtAlert::QtAlert(const Theme& theme, WindowSystem& windowSystem, const AlertContent& content,
-                 std::function<void(std::size_t button)> answered)
+QtAlert::QtAlert(const Theme& theme, WindowSystem& windowSystem, const AlertContent& content, AlertAnswer answered)
     : QDialog(nullptr, flags()), windowSystem_(windowSystem), cancel_(content.cancel), answered_(std::move(answered)) {
   setObjectName("alert");
   setProgramIcon(*this);
@@ -67,7 +66,7 @@ QtAlert::QtAlert(const Theme& theme, WindowSystem& windowSystem, const AlertCont
   const double end = placeButtons(theme, content.buttons, buttons) + kBottomMargin;
   setFixedSize(qRound(kWidth), qRound(end));
   answerTimer_.setSingleShot(true);
-  connect(&answerTimer_, &QTimer::timeout, this, [this] { call(answered_, *pressed_); });
+  connect(&answerTimer_, &QTimer::timeout, this, [this] { call(answered_, pressed_); });
 }
 
 double QtAlert::placeText(const Theme& theme, const LabelContent& content, const char* name) {

@@ -23,7 +23,7 @@ class WindowSystem;
 class QtAlert final : public QDialog, public Alert {
  public:
   QtAlert(const Theme& theme, WindowSystem& windowSystem, const AlertContent& content,
-          std::function<void(std::size_t button)> answered);
+          AlertAnswer answered);
 
   void present() override;
 
@@ -41,7 +41,7 @@ class QtAlert final : public QDialog, public Alert {
 
   WindowSystem& windowSystem_;
   const std::size_t cancel_;
-  const std::function<void(std::size_t button)> answered_;
+  const AlertAnswer answered_;
   std::optional<std::size_t> pressed_;
   QTimer answerTimer_;
 };

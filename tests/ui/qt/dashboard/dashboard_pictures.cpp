@@ -246,10 +246,10 @@ bool saveScreen(const QRect& part, const QString& path) {
   return QGuiApplication::primaryScreen()->grabWindow(0, part.x(), part.y(), part.width(), part.height()).save(path);
 }
 
-bool save(UserInterface& interface, const Picture& picture, const QString& path) {
+bool save(QtUserInterface& interface, const Picture& picture, const QString& path) {
   Scene scene;
   picture.fill(scene);
-  const auto window = interface.makeDashboardWindow();
+  const auto window = interface.makeMenuWindow();
   const auto& content = scene.controller.content();
   constexpr double kMargin = 24;
   window->render(content);

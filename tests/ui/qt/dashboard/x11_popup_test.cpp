@@ -294,7 +294,7 @@ class X11Alert : public X11Popup {
  protected:
   void showAlert() {
     alert_ = interface_->showAlert({"Keep Awake is running", "Text.", {"Keep Running", "End Session & Quit"}},
-                                   [this](std::size_t button) { answers_.push_back(button); });
+                                   [this](std::optional<std::size_t> button) { answers_.push_back(button.value()); });
     ASSERT_TRUE(eventually([] { return alert().windowHandle()->isExposed(); }));
   }
   static QDialog& alert() {

@@ -49,12 +49,13 @@ class SettingsWindowTest : public QtTest {
 
   /// `then` is done with each event that is in the log.
   void listen(const std::function<void()>& then = [] {}) {
-    window_->setListeners(
-        [this, then](const ControlEvent& event) {
-          log_.push_back(described(event));
-          then();
-        },
-        [this] { ++becameKey_; });
+    window_->setEvents({.acted =
+                            [this, then](const ControlEvent& event) {
+                              log_.push_back(described(event));
+                              then();
+                            },
+                        .becameKey = [this] { ++becameKey_; },
+                        .closed = [this] { ++closed_; }});
   }
 
   void render() { window_->render(content_); }
@@ -102,6 +103,7 @@ class SettingsWindowTest : public QtTest {
   SettingsWindowContent content_ = sampleSettings();
   std::vector<std::string> log_;
   int becameKey_ = 0;
+  int closed_ = 0;
   std::unique_ptr<SettingsWindow> window_;
 };
 

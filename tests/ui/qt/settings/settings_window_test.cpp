@@ -41,6 +41,7 @@ TEST_F(SettingsWindowOnScreen, ClosingHidesItAndItCanBeShownAgain) {
   EXPECT_TRUE(window_->visible());
   window_->close();
   EXPECT_FALSE(window_->visible());
+  EXPECT_EQ(closed_, 2) << "told of both";
 }
 
 TEST_F(SettingsWindowOnScreen, EscapeDoesNotCloseIt) {
@@ -116,7 +117,7 @@ TEST_F(SettingsWindowOnScreen, ContentRenderedFromWithinAnActionWins) {
 TEST_F(SettingsWindowOnScreen, ButtonThatChangesThePageMayDisappear) {
   listen([this] {
     content_.pages[0].controls.pop_back();
-    window_->setListeners({}, {});
+    window_->setEvents({});
     render();
   });
   click("checkUpdates");
@@ -267,7 +268,7 @@ TEST_F(SettingsWindowOnScreen, ClosingOrDestroyingItTakesItsOpenList) {
 }
 
 TEST_F(SettingsWindowTest, NobodyNeedsToListen) {
-  window_->setListeners({}, {});
+  window_->setEvents({});
   open();
   click("login");
   click("checkUpdates");

@@ -29,8 +29,9 @@ class SettingsWindowOn : public testing::Test {
     ASSERT_NE(interface_, nullptr);
     interface_->setMainMenu(makeMainMenu({{}, [this] { log_.emplace_back("quit"); }}));
     window_ = interface_->makeSettingsWindow();
-    window_->setListeners([this](const ControlEvent& event) { log_.push_back(described(event)); },
-                          [this] { ++becameKey_; });
+    window_->setEvents({.acted = [this](const ControlEvent& event) { log_.push_back(described(event)); },
+                        .becameKey = [this] { ++becameKey_; },
+                        .closed = [this] { ++closed_; }});
     window_->render(sampleSettings());
   }
   void open() {
@@ -60,6 +61,7 @@ class SettingsWindowOn : public testing::Test {
   std::unique_ptr<SettingsWindow> window_;
   std::vector<std::string> log_;
   int becameKey_ = 0;
+  int closed_ = 0;
 };
 
 using X11SettingsWindow = SettingsWindowOn<PrivateDisplay>;
@@ -118,7 +120,7 @@ TEST_F(X11SettingsWindow, FocusIsAskedForInTheUsersNameEachTime) {
 
 TEST_F(X11SettingsWindow, OpensBesideTheDashboardOnceThatIsHidden) {
   open();
-  const auto dashboard = interface_->makeDashboardWindow();
+  const auto dashboard = interface_->makeMenuWindow();
   dashboard->setFrame({20, 20, 300, 300});
   dashboard->show();
   ASSERT_TRUE(eventually([&] { return dashboard->grabsPointer(); }));

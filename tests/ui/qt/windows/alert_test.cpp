@@ -19,7 +19,7 @@ class AlertOnScreen : public QtTest {
   void SetUp() override { interface().setAppearance(Appearance::light); }
 
   void show(const AlertContent& content = kQuestion) {
-    alert_ = interface().showAlert(content, [this](std::size_t button) { answers_.push_back(button); });
+    alert_ = interface().showAlert(content, [this](std::optional<std::size_t> button) { answers_.push_back(button.value()); });
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&window()));
   }
   static QDialog* find() {
@@ -180,8 +180,8 @@ TEST_F(AlertOnScreen, AnswersOnceHoweverOftenItIsPressed) {
 }
 
 TEST_F(AlertOnScreen, AnswerMayDestroyIt) {
-  alert_ = interface().showAlert(kQuestion, [this](std::size_t button) {
-    answers_.push_back(button);
+  alert_ = interface().showAlert(kQuestion, [this](std::optional<std::size_t> button) {
+    answers_.push_back(button.value());
     alert_.reset();
   });
   ASSERT_TRUE(QTest::qWaitForWindowExposed(&window()));
@@ -248,7 +248,7 @@ TEST_F(AlertOnScreen, IsFoundAmongTheProgramsWindows) {
 
 TEST_F(AlertOnScreen, DashboardOpensAndClosesBesideIt) {
   show();
-  const auto dashboard = interface().makeDashboardWindow();
+  const auto dashboard = interface().makeMenuWindow();
   int escapes = 0;
   dashboard->setEvents({.escapePressed = [&] { ++escapes; },
                         .clickedOutside = {},

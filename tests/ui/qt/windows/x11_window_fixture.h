@@ -21,7 +21,7 @@ class X11WindowTest : public testing::Test {
   void start() {
     interface_ = QtUserInterface::make();
     ASSERT_NE(interface_, nullptr);
-    window_ = interface_->makeDashboardWindow();
+    window_ = interface_->makeMenuWindow();
     window_->setListener([this](const ControlEvent& event) { quits_ += event == pressed("quit"); });
     window_->setEvents({.escapePressed = [this] { ++escapes_; },
                         .clickedOutside = [this](std::optional<Point> place) { outside_.push_back(place); },
@@ -45,7 +45,7 @@ class X11WindowTest : public testing::Test {
   PrivateDisplay display_;
   X11Client client_;
   std::unique_ptr<QtUserInterface> interface_;
-  std::unique_ptr<DashboardWindow> window_;
+  std::unique_ptr<MenuWindow> window_;
   SampleWorld world_;
   DashboardController controller_{world_.sources()};
   int escapes_ = 0;

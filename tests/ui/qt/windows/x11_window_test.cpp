@@ -3,7 +3,6 @@
 #include <QToolTip>
 #include <cstdlib>
 
-#include "platform/linux/loop/dl_module_loader.h"
 #include "ui/controls/palette.h"
 #include "x11_window_fixture.h"
 
@@ -209,21 +208,9 @@ TEST_F(X11Window, NoDisplayGivesNoUserInterfaceAndLaterItMay) {
   EXPECT_NE(QtUserInterface::make(), nullptr);
 }
 
-TEST_F(X11Window, ModuleGivesAUserInterface) {
-  DlModuleLoader loader(NIMBO_MODULE_FOLDER);
-  const auto symbol = loader.symbol("nimbo-ui", kUserInterfaceEntryName);
-  ASSERT_TRUE(symbol) << symbol.error().message;
-  const std::unique_ptr<UserInterface> loaded(reinterpret_cast<UserInterfaceEntry>(*symbol)(DisplayNeed::required));
-  ASSERT_NE(loaded, nullptr);
-  EXPECT_EQ(loaded->screens().size(), 1U);
-  const auto window = loaded->makeDashboardWindow();
-  window->show();
-  EXPECT_TRUE(window->visible());
-}
-
 [[noreturn]] void loseServer(PrivateDisplay& display) {
   const auto interface = QtUserInterface::make();
-  const auto window = interface->makeDashboardWindow();
+  const auto window = interface->makeMenuWindow();
   window->show();
   QTimer::singleShot(100, [&] { display.stop(); });
   QCoreApplication::exec();

@@ -6,12 +6,12 @@
 #include <utility>
 #include <vector>
 
-#include "ui/user_interface.h"
+#include "ui/dashboard/menu_window.h"
 
 namespace nimbo {
 
 /// A window without pixels: a test reads what it shows and does to it what a user would.
-class FakeDashboardWindow final : public DashboardWindow {
+class FakeMenuWindow final : public MenuWindow {
  public:
   void setListener(ControlListener listener) override { listener_ = std::move(listener); }
   void setEvents(MenuWindowEvents events) override { events_ = std::move(events); }

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <functional>
+
+#include "app/windows/question.h"
+#include "awake/awake_manager.h"
+#include "platform/main_loop.h"
+
+namespace nimbo {
+
+/// Ends the program because the user wants it; during a Keep Awake session only after asking. Main thread
+/// only.
+class QuitQuestion {
+ public:
+  /// All outlive it. `willShow` makes room on the screen.
+  QuitQuestion(UserInterface& windows, MainLoop& loop, const AwakeManager& awake, std::function<void()> willShow);
+
+  void quit();
+
+ private:
+  MainLoop& loop_;
+  const AwakeManager& awake_;
+  std::function<void()> willShow_;
+  Question question_;
+};
+
+}  // namespace nimbo

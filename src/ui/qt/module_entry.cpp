@@ -1,8 +1,0 @@
-// SPDX-License-Identifier: MIT
-#include "ui/qt/qt_user_interface.h"
-
-extern "C" __attribute__((visibility("default"))) nimbo::UserInterface* nimboMakeUserInterface(
-    nimbo::DisplayNeed need) {
-  static_assert(std::is_same_v<decltype(&nimboMakeUserInterface), nimbo::UserInterfaceEntry>);
-  return nimbo::QtUserInterface::make(need).release();
-}

@@ -1,0 +1,157 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <array>
+#include <chrono>
+#include <cmath>
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+#include <tuple>
+#include <type_traits>
+#include <utility>
+#include <variant>
+#include <vector>
+
+namespace nimbo {
+
+// Values as JSON and back. A structure is the array of what fields() says of it, a variant its alternative's number
+// and value, an enumeration its number, a time its nanoseconds since 1970, nothing null. Reading takes nothing else: no
+// missing or further field, no number that does not fit. What was read before an error stays in the value.
+
+/// Specialised for each enumeration that is sent: its last value.
+template <class Enumeration>
+inline constexpr auto kLastOf = nullptr;
+
+/// Lengths, fractions and sizes of text stay far below; windows count in integers.
+inline constexpr double kLargestNumber = 1e6;
+
+using Json = nlohmann::json;
+
+template <class Type, template <class...> class Template>
+inline constexpr bool kIs = false;
+template <template <class...> class Template, class... Arguments>
+inline constexpr bool kIs<Template<Arguments...>, Template> = true;
+
+template <class Value>
+concept List = requires(Value value) {
+  value.begin();
+  value.size();
+};
+
+template <class Value>
+Json toJson(const Value& value) {
+  using Time = std::chrono::system_clock::time_point;
+  if constexpr (std::is_arithmetic_v<Value> || std::same_as<Value, std::string>) {
+    return value;
+  } else if constexpr (std::is_enum_v<Value>) {
+    return static_cast<int>(value);
+  } else if constexpr (std::is_empty_v<Value>) {
+    return nullptr;
+  } else if constexpr (std::same_as<Value, Time>) {
+    return std::chrono::nanoseconds(value.time_since_epoch()).count();
+  } else if constexpr (kIs<Value, std::optional>) {
+    return value ? toJson(*value) : Json();
+  } else if constexpr (kIs<Value, std::variant>) {
+    return std::visit([&](const auto& each) { return Json::array({value.index(), toJson(each)}); }, value);
+  } else {
+    Json array = Json::array();
+    if constexpr (List<Value>) {
+      for (const auto& each : value) array.push_back(toJson(each));
+    } else {
+      std::apply([&](const auto&... each) { (array.push_back(toJson(each)), ...); }, fields(value));
+    }
+    return array;
+  }
+}
+
+template <class Value>
+[[nodiscard]] bool fromJson(const Json& json, Value& value);
+
+template <class Number>
+[[nodiscard]] bool numberFromJson(const Json& json, Number& number) {
+  if constexpr (std::is_floating_point_v<Number>) {
+    if (!json.is_number()) return false;
+    number = json.get<Number>();
+    return std::abs(number) <= kLargestNumber;
+  } else if (json.is_number_unsigned()) {
+    const auto whole = json.get<std::uint64_t>();
+    number = static_cast<Number>(whole);
+    return std::in_range<Number>(whole);
+  } else {
+    if (!json.is_number_integer()) return false;
+    const auto whole = json.get<std::int64_t>();
+    number = static_cast<Number>(whole);
+    return std::in_range<Number>(whole);
+  }
+}
+
+/// `index` counts the alternatives that are still to be tried.
+template <std::size_t kAlternative = 0, class... Alternatives>
+[[nodiscard]] bool variantFromJson(std::size_t index, const Json& json, std::variant<Alternatives...>& value) {
+  if constexpr (kAlternative == sizeof...(Alternatives)) {
+    return false;
+  } else {
+    if (index != kAlternative) return variantFromJson<kAlternative + 1>(index, json, value);
+    return fromJson(json, value.template emplace<kAlternative>());
+  }
+}
+
+template <class Value>
+[[nodiscard]] bool listFromJson(const Json& json, Value& list) {
+  if (!json.is_array()) return false;
+  if constexpr (requires { list.resize(json.size()); }) list.resize(json.size());
+  if (list.size() != json.size()) return false;
+  std::size_t index = 0;
+  for (auto& each : list) {
+    if (!fromJson(json[index++], each)) return false;
+  }
+  return true;
+}
+
+template <class Value>
+bool fromJson(const Json& json, Value& value) {
+  using Time = std::chrono::system_clock::time_point;
+  if constexpr (std::same_as<Value, bool>) {
+    if (json.is_boolean()) value = json.get<bool>();
+    return json.is_boolean();
+  } else if constexpr (std::same_as<Value, std::string>) {
+    if (json.is_string()) value = json.get<std::string>();
+    return json.is_string();
+  } else if constexpr (std::is_arithmetic_v<Value>) {
+    return numberFromJson(json, value);
+  } else if constexpr (std::is_enum_v<Value>) {
+    int number = 0;
+    if (!numberFromJson(json, number) || number < 0 || number > static_cast<int>(kLastOf<Value>)) return false;
+    value = static_cast<Value>(number);
+    return true;
+  } else if constexpr (std::is_empty_v<Value>) {
+    return json.is_null();
+  } else if constexpr (std::same_as<Value, Time>) {
+    std::int64_t count = 0;
+    if (!numberFromJson(json, count)) return false;
+    value = Time(std::chrono::duration_cast<Time::duration>(std::chrono::nanoseconds(count)));
+    return true;
+  } else if constexpr (kIs<Value, std::optional>) {
+    if (json.is_null()) return true;
+    return fromJson(json, value.emplace());
+  } else if constexpr (kIs<Value, std::variant>) {
+    std::size_t index = 0;
+    return json.is_array() && json.size() == 2 && numberFromJson(json[0], index) &&
+           variantFromJson(index, json[1], value);
+  } else if constexpr (List<Value>) {
+    return listFromJson(json, value);
+  } else {
+    return std::apply(
+        [&](auto&... each) {
+          std::size_t index = 0;
+          return json.is_array() && json.size() == sizeof...(each) && (fromJson(json[index++], each) && ...);
+        },
+        fields(value));
+  }
+}
+
+}  // namespace nimbo

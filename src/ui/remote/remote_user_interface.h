@@ -1,0 +1,117 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <chrono>
+#include <deque>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "base/lifetime.h"
+#include "platform/clock.h"
+#include "platform/main_loop.h"
+#include "platform/windows_process.h"
+#include "ui/remote/records.h"
+#include "ui/user_interface.h"
+
+namespace nimbo {
+
+/// Windows in a process of their own, so that none of their faults, nor the end of their display, is one of the
+/// program. The process is started when a window is opened and ended a while after the last one was closed. When it
+/// dies, alerts are answered as if they had been closed, and open windows come back once.
+class RemoteUserInterface final : public UserInterface {
+ public:
+  struct Services {
+    MainLoop& loop;
+    const Clock& clock;
+    Workspace& workspace;
+  };
+
+  /// Starting takes a tenth of a second and more, so the process stays for who comes back soon.
+  static constexpr std::chrono::seconds kIdleTime{60};
+  /// So many deaths within so long, and it is not tried again before the time is over.
+  static constexpr std::size_t kMostDeaths = 3;
+  static constexpr std::chrono::seconds kDeathSpan{60};
+
+  RemoteUserInterface(Services services, WindowsStarter start, DisplayNeed need = DisplayNeed::required);
+  ~RemoteUserInterface() override;
+
+  void setAppearance(Appearance appearance) override;
+  void setMainMenu(const MainMenu& menu) override { menu_ = menu; }
+  [[nodiscard]] std::unique_ptr<DashboardWindow> makeDashboardWindow() override;
+  [[nodiscard]] std::unique_ptr<SettingsWindow> makeSettingsWindow() override;
+  [[nodiscard]] std::unique_ptr<Alert> showAlert(const AlertContent& content, AlertAnswer answered) override;
+
+  /// Whether a process runs now.
+  [[nodiscard]] bool running() const { return process_ != nullptr; }
+
+ private:
+  class Dashboard;
+  class SettingsView;
+  class PendingAlert;
+
+  /// A window as this side knows it.
+  template <class Content, class Events>
+  struct Window {
+    Events events;
+    Content content;
+    Serial handled = 0;  ///< the last thing that the user did in it, for the process that runs
+    bool live = false;   ///< the process has the content, and gets every later one
+    bool visible = false;
+    Serial serial = 0;
+  };
+
+  void render(auto& window, const auto& content);
+  void prepare(auto& window);
+  /// False, and the user knows, when it makes no sense to try.
+  [[nodiscard]] bool open(auto& window);
+  void close(auto& window);
+  void act(auto& window, const Acted& acted);
+  void sendContent(const Window<DashboardContent, DashboardEvents>& window);
+  void sendContent(const Window<SettingsWindowContent, SettingsWindowEvents>& window);
+  void openDashboard();
+  void openSettings();
+  void closeAlert(Serial serial);
+  void somethingClosed();
+
+  /// Starts the process if there is none.
+  void tell(const RecordForWindows& record);
+  void tellIfRunning(const RecordForWindows& record);
+  void receive(const std::string& text);
+  void received(const WindowsReady& record);
+  void received(const DashboardClosed& record);
+  void received(const DashboardActed& record);
+  void received(const SettingsClosed& record);
+  void received(const SettingsBecameKey& record);
+  void received(const SettingsActed& record);
+  void received(const AlertAnswered& record);
+  void received(const MenuEntryChosen& record);
+
+  void ended(WindowsEnd end);
+  void letGo();
+  void answerAlerts(WindowsEnd end);
+  [[nodiscard]] bool diesTooOften() const;
+
+  Services services_;
+  const WindowsStarter start_;
+  const DisplayNeed need_;
+  Appearance appearance_ = Appearance::light;
+  MainMenu menu_;
+
+  Serial serial_ = 0;
+  Window<DashboardContent, DashboardEvents> dashboard_;
+  DashboardPlace place_;
+  Window<SettingsWindowContent, SettingsWindowEvents> settings_;
+  std::map<Serial, PendingAlert*> alerts_;
+
+  std::deque<std::chrono::duration<double>> deaths_;  ///< the last ones, in uptime
+  bool mayComeBack_ = false;
+  bool complained_ = false;
+  Subscription idle_;
+  Lifetime lifetime_;
+  bool stuck_ = false;  ///< the process takes no more records
+  std::unique_ptr<WindowsProcess> process_;
+};
+
+}  // namespace nimbo

@@ -1,0 +1,108 @@
+# SPDX-License-Identifier: MIT
+"""Windows are a process of their own, whose end in whatever way costs neither a session nor an item."""
+
+import os
+import random
+import signal
+import unittest
+
+from nimbo_desktop import SLOW, turn_for, wait_until, windows_of
+from power_services import Logind
+from program import DesktopTest
+from test_keep_awake import DELAY, SLEEP_BLOCK
+
+KILLS = int(os.environ.get("NIMBO_KILLS", "8"))
+NO_DISPLAY = "nimbo: no display can be reached, so no window can be shown\n"
+
+
+@unittest.skipIf(Logind.missing(), Logind.missing())
+class WindowsProcessTest(DesktopTest):
+    display = True
+    system_bus = True
+    desktop = "sway"
+
+    def setUp(self):
+        super().setUp()
+        self.logind = Logind(self.session)
+        self.start()
+        self.item = self.host.item("nimbo-memory")
+
+    def start_session(self):
+        self.item.secondary_activate(1300, 10)
+        self.wait_until_held()
+
+    def wait_until_held(self):
+        wait_until(self.held, "the inhibitor", 10 * SLOW)
+
+    def held(self):
+        return self.logind.inhibitors() == sorted([DELAY, SLEEP_BLOCK])
+
+    def open(self):
+        self.item.activate(1300, 10)
+        self.program.wait_for_dashboard()
+
+    def kill_windows(self):
+        pid = self.program.windows_pid
+        os.kill(pid, signal.SIGKILL)
+        wait_until(lambda: not os.path.exists(f"/proc/{pid}"), "the end of the windows")
+
+    def test_nothing_runs_for_windows_before_one_is_wanted(self):
+        self.assertIsNone(self.program.windows_pid)
+
+    def test_open_dashboard_comes_back_after_a_crash_once(self):
+        self.open()
+        first = self.program.windows_pid
+        self.kill_windows()
+        self.program.wait_for_dashboard()
+        self.assertNotEqual(self.program.windows_pid, first)
+        self.program.wait_for_text(lambda text: text == "Nimbo", "its title")
+        self.kill_windows()
+        self.program.wait_for_no_dashboard()
+        self.assertIsNone(self.program.windows_pid)
+        self.open()
+
+    def test_session_and_items_outlive_deaths_at_any_moment(self):
+        self.start_session()
+        chance = random.Random(7)
+        for kill in range(KILLS):
+            self.assertTrue(self.program.child.running, self.program.errors())
+            if self.program.dashboard() is None:
+                self.item.activate(1300, 10)
+            turn_for(chance.uniform(0, 0.4))
+            if pid := self.program.windows_pid:
+                os.kill(pid, signal.SIGKILL)
+            self.assertTrue(self.held(), f"after {kill} deaths")
+            self.assertRegex(self.item.tooltip, "^Memory: ")
+        self.assertTrue(self.held())
+
+    def test_question_that_dies_leaves_the_session_running(self):
+        self.start_session()
+        entries = {properties.get("label"): number for number, properties in self.item.open_menu()}
+        self.item.close_menu()
+        self.item.click_menu(entries["Quit Nimbo"])
+        wait_until(lambda: windows_of(self.session, self.program.windows_pid), "the question")
+        self.kill_windows()
+        self.assertTrue(self.held())
+        self.assertTrue(self.program.child.running)
+
+    def test_display_that_vanishes_takes_the_windows_alone(self):
+        self.start_session()
+        self.open()
+        windows = self.program.windows_pid
+        self.session.display.server.end()
+        wait_until(lambda: not os.path.exists(f"/proc/{windows}"), "the end of the windows")
+        wait_until(lambda: NO_DISPLAY in self.program.errors(), "the word on the display")
+        self.assertTrue(self.held())
+        self.assertRegex(self.item.tooltip, "^Memory: ")
+        self.expected_errors = self.program.errors()
+
+    def test_windows_die_with_the_program(self):
+        self.open()
+        windows = self.program.windows_pid
+        self.program.child.process.kill()
+        self.program.wait_for_exit()
+        wait_until(lambda: not os.path.exists(f"/proc/{windows}"), "the end of the windows")
+
+
+if __name__ == "__main__":
+    unittest.main()
