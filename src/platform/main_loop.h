@@ -8,17 +8,6 @@
 
 namespace nimbo {
 
-/// A toolkit's own event loop that takes over as the outer one. Main thread only.
-class OuterLoop {
- public:
-  virtual ~OuterLoop() = default;
-
-  /// Runs until `stop`. Calls `dispatchPending` whenever `descriptor` is readable and each time
-  /// before it would block, because the toolkit's own handlers may have armed timers meanwhile.
-  virtual void run(int descriptor, const std::function<void()>& dispatchPending) = 0;
-  virtual void stop() = 0;
-};
-
 /// The one event loop of the process. Everything is called on the main thread except `post`;
 /// every callback arrives on the main thread, from inside `run`.
 class MainLoop {
@@ -42,9 +31,6 @@ class MainLoop {
   /// Calls `ready` whenever `descriptor` can be read or has hung up. The caller keeps the
   /// descriptor open for the life of the subscription.
   [[nodiscard]] virtual Subscription watch(int descriptor, std::function<void()> ready) = 0;
-
-  /// From the next turn on `outer` waits for events and drives this loop. Once, for good.
-  virtual void adopt(OuterLoop& outer) = 0;
 
   /// Dispatches until `quit`.
   virtual void run() = 0;

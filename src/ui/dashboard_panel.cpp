@@ -8,15 +8,15 @@ namespace nimbo {
 
 DashboardPanel::DashboardPanel(std::unique_ptr<MenuWindow> window, Screens& screens)
     : window_(std::move(window)), screens_(screens) {
-  window_->setEvents({.escapePressed = [this] { close(ClosedBy::user); },
+  window_->setEvents({.escapePressed = [this] { close(ClosedBy::other); },
                       .clickedOutside = [this](std::optional<Point> place) { clickedOutside(place); },
                       .otherApplicationActivated = [this] { close(ClosedBy::clickElsewhere); },
-                      .closeRequested = [this] { close(ClosedBy::user); }});
+                      .closeRequested = [this] { close(ClosedBy::other); }});
 }
 
 DashboardPanel::~DashboardPanel() { window_->setEvents({}); }
 
-void DashboardPanel::setEvents(DashboardEvents events) {
+void DashboardPanel::setEvents(WindowEvents events) {
   window_->setListener(std::move(events.acted));
   closed_ = std::move(events.closed);
 }
@@ -27,7 +27,7 @@ void DashboardPanel::render(const DashboardContent& content) {
   if (visible()) reposition();
 }
 
-void DashboardPanel::show(const DashboardPlace& place) {
+void DashboardPanel::show(const WindowPlace& place) {
   if (screens_.screens().empty()) return;
   ownItems_ = place.ownItems;
   // Converted now, while the pointer is still where the click was.
@@ -39,11 +39,6 @@ void DashboardPanel::show(const DashboardPlace& place) {
   }
   reposition();
   window_->show();
-}
-
-void DashboardPanel::hide() {
-  window_->hide();
-  screensChanged_.reset();
 }
 
 void DashboardPanel::reposition() {
@@ -61,7 +56,8 @@ void DashboardPanel::clickedOutside(std::optional<Point> place) {
 
 void DashboardPanel::close(ClosedBy by) {
   if (!visible()) return;
-  hide();
+  window_->hide();
+  screensChanged_.reset();
   if (const auto closed = closed_) closed(by);
 }
 

@@ -8,7 +8,7 @@
 
 #include "base/geometry.h"
 #include "base/subscription.h"
-#include "ui/dashboard/dashboard_window.h"
+#include "ui/controls/content_window.h"
 #include "ui/dashboard/menu_window.h"
 #include "ui/dashboard/panel_placement.h"
 
@@ -31,7 +31,7 @@ class Screens {
 
 /// The dropdown that holds the dashboard: keeps its window at the status item that was clicked, and closes on Escape,
 /// on clicks elsewhere and when another application comes to the front. Main thread only.
-class DashboardPanel final : public DashboardWindow {
+class DashboardPanel final : public ContentWindow<DashboardContent> {
  public:
   /// `screens` outlives it.
   DashboardPanel(std::unique_ptr<MenuWindow> window, Screens& screens);
@@ -39,12 +39,12 @@ class DashboardPanel final : public DashboardWindow {
   DashboardPanel& operator=(const DashboardPanel&) = delete;
   ~DashboardPanel() override;
 
-  void setEvents(DashboardEvents events) override;
+  void setEvents(WindowEvents events) override;
   /// An open panel follows the content's size at once.
   void render(const DashboardContent& content) override;
   /// Nothing happens while no screen is connected.
-  void show(const DashboardPlace& place) override;
-  void hide() override;
+  void show(const WindowPlace& place) override;
+  void hide() override { close(ClosedBy::other); }
   [[nodiscard]] bool visible() const override { return window_->visible(); }
 
  private:

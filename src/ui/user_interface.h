@@ -9,7 +9,8 @@
 #include <vector>
 
 #include "platform/workspace.h"
-#include "ui/dashboard/dashboard_window.h"
+#include "ui/controls/content_window.h"
+#include "ui/dashboard/dashboard_content.h"
 #include "ui/main_menu.h"
 #include "ui/settings/settings_window.h"
 
@@ -35,6 +36,9 @@ class Alert {
   /// Brings it to the front once more.
   virtual void present() = 0;
 };
+
+/// A window that hangs from a status item and closes by itself as menus do.
+using DashboardWindow = ContentWindow<DashboardContent>;
 
 /// All windows of the program, as plain contents one way and what the user does the other. Outlives what it makes.
 /// Main thread only.

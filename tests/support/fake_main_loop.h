@@ -54,8 +54,6 @@ class FakeMainLoop final : public MainLoop {
     return add(&State::watches, Watch{descriptor, std::move(ready)});
   }
 
-  void adopt(OuterLoop& outer) override { outer_ = &outer; }
-
   /// Runs what is posted until nothing is left or `quit` was called; never waits.
   void run() override {
     ++runs_;
@@ -119,7 +117,6 @@ class FakeMainLoop final : public MainLoop {
   }
   [[nodiscard]] bool hasQuit() const { return quit_; }
   [[nodiscard]] int runs() const { return runs_; }
-  [[nodiscard]] OuterLoop* outer() const { return outer_; }
 
  private:
   using Id = unsigned;
@@ -216,7 +213,6 @@ class FakeMainLoop final : public MainLoop {
   }
 
   std::shared_ptr<State> state_ = std::make_shared<State>();
-  OuterLoop* outer_ = nullptr;
   bool quit_ = false;
   int runs_ = 0;
 };

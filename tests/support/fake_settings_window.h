@@ -16,25 +16,28 @@ namespace nimbo {
 /// window is hidden, nor from a control that is not on the page in front or cannot be used.
 class FakeSettingsWindow final : public SettingsWindow {
  public:
-  void setEvents(SettingsWindowEvents events) override { events_ = std::move(events); }
+  void setEvents(WindowEvents events) override { events_ = std::move(events); }
 
   void render(const SettingsWindowContent& content) override {
     content_ = content;
     ++renders_;
   }
 
-  void show() override {
+  void show(const WindowPlace& /*place*/ = {}) override {
     visible_ = canBeShown;
     ++shows_;
     becomeKey();
   }
-  void close() override {
-    if (std::exchange(visible_, false) && events_.closed) events_.closed();
-  }
+  void hide() override { close(); }
   [[nodiscard]] bool visible() const override { return visible_; }
 
   // What a user does; whether anybody heard it.
 
+  bool close() {
+    const bool heard = std::exchange(visible_, false) && events_.closed;
+    if (heard) events_.closed(ClosedBy::other);
+    return heard;
+  }
   bool selectTab(std::size_t index) {
     return visible_ && index < content_.tabs.labels.size() && report(chosen("tabs", index));
   }
@@ -98,7 +101,7 @@ class FakeSettingsWindow final : public SettingsWindow {
     return static_cast<bool>(events_.acted);
   }
 
-  SettingsWindowEvents events_;
+  WindowEvents events_;
   SettingsWindowContent content_;
   bool visible_ = false;
   int renders_ = 0;

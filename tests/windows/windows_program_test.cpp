@@ -70,13 +70,13 @@ TEST_F(WindowsProgramTest, SaysFirstWhatItUnderstands) {
 
 TEST_F(WindowsProgramTest, ShowsWhatItIsSentAndReadsItBeforeItIsReady) {
   const auto process = start(launcher);
-  EXPECT_TRUE(process->send(encode(ShowDashboard{})));
-  EXPECT_TRUE(process->send(encode(OpenDashboard{7, {}})));
-  EXPECT_TRUE(process->send(encode(OpenSettings{8})));
-  EXPECT_TRUE(process->send(encode(CloseSettings{})));
+  EXPECT_TRUE(process->send(encode(Show<DashboardContent>{})));
+  EXPECT_TRUE(process->send(encode(Open{WindowName::dashboard, 7})));
+  EXPECT_TRUE(process->send(encode(Open{WindowName::settings, 8})));
+  EXPECT_TRUE(process->send(encode(Close{WindowName::settings})));
   const auto told = [this](const std::string& what) { return std::ranges::find(records, what) != records.end(); };
-  EXPECT_TRUE(turnUntil([&] { return told(encode(SettingsClosed{8})); }));
-  EXPECT_TRUE(told(encode(SettingsBecameKey{})));
+  EXPECT_TRUE(turnUntil([&] { return told(encode(Closed{WindowName::settings, 8})); }));
+  EXPECT_TRUE(told(encode(BecameKey{WindowName::settings})));
 }
 
 TEST_F(WindowsProgramTest, NonsenseEndsIt) {
@@ -157,9 +157,9 @@ TEST_F(WindowsProgramTest, WindowsComeBackWhenItWasKilled) {
   });
   const auto settings = interface.makeSettingsWindow();
   int keys = 0;
-  settings->setEvents({.acted = {}, .becameKey = [&] { ++keys; }});
+  settings->setEvents({.becameKey = [&] { ++keys; }});
   settings->render({.title = "Settings", .size = {400, 300}, .tabs = {}, .pages = {}});
-  settings->show();
+  settings->show({});
   ASSERT_TRUE(turnUntil([&] { return keys == 1; }));
   const pid_t first = launcher.process().value();
   ASSERT_EQ(::kill(first, SIGKILL), 0);

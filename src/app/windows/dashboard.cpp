@@ -68,9 +68,7 @@ void Dashboard::handle(const ControlEvent& event) {
 }
 
 void Dashboard::close() {
-  if (!parts_) return;
-  parts_->window->hide();
-  closed(ClosedBy::user);
+  if (parts_) parts_->window->hide();
 }
 
 void Dashboard::closed(ClosedBy by) {

@@ -95,6 +95,8 @@ void DashboardController::show() {
   fillHeader(content, sources_.settings.tabOrder(), tab_);
   content.resources = resourcesContent(sources_, processes_);
   content.resources.visible = tab_ == DashboardTab::memory;
+  // What nobody looks at stays here.
+  if (!content.resources.visible) content.resources.processes.labels.clear();
   content.usage = usageContent(sources_);
   content.usage.visible = tab_ == DashboardTab::ai;
   content.awake = awakeView_.content();

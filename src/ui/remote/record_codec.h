@@ -22,9 +22,7 @@ namespace nimbo {
 // and value, an enumeration its number, a time its nanoseconds since 1970, nothing null. Reading takes nothing else: no
 // missing or further field, no number that does not fit. What was read before an error stays in the value.
 
-/// Specialised for each enumeration that is sent: its last value.
-template <class Enumeration>
-inline constexpr auto kLastOf = nullptr;
+// For each enumeration that is sent there is a lastOf(value), the last of its values.
 
 /// Lengths, fractions and sizes of text stay far below; windows count in integers.
 inline constexpr double kLargestNumber = 1e6;
@@ -77,10 +75,6 @@ template <class Number>
     if (!json.is_number()) return false;
     number = json.get<Number>();
     return std::abs(number) <= kLargestNumber;
-  } else if (json.is_number_unsigned()) {
-    const auto whole = json.get<std::uint64_t>();
-    number = static_cast<Number>(whole);
-    return std::in_range<Number>(whole);
   } else {
     if (!json.is_number_integer()) return false;
     const auto whole = json.get<std::int64_t>();
@@ -125,7 +119,7 @@ bool fromJson(const Json& json, Value& value) {
     return numberFromJson(json, value);
   } else if constexpr (std::is_enum_v<Value>) {
     int number = 0;
-    if (!numberFromJson(json, number) || number < 0 || number > static_cast<int>(kLastOf<Value>)) return false;
+    if (!numberFromJson(json, number) || number < 0 || number > static_cast<int>(lastOf(value))) return false;
     value = static_cast<Value>(number);
     return true;
   } else if constexpr (std::is_empty_v<Value>) {

@@ -6,23 +6,19 @@
 
 namespace nimbo {
 
-template <>
-inline constexpr auto kLastOf<ColorRole> = ColorRole::fieldBorder;
-template <>
-inline constexpr auto kLastOf<FontWeight> = FontWeight::semibold;
-template <>
-inline constexpr auto kLastOf<TextAlignment> = TextAlignment::right;
-template <>
-inline constexpr auto kLastOf<ButtonLook> = ButtonLook::icon;
-template <>
-inline constexpr auto kLastOf<UsageProvider> = UsageProvider::claude;
-template <>
-inline constexpr auto kLastOf<Appearance> = Appearance::dark;
-template <>
-inline constexpr auto kLastOf<ClosedBy> = ClosedBy::clickElsewhere;
+constexpr auto lastOf(ColorRole /*of*/) { return ColorRole::fieldBorder; }
+constexpr auto lastOf(FontWeight /*of*/) { return FontWeight::semibold; }
+constexpr auto lastOf(TextAlignment /*of*/) { return TextAlignment::right; }
+constexpr auto lastOf(ButtonLook /*of*/) { return ButtonLook::icon; }
+constexpr auto lastOf(UsageProvider /*of*/) { return UsageProvider::claude; }
+constexpr auto lastOf(Appearance /*of*/) { return Appearance::dark; }
+constexpr auto lastOf(ClosedBy /*of*/) { return ClosedBy::clickElsewhere; }
+constexpr auto lastOf(WindowName /*of*/) { return WindowName::settings; }
 
 template <class Value, class Type>
 concept Of = std::same_as<std::remove_const_t<Value>, Type>;
+template <class Value>
+concept AnyShow = kIs<std::remove_const_t<Value>, Show>;
 
 // The fields of everything that is sent, in the order of their declaration.
 auto fields(Of<Point> auto& v) { return std::tie(v.x, v.y); }
@@ -75,26 +71,23 @@ auto fields(Of<DashboardContent> auto& v) {
   return std::tie(v.size, v.title, v.tabs, v.settingsButton, v.resources, v.awake, v.usage, v.footerSeparator,
                   v.quitButton, v.quitHint);
 }
-auto fields(Of<DashboardPlace> auto& v) { return std::tie(v.item, v.ownItems); }
+auto fields(Of<WindowPlace> auto& v) { return std::tie(v.item, v.ownItems); }
 auto fields(Of<SettingsPageContent> auto& v) { return std::tie(v.frame, v.accessibleName, v.controls, v.visible); }
 auto fields(Of<SettingsWindowContent> auto& v) { return std::tie(v.title, v.size, v.tabs, v.pages); }
 auto fields(Of<AlertContent> auto& v) { return std::tie(v.title, v.text, v.buttons, v.cancel); }
 auto fields(Of<SetAppearance> auto& v) { return std::tie(v.appearance); }
-auto fields(Of<ShowDashboard> auto& v) { return std::tie(v.handled, v.content); }
-auto fields(Of<OpenDashboard> auto& v) { return std::tie(v.serial, v.place); }
-auto fields(Of<ShowSettings> auto& v) { return std::tie(v.handled, v.content); }
-auto fields(Of<OpenSettings> auto& v) { return std::tie(v.serial); }
+auto fields(Of<Open> auto& v) { return std::tie(v.window, v.serial, v.place); }
+auto fields(Of<Close> auto& v) { return std::tie(v.window); }
 auto fields(Of<OpenAlert> auto& v) { return std::tie(v.serial, v.content); }
 auto fields(Of<PresentAlert> auto& v) { return std::tie(v.serial); }
 auto fields(Of<CloseAlert> auto& v) { return std::tie(v.serial); }
 auto fields(Of<WindowsReady> auto& v) { return std::tie(v.version); }
-auto fields(Of<DashboardClosed> auto& v) { return std::tie(v.serial, v.by); }
-auto fields(Of<SettingsClosed> auto& v) { return std::tie(v.serial); }
+auto fields(Of<Acted> auto& v) { return std::tie(v.window, v.number, v.event, v.shown); }
+auto fields(Of<BecameKey> auto& v) { return std::tie(v.window); }
+auto fields(Of<Closed> auto& v) { return std::tie(v.window, v.serial, v.by); }
 auto fields(Of<AlertAnswered> auto& v) { return std::tie(v.serial, v.button); }
 auto fields(Of<MenuEntryChosen> auto& v) { return std::tie(v.section, v.entry); }
-auto fields(Of<Acted> auto& v) { return std::tie(v.number, v.event, v.shown); }
-auto fields(Of<DashboardActed> auto& v) { return std::tie(v.acted); }
-auto fields(Of<SettingsActed> auto& v) { return std::tie(v.acted); }
+auto fields(AnyShow auto& v) { return std::tie(v.handled, v.content); }
 
 namespace {
 

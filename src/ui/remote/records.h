@@ -9,7 +9,6 @@
 #include <variant>
 
 #include "platform/workspace.h"
-#include "ui/dashboard/dashboard_window.h"
 #include "ui/settings/settings_window.h"
 #include "ui/user_interface.h"
 
@@ -17,7 +16,9 @@ namespace nimbo {
 
 // What the program and the process that shows its windows tell each other, one record at a time.
 
-/// Of an opening of a window or an alert. What comes back names it, because it may be about an earlier one.
+enum class WindowName { dashboard, settings };
+
+/// Counts openings, alerts and what the user does. What comes back names it, because it may be about an earlier one.
 using Serial = std::uint32_t;
 
 struct SetAppearance {
@@ -25,23 +26,19 @@ struct SetAppearance {
 };
 /// What a window is to show, once `handled` of what the user did with its controls has had its effect. One of an
 /// earlier time is left out, because the user has gone on: another one follows.
-struct ShowDashboard {
+template <class Content>
+struct Show {
   Serial handled = 0;
-  DashboardContent content;
+  Content content;
 };
-struct OpenDashboard {
+struct Open {
+  WindowName window = WindowName::dashboard;
   Serial serial = 0;
-  DashboardPlace place;
+  WindowPlace place = {};
 };
-struct CloseDashboard {};
-struct ShowSettings {
-  Serial handled = 0;
-  SettingsWindowContent content;
+struct Close {
+  WindowName window = WindowName::dashboard;
 };
-struct OpenSettings {
-  Serial serial = 0;
-};
-struct CloseSettings {};
 struct OpenAlert {
   Serial serial = 0;
   AlertContent content;
@@ -52,21 +49,28 @@ struct PresentAlert {
 struct CloseAlert {
   Serial serial = 0;
 };
-using RecordForWindows = std::variant<SetAppearance, ShowDashboard, OpenDashboard, CloseDashboard, ShowSettings,
-                                      OpenSettings, CloseSettings, OpenAlert, PresentAlert, CloseAlert>;
+using RecordForWindows = std::variant<SetAppearance, Show<DashboardContent>, Show<SettingsWindowContent>, Open, Close,
+                                      OpenAlert, PresentAlert, CloseAlert>;
 
 /// The first that the windows say: which records they understand.
 struct WindowsReady {
   int version = 0;
 };
-struct DashboardClosed {
-  Serial serial = 0;
-  ClosedBy by = ClosedBy::user;
+/// What the user did with a control.
+struct Acted {
+  WindowName window = WindowName::dashboard;
+  Serial number = 0;  ///< from 1 on, in each window
+  ControlEvent event;
+  std::string shown;  ///< what the control, or the item of it that was chosen, said then
 };
-struct SettingsClosed {
-  Serial serial = 0;
+struct BecameKey {
+  WindowName window = WindowName::dashboard;
 };
-struct SettingsBecameKey {};
+struct Closed {
+  WindowName window = WindowName::dashboard;
+  Serial serial = 0;
+  ClosedBy by = ClosedBy::other;
+};
 struct AlertAnswered {
   Serial serial = 0;
   std::optional<std::size_t> button;
@@ -75,20 +79,7 @@ struct MenuEntryChosen {
   std::size_t section = 0;
   std::size_t entry = 0;
 };
-/// What the user did with a control.
-struct Acted {
-  Serial number = 0;  ///< from 1 on, in each window
-  ControlEvent event;
-  std::string shown;  ///< what the control, or the item of it that was chosen, said then
-};
-struct DashboardActed {
-  Acted acted;
-};
-struct SettingsActed {
-  Acted acted;
-};
-using RecordFromWindows = std::variant<WindowsReady, DashboardClosed, DashboardActed, SettingsClosed, SettingsBecameKey,
-                                       SettingsActed, AlertAnswered, MenuEntryChosen>;
+using RecordFromWindows = std::variant<WindowsReady, Acted, BecameKey, Closed, AlertAnswered, MenuEntryChosen>;
 
 /// Changes with every change of a record. Both processes come from one build, but the one on the disk may be newer.
 inline constexpr int kRecordVersion = 1;

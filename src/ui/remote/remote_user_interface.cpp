@@ -3,6 +3,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <utility>
 
@@ -13,75 +14,128 @@ constexpr std::chrono::seconds kIdleLeeway{5};
 
 }  // namespace
 
-class RemoteUserInterface::Dashboard final : public DashboardWindow {
+/// A window as this side knows it, whatever it shows.
+class RemoteUserInterface::Window {
  public:
-  explicit Dashboard(RemoteUserInterface& owner) : owner_(owner) {}
-  ~Dashboard() override {
-    Dashboard::hide();
-    Dashboard::setEvents({});
+  Window(RemoteUserInterface& owner, WindowName name) : owner_(owner), name_(name) { owner_.windowOf(name) = this; }
+  virtual ~Window() {
+    owner_.tellIfRunning(Close{name_});
+    owner_.windowOf(name_) = nullptr;
+    owner_.somethingClosed();
   }
-  Dashboard(const Dashboard&) = delete;
-  Dashboard& operator=(const Dashboard&) = delete;
+  Window(const Window&) = delete;
+  Window& operator=(const Window&) = delete;
 
-  void setEvents(DashboardEvents events) override { owner_.dashboard_.events = std::move(events); }
-  void render(const DashboardContent& content) override { owner_.render(owner_.dashboard_, content); }
-  void prepare() override { owner_.prepare(owner_.dashboard_); }
-  [[nodiscard]] bool prepared() const override { return owner_.dashboard_.live; }
-  void show(const DashboardPlace& place) override {
-    owner_.place_ = place;
-    owner_.mayComeBack_ = true;
-    owner_.openDashboard();
-  }
-  void hide() override {
-    owner_.tellIfRunning(CloseDashboard{});
-    owner_.close(owner_.dashboard_);
-  }
-  [[nodiscard]] bool visible() const override { return owner_.dashboard_.visible; }
+  [[nodiscard]] bool isOpen() const { return open_; }
+  [[nodiscard]] bool isOpen(Serial serial) const { return open_ && serial == serial_; }
+  [[nodiscard]] const WindowEvents& events() const { return events_; }
 
- private:
+  void openAt(const WindowPlace& place) {
+    place_ = place;
+    owner_.idle_.reset();
+    makeLive();
+    open_ = true;
+    serial_ = ++owner_.serial_;
+    owner_.tell(Open{name_, serial_, place_});
+  }
+  void openAgain() { openAt(place_); }
+  void goAway(ClosedBy by) {
+    if (!std::exchange(open_, false)) return;
+    live_ = false;
+    owner_.somethingClosed();
+    if (const auto closed = events_.closed) closed(by);
+  }
+  // What has been overtaken is ignored: the control is hidden or disabled by now, or says something else, as a button
+  // that has started a session and now stops it. In any case the window shows what it should afterwards: its controls
+  // have changed by themselves.
+  void act(const Acted& told) {
+    handled_ = told.number;
+    const auto acted = events_.acted;
+    if (acted && wordingNow(told.event) == told.shown) acted(told.event);
+    if (live_) sendContent(handled_);
+  }
+  /// The process that showed it is gone.
+  void forgetProcess() {
+    live_ = false;
+    handled_ = 0;
+  }
+
+ protected:
+  /// The process gets the content and from then on every later one.
+  void makeLive() {
+    if (!std::exchange(live_, true)) sendContent(handled_);
+  }
+  virtual void sendContent(Serial handled) = 0;
+  [[nodiscard]] virtual std::optional<std::string> wordingNow(const ControlEvent& event) const = 0;
+
   RemoteUserInterface& owner_;
+  const WindowName name_;
+  WindowEvents events_;
+  WindowPlace place_;
+  Serial serial_ = 0;
+  Serial handled_ = 0;  ///< the last thing that the user did in it, for the process that runs
+  bool live_ = false;
+  bool open_ = false;
 };
 
-class RemoteUserInterface::SettingsView final : public SettingsWindow {
+template <class Content>
+class RemoteUserInterface::WindowOf final : public ContentWindow<Content>, private Window {
  public:
-  explicit SettingsView(RemoteUserInterface& owner) : owner_(owner) {}
-  ~SettingsView() override {
-    SettingsView::close();
-    SettingsView::setEvents({});
-  }
-  SettingsView(const SettingsView&) = delete;
-  SettingsView& operator=(const SettingsView&) = delete;
+  using Window::Window;
 
-  void setEvents(SettingsWindowEvents events) override { owner_.settings_.events = std::move(events); }
-  void render(const SettingsWindowContent& content) override { owner_.render(owner_.settings_, content); }
-  void show() override {
+  void setEvents(WindowEvents events) override { events_ = std::move(events); }
+  void render(const Content& content) override {
+    if (content == content_) return;
+    content_ = content;
+    if (live_) sendContent(handled_);
+  }
+  void prepare() override { makeLive(); }
+  [[nodiscard]] bool prepared() const override { return live_; }
+  void show(const WindowPlace& place) override {
+    if (owner_.diesTooOften()) {
+      return owner_.services_.workspace.notify(
+          "Nimbo’s windows keep failing",
+          "They ended three times within a minute. Everything else goes on; try again in a minute.");
+    }
     owner_.mayComeBack_ = true;
-    owner_.openSettings();
+    openAt(place);
   }
-  void close() override {
-    owner_.tellIfRunning(CloseSettings{});
-    owner_.close(owner_.settings_);
+  void hide() override {
+    if (!isOpen()) return;
+    owner_.tellIfRunning(Close{name_});
+    goAway(ClosedBy::other);
   }
-  [[nodiscard]] bool visible() const override { return owner_.settings_.visible; }
+  [[nodiscard]] bool visible() const override { return isOpen(); }
 
  private:
-  RemoteUserInterface& owner_;
+  void sendContent(Serial handled) override { owner_.tell(Show<Content>{handled, content_}); }
+  [[nodiscard]] std::optional<std::string> wordingNow(const ControlEvent& event) const override {
+    return wording(content_, event);
+  }
+
+  Content content_;
 };
 
 class RemoteUserInterface::PendingAlert final : public Alert {
  public:
-  PendingAlert(RemoteUserInterface& owner, Serial serial, const AlertContent& content, AlertAnswer answered)
-      : owner_(owner), serial_(serial), content_(content), answered_(std::move(answered)) {
+  PendingAlert(RemoteUserInterface& owner, AlertContent content, AlertAnswer answered)
+      : owner_(owner), serial_(++owner.serial_), content_(std::move(content)), answered_(std::move(answered)) {
     owner_.alerts_.emplace(serial_, this);
+    owner_.idle_.reset();
   }
-  ~PendingAlert() override { owner_.closeAlert(serial_); }
+  ~PendingAlert() override {
+    owner_.alerts_.erase(serial_);
+    owner_.tellIfRunning(CloseAlert{serial_});
+    owner_.somethingClosed();
+  }
   PendingAlert(const PendingAlert&) = delete;
   PendingAlert& operator=(const PendingAlert&) = delete;
 
   void present() override { owner_.tellIfRunning(PresentAlert{serial_}); }
 
+  [[nodiscard]] Serial serial() const { return serial_; }
   [[nodiscard]] const AlertContent& content() const { return content_; }
-  /// From the main loop, and at most once.
+  /// From the main loop; only the first one counts. May destroy this.
   void answer(std::optional<std::size_t> button) {
     const auto answered = std::exchange(answered_, nullptr);
     if (answered) answered(button);
@@ -105,96 +159,28 @@ void RemoteUserInterface::setAppearance(Appearance appearance) {
 }
 
 std::unique_ptr<DashboardWindow> RemoteUserInterface::makeDashboardWindow() {
-  return std::make_unique<Dashboard>(*this);
+  return std::make_unique<WindowOf<DashboardContent>>(*this, WindowName::dashboard);
 }
 
 std::unique_ptr<SettingsWindow> RemoteUserInterface::makeSettingsWindow() {
-  return std::make_unique<SettingsView>(*this);
+  return std::make_unique<WindowOf<SettingsWindowContent>>(*this, WindowName::settings);
 }
 
 std::unique_ptr<Alert> RemoteUserInterface::showAlert(const AlertContent& content, AlertAnswer answered) {
-  const Serial serial = ++serial_;
-  auto alert = std::make_unique<PendingAlert>(*this, serial, content, std::move(answered));
-  idle_.reset();
+  auto alert = std::make_unique<PendingAlert>(*this, content, std::move(answered));
   if (diesTooOften()) {
-    services_.loop.post(lifetime_.guard([this, serial] {
-      const auto found = alerts_.find(serial);
-      if (found != alerts_.end()) found->second->answer(std::nullopt);
+    services_.loop.post(lifetime_.guard([this, serial = alert->serial()] {
+      received(AlertAnswered{serial, std::nullopt});
     }));
   } else {
-    tell(OpenAlert{serial, content});
+    tell(OpenAlert{alert->serial(), content});
   }
   return alert;
 }
 
-// What both windows do.
-
-void RemoteUserInterface::render(auto& window, const auto& content) {
-  if (content == window.content) return;
-  window.content = content;
-  if (window.live) sendContent(window);
-}
-
-void RemoteUserInterface::sendContent(const Window<DashboardContent, DashboardEvents>& window) {
-  tell(ShowDashboard{window.handled, window.content});
-}
-
-void RemoteUserInterface::sendContent(const Window<SettingsWindowContent, SettingsWindowEvents>& window) {
-  tell(ShowSettings{window.handled, window.content});
-}
-
-void RemoteUserInterface::prepare(auto& window) {
-  if (std::exchange(window.live, true)) return;
-  sendContent(window);
-}
-
-bool RemoteUserInterface::open(auto& window) {
-  if (diesTooOften()) {
-    services_.workspace.notify(
-        "Nimbo’s windows keep failing",
-        "They ended three times within a minute. Everything else goes on; try again in a minute.");
-    return false;
-  }
-  idle_.reset();
-  prepare(window);
-  window.visible = true;
-  window.serial = ++serial_;
-  return true;
-}
-
-// What has been overtaken is ignored: the control is hidden or disabled by now, or says something else, as a button
-// that has started a session and now stops it. In any case the window shows what it should afterwards: its controls
-// have changed by themselves.
-void RemoteUserInterface::act(auto& window, const Acted& told) {
-  if (!window.visible) return;
-  window.handled = told.number;
-  const auto acted = window.events.acted;
-  if (acted && wording(window.content, told.event) == told.shown) acted(told.event);
-  if (window.live) sendContent(window);
-}
-
-void RemoteUserInterface::openDashboard() {
-  if (open(dashboard_)) tell(OpenDashboard{dashboard_.serial, place_});
-}
-
-void RemoteUserInterface::openSettings() {
-  if (open(settings_)) tell(OpenSettings{settings_.serial});
-}
-
-void RemoteUserInterface::close(auto& window) {
-  window.live = false;
-  window.visible = false;
-  somethingClosed();
-}
-
-void RemoteUserInterface::closeAlert(Serial serial) {
-  alerts_.erase(serial);
-  tellIfRunning(CloseAlert{serial});
-  somethingClosed();
-}
-
 void RemoteUserInterface::somethingClosed() {
-  if (!process_ || dashboard_.visible || settings_.visible || !alerts_.empty()) return;
+  const auto isOpen = [](const Window* window) { return window != nullptr && window->isOpen(); };
+  if (!process_ || !alerts_.empty() || std::ranges::any_of(windows_, isOpen)) return;
   idle_ = services_.loop.every(kIdleTime, kIdleLeeway, [this] {
     idle_.reset();
     letGo();
@@ -229,26 +215,21 @@ void RemoteUserInterface::received(const WindowsReady& record) {
   if (record.version != kRecordVersion) ended(WindowsEnd::unavailable);
 }
 
-void RemoteUserInterface::received(const DashboardClosed& record) {
-  if (!dashboard_.visible || record.serial != dashboard_.serial) return;
-  close(dashboard_);
-  if (const auto closed = dashboard_.events.closed) closed(record.by);
+void RemoteUserInterface::received(const Acted& record) {
+  Window* const window = windowOf(record.window);
+  if (window != nullptr && window->isOpen()) window->act(record);
 }
 
-void RemoteUserInterface::received(const DashboardActed& record) { act(dashboard_, record.acted); }
-
-void RemoteUserInterface::received(const SettingsClosed& record) {
-  if (!settings_.visible || record.serial != settings_.serial) return;
-  close(settings_);
-  if (const auto closed = settings_.events.closed) closed();
+void RemoteUserInterface::received(const BecameKey& record) {
+  Window* const window = windowOf(record.window);
+  if (window == nullptr || !window->isOpen()) return;
+  if (const auto becameKey = window->events().becameKey) becameKey();
 }
 
-void RemoteUserInterface::received(const SettingsBecameKey& /*record*/) {
-  if (!settings_.visible) return;
-  if (const auto becameKey = settings_.events.becameKey) becameKey();
+void RemoteUserInterface::received(const Closed& record) {
+  Window* const window = windowOf(record.window);
+  if (window != nullptr && window->isOpen(record.serial)) window->goAway(record.by);
 }
-
-void RemoteUserInterface::received(const SettingsActed& record) { act(settings_, record.acted); }
 
 void RemoteUserInterface::received(const AlertAnswered& record) {
   const auto found = alerts_.find(record.serial);
@@ -273,32 +254,29 @@ void RemoteUserInterface::ended(WindowsEnd end) {
   } else if (!std::exchange(complained_, true)) {
     fmt::print(stderr, "nimbo: no display can be reached, so no window can be shown\n");
   }
-  const bool comesBack = end == WindowsEnd::died && !diesTooOften() && std::exchange(mayComeBack_, false);
-  const bool hadSettings = std::exchange(settings_.visible, false);
-  const bool hadDashboard = std::exchange(dashboard_.visible, false);
-  if (comesBack && hadSettings) openSettings();
-  if (comesBack && hadDashboard) openDashboard();
-  answerAlerts(end);
-  if (comesBack) return;
-  const auto settingsClosed = settings_.events.closed;
-  if (hadSettings && settingsClosed) settingsClosed();
-  const auto dashboardClosed = dashboard_.events.closed;
-  if (hadDashboard && dashboardClosed) dashboardClosed(ClosedBy::user);
-}
-
-void RemoteUserInterface::letGo() {
-  process_.reset();
-  stuck_ = false;
-  dashboard_.live = settings_.live = false;
-  dashboard_.handled = settings_.handled = 0;
-}
-
-void RemoteUserInterface::answerAlerts(WindowsEnd end) {
   // An answer may destroy other alerts.
   const auto alerts = alerts_;
   for (const auto& [serial, alert] : alerts) {
     if (!alerts_.contains(serial)) continue;
     alert->answer(end == WindowsEnd::died ? std::optional(alert->content().cancel) : std::nullopt);
+  }
+  const bool comesBack = end == WindowsEnd::died && !diesTooOften() && std::exchange(mayComeBack_, false);
+  for (const auto name : {WindowName::settings, WindowName::dashboard}) {
+    Window* const window = windowOf(name);
+    if (window == nullptr || !window->isOpen()) continue;
+    if (comesBack) {
+      window->openAgain();
+    } else {
+      window->goAway(ClosedBy::other);
+    }
+  }
+}
+
+void RemoteUserInterface::letGo() {
+  process_.reset();
+  stuck_ = false;
+  for (Window* const window : windows_) {
+    if (window != nullptr) window->forgetProcess();
   }
 }
 

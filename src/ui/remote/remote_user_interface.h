@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <array>
 #include <chrono>
 #include <deque>
-#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -19,7 +19,7 @@ namespace nimbo {
 
 /// Windows in a process of their own, so that none of their faults, nor the end of their display, is one of the
 /// program. The process is started when a window is opened and ended a while after the last one was closed. When it
-/// dies, alerts are answered as if they had been closed, and open windows come back once.
+/// dies, alerts are answered as if they had been closed, and open windows come back once. One window of each kind.
 class RemoteUserInterface final : public UserInterface {
  public:
   struct Services {
@@ -43,36 +43,14 @@ class RemoteUserInterface final : public UserInterface {
   [[nodiscard]] std::unique_ptr<SettingsWindow> makeSettingsWindow() override;
   [[nodiscard]] std::unique_ptr<Alert> showAlert(const AlertContent& content, AlertAnswer answered) override;
 
-  /// Whether a process runs now.
-  [[nodiscard]] bool running() const { return process_ != nullptr; }
-
  private:
-  class Dashboard;
-  class SettingsView;
+  class Window;
+  template <class Content>
+  class WindowOf;
   class PendingAlert;
 
-  /// A window as this side knows it.
-  template <class Content, class Events>
-  struct Window {
-    Events events;
-    Content content;
-    Serial handled = 0;  ///< the last thing that the user did in it, for the process that runs
-    bool live = false;   ///< the process has the content, and gets every later one
-    bool visible = false;
-    Serial serial = 0;
-  };
-
-  void render(auto& window, const auto& content);
-  void prepare(auto& window);
-  /// False, and the user knows, when it makes no sense to try.
-  [[nodiscard]] bool open(auto& window);
-  void close(auto& window);
-  void act(auto& window, const Acted& acted);
-  void sendContent(const Window<DashboardContent, DashboardEvents>& window);
-  void sendContent(const Window<SettingsWindowContent, SettingsWindowEvents>& window);
-  void openDashboard();
-  void openSettings();
-  void closeAlert(Serial serial);
+  /// Null for one that was not made.
+  [[nodiscard]] Window*& windowOf(WindowName name) { return windows_.at(static_cast<std::size_t>(name)); }
   void somethingClosed();
 
   /// Starts the process if there is none.
@@ -80,17 +58,14 @@ class RemoteUserInterface final : public UserInterface {
   void tellIfRunning(const RecordForWindows& record);
   void receive(const std::string& text);
   void received(const WindowsReady& record);
-  void received(const DashboardClosed& record);
-  void received(const DashboardActed& record);
-  void received(const SettingsClosed& record);
-  void received(const SettingsBecameKey& record);
-  void received(const SettingsActed& record);
+  void received(const Acted& record);
+  void received(const BecameKey& record);
+  void received(const Closed& record);
   void received(const AlertAnswered& record);
   void received(const MenuEntryChosen& record);
 
   void ended(WindowsEnd end);
   void letGo();
-  void answerAlerts(WindowsEnd end);
   [[nodiscard]] bool diesTooOften() const;
 
   Services services_;
@@ -100,9 +75,7 @@ class RemoteUserInterface final : public UserInterface {
   MainMenu menu_;
 
   Serial serial_ = 0;
-  Window<DashboardContent, DashboardEvents> dashboard_;
-  DashboardPlace place_;
-  Window<SettingsWindowContent, SettingsWindowEvents> settings_;
+  std::array<Window*, 2> windows_{};
   std::map<Serial, PendingAlert*> alerts_;
 
   std::deque<std::chrono::duration<double>> deaths_;  ///< the last ones, in uptime

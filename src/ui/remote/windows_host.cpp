@@ -13,7 +13,7 @@ WindowsHost::WindowsHost(UserInterface& interface, std::function<void(const std:
 
 bool WindowsHost::receive(std::string_view text) {
   const auto record = decodeForWindows(text);
-  if (record) std::visit([this](const auto& each) { show(each); }, *record);
+  if (record) std::visit([this](const auto& each) { receive(each); }, *record);
   return record.has_value();
 }
 
@@ -29,70 +29,46 @@ MainMenu WindowsHost::toldMenu() {
   return menu;
 }
 
-void WindowsHost::makeDashboard() {
-  if (dashboard_) return;
-  dashboard_ = interface_.makeDashboardWindow();
-  dashboard_->setEvents(
+auto& WindowsHost::windowOf(auto& hosted) {
+  if (hosted.window) return *hosted.window;
+  hosted.window = (interface_.*hosted.make)();
+  hosted.window->setEvents(
       {.acted =
-           [this](const ControlEvent& event) {
-             tell(DashboardActed{{++dashboardActions_, event, wording(dashboardContent_, event).value_or("")}});
+           [this, &hosted](const ControlEvent& event) {
+             tell(Acted{hosted.name, ++hosted.actions, event, wording(hosted.content, event).value_or("")});
            },
+       .becameKey = [this, &hosted] { tell(BecameKey{hosted.name}); },
        .closed =
-           [this](ClosedBy by) {
-             tell(DashboardClosed{dashboardSerial_, by});
+           [this, &hosted](ClosedBy by) {
+             tell(Closed{hosted.name, hosted.serial, by});
            }});
+  return *hosted.window;
 }
 
-void WindowsHost::makeSettings() {
-  if (settings_) return;
-  settings_ = interface_.makeSettingsWindow();
-  settings_->setEvents(
-      {.acted =
-           [this](const ControlEvent& event) {
-             tell(SettingsActed{{++settingsActions_, event, wording(settingsContent_, event).value_or("")}});
-           },
-       .becameKey = [this] { tell(SettingsBecameKey{}); },
-       .closed = [this] { tell(SettingsClosed{settingsSerial_}); }});
+void WindowsHost::showContent(auto& hosted, const auto& record) {
+  if (record.handled != hosted.actions) return;
+  hosted.content = record.content;
+  windowOf(hosted).render(hosted.content);
 }
 
-void WindowsHost::show(const SetAppearance& record) { interface_.setAppearance(record.appearance); }
-
-void WindowsHost::show(const ShowDashboard& record) {
-  if (record.handled != dashboardActions_) return;
-  makeDashboard();
-  dashboardContent_ = record.content;
-  dashboard_->render(dashboardContent_);
+void WindowsHost::open(auto& hosted, const Open& record) {
+  hosted.serial = record.serial;
+  auto& window = windowOf(hosted);
+  window.show(record.place);
+  if (!window.visible()) tell(Closed{hosted.name, hosted.serial, ClosedBy::other});
 }
 
-void WindowsHost::show(const OpenDashboard& record) {
-  makeDashboard();
-  dashboardSerial_ = record.serial;
-  dashboard_->show(record.place);
-  if (!dashboard_->visible()) tell(DashboardClosed{record.serial, ClosedBy::user});
+void WindowsHost::receive(const Open& record) {
+  if (record.window == WindowName::dashboard) return open(dashboard_, record);
+  open(settings_, record);
 }
 
-void WindowsHost::show(const CloseDashboard& /*record*/) {
-  if (dashboard_) dashboard_->hide();
+void WindowsHost::receive(const Close& record) {
+  if (record.window == WindowName::dashboard) return windowOf(dashboard_).hide();
+  windowOf(settings_).hide();
 }
 
-void WindowsHost::show(const ShowSettings& record) {
-  if (record.handled != settingsActions_) return;
-  makeSettings();
-  settingsContent_ = record.content;
-  settings_->render(settingsContent_);
-}
-
-void WindowsHost::show(const OpenSettings& record) {
-  makeSettings();
-  settingsSerial_ = record.serial;
-  settings_->show();
-}
-
-void WindowsHost::show(const CloseSettings& /*record*/) {
-  if (settings_) settings_->close();
-}
-
-void WindowsHost::show(const OpenAlert& record) {
+void WindowsHost::receive(const OpenAlert& record) {
   alerts_[record.serial] =
       interface_.showAlert(record.content, [this, serial = record.serial](std::optional<std::size_t> button) {
         tell(AlertAnswered{serial, button});
@@ -100,11 +76,9 @@ void WindowsHost::show(const OpenAlert& record) {
       });
 }
 
-void WindowsHost::show(const PresentAlert& record) {
+void WindowsHost::receive(const PresentAlert& record) {
   const auto alert = alerts_.find(record.serial);
   if (alert != alerts_.end()) alert->second->present();
 }
-
-void WindowsHost::show(const CloseAlert& record) { alerts_.erase(record.serial); }
 
 }  // namespace nimbo

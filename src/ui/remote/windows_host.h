@@ -23,33 +23,36 @@ class WindowsHost {
   [[nodiscard]] bool receive(std::string_view record);
 
  private:
-  void tell(const RecordFromWindows& record) { send_(encode(record)); }
-  void makeDashboard();
-  void makeSettings();
-  [[nodiscard]] MainMenu toldMenu();
+  template <class Content>
+  struct Hosted {
+    WindowName name;
+    std::unique_ptr<ContentWindow<Content>> (UserInterface::*make)();
+    std::unique_ptr<ContentWindow<Content>> window = {};
+    Content content = {};
+    Serial serial = 0;   ///< of the last opening
+    Serial actions = 0;  ///< that were told
+  };
 
-  void show(const SetAppearance& record);
-  void show(const ShowDashboard& record);
-  void show(const OpenDashboard& record);
-  void show(const CloseDashboard& record);
-  void show(const ShowSettings& record);
-  void show(const OpenSettings& record);
-  void show(const CloseSettings& record);
-  void show(const OpenAlert& record);
-  void show(const PresentAlert& record);
-  void show(const CloseAlert& record);
+  void tell(const RecordFromWindows& record) { send_(encode(record)); }
+  [[nodiscard]] MainMenu toldMenu();
+  /// Makes it where it is not there yet.
+  [[nodiscard]] auto& windowOf(auto& hosted);
+  void showContent(auto& hosted, const auto& record);
+  void open(auto& hosted, const Open& record);
+
+  void receive(const SetAppearance& record) { interface_.setAppearance(record.appearance); }
+  void receive(const Show<DashboardContent>& record) { showContent(dashboard_, record); }
+  void receive(const Show<SettingsWindowContent>& record) { showContent(settings_, record); }
+  void receive(const Open& record);
+  void receive(const Close& record);
+  void receive(const OpenAlert& record);
+  void receive(const PresentAlert& record);
+  void receive(const CloseAlert& record) { alerts_.erase(record.serial); }
 
   UserInterface& interface_;
   const std::function<void(const std::string& record)> send_;
-
-  DashboardContent dashboardContent_;
-  Serial dashboardSerial_ = 0;
-  Serial dashboardActions_ = 0;  ///< that were told
-  std::unique_ptr<DashboardWindow> dashboard_;
-  SettingsWindowContent settingsContent_;
-  Serial settingsSerial_ = 0;
-  Serial settingsActions_ = 0;
-  std::unique_ptr<SettingsWindow> settings_;
+  Hosted<DashboardContent> dashboard_{WindowName::dashboard, &UserInterface::makeDashboardWindow};
+  Hosted<SettingsWindowContent> settings_{WindowName::settings, &UserInterface::makeSettingsWindow};
   std::map<Serial, std::unique_ptr<Alert>> alerts_;
 };
 

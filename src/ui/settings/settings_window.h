@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <functional>
 #include <string>
 #include <variant>
 #include <vector>
 
+#include "ui/controls/content_window.h"
 #include "ui/controls/control_content.h"
 
 namespace nimbo {
@@ -31,26 +31,8 @@ struct SettingsWindowContent {
   bool operator==(const SettingsWindowContent&) const = default;
 };
 
-struct SettingsWindowEvents {
-  ControlListener acted = {};            ///< what the user does with the controls
-  std::function<void()> becameKey = {};  ///< the window got the keyboard focus
-  std::function<void()> closed = {};     ///< it is gone from the screen
-};
-
-/// An ordinary window with a title bar that can be closed and minimised, but not resized. Closing hides
-/// it. Main thread only.
-class SettingsWindow {
- public:
-  virtual ~SettingsWindow() = default;
-
-  virtual void setEvents(SettingsWindowEvents events) = 0;
-  /// Shows `content`; touches only what differs from what is shown.
-  virtual void render(const SettingsWindowContent& content) = 0;
-
-  /// Brings it to the front with the keyboard focus; the first time in the middle of the screen.
-  virtual void show() = 0;
-  virtual void close() = 0;
-  [[nodiscard]] virtual bool visible() const = 0;
-};
+/// An ordinary window with a title bar that can be closed and minimised, but not resized; the first time in the middle
+/// of the screen.
+using SettingsWindow = ContentWindow<SettingsWindowContent>;
 
 }  // namespace nimbo

@@ -32,7 +32,7 @@ void SettingsWindowController::show(std::optional<SettingsTab> tab) {
   }
   if (tab) selectedTab_ = static_cast<std::size_t>(*tab);
   sync();
-  window_->show();
+  window_->show({});
 }
 
 void SettingsWindowController::sync() {

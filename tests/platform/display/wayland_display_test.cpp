@@ -42,7 +42,6 @@ class SocketLoop final : public MainLoop {
   [[nodiscard]] Subscription watch(int descriptor, std::function<void()> ready) override {
     return sockets_.watch(descriptor, std::move(ready));
   }
-  void adopt(OuterLoop& outer) override { sockets_.adopt(outer); }
   void run() override { sockets_.run(); }
   void quit() override { sockets_.quit(); }
 

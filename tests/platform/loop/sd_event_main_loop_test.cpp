@@ -2,7 +2,6 @@
 #include "platform/linux/loop/sd_event_main_loop.h"
 
 #include <gtest/gtest.h>
-#include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -35,27 +34,6 @@ class MainLoopTest : public ::testing::Test {
 };
 
 /// A toolkit loop in miniature: polls the descriptor and asks for pending work before it blocks.
-class PollingOuterLoop final : public OuterLoop {
- public:
-  void run(int descriptor, const std::function<void()>& dispatchPending) override {
-    ++runs;
-    while (!stopped) {
-      if (beforeBlocking) beforeBlocking();
-      dispatchPending();
-      if (stopped) break;
-      pollfd entry{descriptor, POLLIN, 0};
-      poll(&entry, 1, 5000);
-      ++turns;
-    }
-  }
-  void stop() override { stopped = true; }
-
-  std::function<void()> beforeBlocking;
-  bool stopped = false;
-  int runs = 0;
-  int turns = 0;
-};
-
 TEST_F(MainLoopTest, PostedTasksRunInOrder) {
   std::vector<int> order;
   loop.post([&] { order.push_back(1); });
@@ -214,55 +192,6 @@ TEST_F(MainLoopTest, WatchReportsHangUp) {
   far.reset();
   runBounded();
   EXPECT_TRUE(reported);
-}
-
-TEST_F(MainLoopTest, AdoptedLoopTakesOverFromWithinACallback) {
-  PollingOuterLoop outer;
-  loop.post([&] {
-    loop.adopt(outer);
-    loop.post([&] { loop.quit(); });
-  });
-  loop.run();
-  EXPECT_EQ(outer.runs, 1);
-  EXPECT_TRUE(outer.stopped);
-}
-
-TEST_F(MainLoopTest, TimersKeepTimeUnderAnOuterLoop) {
-  PollingOuterLoop outer;
-  loop.adopt(outer);
-  const auto start = steady_clock::now();
-  int fired = 0;
-  const auto timer = loop.every(milliseconds(20), milliseconds(1), [&] {
-    if (++fired == 3) loop.quit();
-  });
-  loop.run();
-  const auto elapsed = steady_clock::now() - start;
-  EXPECT_EQ(fired, 3);
-  EXPECT_GE(elapsed, milliseconds(59));
-  EXPECT_LT(elapsed, milliseconds(2000));
-  EXPECT_LT(outer.turns, 50) << "the outer loop must sleep between the beats";
-}
-
-TEST_F(MainLoopTest, TimerArmedByTheOuterLoopsOwnHandlerIsNotLate) {
-  PollingOuterLoop outer;
-  loop.adopt(outer);
-  Subscription timer;
-  const auto start = steady_clock::now();
-  outer.beforeBlocking = [&] {
-    if (!timer) timer = loop.every(milliseconds(20), milliseconds(1), [&] { loop.quit(); });
-  };
-  loop.run();
-  EXPECT_LT(steady_clock::now() - start, milliseconds(2000));
-}
-
-TEST_F(MainLoopTest, PostWakesTheOuterLoop) {
-  PollingOuterLoop outer;
-  loop.adopt(outer);
-  std::thread poster([&] { loop.post([&] { loop.quit(); }); });
-  const auto start = steady_clock::now();
-  loop.run();
-  poster.join();
-  EXPECT_LT(steady_clock::now() - start, milliseconds(2000));
 }
 
 }  // namespace

@@ -92,6 +92,15 @@ TEST_F(DashboardControllerTest, EachPageIsVisibleOnItsTabOnly) {
   EXPECT_TRUE(content().title.visible && content().settingsButton.visible && content().quitButton.visible);
 }
 
+TEST_F(DashboardControllerTest, ProcessesAreInTheContentOnTheirPageOnly) {
+  controller_.showProcesses(scanOf(3));
+  EXPECT_TRUE(content().resources.processes.labels.empty());
+  controller_.handle(chosen("tabs", 1));
+  EXPECT_FALSE(content().resources.processes.labels.empty());
+  controller_.handle(chosen("tabs", 2));
+  EXPECT_TRUE(content().resources.processes.labels.empty());
+}
+
 TEST_F(DashboardControllerTest, BeginsOnTheStoredTabAndThenKeepsTheShownOne) {
   world_.settings.setLastDashboardTab(DashboardTab::awake);
   controller_.open(std::nullopt);

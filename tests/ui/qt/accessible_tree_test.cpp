@@ -142,7 +142,7 @@ class AccessibleTree : public DashboardTest {
       case 4:
         return showSettings();
       case 5:
-        if (settings_) settings_->close();
+        if (settings_) settings_->hide();
         return;
       case 6:
         return settings_.reset();
@@ -182,7 +182,7 @@ class AccessibleTree : public DashboardTest {
     controls.resize(1 + random_() % controls.size());
     settings_->render(content);
     window_->hide();
-    settings_->show();
+    settings_->show({});
   }
   void showAlert() {
     alert_ = interface().showAlert({"Quit?", "A session is running.", {"No", "Yes"}},

@@ -31,7 +31,7 @@ class RemoteUserInterfaceTest : public testing::Test {
     dashboard->setEvents({.acted =
                               [this](const ControlEvent& event) {
                                 did.push_back(described(event));
-                                if (event.identifier == "settings") settings->show();
+                                if (event.identifier == "settings") settings->show({});
                               },
                           .closed = [this](ClosedBy by) { closed = by; }});
     dashboard->render(content);
@@ -39,7 +39,7 @@ class RemoteUserInterfaceTest : public testing::Test {
     page.controls.emplace_back(CheckBoxContent{.identifier = "chart", .frame = {}, .title = "Show the chart"});
     settings->setEvents({.acted = [this](const ControlEvent& event) { did.push_back(described(event)); },
                          .becameKey = [this] { did.emplace_back("key"); },
-                         .closed = [this] { did.emplace_back("settings closed"); }});
+                         .closed = [this](ClosedBy /*by*/) { did.emplace_back("settings closed"); }});
     settings->render({"Settings", {500, 400}, {}, {page}});
   }
 
@@ -59,7 +59,7 @@ class RemoteUserInterfaceTest : public testing::Test {
   RemoteUserInterface interface { {loop, clock, workspace}, windows.starter() };
   std::unique_ptr<DashboardWindow> dashboard = interface.makeDashboardWindow();
   std::unique_ptr<SettingsWindow> settings = interface.makeSettingsWindow();
-  DashboardPlace place{Rect{1000, 0, 24, 24}, {}};
+  WindowPlace place{Rect{1000, 0, 24, 24}, {}};
   std::vector<std::string> did;
   std::optional<ClosedBy> closed;
   std::vector<std::optional<std::size_t>> answers;
@@ -133,7 +133,7 @@ TEST_F(RemoteUserInterfaceTest, ActionThatWasOvertakenIsIgnored) {
 }
 
 TEST_F(RemoteUserInterfaceTest, ControlThatChangedByItselfIsSetBack) {
-  settings->show();
+  settings->show({});
   windows.deliver();
   const int before = windows.settings().renders();
   windows.settings().click("chart");  // which the program refuses
@@ -190,7 +190,7 @@ TEST_F(RemoteUserInterfaceTest, DashboardWithoutAScreenIsClosedAgain) {
 
 TEST_F(RemoteUserInterfaceTest, ProcessEndsAMinuteAfterTheLastWindow) {
   show();
-  settings->show();
+  settings->show({});
   windows.deliver();
   dashboard->hide();
   loop.advance(10min);
@@ -244,7 +244,7 @@ TEST_F(RemoteUserInterfaceTest, MenuKeysReachTheProgram) {
 
 TEST_F(RemoteUserInterfaceTest, OpenWindowsComeBackAfterADeathOnce) {
   show();
-  settings->show();
+  settings->show({});
   windows.deliver();
   windows.end(WindowsEnd::died);
   windows.deliver();
@@ -316,7 +316,7 @@ TEST_F(RemoteUserInterfaceTest, AfterThreeDeathsInAMinuteTheUserIsToldInstead) {
 TEST_F(RemoteUserInterfaceTest, ProcessThatReadsNoMoreCountsAsDead) {
   show();
   windows.hasRoom = false;
-  settings->show();
+  settings->show({});
   windows.hasRoom = true;
   loop.runPosted();
   windows.deliver();
@@ -352,7 +352,7 @@ TEST_F(RemoteUserInterfaceTest, AnswersAndKeysThatDoNotExistAreIgnored) {
   windows.receive(encode(AlertAnswered{77, 0}));
   windows.receive(encode(AlertAnswered{1, 2}));
   windows.receive(encode(MenuEntryChosen{9, 9}));
-  windows.receive(encode(DashboardActed{{1, {"quit"}, ""}}));
+  windows.receive(encode(Acted{WindowName::dashboard, 1, {"quit"}, ""}));
   EXPECT_TRUE(answers.empty());
   EXPECT_TRUE(did.empty());
   EXPECT_TRUE(windows.running());

@@ -109,8 +109,7 @@ void SdEventMainLoop::runPosted() {
 Subscription SdEventMainLoop::every(milliseconds interval, milliseconds leeway, std::function<void()> fire) {
   const auto registration = std::make_shared<Registration>(std::move(fire));
   registration->interval = std::max<std::uint64_t>(microsecondsOf(interval), 1);
-  // Not sd_event_add_time_relative: it counts from sd-event's last turn, which under an outer loop
-  // may be long past.
+  // Not sd_event_add_time_relative: it counts from the beginning of sd-event's turn.
   const std::uint64_t now = microsecondsOf(std::chrono::steady_clock::now().time_since_epoch());
   startTimer(event(), *registration, CLOCK_MONOTONIC, now + registration->interval, leeway, onRepeat);
   return registration->subscription();
@@ -132,33 +131,11 @@ Subscription SdEventMainLoop::watch(int descriptor, std::function<void()> ready)
   return registration->subscription();
 }
 
-void SdEventMainLoop::adopt(OuterLoop& outer) { outer_ = &outer; }
-
 void SdEventMainLoop::run() {
-  while (!quit_ && outer_ == nullptr) check(sd_event_run(event(), UINT64_MAX));
-  if (!quit_) outer_->run(sd_event_get_fd(event()), [this] { dispatchPending(); });
+  while (!quit_) check(sd_event_run(event(), UINT64_MAX));
   quit_ = false;
 }
 
-void SdEventMainLoop::quit() {
-  quit_ = true;
-  if (outer_ != nullptr) outer_->stop();
-}
-
-// sd-event's own steps instead of sd_event_run, so that it is left armed: its descriptor then turns
-// readable for every source, timers included.
-void SdEventMainLoop::dispatchPending() {
-  sd_event* const event = event_.get();
-  if (sd_event_get_state(event) == SD_EVENT_RUNNING) return;
-  while (!quit_) {
-    if (sd_event_get_state(event) == SD_EVENT_INITIAL) check(sd_event_prepare(event));
-    if (sd_event_get_state(event) == SD_EVENT_ARMED) {
-      check(sd_event_wait(event, 0));
-      if (sd_event_get_state(event) == SD_EVENT_INITIAL) check(sd_event_prepare(event));
-    }
-    if (sd_event_get_state(event) != SD_EVENT_PENDING) return;
-    check(sd_event_dispatch(event));
-  }
-}
+void SdEventMainLoop::quit() { quit_ = true; }
 
 }  // namespace nimbo

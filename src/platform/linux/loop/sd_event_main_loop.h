@@ -32,7 +32,6 @@ class SdEventMainLoop final : public MainLoop {
   [[nodiscard]] Subscription at(std::chrono::system_clock::time_point when, std::chrono::milliseconds leeway,
                                 std::function<void()> fire) override;
   [[nodiscard]] Subscription watch(int descriptor, std::function<void()> ready) override;
-  void adopt(OuterLoop& outer) override;
   void run() override;
   void quit() override;
 
@@ -41,12 +40,10 @@ class SdEventMainLoop final : public MainLoop {
 
  private:
   void runPosted();
-  void dispatchPending();
 
   Event event_;
   UniqueFd wakeUp_;
   Subscription wakeUpWatch_;
-  OuterLoop* outer_ = nullptr;
   bool quit_ = false;
 
   std::mutex mutex_;

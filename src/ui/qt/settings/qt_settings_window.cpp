@@ -56,7 +56,7 @@ void QtSettingsWindow::moveTab(int places) {
   if (count > 0) tabs_->setCurrentIndex((tabs_->currentIndex() + places + count) % count);
 }
 
-void QtSettingsWindow::show() {
+void QtSettingsWindow::show(const WindowPlace& /*place*/) {
   if (!isVisible()) {
     if (!std::exchange(placed_, true)) placeInMiddle(*this);
     // The focus is in the window but on no control: Tab goes to the first one, and nothing is marked
@@ -73,7 +73,7 @@ bool QtSettingsWindow::event(QEvent* event) {
   // Some window managers let the user make every window full screen.
   if (event->type() == QEvent::WindowStateChange && isFullScreen()) showNormal();
   if (event->type() == QEvent::WindowActivate) call(events_.becameKey);
-  if (event->type() == QEvent::Hide && !event->spontaneous()) call(events_.closed);
+  if (event->type() == QEvent::Hide && !event->spontaneous()) call(events_.closed, ClosedBy::other);
   return handled;
 }
 

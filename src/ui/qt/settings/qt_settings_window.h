@@ -18,10 +18,10 @@ class QtSettingsWindow final : public QWidget, public SettingsWindow {
  public:
   QtSettingsWindow(const Theme& theme, WindowSystem& windowSystem);
 
-  void setEvents(SettingsWindowEvents events) override { events_ = std::move(events); }
+  void setEvents(WindowEvents events) override { events_ = std::move(events); }
   void render(const SettingsWindowContent& content) override;
-  void show() override;
-  void close() override { QWidget::close(); }
+  void show(const WindowPlace& place = {}) override;
+  void hide() override { QWidget::close(); }
   [[nodiscard]] bool visible() const override { return isVisible(); }
 
  protected:
@@ -35,7 +35,7 @@ class QtSettingsWindow final : public QWidget, public SettingsWindow {
 
   const Theme& theme_;
   WindowSystem& windowSystem_;
-  SettingsWindowEvents events_;
+  WindowEvents events_;
   const ControlListener listener_;  ///< calls the one that is set then
   bool placed_ = false;
 

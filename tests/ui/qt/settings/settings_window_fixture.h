@@ -55,12 +55,12 @@ class SettingsWindowTest : public QtTest {
                               then();
                             },
                         .becameKey = [this] { ++becameKey_; },
-                        .closed = [this] { ++closed_; }});
+                        .closed = [this](ClosedBy /*by*/) { ++closed_; }});
   }
 
   void render() { window_->render(content_); }
   void open() {
-    window_->show();
+    window_->show({});
     ASSERT_TRUE(QTest::qWaitForWindowActive(&widget()));
   }
   /// The second page in front, as after a click on its tab.

@@ -39,7 +39,7 @@ TEST_F(SettingsWindowOnScreen, ClosingHidesItAndItCanBeShownAgain) {
   EXPECT_FALSE(window_->visible());
   open();
   EXPECT_TRUE(window_->visible());
-  window_->close();
+  window_->hide();
   EXPECT_FALSE(window_->visible());
   EXPECT_EQ(closed_, 2) << "told of both";
 }
@@ -190,7 +190,7 @@ TEST_F(SettingsWindowOnScreen, NothingIsMarkedUntilTheKeyboardIsUsed) {
   EXPECT_NE(picture(), before);
   QTest::mouseClick(widget().windowHandle(), Qt::LeftButton, {}, {300, 600});
   EXPECT_EQ(picture(), before) << "a press with the pointer takes the mark away";
-  window_->close();
+  window_->hide();
   open();
   EXPECT_EQ(focused(), "settingsWindow");
 }
@@ -259,7 +259,7 @@ TEST_F(SettingsWindowOnScreen, EscapeClosesTheListAlone) {
 
 TEST_F(SettingsWindowOnScreen, ClosingOrDestroyingItTakesItsOpenList) {
   popUp("preset").showPopup();
-  window_->close();
+  window_->hide();
   EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
   open();
   popUp("preset").showPopup();
@@ -281,7 +281,7 @@ TEST_F(SettingsWindowTest, NobodyNeedsToListen) {
 TEST_F(SettingsWindowTest, IsMadeHiddenAndMayBeShownWithoutContent) {
   window_ = interface().makeSettingsWindow();
   EXPECT_FALSE(window_->visible());
-  window_->show();
+  window_->show({});
   EXPECT_TRUE(window_->visible());
   press(Qt::Key_PageUp, Qt::ControlModifier);
 }

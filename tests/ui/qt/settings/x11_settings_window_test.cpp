@@ -31,12 +31,12 @@ class SettingsWindowOn : public testing::Test {
     window_ = interface_->makeSettingsWindow();
     window_->setEvents({.acted = [this](const ControlEvent& event) { log_.push_back(described(event)); },
                         .becameKey = [this] { ++becameKey_; },
-                        .closed = [this] { ++closed_; }});
+                        .closed = [this](ClosedBy /*by*/) { ++closed_; }});
     window_->render(sampleSettings());
   }
   void open() {
     start();
-    window_->show();
+    window_->show({});
     ASSERT_TRUE(eventually([] { return widget().windowHandle()->isExposed() && widget().isActiveWindow(); }));
   }
 
@@ -102,7 +102,7 @@ TEST_F(X11SettingsWindow, ClosedWithItsListOpenItLetsThePointerGo) {
   open();
   clickAt(popUp().mapToGlobal(popUp().rect().center()));
   ASSERT_TRUE(eventually([] { return popUp().view()->isVisible(); }));
-  window_->close();
+  window_->hide();
   EXPECT_TRUE(eventually([this] { return client_.grabPointer(); }));
 }
 
@@ -114,7 +114,7 @@ TEST_F(X11SettingsWindow, FocusIsAskedForInTheUsersNameEachTime) {
   EXPECT_TRUE(eventually(asked));
   client_.focus(client_.makeWindow());
   ASSERT_TRUE(eventually([] { return !widget().isActiveWindow(); }));
-  window_->show();
+  window_->show({});
   EXPECT_TRUE(eventually(asked));
 }
 
@@ -126,7 +126,7 @@ TEST_F(X11SettingsWindow, OpensBesideTheDashboardOnceThatIsHidden) {
   ASSERT_TRUE(eventually([&] { return dashboard->grabsPointer(); }));
   typeControl(X11Client::kQ);
   dashboard->hide();
-  window_->show();
+  window_->show({});
   typeControl(X11Client::kW);
   EXPECT_TRUE(eventually([this] { return !window_->visible(); }));
   EXPECT_EQ(log_, std::vector<std::string>{}) << "the key went to the dashboard";
@@ -161,15 +161,15 @@ TEST_F(ManagedSettingsWindow, ComesBackToTheFrontFromBehindAnotherWindow) {
   other.activateWindow();
   ASSERT_TRUE(eventually([&] { return other.isActiveWindow(); }));
   const int before = becameKey_;
-  window_->show();
+  window_->show({});
   EXPECT_TRUE(eventually([&] { return widget().isActiveWindow() && becameKey_ == before + 1; }));
 }
 
 TEST_F(ManagedSettingsWindow, OpensAgainWhereItWas) {
   const QRect middle = frame();
-  window_->close();
+  window_->hide();
   ASSERT_TRUE(eventually([] { return !widget().windowHandle()->isExposed(); }));
-  window_->show();
+  window_->show({});
   ASSERT_TRUE(eventually([] { return widget().isActiveWindow() && widget().windowHandle()->isExposed(); }));
   EXPECT_TRUE(eventually([&] { return frame() == middle; }))
       << frame().x() << ',' << frame().y() << " after " << middle.x() << ',' << middle.y();
@@ -178,7 +178,7 @@ TEST_F(ManagedSettingsWindow, OpensAgainWhereItWas) {
 TEST_F(ManagedSettingsWindow, ComesBackFromBeingMinimised) {
   widget().showMinimized();
   ASSERT_TRUE(eventually([] { return !widget().isActiveWindow() && !widget().windowHandle()->isExposed(); }));
-  window_->show();
+  window_->show({});
   EXPECT_TRUE(eventually([] { return widget().isActiveWindow() && widget().windowHandle()->isExposed(); }));
 }
 

@@ -89,7 +89,7 @@ TEST_F(MainMenuKeysInWindows, KeysRestWhileAListIsOpen) {
 TEST_F(MainMenuKeysInWindows, HiddenWindowHearsNothing) {
   open();
   auto* const handle = widget().windowHandle();
-  window_->close();
+  window_->hide();
   QTest::keyClick(handle, Qt::Key_Q, Qt::ControlModifier);
   EXPECT_EQ(log_, Log{});
 }
