@@ -235,7 +235,8 @@ TEST(FakeUserInterface, AlertIsAnsweredOnceAndMayGoAwayInItsAnswer) {
 TEST(FakeUserInterface, AlertTakenAwayIsNeverAnswered) {
   FakeUserInterface interface;
   int answers = 0;
-  auto alert = interface.showAlert({"Title", "Text", {"Stay", "Go"}}, [&](std::optional<std::size_t> /*button*/) { ++answers; });
+  auto alert =
+      interface.showAlert({"Title", "Text", {"Stay", "Go"}}, [&](std::optional<std::size_t> /*button*/) { ++answers; });
   alert.reset();
   EXPECT_FALSE(interface.alerts()[0]->close());
   EXPECT_EQ(answers, 0);

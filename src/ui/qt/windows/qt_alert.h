@@ -22,8 +22,7 @@ class WindowSystem;
 /// from the event loop, after the window is gone from the screen.
 class QtAlert final : public QDialog, public Alert {
  public:
-  QtAlert(const Theme& theme, WindowSystem& windowSystem, const AlertContent& content,
-          AlertAnswer answered);
+  QtAlert(const Theme& theme, WindowSystem& windowSystem, const AlertContent& content, AlertAnswer answered);
 
   void present() override;
 

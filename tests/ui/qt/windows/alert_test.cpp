@@ -19,7 +19,8 @@ class AlertOnScreen : public QtTest {
   void SetUp() override { interface().setAppearance(Appearance::light); }
 
   void show(const AlertContent& content = kQuestion) {
-    alert_ = interface().showAlert(content, [this](std::optional<std::size_t> button) { answers_.push_back(button.value()); });
+    alert_ = interface().showAlert(content,
+                                   [this](std::optional<std::size_t> button) { answers_.push_back(button.value()); });
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&window()));
   }
   static QDialog* find() {

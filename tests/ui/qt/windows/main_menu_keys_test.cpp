@@ -106,8 +106,9 @@ TEST_F(MainMenuKeysInWindows, WindowsOfAnEarlierMenuMayBeGone) {
 
 TEST_F(MainMenuKeysInWindows, AlertsHaveThemTooAndClosingOneAnswersIt) {
   Log answers;
-  const auto shown = interface().showAlert({"Title", "Text.", {"Keep Running", "End"}},
-                                           [&](std::optional<std::size_t> index) { answers.push_back(std::to_string(index.value())); });
+  const auto shown = interface().showAlert(
+      {"Title", "Text.", {"Keep Running", "End"}},
+      [&](std::optional<std::size_t> index) { answers.push_back(std::to_string(index.value())); });
   ASSERT_TRUE(QTest::qWaitForWindowActive(&alert()));
   QTest::keyClick(alert().windowHandle(), Qt::Key_Comma, Qt::ControlModifier);
   QTest::keyClick(alert().windowHandle(), Qt::Key_Q, Qt::ControlModifier);
