@@ -29,7 +29,10 @@ AppDelegate::AppDelegate(PlatformServices& platform, UserInterface& windows, Set
       quitQuestion_(windows, platform.mainLoop(), awake_, [this] { dashboard_.close(); }),
       statusItems_(platform.statusBar(), platform.mainLoop(), settings, statusItemCallbacks()) {
   awake_.onChange = [this] { refreshViews(); };
-  windows.setMainMenu(makeMainMenu({.openSettings = [this] { openSettings(); }, .quit = [this] { quit(); }}));
+  windows.setMenuListener([this](MenuRole chosen) {
+    if (chosen == MenuRole::openSettings) openSettings();
+    if (chosen == MenuRole::quit) quit();
+  });
   windows.setAppearance(platform.workspace().appearance());
   appearanceObservation_ =
       platform.workspace().observeAppearance([&windows](Appearance appearance) { windows.setAppearance(appearance); });

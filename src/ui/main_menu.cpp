@@ -3,24 +3,13 @@
 
 namespace nimbo {
 
-MainMenu makeMainMenu(const MainMenuActions& actions) {
-  const MainMenuEntry separator{""};
-  return {{
-      {"Nimbo",
-       {
-           {"Settings…", ",", MenuRole::none, actions.openSettings},
-           separator,
-           {"Quit Nimbo", "q", MenuRole::none, actions.quit},
-       }},
-      {"Edit",
-       {
-           {"Cut", "x", MenuRole::cut},
-           {"Copy", "c", MenuRole::copy},
-           {"Paste", "v", MenuRole::paste},
-           {"Select All", "a", MenuRole::selectAll},
-       }},
-      {"Window", {{"Close Window", "w", MenuRole::closeWindow}}},
-  }};
+std::vector<MainMenuSection> mainMenu() {
+  using enum MenuRole;
+  return {
+      {"Nimbo", {{openSettings, "Settings…", ","}, {separator}, {quit, "Quit Nimbo", "q"}}},
+      {"Edit", {{cut, "Cut", "x"}, {copy, "Copy", "c"}, {paste, "Paste", "v"}, {selectAll, "Select All", "a"}}},
+      {"Window", {{closeWindow, "Close Window", "w"}}},
+  };
 }
 
 }  // namespace nimbo

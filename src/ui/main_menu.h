@@ -7,14 +7,16 @@
 
 namespace nimbo {
 
-/// What an entry does to the control or window that has the keyboard focus; `none` when it runs an action.
-enum class MenuRole { none, cut, copy, paste, selectAll, closeWindow };
+/// What an entry does: something of the program, or something to the control or window that has the keyboard focus.
+enum class MenuRole { separator, openSettings, quit, cut, copy, paste, selectAll, closeWindow };
+
+/// Gets openSettings and quit; the others are done where the menu is.
+using MenuListener = std::function<void(MenuRole chosen)>;
 
 struct MainMenuEntry {
-  std::string title;               ///< empty for a separator
+  MenuRole role = MenuRole::separator;
+  std::string title = {};
   std::string keyEquivalent = {};  ///< one letter pressed with Command (Control on Linux)
-  MenuRole role = MenuRole::none;
-  std::function<void()> action = {};  ///< of an entry without a role
 };
 
 struct MainMenuSection {
@@ -22,16 +24,7 @@ struct MainMenuSection {
   std::vector<MainMenuEntry> entries;
 };
 
-struct MainMenu {
-  std::vector<MainMenuSection> sections;
-};
-
-struct MainMenuActions {
-  std::function<void()> openSettings;
-  std::function<void()> quit;
-};
-
 /// The menu of the program, which gives its windows and text fields the usual keyboard shortcuts.
-[[nodiscard]] MainMenu makeMainMenu(const MainMenuActions& actions);
+[[nodiscard]] std::vector<MainMenuSection> mainMenu();
 
 }  // namespace nimbo

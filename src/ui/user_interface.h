@@ -47,9 +47,9 @@ class UserInterface {
   virtual ~UserInterface() = default;
 
   virtual void setAppearance(Appearance appearance) = 0;
-  /// The application's own menu: its entries' keys work in every ordinary window of the program. A
-  /// system with a menu bar for the application in front shows it there.
-  virtual void setMainMenu(const MainMenu& menu) = 0;
+  /// The keys of the application's own menu work in every ordinary window of the program. A system with a menu bar for
+  /// the application in front shows the menu there.
+  virtual void setMenuListener(MenuListener chosen) = 0;
   [[nodiscard]] virtual std::unique_ptr<DashboardWindow> makeDashboardWindow() = 0;
   [[nodiscard]] virtual std::unique_ptr<SettingsWindow> makeSettingsWindow() = 0;
 

@@ -63,14 +63,14 @@ TEST_F(AppDelegateSettingsTest, ConfiguringSubscriptionsOpensTheirPage) {
   EXPECT_EQ(settingsWindow()->content().tabs.selected, 2U);
 }
 
-TEST_F(AppDelegateSettingsTest, MainMenuHasTheSettingsKey) {
+TEST_F(AppDelegateSettingsTest, MainMenuOpensItAndQuits) {
   openSettings();
-  ASSERT_FALSE(interface.mainMenu().sections.empty());
-  const auto& entry = interface.mainMenu().sections.front().entries.front();
-  EXPECT_EQ(entry.keyEquivalent, ",");
   settingsWindow()->close();
-  entry.action();
+  EXPECT_TRUE(interface.choose(MenuRole::openSettings));
   EXPECT_TRUE(settingsWindow()->visible());
+  EXPECT_FALSE(platform.loop.hasQuit());
+  EXPECT_TRUE(interface.choose(MenuRole::quit));
+  EXPECT_TRUE(platform.loop.hasQuit());
 }
 
 TEST_F(AppDelegateSettingsTest, PresentationMakesTheItemsAnewAtOnce) {

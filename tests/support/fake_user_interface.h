@@ -37,7 +37,7 @@ class FakeUserInterface final : public UserInterface, public Screens {
 
   void setAppearance(Appearance appearance) override { appearances_.push_back(appearance); }
 
-  void setMainMenu(const MainMenu& menu) override { mainMenu_ = menu; }
+  void setMenuListener(MenuListener chosen) override { menuChosen_ = std::move(chosen); }
 
   /// Points to the made window are kept for the test; they end with the window.
   [[nodiscard]] std::unique_ptr<DashboardWindow> makeDashboardWindow() override {
@@ -72,8 +72,11 @@ class FakeUserInterface final : public UserInterface, public Screens {
   [[nodiscard]] const std::vector<Appearance>& appearances() const { return appearances_; }
   [[nodiscard]] const std::vector<FakeMenuWindow*>& windows() const { return windows_; }
   [[nodiscard]] const std::vector<FakeSettingsWindow*>& settingsWindows() const { return settingsWindows_; }
-  /// Empty before one was set.
-  [[nodiscard]] const MainMenu& mainMenu() const { return mainMenu_; }
+  /// What the user chooses of the menu; whether anybody heard it.
+  bool choose(MenuRole role) {
+    if (menuChosen_) menuChosen_(role);
+    return static_cast<bool>(menuChosen_);
+  }
   /// Every alert ever shown, the newest last.
   [[nodiscard]] const std::vector<std::shared_ptr<FakeAlert>>& alerts() const { return alerts_; }
   /// Those that are still up.
@@ -92,7 +95,7 @@ class FakeUserInterface final : public UserInterface, public Screens {
   std::vector<Appearance> appearances_;
   std::vector<FakeMenuWindow*> windows_;
   std::vector<FakeSettingsWindow*> settingsWindows_;
-  MainMenu mainMenu_;
+  MenuListener menuChosen_;
   std::vector<std::shared_ptr<FakeAlert>> alerts_;
 };
 

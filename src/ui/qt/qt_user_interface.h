@@ -32,7 +32,7 @@ class QtUserInterface final : public UserInterface, public Screens {
   }
   [[nodiscard]] Rect toPoints(const Rect& reported) override;
   void setAppearance(Appearance appearance) override;
-  void setMainMenu(const MainMenu& menu) override { mainMenuKeys_.setMenu(menu); }
+  void setMenuListener(MenuListener chosen) override { mainMenuKeys_.setListener(std::move(chosen)); }
   [[nodiscard]] std::unique_ptr<DashboardWindow> makeDashboardWindow() override;
   /// The window alone, which hangs nowhere and does not close by itself.
   [[nodiscard]] std::unique_ptr<MenuWindow> makeMenuWindow();

@@ -13,6 +13,7 @@ constexpr auto lastOf(ButtonLook /*of*/) { return ButtonLook::icon; }
 constexpr auto lastOf(UsageProvider /*of*/) { return UsageProvider::claude; }
 constexpr auto lastOf(Appearance /*of*/) { return Appearance::dark; }
 constexpr auto lastOf(ClosedBy /*of*/) { return ClosedBy::clickElsewhere; }
+constexpr auto lastOf(MenuRole /*of*/) { return MenuRole::closeWindow; }
 constexpr auto lastOf(WindowName /*of*/) { return WindowName::settings; }
 
 template <class Value, class Type>
@@ -86,7 +87,7 @@ auto fields(Of<Acted> auto& v) { return std::tie(v.window, v.number, v.event, v.
 auto fields(Of<BecameKey> auto& v) { return std::tie(v.window); }
 auto fields(Of<Closed> auto& v) { return std::tie(v.window, v.serial, v.by); }
 auto fields(Of<AlertAnswered> auto& v) { return std::tie(v.serial, v.button); }
-auto fields(Of<MenuEntryChosen> auto& v) { return std::tie(v.section, v.entry); }
+auto fields(Of<MenuChosen> auto& v) { return std::tie(v.role); }
 auto fields(AnyShow auto& v) { return std::tie(v.handled, v.content); }
 
 namespace {

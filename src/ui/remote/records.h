@@ -75,11 +75,10 @@ struct AlertAnswered {
   Serial serial = 0;
   std::optional<std::size_t> button;
 };
-struct MenuEntryChosen {
-  std::size_t section = 0;
-  std::size_t entry = 0;
+struct MenuChosen {
+  MenuRole role = MenuRole::separator;
 };
-using RecordFromWindows = std::variant<WindowsReady, Acted, BecameKey, Closed, AlertAnswered, MenuEntryChosen>;
+using RecordFromWindows = std::variant<WindowsReady, Acted, BecameKey, Closed, AlertAnswered, MenuChosen>;
 
 /// Changes with every change of a record. Both processes come from one build, but the one on the disk may be newer.
 inline constexpr int kRecordVersion = 1;

@@ -238,11 +238,8 @@ void RemoteUserInterface::received(const AlertAnswered& record) {
   found->second->answer(record.button);
 }
 
-void RemoteUserInterface::received(const MenuEntryChosen& record) {
-  if (record.section >= menu_.sections.size()) return;
-  const auto& entries = menu_.sections[record.section].entries;
-  if (record.entry >= entries.size()) return;
-  if (const auto action = entries[record.entry].action) action();
+void RemoteUserInterface::received(const MenuChosen& record) {
+  if (const auto chosen = menuChosen_) chosen(record.role);
 }
 
 void RemoteUserInterface::ended(WindowsEnd end) {

@@ -7,6 +7,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "base/lifetime.h"
 #include "platform/clock.h"
@@ -38,7 +39,7 @@ class RemoteUserInterface final : public UserInterface {
   ~RemoteUserInterface() override;
 
   void setAppearance(Appearance appearance) override;
-  void setMainMenu(const MainMenu& menu) override { menu_ = menu; }
+  void setMenuListener(MenuListener chosen) override { menuChosen_ = std::move(chosen); }
   [[nodiscard]] std::unique_ptr<DashboardWindow> makeDashboardWindow() override;
   [[nodiscard]] std::unique_ptr<SettingsWindow> makeSettingsWindow() override;
   [[nodiscard]] std::unique_ptr<Alert> showAlert(const AlertContent& content, AlertAnswer answered) override;
@@ -62,7 +63,7 @@ class RemoteUserInterface final : public UserInterface {
   void received(const BecameKey& record);
   void received(const Closed& record);
   void received(const AlertAnswered& record);
-  void received(const MenuEntryChosen& record);
+  void received(const MenuChosen& record);
 
   void ended(WindowsEnd end);
   void letGo();
@@ -72,7 +73,7 @@ class RemoteUserInterface final : public UserInterface {
   const WindowsStarter start_;
   const DisplayNeed need_;
   Appearance appearance_ = Appearance::light;
-  MainMenu menu_;
+  MenuListener menuChosen_;
 
   Serial serial_ = 0;
   std::array<Window*, 2> windows_{};

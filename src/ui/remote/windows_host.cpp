@@ -7,7 +7,7 @@ namespace nimbo {
 
 WindowsHost::WindowsHost(UserInterface& interface, std::function<void(const std::string& record)> send)
     : interface_(interface), send_(std::move(send)) {
-  interface_.setMainMenu(toldMenu());
+  interface_.setMenuListener([this](MenuRole chosen) { tell(MenuChosen{chosen}); });
   tell(WindowsReady{kRecordVersion});
 }
 
@@ -15,18 +15,6 @@ bool WindowsHost::receive(std::string_view text) {
   const auto record = decodeForWindows(text);
   if (record) std::visit([this](const auto& each) { receive(each); }, *record);
   return record.has_value();
-}
-
-MainMenu WindowsHost::toldMenu() {
-  MainMenu menu = makeMainMenu({});
-  for (std::size_t section = 0; section < menu.sections.size(); ++section) {
-    auto& entries = menu.sections[section].entries;
-    for (std::size_t entry = 0; entry < entries.size(); ++entry) {
-      if (entries[entry].role != MenuRole::none) continue;
-      entries[entry].action = [this, section, entry] { tell(MenuEntryChosen{section, entry}); };
-    }
-  }
-  return menu;
 }
 
 auto& WindowsHost::windowOf(auto& hosted) {

@@ -34,7 +34,6 @@ class WindowsHost {
   };
 
   void tell(const RecordFromWindows& record) { send_(encode(record)); }
-  [[nodiscard]] MainMenu toldMenu();
   /// Makes it where it is not there yet.
   [[nodiscard]] auto& windowOf(auto& hosted);
   void showContent(auto& hosted, const auto& record);

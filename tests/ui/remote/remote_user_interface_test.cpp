@@ -235,11 +235,12 @@ TEST_F(RemoteUserInterfaceTest, AlertIsAnsweredOnce) {
 }
 
 TEST_F(RemoteUserInterfaceTest, MenuKeysReachTheProgram) {
-  interface.setMainMenu(makeMainMenu({.openSettings = [this] { did.emplace_back("settings"); }, .quit = {}}));
+  std::vector<MenuRole> chosen;
+  interface.setMenuListener([&](MenuRole role) { chosen.push_back(role); });
   show();
-  windows.last().interface.mainMenu().sections[0].entries[0].action();
+  EXPECT_TRUE(windows.last().interface.choose(MenuRole::quit));
   windows.deliver();
-  EXPECT_EQ(did, std::vector<std::string>{"settings"});
+  EXPECT_EQ(chosen, std::vector{MenuRole::quit});
 }
 
 TEST_F(RemoteUserInterfaceTest, OpenWindowsComeBackAfterADeathOnce) {
@@ -351,7 +352,7 @@ TEST_F(RemoteUserInterfaceTest, AnswersAndKeysThatDoNotExistAreIgnored) {
   windows.deliver();
   windows.receive(encode(AlertAnswered{77, 0}));
   windows.receive(encode(AlertAnswered{1, 2}));
-  windows.receive(encode(MenuEntryChosen{9, 9}));
+  windows.receive(encode(MenuChosen{MenuRole::quit}));
   windows.receive(encode(Acted{WindowName::dashboard, 1, {"quit"}, ""}));
   EXPECT_TRUE(answers.empty());
   EXPECT_TRUE(did.empty());

@@ -45,7 +45,7 @@ class SettingsWindowTest : public QtTest {
     listen();
     render();
   }
-  void TearDown() override { interface().setMainMenu({}); }
+  void TearDown() override { interface().setMenuListener({}); }
 
   /// `then` is done with each event that is in the log.
   void listen(const std::function<void()>& then = [] {}) {

@@ -27,7 +27,9 @@ class SettingsWindowOn : public testing::Test {
   void start() {
     interface_ = QtUserInterface::make();
     ASSERT_NE(interface_, nullptr);
-    interface_->setMainMenu(makeMainMenu({{}, [this] { log_.emplace_back("quit"); }}));
+    interface_->setMenuListener([this](MenuRole chosen) {
+      if (chosen == MenuRole::quit) log_.emplace_back("quit");
+    });
     window_ = interface_->makeSettingsWindow();
     window_->setEvents({.acted = [this](const ControlEvent& event) { log_.push_back(described(event)); },
                         .becameKey = [this] { ++becameKey_; },

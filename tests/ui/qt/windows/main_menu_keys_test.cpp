@@ -12,7 +12,8 @@ class MainMenuKeysInWindows : public SettingsWindowTest {
  protected:
   void SetUp() override {
     SettingsWindowTest::SetUp();
-    interface().setMainMenu(makeMainMenu({[this] { log_.push_back("settings"); }, [this] { log_.push_back("quit"); }}));
+    interface().setMenuListener(
+        [this](MenuRole chosen) { log_.push_back(chosen == MenuRole::quit ? "quit" : "settings"); });
   }
   static QDialog& alert() { return *qobject_cast<QDialog*>(&topLevel("alert")); }
 };
@@ -52,27 +53,15 @@ TEST_F(MainMenuKeysInWindows, EditingKeysAreLeftToTheControls) {
   EXPECT_TRUE(window_->visible());
 }
 
-TEST_F(MainMenuKeysInWindows, AnotherMenuReplacesTheKeys) {
+TEST_F(MainMenuKeysInWindows, AnotherListenerTakesTheirPlaceAndMayGoFromWithin) {
   open();
-  MainMenu menu;
-  menu.sections = {{"Nimbo", {{"Again", "r", MenuRole::none, [this] { log_.push_back("again"); }}}}};
-  interface().setMainMenu(menu);
-  press(Qt::Key_Q, Qt::ControlModifier);
-  press(Qt::Key_W, Qt::ControlModifier);
-  press(Qt::Key_R, Qt::ControlModifier);
-  EXPECT_EQ(log_, Log{"again"});
-  EXPECT_TRUE(window_->visible());
-}
-
-TEST_F(MainMenuKeysInWindows, EntryMayReplaceTheMenuItIsIn) {
-  open();
-  interface().setMainMenu(makeMainMenu({{}, [this] {
-                                          log_.push_back("quit");
-                                          interface().setMainMenu({});
-                                        }}));
+  interface().setMenuListener([this](MenuRole /*chosen*/) {
+    log_.push_back("other");
+    interface().setMenuListener({});
+  });
   press(Qt::Key_Q, Qt::ControlModifier);
   press(Qt::Key_Q, Qt::ControlModifier);
-  EXPECT_EQ(log_, Log{"quit"});
+  EXPECT_EQ(log_, Log{"other"});
 }
 
 TEST_F(MainMenuKeysInWindows, KeysRestWhileAListIsOpen) {
@@ -94,16 +83,6 @@ TEST_F(MainMenuKeysInWindows, HiddenWindowHearsNothing) {
   EXPECT_EQ(log_, Log{});
 }
 
-TEST_F(MainMenuKeysInWindows, WindowsOfAnEarlierMenuMayBeGone) {
-  window_.reset();
-  interface().setMainMenu(makeMainMenu({{}, [this] { log_.push_back("quit"); }}));
-  window_ = interface().makeSettingsWindow();
-  render();
-  open();
-  press(Qt::Key_Q, Qt::ControlModifier);
-  EXPECT_EQ(log_, Log{"quit"});
-}
-
 TEST_F(MainMenuKeysInWindows, AlertsHaveThemTooAndClosingOneAnswersIt) {
   Log answers;
   const auto shown = interface().showAlert(
@@ -122,15 +101,14 @@ TEST_F(MainMenuKeysInWindows, AlertsHaveThemTooAndClosingOneAnswersIt) {
 using MainMenuKeysInDashboard = DashboardTest;
 
 TEST_F(MainMenuKeysInDashboard, DashboardKeepsItsOwnKeysAndNoOthers) {
-  interface().setMainMenu(
-      makeMainMenu({[this] { log_.push_back("menu settings"); }, [this] { log_.push_back("menu quit"); }}));
+  interface().setMenuListener([this](MenuRole /*chosen*/) { log_.push_back("menu"); });
   open();
   press(Qt::Key_Q, Qt::ControlModifier);
   press(Qt::Key_Comma, Qt::ControlModifier);
   press(Qt::Key_W, Qt::ControlModifier);
   EXPECT_EQ(log_, Log{"quit"});
   EXPECT_TRUE(window_->visible());
-  interface().setMainMenu({});
+  interface().setMenuListener({});
 }
 
 }  // namespace
