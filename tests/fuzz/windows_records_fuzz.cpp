@@ -6,7 +6,7 @@
 using namespace nimbo;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const std::string text = textOf(data, size);
+  const std::string_view text = textOf(data, size);
   if (const auto record = decodeForWindows(text)) {
     const std::string again = encode(*record);
     require(decodeForWindows(again).has_value() && encode(*decodeForWindows(again)) == again);
