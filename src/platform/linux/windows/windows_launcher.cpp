@@ -20,7 +20,7 @@
 namespace nimbo {
 namespace {
 
-constexpr std::chrono::seconds kTimeToEnd{5};
+constexpr std::chrono::seconds kTimeToEnd{2};
 /// What a child has as status that did not get as far as its program's own.
 constexpr int kNotExecuted = 127;
 
