@@ -150,8 +150,8 @@ void PortalWorkspace::revealFile(const std::filesystem::path& file) {
                [this, folder = fileUri(file.parent_path())] { return openByProgram(folder); });
 }
 
-// Desktop Notifications Specification; a desktop without a server for them may start one. The answer is only its
-// number.
+// org.freedesktop.Notifications, as freedesktop.org describes it; a desktop without a server for them may start one.
+// The answer is only its number.
 void PortalWorkspace::notify(const std::string& title, const std::string& text) {
   constexpr BusMethod kNotify{"org.freedesktop.Notifications", "/org/freedesktop/Notifications",
                               "org.freedesktop.Notifications", "Notify", BusActivation::allowed};
