@@ -52,8 +52,8 @@ void WindowsHost::receive(const Open& record) {
 }
 
 void WindowsHost::receive(const Close& record) {
-  if (record.window == WindowName::dashboard) return windowOf(dashboard_).hide();
-  windowOf(settings_).hide();
+  if (record.window == WindowName::dashboard && dashboard_.window) dashboard_.window->hide();
+  if (record.window == WindowName::settings && settings_.window) settings_.window->hide();
 }
 
 void WindowsHost::receive(const OpenAlert& record) {

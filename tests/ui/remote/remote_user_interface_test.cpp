@@ -154,6 +154,13 @@ TEST_F(RemoteUserInterfaceTest, ContentOfATimeBeforeTheUserWentOnIsLeftOut) {
   EXPECT_EQ(windows.dashboard().renders(), before + 1);
 }
 
+TEST_F(RemoteUserInterfaceTest, WindowThatWasNeverShownIsNotMadeToBeClosed) {
+  show();
+  settings.reset();
+  windows.deliver();
+  EXPECT_TRUE(windows.last().interface.settingsWindows().empty());
+}
+
 TEST_F(RemoteUserInterfaceTest, ActionOfAClosedWindowIsIgnored) {
   show();
   windows.dashboard().act(pressed("quit"));
