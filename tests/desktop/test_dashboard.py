@@ -5,7 +5,7 @@ import re
 import unittest
 
 from nimbo_desktop import turn_for, wait_until
-from program import DesktopTest, Program
+from program import DesktopTest, Program, stored
 
 FIGURES = re.compile(r"\d+\.\d GB of \d+\.\d GB used")
 
@@ -62,11 +62,9 @@ class DashboardTest(DesktopTest):
         self.assertIn("Quit Nimbo", self.program.texts())
 
     def test_shown_tab_is_remembered(self):
-        import json
-
         self.open("nimbo-memory")
         path = self.session.folder / "config" / "com.quellwerk.Nimbo.json"
-        wait_until(lambda: json.loads(path.read_text()).get("lastDashboardTab") == "memory", "the stored tab")
+        wait_until(lambda: stored(path, "lastDashboardTab") == "memory", "the stored tab")
 
     def test_escape_closes(self):
         self.open()

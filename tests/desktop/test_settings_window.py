@@ -10,7 +10,7 @@ from gi.repository import GLib
 
 import claude_tool
 from nimbo_desktop import SLOW, turn_for, wait_until, windows_of
-from program import BINARY, DesktopTest, Program
+from program import BINARY, DesktopTest, Program, stored
 
 WIDTH, HEIGHT = 560, 680
 BOUND = 10 * SLOW
@@ -60,11 +60,8 @@ class SettingsWindowTest(DesktopTest):
     def wait_for_control(self, name, role):
         return wait_until(lambda: self.control(name, role), f"{name} on the screen", BOUND)
 
-    def stored(self, key):
-        return json.loads(self.path.read_text()).get(key)
-
     def wait_for_stored(self, key, value):
-        wait_until(lambda: self.stored(key) == value, f"{key} = {value}, not {self.stored(key)}", BOUND)
+        wait_until(lambda: stored(self.path, key) == value, f"{key} = {value} on disk", BOUND)
 
     def wait_for_tick(self, name, on):
         wait_until(lambda: self.control(name, "check box")["checked"] is on, f"{name} ticked: {on}", BOUND)
@@ -120,7 +117,7 @@ class SettingsWindowTest(DesktopTest):
         for name, key in (("Awake", "menuAwake"), ("AI", "menuAI"), ("Mem", "menuMemory")):
             on = key != "menuAwake"
             self.tick(name, key, not on)
-            self.assertFalse(self.stored("compactMenuBar"))
+            self.wait_for_stored("compactMenuBar", False)
             self.tick(name, key, on)
         self.wait_for_tick("Single app icon (hide all readouts)", False)
         self.wait_for_items("nimbo-ai", "nimbo-memory")
@@ -128,7 +125,7 @@ class SettingsWindowTest(DesktopTest):
     def test_showing_memory_switches_its_monitor_on(self):
         self.launch(menuMemory=False, monitorMemory=False, monitorCPU=True)
         self.tick("Mem", "menuMemory", True)
-        self.assertTrue(self.stored("monitorMemory"))
+        self.wait_for_stored("monitorMemory", True)
         self.program.press("Monitors")
         self.wait_for_tick("Memory", True)
 
@@ -139,11 +136,11 @@ class SettingsWindowTest(DesktopTest):
         self.wait_for_items("nimbo")
         self.tick(rotation, "menuRotation", True)
         self.wait_for_tick(single, False)
-        self.assertFalse(self.stored("compactMenuBar"))
+        self.wait_for_stored("compactMenuBar", False)
         self.tick(single, "compactMenuBar", True)
         self.wait_for_tick(rotation, False)
         self.tick(single, "compactMenuBar", False)
-        self.assertFalse(self.stored("menuRotation"), "left as it was")
+        self.assertFalse(stored(self.path, "menuRotation"), "left as it was")
         self.wait_for_items("nimbo-ai", "nimbo-memory")
 
     def test_presets(self):

@@ -101,10 +101,7 @@ class UsageTest(DesktopTest):
 
     def descendants(self):
         """But for the process of the windows."""
-        found = []
-        for task in (self.proc() / "task").iterdir():
-            found += (task / "children").read_text().split()
-        return [pid for pid in found if pid != str(self.program.windows_pid)]
+        return [pid for pid in children(self.program.pid) if pid != self.program.windows_pid]
 
     def proc(self):
         return pathlib.Path("/proc") / str(self.program.pid)
