@@ -8,7 +8,7 @@ import unittest
 import claude_tool
 import codex_service
 from nimbo_desktop import SLOW, wait_until
-from program import DesktopTest
+from program import DesktopTest, children
 
 
 class UsageTest(DesktopTest):
