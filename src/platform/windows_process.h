@@ -14,8 +14,9 @@ enum class DisplayNeed {
 
 /// Why the process of the windows is gone.
 enum class WindowsEnd {
-  died,         ///< a fault, a signal, or the end of its display
-  unavailable,  ///< it cannot show windows here: no display, no toolkit, no such program
+  died,       ///< a fault, a signal, or the end of its display
+  noDisplay,  ///< there is none that it can reach
+  cannotRun,  ///< its program or the toolkit is missing, or is another version's
 };
 
 /// A process that shows the program's windows, at the other end of a channel that keeps records whole and in order.
@@ -35,7 +36,7 @@ class WindowsProcess {
   [[nodiscard]] virtual bool send(const std::string& record) = 0;
 };
 
-/// Never null. A process that cannot be started ends as `unavailable`.
+/// Never null. A process that cannot be started ends as `cannotRun`.
 using WindowsStarter = std::function<std::unique_ptr<WindowsProcess>(DisplayNeed need, WindowsProcess::Events events)>;
 
 }  // namespace nimbo

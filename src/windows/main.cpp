@@ -19,7 +19,7 @@ namespace {
 
 int showWindows(DisplayNeed need) {
   const auto interface = QtUserInterface::make(need);
-  if (!interface) return kWindowsUnavailable;
+  if (!interface) return kNoDisplay;
   const RecordSocket socket{UniqueFd(STDIN_FILENO)};
   WindowsHost host(*interface, [&socket](const std::string& record) {
     if (!socket.send(record)) QCoreApplication::exit(EXIT_FAILURE);

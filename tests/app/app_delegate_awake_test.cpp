@@ -20,7 +20,7 @@ class AppDelegateAwakeTest : public AppDelegateTest {
  protected:
   AppDelegateAwakeTest() { settings.setMenuAwake(true); }
 
-  const AwakeContent& page() const { return content().awake; }
+  const AwakeContent& page() const { return std::get<AwakeContent>(content().page); }
   AwakeManager& awake() { return delegate->awake(); }
   std::string itemToolTip() const { return platform.bar.item("nimbo-awake")->content.toolTip; }
 

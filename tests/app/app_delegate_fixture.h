@@ -45,6 +45,7 @@ class AppDelegateTest : public ::testing::Test {
   FakeMenuWindow* window() const { return interface.windows().empty() ? nullptr : interface.windows().back(); }
   bool dashboardVisible() const { return window() != nullptr && window()->visible(); }
   const DashboardContent& content() const { return window()->content(); }
+  const ResourcesContent& resources() const { return std::get<ResourcesContent>(content().page); }
 
   FakePlatformServices platform;
   Settings settings{platform.defaults};

@@ -50,7 +50,7 @@ TEST_F(AppDelegateTest, ClickOpensTheDashboardOnTheItemsTab) {
   clickItem("nimbo-memory");
   ASSERT_TRUE(dashboardVisible());
   EXPECT_EQ(content().tabs.selected, 1U);
-  EXPECT_EQ(content().resources.hero.text, "50%");
+  EXPECT_EQ(resources().hero.text, "50%");
 }
 
 TEST_F(AppDelegateTest, ClickWhileOpenCloses) {
@@ -110,8 +110,8 @@ TEST_F(AppDelegateTest, OpeningOnTheMemoryTabScansAtOnceEvenWithinTheThrottle) {
   EXPECT_EQ(platform.utilities.waiting(), 1U);
   platform.utilities.runOne();
   platform.loop.runPosted();
-  ASSERT_EQ(content().resources.processes.labels.size(), 2U);
-  EXPECT_EQ(content().resources.processes.labels[0].text, "big");
+  ASSERT_EQ(resources().processes.labels.size(), 2U);
+  EXPECT_EQ(resources().processes.labels[0].text, "big");
   clickItem("nimbo-memory");
   clickItem("nimbo-memory");
   EXPECT_EQ(platform.utilities.waiting(), 1U);
@@ -150,8 +150,8 @@ TEST_F(AppDelegateTest, OpenDashboardFollowsTheSamples) {
   clickItem("nimbo-memory");
   platform.host->counts = MemoryCounts{.wired = kGibibyte * 4};
   platform.loop.advance(seconds(5));
-  EXPECT_EQ(content().resources.hero.text, "25%");
-  EXPECT_EQ(content().resources.time.text, "RECENT USAGE · 5s");
+  EXPECT_EQ(resources().hero.text, "25%");
+  EXPECT_EQ(resources().time.text, "RECENT USAGE · 5s");
 }
 
 TEST_F(AppDelegateTest, ClosedDashboardIsNotRenderedAndCatchesUpOnOpening) {
@@ -163,7 +163,7 @@ TEST_F(AppDelegateTest, ClosedDashboardIsNotRenderedAndCatchesUpOnOpening) {
   platform.loop.advance(seconds(10));
   EXPECT_EQ(window()->renders(), renders);
   clickItem("nimbo-memory");
-  EXPECT_EQ(content().resources.hero.text, "25%");
+  EXPECT_EQ(resources().hero.text, "25%");
 }
 
 TEST_F(AppDelegateTest, GrowingProcessListGrowsTheWindow) {
@@ -175,7 +175,7 @@ TEST_F(AppDelegateTest, GrowingProcessListGrowsTheWindow) {
   const double height = window()->frame().height;
   window()->act(pressed("more"));
   EXPECT_EQ(window()->frame().height, height + 87);
-  EXPECT_EQ(content().resources.processTitle.text, "TOP 13 PROCESSES");
+  EXPECT_EQ(resources().processTitle.text, "TOP 13 PROCESSES");
 }
 
 TEST_F(AppDelegateTest, SettingsChangedByHandAreSeenAtTheNextOpening) {
@@ -184,13 +184,13 @@ TEST_F(AppDelegateTest, SettingsChangedByHandAreSeenAtTheNextOpening) {
   clickItem("nimbo-memory");
   settings.setMonitorCpu(true);
   clickItem("nimbo-memory");
-  EXPECT_TRUE(content().resources.cpu.visible);
+  EXPECT_TRUE(resources().cpu.visible);
 }
 
 TEST_F(AppDelegateTest, ActivityButtonOpensTheSystemMonitor) {
   launch();
   clickItem("nimbo-memory");
-  EXPECT_TRUE(content().resources.activityButton.enabled);
+  EXPECT_TRUE(resources().activityButton.enabled);
   window()->act(pressed("activity"));
   EXPECT_EQ(platform.desktop.monitorsOpened, 1);
 }
@@ -199,7 +199,7 @@ TEST_F(AppDelegateTest, WithoutASystemMonitorItsButtonIsDisabled) {
   platform.desktop.systemMonitor = false;
   launch();
   clickItem("nimbo-memory");
-  EXPECT_FALSE(content().resources.activityButton.enabled);
+  EXPECT_FALSE(resources().activityButton.enabled);
 }
 
 TEST_F(AppDelegateTest, WindowsFollowTheDesktopsAppearance) {
@@ -294,8 +294,8 @@ TEST_F(AppDelegateTest, WakeEmptiesTheHistoriesTakesASampleAndRestarts) {
   EXPECT_EQ(platform.loop.repeatingTimers().size(), 2U);
   clickItem("nimbo-ai");
   window()->act(chosen("tabs", 1));
-  EXPECT_EQ(content().resources.history.bars.size(), 40U + 1) << "one sample over the empty places";
-  EXPECT_EQ(content().resources.time.text, "RECENT USAGE · 0s");
+  EXPECT_EQ(resources().history.bars.size(), 40U + 1) << "one sample over the empty places";
+  EXPECT_EQ(resources().time.text, "RECENT USAGE · 0s");
 }
 
 TEST_F(AppDelegateTest, RotationWaitsWhileThePanelIsOpen) {

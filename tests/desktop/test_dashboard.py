@@ -142,7 +142,7 @@ class WithoutDisplayTest(DesktopTest):
         item = self.host.item("nimbo-memory")
         item.activate(1300, 10)
         item.activate(1300, 10)
-        self.expected_errors = "nimbo: no display can be reached, so no window can be shown\n"
+        self.expected_errors = "nimbo: no window can be shown: no display can be reached\n"
         wait_until(lambda: self.program.errors() == self.expected_errors, "the message, once")
         self.assertRegex(item.tooltip, "^Memory: ")
 

@@ -158,7 +158,7 @@ class InstanceTest(DesktopTest):
         self.assertTrue(self.program.child.running)
         self.assertEqual(len(self.host.items), 2)
         # Handing over opens the dashboard, for which there is no display here.
-        self.expected_errors = "nimbo: no display can be reached, so no window can be shown\n"
+        self.expected_errors = "nimbo: no window can be shown: no display can be reached\n"
         wait_until(lambda: self.program.errors() == self.expected_errors, "the message")
 
     def test_without_a_session_bus_it_says_so(self):

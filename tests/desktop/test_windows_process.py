@@ -12,7 +12,7 @@ from program import DesktopTest
 from test_keep_awake import DELAY, SLEEP_BLOCK
 
 KILLS = int(os.environ.get("NIMBO_KILLS", "8"))
-NO_DISPLAY = "nimbo: no display can be reached, so no window can be shown\n"
+NO_DISPLAY = "nimbo: no window can be shown: no display can be reached\n"
 
 
 @unittest.skipIf(Logind.missing(), Logind.missing())

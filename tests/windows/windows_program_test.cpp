@@ -136,7 +136,7 @@ TEST_F(WindowsProgramTest, MissingDisplayIsNoFault) {
   unsetenv("WAYLAND_DISPLAY");
   const auto process = start(launcher);
   EXPECT_TRUE(turnUntil([this] { return end.has_value(); }));
-  EXPECT_EQ(end, WindowsEnd::unavailable);
+  EXPECT_EQ(end, WindowsEnd::noDisplay);
   EXPECT_TRUE(records.empty());
   if (display) setenv("DISPLAY", display->c_str(), 1);
 }
@@ -146,7 +146,7 @@ TEST_F(WindowsProgramTest, MissingProgramIsNoFault) {
   const auto process = start(nowhere);
   EXPECT_FALSE(end) << "not from within";
   EXPECT_TRUE(turnUntil([this] { return end.has_value(); }));
-  EXPECT_EQ(end, WindowsEnd::unavailable);
+  EXPECT_EQ(end, WindowsEnd::cannotRun);
 }
 
 TEST_F(WindowsProgramTest, WindowsComeBackWhenItWasKilled) {

@@ -4,6 +4,7 @@
 #include <array>
 #include <optional>
 #include <string>
+#include <variant>
 #include <vector>
 
 #include "base/geometry.h"
@@ -53,7 +54,7 @@ struct MemoryRowContent {
   bool operator==(const MemoryRowContent&) const = default;
 };
 
-// Each page has all that it shows besides the head and the foot of the dashboard; `visible` is of everything.
+// Each page has all that it shows besides the head and the foot of the dashboard.
 
 struct ResourcesContent {
   LabelContent hero;
@@ -72,7 +73,6 @@ struct ResourcesContent {
   LabelContent processNote;
   ButtonContent activityButton;
   LabelContent footer;
-  bool visible = true;
   bool operator==(const ResourcesContent&) const = default;
 };
 
@@ -91,7 +91,6 @@ struct AwakeContent {
   PopUpContent battery;
   ButtonContent off;
   LabelContent note;
-  bool visible = true;
   bool operator==(const AwakeContent&) const = default;
 };
 
@@ -125,7 +124,6 @@ struct UsageContent {
   LabelContent progress;  ///< beside the button while a refresh runs
   ButtonContent configure;
   LabelContent note;
-  bool visible = true;
   bool operator==(const UsageContent&) const = default;
 };
 
@@ -137,9 +135,8 @@ struct DashboardContent {
   TabsContent tabs;
   ButtonContent settingsButton;
 
-  ResourcesContent resources;
-  AwakeContent awake;
-  UsageContent usage;
+  /// Of the selected tab. What nobody looks at is not made.
+  std::variant<ResourcesContent, AwakeContent, UsageContent> page;
 
   Rect footerSeparator;
   ButtonContent quitButton;

@@ -75,33 +75,28 @@ void DashboardController::handle(const ControlEvent& event) {
   show();
 }
 
-double DashboardController::pageHeight() const {
+/// Returns the page's height.
+double DashboardController::fillPage(DashboardContent& content) const {
   switch (tab_) {
     case DashboardTab::ai:
+      content.page = usageContent(sources_);
       return kUsagePageHeight;
     case DashboardTab::memory:
+      content.page = resourcesContent(sources_, processes_);
       return resourcesHeight(sources_, processes_);
     case DashboardTab::awake:
+      content.page = awakeView_.content();
       return kAwakePageHeight;
   }
   return 0;
 }
 
 void DashboardController::show() {
-  const double height = pageHeight();
-
   DashboardContent content;
-  content.size = {kWidth, height + kFooterHeight};
   fillHeader(content, sources_.settings.tabOrder(), tab_);
-  content.resources = resourcesContent(sources_, processes_);
-  content.resources.visible = tab_ == DashboardTab::memory;
-  // What nobody looks at stays here.
-  if (!content.resources.visible) content.resources.processes.labels.clear();
-  content.usage = usageContent(sources_);
-  content.usage.visible = tab_ == DashboardTab::ai;
-  content.awake = awakeView_.content();
-  content.awake.visible = tab_ == DashboardTab::awake;
+  const double height = fillPage(content);
   fillFooter(content, height);
+  content.size = {kWidth, height + kFooterHeight};
 
   if (content == content_) return;
   content_ = std::move(content);

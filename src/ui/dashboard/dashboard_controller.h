@@ -38,7 +38,7 @@ class DashboardController {
   std::function<void()> onContentChanged;
 
  private:
-  [[nodiscard]] double pageHeight() const;
+  [[nodiscard]] double fillPage(DashboardContent& content) const;
 
   DashboardSources sources_;
   DashboardTab tab_;

@@ -54,23 +54,21 @@ auto fields(Of<ProcessListContent> auto& v) { return std::tie(v.frame, v.documen
 auto fields(Of<MemoryRowContent> auto& v) { return std::tie(v.title, v.value); }
 auto fields(Of<ResourcesContent> auto& v) {
   return std::tie(v.hero, v.subtitle, v.history, v.pressure, v.time, v.breakdown, v.rows, v.cpu, v.temperature,
-                  v.processTitle, v.lessButton, v.moreButton, v.processes, v.processNote, v.activityButton, v.footer,
-                  v.visible);
+                  v.processTitle, v.lessButton, v.moreButton, v.processes, v.processNote, v.activityButton, v.footer);
 }
 auto fields(Of<AwakeContent> auto& v) {
   return std::tie(v.state, v.detail, v.start, v.extend, v.durationTitle, v.duration, v.minutes, v.date, v.display,
-                  v.plugged, v.batteryTitle, v.battery, v.off, v.note, v.visible);
+                  v.plugged, v.batteryTitle, v.battery, v.off, v.note);
 }
 auto fields(Of<UsageRowContent> auto& v) { return std::tie(v.frame, v.title, v.amount, v.bar, v.reset); }
 auto fields(Of<UsageCardContent> auto& v) {
   return std::tie(v.provider, v.frame, v.title, v.link, v.status, v.connect, v.rows);
 }
 auto fields(Of<UsageContent> auto& v) {
-  return std::tie(v.scroll, v.document, v.cards, v.refresh, v.progress, v.configure, v.note, v.visible);
+  return std::tie(v.scroll, v.document, v.cards, v.refresh, v.progress, v.configure, v.note);
 }
 auto fields(Of<DashboardContent> auto& v) {
-  return std::tie(v.size, v.title, v.tabs, v.settingsButton, v.resources, v.awake, v.usage, v.footerSeparator,
-                  v.quitButton, v.quitHint);
+  return std::tie(v.size, v.title, v.tabs, v.settingsButton, v.page, v.footerSeparator, v.quitButton, v.quitHint);
 }
 auto fields(Of<WindowPlace> auto& v) { return std::tie(v.item, v.ownItems); }
 auto fields(Of<SettingsPageContent> auto& v) { return std::tie(v.frame, v.accessibleName, v.controls, v.visible); }

@@ -179,8 +179,7 @@ std::unique_ptr<Alert> RemoteUserInterface::showAlert(const AlertContent& conten
 }
 
 void RemoteUserInterface::somethingClosed() {
-  const auto isOpen = [](const Window* window) { return window != nullptr && window->isOpen(); };
-  if (!process_ || !alerts_.empty() || std::ranges::any_of(windows_, isOpen)) return;
+  if (!process_ || !alerts_.empty() || anyOpen()) return;
   idle_ = services_.loop.every(kIdleTime, kIdleLeeway, [this] {
     idle_.reset();
     letGo();
@@ -212,7 +211,7 @@ void RemoteUserInterface::receive(const std::string& text) {
 }
 
 void RemoteUserInterface::received(const WindowsReady& record) {
-  if (record.version != kRecordVersion) ended(WindowsEnd::unavailable);
+  if (record.version != kRecordVersion) ended(WindowsEnd::cannotRun);
 }
 
 void RemoteUserInterface::received(const Acted& record) {
@@ -248,8 +247,8 @@ void RemoteUserInterface::ended(WindowsEnd end) {
   if (end == WindowsEnd::died) {
     deaths_.push_back(services_.clock.uptime());
     if (deaths_.size() > kMostDeaths) deaths_.pop_front();
-  } else if (!std::exchange(complained_, true)) {
-    fmt::print(stderr, "nimbo: no display can be reached, so no window can be shown\n");
+  } else {
+    complain(end);
   }
   // An answer may destroy other alerts.
   const auto alerts = alerts_;
@@ -269,12 +268,25 @@ void RemoteUserInterface::ended(WindowsEnd end) {
   }
 }
 
+void RemoteUserInterface::complain(WindowsEnd end) {
+  const bool noDisplay = end == WindowsEnd::noDisplay;
+  const char* const why = noDisplay ? "no display can be reached" : "the program that shows them cannot run";
+  if (!std::exchange(complained_, true)) fmt::print(stderr, "nimbo: no window can be shown: {}\n", why);
+  if (!anyOpen()) return;
+  services_.workspace.notify("Nimbo can’t show its windows",
+                             noDisplay ? "No display can be reached." : "A part of it is missing. Install it again.");
+}
+
 void RemoteUserInterface::letGo() {
   process_.reset();
   stuck_ = false;
   for (Window* const window : windows_) {
     if (window != nullptr) window->forgetProcess();
   }
+}
+
+bool RemoteUserInterface::anyOpen() const {
+  return std::ranges::any_of(windows_, [](const Window* window) { return window != nullptr && window->isOpen(); });
 }
 
 bool RemoteUserInterface::diesTooOften() const {

@@ -66,7 +66,10 @@ class RemoteUserInterface final : public UserInterface {
   void received(const MenuChosen& record);
 
   void ended(WindowsEnd end);
+  /// That no windows can be had: once in the log, and to a user who waits for one.
+  void complain(WindowsEnd end);
   void letGo();
+  [[nodiscard]] bool anyOpen() const;
   [[nodiscard]] bool diesTooOften() const;
 
   Services services_;

@@ -72,9 +72,9 @@ TEST_F(PerformanceProbeTest, DashboardIsFilledButNotShown) {
   pass(1s);
   ASSERT_NE(window(), nullptr);
   EXPECT_EQ(window()->shows(), 0);
-  EXPECT_EQ(content().resources.hero.text, "50%");
-  ASSERT_FALSE(content().resources.processes.labels.empty());
-  EXPECT_EQ(content().resources.processes.labels[0].text, "big");
+  EXPECT_EQ(std::get<ResourcesContent>(content().page).hero.text, "50%");
+  ASSERT_FALSE(std::get<ResourcesContent>(content().page).processes.labels.empty());
+  EXPECT_EQ(std::get<ResourcesContent>(content().page).processes.labels[0].text, "big");
 }
 
 TEST_F(PerformanceProbeTest, SessionLetsTheDisplaySleep) {

@@ -23,8 +23,9 @@ class RemoteUserInterfaceTest : public testing::Test {
     loop.onAdvance = [this](std::chrono::milliseconds step) { clock.advance(step); };
     DashboardContent content;
     content.size = {340, 500};
-    content.awake.start = {"start", {}, ButtonLook::rounded, 13, "Keep Mac awake"};
-    content.awake.minutes.identifier = "minutes";
+    auto& awake = content.page.emplace<AwakeContent>();
+    awake.start = {"start", {}, ButtonLook::rounded, 13, "Keep Mac awake"};
+    awake.minutes.identifier = "minutes";
     content.settingsButton.identifier = "settings";
     content.quitButton.identifier = "quit";
     content.tabs.labels = {"AI", "Mem", "Awake"};
@@ -89,18 +90,18 @@ TEST_F(RemoteUserInterfaceTest, ContentIsSentWhenItDiffersAndSomebodySeesIt) {
   dashboard->render(content);
   EXPECT_TRUE(windows.last().sent.empty());
 
-  content.resources.hero.text = "9.7 GB";
+  content.title.text = "one";
   dashboard->render(content);
   windows.deliver();
-  EXPECT_EQ(windows.dashboard().content().resources.hero.text, "9.7 GB");
+  EXPECT_EQ(windows.dashboard().content().title.text, "one");
 
   dashboard->hide();
   windows.deliver();
-  content.resources.hero.text = "9.8 GB";
+  content.title.text = "another";
   dashboard->render(content);
   EXPECT_TRUE(windows.last().sent.empty());
   show();
-  EXPECT_EQ(windows.dashboard().content().resources.hero.text, "9.8 GB");
+  EXPECT_EQ(windows.dashboard().content().title.text, "another");
 }
 
 TEST_F(RemoteUserInterfaceTest, ActionsReachTheProgram) {
@@ -120,13 +121,13 @@ TEST_F(RemoteUserInterfaceTest, ActionThatWasOvertakenIsIgnored) {
   windows.dashboard().act(pressed("start"));
   windows.dashboard().act(pressed("quit"));
   DashboardContent content = windows.dashboard().content();
-  content.awake.start.title = "Stop keeping awake";  // the session has begun meanwhile
+  std::get<AwakeContent>(content.page).start.title = "Stop keeping awake";  // the session has begun meanwhile
   dashboard->render(content);
   windows.deliver();
   EXPECT_EQ(did, std::vector<std::string>{"quit"});
 
   windows.dashboard().act(pressed("start"));
-  content.awake.start.enabled = false;
+  std::get<AwakeContent>(content.page).start.enabled = false;
   dashboard->render(content);
   windows.deliver();
   EXPECT_EQ(did.size(), 1U);
@@ -144,7 +145,7 @@ TEST_F(RemoteUserInterfaceTest, ControlThatChangedByItselfIsSetBack) {
 TEST_F(RemoteUserInterfaceTest, ContentOfATimeBeforeTheUserWentOnIsLeftOut) {
   show();
   DashboardContent content = windows.dashboard().content();
-  content.awake.minutes.text = "9";
+  std::get<AwakeContent>(content.page).minutes.text = "9";
   dashboard->render(content);
   windows.dashboard().act(typed("minutes", "90"));
   const int before = windows.dashboard().renders();
@@ -289,13 +290,18 @@ TEST_F(RemoteUserInterfaceTest, DeathAnswersAQuestionAsClosingItWould) {
 TEST_F(RemoteUserInterfaceTest, WithoutADisplayAQuestionIsUnseenAndWindowsAreClosed) {
   const auto alert = ask();
   dashboard->show(place);
-  windows.end(WindowsEnd::unavailable);
+  windows.end(WindowsEnd::noDisplay);
   EXPECT_EQ(answers, std::vector<std::optional<std::size_t>>{std::nullopt});
   EXPECT_FALSE(dashboard->visible());
   EXPECT_EQ(windows.starts(), 1U);
+  ASSERT_EQ(workspace.notices.size(), 1U);
+  EXPECT_EQ(workspace.notices[0].second, "No display can be reached.");
 
   show();  // perhaps there is one now
   EXPECT_EQ(windows.starts(), 2U);
+  windows.end(WindowsEnd::cannotRun);
+  ASSERT_EQ(workspace.notices.size(), 2U);
+  EXPECT_EQ(workspace.notices[1].second, "A part of it is missing. Install it again.");
 }
 
 TEST_F(RemoteUserInterfaceTest, AfterThreeDeathsInAMinuteTheUserIsToldInstead) {

@@ -21,8 +21,8 @@ namespace nimbo {
 namespace {
 
 constexpr std::chrono::seconds kTimeToEnd{2};
-/// What a child has as status that did not get as far as its program's own.
-constexpr int kNotExecuted = 127;
+/// Of a program that lacks a library, from the dynamic linker.
+constexpr int kNotLoaded = 127;
 
 const char* wordOf(DisplayNeed need) { return need == DisplayNeed::optional ? "optional" : "required"; }
 
@@ -32,9 +32,9 @@ void kill(const UniqueFd& process) { ::syscall(SYS_pidfd_send_signal, process.ge
 WindowsEnd reap(const UniqueFd& process) {
   siginfo_t ended{};
   if (::waitid(P_PIDFD, static_cast<id_t>(process.get()), &ended, WEXITED | WNOHANG) != 0) return WindowsEnd::died;
-  const bool cannot =
-      ended.si_code == CLD_EXITED && (ended.si_status == kWindowsUnavailable || ended.si_status == kNotExecuted);
-  return cannot ? WindowsEnd::unavailable : WindowsEnd::died;
+  if (ended.si_code != CLD_EXITED) return WindowsEnd::died;
+  if (ended.si_status == kNotLoaded) return WindowsEnd::cannotRun;
+  return ended.si_status == kNoDisplay ? WindowsEnd::noDisplay : WindowsEnd::died;
 }
 
 }  // namespace
@@ -53,7 +53,7 @@ class WindowsLauncher::Child final : public WindowsProcess {
     auto leader = spawnWithInput(launcher.executable_, {"nimbo-windows", wordOf(need)}, theirs);
     if (!leader) {
       fmt::print(stderr, "nimbo: the windows cannot be started: {}\n", leader.error().message());
-      launcher_.loop_.post(lifetime_.guard([this] { events_.ended(WindowsEnd::unavailable); }));
+      launcher_.loop_.post(lifetime_.guard([this] { events_.ended(WindowsEnd::cannotRun); }));
       return;
     }
     socket_.emplace(std::move(own));

@@ -16,7 +16,7 @@ void call(const std::function<void(Parameters...)>& action, const Values&... val
 }
 
 /// The widgets of a page, each with the part of the page's content that it shows: a field, or a function
-/// that returns it. All are hidden with a page that is not visible. The order in which they are made is the one in
+/// that returns it. The order in which they are made is the one in
 /// which Tab visits them. They stand directly in `parent`, which owns them.
 template <class Content>
 class PageControls {
@@ -37,18 +37,24 @@ class PageControls {
 
   template <class Part, class Widget>
   Widget* bind(Part part, Widget* widget) {
-    renders_.push_back([=](const Content& content) {
+    renders_.push_back([=](const Content& content, bool visible) {
       const auto& shown = std::invoke(part, content);
-      if constexpr (requires { content.visible; }) {
-        if (!content.visible) return widget->setContent(hidden(shown));
+      if constexpr (requires { shown.visible; }) {
+        if (!visible) return widget->setContent(hidden(shown));
       }
       widget->setContent(shown);
     });
     return widget;
   }
 
-  void render(const Content& content) const {
-    for (const auto& render : renders_) render(content);
+  void render(const Content& content) {
+    content_ = content;
+    renderAs(true);
+  }
+
+  /// The widgets keep what they have shown.
+  void hide() {
+    if (visible_) renderAs(false);
   }
 
  private:
@@ -58,10 +64,17 @@ class PageControls {
     return part;
   }
 
+  void renderAs(bool visible) {
+    visible_ = visible;
+    for (const auto& render : renders_) render(content_, visible);
+  }
+
   const Theme& theme_;
   QWidget& parent_;
   ControlListener listener_;
-  std::vector<std::function<void(const Content& content)>> renders_;
+  std::vector<std::function<void(const Content& content, bool visible)>> renders_;
+  Content content_;
+  bool visible_ = true;
 };
 
 }  // namespace nimbo

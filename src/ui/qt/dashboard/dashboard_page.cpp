@@ -82,10 +82,15 @@ void DashboardPage::addKeepAwake() {
 
 void DashboardPage::render(const DashboardContent& content) {
   controls_.render(content);
-  resources_.render(content.resources);
-  setSpokenName(*processes_, content.resources.processTitle.text);
-  awake_.render(content.awake);
-  usage_->render(content.usage);
+  const auto renderIfShown = [](auto& controls, const auto* page) {
+    if (page != nullptr) return controls.render(*page);
+    controls.hide();
+  };
+  const auto* const resources = std::get_if<ResourcesContent>(&content.page);
+  renderIfShown(resources_, resources);
+  if (resources != nullptr) setSpokenName(*processes_, resources->processTitle.text);
+  renderIfShown(awake_, std::get_if<AwakeContent>(&content.page));
+  renderIfShown(*usage_, std::get_if<UsageContent>(&content.page));
   if (std::exchange(footerSeparator_, content.footerSeparator) != content.footerSeparator) update();
   resize(toQSize(content.size));
 }

@@ -33,8 +33,13 @@ void UsagePage::render(const UsageContent& content) {
   // in its order.
   const bool scrolls = content.document.height > content.scroll.height;
   scroll_->setFocusPolicy(scrolls ? Qt::StrongFocus : Qt::ClickFocus);
-  scroll_->place(content.scroll, content.document, content.visible);
+  scroll_->place(content.scroll, content.document, true);
   controls_.render(content);
+}
+
+void UsagePage::hide() {
+  scroll_->hide();
+  controls_.hide();
 }
 
 void UsagePage::renderCards(const std::vector<UsageCardContent>& contents) {

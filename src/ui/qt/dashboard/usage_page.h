@@ -18,6 +18,7 @@ class UsagePage {
   UsagePage(const Theme& theme, QWidget& parent, const ControlListener& listener);
 
   void render(const UsageContent& content);
+  void hide();
 
   [[nodiscard]] const ScrollArea& scroll() const { return *scroll_; }
 

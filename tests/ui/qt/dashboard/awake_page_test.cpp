@@ -67,12 +67,13 @@ TEST_F(AwakePageOnScreen, EveryControlCallsItsAction) {
 
 TEST_F(AwakePageOnScreen, ChangesByTheProgramCallNoAction) {
   auto changed = content();
-  changed.awake.duration.selected = 3;
-  changed.awake.battery.items = {"Never", "5%"};
-  changed.awake.battery.selected = 1;
-  changed.awake.minutes.text = "77";
-  changed.awake.date.date += std::chrono::hours(30);
-  changed.awake.display.on = changed.awake.plugged.on = true;
+  auto& page = std::get<AwakeContent>(changed.page);
+  page.duration.selected = 3;
+  page.battery.items = {"Never", "5%"};
+  page.battery.selected = 1;
+  page.minutes.text = "77";
+  page.date.date += std::chrono::hours(30);
+  page.display.on = page.plugged.on = true;
   window_->render(changed);
   EXPECT_EQ(popUp("duration").currentText(), "2 hours");
   EXPECT_EQ(popUp("battery").currentText(), "5%");
@@ -96,17 +97,18 @@ TEST_F(AwakePageOnScreen, OtherTabHidesEverything) {
 
 TEST_F(AwakePageOnScreen, LongDetailWrapsAndShortOneStaysOnItsLine) {
   auto changed = content();
+  auto& page = std::get<AwakeContent>(changed.page);
   const auto lines = [] { return child<FittedLabel>("awakeDetail").lines().size(); };
   for (const char* const single :
        {"Enter a whole number from 1 to 10080 minutes.", "Until 11/21/2026, 2:30 PM. Display stays on."}) {
-    changed.awake.detail.text = single;
+    page.detail.text = single;
     window_->render(changed);
     EXPECT_EQ(lines(), 1U) << single;
   }
-  changed.awake.detail.text = "macOS couldn’t keep your Mac awake (error 95). Please try again.";
+  page.detail.text = "macOS couldn’t keep your Mac awake (error 95). Please try again.";
   window_->render(changed);
   EXPECT_EQ(lines(), 2U);
-  EXPECT_EQ(text("awakeDetail"), changed.awake.detail.text) << "whole for screen readers";
+  EXPECT_EQ(text("awakeDetail"), page.detail.text) << "whole for screen readers";
 }
 
 TEST_F(AwakePageOnScreen, NoTextIsCutInAnyFont) {
@@ -322,16 +324,17 @@ TEST_F(AwakePageOnScreen, TextThatTheProgramDoesNotMirrorStaysUntilTheProgramHas
   window_->setListener({});
   choose("Custom minutes…");
   auto shown = content();
-  shown.awake.minutes.visible = true;
+  auto& page = std::get<AwakeContent>(shown.page);
+  page.minutes.visible = true;
   window_->render(shown);
   focus("minutes");
   press(Qt::Key_End);
   type("x");
   const QString typed = minutes().text();
-  shown.awake.minutes.toolTip = "another";
+  page.minutes.toolTip = "another";
   window_->render(shown);
   EXPECT_EQ(minutes().text(), typed);
-  shown.awake.minutes.text = "61";
+  page.minutes.text = "61";
   window_->render(shown);
   EXPECT_EQ(minutes().text(), "61");
 }

@@ -102,7 +102,7 @@ TEST_F(DashboardContentOnScreen, OnlyWhatDiffersIsPainted) {
   EXPECT_TRUE(counter.counts.empty()) << counter.counts.begin()->first;
 
   auto content = controller_.content();
-  content.resources.hero.text = "71%";
+  std::get<ResourcesContent>(content.page).hero.text = "71%";
   window_->render(content);
   ASSERT_TRUE(QTest::qWaitFor([&] { return counter.counts["hero"] == 1; }));
   counter.counts.erase("hero");

@@ -24,7 +24,8 @@ class UsagePageOnScreen : public UsagePageTest {
   /// One card less than the program shows.
   void renderClaudeOnly() {
     auto content = controller_.content();
-    content.usage.cards.erase(content.usage.cards.begin());
+    auto& cards = std::get<UsageContent>(content.page).cards;
+    cards.erase(cards.begin());
     window_->render(content);
   }
   static QRect onDashboard(const QWidget& part) { return {part.mapTo(&widget(), QPoint()), part.size()}; }
