@@ -17,8 +17,7 @@ class FakeMenuWindow final : public MenuWindow {
   void setEvents(MenuWindowEvents events) override { events_ = std::move(events); }
 
   void render(const DashboardContent& content) override {
-    content_ = content;
-    ++renders_;
+    if (std::exchange(content_, content) != content) ++renders_;
   }
 
   void setFrame(const Rect& frame) override { frames_.push_back(frame); }
@@ -49,6 +48,7 @@ class FakeMenuWindow final : public MenuWindow {
   [[nodiscard]] const DashboardContent& content() const { return content_; }
   [[nodiscard]] Rect frame() const { return frames_.empty() ? Rect{} : frames_.back(); }
   [[nodiscard]] const std::vector<Rect>& frames() const { return frames_; }
+  /// Of another content than the one before.
   [[nodiscard]] int renders() const { return renders_; }
   [[nodiscard]] int shows() const { return shows_; }
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include <malloc.h>
 #include <signal.h>
 
 #include <cstdlib>
@@ -235,6 +236,10 @@ UserSurroundings userSurroundings() { return surroundingsFrom(Environment()); }
 std::unique_ptr<PlatformServices> makePlatformServices() {
   // A careless launcher may have left the ends of children ignored; then nobody would keep their numbers for us.
   ::signal(SIGCHLD, SIG_DFL);
+#ifdef __GLIBC__
+  // Threads that come and go would each leave a heap behind.
+  ::mallopt(M_ARENA_MAX, 1);
+#endif
   return std::make_unique<LinuxPlatformServices>();
 }
 

@@ -75,6 +75,10 @@ void DashboardController::handle(const ControlEvent& event) {
   show();
 }
 
+void DashboardController::show() {
+  if (onContentChanged) onContentChanged();
+}
+
 /// Returns the page's height.
 double DashboardController::fillPage(DashboardContent& content) const {
   switch (tab_) {
@@ -91,16 +95,13 @@ double DashboardController::fillPage(DashboardContent& content) const {
   return 0;
 }
 
-void DashboardController::show() {
+DashboardContent DashboardController::content() const {
   DashboardContent content;
   fillHeader(content, sources_.settings.tabOrder(), tab_);
   const double height = fillPage(content);
   fillFooter(content, height);
   content.size = {kWidth, height + kFooterHeight};
-
-  if (content == content_) return;
-  content_ = std::move(content);
-  if (onContentChanged) onContentChanged();
+  return content;
 }
 
 }  // namespace nimbo

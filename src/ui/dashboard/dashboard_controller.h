@@ -18,7 +18,8 @@ class DashboardController {
   explicit DashboardController(const DashboardSources& sources);
 
   [[nodiscard]] AwakeView& awakeView() { return awakeView_; }
-  [[nodiscard]] const DashboardContent& content() const { return content_; }
+  /// What the window is to show now.
+  [[nodiscard]] DashboardContent content() const;
   /// The tab stored last, and from then on the one that is shown.
   [[nodiscard]] DashboardTab selectedTab() const { return tab_; }
 
@@ -27,14 +28,14 @@ class DashboardController {
 
   /// Before the window is opened: shows `tab`, or else the selected one, and forgets unfinished input.
   void open(std::optional<DashboardTab> tab);
-  /// Makes the content anew from what the sources say now.
+  /// Has the window show what the sources say now.
   void show();
   void showProcesses(ProcessScan scan);
 
   /// What the user does with the tabs, the process list and the Keep Awake page.
   void handle(const ControlEvent& event);
 
-  /// `content` is another one now.
+  /// `content` may be another one now.
   std::function<void()> onContentChanged;
 
  private:
@@ -44,7 +45,6 @@ class DashboardController {
   DashboardTab tab_;
   ProcessView processes_;
   AwakeView awakeView_;
-  DashboardContent content_;
 };
 
 }  // namespace nimbo

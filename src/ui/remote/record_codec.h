@@ -1,12 +1,16 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <fmt/format.h>
+
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cmath>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
@@ -40,29 +44,39 @@ concept List = requires(Value value) {
   value.size();
 };
 
+/// Appends, because a content as a tree would take some thousand small blocks of the heap.
 template <class Value>
-Json toJson(const Value& value) {
+void writeJson(std::string& text, const Value& value) {
   using Time = std::chrono::system_clock::time_point;
-  if constexpr (std::is_arithmetic_v<Value> || std::same_as<Value, std::string>) {
-    return value;
+  const auto writeArray = [&text](const auto& writeAll) {
+    char before = '[';
+    writeAll([&](const auto& each) {
+      text += std::exchange(before, ',');
+      writeJson(text, each);
+    });
+    text += before == '[' ? "[]" : "]";
+  };
+  if constexpr (std::is_arithmetic_v<Value>) {
+    fmt::format_to(std::back_inserter(text), "{}", value);
+  } else if constexpr (std::same_as<Value, std::string>) {
+    text += Json(value).dump(-1, ' ', false, Json::error_handler_t::replace);
   } else if constexpr (std::is_enum_v<Value>) {
-    return static_cast<int>(value);
+    writeJson(text, static_cast<int>(value));
   } else if constexpr (std::is_empty_v<Value>) {
-    return nullptr;
+    text += "null";
   } else if constexpr (std::same_as<Value, Time>) {
-    return std::chrono::nanoseconds(value.time_since_epoch()).count();
+    writeJson(text, std::chrono::nanoseconds(value.time_since_epoch()).count());
   } else if constexpr (kIs<Value, std::optional>) {
-    return value ? toJson(*value) : Json();
+    value ? writeJson(text, *value) : writeJson(text, std::monostate());
   } else if constexpr (kIs<Value, std::variant>) {
-    return std::visit([&](const auto& each) { return Json::array({value.index(), toJson(each)}); }, value);
+    writeArray([&](const auto& write) {
+      write(value.index());
+      std::visit(write, value);
+    });
+  } else if constexpr (List<Value>) {
+    writeArray([&](const auto& write) { std::ranges::for_each(value, write); });
   } else {
-    Json array = Json::array();
-    if constexpr (List<Value>) {
-      for (const auto& each : value) array.push_back(toJson(each));
-    } else {
-      std::apply([&](const auto&... each) { (array.push_back(toJson(each)), ...); }, fields(value));
-    }
-    return array;
+    writeArray([&](const auto& write) { std::apply([&](const auto&... each) { (write(each), ...); }, fields(value)); });
   }
 }
 

@@ -117,7 +117,11 @@ void lookFor(const ControlEvent& event, const Part& part, std::optional<std::str
   }
 }
 
-std::string encoded(const auto& record) { return toJson(record).dump(-1, ' ', false, Json::error_handler_t::replace); }
+std::string encoded(const auto& record) {
+  std::string text;
+  writeJson(text, record);
+  return text;
+}
 
 template <class Record>
 std::optional<Record> decoded(std::string_view text) {

@@ -58,6 +58,7 @@ class RemoteUserInterface::Window {
   void forgetProcess() {
     live_ = false;
     handled_ = 0;
+    if (!open_) forgetContent();
   }
 
  protected:
@@ -66,6 +67,8 @@ class RemoteUserInterface::Window {
     if (!std::exchange(live_, true)) sendContent(handled_);
   }
   virtual void sendContent(Serial handled) = 0;
+  /// Until it is rendered again, before it is opened.
+  virtual void forgetContent() = 0;
   [[nodiscard]] virtual std::optional<std::string> wordingNow(const ControlEvent& event) const = 0;
 
   RemoteUserInterface& owner_;
@@ -109,6 +112,7 @@ class RemoteUserInterface::WindowOf final : public ContentWindow<Content>, priva
 
  private:
   void sendContent(Serial handled) override { owner_.tell(Show<Content>{handled, content_}); }
+  void forgetContent() override { content_ = {}; }
   [[nodiscard]] std::optional<std::string> wordingNow(const ControlEvent& event) const override {
     return wording(content_, event);
   }

@@ -6,7 +6,9 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
+#include <filesystem>
 #include <future>
 #include <memory>
 #include <string>
@@ -75,6 +77,18 @@ TEST(ThreadWorkQueue, WhatAJobHeldIsReleasedOnceItHasRun) {
   queue.async([&] { done.set_value(); });
   ASSERT_EQ(done.get_future().wait_for(kBound), std::future_status::ready);
   EXPECT_TRUE(watched.expired());
+}
+
+TEST(ThreadWorkQueue, ThreadEndsWithTheLastJobAndTheNextOneHasAnother) {
+  ThreadWorkQueue queue("test");
+  for (int round = 0; round < 3; ++round) {
+    std::promise<pid_t> thread;
+    queue.async([&] { thread.set_value(gettid()); });
+    const auto task = std::filesystem::path("/proc/self/task") / std::to_string(thread.get_future().get());
+    const auto deadline = std::chrono::steady_clock::now() + kBound;
+    while (std::filesystem::exists(task) && std::chrono::steady_clock::now() < deadline) std::this_thread::yield();
+    EXPECT_FALSE(std::filesystem::exists(task));
+  }
 }
 
 TEST(ThreadWorkQueue, UnusedQueueEndsAtOnce) { const ThreadWorkQueue queue("test"); }

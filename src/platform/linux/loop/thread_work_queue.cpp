@@ -17,21 +17,20 @@ ThreadWorkQueue::~ThreadWorkQueue() {
     const std::lock_guard lock(mutex_);
     stopping_ = true;
   }
-  changed_.notify_one();
   if (thread_.joinable()) thread_.join();
 }
 
 void ThreadWorkQueue::async(std::function<void()> job) {
-  {
-    const std::lock_guard lock(mutex_);
-    jobs_.push_back(std::move(job));
-    try {
-      if (!thread_.joinable()) thread_ = std::thread([this] { work(); });
-    } catch (const std::system_error&) {
-      return;  // no thread can be made now: the job waits for the next one
-    }
+  const std::lock_guard lock(mutex_);
+  jobs_.push_back(std::move(job));
+  if (working_) return;
+  if (thread_.joinable()) thread_.join();  // which does not wait, as that one needs the mutex no more
+  try {
+    thread_ = std::thread([this] { work(); });
+    working_ = true;
+  } catch (const std::system_error&) {
+    // No thread can be made now: the job waits for the next one.
   }
-  changed_.notify_one();
 }
 
 void ThreadWorkQueue::work() {
@@ -41,9 +40,7 @@ void ThreadWorkQueue::work() {
   setpriority(PRIO_PROCESS, static_cast<id_t>(gettid()), kUtilityNice);
 
   std::unique_lock lock(mutex_);
-  for (;;) {
-    changed_.wait(lock, [this] { return stopping_ || !jobs_.empty(); });
-    if (stopping_) return;
+  while (!stopping_ && !jobs_.empty()) {
     auto job = std::move(jobs_.front());
     jobs_.pop_front();
     lock.unlock();
@@ -51,6 +48,7 @@ void ThreadWorkQueue::work() {
     job = nullptr;  // what it captured is let go without the lock
     lock.lock();
   }
+  working_ = false;
 }
 
 }  // namespace nimbo

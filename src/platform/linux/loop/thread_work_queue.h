@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <condition_variable>
 #include <deque>
 #include <mutex>
 #include <string>
@@ -11,7 +10,7 @@
 
 namespace nimbo {
 
-/// One thread at nice 10, started by the first job, so that an unused queue costs nothing.
+/// One thread at nice 10 that ends when it has done all jobs, so that a queue without work costs nothing.
 /// Where no thread can be made, a job waits for the next one to be given.
 class ThreadWorkQueue final : public WorkQueue {
  public:
@@ -28,8 +27,8 @@ class ThreadWorkQueue final : public WorkQueue {
 
   const std::string label_;
   std::mutex mutex_;
-  std::condition_variable changed_;
   std::deque<std::function<void()>> jobs_;  // guarded by mutex_
+  bool working_ = false;                    // guarded by mutex_; else the thread takes no more jobs
   bool stopping_ = false;                   // guarded by mutex_
   std::thread thread_;                      // guarded by mutex_ until stopping_
 };

@@ -3,6 +3,7 @@
 
 #include <fcntl.h>
 #include <fmt/format.h>
+#include <malloc.h>
 #include <signal.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -130,6 +131,10 @@ void WindowsLauncher::letGo(UniqueFd process) {
   ending.ended = loop_.watch(ending.process.get(), [this, gone] {
     (void)reap(gone->process);
     endings_.erase(gone);
+#ifdef __GLIBC__
+    // What was shown is forgotten by now, and the program is to cost what it did before.
+    ::malloc_trim(0);
+#endif
   });
   ending.patience = loop_.every(kTimeToEnd, std::chrono::seconds(1), [gone] {
     gone->patience.reset();
