@@ -115,18 +115,28 @@ class Display:
     """An X server without a screen of glass, on a number that is free. A file has what it shows, without the pointer."""
 
     def __init__(self, env, size="1440x900x24", dpi=96):
+        self.env = env
+        self.options = ["-screen", "0", size, "-dpi", str(dpi), "-nolisten", "tcp", "-noreset", "-nocursor"]
+        self.options += ["-fbdir", env["XDG_RUNTIME_DIR"]]
+        self.frame_buffer = pathlib.Path(env["XDG_RUNTIME_DIR"]) / "Xvfb_screen0"
+        self._start()
+
+    def _start(self, *number):
         read, write = os.pipe()
         self.server = Process(
-            ["Xvfb", "-displayfd", str(write), "-screen", "0", size, "-dpi", str(dpi), "-nolisten", "tcp", "-noreset"]
-            + ["-nocursor", "-fbdir", env["XDG_RUNTIME_DIR"]],
-            env,
+            ["Xvfb", *number, "-displayfd", str(write), *self.options],
+            self.env,
             pass_fds=[write],
             stderr=subprocess.DEVNULL,
         )
         os.close(write)
         with os.fdopen(read) as stream:
             self.name = ":" + stream.readline().strip()
-        self.frame_buffer = pathlib.Path(env["XDG_RUNTIME_DIR"]) / "Xvfb_screen0"
+
+    def restart(self):
+        """Dies, and begins anew with nobody's windows under the same name."""
+        self.server.end(signal.SIGKILL)
+        self._start(self.name)
 
 
 class Session:
@@ -158,7 +168,7 @@ class Session:
         self.display = None
         if display:
             self.display = Display(self.env, size)
-            self.stack.callback(self.display.server.end)
+            self.stack.callback(lambda: self.display.server.end())
             self.env["DISPLAY"] = self.display.name
         self.bus = self._bus()
         # Without one of our own the program would talk to the machine's real system bus.
