@@ -2,6 +2,7 @@
 find_package(fmt REQUIRED)
 find_package(nlohmann_json REQUIRED)
 find_package(tl-expected REQUIRED)
+find_path(BOOST_PFR_INCLUDE_DIR boost/pfr.hpp REQUIRED)
 find_package(Threads REQUIRED)
 find_package(Qt6 6.4 REQUIRED COMPONENTS Widgets)
 if(CMAKE_SYSTEM_NAME STREQUAL "Linux")

@@ -64,6 +64,7 @@ class WindowsProcessTest(DesktopTest):
         self.open()
 
     def test_session_and_items_outlive_deaths_at_any_moment(self):
+        self.host.wait_for_items(2)
         self.start_session()
         locks = self.locks()
         self.assertEqual(len(locks), 2)
@@ -75,7 +76,7 @@ class WindowsProcessTest(DesktopTest):
                 os.kill(windows, signal.SIGKILL)
             else:
                 self.session.display.restart()
-            wait_until(lambda windows=windows: not os.path.exists(f"/proc/{windows}"), "the end of the windows")
+            turn_for(chance.uniform(0, 0.4))
             self.assertTrue(self.program.child.running, self.program.errors())
             self.assertTrue(self.held())
             self.assertEqual(self.locks(), locks, "the very same ones")

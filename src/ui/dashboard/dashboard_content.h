@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <array>
 #include <optional>
 #include <string>
 #include <variant>
@@ -63,7 +62,11 @@ struct ResourcesContent {
   LabelContent pressure;
   LabelContent time;
   ChartContent breakdown;
-  std::array<MemoryRowContent, 5> rows;
+  MemoryRowContent app;
+  MemoryRowContent wired;
+  MemoryRowContent compressed;
+  MemoryRowContent available;
+  MemoryRowContent swap;
   LabelContent cpu;
   LabelContent temperature;
   LabelContent processTitle;

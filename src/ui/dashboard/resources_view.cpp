@@ -23,20 +23,24 @@ constexpr const char* kProcessNoteToolTip =
     "processes may be omitted. Process totals need not equal system memory used.";
 
 struct MemoryRow {
+  MemoryRowContent ResourcesContent::*shown;
   const char* title;
   ColorRole color;
   const char* toolTip;
   std::string (*text)(const MemorySnapshot& memory);
 };
 constexpr std::array kRows{
-    MemoryRow{"App memory", ColorRole::teal, "", [](const auto& memory) { return gigabytesText(memory.app); }},
-    MemoryRow{"Wired", ColorRole::indigo, "", [](const auto& memory) { return gigabytesText(memory.wired); }},
-    MemoryRow{"Compressed", ColorRole::orange, "", [](const auto& memory) { return gigabytesText(memory.compressed); }},
-    MemoryRow{"Available", ColorRole::secondaryLabel,
+    MemoryRow{&ResourcesContent::app, "App memory", ColorRole::teal, "",
+              [](const auto& memory) { return gigabytesText(memory.app); }},
+    MemoryRow{&ResourcesContent::wired, "Wired", ColorRole::indigo, "",
+              [](const auto& memory) { return gigabytesText(memory.wired); }},
+    MemoryRow{&ResourcesContent::compressed, "Compressed", ColorRole::orange, "",
+              [](const auto& memory) { return gigabytesText(memory.compressed); }},
+    MemoryRow{&ResourcesContent::available, "Available", ColorRole::secondaryLabel,
               "RAM available for use, including reclaimable cached files. This is more useful than counting only empty "
               "pages.",
               [](const auto& memory) { return gigabytesText(memory.available()); }},
-    MemoryRow{"Swap used", ColorRole::secondaryLabel,
+    MemoryRow{&ResourcesContent::swap, "Swap used", ColorRole::secondaryLabel,
               "Memory stored on disk. Swap may remain allocated after pressure subsides.",
               [](const auto& memory) { return memory.swap ? gigabytesText(*memory.swap) : "Unavailable"; }},
 };
@@ -171,9 +175,8 @@ void fillRows(ResourcesContent& content, const ResourcesView& view) {
     const auto& row = kRows[index];
     const double y = 264 + 23 * static_cast<double>(index);
     const std::string text = memory != nullptr ? row.text(*memory) : kNoFigure;
-    content.rows[index] = {
-        {{20, y, 160, 18}, {12, FontWeight::regular, row.color}, row.title, row.toolTip, view.memory},
-        {{190, y, 130, 18}, kFigureStyle, text, row.toolTip, view.memory}};
+    content.*row.shown = {{{20, y, 160, 18}, {12, FontWeight::regular, row.color}, row.title, row.toolTip, view.memory},
+                          {{190, y, 130, 18}, kFigureStyle, text, row.toolTip, view.memory}};
   }
 }
 

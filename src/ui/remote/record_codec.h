@@ -4,7 +4,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
+#include <boost/pfr.hpp>
 #include <chrono>
 #include <cmath>
 #include <concepts>
@@ -14,7 +14,6 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
-#include <tuple>
 #include <type_traits>
 #include <utility>
 #include <variant>
@@ -22,7 +21,7 @@
 
 namespace nimbo {
 
-// Values as JSON and back. A structure is the array of what fields() says of it, a variant its alternative's number
+// Values as JSON and back. A structure is the array of its fields, a variant its alternative's number
 // and value, an enumeration its number, a time its nanoseconds since 1970, nothing null. Reading takes nothing else: no
 // missing or further field, no number that does not fit. What was read before an error stays in the value.
 
@@ -76,7 +75,7 @@ void writeJson(std::string& text, const Value& value) {
   } else if constexpr (List<Value>) {
     writeArray([&](const auto& write) { std::ranges::for_each(value, write); });
   } else {
-    writeArray([&](const auto& write) { std::apply([&](const auto&... each) { (write(each), ...); }, fields(value)); });
+    writeArray([&](const auto& write) { boost::pfr::for_each_field(value, write); });
   }
 }
 
@@ -106,18 +105,6 @@ template <std::size_t kAlternative = 0, class... Alternatives>
     if (index != kAlternative) return variantFromJson<kAlternative + 1>(index, json, value);
     return fromJson(json, value.template emplace<kAlternative>());
   }
-}
-
-template <class Value>
-[[nodiscard]] bool listFromJson(const Json& json, Value& list) {
-  if (!json.is_array()) return false;
-  if constexpr (requires { list.resize(json.size()); }) list.resize(json.size());
-  if (list.size() != json.size()) return false;
-  std::size_t index = 0;
-  for (auto& each : list) {
-    if (!fromJson(json[index++], each)) return false;
-  }
-  return true;
 }
 
 template <class Value>
@@ -151,14 +138,15 @@ bool fromJson(const Json& json, Value& value) {
     return json.is_array() && json.size() == 2 && numberFromJson(json[0], index) &&
            variantFromJson(index, json[1], value);
   } else if constexpr (List<Value>) {
-    return listFromJson(json, value);
+    if (!json.is_array()) return false;
+    value.resize(json.size());
+    return std::ranges::all_of(value, [next = json.begin()](auto& each) mutable { return fromJson(*next++, each); });
   } else {
-    return std::apply(
-        [&](auto&... each) {
-          std::size_t index = 0;
-          return json.is_array() && json.size() == sizeof...(each) && (fromJson(json[index++], each) && ...);
-        },
-        fields(value));
+    if (!json.is_array() || json.size() != boost::pfr::tuple_size_v<Value>) return false;
+    bool read = true;
+    boost::pfr::for_each_field(
+        value, [&, next = json.begin()](auto& each) mutable { read = read && fromJson(*next++, each); });
+    return read;
   }
 }
 

@@ -12,6 +12,11 @@
 namespace nimbo {
 namespace {
 
+/// From top to bottom.
+std::array<const MemoryRowContent*, 5> rowsOf(const ResourcesContent& content) {
+  return {&content.app, &content.wired, &content.compressed, &content.available, &content.swap};
+}
+
 using namespace std::chrono_literals;
 
 constexpr std::uint64_t kGigabyte = 1ULL << 30U;
@@ -63,7 +68,7 @@ ProcessScan scanOf(int count) {
 
 std::array<std::string, 5> rowTexts(const ResourcesContent& content) {
   std::array<std::string, 5> texts;
-  for (std::size_t row = 0; row < texts.size(); ++row) texts[row] = content.rows[row].value.text;
+  for (std::size_t row = 0; row < texts.size(); ++row) texts[row] = rowsOf(content)[row]->value.text;
   return texts;
 }
 
@@ -158,7 +163,7 @@ TEST(ResourcesView, MemoryOffHidesAllThatSpeaksOfMemory) {
   const auto content = shown(state);
   EXPECT_FALSE(content.pressure.visible);
   EXPECT_FALSE(content.breakdown.visible);
-  for (const auto& row : content.rows) EXPECT_FALSE(row.title.visible || row.value.visible);
+  for (const auto* row : rowsOf(content)) EXPECT_FALSE(row->title.visible || row->value.visible);
   EXPECT_FALSE(content.cpu.visible);
   EXPECT_FALSE(content.processTitle.visible);
   EXPECT_FALSE(content.moreButton.visible);
@@ -288,7 +293,7 @@ TEST(ResourcesView, RowsHaveTheirTitlesColoursFramesAndToolTips) {
                           ColorRole::secondaryLabel};
   const std::array<double, 5> tops{264, 287, 310, 333, 356};
   for (std::size_t row = 0; row < titles.size(); ++row) {
-    const auto& [title, value] = content.rows[row];
+    const auto& [title, value] = *rowsOf(content)[row];
     EXPECT_EQ(title.text, titles[row]);
     EXPECT_EQ(title.style.color, colors[row]);
     EXPECT_EQ(title.frame, (Rect{20, tops[row], 160, 18}));
@@ -296,11 +301,11 @@ TEST(ResourcesView, RowsHaveTheirTitlesColoursFramesAndToolTips) {
     EXPECT_EQ(value.style.alignment, TextAlignment::right);
     EXPECT_EQ(title.toolTip, value.toolTip);
   }
-  EXPECT_EQ(content.rows[0].title.toolTip, "");
-  EXPECT_EQ(content.rows[3].title.toolTip,
+  EXPECT_EQ(content.app.title.toolTip, "");
+  EXPECT_EQ(content.available.title.toolTip,
             "RAM available for use, including reclaimable cached files. This is more useful than counting only empty "
             "pages.");
-  EXPECT_EQ(content.rows[4].title.toolTip, "Memory stored on disk. Swap may remain allocated after pressure subsides.");
+  EXPECT_EQ(content.swap.title.toolTip, "Memory stored on disk. Swap may remain allocated after pressure subsides.");
 }
 
 TEST(ResourcesView, FontsAreAsDesigned) {

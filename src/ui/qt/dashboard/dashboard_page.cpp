@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "ui/qt/dashboard/dashboard_page.h"
 
-#include <array>
 #include <utility>
 
 #include "ui/qt/controls/check_box.h"
@@ -18,8 +17,16 @@ namespace {
 
 using Content = DashboardContent;
 
-constexpr std::array kRowNames{"row0", "row1", "row2", "row3", "row4"};
-constexpr std::array kValueNames{"value0", "value1", "value2", "value3", "value4"};
+struct MemoryRow {
+  MemoryRowContent ResourcesContent::*shown;
+  const char* title;
+  const char* value;
+};
+constexpr MemoryRow kMemoryRows[] = {{&ResourcesContent::app, "row0", "value0"},
+                                     {&ResourcesContent::wired, "row1", "value1"},
+                                     {&ResourcesContent::compressed, "row2", "value2"},
+                                     {&ResourcesContent::available, "row3", "value3"},
+                                     {&ResourcesContent::swap, "row4", "value4"}};
 
 }  // namespace
 
@@ -48,10 +55,9 @@ void DashboardPage::addResources() {
   resources_.label("pressure", &ResourcesContent::pressure);
   resources_.label("time", &ResourcesContent::time);
   resources_.bind(&ResourcesContent::breakdown, new ChartWidget(theme_, this))->setObjectName("breakdown");
-  for (std::size_t row = 0; row < kRowNames.size(); ++row) {
-    resources_.label(kRowNames.at(row), [row](const ResourcesContent& content) { return content.rows.at(row).title; });
-    resources_.label(kValueNames.at(row),
-                     [row](const ResourcesContent& content) { return content.rows.at(row).value; });
+  for (const auto& [shown, title, value] : kMemoryRows) {
+    resources_.label(title, [row = shown](const ResourcesContent& content) { return (content.*row).title; });
+    resources_.label(value, [row = shown](const ResourcesContent& content) { return (content.*row).value; });
   }
   resources_.label("cpu", &ResourcesContent::cpu);
   resources_.label("temperature", &ResourcesContent::temperature);
