@@ -55,6 +55,13 @@ class Logind:
         self.session.stack.callback(self.daemon.end)
         wait_until(self.answers, "logind")
 
+    def beside(self, *arguments):
+        """The command line of a program that is to find this logind's files, too; to be started as the one who tests."""
+        user = self.session.identity
+        drop = ["setpriv", f"--reuid={user['user']}", f"--regid={user['group']}", "--clear-groups"] if user else []
+        prepare = f'mount --bind {self.state} /run && exec "$@"'
+        return ["unshare", *self.namespace(), "sh", "-c", prepare, "sh", *drop, *map(str, arguments)]
+
     def answers(self):
         try:
             self.inhibitors()
