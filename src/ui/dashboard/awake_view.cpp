@@ -27,7 +27,7 @@ constexpr std::array kDurations{
 
 std::string noteText(bool manualSleepApplies) {
   const char* const sleep =
-      manualSleepApplies ? "Manual Sleep still applies." : "Manual Sleep may be refused meanwhile.";
+      manualSleepApplies ? "Manual Sleep still applies." : "Manual Sleep may be refused during a session.";
   return std::string("Keep your MacBook’s lid open. ") + sleep + " App-specific background limits still apply.";
 }
 

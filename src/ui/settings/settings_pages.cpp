@@ -233,8 +233,9 @@ void fillAwake(PageBuilder& page, const SettingsFacts& facts) {
   page.space(kGroupGap);
   page.choice("battery");
   page.space(kGroupGap);
-  page.note(std::string("Start or stop sessions from the Awake tab or the menu bar.\nKeep your MacBook’s lid open; ") +
-            (facts.manualSleepApplies ? "manual Sleep still applies." : "manual Sleep may be refused meanwhile."));
+  page.note(
+      std::string("Start or stop sessions from the Awake tab or the menu bar.\nKeep your MacBook’s lid open; ") +
+      (facts.manualSleepApplies ? "manual Sleep still applies." : "manual Sleep may be refused during a session."));
 }
 
 struct Page {

@@ -356,8 +356,8 @@ TEST_F(AwakeViewTest, ControlsCarryTheirHelpAndNames) {
 TEST_F(AwakeViewTest, SystemWhoseLocksBindTheirOwnerMayRefuseManualSleep) {
   world.assertions.manualSleep = false;
   EXPECT_EQ(content().note.text,
-            "Keep your MacBook’s lid open. Manual Sleep may be refused meanwhile. App-specific background limits still "
-            "apply.");
+            "Keep your MacBook’s lid open. Manual Sleep may be refused during a session. App-specific background "
+            "limits still apply.");
 }
 
 TEST_F(AwakeViewTest, DisplayThatCannotSleepDuringASessionIsTold) {

@@ -106,7 +106,7 @@ TEST_F(SettingsTextsTest, KeepAwake) {
   controller.syncIfVisible();
   EXPECT_EQ(texts(kAwakePage).back(),
             "Start or stop sessions from the Awake tab or the menu bar.\n"
-            "Keep your MacBook’s lid open; manual Sleep may be refused meanwhile.");
+            "Keep your MacBook’s lid open; manual Sleep may be refused during a session.");
 }
 
 TEST_F(SettingsTextsTest, WidgetMessageStandsUnderTheNoteInASmallTextOfItsOwnColour) {
