@@ -8,6 +8,8 @@ import subprocess
 import time
 import unittest
 
+from gi.repository import GLib
+
 from nimbo_desktop import SLOW, Display, ordinary_user, wait_until, xdotool
 from power_services import Logind, Systemd
 from program import DesktopTest
@@ -47,6 +49,9 @@ class IdleDaemon:
     def input(self):
         """Makes the user's idle time begin now."""
 
+    def wait_for_effect(self):
+        """Of a session that has begun."""
+
     def suspended(self):
         # Logind looks at its own clock at least when it is spoken to; otherwise it takes half a minute more.
         self.logind.inhibitors()
@@ -69,6 +74,7 @@ class IdleDaemon:
         self.assert_suspends()
         self.launch(**settings)
         self.choose("Keep awake until stopped")
+        self.wait_for_effect()
         self.assert_stays_awake()
         self.choose("Stop awake session")
         self.assert_suspends()
@@ -171,6 +177,24 @@ class XfceTest(PowerManager, DesktopTest):
     def configure(self, name, kind, value):
         where = ["-c", "xfce4-power-manager", "-p", f"/xfce4-power-manager/{name}"]
         self.run_to_end("xfconf-query", *where, "-n", "-t", kind, "-s", value)
+
+
+class PlasmaTest(PowerManager, DesktopTest):
+    desktop = "KDE"
+    AGENT = "org.kde.Solid.PowerManagement.PolicyAgent"
+
+    def start_desktop(self):
+        settings = pathlib.Path(self.session.env["XDG_CONFIG_HOME"], "powermanagementprofilesrc")
+        group = "[{}][SuspendSession]\nidleTime=60000\nsuspendType=1\n"
+        settings.write_text("".join(group.format(profile) for profile in ("AC", "Battery", "LowBattery")))
+        self.start_service(self.AGENT, next(pathlib.Path("/usr/lib").glob("*/libexec/org_kde_powerdevil")))
+        self.wait_for_name("org.freedesktop.PowerManagement", self.session.connection)
+
+    def wait_for_effect(self):
+        # It lets five seconds pass.
+        asked = (self.AGENT, "/org/kde/Solid/PowerManagement/PolicyAgent", self.AGENT, "HasInhibition")
+        no_sleep = GLib.Variant("(u)", (1,))
+        wait_until(lambda: self.session.call(*asked, no_sleep)[0], "the policy", 20 * SLOW)
 
 
 class MateTest(PowerManager, DesktopTest):
