@@ -134,7 +134,7 @@ class Attempt {
     return systemd_ >= kLocksBindTheirOwner;
   }
 
-  /// Leaves sleep by the user's hand alone; that of other users only where it cannot be told apart.
+  /// Against logind's own idle action and, where it spares this user's own hand, against sleep by other users.
   [[nodiscard]] const char* weakLock() { return locksBindTheirOwner() ? "idle" : "sleep:idle"; }
 
   void inhibit(const CookieService& service, int stepsAfter) {
