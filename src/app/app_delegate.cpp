@@ -79,6 +79,7 @@ SettingsWindowController::Callbacks AppDelegate::settingsWindowCallbacks(UserInt
       .toggleAutomaticUpdates = [this] { updater_.toggleAutomaticChecks(); },
       .enableClaudeDesktop = [this] { systemRequests_.openClaudeDesktop(); },
       .automaticUpdates = [this] { return updater_.automaticallyChecksForUpdates(); },
+      .manualSleepApplies = [this] { return awake_.manualSleepApplies(); },
       .widgetMessage = [this] { return widgets_.widgetMessage(); },
   };
 }
@@ -116,7 +117,6 @@ StatusMenu AppDelegate::statusMenu() {
 }
 
 void AppDelegate::applicationDidFinishLaunching() {
-  awake_.applyStoredRules();
   usage_.refreshDue();
   updater_.start();
   statusItems_.configure();
@@ -229,7 +229,7 @@ void AppDelegate::settingsChanged(const SettingsChange& change) {
     case SettingsChange::Kind::usage:
       return usage_.settingsChanged();
     case SettingsChange::Kind::awakeRules:
-      return awake_.applyStoredRules();
+      return awake_.rulesChanged();
     case SettingsChange::Kind::presentation:
       return statusItems_.configure();
   }

@@ -18,7 +18,7 @@ bool AwakeManager::start(std::optional<Time> until, bool keepDisplayOn, Time now
     tell("Choose an end time in the future.");
     return false;
   }
-  if (auto reason = stopReason(readBattery(services_.powerSources), rules_)) {
+  if (auto reason = stopReason(readBattery(services_.powerSources), rules())) {
     isActive() ? stop(std::move(*reason)) : tell(std::move(*reason));
     return false;
   }
@@ -70,8 +70,7 @@ void AwakeManager::turnDisplayOff() {
   }
 }
 
-void AwakeManager::setRules(const AwakeRules& rules) {
-  rules_ = rules;
+void AwakeManager::rulesChanged() {
   if (!isActive()) return;
   observeBattery();
   checkBattery();
@@ -83,6 +82,7 @@ void AwakeManager::checkDeadline(Time now) {
 
 void AwakeManager::tick(Time now) {
   checkDeadline(now);
+  if (isActive() && rules() != appliedRules_) rulesChanged();
   if (!batteryObservation_ || std::chrono::abs(now - batteryCheckedAt_) < kBatteryInterval) return;
   batteryCheckedAt_ = now;
   checkBattery();
@@ -90,7 +90,7 @@ void AwakeManager::tick(Time now) {
 
 void AwakeManager::checkBattery() {
   if (!isActive()) return;
-  if (auto reason = stopReason(readBattery(services_.powerSources), rules_)) stop(std::move(*reason));
+  if (auto reason = stopReason(readBattery(services_.powerSources), rules())) stop(std::move(*reason));
 }
 
 void AwakeManager::toggle(std::optional<Time> end) {
@@ -109,8 +109,8 @@ void AwakeManager::keepDisplayOn(bool on) {
   if (setKeepDisplayOn(on)) services_.settings.setAwakeDisplayOn(on);
 }
 
-void AwakeManager::applyStoredRules() {
-  setRules({services_.settings.awakeOnlyOnPower(), services_.settings.awakeBatteryFloor()});
+AwakeRules AwakeManager::rules() const {
+  return {services_.settings.awakeOnlyOnPower(), services_.settings.awakeBatteryFloor()};
 }
 
 bool AwakeManager::activate(bool keepDisplayOn) {
@@ -140,7 +140,8 @@ void AwakeManager::scheduleDeadline() {
 }
 
 void AwakeManager::observeBattery() {
-  if (!rules_.onlyOnPower && rules_.batteryFloor < 1) {
+  appliedRules_ = rules();
+  if (!appliedRules_.onlyOnPower && appliedRules_.batteryFloor < 1) {
     batteryObservation_.reset();
   } else if (!batteryObservation_) {
     batteryObservation_ = services_.powerSources.observe([this] { checkBattery(); });

@@ -36,6 +36,10 @@ class AwakeManager {
 
   [[nodiscard]] bool isActive() const { return assertions_.isActive(); }
   [[nodiscard]] bool keepsDisplayOn() const { return assertions_.keepsDisplayOn(); }
+  /// Whether the display stays on all the same, because nothing else keeps this system awake.
+  [[nodiscard]] bool displayCannotSleep() const { return services_.assertionClient.keepsDisplayOnToo(); }
+  /// Whether the user can put the machine to sleep by hand during a session.
+  [[nodiscard]] bool manualSleepApplies() const { return services_.assertionClient.manualSleepApplies(); }
   /// Absent for a session until stopped, and without a session.
   [[nodiscard]] std::optional<Time> endsAt() const { return endsAt_; }
   /// Empty when there is nothing to tell but the state itself.
@@ -55,14 +59,14 @@ class AwakeManager {
   /// Turns the display off at once during a session that lets it sleep; the session goes on.
   void turnDisplayOff();
 
-  /// Keeps the rules and applies them to a running session.
-  void setRules(const AwakeRules& rules);
+  /// To be called when the rules in the settings are others: applies them to a running session.
+  void rulesChanged();
   /// Ends the session when its end has come.
   void checkDeadline(Time now);
   /// Ends the session when the rules forbid it now.
   void checkBattery();
-  /// To be called every few seconds: checks the deadline, and twice a minute the charge, of which many
-  /// machines do not tell when it falls.
+  /// To be called every few seconds: checks the deadline, the rules, which may have been edited by hand, and twice a
+  /// minute the charge, of which many machines do not tell when it falls.
   void tick(Time now);
 
   // What the user asks for, with the settings that go with it.
@@ -73,13 +77,12 @@ class AwakeManager {
   void toggleTimed();
   /// Keeps the display on, too, or no longer; stored unless a running session cannot do it.
   void keepDisplayOn(bool on);
-  /// Applies the battery rules that are stored.
-  void applyStoredRules();
 
   /// After every change that the user should see.
   std::function<void()> onChange;
 
  private:
+  [[nodiscard]] AwakeRules rules() const;
   [[nodiscard]] bool activate(bool keepDisplayOn);
   void tell(std::string message);
   void scheduleDeadline();
@@ -87,7 +90,7 @@ class AwakeManager {
 
   Services services_;
   PowerAssertions assertions_;
-  AwakeRules rules_;
+  AwakeRules appliedRules_;  ///< to the running session
   Subscription deadlineTimer_;
   Subscription batteryObservation_;
   Time batteryCheckedAt_;  ///< by the latest tick that did

@@ -38,6 +38,13 @@ class AssertionClient {
   /// Lets go of an assertion that `create` gave. Does not wait, and whatever becomes of it, the
   /// system forgets the assertion at the latest when the process ends.
   virtual void release(std::uint32_t id) = 0;
+
+  /// Whether something that is held against the system's sleep keeps the display on as well.
+  [[nodiscard]] virtual bool keepsDisplayOnToo() const { return false; }
+
+  /// Whether the user can put the machine to sleep by hand while an assertion is held; false, too, when the system
+  /// has not told.
+  [[nodiscard]] virtual bool manualSleepApplies() const { return true; }
 };
 
 }  // namespace nimbo

@@ -11,7 +11,19 @@ using namespace std::chrono_literals;
 constexpr const char* kConnect = "Connect the charger to keep this Mac awake.";
 constexpr const char* kAtTwenty = "Session stopped: battery is at or below 20%.";
 
-class AwakeManagerBatteryTest : public AwakeManagerTest {};
+class AwakeManagerBatteryTest : public AwakeManagerTest {
+ protected:
+  /// As the user chooses them.
+  void setRules(bool onlyOnPower, int floor) {
+    editRules(onlyOnPower, floor);
+    manager.rulesChanged();
+  }
+  /// As somebody edits them in the file.
+  void editRules(bool onlyOnPower, int floor) {
+    settings.setAwakeOnlyOnPower(onlyOnPower);
+    settings.setAwakeBatteryFloor(floor);
+  }
+};
 
 TEST_F(AwakeManagerBatteryTest, ChargeAtTheDefaultFloorRefusesToStart) {
   sources.onBattery(20);
@@ -49,7 +61,7 @@ TEST_F(AwakeManagerBatteryTest, LowBatteryOnMainsRunsUntilTheChargerIsPulled) {
 }
 
 TEST_F(AwakeManagerBatteryTest, OnlyOnPowerStartsOnMainsAndEndsWithoutTheCharger) {
-  manager.setRules({true, 0});
+  setRules(true, 0);
   sources.onMains(80);
   EXPECT_TRUE(start());
   sources.onBattery(80);
@@ -58,7 +70,7 @@ TEST_F(AwakeManagerBatteryTest, OnlyOnPowerStartsOnMainsAndEndsWithoutTheCharger
 }
 
 TEST_F(AwakeManagerBatteryTest, OnlyOnPowerRefusesToStartOnBattery) {
-  manager.setRules({true, 0});
+  setRules(true, 0);
   sources.onBattery(100);
   EXPECT_FALSE(start());
   EXPECT_EQ(told, Log{kConnect});
@@ -76,7 +88,7 @@ TEST_F(AwakeManagerBatteryTest, StartThatTheRulesRefuseEndsARunningSession) {
 }
 
 TEST_F(AwakeManagerBatteryTest, MachineWithoutABatteryIsNeverStopped) {
-  manager.setRules({true, 50});
+  setRules(true, 50);
   sources.none();
   EXPECT_TRUE(start());
   sources.unavailable();
@@ -110,7 +122,7 @@ class PulledMeanwhile final : public PowerSources {
 TEST_F(AwakeManagerBatteryTest, ChargerPulledBetweenReadingAndObservingEndsTheSession) {
   PulledMeanwhile pulled;
   AwakeManager late({loop, clock, client, pulled, display, settings});
-  late.setRules({true, 20});
+  setRules(true, 20);
   EXPECT_FALSE(late.start(at(14, 0), true, clock.now()));
   EXPECT_FALSE(late.isActive());
   EXPECT_EQ(late.message(), kConnect);
@@ -134,7 +146,7 @@ TEST_F(AwakeManagerBatteryTest, SecondStartKeepsTheObserver) {
 }
 
 TEST_F(AwakeManagerBatteryTest, WithoutARuleNothingIsObservedAndNothingEndsTheSession) {
-  manager.setRules({false, 0});
+  setRules(false, 0);
   sources.onMains(50);
   EXPECT_TRUE(start());
   EXPECT_EQ(sources.subscriptions, 0);
@@ -144,25 +156,25 @@ TEST_F(AwakeManagerBatteryTest, WithoutARuleNothingIsObservedAndNothingEndsTheSe
 }
 
 TEST_F(AwakeManagerBatteryTest, OnlyOnPowerAloneNeedsTheObserver) {
-  manager.setRules({true, 0});
+  setRules(true, 0);
   EXPECT_TRUE(start());
   EXPECT_EQ(sources.observers(), 1);
 }
 
 TEST_F(AwakeManagerBatteryTest, RulesMakeAndDropTheObserverOfARunningSession) {
   start();
-  manager.setRules({false, -1});
+  setRules(false, 0);
   EXPECT_EQ(sources.observers(), 0);
-  manager.setRules({false, 30});
+  setRules(false, 30);
   EXPECT_EQ(sources.observers(), 1);
-  manager.setRules({true, 30});
+  setRules(true, 30);
   EXPECT_EQ(sources.subscriptions, 2);
 }
 
 TEST_F(AwakeManagerBatteryTest, RulesAreAppliedToARunningSessionAtOnce) {
   sources.onBattery(45);
   start();
-  manager.setRules({false, 50});
+  setRules(false, 50);
   EXPECT_FALSE(manager.isActive());
   EXPECT_EQ(sources.observers(), 0);
   EXPECT_EQ(told, (Log{"", "Session stopped: battery is at or below 50%."}));
@@ -171,7 +183,7 @@ TEST_F(AwakeManagerBatteryTest, RulesAreAppliedToARunningSessionAtOnce) {
 TEST_F(AwakeManagerBatteryTest, RulesThatAllowTheSessionTellNothing) {
   sources.onBattery(45);
   start();
-  manager.setRules({false, 40});
+  setRules(false, 30);
   EXPECT_TRUE(manager.isActive());
   EXPECT_EQ(told, Log{""});
 }
@@ -179,12 +191,34 @@ TEST_F(AwakeManagerBatteryTest, RulesThatAllowTheSessionTellNothing) {
 TEST_F(AwakeManagerBatteryTest, RulesWhileIdleWaitForTheNextSession) {
   sources.onBattery(45);
   const int readings = sources.readings;
-  manager.setRules({true, 50});
+  setRules(true, 50);
   EXPECT_EQ(sources.readings, readings);
   EXPECT_EQ(sources.subscriptions, 0);
   EXPECT_EQ(told, Log{});
   EXPECT_FALSE(start());
   EXPECT_EQ(told, Log{kConnect});
+}
+
+TEST_F(AwakeManagerBatteryTest, EditedRulesCountFromTheNextStart) {
+  sources.onBattery(80);
+  editRules(true, 20);
+  EXPECT_FALSE(start());
+  EXPECT_EQ(told, Log{kConnect});
+}
+
+TEST_F(AwakeManagerBatteryTest, EditedRulesCountForARunningSessionFromTheNextTick) {
+  editRules(false, 0);
+  ASSERT_TRUE(start());
+  manager.tick(clock.now());
+  EXPECT_EQ(sources.observers(), 0);
+  editRules(false, 20);
+  manager.tick(clock.now() + 2s);
+  EXPECT_EQ(sources.observers(), 1);
+  EXPECT_EQ(told, Log{""});
+  sources.changeSilently(std::vector{FakePowerSources::battery(kBatteryPower, 45)});
+  editRules(false, 50);
+  manager.tick(clock.now() + 4s);
+  EXPECT_EQ(told, (Log{"", "Session stopped: battery is at or below 50%."}));
 }
 
 TEST_F(AwakeManagerBatteryTest, TickReadsTheChargeOnceInHalfAMinute) {
@@ -212,7 +246,7 @@ TEST_F(AwakeManagerBatteryTest, TickAfterTheClockWasSetBackReadsTheCharge) {
 TEST_F(AwakeManagerBatteryTest, TickWithoutASessionOrWithoutARuleReadsNothing) {
   manager.tick(clock.now());
   EXPECT_EQ(sources.readings, 0);
-  manager.setRules({false, 0});
+  setRules(false, 0);
   ASSERT_TRUE(start());
   const int before = sources.readings;
   manager.tick(clock.now() + 1h);

@@ -9,6 +9,7 @@ expected state is there, or fails after a bound.
 import contextlib
 import os
 import pathlib
+import pwd
 import shutil
 import signal
 import subprocess
@@ -76,14 +77,34 @@ class Process:
                 stream.close()
 
 
+def ordinary_user():
+    """Options that make a process one of an ordinary user, also where the tests are run by root."""
+    if os.geteuid() != 0:
+        return {}
+    user = pwd.getpwnam("nobody")
+    return {"user": user.pw_uid, "group": user.pw_gid, "extra_groups": []}
+
+
+BUS_CONFIGURATION = """
+<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
+ "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig>
+  <include>/usr/share/dbus-1/session.conf</include>
+  <policy context="mandatory"><allow user="*"/></policy>
+</busconfig>
+"""
+
+
 class Bus:
-    """A message bus of our own."""
+    """A message bus of our own, for every user."""
 
     def __init__(self, env, system=False):
+        configuration = pathlib.Path(env["HOME"]) / "bus.conf"
+        configuration.write_text(BUS_CONFIGURATION)
         read, write = os.pipe()
         self.daemon = Process(
             # In the session's own folder, because the daemon leaves its socket behind.
-            ["dbus-daemon", "--session", "--nofork", f"--print-address={write}"]
+            ["dbus-daemon", f"--config-file={configuration}", "--nofork", f"--print-address={write}"]
             + [f"--address=unix:dir={env['XDG_RUNTIME_DIR']}"],
             env,
             pass_fds=[write],
@@ -140,10 +161,12 @@ class Display:
 
 
 class Session:
-    """Environment, session bus and, when asked for, a display and a system bus."""
+    """Environment, session bus and, when asked for, a display and a system bus. What is started in it runs as
+    `identity` says, which are options of Popen."""
 
-    def __init__(self, display=False, system_bus=False, desktop="XFCE", size="1440x900x24"):
+    def __init__(self, display=False, system_bus=False, desktop="XFCE", size="1440x900x24", identity=None):
         self.stack = contextlib.ExitStack()
+        self.identity = identity or {}
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="nimbo-desktop-"))
         self.stack.callback(shutil.rmtree, self.folder, ignore_errors=True)
         kept = {
@@ -165,6 +188,9 @@ class Session:
         }
         for name in ("run", "config", "data", "cache"):
             (self.folder / name).mkdir(mode=0o700)
+        if self.identity:
+            for folder in (self.folder, *self.folder.iterdir()):
+                os.chown(folder, self.identity["user"], self.identity["group"])
         self.display = None
         if display:
             self.display = Display(self.env, size)
@@ -183,7 +209,7 @@ class Session:
         return bus
 
     def start(self, arguments, **options):
-        process = Process([str(argument) for argument in arguments], self.env, **options)
+        process = Process([str(argument) for argument in arguments], self.env, **{**self.identity, **options})
         self.stack.callback(process.end)
         return process
 

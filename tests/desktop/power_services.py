@@ -11,14 +11,14 @@ import subprocess
 
 from gi.repository import Gio, GLib
 
-from nimbo_desktop import Session, connect, wait_until
+from nimbo_desktop import Process, Session, connect, wait_until
 
 LOGIND = "/lib/systemd/systemd-logind"
 LOGIN1 = ("org.freedesktop.login1", "/org/freedesktop/login1", "org.freedesktop.login1.Manager")
 
 
 class Logind:
-    """The real one. It keeps its state under /run, so it gets one of its own."""
+    """The real one. It keeps its state under /run, so it gets one of its own; and a kernel that can suspend."""
 
     @staticmethod
     def missing():
@@ -34,20 +34,33 @@ class Logind:
     def namespace():
         return ["--mount"] if os.geteuid() == 0 else ["--mount", "--map-root-user"]
 
-    def __init__(self, session):
+    def __init__(self, session, configuration=""):
         self.session = session
         self.connection = session.system_bus.connect()
+        # What a process that has gone leaves in the folder is not gone with it, so the folder stays.
+        self.state = session.folder / "logind"
+        settings = self.state / "systemd" / "logind.conf.d" / "test.conf"
+        settings.parent.mkdir(parents=True)
+        settings.write_text("[Login]\n" + configuration)
+        self.kernel = session.folder / "power"
+        self.kernel.mkdir()
+        (self.kernel / "state").write_text("freeze mem\n")
+        (self.kernel / "mem_sleep").write_text("[s2idle]\n")
         self.start()
 
     def start(self):
-        # What a process that has gone leaves in the folder is not gone with it, so the folder stays.
-        state = self.session.folder / "logind"
-        state.mkdir(exist_ok=True)
-        prepare = f"mount --bind {state} /run && mkdir -p /run/systemd && exec {LOGIND}"
-        self.daemon = self.session.start(
-            ["unshare", *self.namespace(), "sh", "-c", prepare], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL
-        )
+        prepare = f"mount --bind {self.kernel} /sys/power; mount --bind {self.state} /run && exec {LOGIND}"
+        arguments = ["unshare", *self.namespace(), "sh", "-c", prepare]
+        self.daemon = Process(arguments, self.session.env, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        self.session.stack.callback(self.daemon.end)
         wait_until(self.answers, "logind")
+
+    def beside(self, *arguments):
+        """The command line of a program that is to find this logind's files, too; to be started as the one who tests."""
+        user = self.session.identity
+        drop = ["setpriv", f"--reuid={user['user']}", f"--regid={user['group']}", "--clear-groups"] if user else []
+        prepare = f'mount --bind {self.state} /run && exec "$@"'
+        return ["unshare", *self.namespace(), "sh", "-c", prepare, "sh", *drop, *map(str, arguments)]
 
     def answers(self):
         try:
@@ -63,6 +76,55 @@ class Logind:
         """All that are held, as (what, who, why, mode), in alphabetical order."""
         held = self.session.call(*LOGIN1, "ListInhibitors", connection=self.connection)[0]
         return sorted((what, who, why, mode) for what, who, why, mode, _uid, _pid in held)
+
+
+class Systemd:
+    """Stands in for the service manager, which logind asks to suspend, and for polkit, which lets a user suspend but
+    not against somebody's lock. `suspended` counts."""
+
+    XML = """
+    <node><interface name="org.freedesktop.systemd1.Manager">
+      <method name="StartUnit"><arg type="s" direction="in"/><arg type="s" direction="in"/>
+        <arg type="o" direction="out"/></method>
+      <method name="Subscribe"/>
+      <property name="Version" type="s" access="read"/>
+      <signal name="JobRemoved"><arg type="u"/><arg type="o"/><arg type="s"/><arg type="s"/></signal>
+    </interface><interface name="org.freedesktop.systemd1.Unit">
+      <property name="LoadState" type="s" access="read"/>
+    </interface><interface name="org.freedesktop.PolicyKit1.Authority">
+      <method name="CheckAuthorization"><arg type="(sa{sv})" direction="in"/><arg type="s" direction="in"/>
+        <arg type="a{ss}" direction="in"/><arg type="u" direction="in"/><arg type="s" direction="in"/>
+        <arg type="(bba{ss})" direction="out"/></method>
+    </interface></node>
+    """
+    MANAGER = ("/org/freedesktop/systemd1", "org.freedesktop.systemd1.Manager")
+    AUTHORITY = "/org/freedesktop/PolicyKit1/Authority"
+
+    def __init__(self, session, version):
+        self.suspended = 0
+        self.connection = session.system_bus.connect()
+        manager, unit, authority = Gio.DBusNodeInfo.new_for_xml(self.XML).interfaces
+        values = {"Version": version, "LoadState": "loaded"}
+        value = lambda *arguments: GLib.Variant("s", values[arguments[-1]])  # noqa: E731
+        self.connection.register_object(self.MANAGER[0], manager, self._manage, value, None)
+        self.connection.register_object(self.MANAGER[0] + "/unit/suspend_2etarget", unit, None, value, None)
+        self.connection.register_object(self.AUTHORITY, authority, self._authorize, None, None)
+        for name in ("org.freedesktop.systemd1", "org.freedesktop.PolicyKit1"):
+            own(session, self.connection, name)
+
+    def _manage(self, connection, _sender, _path, _interface, method, parameters, invocation):
+        if method != "StartUnit":
+            return invocation.return_value(None)
+        unit = parameters.unpack()[0]
+        self.suspended += unit == "suspend.target"
+        job = f"{self.MANAGER[0]}/job/1"
+        invocation.return_value(GLib.Variant("(o)", (job,)))
+        ended = GLib.Variant("(uoss)", (1, job, unit, "done"))
+        return connection.emit_signal(None, *self.MANAGER, "JobRemoved", ended)
+
+    def _authorize(self, _connection, _sender, _path, _interface, _method, parameters, invocation):
+        granted = not parameters.unpack()[1].endswith("-ignore-inhibit")
+        invocation.return_value(GLib.Variant("((bba{ss}))", ((granted, False, {}),)))
 
 
 class CookieService:

@@ -120,9 +120,10 @@ class DesktopTest(unittest.TestCase):
     display = False
     system_bus = False
     desktop = "XFCE"
+    identity = None  # of the program, see Session
 
     def setUp(self):
-        self.session = Session(self.display, self.system_bus, self.desktop)
+        self.session = Session(self.display, self.system_bus, self.desktop, identity=self.identity)
         self.addCleanup(self.session.close)
         self.session.env["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
         self.host = None

@@ -111,6 +111,24 @@ class BatteryTest(DesktopTest):
         self.detail("Until you stop it. Display may sleep.")
         self.assertEqual(self.sessions(), 1)
 
+    def test_rule_edited_by_hand_ends_the_session(self):
+        self.session.settings(menuAwake=True, refreshInterval=2)
+        self.power(0, "Discharging", 45)
+        self.start()
+        self.toggle()
+        wait_until(lambda: self.sessions() == 1, "the session")
+        self.session.settings(menuAwake=True, refreshInterval=2, awakeBatteryFloor=50)
+        wait_until(lambda: self.sessions() == 0, "the end of the session")
+        self.detail("Session stopped: battery is at or below 50%.")
+
+    def test_full_second_battery_makes_up_for_an_empty_first_one(self):
+        second = ["type", "Battery", "present", "1", "status", "Not charging", "capacity", "95"]
+        self.bed.add_device("power_supply", "BAT1", None, second, [])
+        self.power(0, "Discharging", 15)
+        self.start()
+        self.toggle()
+        wait_until(lambda: self.sessions() == 1, "the session")
+
     def test_mouse_with_an_empty_battery_ends_nothing(self):
         self.bed.add_device(
             "power_supply",

@@ -35,6 +35,9 @@ class FakeAssertionClient final : public AssertionClient {
     if (found != held_.end()) held_.erase(found);
   }
 
+  [[nodiscard]] bool keepsDisplayOnToo() const override { return displayStaysOn && !held_.empty(); }
+  [[nodiscard]] bool manualSleepApplies() const override { return manualSleep; }
+
   /// From now on every `create` of that type fails with that code; what is held stays.
   void refuse(const std::string& type, std::int32_t code) { refusals_[type] = code; }
   void grant(const std::string& type) { refusals_.erase(type); }
@@ -50,6 +53,8 @@ class FakeAssertionClient final : public AssertionClient {
   }
 
   std::vector<std::string> calls;
+  bool displayStaysOn = false;  ///< while anything is held
+  bool manualSleep = true;      ///< applies all the same
 
  private:
   std::uint32_t lastId_ = 0;

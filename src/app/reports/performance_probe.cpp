@@ -70,7 +70,8 @@ void PerformanceProbe::startSession() {
 }
 
 void PerformanceProbe::finish() {
-  printMemory("Background awake session active");
+  sessionFailed_ = !delegate_.awake().isActive();
+  printMemory(sessionFailed_ ? "Background awake session could not be held" : "Background awake session active");
   platform_.mainLoop().quit();
 }
 
@@ -78,6 +79,7 @@ int runPerformanceProbe(PlatformServices& platform, UserInterface& windows, Perf
                         PerformanceProbe::Print complain) {
   std::random_device random;
   const std::string domain = fmt::format("Nimbo.Performance.{:08X}{:08X}", random(), random());
+  bool failed = false;
   {
     // It goes before its domain is removed, because it may write until then.
     const auto defaults = platform.makeUserDefaults(domain);
@@ -91,10 +93,11 @@ int runPerformanceProbe(PlatformServices& platform, UserInterface& windows, Perf
     PerformanceProbe probe(platform, delegate, std::move(print), std::move(complain));
     probe.start();
     platform.mainLoop().run();
+    failed = probe.sessionFailed();
     delegate.applicationWillTerminate();
   }
   platform.userDefaultsDomains().removePersistentDomain(domain);
-  return 0;
+  return failed ? 1 : 0;
 }
 
 }  // namespace nimbo

@@ -25,6 +25,9 @@ class PerformanceProbe {
   /// The first stage comes two seconds later.
   void start();
 
+  /// Whether the last stage came without a session, so that its line tells of none.
+  [[nodiscard]] bool sessionFailed() const { return sessionFailed_; }
+
  private:
   struct Sample {
     ResourceUsage usage;
@@ -44,10 +47,12 @@ class PerformanceProbe {
   Print print_;
   Print complain_;
   Sample idleStart_;
+  bool sessionFailed_ = false;
   Subscription timer_;
 };
 
-/// Runs the whole program over a throw-away settings domain until the probe ends it; the exit status.
+/// Runs the whole program over a throw-away settings domain until the probe ends it; the exit status, which is 1 when
+/// it could not be done or without a session.
 [[nodiscard]] int runPerformanceProbe(PlatformServices& platform, UserInterface& windows, PerformanceProbe::Print print,
                                       PerformanceProbe::Print complain);
 

@@ -195,7 +195,8 @@ class LinuxPlatformServices final : public PlatformServices {
   LogindSystemSleep systemSleep_{system_.get()};
 
   const X11ScreenMaker makeX11Screen_ = x11ScreenFromModule(modules_, x11Display(environment_));
-  DesktopAssertionClient assertionClient_{{{loop_.event(), loop_}, sessionAddress_, systemAddress_, makeX11Screen_}};
+  DesktopAssertionClient assertionClient_{
+      {{loop_.event(), loop_}, sessionAddress_, systemAddress_, makeX11Screen_, system_.get()}};
   DesktopDisplayPower displayPower_{
       loop_,
       session_.get(),

@@ -25,8 +25,11 @@ constexpr std::array kDurations{
     DurationItem{"Until a date / time…", kUntilDate},
 };
 
-constexpr const char* kNote =
-    "Keep your MacBook’s lid open. Manual Sleep still applies. App-specific background limits still apply.";
+std::string noteText(bool manualSleepApplies) {
+  const char* const sleep =
+      manualSleepApplies ? "Manual Sleep still applies." : "Manual Sleep may be refused during a session.";
+  return std::string("Keep your MacBook’s lid open. ") + sleep + " App-specific background limits still apply.";
+}
 
 template <class Items, class Value, class Projection = std::identity>
 std::size_t indexOf(const Items& items, const Value& value, Projection projection = {}) {
@@ -38,7 +41,8 @@ std::string sessionText(const AwakeManager& manager, const Dates& dates) {
   if (!manager.message().empty()) return manager.message();
   const auto end = manager.endsAt();
   const std::string text = end ? "Until " + dates.shortDateAndTime(*end) + "." : "Until you stop it.";
-  return text + (manager.keepsDisplayOn() ? " Display stays on." : " Display may sleep.");
+  if (manager.keepsDisplayOn()) return text + " Display stays on.";
+  return text + (manager.displayCannotSleep() ? " On this desktop the display stays on." : " Display may sleep.");
 }
 
 }  // namespace
@@ -122,7 +126,7 @@ void AwakeView::switchDisplay(bool on) {
 void AwakeView::storeRules(bool onlyOnPower, int batteryFloor) {
   sources_.settings.setAwakeOnlyOnPower(onlyOnPower);
   sources_.settings.setAwakeBatteryFloor(batteryFloor);
-  sources_.awake.applyStoredRules();
+  sources_.awake.rulesChanged();
   settingsChanged();
 }
 
@@ -136,7 +140,8 @@ AwakeContent AwakeView::content() const {
   fillSession(content);
   fillLength(content);
   fillRules(content);
-  content.note = {{20, 386, 300, 44}, {10, FontWeight::regular, ColorRole::tertiaryLabel}, kNote};
+  content.note = {{20, 386, 300, 44}, {10, FontWeight::regular, ColorRole::tertiaryLabel}};
+  content.note.text = noteText(sources_.awake.manualSleepApplies());
   content.note.lines = 3;
   return content;
 }

@@ -224,7 +224,7 @@ void fillUsage(PageBuilder& page, const SettingsFacts& /*facts*/) {
       "tab in the menu bar to see limits and reset times.");
 }
 
-void fillAwake(PageBuilder& page, const SettingsFacts& /*facts*/) {
+void fillAwake(PageBuilder& page, const SettingsFacts& facts) {
   page.heading("Let the work finish", "Set the defaults and battery rules for Keep Awake.");
   page.check("display");
   page.help("Leave off to let the display sleep while your Mac works.", kCheckText);
@@ -234,8 +234,8 @@ void fillAwake(PageBuilder& page, const SettingsFacts& /*facts*/) {
   page.choice("battery");
   page.space(kGroupGap);
   page.note(
-      "Start or stop sessions from the Awake tab or the menu bar.\n"
-      "Keep your MacBook’s lid open; manual Sleep still applies.");
+      std::string("Start or stop sessions from the Awake tab or the menu bar.\nKeep your MacBook’s lid open; ") +
+      (facts.manualSleepApplies ? "manual Sleep still applies." : "manual Sleep may be refused during a session."));
 }
 
 struct Page {

@@ -22,6 +22,7 @@ struct SettingsFacts {
   const BundleInfo& bundle;
   LoginItemStatus loginStatus = LoginItemStatus::notRegistered;
   bool automaticUpdates = false;
+  bool manualSleepApplies = false;           ///< during a session
   std::optional<std::string> widgetMessage;  ///< why the widgets get nothing
 };
 

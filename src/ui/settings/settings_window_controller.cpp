@@ -40,6 +40,7 @@ void SettingsWindowController::sync() {
                             .bundle = sources_.bundle,
                             .loginStatus = sources_.loginItem.status(),
                             .automaticUpdates = callbacks_.automaticUpdates(),
+                            .manualSleepApplies = callbacks_.manualSleepApplies(),
                             .widgetMessage = callbacks_.widgetMessage()};
   window_->render(settingsWindowContent(facts, selectedTab_));
 }

@@ -38,6 +38,8 @@ class SettingsWindowController {
     std::function<void()> enableClaudeDesktop;
     /// Whether updates are looked for without being asked.
     std::function<bool()> automaticUpdates;
+    /// Whether the user can put the machine to sleep by hand during a session.
+    std::function<bool()> manualSleepApplies;
     /// Why the widgets get nothing; absent while they get something.
     std::function<std::optional<std::string>()> widgetMessage;
   };

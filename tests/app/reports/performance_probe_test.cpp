@@ -56,6 +56,7 @@ TEST_F(PerformanceProbeTest, StagesComeInOrderWithTheirTimes) {
   ASSERT_EQ(lines.size(), 4U);
   EXPECT_EQ(lines[3], "Background awake session active: footprint 2.50 MiB; RSS 33.00 MiB");
   EXPECT_TRUE(platform.loop.hasQuit());
+  EXPECT_FALSE(probe.sessionFailed());
   EXPECT_TRUE(complaints.empty());
 }
 
@@ -96,7 +97,9 @@ TEST_F(PerformanceProbeTest, WhatCannotBeDoneIsToldAndTheRunGoesOn) {
   platform.assertions.refuse(kPreventSystemSleep, 95);
   start();
   pass(10s);
-  EXPECT_EQ(lines.size(), 4U);
+  ASSERT_EQ(lines.size(), 4U);
+  EXPECT_EQ(lines[3].substr(0, lines[3].find(':')), "Background awake session could not be held");
+  EXPECT_TRUE(probe.sessionFailed());
   EXPECT_EQ(complaints, (Lines{"no awake session could be started: macOS couldn’t keep your Mac awake (error 95). "
                                "Please try again."}));
 }

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/linux/bus/sd_bus_calls.h"
 #include "platform/linux/power/desktop_assertion_client.h"
 #include "support/fake_main_loop.h"
 #include "support/fake_x11_screen.h"
@@ -30,6 +31,8 @@ class AssertionClientTest : public ::testing::Test {
     services.thaw();
     services.run([this] {
       plasma.reset();
+      version.reset();
+      systemd.reset();
       logind.reset();
     });
   }
@@ -42,6 +45,22 @@ class AssertionClientTest : public ::testing::Test {
     services.run([&] {
       logind = std::make_unique<FakeLogind>(services.loop(), system.address());
       logind->refuses = refuses;
+    });
+  }
+
+  /// The service manager of that version.
+  void startSystemd(const char* versionText) {
+    static constexpr sd_bus_vtable kTable[] = {
+        SD_BUS_VTABLE_START(0),
+        SD_BUS_PROPERTY("Version", "s", bus_table::property<&AssertionClientTest::systemdVersion>, 0, 0),
+        SD_BUS_VTABLE_END,
+    };
+    systemdVersion_ = versionText;
+    services.run([this] {
+      systemd = std::make_unique<BusPeer>(services.loop(), system.address());
+      version =
+          addObject(systemd->bus(), "/org/freedesktop/systemd1", "org.freedesktop.systemd1.Manager", kTable, this);
+      systemd->own("org.freedesktop.systemd1");
     });
   }
 
@@ -70,8 +89,12 @@ class AssertionClientTest : public ::testing::Test {
 
   [[nodiscard]] DesktopAssertionClient& client() {
     if (!client_) {
-      client_ = std::make_unique<DesktopAssertionClient>(DesktopAssertionClient::Means{
-          {loop.event(), timers}, sessionAddress, systemAddress, x11Session ? x11.maker() : X11ScreenMaker()});
+      client_ = std::make_unique<DesktopAssertionClient>(
+          DesktopAssertionClient::Means{{loop.event(), timers},
+                                        sessionAddress,
+                                        systemAddress,
+                                        x11Session ? x11.maker() : X11ScreenMaker(),
+                                        systemBus});
     }
     return *client_;
   }
@@ -93,13 +116,19 @@ class AssertionClientTest : public ::testing::Test {
   ServiceThread services;
   BusLoop loop;
   FakeMainLoop timers;
+  sd_bus* systemBus = nullptr;  ///< by which the client asks before it has to
   bool x11Session = false;
   FakeX11Screen x11;
   std::unique_ptr<FakeLogind> logind;
   std::unique_ptr<BusPeer> plasma;
+  std::unique_ptr<BusPeer> systemd;
+  BusSlot version;
   std::chrono::steady_clock::duration took{};  ///< by the last creation
 
  private:
+  [[nodiscard]] std::string systemdVersion() const { return systemdVersion_; }
+
+  std::string systemdVersion_;
   std::unique_ptr<DesktopAssertionClient> client_;
 };
 

@@ -11,7 +11,9 @@ namespace {
 using Locks = std::vector<std::string>;
 using DesktopAssertionClientTest = AssertionClientTest;
 
-const Locks kSleepLock = {"sleep block Nimbo a reason"};
+const std::string kSystemReason = "Nimbo — keep the machine awake while work continues";
+const Locks kSleepLock = {"sleep block Nimbo " + kSystemReason};
+const Locks kBothLocks = {"sleep:idle block Nimbo " + kSystemReason};
 const Locks kIdleLock = {"idle block Nimbo a reason"};
 
 TEST_F(DesktopAssertionClientTest, SessionManagerIsToldTheProgramTheReasonAndWhatToPrevent) {
@@ -22,10 +24,10 @@ TEST_F(DesktopAssertionClientTest, SessionManagerIsToldTheProgramTheReasonAndWha
   ASSERT_EQ(cookies.size(), 2U);
   EXPECT_EQ(cookies[0].flags, 4U);
   EXPECT_EQ(cookies[1].flags, 8U);
-  for (const auto& cookie : cookies) {
-    EXPECT_EQ(cookie.application, "Nimbo");
-    EXPECT_EQ(cookie.reason, "a reason");
-  }
+  for (const auto& cookie : cookies) EXPECT_EQ(cookie.application, "com.quellwerk.Nimbo");
+  EXPECT_EQ(cookies[0].reason, kSystemReason);
+  EXPECT_EQ(cookies[1].reason, "a reason");
+  EXPECT_FALSE(client().keepsDisplayOnToo());
 }
 
 TEST_F(DesktopAssertionClientTest, SessionManagerComesBeforeEverythingElse) {
@@ -100,7 +102,7 @@ TEST_F(DesktopAssertionClientTest, PlasmaHasOneServiceForEachAssertion) {
   ASSERT_TRUE(holdDisplay());
   EXPECT_EQ(power->held().size(), 1U);
   ASSERT_EQ(saver->held().size(), 1U);
-  EXPECT_EQ(saver->held()[0].application, "Nimbo");
+  EXPECT_EQ(saver->held()[0].application, "com.quellwerk.Nimbo");
   EXPECT_EQ(saver->held()[0].reason, "a reason");
   client().release(*systemId);
   ASSERT_TRUE(power->heldBecomes(0));
@@ -109,15 +111,66 @@ TEST_F(DesktopAssertionClientTest, PlasmaHasOneServiceForEachAssertion) {
   EXPECT_EQ(x11.made, 0);
 }
 
-TEST_F(DesktopAssertionClientTest, ElsewhereASleepLockKeepsTheSystemAwake) {
+// Not even the lock of systemd 256 on sleep binds the idle daemons of the user who holds it.
+TEST_F(DesktopAssertionClientTest, ElsewhereOldSystemdNeedsTheLockThatKeepsTheDisplayOnToo) {
   startLogind();
+  startSystemd("256.10-2~deb13u1");
+  const auto id = holdSystem();
+  ASSERT_TRUE(id);
+  EXPECT_EQ(locks(), kBothLocks);
+  EXPECT_TRUE(client().keepsDisplayOnToo());
+  EXPECT_TRUE(client().manualSleepApplies());
+  client().release(*id);
+  EXPECT_TRUE(lockIsLetGo());
+  EXPECT_FALSE(client().keepsDisplayOnToo());
+}
+
+TEST_F(DesktopAssertionClientTest, ElsewhereNewSystemdNeedsTheSleepLockAlone) {
+  startLogind();
+  startSystemd("257.2-3-arch");
+  x11Session = true;
+  ASSERT_TRUE(holdSystem());
+  EXPECT_EQ(locks(), kSleepLock);
+  EXPECT_EQ(x11.made, 0);
+  EXPECT_FALSE(client().keepsDisplayOnToo());
+  EXPECT_FALSE(client().manualSleepApplies());
+}
+
+TEST_F(DesktopAssertionClientTest, WithoutSystemdNothingIsPromisedOfManualSleep) {
+  startLogind();
+  ASSERT_TRUE(holdSystem());
+  EXPECT_EQ(locks(), kBothLocks);
+  EXPECT_FALSE(client().manualSleepApplies());
+}
+
+TEST_F(DesktopAssertionClientTest, VersionIsAskedBeforeAnySession) {
+  startSystemd("252.39-1~deb12u2");
+  const SdBusConnection bus(loop.event(), systemAddress);
+  systemBus = bus.get();
+  EXPECT_FALSE(client().manualSleepApplies());
+  EXPECT_TRUE(loop.runUntil([this] { return client().manualSleepApplies(); }));
+}
+
+TEST_F(DesktopAssertionClientTest, PowerManagerKeepsTheSystemAndItsDisplayOn) {
+  startLogind();
+  startSystemd("257");
+  x11Session = true;
   const auto power = start(FakeCookieService::kPowerManagement);
   const auto id = holdSystem();
   ASSERT_TRUE(id);
-  EXPECT_EQ(locks(), kSleepLock);
-  EXPECT_EQ(power->asked(), 0);
+  EXPECT_EQ(power->held().size(), 1U);
+  EXPECT_EQ(locks(), Locks{"idle block Nimbo " + kSystemReason}) << "leaves manual sleep alone";
+  EXPECT_EQ(x11.made, 0);
+  EXPECT_TRUE(client().keepsDisplayOnToo());
   client().release(*id);
-  EXPECT_TRUE(lockIsLetGo());
+  EXPECT_TRUE(power->heldBecomes(0));
+}
+
+TEST_F(DesktopAssertionClientTest, PowerManagerThatRefusesIsReplaced) {
+  startLogind();
+  const auto power = start(FakeCookieService::kPowerManagement, Manner::refuses);
+  ASSERT_TRUE(holdSystem());
+  EXPECT_EQ(locks(), kBothLocks);
 }
 
 TEST_F(DesktopAssertionClientTest, ElsewhereEveryServiceThatIsThereKeepsTheDisplayOn) {
@@ -130,7 +183,7 @@ TEST_F(DesktopAssertionClientTest, ElsewhereEveryServiceThatIsThereKeepsTheDispl
   ASSERT_TRUE(both);
   EXPECT_EQ(power->held().size(), 2U);
   EXPECT_EQ(saver->held().size(), 1U);
-  EXPECT_EQ(locks(), Locks{});
+  EXPECT_EQ(locks(), (Locks{kIdleLock[0], kIdleLock[0]}));
   client().release(*both);
   EXPECT_TRUE(power->heldBecomes(1));
   EXPECT_TRUE(saver->heldBecomes(0));
@@ -149,7 +202,7 @@ TEST_F(DesktopAssertionClientTest, WithoutAnyServiceAnIdleLockKeepsTheDisplayOn)
   const auto systemId = holdSystem();
   const auto displayId = holdDisplay();
   ASSERT_TRUE(systemId && displayId);
-  EXPECT_EQ(locks(), (Locks{kSleepLock[0], kIdleLock[0]}));
+  EXPECT_EQ(locks(), (Locks{kBothLocks[0], kIdleLock[0]}));
   client().release(*systemId);
   EXPECT_EQ(locks(), kIdleLock);
   client().release(*displayId);
@@ -159,27 +212,27 @@ TEST_F(DesktopAssertionClientTest, WithoutAnyServiceAnIdleLockKeepsTheDisplayOn)
 TEST_F(DesktopAssertionClientTest, DesktopThatStartsLaterIsFoundByTheNextAssertion) {
   startLogind();
   ASSERT_TRUE(holdSystem());
-  EXPECT_EQ(locks(), kSleepLock);
+  EXPECT_EQ(locks(), kBothLocks);
   const auto manager = start(FakeCookieService::kSessionManager);
   ASSERT_TRUE(holdSystem());
   EXPECT_EQ(manager->held().size(), 1U);
 }
 
-TEST_F(DesktopAssertionClientTest, RefusedSystemAssertionFallsBackToASleepLock) {
+TEST_F(DesktopAssertionClientTest, RefusedSystemAssertionFallsBackToLocks) {
   startLogind();
   const auto manager = start(FakeCookieService::kSessionManager, Manner::refuses);
   ASSERT_TRUE(holdSystem());
   EXPECT_EQ(manager->asked(), 1);
-  EXPECT_EQ(locks(), kSleepLock);
+  EXPECT_EQ(locks(), kBothLocks);
 }
 
 TEST_F(DesktopAssertionClientTest, PlasmaWithoutItsServicesFallsBackToLocks) {
   startPlasma();
   startLogind();
   ASSERT_TRUE(holdSystem());
-  EXPECT_EQ(locks(), kSleepLock);
+  EXPECT_EQ(locks(), kBothLocks);
   ASSERT_TRUE(holdDisplay());
-  EXPECT_EQ(locks(), (Locks{kSleepLock[0], kIdleLock[0]}));
+  EXPECT_EQ(locks(), (Locks{kBothLocks[0], kIdleLock[0]}));
 }
 
 TEST_F(DesktopAssertionClientTest, RefusalByEverybodyIsAPermissionError) {
@@ -207,7 +260,7 @@ TEST_F(DesktopAssertionClientTest, ServiceThatEndsInsteadOfAnsweringIsReplaced) 
   startLogind();
   const auto manager = start(FakeCookieService::kSessionManager, Manner::vanishes);
   ASSERT_TRUE(holdSystem());
-  EXPECT_EQ(locks(), kSleepLock);
+  EXPECT_EQ(locks(), kBothLocks);
   EXPECT_LT(took, std::chrono::milliseconds(900)) << "the bus tells at once that nobody answers any more";
 }
 
@@ -229,7 +282,7 @@ TEST_F(DesktopAssertionClientTest, WithoutASessionBusTheLocksRemain) {
   startLogind();
   ASSERT_TRUE(holdSystem());
   ASSERT_TRUE(holdDisplay());
-  EXPECT_EQ(locks(), (Locks{kSleepLock[0], kIdleLock[0]}));
+  EXPECT_EQ(locks(), (Locks{kBothLocks[0], kIdleLock[0]}));
 }
 
 TEST_F(DesktopAssertionClientTest, WithoutASystemBusTheServicesRemain) {
@@ -246,11 +299,15 @@ TEST_F(DesktopAssertionClientTest, UnknownTypeIsNotSupported) {
   EXPECT_EQ(locks(), Locks{});
 }
 
-TEST_F(DesktopAssertionClientTest, BareX11SessionIsResetUnderEveryHalfMinuteWhileTheDisplayIsKeptOn) {
+TEST_F(DesktopAssertionClientTest, BareX11SessionIsResetUnderEveryHalfMinuteByEitherAssertion) {
   startLogind();
   x11Session = true;
-  ASSERT_TRUE(holdSystem());
-  EXPECT_EQ(x11.made, 0) << "the system's assertion needs no X server";
+  const auto systemId = holdSystem();
+  ASSERT_TRUE(systemId);
+  EXPECT_EQ(x11.resets, 1);
+  client().release(*systemId);
+  EXPECT_TRUE(timers.repeatingTimers().empty());
+  x11.resets = 0;
   const auto id = holdDisplay();
   ASSERT_TRUE(id);
   EXPECT_EQ(x11.resets, 1);
@@ -260,18 +317,19 @@ TEST_F(DesktopAssertionClientTest, BareX11SessionIsResetUnderEveryHalfMinuteWhil
   EXPECT_GE(timer.leeway, std::chrono::seconds(2));
   timers.advance(2 * timer.interval);
   EXPECT_EQ(x11.resets, 3);
-  EXPECT_EQ(locks(), (Locks{kSleepLock[0], kIdleLock[0]}));
+  EXPECT_EQ(locks(), kIdleLock);
   client().release(*id);
   timers.advance(2 * timer.interval);
   EXPECT_EQ(x11.resets, 3);
   EXPECT_TRUE(timers.repeatingTimers().empty());
 }
 
-TEST_F(DesktopAssertionClientTest, X11ResetAloneKeepsABareDisplayOn) {
+TEST_F(DesktopAssertionClientTest, X11ResetAloneKeepsABareDesktopAwake) {
   systemAddress = "";
   x11Session = true;
   EXPECT_TRUE(holdDisplay());
-  EXPECT_EQ(holdSystem().error(), PowerError{ENOTSUP});
+  EXPECT_TRUE(holdSystem());
+  EXPECT_TRUE(client().keepsDisplayOnToo());
 }
 
 TEST_F(DesktopAssertionClientTest, X11ServerThatCannotBeReachedDoesNotCount) {
@@ -294,13 +352,12 @@ TEST_F(DesktopAssertionClientTest, X11ServerThatFailsOnceIsResetAgainNextTime) {
   EXPECT_EQ(x11.resets, 2);
 }
 
-TEST_F(DesktopAssertionClientTest, XfceHasItsPowerManagerAndTheResets) {
+TEST_F(DesktopAssertionClientTest, XfcesDisplayHasItsPowerManagerAndTheResets) {
   startLogind();
   x11Session = true;
   const auto power = start(FakeCookieService::kPowerManagement);
-  ASSERT_TRUE(holdSystem());
   ASSERT_TRUE(holdDisplay());
-  EXPECT_EQ(locks(), kSleepLock);
+  EXPECT_EQ(locks(), kIdleLock);
   EXPECT_EQ(power->held().size(), 1U);
   EXPECT_EQ(x11.resets, 1);
 }

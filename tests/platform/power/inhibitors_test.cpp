@@ -30,7 +30,7 @@ TEST_F(CookieInhibitorTest, CookieIsTakenAgainFromAServiceThatStartsAnew) {
   manager->start();
   ASSERT_TRUE(heldComesTo(*manager, 1));
   EXPECT_EQ(manager->held()[0].flags, 4U);
-  EXPECT_EQ(manager->held()[0].reason, "a reason");
+  EXPECT_EQ(manager->held()[0].application, "com.quellwerk.Nimbo");
   settle();
   client().release(*id);
   EXPECT_TRUE(manager->heldBecomes(0));

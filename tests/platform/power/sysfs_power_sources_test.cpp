@@ -76,8 +76,29 @@ TEST_F(SysfsPowerSourcesTest, ThinkPadWithTwoBatteriesOnBattery) {
                   {"capacity", "98"},
                   {"energy_now", "22500000"},
                   {"energy_full", "22940000"}});
-  EXPECT_EQ(list(), (Descriptions{{"InternalBattery", "Battery Power", 98, 100},
-                                  {"InternalBattery", "Battery Power", 71, 100}}));
+  EXPECT_EQ(list(), (Descriptions{{"InternalBattery", "Battery Power", 39430000, 46740000}}));
+}
+
+TEST_F(SysfsPowerSourcesTest, LargeFullBatteryOutweighsASmallEmptyOneByChargeAndVoltage) {
+  const auto battery = [this](const char* name, Attributes more) {
+    more.insert(kDischarging.begin(), kDischarging.end());
+    supply(name, more);
+  };
+  battery("BAT0",
+          {{"capacity", "10"}, {"charge_now", "200000"}, {"charge_full", "2000000"}, {"voltage_now", "7500000"}});
+  battery("BAT1", {{"capacity", "90"}, {"energy_now", "40500000"}, {"energy_full", "45000000"}});
+  EXPECT_EQ(capacity(), "42000000 of 60000000");
+  battery("BAT0", {{"voltage_min_design", "15000000"}});
+  EXPECT_EQ(capacity(), "43500000 of 75000000");
+}
+
+TEST_F(SysfsPowerSourcesTest, BatteriesThatTellNoEnergyCountAlike) {
+  supply("AC", kOffline);
+  supply("BAT0", {{"type", "Battery"}, {"capacity", "15"}, {"energy_now", "3000000"}, {"energy_full", "20000000"}});
+  supply("BAT1", {{"type", "Battery"}, {"charge_now", "95"}, {"charge_full", "100"}});
+  EXPECT_EQ(capacity(), "110 of 200");
+  supply("BAT2", {{"type", "Battery"}});
+  EXPECT_EQ(capacity(), "110 of 200");
 }
 
 TEST_F(SysfsPowerSourcesTest, ThinkPadWithAnEmptyBayShowsTheOtherBattery) {

@@ -353,6 +353,22 @@ TEST_F(AwakeViewTest, ControlsCarryTheirHelpAndNames) {
             "Keep your MacBook’s lid open. Manual Sleep still applies. App-specific background limits still apply.");
 }
 
+TEST_F(AwakeViewTest, SystemWhoseLocksBindTheirOwnerMayRefuseManualSleep) {
+  world.assertions.manualSleep = false;
+  EXPECT_EQ(content().note.text,
+            "Keep your MacBook’s lid open. Manual Sleep may be refused during a session. App-specific background "
+            "limits still apply.");
+}
+
+TEST_F(AwakeViewTest, DisplayThatCannotSleepDuringASessionIsTold) {
+  world.assertions.displayStaysOn = true;
+  view.handle(pressed("start"));
+  EXPECT_EQ(content().detail.text, "Until you stop it. On this desktop the display stays on.");
+  EXPECT_FALSE(content().display.on);
+  view.handle(switched("display", true));
+  EXPECT_EQ(content().detail.text, "Until you stop it. Display stays on.");
+}
+
 TEST_F(AwakeViewTest, EverythingLiesOnThePageAndNothingOverlaps) {
   for (const std::size_t item : {kCustomItem, kDateItem}) {
     view.handle(chosen("duration", item));

@@ -102,6 +102,11 @@ TEST_F(SettingsTextsTest, KeepAwake) {
                    "Stop on battery at", "▾ battery",
                    "Start or stop sessions from the Awake tab or the menu bar.\n"
                    "Keep your MacBook’s lid open; manual Sleep still applies."}));
+  manualSleepApplies = false;
+  controller.syncIfVisible();
+  EXPECT_EQ(texts(kAwakePage).back(),
+            "Start or stop sessions from the Awake tab or the menu bar.\n"
+            "Keep your MacBook’s lid open; manual Sleep may be refused during a session.");
 }
 
 TEST_F(SettingsTextsTest, WidgetMessageStandsUnderTheNoteInASmallTextOfItsOwnColour) {

@@ -206,6 +206,7 @@ TEST_F(SettingsWindowControllerTest, WindowIsMadeWhenItIsFirstOpened) {
   int windows = 0;
   SettingsWindowController::Callbacks counting;
   counting.automaticUpdates = [] { return false; };
+  counting.manualSleepApplies = [] { return true; };
   counting.widgetMessage = [] { return std::nullopt; };
   counting.makeWindow = [&]() -> std::unique_ptr<SettingsWindow> {
     ++windows;

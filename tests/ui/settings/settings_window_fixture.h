@@ -93,6 +93,7 @@ class SettingsWindowTest : public testing::Test {
   BundleInfo bundle;
   FakeLoginItem login;
   bool automaticUpdates = false;
+  bool manualSleepApplies = true;
   std::optional<std::string> widgetMessage;
   std::unique_ptr<FakeSettingsWindow> made = std::make_unique<FakeSettingsWindow>();
   FakeSettingsWindow& window = *made;  ///< lives as long as the controller
@@ -125,6 +126,7 @@ class SettingsWindowTest : public testing::Test {
             .toggleAutomaticUpdates = [this] { ++updateToggles; },
             .enableClaudeDesktop = [this] { ++claudeDesktopRequests; },
             .automaticUpdates = [this] { return automaticUpdates; },
+            .manualSleepApplies = [this] { return manualSleepApplies; },
             .widgetMessage = [this] { return widgetMessage; }};
   }
 

@@ -3,8 +3,10 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 #include <memory>
 #include <string_view>
+#include <utility>
 
 #include "platform/linux/bus/sd_bus_calls.h"
 
@@ -25,6 +27,13 @@ constexpr CookieService kPowerManagement = {"org.freedesktop.PowerManagement",
 constexpr CookieService kScreenSaver = {"org.freedesktop.ScreenSaver", "/org/freedesktop/ScreenSaver",
                                         "org.freedesktop.ScreenSaver", "UnInhibit"};
 
+// What is told of the system's assertion in place of the text that speaks of a Mac.
+constexpr const char* kSystemReason = "Nimbo — keep the machine awake while work continues";
+
+// The first systemd whose locks on sleep bind the user who holds them, and so that user's idle daemons; but then
+// manual sleep as well.
+constexpr int kLocksBindTheirOwner = 257;
+
 // One assertion in all, and each of its steps.
 constexpr seconds kLongestWait{2};
 constexpr seconds kLongestStep{1};
@@ -34,22 +43,42 @@ constexpr seconds kLongestStep{1};
 constexpr seconds kX11ResetInterval{25};
 constexpr seconds kX11ResetLeeway{4};
 
+BusMessage versionCall(sd_bus* system) {
+  constexpr BusMethod kGet{"org.freedesktop.systemd1", "/org/freedesktop/systemd1", "org.freedesktop.DBus.Properties",
+                           "Get"};
+  return methodCall(system, kGet, "org.freedesktop.systemd1.Manager", "Version");
+}
+
+/// Of "252.39-1~deb12u2": 252.
+std::optional<int> readVersion(sd_bus_message* reply) {
+  const char* version = nullptr;
+  if (reply == nullptr || isError(reply) || sd_bus_message_read(reply, "v", "s", &version) <= 0) return std::nullopt;
+  const int number = std::atoi(version);
+  return number > 0 ? std::optional(number) : std::nullopt;
+}
+
 /// What is taken, step by step, for one assertion.
 class Attempt {
  public:
-  Attempt(const DesktopAssertionClient::Means& means, const std::string& reason) : means_(means), reason_(reason) {
-    findServices(stepEnd(1));
+  Attempt(const DesktopAssertionClient::Means& means, std::optional<int>& systemd, std::string reason)
+      : means_(means), systemd_(systemd), reason_(std::move(reason)) {
+    findServices(stepEnd(2));
   }
 
-  // A block of logind's sleep is effective on every desktop, but its idle must not be used here: where it
-  // is followed, it keeps the display on as well.
   void keepSystemAwake() {
     if (has(kSessionManager)) {
-      inhibit(kNoSuspend, 1);
+      inhibit(kNoSuspend, 2);
     } else if (has(kPlasma)) {
-      inhibit(kPowerManagement, 1);
+      inhibit(kPowerManagement, 2);
+    } else if (has(kPowerManagement.name)) {
+      inhibit(kPowerManagement, 2);  // XFCE's, which follows nothing else
+      taken.keepsDisplayOnToo = !taken.inhibitors.empty();
     }
-    if (held.empty()) lock("sleep");
+    if (taken.inhibitors.empty()) {
+      keepPlainSystemAwake();
+    } else if (taken.keepsDisplayOnToo) {
+      lock(weakLock());  // against logind's own idle action
+    }
   }
 
   void keepDisplayOn() {
@@ -58,13 +87,13 @@ class Attempt {
       inhibit(kNoIdle, 0);
     } else if (has(kPlasma)) {
       inhibit(kScreenSaver, 1);
-      if (held.empty()) lock("idle");
+      if (taken.inhibitors.empty()) lock("idle");
     } else {
       keepPlainDisplayOn();
     }
   }
 
-  std::vector<Subscription> held;
+  DesktopAssertionClient::Assertion taken;
   PowerError error{ENOTSUP};  ///< what went wrong first, unless that was only that there was nobody to ask
 
  private:
@@ -79,13 +108,34 @@ class Attempt {
     return std::find(services_.begin(), services_.end(), service) != services_.end();
   }
 
+  // A lock on idle must not be taken on desktops with a policy of their own while that can be had: where it is
+  // followed, it keeps the display on as well. Elsewhere idle daemons may heed it, and before locks bind their owner
+  // nothing else, or nothing but the X server's idle time.
+  void keepPlainSystemAwake() {
+    if (locksBindTheirOwner()) return lock("sleep");
+    lock(weakLock());
+    if (!has(kSessionManager) && !has(kPlasma)) keepResettingX11();
+    taken.keepsDisplayOnToo = true;
+  }
+
   // Desktops without a policy of their own: any of these may be what turns the display off.
   void keepPlainDisplayOn() {
     if (has(kPowerManagement.name)) inhibit(kPowerManagement, 2);
     if (has(kScreenSaver.name)) inhibit(kScreenSaver, 1);
-    if (held.empty()) lock("idle");
+    lock("idle");
     keepResettingX11();
   }
+
+  [[nodiscard]] bool locksBindTheirOwner() {
+    if (!systemd_) {
+      const SdBusConnection bus(nullptr, means_.systemAddress);
+      systemd_ = readVersion(bus.ask(versionCall(bus.get()), stepEnd(1)).get());
+    }
+    return systemd_ >= kLocksBindTheirOwner;
+  }
+
+  /// Against logind's own idle action and, where it spares this user's own hand, against sleep by other users.
+  [[nodiscard]] const char* weakLock() { return locksBindTheirOwner() ? "idle" : "sleep:idle"; }
 
   void inhibit(const CookieService& service, int stepsAfter) {
     add(takeCookie(means_.loops, means_.sessionAddress, service, reason_, stepEnd(stepsAfter)));
@@ -93,7 +143,7 @@ class Attempt {
   void lock(const char* what) { add(takeLogindLock(means_.systemAddress, what, reason_, stepEnd(0))); }
   void add(Inhibitor inhibitor) {
     if (inhibitor) {
-      held.push_back(std::move(*inhibitor));
+      taken.inhibitors.push_back(std::move(*inhibitor));
     } else if (error.code == ENOTSUP) {
       error = inhibitor.error();
     }
@@ -103,7 +153,7 @@ class Attempt {
   void keepResettingX11() {
     const std::shared_ptr<X11Screen> screen = means_.makeX11Screen ? means_.makeX11Screen() : nullptr;
     if (!screen || !screen->resetScreenSaver()) return;
-    held.push_back(means_.loops.timers.every(kX11ResetInterval, kX11ResetLeeway, [screen] {
+    taken.inhibitors.push_back(means_.loops.timers.every(kX11ResetInterval, kX11ResetLeeway, [screen] {
       // One that fails is made good by the next, or there is no display any more to keep on.
       [[maybe_unused]] const bool reset = screen->resetScreenSaver();
     }));
@@ -117,7 +167,8 @@ class Attempt {
   }
 
   const DesktopAssertionClient::Means& means_;
-  const std::string& reason_;
+  std::optional<int>& systemd_;
+  const std::string reason_;
   const Deadline end_ = steady_clock::now() + kLongestWait;
   std::vector<std::string> services_;  // that the session has
   bool sessionHangs_ = false;
@@ -125,13 +176,24 @@ class Attempt {
 
 }  // namespace
 
+DesktopAssertionClient::DesktopAssertionClient(Means means)
+    : means_(std::move(means)), versionQuery_(callAsync(versionCall(means_.system), [this](sd_bus_message* reply) {
+        if (!systemd_) systemd_ = readVersion(reply);
+      })) {}
+
 Result<std::uint32_t, PowerError> DesktopAssertionClient::create(const std::string& type, const std::string& reason) {
-  Attempt attempt(means_, reason);
+  Attempt attempt(means_, systemd_, type == kPreventSystemSleep ? kSystemReason : reason);
   if (type == kPreventSystemSleep) attempt.keepSystemAwake();
   if (type == kPreventDisplaySleep) attempt.keepDisplayOn();
-  if (attempt.held.empty()) return tl::unexpected(attempt.error);
-  held_.emplace(++lastId_, std::move(attempt.held));
+  if (attempt.taken.inhibitors.empty()) return tl::unexpected(attempt.error);
+  held_.emplace(++lastId_, std::move(attempt.taken));
   return lastId_;
 }
+
+bool DesktopAssertionClient::keepsDisplayOnToo() const {
+  return std::any_of(held_.begin(), held_.end(), [](const auto& entry) { return entry.second.keepsDisplayOnToo; });
+}
+
+bool DesktopAssertionClient::manualSleepApplies() const { return systemd_ && *systemd_ < kLocksBindTheirOwner; }
 
 }  // namespace nimbo

@@ -15,7 +15,8 @@
 namespace nimbo {
 namespace {
 
-constexpr const char* kApplication = "Nimbo";
+constexpr const char* kDesktopId = "com.quellwerk.Nimbo";  // by which desktops find the name and the icon
+constexpr const char* kName = "Nimbo";
 
 // A service that has just started may not be ready for its first call.
 constexpr std::chrono::seconds kRetry{5};
@@ -72,9 +73,8 @@ class Cookie {
   }
 
   void inhibit() {
-    const BusMessage call = service_.flags != 0
-                                ? callService("Inhibit", kApplication, kNoWindow, reason_, service_.flags)
-                                : callService("Inhibit", kApplication, reason_);
+    const BusMessage call = service_.flags != 0 ? callService("Inhibit", kDesktopId, kNoWindow, reason_, service_.flags)
+                                                : callService("Inhibit", kDesktopId, reason_);
     call_ = callAsync(call, [this](sd_bus_message* reply) { answered(reply); });
   }
 
@@ -133,7 +133,7 @@ Inhibitor takeLogindLock(const std::string& systemAddress, const char* what, con
   const SdBusConnection bus(nullptr, systemAddress);
   constexpr BusMethod kInhibit{"org.freedesktop.login1", "/org/freedesktop/login1", "org.freedesktop.login1.Manager",
                                "Inhibit"};
-  BusMessage call = methodCall(bus.get(), kInhibit, what, kApplication, reason, "block");
+  BusMessage call = methodCall(bus.get(), kInhibit, what, kName, reason, "block");
   if (!call) return failure(ENOTSUP);
   const BusMessage reply = bus.ask(std::move(call), deadline);
   if (!reply) return failure(ETIMEDOUT);

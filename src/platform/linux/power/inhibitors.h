@@ -38,8 +38,8 @@ struct InhibitorLoops {
 [[nodiscard]] Inhibitor takeCookie(InhibitorLoops loops, const std::string& sessionAddress,
                                    const CookieService& service, const std::string& reason, Deadline deadline);
 
-/// Takes a blocking lock of systemd-logind (or elogind) on `what`: "sleep" or "idle". It stays held when logind
-/// starts anew.
+/// Takes a blocking lock of systemd-logind (or elogind) on `what`: "sleep", "idle" or both, with a colon between. It
+/// stays held when logind starts anew.
 [[nodiscard]] Inhibitor takeLogindLock(const std::string& systemAddress, const char* what, const std::string& reason,
                                        Deadline deadline);
 

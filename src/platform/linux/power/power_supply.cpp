@@ -2,6 +2,9 @@
 #include "platform/linux/power/power_supply.h"
 
 #include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <utility>
 
 namespace nimbo {
 namespace {
@@ -23,13 +26,34 @@ std::optional<std::string> upsState(const PowerSupply& ups) {
   return ups.status == "Discharging" ? kBatteryPower : kAcPower;
 }
 
-PowerSourceDescription describe(const char* type, std::optional<std::string> state, const PowerSupply& supply) {
+using Charge = std::optional<PowerSupply::Charge>;
+
+PowerSourceDescription describe(const char* type, std::optional<std::string> state, const Charge& charge) {
   PowerSourceDescription description{type, std::move(state)};
-  if (supply.charge) {
-    description.currentCapacity = supply.charge->now;
-    description.maxCapacity = supply.charge->full;
+  if (charge) {
+    description.currentCapacity = charge->now;
+    description.maxCapacity = charge->full;
   }
   return description;
+}
+
+/// Of several batteries: by their energy when each tells it, else the mean of their percents. One alone shows what
+/// the desktop does.
+Charge chargeOfAll(const std::vector<PowerSupply>& batteries) {
+  constexpr std::int64_t kWhole = 100;
+  if (batteries.size() == 1) return batteries.front().charge;
+  PowerSupply::Charge energies;
+  PowerSupply::Charge percents;
+  bool allTellEnergy = true;
+  for (const PowerSupply& battery : batteries) {
+    allTellEnergy = allTellEnergy && battery.energy;
+    if (allTellEnergy) energies = {energies.now + battery.energy->now, energies.full + battery.energy->full};
+    if (!battery.charge) continue;
+    const double part = static_cast<double>(battery.charge->now) / static_cast<double>(battery.charge->full);
+    percents = {percents.now + std::llround(part * kWhole), percents.full + kWhole};
+  }
+  if (allTellEnergy) return energies;
+  return percents.full > 0 ? Charge(percents) : std::nullopt;
 }
 
 }  // namespace
@@ -60,13 +84,12 @@ std::optional<std::string> powerSourceState(const std::vector<PowerSupply>& supp
 
 std::vector<PowerSourceDescription> describePowerSources(const std::vector<PowerSupply>& supplies) {
   const auto state = powerSourceState(supplies);
+  std::vector<PowerSupply> batteries;
+  std::copy_if(supplies.begin(), supplies.end(), std::back_inserter(batteries), isInternalBattery);
   std::vector<PowerSourceDescription> sources;
+  if (!batteries.empty()) sources.push_back(describe(kInternalBattery, state, chargeOfAll(batteries)));
   for (const PowerSupply& supply : supplies) {
-    if (isInternalBattery(supply)) {
-      sources.push_back(describe(kInternalBattery, state, supply));
-    } else if (supply.type == "UPS") {
-      sources.push_back(describe("UPS", upsState(supply), supply));
-    }
+    if (supply.type == "UPS") sources.push_back(describe("UPS", upsState(supply), supply.charge));
   }
   return sources;
 }

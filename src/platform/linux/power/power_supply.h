@@ -23,7 +23,8 @@ struct PowerSupply {
   std::optional<std::int64_t> online = {};   ///< of mains: 0 while nothing comes from it
   std::optional<std::int64_t> present = {};  ///< of batteries: 0 for an empty bay
   std::string status = {};                   ///< of batteries and UPSs: "Charging", "Discharging", …
-  std::optional<Charge> charge = {};
+  std::optional<Charge> charge = {};         ///< in a unit of its own
+  std::optional<Charge> energy = {};         ///< in µWh; only where batteries are weighed against each other
 };
 
 /// A battery that runs the machine itself.
@@ -33,7 +34,7 @@ struct PowerSupply {
 /// nothing tells.
 [[nodiscard]] std::optional<std::string> powerSourceState(const std::vector<PowerSupply>& supplies);
 
-/// The internal batteries and UPSs among the supplies, in their order.
+/// The internal batteries among the supplies, which are one to the user, then the UPSs.
 [[nodiscard]] std::vector<PowerSourceDescription> describePowerSources(const std::vector<PowerSupply>& supplies);
 
 }  // namespace nimbo

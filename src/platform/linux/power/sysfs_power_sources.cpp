@@ -4,6 +4,7 @@
 #include <systemd/sd-device.h>
 
 #include <algorithm>
+#include <cmath>
 #include <filesystem>
 #include <limits>
 #include <memory>
@@ -36,18 +37,35 @@ std::optional<std::int64_t> readNumberOf(const std::string& attribute) {
   return number && *number <= kLargest ? std::optional(static_cast<std::int64_t>(*number)) : std::nullopt;
 }
 
+std::optional<PowerSupply::Charge> readPair(const std::string& nowAttribute, const std::string& fullAttribute) {
+  const auto full = readNumberOf(fullAttribute);
+  const auto now = full ? readNumberOf(nowAttribute) : std::nullopt;
+  if (!now || *full <= 0) return std::nullopt;
+  return {{*now, *full}};
+}
+
 /// What the desktop shows as the charge, else what stands behind it.
 std::optional<PowerSupply::Charge> readCharge(const std::string& folder) {
   constexpr std::int64_t kWhole = 100;
   if (const auto percent = readNumberOf(folder + "/capacity"); percent && *percent <= kWhole)
     return {{*percent, kWhole}};
-  for (const auto& [fullName, nowName] :
-       {std::pair{"/energy_full", "/energy_now"}, std::pair{"/charge_full", "/charge_now"}}) {
-    const auto full = readNumberOf(folder + fullName);
-    const auto now = full ? readNumberOf(folder + nowName) : std::nullopt;
-    if (now && *full > 0) return {{*now, *full}};
-  }
-  return std::nullopt;
+  const auto energy = readPair(folder + "/energy_now", folder + "/energy_full");
+  return energy ? energy : readPair(folder + "/charge_now", folder + "/charge_full");
+}
+
+/// As told, or from a charge in µAh and a voltage in µV.
+std::optional<PowerSupply::Charge> readEnergy(const std::string& folder) {
+  if (const auto energy = readPair(folder + "/energy_now", folder + "/energy_full")) return energy;
+  const auto charge = readPair(folder + "/charge_now", folder + "/charge_full");
+  if (!charge) return std::nullopt;
+  auto voltage = readNumberOf(folder + "/voltage_min_design");
+  if (!voltage) voltage = readNumberOf(folder + "/voltage_now");
+  if (!voltage || *voltage == 0) return std::nullopt;
+  const double volts = static_cast<double>(*voltage) / 1e6;
+  const auto inMicrowattHours = [volts](std::int64_t amount) {
+    return std::llround(static_cast<double>(amount) * volts);
+  };
+  return {{inMicrowattHours(charge->now), inMicrowattHours(charge->full)}};
 }
 
 /// No more than what this supply is to be judged by: some attributes ask the hardware.
@@ -87,6 +105,11 @@ std::optional<std::vector<PowerSourceDescription>> SysfsPowerSources::list() con
   if (!entries) return std::nullopt;
   std::vector<PowerSupply> supplies;
   for (const auto& entry : *entries) supplies.push_back(readSupply(entry.string()));
+  if (std::count_if(supplies.begin(), supplies.end(), isInternalBattery) > 1) {
+    for (std::size_t index = 0; index < supplies.size(); ++index) {
+      if (isInternalBattery(supplies[index])) supplies[index].energy = readEnergy((*entries)[index].string());
+    }
+  }
   return describePowerSources(supplies);
 }
 
