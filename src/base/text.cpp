@@ -117,6 +117,10 @@ bool startsWithIgnoringCase(std::string_view text, std::string_view beginning) {
   return equalsIgnoringCase(text.substr(0, beginning.size()), beginning);
 }
 
+bool endsWithIgnoringCase(std::string_view text, std::string_view end) {
+  return text.size() >= end.size() && equalsIgnoringCase(text.substr(text.size() - end.size()), end);
+}
+
 std::string removedIgnoringCase(std::string_view text, std::string_view part) {
   std::string rest;
   for (;;) {

@@ -23,6 +23,7 @@ inline constexpr std::string_view kBlanks = " \t\r\n";
 [[nodiscard]] std::string lowerCased(std::string_view text);
 [[nodiscard]] bool equalsIgnoringCase(std::string_view text, std::string_view other);
 [[nodiscard]] bool startsWithIgnoringCase(std::string_view text, std::string_view beginning);
+[[nodiscard]] bool endsWithIgnoringCase(std::string_view text, std::string_view end);
 /// `text` without any occurrence of `part`, which is not empty.
 [[nodiscard]] std::string removedIgnoringCase(std::string_view text, std::string_view part);
 

@@ -33,6 +33,8 @@ TEST(Text, OnlyLatinCapitalsAreFolded) {
 TEST(Text, BeginningIsFoundInAnyCase) {
   EXPECT_TRUE(startsWithIgnoringCase("RESETS now", "resets "));
   EXPECT_FALSE(startsWithIgnoringCase("Reset", "resets "));
+  EXPECT_TRUE(endsWithIgnoringCase("Monthly CREDIT", "credit"));
+  EXPECT_FALSE(endsWithIgnoringCase("edit", "credit"));
 }
 
 TEST(Text, EveryOccurrenceIsRemoved) {

@@ -139,7 +139,8 @@ class ScreenWindows {
     if (const auto figure = usedFigure(line)) begun_->usedPercent = *figure;
     if (startsWithIgnoringCase(line, "resets ")) begun_->resetLine = line;
     const bool isOtherSection = startsWithIgnoringCase(line, "usage credits") ||
-                                startsWithIgnoringCase(line, "extra usage") || equalsIgnoringCase(line, "activity");
+                                startsWithIgnoringCase(line, "extra usage") || equalsIgnoringCase(line, "activity") ||
+                                endsWithIgnoringCase(line, "credit");
     if (isOtherSection) commit();
   }
 

@@ -160,10 +160,12 @@ TEST(UsageScreen, DecimalPointDoesNotFollowTheLocale) {
 }
 
 TEST(UsageScreen, OtherSectionsEndAWindow) {
-  for (const char* const section : {"Usage credits", "Extra usage not enabled", "EXTRA USAGE", "Activity"}) {
+  for (const char* const section :
+       {"Usage credits", "Extra usage not enabled", "EXTRA USAGE", "Activity", "Monthly agent credit", "Gift Credit"}) {
     EXPECT_EQ(windowsOf(fmt::format("Daily\n5% used\n{}\n90% used", section)), "Daily 5") << section;
   }
   EXPECT_EQ(windowsOf("Daily\nActivity today\n5% used"), "Daily 5");
+  EXPECT_EQ(windowsOf("Daily\nCredit today\n5% used"), "Daily 5");
 }
 
 TEST(UsageScreen, SectionBeforeTheFigureLeavesTheTitleWithout) {
