@@ -39,10 +39,18 @@ struct UsageState {
   bool operator==(const UsageState&) const = default;
 };
 
+/// When a reading that failed is worth another try.
+enum class UsageRetry {
+  usual,        ///< at the next that is due
+  withNetwork,  ///< also as soon as the machine is connected
+  late,         ///< nothing comes of it for a good while, unless the user does something
+};
+
 /// Why a reading failed.
 struct UsageError {
   std::string message{};                      ///< for the user; empty when there is nothing to tell
   std::optional<UsageTime> retryNotBefore{};  ///< the provider answered that it must not be asked before
+  UsageRetry retry = UsageRetry::usual;
   bool operator==(const UsageError&) const = default;
 };
 
