@@ -7,6 +7,7 @@
 
 #include "support/fake_clock.h"
 #include "support/fake_dates.h"
+#include "support/fake_network.h"
 #include "support/fake_usage_read.h"
 
 namespace nimbo {
@@ -31,6 +32,9 @@ class UsageMonitorTest : public testing::Test {
     return monitor->states().at(provider);
   }
   UsageSnapshot snapshot(double used) const { return {{{"Weekly", used, {}}}, clock.now(), {}}; }
+  void failUnreached() {
+    codexRead.finish(tl::unexpected(UsageError{.message = "none", .retry = UsageRetry::withNetwork}));
+  }
   static UsageError rateLimit(UsageTime until) { return {"wait", until}; }
 
   static constexpr auto codexProvider = UsageProvider::codex;
@@ -38,10 +42,11 @@ class UsageMonitorTest : public testing::Test {
 
   FakeClock clock;
   FakeDates dates;
+  FakeNetwork network;
   FakeUsageRead codexRead;
   FakeUsageRead claudeRead;
   std::unique_ptr<UsageMonitor> monitor =
-      std::make_unique<UsageMonitor>(UsageMonitor::Reads{codexRead.read(), claudeRead.read()}, clock, dates);
+      std::make_unique<UsageMonitor>(UsageMonitor::Reads{codexRead.read(), claudeRead.read()}, clock, dates, network);
   int changes = 0;
 };
 
@@ -92,6 +97,47 @@ TEST_F(UsageMonitorTest, FailureIsRetriedAfterFiveMinutesToo) {
   clock.advance(300s);
   refresh(kAuto);
   EXPECT_EQ(codexRead.requests.size(), 2U);
+}
+
+TEST_F(UsageMonitorTest, FailureForWantOfANetworkIsRetriedOnceWhenThatAppears) {
+  refresh(kAuto);
+  failUnreached();
+  network.appear();
+  EXPECT_EQ(codexRead.running(), 1U);
+  failUnreached();
+  network.appear();
+  EXPECT_EQ(codexRead.requests, (Requests{kAuto, kAuto}));
+  clock.advance(300s);
+  refresh(kAuto);
+  failUnreached();
+  network.appear();
+  codexRead.finish(snapshot(1));
+  EXPECT_EQ(codexRead.requests.size(), 4U);
+  EXPECT_FALSE(state().message);
+}
+
+TEST_F(UsageMonitorTest, NetworkThatAppearsDuringAReadThatFailsCountsToo) {
+  refresh(kAuto);
+  network.appear();
+  EXPECT_EQ(codexRead.requests.size(), 1U);
+  failUnreached();
+  EXPECT_EQ(codexRead.requests.size(), 2U);
+}
+
+TEST_F(UsageMonitorTest, NetworkIsObservedOnlyAsLongAsAnythingDependsOnIt) {
+  EXPECT_EQ(network.observers(), 0);
+  refresh(kAuto);
+  EXPECT_EQ(network.observers(), 1);
+  codexRead.finish(snapshot(1));
+  EXPECT_EQ(network.observers(), 0);
+  refresh(kManual);
+  codexRead.fail("no");
+  EXPECT_EQ(network.observers(), 0);
+  refresh(kManual);
+  failUnreached();
+  EXPECT_EQ(network.observers(), 1);
+  monitor->setEnabled(codexProvider, false);
+  EXPECT_EQ(network.observers(), 0);
 }
 
 TEST_F(UsageMonitorTest, ManualRefreshNeedNotWait) {
