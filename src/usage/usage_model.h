@@ -36,6 +36,7 @@ struct UsageState {
   std::optional<UsageSnapshot> snapshot{};  ///< the last good one, kept across failures
   std::optional<std::string> message{};     ///< absent when the last refresh succeeded
   bool isRefreshing = false;
+  std::optional<UsageTime> retryNotBefore{};  ///< while the message tells of a rate limit
   bool operator==(const UsageState&) const = default;
 };
 

@@ -49,8 +49,10 @@ bool UsageMonitor::start(UsageProvider provider, UsageRequest request) {
   }
   if (!manual && record.nextRefresh.lasts(clock_)) return false;
   if (record.rateLimit.lasts(clock_)) {
-    if (manual) state.message = usage_messages::rateLimitReached(dates_.shortTime(record.rateLimit.until()));
-    return manual;
+    if (!manual) return false;
+    state.message = usage_messages::rateLimitReached(dates_.shortTime(record.rateLimit.until()));
+    state.retryNotBefore = record.rateLimit.until();
+    return true;
   }
   observeNetwork(provider);
   beginRead(provider, request);
@@ -73,9 +75,11 @@ void UsageMonitor::finish(UsageProvider provider, UsageOutcome outcome) {
   if (outcome) {
     state.snapshot = std::move(*outcome);
     state.message.reset();
+    state.retryNotBefore.reset();
   } else {
     state.message = std::move(outcome.error().message);
-    if (outcome.error().retryNotBefore) record.rateLimit = UsageWait(*outcome.error().retryNotBefore, clock_);
+    state.retryNotBefore = outcome.error().retryNotBefore;
+    if (state.retryNotBefore) record.rateLimit = UsageWait(*state.retryNotBefore, clock_);
   }
   record.nextRefresh = UsageWait(clock_.now() + kRefreshInterval, clock_);
   const bool again = record.isAskedAgain;

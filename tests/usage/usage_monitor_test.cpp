@@ -232,6 +232,7 @@ TEST_F(UsageMonitorTest, RateLimitWaitSendsNothingAndOnlyAManualRefreshSaysSo) {
   const auto until = clock.now() + 3600s;
   codexRead.finish(tl::unexpected(rateLimit(until)));
   EXPECT_EQ(state().message, "wait");
+  EXPECT_EQ(state().retryNotBefore, until);
   clock.advance(3599s);
   changes = 0;
   refresh(kAuto);
@@ -241,11 +242,14 @@ TEST_F(UsageMonitorTest, RateLimitWaitSendsNothingAndOnlyAManualRefreshSaysSo) {
   EXPECT_EQ(state().message,
             "Provider rate limit reached. Retry at " + dates.shortTime(until) + ". Refresh cannot shorten this wait.");
   EXPECT_EQ(changes, 1);
+  EXPECT_EQ(state().retryNotBefore, until);
   EXPECT_FALSE(state().isRefreshing);
   EXPECT_EQ(codexRead.requests.size(), 1U);
   clock.advance(1s);
   refresh(kAuto);
   EXPECT_EQ(codexRead.requests.size(), 2U);
+  codexRead.finish(snapshot(1));
+  EXPECT_FALSE(state().retryNotBefore);
 }
 
 TEST_F(UsageMonitorTest, QueuedManualRefreshRespectsTheWaitThatItsReadBrought) {
