@@ -81,6 +81,16 @@ Part firstPart(std::string_view bytes) {
   return {length, length == expected.length};
 }
 
+// Control characters, line and paragraph separators, and the marks for the direction of writing.
+bool isSteering(std::string_view character) {
+  constexpr std::array<std::array<std::string_view, 2>, 5> kRanges = {
+      {{"\u0080", "\u009F"}, {"\u061C", "\u061C"}, {"\u200E", "\u200F"}, {"\u2028", "\u202E"}, {"\u2066", "\u2069"}}};
+  if (isAscii(character.front())) return character.front() < ' ' || character.front() == '\x7F';
+  // UTF-8 is in the order of the code points.
+  return std::ranges::any_of(kRanges,
+                             [&](const auto& range) { return character >= range[0] && character <= range[1]; });
+}
+
 }  // namespace
 
 std::string_view trimmed(std::string_view text) {
@@ -190,6 +200,19 @@ std::string repairedUtf8(std::string_view bytes) {
   while (!bytes.empty()) {
     const Part part = firstPart(bytes);
     text.append(part.wellFormed ? bytes.substr(0, part.length) : kReplacement);
+    bytes.remove_prefix(part.length);
+  }
+  return text;
+}
+
+std::string printableLine(std::string_view bytes) {
+  if (std::ranges::all_of(bytes, [](char byte) { return byte >= ' ' && byte != '\x7F'; })) return std::string(bytes);
+  std::string text;
+  text.reserve(bytes.size());
+  while (!bytes.empty()) {
+    const Part part = firstPart(bytes);
+    const std::string_view character = bytes.substr(0, part.length);
+    text.append(part.wellFormed && !isSteering(character) ? character : kReplacement);
     bytes.remove_prefix(part.length);
   }
   return text;

@@ -46,6 +46,10 @@ struct CharacterReplacement {
 /// In lower case, and each white-space character a space.
 [[nodiscard]] std::string plainLowerCased(std::string_view text);
 
+/// `bytes` as valid UTF-8 in which nothing breaks a line or steers a terminal or the direction of writing: each
+/// such character becomes one U+FFFD, as what is ill-formed does.
+[[nodiscard]] std::string printableLine(std::string_view bytes);
+
 /// Whether `bytes` is well-formed UTF-8.
 [[nodiscard]] bool isUtf8(std::string_view bytes);
 /// `bytes` as valid UTF-8: every maximal part of an ill-formed sequence becomes one U+FFFD, as
