@@ -13,9 +13,10 @@
 namespace nimbo {
 namespace {
 
-// Of one that is among the largest, so many may be measured: enough for large families that share their memory,
-// and an end where hundreds of large processes do.
-constexpr std::size_t kMeasuredForEach = 4;
+// For each of the largest so many are measured at most, and all together when they are not too large: enough for
+// families that share their memory, and an end where hundreds of large processes do. A gigabyte takes some 15 ms.
+constexpr std::size_t kMeasuredForEach = 2;
+constexpr std::uint64_t kMeasuredBytes = std::uint64_t{16} << 30;
 
 struct Candidate {
   ProcessMemory process;
@@ -24,23 +25,28 @@ struct Candidate {
 
 /// Measures from the largest bound down until none of the rest can be among the `exact` largest.
 void measureLargest(ProcessTable& table, std::vector<Candidate>& candidates, std::size_t exact) {
-  if (exact == 0) return;
-  std::sort(candidates.begin(), candidates.end(),
-            [](const Candidate& left, const Candidate& right) { return left.most > right.most; });
+  const auto hasLess = [](const Candidate& left, const Candidate& right) { return left.most < right.most; };
   std::priority_queue<std::uint64_t, std::vector<std::uint64_t>, std::greater<>> largest;
+  const auto least = [&] { return largest.size() < exact ? 0 : largest.top(); };
   std::size_t left = exact * kMeasuredForEach;
-  for (auto& [process, most] : candidates) {
-    const std::uint64_t least = largest.size() < exact ? 0 : largest.top();
-    const auto measured = left > 0 && most > least ? table.footprint(process.pid) : std::nullopt;
-    if (measured) {
+  std::uint64_t bytes = 0;
+  auto rest = candidates.end();
+  std::make_heap(candidates.begin(), rest, hasLess);
+  while (left > 0 && bytes < kMeasuredBytes && rest != candidates.begin() && candidates.front().most > least()) {
+    std::pop_heap(candidates.begin(), rest--, hasLess);
+    auto& process = rest->process;
+    if (const auto measured = table.footprint(process.pid)) {
       process.bytes = *measured;
+      bytes += rest->most;
       --left;
-    } else if (left == 0) {
-      process.bytes = std::min(process.bytes, least);  // a guess must not push a measured one off the list
     }
     largest.push(process.bytes);
     if (largest.size() > exact) largest.pop();
   }
+  if (exact == 0 || largest.size() < exact) return;
+  // A guess must not push one off the list that was measured.
+  std::for_each(candidates.begin(), rest,
+                [&](Candidate& candidate) { candidate.process.bytes = std::min(candidate.process.bytes, least()); });
 }
 
 std::string displayName(std::int32_t pid, const std::string& name) {

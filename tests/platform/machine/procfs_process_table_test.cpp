@@ -162,9 +162,10 @@ TEST_F(ProcfsProcessTableTest, WhileSwapIsInUseTheStatusTellsAll) {
 
 TEST_F(ProcfsProcessTableTest, WithoutSwapTheTwoSmallFilesDo) {
   tree.write("meminfo", kVirtualMachineMemInfo);
-  tree.write("2210/statm", "1322328 99528 39111 2 0 175341 0\n");
+  tree.write("2210/statm", "1322328 4000 3000 2 0 175341 0\n");
   tree.write("2210/comm", "gnome-shell\n");
-  EXPECT_EQ(readListed(2210)->footprint, (99528U - 39111U) * page);
+  EXPECT_EQ(readListed(2210)->footprint, 1000 * page);
+  EXPECT_EQ(readListed(2210)->most, 4000 * page);
   EXPECT_EQ(readListed(2210)->name, "gnome-shell");
 }
 
@@ -172,6 +173,13 @@ TEST_F(ProcfsProcessTableTest, WhileHugePagesAreInUseTheStatusTellsAllToo) {
   tree.write("meminfo", withField(kVirtualMachineMemInfo, "Hugetlb", 2048));
   tree.write("2210/status", kStatus);
   EXPECT_EQ(readListed(2210)->name, "gnome-shell");
+}
+
+TEST_F(ProcfsProcessTableTest, LargeProcessIsNotTakenForOneOfMuchMemoryBecauseOfItsFiles) {
+  tree.write("meminfo", kVirtualMachineMemInfo);
+  tree.write("2210/statm", "1322328 99528 39111 2 0 175341 0\n");
+  tree.write("2210/status", kStatus);
+  EXPECT_EQ(readListed(2210)->most, (241668U + 12000U + 8112U) * 1024);
 }
 
 TEST_F(ProcfsProcessTableTest, ProcessWithNothingButSharedMemoryIsACandidate) {

@@ -21,6 +21,10 @@ namespace {
 // The file names all groups of a process ahead of its memory: up to 65,536 of ten digits.
 constexpr std::size_t kLargestStatus = std::size_t{1} << 20;
 
+// What is resident may be files for the most part. The status file tells, for less than it costs to measure a
+// process of that size.
+constexpr std::uint64_t kWorthAStatus = std::uint64_t{16} << 20;
+
 // The kernel writes a newline as \n and a backslash as \\.
 std::string unescaped(std::string_view escaped) {
   std::string name;
@@ -138,7 +142,10 @@ std::vector<std::int32_t> ProcfsProcessTable::list() {
 }
 
 std::optional<ProcessReading> ProcfsProcessTable::read(std::int32_t pid) {
-  if (!statusNeeded_) return readResident(pid);
+  return statusNeeded_ ? readStatus(pid) : readResident(pid);
+}
+
+std::optional<ProcessReading> ProcfsProcessTable::readStatus(std::int32_t pid) const {
   auto status = readProcessStatus([&](std::span<char> buffer) { return readFile(pid, "status", buffer); });
   return status ? std::optional(ProcessReading{status->footprint, status->most, std::move(status->name)})
                 : std::nullopt;
@@ -175,6 +182,7 @@ std::optional<ProcessReading> ProcfsProcessTable::readResident(std::int32_t pid)
 
   const auto pageSize = static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE));
   ProcessReading reading{pages->anonymous * pageSize, pages->resident * pageSize, {}};
+  if (reading.most >= kWorthAStatus) return readStatus(pid);
   if (reading.most > 0) {
     auto name = readFile(pid, "comm", buffer).value_or(std::string_view());
     if (name.ends_with('\n')) name.remove_suffix(1);

@@ -37,7 +37,8 @@ struct ProcessPages {
 [[nodiscard]] std::optional<std::uint64_t> parseFootprint(std::string_view text);
 
 /// The processes that /proc shows to this user. What a process has in swap and in huge pages is told by its status
-/// file alone, which costs more than the two files that tell the rest; it is read only while there are any.
+/// file alone, which costs more than the two files that tell the rest; it is read only while there are any, and of
+/// large processes.
 class ProcfsProcessTable final : public ProcessTable {
  public:
   explicit ProcfsProcessTable(std::string procRoot = "/proc");
@@ -50,6 +51,7 @@ class ProcfsProcessTable final : public ProcessTable {
   [[nodiscard]] std::string wholeName(std::int32_t pid, std::string name) override;
 
  private:
+  [[nodiscard]] std::optional<ProcessReading> readStatus(std::int32_t pid) const;
   [[nodiscard]] std::optional<ProcessReading> readResident(std::int32_t pid) const;
   [[nodiscard]] std::optional<std::string_view> readFile(std::int32_t pid, std::string_view name,
                                                          std::span<char> buffer) const;
