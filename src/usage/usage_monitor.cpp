@@ -111,6 +111,7 @@ void UsageMonitor::stop() {
   bool anything = false;
   for (const auto provider : kAllUsageProviders) {
     if (!states_[provider].isRefreshing) continue;
+    records_[provider].connection.reset();
     endRead(provider);
     anything = true;
   }

@@ -309,6 +309,7 @@ TEST_F(UsageMonitorTest, StopEndsTheReadsAndTheNextRefreshStartsThemAgain) {
   refresh(kAuto);
   monitor->stop();
   EXPECT_EQ(codexRead.running(), 0U);
+  EXPECT_EQ(network.observers(), 0);
   EXPECT_FALSE(state().isRefreshing);
   codexRead.finishLate(snapshot(5));
   EXPECT_FALSE(state().snapshot);

@@ -202,6 +202,8 @@ TEST_F(ProcfsProcessTableTest, NameThatWasCutIsCompletedFromTheCommand) {
   EXPECT_EQ(named("gnome-terminal-", ""), "gnome-terminal-");
   EXPECT_EQ(named("gnome-shell", "/usr/bin/gnome-shell-extended\0"s), "gnome-shell") << "it is whole";
   EXPECT_EQ(named("memfd:my-sealed", "/usr/bin/my-tool\0--x\0"s), "my-tool");
+  EXPECT_EQ(named("3", "/usr/bin/my-tool\0--x\0"s), "my-tool");
+  EXPECT_EQ(named("", "/usr/bin/my-tool\0"s), "") << "it has ended";
   EXPECT_EQ(named("memfd:x", ""), "memfd:x");
   EXPECT_EQ(table.wholeName(8, "gnome-terminal-"), "gnome-terminal-") << "gone";
 }

@@ -159,7 +159,8 @@ std::optional<std::uint64_t> ProcfsProcessTable::footprint(std::int32_t pid) {
 
 std::string ProcfsProcessTable::wholeName(std::int32_t pid, std::string name) {
   constexpr std::size_t kLongest = 15;  // that the kernel keeps
-  const bool isOfMemory = name.starts_with("memfd:");
+  // A program that is started from a memfd has the name of that; before Linux 6.14 its descriptor's number.
+  const bool isOfMemory = name.starts_with("memfd:") || (!name.empty() && std::ranges::all_of(name, isDigit));
   const bool isCut = name.size() == kLongest;
   if (!isOfMemory && !isCut) return name;
   std::array<char, 4096> buffer;
