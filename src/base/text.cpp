@@ -83,12 +83,13 @@ Part firstPart(std::string_view bytes) {
 
 // Control characters, line and paragraph separators, and the marks for the direction of writing.
 bool isSteering(std::string_view character) {
-  constexpr std::array<std::array<std::string_view, 2>, 5> kRanges = {
-      {{"\u0080", "\u009F"}, {"\u061C", "\u061C"}, {"\u200E", "\u200F"}, {"\u2028", "\u202E"}, {"\u2066", "\u2069"}}};
+  // What stands on either side of them: they themselves would be misleading here.
+  constexpr std::array<std::array<std::string_view, 2>, 5> kNeighbours = {
+      {{"\x7F", "\u00A0"}, {"\u061B", "\u061D"}, {"\u200D", "\u2010"}, {"\u2027", "\u202F"}, {"\u2065", "\u206A"}}};
   if (isAscii(character.front())) return character.front() < ' ' || character.front() == '\x7F';
   // UTF-8 is in the order of the code points.
-  return std::ranges::any_of(kRanges,
-                             [&](const auto& range) { return character >= range[0] && character <= range[1]; });
+  return std::ranges::any_of(kNeighbours,
+                             [&](const auto& range) { return character > range[0] && character < range[1]; });
 }
 
 }  // namespace
