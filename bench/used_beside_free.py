@@ -17,8 +17,8 @@ def main(binary):
     total = fields["MemTotal"]
     ours = float(re.search(r"Used: ([\d.]+) GB", report)[1]) * 2**30  # to a tenth of a gigabyte
     for name, value in (("free", int(free[2])), ("MemTotal − MemAvailable", total - fields["MemAvailable"])):
-        difference = abs(ours - value) / total * 100
-        print(f"used: {ours / 2**30:.1f} GB, {name}: {value / 2**30:.2f} GB, {difference:.2f} % of total apart (limit 3)")
+        difference = abs(ours - value) / 2**30
+        print(f"used: {ours / 2**30:.1f} GB, {name}: {value / 2**30:.2f} GB, {difference:.2f} GB apart (limit 0.1)")
 
 
 if __name__ == "__main__":

@@ -43,7 +43,7 @@ SamplingLoop::Callbacks AppDelegate::samplingCallbacks() {
       .willTick = [this] { awake_.tick(clock_.now()); },
       .readingsChanged = [this] { readingsChanged(); },
       .temperatureFound = [this] { widgets_.writeWidgetSnapshot(WidgetPublisher::Force::yes); },
-      .wantsProcesses = [this] { return dashboard_.wantsProcesses(); },
+      .processesWanted = [this] { return dashboard_.processesWanted(); },
       .processesScanned = [this](ProcessScan scan) { dashboard_.updateProcesses(std::move(scan)); },
   };
 }

@@ -78,7 +78,8 @@ void SamplingLoop::finishTemperatureRead(std::optional<double> celsius, std::uin
 }
 
 void SamplingLoop::startProcessScan(Throttle throttle) {
-  if (scanning_ || !settings_.monitorMemory() || !callbacks_.wantsProcesses()) return;
+  const std::size_t wanted = scanning_ || !settings_.monitorMemory() ? 0 : callbacks_.processesWanted();
+  if (wanted == 0) return;
   const double uptime = platform_.readers().clock->uptime().count();
   const seconds distance = std::max(seconds(5), settings_.refreshInterval());
   if (throttle == Throttle::apply && uptime - lastScan_ < static_cast<double>(distance.count())) return;
@@ -88,9 +89,10 @@ void SamplingLoop::startProcessScan(Throttle throttle) {
     scanning_ = false;
     if (generation == scanGeneration_) callbacks_.processesScanned(std::move(scan));
   });
-  platform_.utilityQueue().async([&table = *platform_.readers().processTable, &loop = platform_.mainLoop(), finish] {
-    loop.post([finish, scan = scanProcesses(table)]() mutable { finish(std::move(scan)); });
-  });
+  platform_.utilityQueue().async(
+      [&table = *platform_.readers().processTable, &loop = platform_.mainLoop(), finish, wanted] {
+        loop.post([finish, scan = scanProcesses(table, wanted)]() mutable { finish(std::move(scan)); });
+      });
 }
 
 void SamplingLoop::forgetTemperature() {

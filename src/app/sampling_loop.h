@@ -27,8 +27,8 @@ class SamplingLoop {
     std::function<void()> readingsChanged;
     /// Before that, when a temperature is the first one since launch, wake or a change of the monitors.
     std::function<void()> temperatureFound;
-    /// Whether somebody looks at the process list.
-    std::function<bool()> wantsProcesses;
+    /// How many of the largest processes somebody looks at; 0 for nobody.
+    std::function<std::size_t()> processesWanted;
     std::function<void(ProcessScan)> processesScanned;
   };
   enum class Throttle { apply, ignore };

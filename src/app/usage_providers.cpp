@@ -39,7 +39,7 @@ UsageProviders::UsageProviders(PlatformServices& platform, const Settings& setti
           {.codex = [this](UsageRequest request,
                            std::function<void(UsageOutcome)> done) { return codex_.read(request, std::move(done)); },
            .claude = claudeReader(platform)},
-          *platform.readers().clock, platform.dates()) {
+          *platform.readers().clock, platform.dates(), platform.usageServices().network) {
   monitor_.onChange = std::move(changed);
 }
 

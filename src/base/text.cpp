@@ -81,6 +81,17 @@ Part firstPart(std::string_view bytes) {
   return {length, length == expected.length};
 }
 
+// Control characters, line and paragraph separators, and the marks for the direction of writing.
+bool isSteering(std::string_view character) {
+  // What stands on either side of them: they themselves would be misleading here.
+  constexpr std::array<std::array<std::string_view, 2>, 5> kNeighbours = {
+      {{"\x7F", "\u00A0"}, {"\u061B", "\u061D"}, {"\u200D", "\u2010"}, {"\u2027", "\u202F"}, {"\u2065", "\u206A"}}};
+  if (isAscii(character.front())) return character.front() < ' ' || character.front() == '\x7F';
+  // UTF-8 is in the order of the code points.
+  return std::ranges::any_of(kNeighbours,
+                             [&](const auto& range) { return character > range[0] && character < range[1]; });
+}
+
 }  // namespace
 
 std::string_view trimmed(std::string_view text) {
@@ -115,6 +126,10 @@ bool equalsIgnoringCase(std::string_view text, std::string_view other) {
 
 bool startsWithIgnoringCase(std::string_view text, std::string_view beginning) {
   return equalsIgnoringCase(text.substr(0, beginning.size()), beginning);
+}
+
+bool endsWithIgnoringCase(std::string_view text, std::string_view end) {
+  return text.size() >= end.size() && equalsIgnoringCase(text.substr(text.size() - end.size()), end);
 }
 
 std::string removedIgnoringCase(std::string_view text, std::string_view part) {
@@ -186,6 +201,19 @@ std::string repairedUtf8(std::string_view bytes) {
   while (!bytes.empty()) {
     const Part part = firstPart(bytes);
     text.append(part.wellFormed ? bytes.substr(0, part.length) : kReplacement);
+    bytes.remove_prefix(part.length);
+  }
+  return text;
+}
+
+std::string printableLine(std::string_view bytes) {
+  if (std::ranges::all_of(bytes, [](char byte) { return byte >= ' ' && byte != '\x7F'; })) return std::string(bytes);
+  std::string text;
+  text.reserve(bytes.size());
+  while (!bytes.empty()) {
+    const Part part = firstPart(bytes);
+    const std::string_view character = bytes.substr(0, part.length);
+    text.append(part.wellFormed && !isSteering(character) ? character : kReplacement);
     bytes.remove_prefix(part.length);
   }
   return text;

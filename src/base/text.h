@@ -23,6 +23,7 @@ inline constexpr std::string_view kBlanks = " \t\r\n";
 [[nodiscard]] std::string lowerCased(std::string_view text);
 [[nodiscard]] bool equalsIgnoringCase(std::string_view text, std::string_view other);
 [[nodiscard]] bool startsWithIgnoringCase(std::string_view text, std::string_view beginning);
+[[nodiscard]] bool endsWithIgnoringCase(std::string_view text, std::string_view end);
 /// `text` without any occurrence of `part`, which is not empty.
 [[nodiscard]] std::string removedIgnoringCase(std::string_view text, std::string_view part);
 
@@ -44,6 +45,10 @@ struct CharacterReplacement {
 [[nodiscard]] std::string_view trimmedWhiteSpace(std::string_view text);
 /// In lower case, and each white-space character a space.
 [[nodiscard]] std::string plainLowerCased(std::string_view text);
+
+/// `bytes` as valid UTF-8 in which nothing breaks a line or steers a terminal or the direction of writing: each
+/// such character becomes one U+FFFD, as what is ill-formed does.
+[[nodiscard]] std::string printableLine(std::string_view bytes);
 
 /// Whether `bytes` is well-formed UTF-8.
 [[nodiscard]] bool isUtf8(std::string_view bytes);

@@ -27,7 +27,7 @@ struct HttpRequest {
 struct HttpResponse {
   int status = 0;
   std::vector<std::pair<std::string, std::string>> headers;  ///< names in lower case, values trimmed
-  std::string body;
+  std::string body;  ///< of an answer with a status below 300; it is not waited for in others
 
   /// The first header of that (lower-case) name.
   [[nodiscard]] std::optional<std::string> header(const std::string& name) const {
@@ -39,7 +39,7 @@ struct HttpResponse {
 };
 
 enum class HttpFailure {
-  unreachable,  ///< no connection, a bad certificate, a time limit, a body cut off or too large
+  unreachable,  ///< no connection, a bad certificate, a time limit, a wanted body cut off or too large
   notHttp,      ///< something answered that does not speak HTTP
 };
 

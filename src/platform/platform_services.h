@@ -58,6 +58,7 @@ struct UserSurroundings {
 /// What reading AI allowances takes of the system.
 struct UsageServices {
   HttpClient& http;
+  Network& network;
   const SecretFiles& secretFiles;
   const ToolFiles& toolFiles;
   PseudoTerminals& terminals;

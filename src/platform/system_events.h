@@ -17,6 +17,16 @@ class SystemSleep {
   [[nodiscard]] virtual Subscription observe(std::function<void()> willSleep, std::function<void()> didWake) = 0;
 };
 
+/// Tells when the machine becomes connected. Main thread only.
+class Network {
+ public:
+  virtual ~Network() = default;
+
+  /// `connected` is called a little later than a way to the world appears, when names can be looked up as well.
+  /// What is there already does not count. Costs nothing meanwhile.
+  [[nodiscard]] virtual Subscription observe(std::function<void()> connected) = 0;
+};
+
 /// Tells when the system or the user asks the process to end (log-out, kill). Main thread only.
 class Termination {
  public:

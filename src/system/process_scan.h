@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -11,7 +12,7 @@ namespace nimbo {
 
 struct ProcessMemory {
   std::int32_t pid = 0;
-  std::string name;         ///< UTF-8
+  std::string name;         ///< UTF-8 of one line, without control characters
   std::uint64_t bytes = 0;  ///< physical footprint
   bool operator==(const ProcessMemory&) const = default;
 };
@@ -22,8 +23,9 @@ struct ProcessScan {
   bool operator==(const ProcessScan&) const = default;
 };
 
-/// Measures every process once. Never fails; at worst the scan is empty. Any thread that has
-/// `table` to itself.
-[[nodiscard]] ProcessScan scanProcesses(ProcessTable& table);
+/// Reads every process once and measures those that may be among the `exact` largest, which then have exact
+/// figures and whole names; the others' figures are estimates below theirs. Never fails; at worst the scan is
+/// empty. Any thread that has `table` to itself.
+[[nodiscard]] ProcessScan scanProcesses(ProcessTable& table, std::size_t exact);
 
 }  // namespace nimbo

@@ -36,13 +36,22 @@ struct UsageState {
   std::optional<UsageSnapshot> snapshot{};  ///< the last good one, kept across failures
   std::optional<std::string> message{};     ///< absent when the last refresh succeeded
   bool isRefreshing = false;
+  std::optional<UsageTime> retryNotBefore{};  ///< while the message tells of a rate limit
   bool operator==(const UsageState&) const = default;
+};
+
+/// When a reading that failed is worth another try.
+enum class UsageRetry {
+  usual,        ///< at the next that is due
+  withNetwork,  ///< also as soon as the machine is connected
+  late,         ///< nothing comes of it for a good while, unless the user does something
 };
 
 /// Why a reading failed.
 struct UsageError {
   std::string message{};                      ///< for the user; empty when there is nothing to tell
   std::optional<UsageTime> retryNotBefore{};  ///< the provider answered that it must not be asked before
+  UsageRetry retry = UsageRetry::usual;
   bool operator==(const UsageError&) const = default;
 };
 

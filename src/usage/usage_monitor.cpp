@@ -13,8 +13,8 @@ constexpr std::chrono::seconds kRefreshInterval{300};
 
 }  // namespace
 
-UsageMonitor::UsageMonitor(Reads reads, const Clock& clock, const Dates& dates)
-    : reads_(std::move(reads)), clock_(clock), dates_(dates) {
+UsageMonitor::UsageMonitor(Reads reads, const Clock& clock, const Dates& dates, Network& network)
+    : reads_(std::move(reads)), clock_(clock), dates_(dates), network_(network) {
   for (const auto provider : kAllUsageProviders) states_[provider];
 }
 
@@ -23,6 +23,7 @@ void UsageMonitor::setEnabled(UsageProvider provider, bool enabled) {
   if (state.enabled == enabled) return;
   endRead(provider);
   records_[provider].nextRefresh = {};
+  records_[provider].connection.reset();
   state = {};
   state.enabled = enabled;
   changed();
@@ -46,23 +47,16 @@ bool UsageMonitor::start(UsageProvider provider, UsageRequest request) {
     if (manual && !record.isManual) record.isAskedAgain = true;
     return false;
   }
-  if (!manual && lasts(record.nextRefresh)) return false;
-  if (lasts(record.rateLimit)) {
-    if (manual) state.message = usage_messages::rateLimitReached(dates_.shortTime(record.rateLimit.until));
-    return manual;
+  if (!manual && record.nextRefresh.lasts(clock_)) return false;
+  if (record.rateLimit.lasts(clock_)) {
+    if (!manual) return false;
+    state.message = usage_messages::rateLimitReached(dates_.shortTime(record.rateLimit.until()));
+    state.retryNotBefore = record.rateLimit.until();
+    return true;
   }
+  observeNetwork(provider);
   beginRead(provider, request);
   return true;
-}
-
-UsageMonitor::Wait UsageMonitor::waitUntil(UsageTime instant) const {
-  using Seconds = std::chrono::duration<double>;
-  const Seconds left = Seconds(instant.time_since_epoch()) - Seconds(clock_.now().time_since_epoch());
-  return {instant, clock_.uptime() + left};
-}
-
-bool UsageMonitor::lasts(const Wait& wait) const {
-  return clock_.now() < wait.until && clock_.uptime() < wait.untilUptime;
 }
 
 void UsageMonitor::beginRead(UsageProvider provider, UsageRequest request) {
@@ -81,21 +75,43 @@ void UsageMonitor::finish(UsageProvider provider, UsageOutcome outcome) {
   if (outcome) {
     state.snapshot = std::move(*outcome);
     state.message.reset();
+    state.retryNotBefore.reset();
   } else {
     state.message = std::move(outcome.error().message);
-    if (outcome.error().retryNotBefore) record.rateLimit = waitUntil(*outcome.error().retryNotBefore);
+    state.retryNotBefore = outcome.error().retryNotBefore;
+    if (state.retryNotBefore) record.rateLimit = UsageWait(*state.retryNotBefore, clock_);
   }
-  record.nextRefresh = waitUntil(clock_.now() + kRefreshInterval);
+  record.nextRefresh = UsageWait(clock_.now() + kRefreshInterval, clock_);
   const bool again = record.isAskedAgain;
+  if (outcome || outcome.error().retry != UsageRetry::withNetwork) record.connection.reset();
   endRead(provider);
   changed();
-  if (again) refresh(std::span(&provider, 1), UsageRequest::manual);
+  if (again) return refresh(std::span(&provider, 1), UsageRequest::manual);
+  if (record.connection && record.isConnected) readOverNetwork(provider);
+}
+
+// Already while a read runs, which may learn only seconds later that it has failed.
+void UsageMonitor::observeNetwork(UsageProvider provider) {
+  auto& record = records_[provider];
+  record.isConnected = false;
+  record.connection = network_.observe([this, provider] {
+    records_[provider].isConnected = true;
+    if (!states_[provider].isRefreshing) readOverNetwork(provider);
+  });
+}
+
+// Once: the read that begins does not observe the network.
+void UsageMonitor::readOverNetwork(UsageProvider provider) {
+  records_[provider].connection.reset();
+  beginRead(provider, UsageRequest::automatic);
+  changed();
 }
 
 void UsageMonitor::stop() {
   bool anything = false;
   for (const auto provider : kAllUsageProviders) {
     if (!states_[provider].isRefreshing) continue;
+    records_[provider].connection.reset();
     endRead(provider);
     anything = true;
   }

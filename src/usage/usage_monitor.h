@@ -8,16 +8,18 @@
 #include <span>
 
 #include "platform/clock.h"
+#include "platform/system_events.h"
 #include "settings/usage_provider.h"
 #include "usage/usage_model.h"
+#include "usage/usage_wait.h"
 
 namespace nimbo {
 
 using UsageStates = std::map<UsageProvider, UsageState>;
 
-/// Decides when each provider is read: every five minutes and when the user asks, but only one read
-/// of a provider at a time, none before its rate-limit wait is over, and none that comes too late is
-/// kept. Main thread only.
+/// Decides when each provider is read: every five minutes, when the user asks, and once more when the
+/// network appears after a read that failed for want of it; but only one read of a provider at a time,
+/// none before its rate-limit wait is over, and none that comes too late is kept. Main thread only.
 class UsageMonitor {
  public:
   /// How each provider is read.
@@ -26,8 +28,8 @@ class UsageMonitor {
     UsageRead claude;
   };
 
-  /// `clock` and `dates` outlive it.
-  UsageMonitor(Reads reads, const Clock& clock, const Dates& dates);
+  /// The services outlive it.
+  UsageMonitor(Reads reads, const Clock& clock, const Dates& dates, Network& network);
   UsageMonitor(const UsageMonitor&) = delete;
   UsageMonitor& operator=(const UsageMonitor&) = delete;
 
@@ -47,33 +49,30 @@ class UsageMonitor {
   std::function<void()> onChange;
 
  private:
-  /// Ends at an instant of the wall clock, but lasts no longer than it was to when it began, however the clock is set.
-  struct Wait {
-    UsageTime until;
-    std::chrono::duration<double> untilUptime{0};
-  };
-
   /// What is remembered of one provider besides its state, which says whether a read runs.
   struct Record {
     Subscription read;
     std::uint64_t generation = 0;  ///< of the only read whose outcome still counts
     bool isManual = false;         ///< the user asked for the read that runs
     bool isAskedAgain = false;     ///< by the user, while an automatic read runs
-    Wait rateLimit;
-    Wait nextRefresh;
+    Subscription connection;       ///< from the start of a read until nothing depends on the network
+    bool isConnected = false;      ///< the network has appeared since that start
+    UsageWait rateLimit;
+    UsageWait nextRefresh;
   };
 
   [[nodiscard]] bool start(UsageProvider provider, UsageRequest request);
-  [[nodiscard]] Wait waitUntil(UsageTime instant) const;
-  [[nodiscard]] bool lasts(const Wait& wait) const;
   void beginRead(UsageProvider provider, UsageRequest request);
   void finish(UsageProvider provider, UsageOutcome outcome);
   void endRead(UsageProvider provider);
+  void observeNetwork(UsageProvider provider);
+  void readOverNetwork(UsageProvider provider);
   void changed() const;
 
   Reads reads_;
   const Clock& clock_;
   const Dates& dates_;
+  Network& network_;
   UsageStates states_;
   std::map<UsageProvider, Record> records_;
 };

@@ -55,6 +55,18 @@ TEST_F(AppDelegateUsageTest, LaunchReadsWhatIsEnabledAndTheItemShowsIt) {
   EXPECT_NE(itemToolTip().find("OpenAI · Codex\nWeekly: 40% remaining"), std::string::npos) << itemToolTip();
 }
 
+TEST_F(AppDelegateUsageTest, ReadThatFoundNoNetworkIsRepeatedWhenThereIsOne) {
+  launch();
+  readSignIn();
+  ASSERT_TRUE(platform.network.fail(HttpFailure::unreachable));
+  platform.loop.runPosted();
+  EXPECT_NE(itemToolTip().find("Couldn’t reach the provider."), std::string::npos) << itemToolTip();
+  platform.connection.appear();
+  readSignIn();
+  answer(200, kUsage);
+  EXPECT_NE(itemToolTip().find("Weekly: 40% remaining"), std::string::npos) << itemToolTip();
+}
+
 TEST_F(AppDelegateUsageTest, TicksReadAgainAfterFiveMinutes) {
   launch();
   readSignIn();

@@ -26,7 +26,7 @@ class SamplingLoopTest : public ::testing::Test {
         platform, settings,
         SamplingLoop::Callbacks{[this] { usedAtTick = readings().memory ? readings().memory->used() : 0; },
                                 [this] { ++changes; }, [this] { changesWhenFound.push_back(changes); },
-                                [this] { return wantsProcesses; },
+                                [this] { return processesWanted; },
                                 [this](ProcessScan scan) { scans.push_back(std::move(scan)); }});
   }
 
@@ -51,7 +51,7 @@ class SamplingLoopTest : public ::testing::Test {
 
   FakePlatformServices platform;
   Settings settings{platform.defaults};
-  bool wantsProcesses = false;
+  std::size_t processesWanted = 0;
   int changes = 0;
   std::vector<int> changesWhenFound;  ///< how many there had been when a temperature was the first
   std::optional<std::uint64_t> usedAtTick;
@@ -281,7 +281,7 @@ TEST_F(SamplingLoopTest, MissingTemperatureDoesNotHoldUpTheNextRead) {
 TEST_F(SamplingLoopTest, ProcessesAreScannedOnlyWhenWanted) {
   sampling->tick();
   EXPECT_EQ(platform.utilities.waiting(), 0U);
-  wantsProcesses = true;
+  processesWanted = 3;
   sampling->tick();
   EXPECT_EQ(platform.utilities.waiting(), 1U);
 }
@@ -289,14 +289,14 @@ TEST_F(SamplingLoopTest, ProcessesAreScannedOnlyWhenWanted) {
 TEST_F(SamplingLoopTest, ProcessesAreNotScannedWithoutMemoryMonitoring) {
   settings.setMonitorCpu(true);
   settings.setMonitorMemory(false);
-  wantsProcesses = true;
+  processesWanted = 3;
   sampling->startProcessScan(SamplingLoop::Throttle::ignore);
   EXPECT_EQ(platform.utilities.waiting(), 0U);
 }
 
 TEST_F(SamplingLoopTest, ScanIsHandedOver) {
   platform.processes->add(7, 1000, "seven");
-  wantsProcesses = true;
+  processesWanted = 3;
   sampling->tick();
   finishScan();
   ASSERT_EQ(scans.size(), 1U);
@@ -305,7 +305,7 @@ TEST_F(SamplingLoopTest, ScanIsHandedOver) {
 
 TEST_F(SamplingLoopTest, TwoSecondIntervalStillScansAtMostEveryFiveSeconds) {
   settings.setRefreshInterval(seconds(2));
-  wantsProcesses = true;
+  processesWanted = 3;
   sampling->startTimer();
   int finished = 0;
   for (int second = 1; second <= 20; ++second) {
@@ -318,7 +318,7 @@ TEST_F(SamplingLoopTest, TwoSecondIntervalStillScansAtMostEveryFiveSeconds) {
 
 TEST_F(SamplingLoopTest, ThirtySecondIntervalScansAtMostEveryThirtySeconds) {
   settings.setRefreshInterval(seconds(30));
-  wantsProcesses = true;
+  processesWanted = 3;
   sampling->startProcessScan(SamplingLoop::Throttle::apply);
   finishScan();
   platform.clock->advance(seconds(29));
@@ -330,7 +330,7 @@ TEST_F(SamplingLoopTest, ThirtySecondIntervalScansAtMostEveryThirtySeconds) {
 }
 
 TEST_F(SamplingLoopTest, ForcedScanIgnoresTheThrottleButNotARunningScan) {
-  wantsProcesses = true;
+  processesWanted = 3;
   sampling->startProcessScan(SamplingLoop::Throttle::ignore);
   sampling->startProcessScan(SamplingLoop::Throttle::ignore);
   EXPECT_EQ(platform.utilities.waiting(), 1U);
@@ -340,7 +340,7 @@ TEST_F(SamplingLoopTest, ForcedScanIgnoresTheThrottleButNotARunningScan) {
 }
 
 TEST_F(SamplingLoopTest, ScanFromBeforeSleepIsNotShown) {
-  wantsProcesses = true;
+  processesWanted = 3;
   sampling->tick();
   sampling->willSleep();
   finishScan();
@@ -396,7 +396,7 @@ TEST_F(SamplingLoopTest, WakeEmptiesHistoriesAndStartsAFreshCpuDelta) {
 
 TEST_F(SamplingLoopTest, ResultsForADestroyedLoopAreDropped) {
   settings.setMonitorTemperature(true);
-  wantsProcesses = true;
+  processesWanted = 3;
   sampling->tick();
   sampling.reset();
   EXPECT_TRUE(platform.temperatures.runOne());

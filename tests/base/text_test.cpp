@@ -33,6 +33,8 @@ TEST(Text, OnlyLatinCapitalsAreFolded) {
 TEST(Text, BeginningIsFoundInAnyCase) {
   EXPECT_TRUE(startsWithIgnoringCase("RESETS now", "resets "));
   EXPECT_FALSE(startsWithIgnoringCase("Reset", "resets "));
+  EXPECT_TRUE(endsWithIgnoringCase("Monthly CREDIT", "credit"));
+  EXPECT_FALSE(endsWithIgnoringCase("edit", "credit"));
 }
 
 TEST(Text, EveryOccurrenceIsRemoved) {
@@ -62,6 +64,21 @@ TEST(WhiteSpace, OfEveryKindIsTrimmed) {
 TEST(WhiteSpace, CharactersThatLookAlikeInBytesAreKept) {
   EXPECT_EQ(trimmedWhiteSpace("àĀ"), "àĀ");
   EXPECT_EQ(trimmedWhiteSpace("\u200B"), "\u200B");
+}
+
+TEST(Text, PrintableLineKeepsWordsOfEveryScript) {
+  for (const char* const text :
+       {"", "gnome-shell", "caf\u00E9 \u00A0\u4E16\u754C", "\U0001F600", "a\u200Bb", "\u061B\u2027\u2065"}) {
+    EXPECT_EQ(printableLine(text), text);
+  }
+}
+
+TEST(Text, PrintableLineHasNothingThatSteers) {
+  EXPECT_EQ(printableLine("a\nb\x1b[0m\x7f\r"), "a\uFFFDb\uFFFD[0m\uFFFD\uFFFD");
+  for (const char* const mark :
+       {"\t", "\u0080", "\u009B", "\u009F", "\u061C", "\u200F", "\u2028", "\u202E", "\u2067", "\xE9"}) {
+    EXPECT_EQ(printableLine(std::string("x") + mark + "y"), "x\uFFFDy") << mark;
+  }
 }
 
 }  // namespace

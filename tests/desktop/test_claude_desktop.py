@@ -24,6 +24,8 @@ PAGE = HERE / "claude_usage_page.html"
 SCREEN = HERE / "claude_usage_screen.txt"
 CHROMIUM = pathlib.Path("/usr/lib/chromium")
 
+FIGURES = [("5-hour", 61), ("Weekly", 12.5), ("Sonnet weekly", 0), ("Opus weekly", 23)]
+
 NOT_RUNNING = "Desktop fallback: open Claude → Settings → Usage, then refresh.\n"
 NOT_TRUSTED = "Desktop fallback needs Accessibility access. Enable it in Nimbo Settings → AI Usage.\n"
 NOT_SHOWN = "Desktop fallback: leave Claude → Settings → Usage open, then refresh.\n"
@@ -109,7 +111,7 @@ class ClaudeDesktopTest(unittest.TestCase):
             [os.environ["NIMBO_SCREEN_WINDOWS"]], input=SCREEN.read_text(), capture_output=True, text=True, check=True
         )
         terminal = json.loads(screen.stdout)
-        self.assertEqual(self.figures(snapshot), [("5-hour", 61), ("Weekly", 12.5), ("Sonnet weekly", 0)])
+        self.assertEqual(self.figures(snapshot), FIGURES)
         self.assertEqual(self.figures(snapshot), self.figures(terminal))
         for here, there in zip(self.waits(snapshot), self.waits(terminal), strict=True):
             self.assertEqual(here is None, there is None)
@@ -140,7 +142,7 @@ class ClaudeDesktopTest(unittest.TestCase):
         self.assertEqual(self.status("Get"), (True,))
         browser.end()
         self.show()
-        self.assertEqual(len(self.snapshot()["windows"]), 3)
+        self.assertEqual(len(self.snapshot()["windows"]), len(FIGURES))
 
     def test_stopped_application_is_left_soon(self):
         self.enable()

@@ -19,6 +19,7 @@
 #include "support/fake_http_client.h"
 #include "support/fake_login_item.h"
 #include "support/fake_main_loop.h"
+#include "support/fake_network.h"
 #include "support/fake_own_process.h"
 #include "support/fake_power_sources.h"
 #include "support/fake_process_table.h"
@@ -137,14 +138,10 @@ class FakePlatformServices final : public PlatformServices {
   [[nodiscard]] const Dates& dates() override { return utcDates; }
   [[nodiscard]] std::optional<ResourceUsage> ownUsage() const override { return self.usage(); }
   [[nodiscard]] UsageServices usageServices() override {
-    return {network,
-            secretFiles,
-            toolFiles,
-            *terminals,
-            *screens,
-            claude,
-            [this](std::function<void()> work) { background.async(std::move(work)); },
-            user};
+    return {
+        network,    connection, secretFiles, toolFiles,
+        *terminals, *screens,   claude,      [this](std::function<void()> work) { background.async(std::move(work)); },
+        user};
   }
   [[nodiscard]] LoginItem& loginItem() override { return login; }
   [[nodiscard]] WidgetCenter& widgetCenter() override { return widgets; }
@@ -181,6 +178,7 @@ class FakePlatformServices final : public PlatformServices {
   FakeDates utcDates;
   FakeOwnProcess self;
   FakeHttpClient network;
+  FakeNetwork connection;
   FakeSecretFiles secretFiles;
   FakeToolFiles toolFiles;
   std::unique_ptr<FakePseudoTerminals> terminals;

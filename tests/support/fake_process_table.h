@@ -13,8 +13,14 @@ namespace nimbo {
 class FakeProcessTable final : public ProcessTable {
  public:
   void add(std::int32_t pid, std::uint64_t footprint, std::string name) {
+    add(pid, {footprint, footprint, std::move(name)}, footprint);
+  }
+
+  /// Without an `exact` figure it may not be looked into.
+  void add(std::int32_t pid, ProcessReading reading, std::optional<std::uint64_t> exact) {
     listed_.push_back(pid);
-    readings_[pid] = {footprint, std::move(name)};
+    readings_[pid] = std::move(reading);
+    if (exact) exact_[pid] = *exact;
   }
 
   /// Listed, but gone or not permitted when it is measured.
@@ -29,12 +35,26 @@ class FakeProcessTable final : public ProcessTable {
     return found == readings_.end() ? std::nullopt : std::optional(found->second);
   }
 
-  std::vector<std::int32_t> asked;  ///< identifiers in the order in which they were measured
-  std::function<void()> onRead;     ///< called with each measurement, so that time may pass
+  [[nodiscard]] std::optional<std::uint64_t> footprint(std::int32_t pid) override {
+    measured.push_back(pid);
+    const auto found = exact_.find(pid);
+    return found == exact_.end() ? std::nullopt : std::optional(found->second);
+  }
+
+  [[nodiscard]] std::string wholeName(std::int32_t pid, std::string name) override {
+    const auto found = wholeNames.find(pid);
+    return found == wholeNames.end() ? name : found->second;
+  }
+
+  std::map<std::int32_t, std::string> wholeNames;  ///< where they differ
+  std::vector<std::int32_t> asked;                 ///< identifiers in the order in which they were read
+  std::vector<std::int32_t> measured;              ///< likewise, exactly
+  std::function<void()> onRead;                    ///< called with each reading, so that time may pass
 
  private:
   std::vector<std::int32_t> listed_;
   std::map<std::int32_t, ProcessReading> readings_;
+  std::map<std::int32_t, std::uint64_t> exact_;
 };
 
 }  // namespace nimbo

@@ -7,6 +7,7 @@
 
 #include "support/fake_clock.h"
 #include "support/fake_dates.h"
+#include "support/fake_network.h"
 #include "support/fake_usage_read.h"
 
 namespace nimbo {
@@ -31,6 +32,9 @@ class UsageMonitorTest : public testing::Test {
     return monitor->states().at(provider);
   }
   UsageSnapshot snapshot(double used) const { return {{{"Weekly", used, {}}}, clock.now(), {}}; }
+  void failUnreached() {
+    codexRead.finish(tl::unexpected(UsageError{.message = "none", .retry = UsageRetry::withNetwork}));
+  }
   static UsageError rateLimit(UsageTime until) { return {"wait", until}; }
 
   static constexpr auto codexProvider = UsageProvider::codex;
@@ -38,10 +42,11 @@ class UsageMonitorTest : public testing::Test {
 
   FakeClock clock;
   FakeDates dates;
+  FakeNetwork network;
   FakeUsageRead codexRead;
   FakeUsageRead claudeRead;
   std::unique_ptr<UsageMonitor> monitor =
-      std::make_unique<UsageMonitor>(UsageMonitor::Reads{codexRead.read(), claudeRead.read()}, clock, dates);
+      std::make_unique<UsageMonitor>(UsageMonitor::Reads{codexRead.read(), claudeRead.read()}, clock, dates, network);
   int changes = 0;
 };
 
@@ -92,6 +97,47 @@ TEST_F(UsageMonitorTest, FailureIsRetriedAfterFiveMinutesToo) {
   clock.advance(300s);
   refresh(kAuto);
   EXPECT_EQ(codexRead.requests.size(), 2U);
+}
+
+TEST_F(UsageMonitorTest, FailureForWantOfANetworkIsRetriedOnceWhenThatAppears) {
+  refresh(kAuto);
+  failUnreached();
+  network.appear();
+  EXPECT_EQ(codexRead.running(), 1U);
+  failUnreached();
+  network.appear();
+  EXPECT_EQ(codexRead.requests, (Requests{kAuto, kAuto}));
+  clock.advance(300s);
+  refresh(kAuto);
+  failUnreached();
+  network.appear();
+  codexRead.finish(snapshot(1));
+  EXPECT_EQ(codexRead.requests.size(), 4U);
+  EXPECT_FALSE(state().message);
+}
+
+TEST_F(UsageMonitorTest, NetworkThatAppearsDuringAReadThatFailsCountsToo) {
+  refresh(kAuto);
+  network.appear();
+  EXPECT_EQ(codexRead.requests.size(), 1U);
+  failUnreached();
+  EXPECT_EQ(codexRead.requests.size(), 2U);
+}
+
+TEST_F(UsageMonitorTest, NetworkIsObservedOnlyAsLongAsAnythingDependsOnIt) {
+  EXPECT_EQ(network.observers(), 0);
+  refresh(kAuto);
+  EXPECT_EQ(network.observers(), 1);
+  codexRead.finish(snapshot(1));
+  EXPECT_EQ(network.observers(), 0);
+  refresh(kManual);
+  codexRead.fail("no");
+  EXPECT_EQ(network.observers(), 0);
+  refresh(kManual);
+  failUnreached();
+  EXPECT_EQ(network.observers(), 1);
+  monitor->setEnabled(codexProvider, false);
+  EXPECT_EQ(network.observers(), 0);
 }
 
 TEST_F(UsageMonitorTest, ManualRefreshNeedNotWait) {
@@ -186,6 +232,7 @@ TEST_F(UsageMonitorTest, RateLimitWaitSendsNothingAndOnlyAManualRefreshSaysSo) {
   const auto until = clock.now() + 3600s;
   codexRead.finish(tl::unexpected(rateLimit(until)));
   EXPECT_EQ(state().message, "wait");
+  EXPECT_EQ(state().retryNotBefore, until);
   clock.advance(3599s);
   changes = 0;
   refresh(kAuto);
@@ -195,11 +242,14 @@ TEST_F(UsageMonitorTest, RateLimitWaitSendsNothingAndOnlyAManualRefreshSaysSo) {
   EXPECT_EQ(state().message,
             "Provider rate limit reached. Retry at " + dates.shortTime(until) + ". Refresh cannot shorten this wait.");
   EXPECT_EQ(changes, 1);
+  EXPECT_EQ(state().retryNotBefore, until);
   EXPECT_FALSE(state().isRefreshing);
   EXPECT_EQ(codexRead.requests.size(), 1U);
   clock.advance(1s);
   refresh(kAuto);
   EXPECT_EQ(codexRead.requests.size(), 2U);
+  codexRead.finish(snapshot(1));
+  EXPECT_FALSE(state().retryNotBefore);
 }
 
 TEST_F(UsageMonitorTest, QueuedManualRefreshRespectsTheWaitThatItsReadBrought) {
@@ -259,6 +309,7 @@ TEST_F(UsageMonitorTest, StopEndsTheReadsAndTheNextRefreshStartsThemAgain) {
   refresh(kAuto);
   monitor->stop();
   EXPECT_EQ(codexRead.running(), 0U);
+  EXPECT_EQ(network.observers(), 0);
   EXPECT_FALSE(state().isRefreshing);
   codexRead.finishLate(snapshot(5));
   EXPECT_FALSE(state().snapshot);

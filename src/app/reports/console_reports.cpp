@@ -40,7 +40,7 @@ void addTemperature(std::string& text, std::optional<double> celsius) {
 void addProcesses(std::string& text, ProcessTable& processes, const Clock& clock) {
   constexpr std::size_t kListed = 10;
   const auto before = clock.uptime();
-  const ProcessScan scan = scanProcesses(processes);
+  const ProcessScan scan = scanProcesses(processes, kListed);
   const std::chrono::duration<double, std::milli> elapsed = clock.uptime() - before;
 
   addLine(text, "Process scan: {} readable, {} inaccessible/exited, {:.1f} ms", scan.processes.size(), scan.unreadable,

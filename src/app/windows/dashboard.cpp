@@ -84,8 +84,9 @@ void Dashboard::setItemHighlighted(bool highlighted) {
   if (const auto item = item_.lock()) item->setHighlighted(highlighted);
 }
 
-bool Dashboard::wantsProcesses() const {
-  return parts_ && (offscreen_ || visible()) && parts_->controller.selectedTab() == DashboardTab::memory;
+std::size_t Dashboard::processesWanted() const {
+  const bool isShown = parts_ && (offscreen_ || visible());
+  return isShown && parts_->controller.selectedTab() == DashboardTab::memory ? parts_->controller.processesWanted() : 0;
 }
 
 bool Dashboard::justClosedBy(const StatusItem& item) const {

@@ -44,8 +44,9 @@ class Dashboard {
   [[nodiscard]] bool loaded() const { return parts_ && parts_->window->prepared(); }
   void close();
   [[nodiscard]] bool visible() const { return parts_ && parts_->window->visible(); }
-  /// Whether somebody looks at the process list, or it is being loaded off screen.
-  [[nodiscard]] bool wantsProcesses() const;
+  /// How many of the largest processes are to be scanned exactly; 0 unless somebody looks at the list or it is being
+  /// loaded off screen.
+  [[nodiscard]] std::size_t processesWanted() const;
   /// Whether a click now reported by `item` must be the one that has just closed the dashboard under that item. Such
   /// a click is not meant to open it again.
   [[nodiscard]] bool justClosedBy(const StatusItem& item) const;

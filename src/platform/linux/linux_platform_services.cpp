@@ -30,6 +30,7 @@
 #include "platform/linux/machine/hwmon_temperature_sensor.h"
 #include "platform/linux/machine/procfs_host_statistics.h"
 #include "platform/linux/machine/procfs_processes.h"
+#include "platform/linux/machine/rtnetlink_network.h"
 #include "platform/linux/power/desktop_assertion_client.h"
 #include "platform/linux/power/logind_system_sleep.h"
 #include "platform/linux/power/sysfs_power_sources.h"
@@ -147,7 +148,7 @@ class LinuxPlatformServices final : public PlatformServices {
     return [this](DisplayNeed need, WindowsProcess::Events events) { return windows_.start(need, std::move(events)); };
   }
   [[nodiscard]] UsageServices usageServices() override {
-    return {http_, secretFiles_, toolFiles_, terminals_, accessibility_, claudeQueue_, inBackground(), user_};
+    return {http_, network_, secretFiles_, toolFiles_, terminals_, accessibility_, claudeQueue_, inBackground(), user_};
   }
   [[nodiscard]] LoginItem& loginItem() override { return loginItem_; }
   [[nodiscard]] WidgetCenter& widgetCenter() override { return widgetCenter_; }
@@ -209,6 +210,7 @@ class LinuxPlatformServices final : public PlatformServices {
   const UserSurroundings user_ = surroundingsFrom(environment_);
   ModuleHttpClient http_{
       loop_, modules_, {"Nimbo", environment_.get("SSL_CERT_FILE"), environment_.get("SSL_CERT_DIR")}};
+  RtnetlinkNetwork network_{loop_};
   PlainSecretFiles secretFiles_;
   LocalToolFiles toolFiles_;
   PtyTerminals terminals_;

@@ -11,7 +11,6 @@ constexpr double kWidth = 340;
 constexpr double kFooterHeight = 38;
 constexpr double kUsagePageHeight = 496;
 constexpr double kAwakePageHeight = 446;
-constexpr std::size_t kProcessLimitStep = 10;
 
 const char* tabLabel(DashboardTab tab) {
   switch (tab) {

@@ -31,6 +31,8 @@ class DashboardController {
   /// Has the window show what the sources say now.
   void show();
   void showProcesses(ProcessScan scan);
+  /// The processes in the list and those that the next click adds to it.
+  [[nodiscard]] std::size_t processesWanted() const { return processes_.limit + kProcessLimitStep; }
 
   /// What the user does with the tabs, the process list and the Keep Awake page.
   void handle(const ControlEvent& event);

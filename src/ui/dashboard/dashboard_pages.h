@@ -25,6 +25,7 @@ struct DashboardSources {
 };
 
 inline constexpr std::size_t kCollapsedProcessLimit = 3;
+inline constexpr std::size_t kProcessLimitStep = 10;
 
 /// What the resources page shows besides.
 struct ProcessView {

@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 
 #include "ui/dashboard/chart_bars.h"
@@ -42,6 +43,13 @@ std::string resetText(const UsageWindow& window, const Dates& dates) {
   return "Resets " + dates.abbreviatedDateAndShortTime(*window.resetsAt);
 }
 
+// Of a wait so long that the time of day, which the message tells, could be that of any day.
+std::string retryDate(const CardState& card) {
+  const auto& retry = card.state.retryNotBefore;
+  if (!retry || *retry - card.now < std::chrono::hours(24)) return "";
+  return "Retry at " + card.dates.abbreviatedDateAndShortTime(*retry);
+}
+
 ChartContent barFor(const UsageWindow& window, const CardState& card) {
   const double left = percentLeft(window);
   const double fraction = std::isfinite(left) ? std::clamp(left / 100, 0.0, 1.0) : 0;
@@ -75,7 +83,7 @@ UsageCardContent cardFor(const CardState& card, double y) {
   const double height = windows.empty() ? 110 : kUsageRowHeight * static_cast<double>(windows.size()) + 63;
 
   UsageCardContent content{card.provider, {0, y, 300, height}};
-  content.title = {{12, 11, 245, 22}, {14, FontWeight::semibold}, providerLabel(card.provider)};
+  content.title = {{12, 11, 245, 22}, {14, FontWeight::semibold}, providerLabel(card.provider), retryDate(card)};
   content.link = {linkIdentifier(card.provider), {263, 10, 26, 24}, ButtonLook::inlined, 12, "↗"};
   content.link.accessibleName = content.link.toolTip = "Open " + name + " usage dashboard";
   const bool lastKnown = card.stale && !windows.empty();

@@ -5,7 +5,9 @@
 #include <chrono>
 #include <cstddef>
 #include <optional>
+#include <string_view>
 
+#include "base/text.h"
 #include "usage/claude/usage_screen_parser.h"
 #include "usage/usage_messages.h"
 
@@ -47,9 +49,17 @@ class Walk {
   // An element often repeats its title as its value.
   void add(const std::optional<std::string>& line) {
     if (!line || line->empty() || characters(*line) >= kTooLong || line == lastLine_) return;
-    if (lastLine_) text_ += '\n';
-    text_ += *line;
+    const std::string_view words = trimmedWhiteSpace(*line);
+    const bool isSameLine = continuesFigure(words);
+    if (lastLine_ && !isSameLine) text_ += '\n';
+    text_ += isSameLine ? words : *line;
     lastLine_ = line;
+  }
+
+  // Pages spread a figure over elements that stand side by side: "23" and "% used".
+  [[nodiscard]] bool continuesFigure(std::string_view words) const {
+    if (text_.empty()) return false;
+    return (isDigit(text_.back()) && words.starts_with('%')) || (text_.back() == '%' && words.starts_with("used"));
   }
 
   const Clock& clock_;

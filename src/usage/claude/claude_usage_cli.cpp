@@ -42,8 +42,9 @@ class ScreenWatch {
     if (isTooMuch()) return tl::unexpected(UsageError{usage_messages::kClaudeCodeScreenUnsupported});
     if (stop_.stop_requested()) return tl::unexpected(UsageError{});
     interpret();
-    if (!latest_) return tl::unexpected(UsageError{usage_messages::kClaudeCodeGaveNoUsage});
-    return latest_;
+    if (latest_) return latest_;
+    return tl::unexpected(UsageError{.message = usage_messages::kClaudeCodeGaveNoUsage,
+                                     .retry = isDeadEnd_ ? UsageRetry::late : UsageRetry::withNetwork});
   }
 
  private:
@@ -59,7 +60,7 @@ class ScreenWatch {
       return !isTooMuch();
     }
     interpret();
-    const bool hasSettled = latest_ && clock_.uptime() - latestOutput_ > cli_.pace.settling;
+    const bool hasSettled = isConclusive() && clock_.uptime() - latestOutput_ > cli_.pace.settling;
     return running && !hasSettled;
   }
 
@@ -68,9 +69,12 @@ class ScreenWatch {
     const Interval now = clock_.uptime();
     const auto until = [now](Interval moment) { return std::chrono::ceil<milliseconds>(moment - now); };
     auto result = std::min(cli_.pace.polling, until(deadline));
-    if (latest_) result = std::min(result, until(latestOutput_ + cli_.pace.settling));
+    if (isConclusive()) result = std::min(result, until(latestOutput_ + cli_.pace.settling));
     return std::max(result, milliseconds{1});
   }
+
+  /// Whether what was interpreted is all that is waited for.
+  [[nodiscard]] bool isConclusive() const { return latest_ || isDeadEnd_; }
 
   /// More than any usage screen.
   [[nodiscard]] bool isTooMuch() const { return screen_.size() > kMaximumScreenBytes; }
@@ -96,6 +100,7 @@ class ScreenWatch {
   void interpret() {
     if (const auto drawnAt = std::exchange(drawnAt_, std::nullopt)) {
       latest_ = parseUsageScreen(screen_, *drawnAt, kToolSource, cli_.surroundings.localZone);
+      isDeadEnd_ = !latest_ && isDeadEnd(screen_);
     }
   }
 
@@ -108,6 +113,7 @@ class ScreenWatch {
   bool hasAnswered_ = false;
   std::optional<UsageTime> drawnAt_;                    // of what was not interpreted yet
   UsageOutcome latest_ = tl::unexpected(UsageError{});  // of what was interpreted
+  bool isDeadEnd_ = false;                              // likewise
   Interval latestOutput_;
 };
 

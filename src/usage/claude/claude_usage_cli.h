@@ -35,8 +35,8 @@ struct ClaudeUsageCLI {
     std::chrono::milliseconds stopping{500};  ///< from the polite request to end to the forced end
   };
 
-  /// Blocks for `timeout` and the time to stop the tool at most; when it returns, the tool is gone. Not
-  /// on the main thread.
+  /// Blocks for `timeout` and the time to stop the tool at most, less where the tool shows that nothing will come; when
+  /// it returns, the tool is gone. Not on the main thread.
   [[nodiscard]] UsageOutcome fetch(const std::filesystem::path& executable, std::chrono::duration<double> timeout,
                                    const std::stop_token& stop) const;
 

@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <stop_token>
 #include <string>
 #include <vector>
@@ -10,11 +11,13 @@
 #include "platform/main_loop.h"
 #include "usage/claude/claude_usage_cli.h"
 #include "usage/usage_model.h"
+#include "usage/usage_wait.h"
 
 namespace nimbo {
 
-/// Reads Claude's limits: from Claude Code, and when that fails from the desktop application. A
-/// `UsageRead`, to be called on the main thread; it may go while a read runs.
+/// Reads Claude's limits: from Claude Code, and when that fails from the desktop application. A tool that has
+/// shown a dead end is left alone for half an hour, unless the user asks. A `UsageRead`, to be called on the
+/// main thread; it may go while a read runs.
 struct ClaudeUsageReader {
   /// They outlive every read. `queue` is for this alone: a job may take half a minute.
   struct Services {
@@ -41,6 +44,8 @@ struct ClaudeUsageReader {
   Services services;
   User user;
   DesktopRead desktop;
+  /// For the tool, what its copies share; on the queue only.
+  std::shared_ptr<UsageWait> pause = std::make_shared<UsageWait>();
 };
 
 }  // namespace nimbo

@@ -117,15 +117,35 @@ std::optional<Seconds> timeOfDay(Scanner scanner, Hours hours) {
 
 cctz::civil_second onThatDay(cctz::civil_day day, Seconds time) { return cctz::civil_second(day) + time.count(); }
 
-// "nov 20" or "november 20", which must exist in that year.
-std::optional<cctz::civil_day> takeDate(Scanner& scanner, cctz::year_t year) {
+// "2027" after spaces, a comma or both; where none stands, nothing is taken.
+std::optional<cctz::year_t> takeYear(Scanner& scanner) {
+  Scanner ahead = scanner;
+  ahead.skip(",");
+  ahead.skipSpaces();
+  const std::string_view digits = ahead.take(isDigit);
+  if (digits.size() != 4) return std::nullopt;
+  scanner = ahead;
+  cctz::year_t year = 0;
+  std::from_chars(digits.data(), digits.data() + digits.size(), year);
+  return year;
+}
+
+struct Date {
+  cctz::civil_day day;
+  bool hasYear = false;  ///< of its own
+};
+
+// "nov 20", "november 20" or "nov 20, 2027", which must exist; `year` counts where none is written.
+std::optional<Date> takeDate(Scanner& scanner, cctz::year_t year) {
   const std::string_view word = scanner.take(isLetter);
   const auto isNamed = [&](std::string_view month) { return word == month || word == month.substr(0, 3); };
   const auto month = std::ranges::find_if(kMonths, isNamed) - kMonths.begin() + 1;
   const auto day = scanner.skipSpaces() ? scanner.number(1) : std::nullopt;
   if (!day) return std::nullopt;
-  const cctz::civil_day date(year, month, *day);  // of what does not exist another one, like of a 13th month
-  return date.month() == month && date.day() == *day ? std::optional(date) : std::nullopt;
+  const auto written = takeYear(scanner);
+  const cctz::civil_day date(written.value_or(year), month, *day);  // of what does not exist another one
+  const bool exists = date.month() == month && date.day() == *day;
+  return exists ? std::optional(Date{date, written.has_value()}) : std::nullopt;
 }
 
 cctz::civil_day oneYearOn(cctz::civil_day day) {
@@ -140,7 +160,7 @@ std::optional<UsageTime> instant(ZoneSeconds time) {
   return time >= kFirst && time <= kLast ? std::optional(UsageTime(time)) : std::nullopt;
 }
 
-// "nov 20 at 9:00am" or "nov 20, 9:00am".
+// "nov 20 at 9:00am" or "nov 20, 9:00am"; near the end of a year the tool writes "jan 2, 2027, 9am".
 std::optional<UsageTime> resetOnDate(Scanner scanner, UsageTime now, const cctz::time_zone& zone) {
   constexpr Seconds kTooLongAgo = 180 * kDay;
   const auto date = takeDate(scanner, cctz::convert(now, zone).year());
@@ -149,9 +169,9 @@ std::optional<UsageTime> resetOnDate(Scanner scanner, UsageTime now, const cctz:
   scanner.skipSpaces();
   const auto time = timeOfDay(scanner, Hours::twelve);
   if (!date || !isJoined || !time) return std::nullopt;
-  const ZoneSeconds thisYear = cctz::convert(onThatDay(*date, *time), zone);
-  const bool isPast = std::chrono::floor<Seconds>(now) - thisYear > kTooLongAgo;
-  return instant(isPast ? cctz::convert(onThatDay(oneYearOn(*date), *time), zone) : thisYear);
+  const ZoneSeconds moment = cctz::convert(onThatDay(date->day, *time), zone);
+  const bool isNextYear = !date->hasYear && std::chrono::floor<Seconds>(now) - moment > kTooLongAgo;
+  return instant(isNextYear ? cctz::convert(onThatDay(oneYearOn(date->day), *time), zone) : moment);
 }
 
 // That time of that day, if it comes after `now`.

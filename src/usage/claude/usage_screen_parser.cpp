@@ -2,6 +2,7 @@
 #include "usage/claude/usage_screen_parser.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <limits>
 #include <optional>
@@ -139,7 +140,8 @@ class ScreenWindows {
     if (const auto figure = usedFigure(line)) begun_->usedPercent = *figure;
     if (startsWithIgnoringCase(line, "resets ")) begun_->resetLine = line;
     const bool isOtherSection = startsWithIgnoringCase(line, "usage credits") ||
-                                startsWithIgnoringCase(line, "extra usage") || equalsIgnoringCase(line, "activity");
+                                startsWithIgnoringCase(line, "extra usage") || equalsIgnoringCase(line, "activity") ||
+                                endsWithIgnoringCase(line, "credit");
     if (isOtherSection) commit();
   }
 
@@ -160,6 +162,15 @@ bool asksForTrust(std::string_view screen, const std::vector<std::string>& folde
   const auto shows = [&text](std::string_view part) { return text.find(part) != std::string::npos; };
   return shows("y. Yes, I trust this folder") && shows("Enter y/n:") &&
          std::ranges::any_of(folderNames, [&](const std::string& name) { return shows(repairedUtf8(name)); });
+}
+
+bool isDeadEnd(std::string_view screen) {
+  // Without what stands between the letters: the tool may move its cursor on instead of writing blanks.
+  constexpr std::array<std::string_view, 6> kMarks{"notloggedin",        "pleaserunlogin", "selectloginmethod",
+                                                   "choosethetextstyle", "ratelimited",    "ratelimiterror"};
+  std::string letters = lowerCased(plainTerminalText(screen));
+  std::erase_if(letters, [](char character) { return character < 'a' || character > 'z'; });
+  return std::ranges::any_of(kMarks, [&](std::string_view mark) { return letters.find(mark) != std::string::npos; });
 }
 
 UsageOutcome parseUsageScreen(std::string_view screen, UsageTime now, std::string_view source,

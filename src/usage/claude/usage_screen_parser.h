@@ -17,6 +17,10 @@ namespace nimbo {
 /// be trusted that goes by one of these names.
 [[nodiscard]] bool asksForTrust(std::string_view screen, const std::vector<std::string>& folderNames);
 
+/// Whether the tool's screen, as it was written to the terminal, is one that it shows instead of the limits until
+/// the user has set it up or signed in, or until its service answers again, which takes it a good while.
+[[nodiscard]] bool isDeadEnd(std::string_view screen);
+
 /// Reads the limits off a usage screen, as it was written to a terminal or as a window shows it, line by line:
 /// a title, then its figure and its reset, in any order and with anything in between. An error when it shows
 /// none. `source` is the snapshot's, `localZone` as in `parseResetText`. Linear time; any thread.

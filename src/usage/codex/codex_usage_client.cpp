@@ -54,8 +54,9 @@ HttpRequest CodexUsageClient::usageRequest(UsageCredentials credentials) const {
 
 UsageOutcome CodexUsageClient::conclude(const HttpClient::Answer& answer) const {
   if (!answer) {
-    return failure(answer.error() == HttpFailure::notHttp ? usage_messages::kNoHttpResponse
-                                                          : usage_messages::kProviderUnreachable);
+    if (answer.error() == HttpFailure::notHttp) return failure(usage_messages::kNoHttpResponse);
+    return tl::unexpected(
+        UsageError{.message = usage_messages::kProviderUnreachable, .retry = UsageRetry::withNetwork});
   }
   switch (answer->status) {
     case 200:

@@ -108,6 +108,11 @@ TEST_F(DiagnosticsReportTest, ProcessOfExactlyOneGigabyteAndOneByteLess) {
   EXPECT_EQ(line("2\t"), "2\t1024 MB\tb");
 }
 
+TEST_F(DiagnosticsReportTest, NameThatBreaksALineOrSteersTheTerminalIsOneLine) {
+  processes.add(7, 1 << 20, "a\nUsed: 0.0 GB\x1b[2J");
+  EXPECT_EQ(line("7\t"), "7\t1 MB\ta\uFFFDUsed: 0.0 GB\uFFFD[2J");
+}
+
 TEST_F(DiagnosticsReportTest, EmptyScanPrintsNoProcessLines) {
   const std::string output = make().output;
   EXPECT_TRUE(output.ends_with("Process scan: 0 readable, 0 inaccessible/exited, 0.0 ms\n"));

@@ -43,6 +43,18 @@ TEST_F(HttpClientTest, EveryStatusIsAnAnswer) {
   }
 }
 
+TEST_F(HttpClientTest, RefusalStandsWhateverBecomesOfItsBody) {
+  for (const int status : {302, 401, 429, 500}) {
+    const auto head = "HTTP/1.1 " + std::to_string(status) + " No\r\nRetry-After: 3600\r\n";
+    for (const auto& [rest, manner] : {std::pair("\r\n", "flood"), {"Content-Length: 100\r\n\r\nno", "cut"}}) {
+      const auto answer = get(request(server.url(head + rest, manner)));
+      ASSERT_TRUE(answer) << status << manner;
+      EXPECT_EQ(answer->status, status);
+      EXPECT_EQ(answer->header("retry-after"), "3600");
+    }
+  }
+}
+
 TEST_F(HttpClientTest, TokenThatIsRefusedIsNotOfferedAgain) {
   auto wanted = request(
       server.url("HTTP/1.1 401 Unauthorized\r\nWWW-Authenticate: Bearer realm=\"x\"\r\nContent-Length: 0\r\n\r\n"));

@@ -2,6 +2,7 @@
 #include "platform/linux/machine/procfs_processes.h"
 
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
@@ -45,6 +46,12 @@ TEST(ProcessStatus, FootprintIsPrivateMemoryAndItsSwap) {
   EXPECT_EQ(reading.name, "gnome-shell");
 }
 
+TEST(ProcessStatus, AtMostSharedMemoryAndHugePagesAreItsAsWell) {
+  EXPECT_EQ(parseProcessStatus(kStatus).most, (241668U + 12000U + 8112U) * 1024);
+  EXPECT_EQ(parseProcessStatus("Name:\tvm\nRssAnon:\t8 kB\nVmSwap:\t0 kB\nHugetlbPages:\t 2048 kB\n").most,
+            (8U + 2048U) * 1024);
+}
+
 TEST(ProcessStatus, AllResidentMemoryStandsInOnOldKernels) {
   EXPECT_EQ(parseProcessStatus(kOldStatus).footprint, (81920U + 2048U) * 1024);
 }
@@ -76,17 +83,45 @@ TEST(ProcessStatus, CutAndForeignTextHasNoFootprint) {
 }
 
 TEST(ProcessStatm, PrivatePagesAreTheResidentLessTheShared) {
-  EXPECT_EQ(parseAnonymousPages("1322328 99528 39111 2 0 175341 0\n"), 99528U - 39111U);
-  EXPECT_EQ(parseAnonymousPages("0 0 0 0 0 0 0\n"), 0U);
+  const auto pages = parseProcessPages("1322328 99528 39111 2 0 175341 0\n");
+  ASSERT_TRUE(pages);
+  EXPECT_EQ(pages->anonymous, 99528U - 39111U);
+  EXPECT_EQ(pages->resident, 99528U);
+  EXPECT_EQ(parseProcessPages("0 0 0 0 0 0 0\n")->resident, 0U);
 }
 
 TEST(ProcessStatm, CountersThatCrossGiveNothingRatherThanAHugeNumber) {
-  EXPECT_EQ(parseAnonymousPages("100 10 12 2 0 20 0\n"), 0U);
+  EXPECT_EQ(parseProcessPages("100 10 12 2 0 20 0\n")->anonymous, 0U);
 }
 
 TEST(ProcessStatm, CutAndForeignTextIsAbsent) {
   for (const char* text : {"", "1 2 3", "1 2\n", "1 x 3\n", "words of a kind\n"}) {
-    EXPECT_EQ(parseAnonymousPages(text), std::nullopt) << text;
+    EXPECT_FALSE(parseProcessPages(text)) << text;
+  }
+}
+
+// Kernel 6.18, a virtual machine on huge pages.
+constexpr char kRollup[] =
+    "56464813e000-7ffe69e4a000 ---p 00000000 00:00 0                          [rollup]\n"
+    "Rss:              624812 kB\nPss:              420253 kB\nPss_Dirty:        400112 kB\nPss_Anon:         100112 "
+    "kB\n"
+    "Pss_File:          20141 kB\nPss_Shmem:        300000 kB\nShared_Clean:       1472 kB\nShared_Dirty:          0 "
+    "kB\n"
+    "Private_Clean:        40 kB\nPrivate_Dirty:    400112 kB\nReferenced:       624812 kB\nAnonymous:        101234 "
+    "kB\n"
+    "KSM:                   0 kB\nLazyFree:              0 kB\nAnonHugePages:         0 kB\nShmemPmdMapped:        0 "
+    "kB\n"
+    "FilePmdMapped:         0 kB\nShared_Hugetlb:     2048 kB\nPrivate_Hugetlb:    8192 kB\nSwap:               9000 "
+    "kB\n"
+    "SwapPss:            7000 kB\nLocked:                0 kB\n";
+
+TEST(ProcessRollup, FootprintIsTheShareOfAllButFiles) {
+  EXPECT_EQ(parseFootprint(kRollup), (100112U + 300000U + 8192U + 7000U) * 1024);
+}
+
+TEST(ProcessRollup, TextThatDoesNotTellThePartsIsAbsent) {
+  for (const char* text : {"", "Rss: 4 kB\nPss: 4 kB\nSwapPss: 0 kB\n", "Pss_Anon:\n", "Pss_Anon: 4"}) {
+    EXPECT_EQ(parseFootprint(text), std::nullopt) << text;
   }
 }
 
@@ -127,10 +162,50 @@ TEST_F(ProcfsProcessTableTest, WhileSwapIsInUseTheStatusTellsAll) {
 
 TEST_F(ProcfsProcessTableTest, WithoutSwapTheTwoSmallFilesDo) {
   tree.write("meminfo", kVirtualMachineMemInfo);
-  tree.write("2210/statm", "1322328 99528 39111 2 0 175341 0\n");
+  tree.write("2210/statm", "1322328 4000 3000 2 0 175341 0\n");
   tree.write("2210/comm", "gnome-shell\n");
-  EXPECT_EQ(readListed(2210)->footprint, (99528U - 39111U) * page);
+  EXPECT_EQ(readListed(2210)->footprint, 1000 * page);
+  EXPECT_EQ(readListed(2210)->most, 4000 * page);
   EXPECT_EQ(readListed(2210)->name, "gnome-shell");
+}
+
+TEST_F(ProcfsProcessTableTest, WhileHugePagesAreInUseTheStatusTellsAllToo) {
+  tree.write("meminfo", withField(kVirtualMachineMemInfo, "Hugetlb", 2048));
+  tree.write("2210/status", kStatus);
+  EXPECT_EQ(readListed(2210)->name, "gnome-shell");
+}
+
+TEST_F(ProcfsProcessTableTest, LargeProcessIsNotTakenForOneOfMuchMemoryBecauseOfItsFiles) {
+  tree.write("meminfo", kVirtualMachineMemInfo);
+  tree.write("2210/statm", "1322328 99528 39111 2 0 175341 0\n");
+  tree.write("2210/status", kStatus);
+  EXPECT_EQ(readListed(2210)->most, (241668U + 12000U + 8112U) * 1024);
+}
+
+TEST_F(ProcfsProcessTableTest, ProcessWithNothingButSharedMemoryIsACandidate) {
+  tree.write("meminfo", kVirtualMachineMemInfo);
+  tree.write("7/statm", "999 500 500 2 0 20 0\n");
+  tree.write("7/comm", "database\n");
+  tree.write("7/smaps_rollup", "Pss_Anon: 0 kB\nPss_Shmem: 1900 kB\n");
+  EXPECT_EQ(scanProcesses(table, 3).processes, (std::vector<ProcessMemory>{{7, "database", 1900 * 1024}}));
+}
+
+TEST_F(ProcfsProcessTableTest, NameThatWasCutIsCompletedFromTheCommand) {
+  using namespace std::string_literals;
+  const auto named = [this](const char* name, std::string_view command) {
+    tree.write("7/cmdline", command);
+    return table.wholeName(7, name);
+  };
+  EXPECT_EQ(named("gnome-terminal-", "/usr/libexec/gnome-terminal-server\0--x\0"s), "gnome-terminal-server");
+  EXPECT_EQ(named("unattended-upgr", "/usr/bin/python3\0/usr/bin/unattended-upgrade\0"s), "unattended-upgrade");
+  EXPECT_EQ(named("gnome-terminal-", "something else\0"s), "gnome-terminal-");
+  EXPECT_EQ(named("gnome-terminal-", ""), "gnome-terminal-");
+  EXPECT_EQ(named("gnome-shell", "/usr/bin/gnome-shell-extended\0"s), "gnome-shell") << "it is whole";
+  EXPECT_EQ(named("memfd:my-sealed", "/usr/bin/my-tool\0--x\0"s), "my-tool");
+  EXPECT_EQ(named("3", "/usr/bin/my-tool\0--x\0"s), "my-tool");
+  EXPECT_EQ(named("", "/usr/bin/my-tool\0"s), "") << "it has ended";
+  EXPECT_EQ(named("memfd:x", ""), "memfd:x");
+  EXPECT_EQ(table.wholeName(8, "gnome-terminal-"), "gnome-terminal-") << "gone";
 }
 
 TEST_F(ProcfsProcessTableTest, UnknownStateOfSwapCountsAsInUse) {
@@ -161,7 +236,7 @@ TEST_F(ProcfsProcessTableTest, ProcessThatEndsBeforeItsNameIsReadIsNameless) {
   tree.write("7/statm", "9 2 1 0 0 0 0\n");
   EXPECT_EQ(readListed(7)->footprint, page);
   EXPECT_EQ(readListed(7)->name, "");
-  EXPECT_EQ(scanProcesses(table).processes.at(0).name, "Process 7");
+  EXPECT_EQ(scanProcesses(table, 3).processes.at(0).name, "Process 7");
 }
 
 TEST_F(ProcfsProcessTableTest, ExitedAndEmptyAreAbsent) {
@@ -191,6 +266,21 @@ std::string fileOfThisProcess(const char* name) {
   return text;
 }
 
+/// Memory that the kernel fills: a sanitizer would make memory of its own for what the test touches.
+class FilledMemory {
+ public:
+  FilledMemory(std::size_t size, int sharing)
+      : size_(size),
+        memory_(::mmap(nullptr, size, PROT_READ | PROT_WRITE, sharing | MAP_ANONYMOUS | MAP_POPULATE, -1, 0)) {}
+  ~FilledMemory() { ::munmap(memory_, size_); }
+  FilledMemory(const FilledMemory&) = delete;
+  FilledMemory& operator=(const FilledMemory&) = delete;
+
+ private:
+  const std::size_t size_;
+  void* const memory_;
+};
+
 TEST(RealProcessTable, OwnProcessIsListedWithItsName) {
   ASSERT_EQ(::prctl(PR_SET_NAME, "nim\\bo\n test"), 0);
   ProcfsProcessTable table;
@@ -204,18 +294,52 @@ TEST(RealProcessTable, BothWaysOfMeasuringSeeNewMemory) {
   constexpr std::size_t kSize = 64 << 20;
   const auto byStatus = [] { return parseProcessStatus(fileOfThisProcess("status")).footprint; };
   const auto byStatm = [] {
-    return parseAnonymousPages(fileOfThisProcess("statm")).value() *
+    return parseProcessPages(fileOfThisProcess("statm"))->anonymous *
            static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE));
   };
   const std::uint64_t statusBefore = byStatus();
   const std::uint64_t statmBefore = byStatm();
-  // Populated by the kernel: a sanitizer would make memory of its own for what the test touches.
-  constexpr int kFlags = MAP_PRIVATE | MAP_ANONYMOUS | MAP_POPULATE;
-  void* const memory = ::mmap(nullptr, kSize, PROT_READ | PROT_WRITE, kFlags, -1, 0);
-  ASSERT_NE(memory, MAP_FAILED);
+  const FilledMemory memory(kSize, MAP_PRIVATE);
   EXPECT_NEAR(static_cast<double>(byStatus() - statusBefore), kSize, kSize / 16.0);
   EXPECT_NEAR(static_cast<double>(byStatm() - statmBefore), kSize, kSize / 16.0);
-  ::munmap(memory, kSize);
+}
+
+/// A copy of this process that waits for its end, with this object.
+class Fork {
+ public:
+  Fork() : pid_(::fork()) {
+    while (pid_ == 0) ::pause();
+  }
+  ~Fork() {
+    ::kill(pid_, SIGKILL);
+    ::waitpid(pid_, nullptr, 0);
+  }
+  Fork(const Fork&) = delete;
+  Fork& operator=(const Fork&) = delete;
+
+ private:
+  const pid_t pid_;
+};
+
+double ownMegabytes() {
+  ProcfsProcessTable table;
+  return static_cast<double>(table.footprint(::getpid()).value_or(0)) / (1 << 20);
+}
+
+TEST(RealProcessTable, SharedMemoryCounts) {
+  const double before = ownMegabytes();
+  const FilledMemory memory(64 << 20, MAP_SHARED);
+  EXPECT_NEAR(ownMegabytes() - before, 64, 4);
+}
+
+TEST(RealProcessTable, MemoryThatForksHaveInCommonIsDividedAmongThem) {
+  const FilledMemory memory(64 << 20, MAP_PRIVATE);
+  const double alone = ownMegabytes();
+  const Fork one;
+  const Fork two;
+  const Fork three;
+  EXPECT_GT(alone, 64);
+  EXPECT_LT(ownMegabytes(), alone - 40);
 }
 
 TEST(RealProcessTable, ChildThatWasReapedIsAbsent) {
@@ -231,7 +355,7 @@ TEST(RealProcessTable, ChildThatWasReapedIsAbsent) {
 
 TEST(RealProcessTable, ScanOfThisMachineFindsThisProcess) {
   ProcfsProcessTable table;
-  const ProcessScan scan = scanProcesses(table);
+  const ProcessScan scan = scanProcesses(table, 3);
   const auto self = std::find_if(scan.processes.begin(), scan.processes.end(),
                                  [](const ProcessMemory& process) { return process.pid == ::getpid(); });
   ASSERT_NE(self, scan.processes.end());

@@ -115,7 +115,9 @@ TEST_F(DashboardControllerTest, ShowMoreAddsTenRowsEachTimeAndShowLessGoesBackTo
   controller_.open(DashboardTab::memory);
   controller_.showProcesses(scanOf(30));
   EXPECT_EQ(resources().processes.labels.size(), 6U);
+  EXPECT_EQ(controller_.processesWanted(), 13U);
   controller_.handle(pressed("more"));
+  EXPECT_EQ(controller_.processesWanted(), 23U);
   EXPECT_EQ(resources().processTitle.text, "TOP 13 PROCESSES");
   EXPECT_EQ(resources().processes.labels.size(), 26U);
   EXPECT_EQ(content().size.height, 596 + 87 + 38);

@@ -125,6 +125,16 @@ TEST_F(UsageViewTest, OldFiguresAreNeverShownAsNew) {
   EXPECT_EQ(shown.rows.at(0).bar.opacity, 0.45);
 }
 
+TEST_F(UsageViewTest, WaitOfDaysHasItsDateInTheCardsToolTip) {
+  auto state = stateWith({window(30)});
+  state.message = "Provider rate limit reached. Retry at 14:29.";
+  state.retryNotBefore = now() + 47h + 59min;
+  EXPECT_EQ(card(state).title.toolTip, "Retry at Nov 23, 2026 14:29");
+  EXPECT_EQ(card(state).status.toolTip, *state.message);
+  state.retryNotBefore = now() + 23h + 59min;
+  EXPECT_EQ(card(state).title.toolTip, "");
+}
+
 TEST_F(UsageViewTest, DisabledStateHidesItsSnapshot) {
   auto state = stateWith({window(30)});
   state.enabled = false;

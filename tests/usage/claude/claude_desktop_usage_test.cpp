@@ -233,6 +233,14 @@ TEST_F(WindowTextTest, TextIdenticalToTheLastLineIsKeptOnce) {
             "a\nb\nc");
 }
 
+TEST_F(WindowTextTest, FigureInSeveralElementsIsOneLine) {
+  EXPECT_EQ(read(group({text("Daily"), text("23"), text("% used"), text("Resets 3pm")})),
+            "Daily\n23% used\nResets 3pm");
+  EXPECT_EQ(read(group({text("7.5"), group({text("%")}), text(" used"), text("Daily")})), "7.5%used\nDaily");
+  EXPECT_EQ(read(group({text("23%"), text("Used by one in five"), text("% of all"), text("used")})),
+            "23%\nUsed by one in five\n% of all\nused");
+}
+
 TEST_F(WindowTextTest, TextThatCameBeforeTheLastLineIsKeptAgain) {
   EXPECT_EQ(read(group({text("a"), text("b"), text("a")})), "a\nb\na");
 }

@@ -125,7 +125,7 @@ TEST_F(ClaudeUsageCLITest, OutputThatNeverSettlesGivesTheLastScreenAtTheDeadline
 TEST_F(ClaudeUsageCLITest, SilentToolIsGivenUpAtTheDeadline) {
   const auto outcome = fetch(5s);
   ASSERT_FALSE(outcome);
-  EXPECT_EQ(outcome.error(), (UsageError{usage_messages::kClaudeCodeGaveNoUsage}));
+  EXPECT_EQ(outcome.error(), (UsageError{usage_messages::kClaudeCodeGaveNoUsage, {}, UsageRetry::withNetwork}));
   EXPECT_TRUE(stoppedAt(5s)) << stoppedAfter().count();
 }
 
@@ -135,6 +135,22 @@ TEST_F(ClaudeUsageCLITest, ScreenWithoutLimitsIsGivenUpAtTheDeadline) {
   ASSERT_FALSE(outcome);
   EXPECT_EQ(outcome.error().message, usage_messages::kClaudeCodeGaveNoUsage);
   EXPECT_TRUE(stoppedAt(25s)) << stoppedAfter().count();
+}
+
+TEST_F(ClaudeUsageCLITest, DeadEndIsGivenUpOnceItStandsStill) {
+  terminals.writes(100ms, "Starting\r\n");
+  terminals.writes(900ms, "Not logged in. Run /login\r\n");
+  const auto outcome = fetch();
+  ASSERT_FALSE(outcome);
+  EXPECT_EQ(outcome.error(), (UsageError{usage_messages::kClaudeCodeGaveNoUsage, {}, UsageRetry::late}));
+  EXPECT_GT(stoppedAfter(), 1700ms);
+  EXPECT_LE(stoppedAfter(), 1710ms);
+}
+
+TEST_F(ClaudeUsageCLITest, LimitsThatFollowADeadEndCount) {
+  terminals.writes(100ms, "Rate limited\r\n");
+  terminals.writes(800ms, kScreen);
+  EXPECT_EQ(percents(fetch()), (std::vector{61.0, 20.0}));
 }
 
 TEST_F(ClaudeUsageCLITest, ToolThatEndsWithoutAScreenFailsAtOnce) {

@@ -24,14 +24,14 @@ class ClaudeUsageReaderTest : public ::testing::Test {
  protected:
   ClaudeUsageReaderTest() { files.executables = {"/home/ada/.local/bin/claude"}; }
 
-  void start() {
-    subscription = read(UsageRequest::manual, [this](const UsageOutcome& result) {
+  void start(UsageRequest request = UsageRequest::manual) {
+    subscription = read(request, [this](const UsageOutcome& result) {
       outcome = result;
       ++deliveries;
     });
   }
-  void readAll() {
-    start();
+  void readAll(UsageRequest request = UsageRequest::manual) {
+    start(request);
     ASSERT_TRUE(queue.runOne());
     loop.runPosted();
   }
@@ -97,6 +97,33 @@ TEST_F(ClaudeUsageReaderTest, DesktopsSnapshotStandsInForAToolThatFails) {
   readAll();
   ASSERT_TRUE(outcome && *outcome);
   EXPECT_EQ(**outcome, *desktop);
+}
+
+TEST_F(ClaudeUsageReaderTest, ToolInADeadEndIsLeftAloneForHalfAnHourAndTheDesktopIsNot) {
+  terminals.writes(100ms, "Not logged in");
+  readAll(UsageRequest::automatic);
+  const auto told = message();
+  EXPECT_LE(terminals.elapsed(), 1s);
+  for (int minutes = 5; minutes < 30; minutes += 5) {
+    clock.advance(5min);
+    readAll(UsageRequest::automatic);
+    EXPECT_EQ(message(), told);
+  }
+  EXPECT_EQ(terminals.started.size(), 1U);
+  EXPECT_EQ(desktopReads, 6);
+  clock.advance(5min);
+  readAll(UsageRequest::automatic);
+  EXPECT_EQ(terminals.started.size(), 2U);
+}
+
+TEST_F(ClaudeUsageReaderTest, UserWhoAsksEndsTheToolsPause) {
+  terminals.writes(100ms, "Not logged in");
+  readAll(UsageRequest::automatic);
+  terminals.writes(100ms, kShortScreen);
+  readAll(UsageRequest::manual);
+  EXPECT_TRUE(*outcome);
+  readAll(UsageRequest::automatic);
+  EXPECT_EQ(terminals.started.size(), 3U);
 }
 
 TEST_F(ClaudeUsageReaderTest, BothMessagesAreTold) {

@@ -124,6 +124,20 @@ TEST(ResetText, AtTheEndOfTheYearJanuaryIsNext) {
   EXPECT_EQ(reset("Resets 9:00am", utc(2026, 12, 31, 10)), utc(2027, 1, 1, 9));
 }
 
+TEST(ResetText, YearMayBeWritten) {
+  const UsageTime christmas = utc(2026, 12, 27);
+  for (const char* const date : {"Jan 2, 2027, 9am", "Jan 2, 2027, 9:00am", "Jan 2, 2027 at 9am",
+                                 "Jan 2 2027 at 9:00 AM", "Jan 2 2027, 9 am", "January 2, 2027 at 9:00am"}) {
+    EXPECT_EQ(reset(fmt::format("Resets {} (Europe/Berlin)", date), christmas), utc(2027, 1, 2, 8)) << date;
+  }
+  EXPECT_EQ(reset("Resets Feb 29, 2028, 9am", utc(2027, 12, 30)), utc(2028, 2, 29, 9));
+}
+
+TEST(ResetText, WrittenYearStandsHoweverLongAgo) {
+  EXPECT_EQ(reset("Resets Jan 2, 2026, 9am"), utc(2026, 1, 2, 9));
+  EXPECT_EQ(reset("Resets Jan 2, 9999, 9am"), std::nullopt) << "beyond the clock";
+}
+
 TEST(ResetText, CurrentYearIsThatOfTheZone) {
   const UsageTime newYearInTokyo = utc(2026, 12, 31, 16);
   EXPECT_EQ(reset("Resets Jan 2 at 9:00am (Asia/Tokyo)", newYearInTokyo), utc(2027, 1, 2, 0));
@@ -139,7 +153,9 @@ TEST(ResetText, LeapDayExistsInLeapYearsOnly) {
 TEST(ResetText, DatesThatNoCalendarShowsAreUnknown) {
   for (const char* const date :
        {"Nov 31 at 9:00am", "Nov 0 at 9:00am", "Nov 100 at 9:00am", "Nox 20 at 9:00am", "Nov 20 9:00am",
-        "Nov at 9:00am", "Nov20 at 9:00am", "20 Nov at 9:00am", "Nov 20 at 21:00", "Nov 20 at", "Nov 20", "November"}) {
+        "Nov at 9:00am", "Nov20 at 9:00am", "20 Nov at 9:00am", "Nov 20 at 21:00", "Nov 20 at", "Nov 20", "November",
+        "Nov 20, 27, 9am", "Nov 20, 02027, 9am", "Nov 20, 2027", "Nov 20, 2027 9am", "Nov 202027, 9am",
+        "Feb 29, 2027, 9am"}) {
     EXPECT_EQ(reset(fmt::format("Resets {}", date)), std::nullopt) << date;
   }
 }

@@ -83,6 +83,16 @@ TEST(UsageScreen, ScreensWithoutLimitsAreAnErrorThatSaysWhatToDo) {
   EXPECT_EQ(parse("").error(), error);
 }
 
+TEST(UsageScreen, ScreensThatStayUntilTheUserDoesSomethingAreKnown) {
+  for (const char* const name : {"signed_out.txt", "not_logged_in.txt", "first_start.txt", "rate_limited.txt"}) {
+    EXPECT_TRUE(isDeadEnd(recording(name))) << name;
+    ASSERT_FALSE(parse(recording(name))) << name;
+  }
+  for (const char* const name : {"plain.txt", "escapes.txt", "trust_prompt.txt", "garbage.bin"}) {
+    EXPECT_FALSE(isDeadEnd(recording(name))) << name;
+  }
+}
+
 TEST(UsageScreen, TitlesAreFoundInAnyCase) {
   EXPECT_EQ(windowsOf("CURRENT SESSION\n1% used\ncurrent day\n2% used\nCurrent Week\n3% used"),
             "5-hour 1, Daily 2, Weekly 3");
@@ -160,10 +170,12 @@ TEST(UsageScreen, DecimalPointDoesNotFollowTheLocale) {
 }
 
 TEST(UsageScreen, OtherSectionsEndAWindow) {
-  for (const char* const section : {"Usage credits", "Extra usage not enabled", "EXTRA USAGE", "Activity"}) {
+  for (const char* const section :
+       {"Usage credits", "Extra usage not enabled", "EXTRA USAGE", "Activity", "Monthly agent credit", "Gift Credit"}) {
     EXPECT_EQ(windowsOf(fmt::format("Daily\n5% used\n{}\n90% used", section)), "Daily 5") << section;
   }
   EXPECT_EQ(windowsOf("Daily\nActivity today\n5% used"), "Daily 5");
+  EXPECT_EQ(windowsOf("Daily\nCredit today\n5% used"), "Daily 5");
 }
 
 TEST(UsageScreen, SectionBeforeTheFigureLeavesTheTitleWithout) {

@@ -172,7 +172,9 @@ TEST_F(CodexUsageClientTest, AnswersWithoutLimitsAreTold) {
 TEST_F(CodexUsageClientTest, FailedTransportIsToldApartFromAnAnswerThatIsNotHttp) {
   readUpToTheRequest();
   http.fail(HttpFailure::unreachable);
-  EXPECT_EQ(outcome->error(), (UsageError{"Couldn’t reach the provider. Check your connection and refresh."}));
+  EXPECT_EQ(
+      outcome->error(),
+      (UsageError{"Couldn’t reach the provider. Check your connection and refresh.", {}, UsageRetry::withNetwork}));
   readUpToTheRequest();
   http.fail(HttpFailure::notHttp);
   EXPECT_EQ(outcome->error(), (UsageError{"No response from the provider."}));

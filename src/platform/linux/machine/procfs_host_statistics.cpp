@@ -19,6 +19,7 @@ std::optional<double> shareOfTenSeconds(std::string_view line) {
 }
 
 constexpr std::size_t kMemInfoSize = 8192;
+constexpr std::uint64_t kNoMemory = std::uint64_t{1} << 60;  // is as large; a few below it can be added
 constexpr std::uint64_t kMostTicksBack = 1000;  // ten seconds; small steps are of some ticks for each processor
 
 // The counters are read one after the other while memory moves, so a sum may pass its whole.
@@ -32,6 +33,12 @@ MemoryPressure pressureOf(std::uint64_t total, std::optional<std::uint64_t> avai
   return *available < 10 * (total / 100) ? MemoryPressure::warning : MemoryPressure::normal;
 }
 
+// Stalls come late, and where there is no swap hardly before the memory is gone.
+MemoryPressure worseOf(MemoryPressure one, MemoryPressure other) {
+  if (one == MemoryPressure::unknown) return other;
+  return other == MemoryPressure::unknown ? one : std::max(one, other);
+}
+
 }  // namespace
 
 std::optional<std::uint64_t> memInfoField(std::string_view text, std::string_view name) {
@@ -41,7 +48,7 @@ std::optional<std::uint64_t> memInfoField(std::string_view text, std::string_vie
   return std::nullopt;
 }
 
-std::optional<MemoryCounts> parseMemInfo(std::string_view text, std::uint64_t zramBytes) {
+std::optional<MemoryCounts> parseMemInfo(std::string_view text, std::uint64_t zramBytes, std::uint64_t arcBytes) {
   const auto field = [text](std::string_view name) { return memInfoField(text, name); };
   const auto total = field("MemTotal");
   const auto free = field("MemFree");
@@ -53,16 +60,21 @@ std::optional<MemoryCounts> parseMemInfo(std::string_view text, std::uint64_t zr
   auto reclaimable = field("KReclaimable");  // since Linux 4.20: the slabs' and drivers' own caches
   if (!reclaimable) reclaimable = field("SReclaimable");
 
+  auto available = field("MemAvailable");  // since 3.14
+  if (available) *available += arcBytes;
+  const std::uint64_t droppable =
+      available ? lessAtLeastZero(*available, *free) : *activeFile + *inactiveFile + reclaimable.value_or(0) + arcBytes;
+
   MemoryCounts counts;
   counts.compressor = field("Zswap").value_or(0) + zramBytes;  // since 5.19
-  counts.active = *activeAnonymous + *activeFile;
-  counts.purgeable = reclaimable.value_or(0);
-  counts.inactive = *inactiveAnonymous + *inactiveFile + counts.purgeable;
-  counts.fileBacked = *activeFile + *inactiveFile;
-  const std::uint64_t inUse = lessAtLeastZero(*total, *free);
-  counts.wired = lessAtLeastZero(inUse, counts.active + counts.inactive + counts.compressor);
+  counts.active = *activeAnonymous;
+  counts.inactive = *inactiveAnonymous + droppable;
+  counts.purgeable = std::min(reclaimable.value_or(0) + arcBytes, droppable);
+  counts.fileBacked = droppable - counts.purgeable;
+  const std::uint64_t used = lessAtLeastZero(*total, available.value_or(*free + droppable));
+  counts.wired = lessAtLeastZero(used, *activeAnonymous + *inactiveAnonymous + counts.compressor);
   counts.swapUsed = swapUsed(text);
-  counts.pressure = pressureOf(*total, field("MemAvailable"));  // since 3.14
+  counts.pressure = pressureOf(*total, available);
   return counts;
 }
 
@@ -101,6 +113,18 @@ std::optional<MemoryPressure> parsePressure(std::string_view text) {
   return *some >= kShare ? MemoryPressure::warning : MemoryPressure::normal;
 }
 
+std::uint64_t parseArcCache(std::string_view text) {
+  std::optional<std::uint64_t> size;
+  std::optional<std::uint64_t> least;
+  while (auto line = takeLine(text)) {
+    const std::string_view name = takeWord(*line);
+    if (name != "size" && name != "c_min") continue;
+    (void)takeWord(*line);  // its type
+    (name == "size" ? size : least) = parseNumber(takeWord(*line));
+  }
+  return size && *size < kNoMemory ? lessAtLeastZero(*size, least.value_or(0)) : 0;
+}
+
 std::optional<std::uint64_t> parseZramUsed(std::string_view text) {
   auto line = takeLine(text);
   if (!line) return std::nullopt;
@@ -112,6 +136,7 @@ ProcfsHostStatistics::ProcfsHostStatistics(const std::string& procRoot, const st
     : memInfo_(procRoot + "/meminfo"),
       stat_(procRoot + "/stat"),
       pressure_(procRoot + "/pressure/memory"),
+      arcStats_(procRoot + "/spl/kstat/zfs/arcstats"),
       blockDevices_(sysRoot + "/block") {}
 
 std::uint64_t ProcfsHostStatistics::physicalMemory() {
@@ -121,9 +146,12 @@ std::uint64_t ProcfsHostStatistics::physicalMemory() {
 
 std::optional<MemoryCounts> ProcfsHostStatistics::memory() {
   std::array<char, kMemInfoSize> buffer;
-  auto counts = parseMemInfo(memInfo_.read(buffer).value_or(""), zramBytes());
+  const std::uint64_t arcBytes = parseArcCache(arcStats_.read(buffer).value_or(""));
+  auto counts = parseMemInfo(memInfo_.read(buffer).value_or(""), zramBytes(), arcBytes);
   if (!counts) return std::nullopt;
-  if (const auto text = pressure_.read(buffer)) counts->pressure = parsePressure(*text).value_or(counts->pressure);
+  if (const auto text = pressure_.read(buffer)) {
+    counts->pressure = worseOf(parsePressure(*text).value_or(MemoryPressure::unknown), counts->pressure);
+  }
   return counts;
 }
 
@@ -151,13 +179,12 @@ std::optional<CpuTicks> ProcfsHostStatistics::cpuTicks() {
 
 // Devices come and go while the system runs, so they are looked for each time.
 std::uint64_t ProcfsHostStatistics::zramBytes() const {
-  constexpr std::uint64_t kLimit = std::uint64_t{1} << 60;
   std::uint64_t bytes = 0;
   visitFolder(blockDevices_, [&](std::string_view device) {
     if (!device.starts_with("zram")) return;
     const auto text = readAttribute(blockDevices_ + '/' + std::string(device) + "/mm_stat");
     const auto used = text ? parseZramUsed(*text) : std::nullopt;
-    if (used && *used < kLimit) bytes += *used;
+    if (used && *used < kNoMemory) bytes += *used;
   });
   return bytes;
 }

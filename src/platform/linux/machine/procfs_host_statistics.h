@@ -12,12 +12,18 @@ namespace nimbo {
 /// Bytes in a field of a /proc/meminfo, such as "MemTotal". Which fields there are depends on the kernel.
 [[nodiscard]] std::optional<std::uint64_t> memInfoField(std::string_view text, std::string_view name);
 
-/// The kernel's own page lists tell applications from files: the anonymous lists hold private and
-/// shared memory and exclude what is locked, the file lists hold what can be read again. Reclaimable
-/// kernel memory counts as inactive and purgeable; all else that is in use is wired, so that memory
-/// that no counter names (drivers, page tables, huge page pools, locked pages) is in the sum too.
-/// The pressure follows available memory. Absent without the totals or the lists.
-[[nodiscard]] std::optional<MemoryCounts> parseMemInfo(std::string_view text, std::uint64_t zramBytes);
+/// The anonymous page lists are the applications': private and shared memory that is not locked. What the
+/// kernel says is available but not free can be dropped; it counts as inactive, and as purgeable (the slabs' and
+/// ZFS's caches) or file-backed. All else is wired, so that memory that no counter names (drivers, page tables,
+/// huge page pools, locked pages, the kernel's reserve) is in the sum too and that is what is not available.
+/// Kernels that do not tell what is available have their file lists and reclaimable memory taken for it. The
+/// pressure follows available memory. Absent without the totals or the lists. `arcBytes` as by `parseArcCache`.
+[[nodiscard]] std::optional<MemoryCounts> parseMemInfo(std::string_view text, std::uint64_t zramBytes,
+                                                       std::uint64_t arcBytes = 0);
+
+/// Bytes that ZFS's cache gives back when they are wanted, by its arcstats: its size beyond its least. The kernel
+/// takes them for used. 0 for other text.
+[[nodiscard]] std::uint64_t parseArcCache(std::string_view text);
 
 /// Bytes; absent when the kernel does not tell.
 [[nodiscard]] std::optional<std::uint64_t> swapUsed(std::string_view text);
@@ -34,7 +40,7 @@ namespace nimbo {
 /// Bytes that a zram device takes, the third number of its mm_stat; absent for other text.
 [[nodiscard]] std::optional<std::uint64_t> parseZramUsed(std::string_view text);
 
-/// The counters of procfs, and of sysfs for zram. Keeps at most three files open; all readings of one
+/// The counters of procfs, and of sysfs for zram. Keeps at most four files open; all readings of one
 /// sampling tick together take some 35 µs.
 class ProcfsHostStatistics final : public HostStatistics {
  public:
@@ -50,6 +56,7 @@ class ProcfsHostStatistics final : public HostStatistics {
   ProcFile memInfo_;
   ProcFile stat_;
   ProcFile pressure_;
+  ProcFile arcStats_;
   std::string blockDevices_;
   CpuTicks lastTicks_{};
   CpuTicks lostTicks_{};  ///< of counters that began anew

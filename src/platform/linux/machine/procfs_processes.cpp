@@ -8,9 +8,11 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <climits>
 #include <cstddef>
 #include <functional>
 
+#include "base/text.h"
 #include "platform/linux/machine/procfs_host_statistics.h"
 
 namespace nimbo {
@@ -18,6 +20,10 @@ namespace {
 
 // The file names all groups of a process ahead of its memory: up to 65,536 of ten digits.
 constexpr std::size_t kLargestStatus = std::size_t{1} << 20;
+
+// What is resident may be files for the most part. The status file tells, for less than it costs to measure a
+// process of that size.
+constexpr std::uint64_t kWorthAStatus = std::uint64_t{16} << 20;
 
 // The kernel writes a newline as \n and a backslash as \\.
 std::string unescaped(std::string_view escaped) {
@@ -68,7 +74,9 @@ ProcessStatus parseProcessStatus(std::string_view text) {
   ProcessStatus status;
   std::string_view escapedName;
   std::optional<std::uint64_t> anonymous;
+  std::uint64_t shared = 0;
   std::uint64_t swapped = 0;
+  std::uint64_t huge = 0;
   while (auto line = takeLine(text)) {
     if (takePrefix(*line, "Name:\t")) {
       escapedName = *line;
@@ -76,24 +84,43 @@ ProcessStatus parseProcessStatus(std::string_view text) {
       status.resident = parseKilobytes(*line).value_or(0);
     } else if (takePrefix(*line, "RssAnon:")) {
       anonymous = parseKilobytes(*line);
+    } else if (takePrefix(*line, "RssShmem:")) {
+      shared = parseKilobytes(*line).value_or(0);
     } else if (takePrefix(*line, "VmSwap:")) {
       swapped = parseKilobytes(*line).value_or(0);
+    } else if (takePrefix(*line, "HugetlbPages:")) {
+      huge = parseKilobytes(*line).value_or(0);
       break;  // the last of those wanted
     }
   }
   status.footprint = anonymous.value_or(status.resident) + swapped;
-  if (status.footprint > 0) status.name = unescaped(escapedName);
+  status.most = status.footprint + shared + huge;
+  if (status.most > 0) status.name = unescaped(escapedName);
   return status;
 }
 
-std::optional<std::uint64_t> parseAnonymousPages(std::string_view text) {
+std::optional<ProcessPages> parseProcessPages(std::string_view text) {
   auto line = takeLine(text);
   if (!line) return std::nullopt;
   (void)takeWord(*line);  // the size of the address space
   const auto resident = parseNumber(takeWord(*line));
   const auto shared = parseNumber(takeWord(*line));
   if (!resident || !shared) return std::nullopt;
-  return *resident - std::min(*resident, *shared);
+  return ProcessPages{*resident - std::min(*resident, *shared), *resident};
+}
+
+std::optional<std::uint64_t> parseFootprint(std::string_view text) {
+  std::optional<std::uint64_t> anonymous;
+  std::uint64_t rest = 0;
+  while (auto line = takeLine(text)) {
+    if (takePrefix(*line, "Pss_Anon:")) {
+      anonymous = parseKilobytes(*line);
+    } else if (takePrefix(*line, "Pss_Shmem:") || takePrefix(*line, "SwapPss:") ||
+               takePrefix(*line, "Private_Hugetlb:")) {
+      rest += parseKilobytes(*line).value_or(0);
+    }
+  }
+  return anonymous ? std::optional(*anonymous + rest) : std::nullopt;
 }
 
 ProcfsProcessTable::ProcfsProcessTable(std::string procRoot)
@@ -104,7 +131,7 @@ ProcfsProcessTable::ProcfsProcessTable(std::string procRoot)
 std::vector<std::int32_t> ProcfsProcessTable::list() {
   std::array<char, 8192> buffer;
   const auto memory = memInfo_.read(buffer);
-  statusNeeded_ = !memory || swapUsed(*memory) != 0;
+  statusNeeded_ = !memory || swapUsed(*memory) != 0 || memInfoField(*memory, "Hugetlb").value_or(0) > 0;
   std::vector<std::int32_t> pids;
   visitFolder(root_, [&](std::string_view name) {
     std::int32_t pid = 0;
@@ -115,20 +142,49 @@ std::vector<std::int32_t> ProcfsProcessTable::list() {
 }
 
 std::optional<ProcessReading> ProcfsProcessTable::read(std::int32_t pid) {
-  if (!statusNeeded_) return readResident(pid);
+  return statusNeeded_ ? readStatus(pid) : readResident(pid);
+}
+
+std::optional<ProcessReading> ProcfsProcessTable::readStatus(std::int32_t pid) const {
   auto status = readProcessStatus([&](std::span<char> buffer) { return readFile(pid, "status", buffer); });
-  return status ? std::optional(ProcessReading{status->footprint, std::move(status->name)}) : std::nullopt;
+  return status ? std::optional(ProcessReading{status->footprint, status->most, std::move(status->name)})
+                : std::nullopt;
+}
+
+std::optional<std::uint64_t> ProcfsProcessTable::footprint(std::int32_t pid) {
+  std::array<char, 2048> buffer;
+  const auto text = readFile(pid, "smaps_rollup", buffer);
+  return text ? parseFootprint(*text) : std::nullopt;
+}
+
+std::string ProcfsProcessTable::wholeName(std::int32_t pid, std::string name) {
+  constexpr std::size_t kLongest = 15;  // that the kernel keeps
+  // A program that is started from a memfd has the name of that; before Linux 6.14 its descriptor's number.
+  const bool isOfMemory = name.starts_with("memfd:") || (!name.empty() && std::ranges::all_of(name, isDigit));
+  const bool isCut = name.size() == kLongest;
+  if (!isOfMemory && !isCut) return name;
+  std::array<char, 4096> buffer;
+  auto command = readFile(pid, "cmdline", buffer).value_or(std::string_view());
+  // The second one is the file of a script.
+  for (int argument = 0; argument < 2; ++argument) {
+    std::string_view file = takeUntil(command, '\0');
+    file.remove_prefix(file.rfind('/') + 1);
+    const bool isIt = isOfMemory ? !file.empty() : isCut && file.starts_with(name);
+    if (isIt && file.size() <= NAME_MAX) return std::string(file);
+  }
+  return name;
 }
 
 std::optional<ProcessReading> ProcfsProcessTable::readResident(std::int32_t pid) const {
   std::array<char, 256> buffer;
   const auto counts = readFile(pid, "statm", buffer);
-  const auto pages = counts ? parseAnonymousPages(*counts) : std::nullopt;
+  const auto pages = counts ? parseProcessPages(*counts) : std::nullopt;
   if (!pages) return std::nullopt;
 
-  ProcessReading reading;
-  reading.footprint = *pages * static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE));
-  if (reading.footprint > 0) {
+  const auto pageSize = static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE));
+  ProcessReading reading{pages->anonymous * pageSize, pages->resident * pageSize, {}};
+  if (reading.most >= kWorthAStatus) return readStatus(pid);
+  if (reading.most > 0) {
     auto name = readFile(pid, "comm", buffer).value_or(std::string_view());
     if (name.ends_with('\n')) name.remove_suffix(1);
     reading.name = name;
@@ -141,7 +197,7 @@ std::optional<std::string_view> ProcfsProcessTable::readFile(std::int32_t pid, s
   std::array<char, 32> path;
   char* const end = std::to_chars(path.data(), path.data() + path.size(), pid).ptr;
   *end = '/';
-  *std::copy(name.begin(), name.end(), end + 1) = '\0';  // "status" at the longest
+  *std::copy(name.begin(), name.end(), end + 1) = '\0';  // "smaps_rollup" at the longest
   const UniqueFd file(::openat(folder_.get(), path.data(), O_RDONLY | O_CLOEXEC));
   if (!file) return std::nullopt;
   const ssize_t size = ::read(file.get(), buffer.data(), buffer.size());

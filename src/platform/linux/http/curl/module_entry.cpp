@@ -154,17 +154,21 @@ class CurlTransfer {
       return tl::unexpected(HttpFailure::notHttp);
     }
     // libcurl does not mind a connection that ends in the middle of the head.
-    if (code != CURLE_OK || !headComplete_) return tl::unexpected(HttpFailure::unreachable);
+    if ((code != CURLE_OK && !isRefused_) || !headComplete_) return tl::unexpected(HttpFailure::unreachable);
     HttpResponse response;
-    long status = 0;
-    curl_easy_getinfo(easy_.get(), CURLINFO_RESPONSE_CODE, &status);
-    response.status = static_cast<int>(status);
+    response.status = static_cast<int>(status());
     curl_header* header = nullptr;
     while ((header = curl_easy_nextheader(easy_.get(), CURLH_HEADER, /*request: the last*/ -1, header)) != nullptr) {
       response.headers.emplace_back(lowerCased(header->name), header->value);
     }
     response.body = std::move(body_);
     return response;
+  }
+
+  [[nodiscard]] long status() const {
+    long status = 0;
+    curl_easy_getinfo(easy_.get(), CURLINFO_RESPONSE_CODE, &status);
+    return status;
   }
 
   static std::size_t onHeadLine(char* bytes, std::size_t size, std::size_t count, void* self) {
@@ -177,8 +181,9 @@ class CurlTransfer {
       transfer.garbage_ = !isStatusLine(line);
     } else if (line == "\r\n" || line == "\n") {
       transfer.headComplete_ = true;  // what comes after it are trailers
+      transfer.isRefused_ = transfer.status() >= 300;
     }
-    return transfer.garbage_ ? 0 : line.size();
+    return transfer.garbage_ || transfer.isRefused_ ? 0 : line.size();
   }
 
   static std::size_t onBody(char* bytes, std::size_t size, std::size_t count, void* self) {
@@ -193,7 +198,8 @@ class CurlTransfer {
   const HttpOptions& options_;
   std::size_t headBytes_ = 0;
   bool headComplete_ = false;
-  bool garbage_ = false;  ///< where a status line should be
+  bool garbage_ = false;    ///< where a status line should be
+  bool isRefused_ = false;  ///< the head says all, whatever follows
   std::string body_;
   // The easy handle has to go before the multi handle and what it refers to.
   UniquePointer<CURLM, curl_multi_cleanup> multi_;
