@@ -52,8 +52,9 @@ class PageControls {
     renderAs(true);
   }
 
-  /// The widgets keep what they have shown.
-  void hide() {
+  /// Null for a page that is not shown; the widgets keep what they have shown.
+  void renderOrHide(const Content* content) {
+    if (content != nullptr) return render(*content);
     if (visible_) renderAs(false);
   }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ui/qt/dashboard/dashboard_page.h"
 
+#include <string>
 #include <utility>
 
 #include "ui/qt/controls/check_box.h"
@@ -17,16 +18,9 @@ namespace {
 
 using Content = DashboardContent;
 
-struct MemoryRow {
-  MemoryRowContent ResourcesContent::*shown;
-  const char* title;
-  const char* value;
-};
-constexpr MemoryRow kMemoryRows[] = {{&ResourcesContent::app, "row0", "value0"},
-                                     {&ResourcesContent::wired, "row1", "value1"},
-                                     {&ResourcesContent::compressed, "row2", "value2"},
-                                     {&ResourcesContent::available, "row3", "value3"},
-                                     {&ResourcesContent::swap, "row4", "value4"}};
+constexpr MemoryRowContent ResourcesContent::*kMemoryRows[] = {&ResourcesContent::app, &ResourcesContent::wired,
+                                                               &ResourcesContent::compressed,
+                                                               &ResourcesContent::available, &ResourcesContent::swap};
 
 }  // namespace
 
@@ -55,9 +49,10 @@ void DashboardPage::addResources() {
   resources_.label("pressure", &ResourcesContent::pressure);
   resources_.label("time", &ResourcesContent::time);
   resources_.bind(&ResourcesContent::breakdown, new ChartWidget(theme_, this))->setObjectName("breakdown");
-  for (const auto& [shown, title, value] : kMemoryRows) {
-    resources_.label(title, [row = shown](const ResourcesContent& content) { return (content.*row).title; });
-    resources_.label(value, [row = shown](const ResourcesContent& content) { return (content.*row).value; });
+  for (int number = 0; const auto row : kMemoryRows) {
+    const std::string name = std::to_string(number++);
+    resources_.label(("row" + name).c_str(), [row](const ResourcesContent& content) { return (content.*row).title; });
+    resources_.label(("value" + name).c_str(), [row](const ResourcesContent& content) { return (content.*row).value; });
   }
   resources_.label("cpu", &ResourcesContent::cpu);
   resources_.label("temperature", &ResourcesContent::temperature);
@@ -88,15 +83,11 @@ void DashboardPage::addKeepAwake() {
 
 void DashboardPage::render(const DashboardContent& content) {
   controls_.render(content);
-  const auto renderIfShown = [](auto& controls, const auto* page) {
-    if (page != nullptr) return controls.render(*page);
-    controls.hide();
-  };
   const auto* const resources = std::get_if<ResourcesContent>(&content.page);
-  renderIfShown(resources_, resources);
+  resources_.renderOrHide(resources);
   if (resources != nullptr) setSpokenName(*processes_, resources->processTitle.text);
-  renderIfShown(awake_, std::get_if<AwakeContent>(&content.page));
-  renderIfShown(*usage_, std::get_if<UsageContent>(&content.page));
+  awake_.renderOrHide(std::get_if<AwakeContent>(&content.page));
+  usage_->renderOrHide(std::get_if<UsageContent>(&content.page));
   if (std::exchange(footerSeparator_, content.footerSeparator) != content.footerSeparator) update();
   resize(toQSize(content.size));
 }

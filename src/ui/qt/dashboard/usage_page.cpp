@@ -27,19 +27,15 @@ UsagePage::UsagePage(const Theme& theme, QWidget& parent, const ControlListener&
   controls_.label("usageNote", &UsageContent::note);
 }
 
-void UsagePage::render(const UsageContent& content) {
-  renderCards(content.cards);
+void UsagePage::renderOrHide(const UsageContent* content) {
+  controls_.renderOrHide(content);
+  if (content == nullptr) return scroll_->hide();
+  renderCards(content->cards);
   // Where there is nothing to scroll, Tab passes by; without any focus the cards would lose their place
   // in its order.
-  const bool scrolls = content.document.height > content.scroll.height;
+  const bool scrolls = content->document.height > content->scroll.height;
   scroll_->setFocusPolicy(scrolls ? Qt::StrongFocus : Qt::ClickFocus);
-  scroll_->place(content.scroll, content.document, true);
-  controls_.render(content);
-}
-
-void UsagePage::hide() {
-  scroll_->hide();
-  controls_.hide();
+  scroll_->place(content->scroll, content->document, true);
 }
 
 void UsagePage::renderCards(const std::vector<UsageCardContent>& contents) {

@@ -17,8 +17,8 @@ class UsagePage {
  public:
   UsagePage(const Theme& theme, QWidget& parent, const ControlListener& listener);
 
-  void render(const UsageContent& content);
-  void hide();
+  /// Null for a page that is not shown.
+  void renderOrHide(const UsageContent* content);
 
   [[nodiscard]] const ScrollArea& scroll() const { return *scroll_; }
 

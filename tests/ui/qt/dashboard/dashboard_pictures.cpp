@@ -303,6 +303,7 @@ bool saveSettings(UserInterface& interface, const SettingsPicture& picture, cons
   SettingsWindowController::Callbacks callbacks;
   callbacks.makeWindow = [&interface] { return interface.makeSettingsWindow(); };
   callbacks.automaticUpdates = [] { return false; };
+  callbacks.manualSleepApplies = [] { return true; };
   callbacks.widgetMessage = [&picture]() -> std::optional<std::string> {
     if (picture.message == nullptr) return std::nullopt;
     return picture.message;

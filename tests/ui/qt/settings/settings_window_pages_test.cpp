@@ -62,6 +62,7 @@ class SettingsPagesOnScreen : public QtTest {
                                         .toggleAutomaticUpdates = {},
                                         .enableClaudeDesktop = {},
                                         .automaticUpdates = [] { return false; },
+                                        .manualSleepApplies = [] { return true; },
                                         .widgetMessage = [this] { return widgetMessage_; }}};
 };
 
