@@ -58,9 +58,9 @@ class ProfileTest(unittest.TestCase):
         lines, around, cpu, reasons = [], [], [], set()
 
         def look():
-            ours = memory(process.pid)
             windows = windows_process(process.pid)
-            with contextlib.suppress(OSError, KeyError):
+            with contextlib.suppress(OSError, KeyError):  # either may just have ended
+                ours = memory(process.pid)
                 theirs = memory(windows) if windows else (0, 0)
                 seen.append((ours[0] + theirs[0], ours[1] + theirs[1]))
             reasons.update(service.reasons())

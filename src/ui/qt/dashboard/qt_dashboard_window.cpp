@@ -176,7 +176,10 @@ void QtDashboardWindow::checkDeactivation() {
 }
 
 void QtDashboardWindow::closeEvent(QCloseEvent* event) {
-  if (isVisible()) call(events_.closeRequested);
+  // The toolkit closes popups when the application loses the focus. That may be the focus of a moment ago, before the
+  // window was closed and opened again; and other applications that come to the front are told of by themselves.
+  const bool focusLeft = windowType() == Qt::Popup && QGuiApplication::applicationState() != Qt::ApplicationActive;
+  if (isVisible() && !focusLeft) call(events_.closeRequested);
   // Refusing for a window that is hidden would keep the session manager from ending the program.
   event->setAccepted(!isVisible());
 }
