@@ -8,11 +8,6 @@
 #include <utility>
 
 namespace nimbo {
-namespace {
-
-constexpr std::chrono::seconds kIdleLeeway{5};
-
-}  // namespace
 
 /// A window as this side knows it, whatever it shows.
 class RemoteUserInterface::Window {
@@ -184,7 +179,7 @@ std::unique_ptr<Alert> RemoteUserInterface::showAlert(const AlertContent& conten
 
 void RemoteUserInterface::somethingClosed() {
   if (!process_ || !alerts_.empty() || anyOpen()) return;
-  idle_ = services_.loop.every(kIdleTime, kIdleLeeway, [this] {
+  idle_ = services_.loop.every(kIdleTime, std::chrono::seconds(5), [this] {
     idle_.reset();
     letGo();
   });
