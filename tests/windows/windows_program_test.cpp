@@ -76,7 +76,6 @@ TEST_F(WindowsProgramTest, ShowsWhatItIsSentAndReadsItBeforeItIsReady) {
   EXPECT_TRUE(process->send(encode(Close{WindowName::settings})));
   const auto told = [this](const std::string& what) { return std::ranges::find(records, what) != records.end(); };
   EXPECT_TRUE(turnUntil([&] { return told(encode(Closed{WindowName::settings, 8})); }));
-  EXPECT_TRUE(told(encode(BecameKey{WindowName::settings})));
 }
 
 TEST_F(WindowsProgramTest, NonsenseEndsIt) {
