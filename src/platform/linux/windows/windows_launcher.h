@@ -12,8 +12,7 @@
 
 namespace nimbo {
 
-/// What the program's exit status says when it cannot show windows here; the shell's for a program that cannot be run
-/// means the same.
+/// The program's exit status when it can reach no display.
 inline constexpr int kNoDisplay = 3;
 
 /// Starts the program that shows the windows, with its end of the channel as standard input and DisplayNeed's word as
