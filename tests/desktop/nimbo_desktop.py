@@ -317,6 +317,12 @@ class TrayItem:
     def close_menu(self):
         self._event(self.get("Menu"), 0, "closed")
 
+    def choose(self, label):
+        """Opens the menu and clicks the entry of that label."""
+        entries = {properties.get("label"): number for number, properties in self.open_menu()}
+        self.close_menu()
+        self.click_menu(entries[label])
+
     def click_menu(self, identifier):
         self._event(self.get("Menu"), identifier, "clicked")
 

@@ -40,9 +40,7 @@ class IdleDaemon:
         self.item = self.host.item("nimbo-memory")
 
     def choose(self, label):
-        entries = {properties.get("label"): number for number, properties in self.item.open_menu()}
-        self.item.close_menu()
-        self.item.click_menu(entries[label])
+        self.item.choose(label)
         wait_until(lambda: label not in [entry[1].get("label") for entry in self.item.open_menu()], "the other entry")
         self.item.close_menu()
 

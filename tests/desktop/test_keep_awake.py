@@ -26,9 +26,7 @@ class KeepAwakeTest(DesktopTest):
         self.item = self.host.item("nimbo-memory")
 
     def choose(self, label):
-        entries = {properties.get("label"): number for number, properties in self.item.open_menu()}
-        self.item.close_menu()
-        self.item.click_menu(entries[label])
+        self.item.choose(label)
 
     def start_session(self):
         self.choose("Keep awake until stopped")

@@ -39,14 +39,8 @@ class SettingsWindowTest(DesktopTest):
             self.wait_for_control(page, "panel")
 
     def open(self):
-        self.choose_in_menu("Settings…")
+        self.host.items[0].choose("Settings…")
         wait_until(self.is_open, "the settings window")
-
-    def choose_in_menu(self, label):
-        item = self.host.items[0]
-        entries = {properties.get("label"): number for number, properties in item.open_menu()}
-        item.close_menu()
-        item.click_menu(entries[label])
 
     def is_open(self):
         return any(frame[2:] == (WIDTH, HEIGHT) for frame in windows_of(self.session, self.program.windows_pid).values())

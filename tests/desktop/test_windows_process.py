@@ -96,9 +96,7 @@ class WindowsProcessTest(DesktopTest):
 
     def test_question_that_dies_leaves_the_session_running(self):
         self.start_session()
-        entries = {properties.get("label"): number for number, properties in self.item.open_menu()}
-        self.item.close_menu()
-        self.item.click_menu(entries["Quit Nimbo"])
+        self.item.choose("Quit Nimbo")
         wait_until(lambda: windows_of(self.session, self.program.windows_pid), "the question")
         self.kill_windows()
         self.assertTrue(self.held())
