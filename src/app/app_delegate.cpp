@@ -4,22 +4,24 @@
 #include <utility>
 
 #include "app/launch.h"
-#include "ui/tray/status_item_content.h"
 #include "ui/tray/usage_menu_gauge.h"
 
 namespace nimbo {
 
-AppDelegate::AppDelegate(PlatformServices& platform, UserInterface& windows, Settings& settings, Widgets widgets)
+AppDelegate::AppDelegate(PlatformServices& platform, UserInterface& windows, Settings& settings, Audience audience)
     : platform_(platform),
       clock_(*platform.readers().clock),
+      audience_(audience),
       settings_(settings),
+      notices_(platform.workspace(), [this] { statusItems_.refresh(); }),
       awake_({platform.mainLoop(), clock_, platform.assertionClient(), platform.powerSources(), platform.displayPower(),
               settings}),
       usage_(platform, settings, [this] { usageChanged(); }),
       sampling_(platform, settings, samplingCallbacks()),
-      widgets_(platform, {settings, sampling_.readings(), usage_.states()}, widgets == Widgets::published,
+      widgets_(platform, {settings, sampling_.readings(), usage_.states()}, audience == Audience::user,
                [this] { settingsWindow_.syncIfVisible(); }),
-      updateAlerts_(windows, [this] { dashboard_.close(); }),
+      updateAlerts_(windows, {.willShow = [this] { dashboard_.close(); },
+                              .found = [this](const auto& title, const auto& text) { notices_.tell(title, text); }}),
       updater_(platform, updateAlerts_),
       dashboard_({windows, platform.mainLoop(), platform.workspace()},
                  {settings, sampling_.readings(), awake_, usage_.states(), clock_, platform.dates()},
@@ -29,6 +31,9 @@ AppDelegate::AppDelegate(PlatformServices& platform, UserInterface& windows, Set
       quitQuestion_(windows, platform.mainLoop(), awake_, [this] { dashboard_.close(); }),
       statusItems_(platform.statusBar(), platform.mainLoop(), settings, statusItemCallbacks()) {
   awake_.onChange = [this] { refreshViews(); };
+  awake_.onRefusal = [this](const std::string& message) {
+    if (!dashboard_.shows(DashboardTab::awake)) notices_.tell("Keep Awake", message);
+  };
   windows.setMenuListener([this](MenuRole chosen) {
     if (chosen == MenuRole::openSettings) openSettings();
     if (chosen == MenuRole::quit) quit();
@@ -65,7 +70,11 @@ StatusItems::Callbacks AppDelegate::statusItemCallbacks() {
       .content = [this](StatusItemTab tab) { return contentFor(tab); },
       .clicked = [this](StatusItemTab tab, const StatusClick& click) { statusClicked(tab, click); },
       .menu = [this] { return statusMenu(); },
-      .menuWillOpen = [this] { dashboard_.close(); },
+      .menuWillOpen =
+          [this] {
+            notices_.clear();
+            dashboard_.close();
+          },
       .rotationPaused = [this] { return sleeping_ || dashboard_.visible(); },
   };
 }
@@ -85,20 +94,25 @@ SettingsWindowController::Callbacks AppDelegate::settingsWindowCallbacks(UserInt
 }
 
 StatusItemContent AppDelegate::contentFor(StatusItemTab tab) const {
-  if (!tab) return compactItemContent(awake_.isActive());
+  if (!tab) return notices_.withLatest(compactItemContent(awake_.isActive()));
   switch (*tab) {
     case DashboardTab::ai: {
       const auto gauges = menuGauges(settings_, usage_.states(), clock_.now(), platform_.dates());
-      return usageItemContent(gauges, settings_.aiMenuRemaining(), clock_.now());
+      return notices_.withLatest(usageItemContent(gauges, settings_.aiMenuRemaining(), clock_.now()));
     }
     case DashboardTab::memory: {
       const auto& readings = sampling_.readings();
-      return memoryItemContent(readings.memory, readings.memoryFailed, settings_.showChart());
+      return notices_.withLatest(memoryItemContent(readings.memory, readings.memoryFailed, memoryPicture()));
     }
     case DashboardTab::awake:
-      return awakeItemContent(awake_.isActive());
+      return notices_.withLatest(awakeItemContent(awake_.isActive()));
   }
   return {};
+}
+
+MemoryPicture AppDelegate::memoryPicture() const {
+  if (settings_.showChart()) return MemoryPicture::chart;
+  return platform_.statusBar().showsTitles() ? MemoryPicture::symbol : MemoryPicture::figure;
 }
 
 StatusMenu AppDelegate::statusMenu() {
@@ -127,6 +141,8 @@ void AppDelegate::applicationDidFinishLaunching() {
   sleepObservation_ = platform_.systemSleep().observe([this] { willSleep(); }, [this] { didWake(); });
   // A log-out or a shutdown cannot wait for an answer.
   terminationObservation_ = platform_.termination().observe([this] { platform_.mainLoop().quit(); });
+  if (audience_ == Audience::none) return;
+  platform_.statusBar().onAbsence([this](const std::string& advice) { trayIsAbsent(advice); });
 }
 
 void AppDelegate::applicationWillTerminate() {
@@ -177,6 +193,7 @@ void AppDelegate::didWake() {
 }
 
 void AppDelegate::statusClicked(StatusItemTab item, const StatusClick& click) {
+  notices_.clear();
   if (click.alternate) return awake_.toggleTimed();
   if (dashboard_.visible()) return dashboard_.close();
   const auto clicked = statusItems_.item(item);
@@ -185,8 +202,14 @@ void AppDelegate::statusClicked(StatusItemTab item, const StatusClick& click) {
 }
 
 void AppDelegate::openDashboard(StatusItemTab item, std::optional<DashboardTab> tab) {
+  notices_.clear();
   dashboard_.open(statusItems_.item(item), statusItems_.knownFrame(item), tab);
   if (dashboard_.visible()) statusItems_.restartRotation();
+}
+
+void AppDelegate::trayIsAbsent(const std::string& advice) {
+  activate();
+  notices_.tell("Nimbo has no tray to sit in", advice + " Until then, start Nimbo again to open it.");
 }
 
 // Comes with every tick, which is also when a provider may be due and the countdowns go on.

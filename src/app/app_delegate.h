@@ -7,6 +7,7 @@
 
 #include "app/sampling_loop.h"
 #include "app/system_requests.h"
+#include "app/tray/notices.h"
 #include "app/tray/status_items.h"
 #include "app/update_checker.h"
 #include "app/usage_providers.h"
@@ -18,6 +19,7 @@
 #include "platform/platform_services.h"
 #include "settings/settings.h"
 #include "ui/settings/settings_window_controller.h"
+#include "ui/tray/status_item_content.h"
 
 namespace nimbo {
 
@@ -25,11 +27,11 @@ namespace nimbo {
 /// callbacks and answers the life events. Main thread; lives until the process ends.
 class AppDelegate {
  public:
-  /// Whether widgets are shown what the program reads.
-  enum class Widgets { none, published };
+  /// Whether there is a user, to whom widgets show what the program reads, and who is told that there is no tray.
+  enum class Audience { none, user };
 
   /// All outlive it.
-  AppDelegate(PlatformServices& platform, UserInterface& windows, Settings& settings, Widgets widgets);
+  AppDelegate(PlatformServices& platform, UserInterface& windows, Settings& settings, Audience audience);
 
   void applicationDidFinishLaunching();
   void applicationWillTerminate();
@@ -53,6 +55,7 @@ class AppDelegate {
   [[nodiscard]] StatusItems::Callbacks statusItemCallbacks();
   [[nodiscard]] SettingsWindowController::Callbacks settingsWindowCallbacks(UserInterface& windows);
   [[nodiscard]] StatusItemContent contentFor(StatusItemTab tab) const;
+  [[nodiscard]] MemoryPicture memoryPicture() const;
   [[nodiscard]] StatusMenu statusMenu();
 
   void willSleep();
@@ -61,6 +64,7 @@ class AppDelegate {
   /// Under `item`, on `tab` or else on the tab shown last.
   void openDashboard(StatusItemTab item, std::optional<DashboardTab> tab);
 
+  void trayIsAbsent(const std::string& advice);
   void readingsChanged();
   void tabShown(DashboardTab tab);
   /// The status items and the open dashboard.
@@ -70,10 +74,12 @@ class AppDelegate {
 
   PlatformServices& platform_;
   const Clock& clock_;
+  const Audience audience_;
   Settings& settings_;
   bool sleeping_ = false;
   bool didFinishLaunching_ = false;
   std::optional<DashboardTab> pendingTab_;  ///< of a link that was opened before launch
+  Notices notices_;
   AwakeManager awake_;
   UsageProviders usage_;
   SamplingLoop sampling_;

@@ -54,7 +54,7 @@ int runMenuBar(const std::vector<std::string>& links) {
 
   Settings settings(platform->userDefaults(), platform->userDefaultsDomains(), platform->bundleInfo().identifier);
   const auto windows = makeUserInterface(*platform, DisplayNeed::required);
-  AppDelegate delegate(*platform, *windows, settings, AppDelegate::Widgets::published);
+  AppDelegate delegate(*platform, *windows, settings, AppDelegate::Audience::user);
   controller = &delegate;
   delegate.open(links);
   delegate.applicationDidFinishLaunching();

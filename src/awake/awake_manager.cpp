@@ -15,11 +15,12 @@ constexpr std::chrono::seconds kBatteryInterval{30};
 
 bool AwakeManager::start(std::optional<Time> until, bool keepDisplayOn, Time now) {
   if (until && *until <= now) {
-    tell("Choose an end time in the future.");
+    refuse("Choose an end time in the future.");
     return false;
   }
   if (auto reason = stopReason(readBattery(services_.powerSources), rules())) {
-    isActive() ? stop(std::move(*reason)) : tell(std::move(*reason));
+    end();
+    refuse(std::move(*reason));
     return false;
   }
   if (!activate(keepDisplayOn)) return false;
@@ -33,12 +34,16 @@ bool AwakeManager::start(std::optional<Time> until, bool keepDisplayOn, Time now
 }
 
 void AwakeManager::stop(std::string message) {
+  end();
+  tell(std::move(message));
+}
+
+void AwakeManager::end() {
   deadlineTimer_.reset();
   batteryObservation_.reset();
   displayOffRequest_.reset();
   assertions_.deactivate();
   endsAt_.reset();
-  tell(std::move(message));
 }
 
 void AwakeManager::stopByUser() { stop("Session ended. Normal sleep is allowed."); }
@@ -90,7 +95,10 @@ void AwakeManager::tick(Time now) {
 
 void AwakeManager::checkBattery() {
   if (!isActive()) return;
-  if (auto reason = stopReason(readBattery(services_.powerSources), rules())) stop(std::move(*reason));
+  auto reason = stopReason(readBattery(services_.powerSources), rules());
+  if (!reason) return;
+  end();
+  refuse(std::move(*reason));
 }
 
 void AwakeManager::toggle(std::optional<Time> end) {
@@ -115,7 +123,7 @@ AwakeRules AwakeManager::rules() const {
 
 bool AwakeManager::activate(bool keepDisplayOn) {
   if (const auto held = assertions_.activate(keepDisplayOn); !held) {
-    tell(held.error().description());
+    refuse(held.error().description());
     return false;
   }
   // A display that is to stay on must not go dark a moment later.
@@ -126,6 +134,11 @@ bool AwakeManager::activate(bool keepDisplayOn) {
 void AwakeManager::tell(std::string message) {
   message_ = std::move(message);
   if (onChange) onChange();
+}
+
+void AwakeManager::refuse(std::string message) {
+  tell(std::move(message));
+  if (onRefusal) onRefusal(message_);
 }
 
 void AwakeManager::scheduleDeadline() {

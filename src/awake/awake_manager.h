@@ -80,11 +80,16 @@ class AwakeManager {
 
   /// After every change that the user should see.
   std::function<void()> onChange;
+  /// After the system or a rule has refused what the user asked for, or a rule has ended the session: with the message,
+  /// for a user who does not see it.
+  std::function<void(const std::string& message)> onRefusal;
 
  private:
   [[nodiscard]] AwakeRules rules() const;
   [[nodiscard]] bool activate(bool keepDisplayOn);
+  void end();
   void tell(std::string message);
+  void refuse(std::string message);
   void scheduleDeadline();
   void observeBattery();
 

@@ -14,7 +14,8 @@ namespace nimbo {
 
 /// What one status item shows.
 struct StatusItemContent {
-  std::optional<std::string> title;  ///< short text beside the image, where the bar shows one
+  /// Short text beside the image, where the bar shows one; empty in an item that has one at other times.
+  std::optional<std::string> title;
   TemplateImage image;
   std::string toolTip;         ///< plain text, may hold line breaks
   std::string accessibleName;  ///< what a screen reader calls the item
@@ -64,7 +65,7 @@ class StatusItem {
   /// Tells the bar what changed, and nothing when nothing did.
   virtual void setContent(const StatusItemContent& content) = 0;
 
-  /// Marks the item while the dashboard hangs from it; bars without such a mark ignore it.
+  /// Marks the item while the dashboard hangs from it.
   virtual void setHighlighted(bool highlighted) = 0;
 };
 
@@ -78,6 +79,12 @@ class StatusBar {
   /// The bar outlives its items.
   [[nodiscard]] virtual std::unique_ptr<StatusItem> makeItem(const std::string& identifier, StatusItemContent content,
                                                              StatusItemHandlers handlers) = 0;
+
+  /// Whether the items' titles are seen; if not, a picture has to say it all.
+  [[nodiscard]] virtual bool showsTitles() const = 0;
+
+  /// Calls `absent` once if a few seconds from now there is still no bar, with what the user can do about that.
+  virtual void onAbsence(std::function<void(const std::string& advice)> absent) = 0;
 };
 
 }  // namespace nimbo

@@ -15,7 +15,7 @@ namespace nimbo {
 
 enum class UpdateRequest {
   user,       ///< whatever comes of it is shown
-  automatic,  ///< only an update is
+  automatic,  ///< only an update is told of, without a window
 };
 
 /// One check and all that comes of it, up to the downloaded package. Destroying it ends it at any
@@ -24,7 +24,7 @@ class UpdateSession {
  public:
   virtual ~UpdateSession() = default;
 
-  /// Whether it has shown nothing so far.
+  /// Whether it shows no windows.
   [[nodiscard]] virtual bool silent() const = 0;
 };
 

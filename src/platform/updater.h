@@ -23,7 +23,7 @@ struct UpdateNotice {
   bool operator==(const UpdateNotice&) const = default;
 };
 
-/// The windows of an updater that has none of its own. Main thread only.
+/// The windows of an updater that has none of its own, and its other ways to the user. Main thread only.
 class UpdateWindows {
  public:
   virtual ~UpdateWindows() = default;
@@ -33,6 +33,8 @@ class UpdateWindows {
   virtual void show(const UpdateNotice& notice, std::function<void(std::size_t button)> answered) = 0;
   /// Takes the notice away unanswered.
   virtual void dismiss() = 0;
+  /// Tells of an update that nobody has asked for, without a window.
+  virtual void found(const std::string& title, const std::string& text) = 0;
 };
 
 /// Looks for updates in a signed feed, now and then by itself and when asked. It never installs

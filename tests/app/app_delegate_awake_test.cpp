@@ -62,6 +62,54 @@ TEST_F(AppDelegateAwakeTest, PageStartsExtendsAndStopsASession) {
   EXPECT_TRUE(platform.assertions.held().empty());
 }
 
+using Told = std::vector<std::pair<std::string, std::string>>;
+const std::string kLowBattery = "Session stopped: battery is at or below 20%.";
+
+TEST_F(AppDelegateAwakeTest, RefusalThatNobodySeesIsToldUntilTheNextClick) {
+  platform.batteries.onBattery(20);
+  launch();
+  clickItem("nimbo-awake", kAlternateClick);
+  EXPECT_EQ(platform.desktop.notices, (Told{{"Keep Awake", kLowBattery}}));
+  const std::string notice = "Keep Awake: " + kLowBattery + "\n\n";
+  EXPECT_EQ(itemToolTip(), notice + "Keep Awake is off · click for session controls");
+  EXPECT_TRUE(platform.bar.item("nimbo-memory")->content.toolTip.starts_with(notice));
+  platform.loop.advance(10s);
+  EXPECT_TRUE(itemToolTip().starts_with(notice)) << "ticks leave it there";
+  platform.bar.openMenu("nimbo-memory");
+  EXPECT_EQ(itemToolTip(), "Keep Awake is off · click for session controls");
+}
+
+TEST_F(AppDelegateAwakeTest, SessionThatARuleEndsIsTold) {
+  platform.batteries.onBattery(21);
+  launch();
+  toggleAwake();
+  platform.batteries.onBattery(20);
+  EXPECT_EQ(platform.desktop.notices, (Told{{"Keep Awake", kLowBattery}}));
+  EXPECT_TRUE(platform.assertions.held().empty());
+}
+
+TEST_F(AppDelegateAwakeTest, RefusalBySystemIsTold) {
+  launch();
+  platform.assertions.refuse("PreventUserIdleSystemSleep", 5);
+  clickItem("nimbo-awake", kAlternateClick);
+  ASSERT_EQ(platform.desktop.notices.size(), 1U);
+  EXPECT_EQ(platform.desktop.notices[0].second, awake().message());
+}
+
+TEST_F(AppDelegateAwakeTest, NothingIsToldThatThePageShowsOrTheUserAskedFor) {
+  platform.batteries.onBattery(20);
+  launchAndOpen();
+  window()->act(pressed("start"));
+  EXPECT_EQ(page().detail.text, kLowBattery);
+  platform.batteries.onMains(20);
+  window()->act(chosen("duration", 1));
+  window()->act(pressed("start"));
+  platform.loop.advance(30min);
+  toggleAwake();
+  toggleAwake();
+  EXPECT_TRUE(platform.desktop.notices.empty());
+}
+
 TEST_F(AppDelegateAwakeTest, SessionEndsAtItsDeadline) {
   launchAndOpen();
   window()->act(chosen("duration", 1));

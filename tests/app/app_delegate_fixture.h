@@ -51,7 +51,7 @@ class AppDelegateTest : public ::testing::Test {
   Settings settings{platform.defaults};
   FakeUserInterface interface;
   std::unique_ptr<AppDelegate> delegate =
-      std::make_unique<AppDelegate>(platform, interface, settings, AppDelegate::Widgets::published);
+      std::make_unique<AppDelegate>(platform, interface, settings, AppDelegate::Audience::user);
 };
 
 }  // namespace nimbo

@@ -395,7 +395,7 @@ TEST_F(AppDelegateWidgetsTest, AllowancesReachTheWidgetsWhenTheyHaveBeenRead) {
 TEST_F(AppDelegateWidgetsTest, ProgramWithoutWidgetsNeverWrites) {
   settings.setMonitorTemperature(true);
   platform.bundle.appGroup = "group";
-  delegate = std::make_unique<AppDelegate>(platform, interface, settings, AppDelegate::Widgets::none);
+  delegate = std::make_unique<AppDelegate>(platform, interface, settings, AppDelegate::Audience::none);
   launch();
   acceptTemperature();
   EXPECT_TRUE(platform.widgets.events.empty());

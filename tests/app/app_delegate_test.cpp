@@ -279,7 +279,7 @@ TEST_F(AppDelegateTest, TerminationStopsEveryTimer) {
 TEST_F(AppDelegateTest, SleepClosesThePanelAndStopsTheTimers) {
   settings.setMenuRotation(true);
   launch();
-  clickItem("nimbo-ai");
+  clickItem("nimbo-rotation");
   platform.power.sleep();
   EXPECT_FALSE(dashboardVisible());
   EXPECT_TRUE(platform.loop.repeatingTimers().empty());
@@ -292,7 +292,7 @@ TEST_F(AppDelegateTest, WakeEmptiesTheHistoriesTakesASampleAndRestarts) {
   platform.power.sleep();
   platform.power.wake();
   EXPECT_EQ(platform.loop.repeatingTimers().size(), 2U);
-  clickItem("nimbo-ai");
+  clickItem("nimbo-rotation");
   window()->act(chosen("tabs", 1));
   EXPECT_EQ(resources().history.bars.size(), 40U + 1) << "one sample over the empty places";
   EXPECT_EQ(resources().time.text, "RECENT USAGE · 0s");
@@ -301,12 +301,12 @@ TEST_F(AppDelegateTest, WakeEmptiesTheHistoriesTakesASampleAndRestarts) {
 TEST_F(AppDelegateTest, RotationWaitsWhileThePanelIsOpen) {
   settings.setMenuRotation(true);
   launch();
-  clickItem("nimbo-ai");
+  clickItem("nimbo-rotation");
   platform.loop.advance(seconds(30));
-  EXPECT_EQ(platform.bar.identifiers(), Names{"nimbo-ai"});
-  clickItem("nimbo-ai");
+  EXPECT_EQ(platform.bar.item("nimbo-rotation")->content.accessibleName, "AI usage");
+  clickItem("nimbo-rotation");
   platform.loop.advance(seconds(10));
-  EXPECT_EQ(platform.bar.identifiers(), Names{"nimbo-memory"});
+  EXPECT_EQ(platform.bar.item("nimbo-rotation")->content.accessibleName, "Memory");
 }
 
 TEST_F(AppDelegateTest, SecondStartOpensTheDashboardOnTheTabShownLast) {
@@ -323,6 +323,25 @@ TEST_F(AppDelegateTest, ItemIsHighlightedWhileTheDashboardHangsFromIt) {
   EXPECT_TRUE(platform.bar.item("nimbo-memory")->highlighted);
   clickItem("nimbo-memory");
   EXPECT_FALSE(platform.bar.item("nimbo-memory")->highlighted);
+}
+
+TEST_F(AppDelegateTest, WithoutATrayTheDashboardOpensAndTheUserIsToldWhatToDo) {
+  launch();
+  EXPECT_FALSE(dashboardVisible());
+  ASSERT_TRUE(platform.bar.absent);
+  platform.bar.absent("Add a tray.");
+  EXPECT_TRUE(dashboardVisible());
+  ASSERT_EQ(platform.desktop.notices.size(), 1U);
+  EXPECT_EQ(platform.desktop.notices[0].second, "Add a tray. Until then, start Nimbo again to open it.");
+}
+
+TEST_F(AppDelegateTest, ItemsDrawTheFigureWhereTitlesAreNotSeen) {
+  settings.setShowChart(false);
+  launch();
+  const auto beside = platform.bar.item("nimbo-memory")->content.image;
+  platform.bar.titlesShown = false;
+  platform.loop.advance(std::chrono::seconds(5));
+  EXPECT_NE(platform.bar.item("nimbo-memory")->content.image, beside);
 }
 
 }  // namespace

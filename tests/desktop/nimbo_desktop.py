@@ -414,6 +414,33 @@ class TrayHost:
         return wait_until(find, f"the item {identifier}")
 
 
+NOTIFICATIONS_XML = """
+<node><interface name="org.freedesktop.Notifications">
+  <method name="Notify"><arg type="s" direction="in"/><arg type="u" direction="in"/><arg type="s" direction="in"/>
+    <arg type="s" direction="in"/><arg type="s" direction="in"/><arg type="as" direction="in"/>
+    <arg type="a{sv}" direction="in"/><arg type="i" direction="in"/><arg type="u" direction="out"/></method>
+</interface></node>
+"""
+
+
+class Notifications:
+    """The desktop's notification service: keeps the titles and texts of what it was to show."""
+
+    def __init__(self, session):
+        self.shown = []
+        name = "org.freedesktop.Notifications"
+        self.connection = session.bus.connect()
+        session.stack.callback(self.connection.close_sync, None)
+        info = Gio.DBusNodeInfo.new_for_xml(NOTIFICATIONS_XML).interfaces[0]
+        self.connection.register_object("/org/freedesktop/Notifications", info, self._notify, None, None)
+        bus = ("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus")
+        session.call(*bus, "RequestName", GLib.Variant("(su)", (name, 4)), self.connection)
+
+    def _notify(self, _connection, _sender, _path, _interface, _method, parameters, invocation):
+        self.shown.append(parameters.unpack()[3:5])
+        invocation.return_value(GLib.Variant("(u)", (len(self.shown),)))
+
+
 def windows_of(session, pid):
     """Visible top-level windows of a process, if there is one, as {id: (x, y, width, height)}."""
     if pid is None:

@@ -5,7 +5,7 @@ is held any more when it has ended, however it ended."""
 import signal
 import unittest
 
-from nimbo_desktop import SLOW, turn_for, wait_until
+from nimbo_desktop import SLOW, Notifications, turn_for, wait_until
 from power_services import Logind, gnome_session, plasma_policy_agent, power_management, screen_saver
 from program import DesktopTest, armed_timers
 
@@ -141,11 +141,17 @@ class NoServiceTest(KeepAwakeTest):
         self.session.settings(menuAwake=True)
         self.start()
         self.item = self.host.item("nimbo-awake")
+        notifications = Notifications(self.session)
         self.start_session()
-        self.assertEqual(self.item.tooltip, "Keep Awake is off · click for session controls")
+        wait_until(lambda: notifications.shown, "the notification")
+        title, reason = notifications.shown[0]
+        self.assertEqual(title, "Keep Awake")
+        off = "Keep Awake is off · click for session controls"
+        self.assertEqual(self.item.tooltip, f"Keep Awake: {reason}\n{off}")
         self.item.activate(1300, 10)
+        wait_until(lambda: self.item.tooltip == off, "the usual tooltip")
         self.program.wait_for_dashboard()
-        text = self.program.wait_for_text(lambda name: name.startswith("macOS couldn’t"), "the error")
+        text = self.program.wait_for_text(lambda name: name == reason, "the error")
         self.assertRegex(text, r"^macOS couldn’t keep your Mac awake \(error \d+\)\. Please try again\.$")
         self.assertIn("Ready for your next run", self.program.texts())
 

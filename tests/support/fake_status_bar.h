@@ -36,6 +36,12 @@ class FakeStatusBar final : public StatusBar {
     return std::make_unique<Handle>(std::move(item));
   }
 
+  [[nodiscard]] bool showsTitles() const override { return titlesShown; }
+  void onAbsence(std::function<void(const std::string& advice)> told) override { absent = std::move(told); }
+
+  bool titlesShown = true;
+  std::function<void(const std::string& advice)> absent;  ///< set once somebody wants to know
+
   /// The living item of that name; null when there is none.
   [[nodiscard]] std::shared_ptr<Item> item(const std::string& identifier) const {
     for (const auto& item : all_) {

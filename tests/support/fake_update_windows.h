@@ -26,6 +26,8 @@ class FakeUpdateWindows final : public UpdateWindows {
     answered_ = nullptr;
   }
 
+  void found(const std::string& title, const std::string& text) override { updatesFound.emplace_back(title, text); }
+
   /// Whether there was such a button to press.
   bool press(const std::string& title) {
     if (!up_) return false;
@@ -42,7 +44,8 @@ class FakeUpdateWindows final : public UpdateWindows {
   [[nodiscard]] std::string title() const { return up_ ? notices.back().title : std::string(); }
   [[nodiscard]] std::string text() const { return up_ ? notices.back().text : std::string(); }
 
-  std::vector<UpdateNotice> notices;  ///< all ever shown
+  std::vector<UpdateNotice> notices;                              ///< all ever shown
+  std::vector<std::pair<std::string, std::string>> updatesFound;  ///< titles and texts
 
  private:
   std::function<void(std::size_t button)> answered_;

@@ -88,7 +88,7 @@ int runPerformanceProbe(PlatformServices& platform, UserInterface& windows, Perf
       return 1;
     }
     Settings settings(*defaults);
-    AppDelegate delegate(platform, windows, settings, AppDelegate::Widgets::none);
+    AppDelegate delegate(platform, windows, settings, AppDelegate::Audience::none);
     delegate.applicationDidFinishLaunching();
     PerformanceProbe probe(platform, delegate, std::move(print), std::move(complain));
     probe.start();

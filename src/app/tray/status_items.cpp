@@ -10,12 +10,6 @@ namespace {
 
 using std::chrono::milliseconds;
 
-std::string identifier(StatusItemTab tab) { return tab ? "nimbo-" + std::string(rawValue(*tab)) : "nimbo"; }
-
-bool contains(const std::vector<StatusItemTab>& tabs, StatusItemTab tab) {
-  return std::ranges::find(tabs, tab) != tabs.end();
-}
-
 }  // namespace
 
 StatusItemPlan planStatusItems(const Settings& settings, std::optional<DashboardTab> rotationTab) {
@@ -42,29 +36,43 @@ void StatusItems::configure() {
   restartRotation();
 }
 
+std::string StatusItems::identifierOf(StatusItemTab tab) const {
+  if (rotationTab_) return "nimbo-rotation";
+  return tab ? "nimbo-" + std::string(rawValue(*tab)) : "nimbo";
+}
+
+StatusItemContent StatusItems::contentOf(StatusItemTab tab) const {
+  StatusItemContent content = callbacks_.content(tab);
+  if (rotationTab_ && !content.title) content.title = "";
+  return content;
+}
+
 void StatusItems::updateItems() {
   const StatusItemPlan plan = planStatusItems(settings_, rotationTab_);
   rotationTab_ = plan.rotationTab;
-  std::erase_if(order_, [&](StatusItemTab tab) { return !contains(plan.shown, tab); });
+  const auto isFor = [this](const Slot& slot, StatusItemTab tab) { return slot.identifier == identifierOf(tab); };
+  const std::size_t before = slots_.size();
+  slots_.remove_if([&](const Slot& slot) {
+    return std::ranges::none_of(plan.shown, [&](StatusItemTab tab) { return isFor(slot, tab); });
+  });
   // Trays line items up as they come, so an item that is to follow another must be made after it.
-  const auto stay = std::ranges::mismatch(order_, plan.shown).in1;
-  order_.erase(stay, order_.end());
-  const auto removed = std::erase_if(items_, [&](const auto& entry) { return !contains(order_, entry.first); });
-  if (removed > 0) trackingStatusMenu_ = false;  // a menu goes with its item and does not tell
+  const auto [firstToGo, firstToMake] = std::ranges::mismatch(slots_, plan.shown, isFor);
+  slots_.erase(firstToGo, slots_.end());
+  if (slots_.size() < before) trackingStatusMenu_ = false;  // a menu goes with its item and does not tell
+  if (rotationTab_ && !slots_.empty()) slots_.front().tab = rotationTab_;
   refresh();
-  for (const auto tab : plan.shown) {
-    if (items_.contains(tab)) continue;
-    items_[tab].item = statusBar_.makeItem(identifier(tab), callbacks_.content(tab), handlersFor(tab));
+  for (auto tab = firstToMake; tab != plan.shown.end(); ++tab) {
+    Slot& slot = slots_.emplace_back(Slot{identifierOf(*tab), *tab});
+    slot.item = statusBar_.makeItem(slot.identifier, contentOf(*tab), handlersFor(slot));
   }
-  order_ = plan.shown;
 }
 
-StatusItemHandlers StatusItems::handlersFor(StatusItemTab tab) {
+StatusItemHandlers StatusItems::handlersFor(Slot& slot) {
   StatusItemHandlers handlers;
-  handlers.clicked = [this, tab](const StatusClick& click) {
+  handlers.clicked = [this, &slot](const StatusClick& click) {
     trackingStatusMenu_ = false;
-    if (click.anchor) items_[tab].frame = click.anchor;
-    callbacks_.clicked(tab, click);
+    if (click.anchor) slot.frame = click.anchor;
+    callbacks_.clicked(slot.tab, click);
   };
   handlers.menuWillOpen = [this] {
     trackingStatusMenu_ = true;
@@ -77,7 +85,7 @@ StatusItemHandlers StatusItems::handlersFor(StatusItemTab tab) {
 }
 
 void StatusItems::refresh() {
-  for (const auto& [tab, entry] : items_) entry.item->setContent(callbacks_.content(tab));
+  for (const auto& slot : slots_) slot.item->setContent(contentOf(slot.tab));
 }
 
 void StatusItems::restartRotation() {
@@ -96,25 +104,32 @@ void StatusItems::rotate() {
   updateItems();
 }
 
-std::shared_ptr<StatusItem> StatusItems::item(StatusItemTab tab) const {
-  const auto found = items_.find(tab);
-  return found == items_.end() ? nullptr : found->second.item;
+const StatusItems::Slot* StatusItems::find(StatusItemTab tab) const {
+  const auto found = std::ranges::find(slots_, tab, &Slot::tab);
+  return found == slots_.end() ? nullptr : &*found;
 }
 
-// The map is ordered as the tabs are, with the compact item first.
-StatusItemTab StatusItems::firstItem() const { return items_.empty() ? std::nullopt : items_.begin()->first; }
+std::shared_ptr<StatusItem> StatusItems::item(StatusItemTab tab) const {
+  const Slot* const slot = find(tab);
+  return slot ? slot->item : nullptr;
+}
+
+// Tabs are ordered so, with the compact item first.
+StatusItemTab StatusItems::firstItem() const {
+  return slots_.empty() ? std::nullopt : std::ranges::min(slots_, {}, &Slot::tab).tab;
+}
 
 std::vector<Rect> StatusItems::knownFrames() const {
   std::vector<Rect> frames;
-  for (const auto& [tab, entry] : items_) {
-    if (entry.frame) frames.push_back(*entry.frame);
+  for (const auto& slot : slots_) {
+    if (slot.frame) frames.push_back(*slot.frame);
   }
   return frames;
 }
 
 std::optional<Rect> StatusItems::knownFrame(StatusItemTab tab) const {
-  const auto found = items_.find(tab);
-  return found == items_.end() ? std::nullopt : found->second.frame;
+  const Slot* const slot = find(tab);
+  return slot ? slot->frame : std::nullopt;
 }
 
 }  // namespace nimbo

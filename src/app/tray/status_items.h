@@ -2,9 +2,10 @@
 #pragma once
 
 #include <functional>
-#include <map>
+#include <list>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "platform/main_loop.h"
@@ -68,21 +69,26 @@ class StatusItems {
   [[nodiscard]] std::optional<Rect> knownFrame(StatusItemTab tab) const;
 
  private:
-  struct Entry {
-    std::shared_ptr<StatusItem> item;
-    std::optional<Rect> frame;
+  /// One place in the bar. The one that rotates stands for one tab after the other.
+  struct Slot {
+    std::string identifier;
+    StatusItemTab tab;
+    std::shared_ptr<StatusItem> item{};
+    std::optional<Rect> frame{};
   };
 
+  [[nodiscard]] std::string identifierOf(StatusItemTab tab) const;
+  [[nodiscard]] StatusItemContent contentOf(StatusItemTab tab) const;
   void updateItems();
   void rotate();
-  [[nodiscard]] StatusItemHandlers handlersFor(StatusItemTab tab);
+  [[nodiscard]] StatusItemHandlers handlersFor(Slot& slot);
+  [[nodiscard]] const Slot* find(StatusItemTab tab) const;
 
   StatusBar& statusBar_;
   MainLoop& mainLoop_;
   const Settings& settings_;
   Callbacks callbacks_;
-  std::map<StatusItemTab, Entry> items_;
-  std::vector<StatusItemTab> order_;  ///< in which they were made
+  std::list<Slot> slots_;  ///< in the order in which they were made
   std::optional<DashboardTab> rotationTab_;
   Subscription rotationTimer_;
   bool trackingStatusMenu_ = false;

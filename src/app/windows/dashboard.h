@@ -44,6 +44,8 @@ class Dashboard {
   [[nodiscard]] bool loaded() const { return parts_ && parts_->window->prepared(); }
   void close();
   [[nodiscard]] bool visible() const { return parts_ && parts_->window->visible(); }
+  /// Whether the user sees that page.
+  [[nodiscard]] bool shows(DashboardTab tab) const { return visible() && parts_->controller.selectedTab() == tab; }
   /// How many of the largest processes are to be scanned exactly; 0 unless somebody looks at the list or it is being
   /// loaded off screen.
   [[nodiscard]] std::size_t processesWanted() const;

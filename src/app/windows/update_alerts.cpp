@@ -5,12 +5,12 @@
 
 namespace nimbo {
 
-UpdateAlerts::UpdateAlerts(UserInterface& windows, std::function<void()> willShow)
-    : willShow_(std::move(willShow)), question_(windows) {}
+UpdateAlerts::UpdateAlerts(UserInterface& windows, Callbacks callbacks)
+    : callbacks_(std::move(callbacks)), question_(windows) {}
 
 void UpdateAlerts::show(const UpdateNotice& notice, std::function<void(std::size_t button)> answered) {
   dismiss();
-  willShow_();
+  callbacks_.willShow();
   const std::size_t last = notice.buttons.size() - 1;
   question_.ask({notice.title, notice.text, notice.buttons, last},
                 [answered = std::move(answered), last](std::optional<std::size_t> button) {

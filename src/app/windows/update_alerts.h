@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <string>
 
 #include "app/windows/question.h"
 #include "platform/updater.h"
@@ -12,14 +13,20 @@ namespace nimbo {
 /// notice is about; so does a display that is not there. Main thread only.
 class UpdateAlerts final : public UpdateWindows {
  public:
-  /// `windows` outlives it. `willShow` makes room on the screen.
-  UpdateAlerts(UserInterface& windows, std::function<void()> willShow);
+  struct Callbacks {
+    std::function<void()> willShow;  ///< makes room on the screen
+    std::function<void(const std::string& title, const std::string& text)> found;
+  };
+
+  /// `windows` outlives it.
+  UpdateAlerts(UserInterface& windows, Callbacks callbacks);
 
   void show(const UpdateNotice& notice, std::function<void(std::size_t button)> answered) override;
   void dismiss() override { question_.dismiss(); }
+  void found(const std::string& title, const std::string& text) override { callbacks_.found(title, text); }
 
  private:
-  std::function<void()> willShow_;
+  Callbacks callbacks_;
   Question question_;
 };
 

@@ -192,7 +192,7 @@ class LinuxPlatformServices final : public PlatformServices {
   XdgLoginItem loginItem_{{folders_.config, programOf(environment_, executable_), desktop_, environment_.get("PATH")}};
   XdgWidgetCenter widgetCenter_{session_.get(), folders_.data};
   PanelAppearance panel_{session_.get(), desktop_, workspace_};
-  SniStatusBar statusBar_{loop_, sessionAddress_, desktop_, panel_};
+  SniStatusBar statusBar_{loop_, {session_.get(), sessionAddress_}, desktop_, panel_};
   LogindSystemSleep systemSleep_{system_.get()};
 
   const X11ScreenMaker makeX11Screen_ = x11ScreenFromModule(modules_, x11Display(environment_));

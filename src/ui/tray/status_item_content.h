@@ -8,9 +8,15 @@
 
 namespace nimbo {
 
+enum class MemoryPicture {
+  chart,   ///< a bar
+  symbol,  ///< beside a title that has the figure
+  figure,  ///< percent, in digits
+};
+
 /// `memory` is the last reading; absent with `failed` unset when memory is not watched.
 [[nodiscard]] StatusItemContent memoryItemContent(const std::optional<MemorySnapshot>& memory, bool failed,
-                                                  bool showChart);
+                                                  MemoryPicture picture);
 
 [[nodiscard]] StatusItemContent awakeItemContent(bool sessionActive);
 
@@ -22,8 +28,8 @@ namespace nimbo {
 /// Bars over an axis: memory without its chart.
 [[nodiscard]] TemplateImage barsSymbol();
 
-/// A cup on its saucer: Keep Awake.
-[[nodiscard]] TemplateImage cupSymbol();
+/// A cup on its saucer: Keep Awake. It is full and steams during a session, and is empty otherwise.
+[[nodiscard]] TemplateImage cupSymbol(bool full);
 
 /// A cloud: the program as a whole.
 [[nodiscard]] TemplateImage cloudSymbol();

@@ -75,8 +75,11 @@ void removeUnwanted(const KeptPackage& kept) {
 
 FeedUpdateSession::FeedUpdateSession(UpdateSetup setup, UpdateHost host, UpdateRequest request,
                                      std::function<void()> finished)
-    : setup_(std::move(setup)), host_(std::move(host)), finished_(std::move(finished)) {
-  if (request == UpdateRequest::user) show(update_notices::checking(), &FeedUpdateSession::finish);
+    : setup_(std::move(setup)),
+      host_(std::move(host)),
+      finished_(std::move(finished)),
+      silent_(request == UpdateRequest::automatic) {
+  if (!silent_) show(update_notices::checking(), &FeedUpdateSession::finish);
   transfer_ = setup_.http.get({.url = setup_.feed.url, .headers = {}, .bodyLimit = kMaximumFeedBytes},
                               [this](const HttpClient::Answer& answer) { feedCame(answer); });
 }
@@ -95,6 +98,12 @@ void FeedUpdateSession::feedCame(const HttpClient::Answer& answer) {
                              [this](const UpdateItem& item) { return isSigned(item, setup_.feed.publicKey); });
   if (!update) return conclude(update_notices::nothing(update.error(), setup_.installed.shortVersion));
   item_ = std::move(*update);
+  if (silent_) {
+    setup_.windows.found(
+        "Nimbo " + item_.shortVersion + " is available",
+        "You have " + setup_.installed.shortVersion + ". Choose “Check for Updates…” in Nimbo’s menu.");
+    return finish();
+  }
   show(update_notices::available(item_.shortVersion, setup_.installed.shortVersion), &FeedUpdateSession::download);
 }
 
@@ -134,7 +143,6 @@ void FeedUpdateSession::reveal() {
 }
 
 void FeedUpdateSession::show(const UpdateNotice& notice, Step first) {
-  silent_ = false;
   setup_.windows.show(notice, [this, first](std::size_t button) { button == 0 ? (this->*first)() : finish(); });
 }
 
@@ -143,7 +151,7 @@ void FeedUpdateSession::conclude(const UpdateNotice& notice) {
 }
 
 void FeedUpdateSession::concludeDownload(const std::string& reason) {
-  conclude(update_notices::failedDownload(item_.shortVersion, reason));
+  show(update_notices::failedDownload(item_.shortVersion, reason), &FeedUpdateSession::finish);
 }
 
 void FeedUpdateSession::finish() {

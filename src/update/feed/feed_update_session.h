@@ -64,7 +64,7 @@ class FeedUpdateSession final : public UpdateSession {
   const UpdateSetup setup_;
   const UpdateHost host_;
   std::function<void()> finished_;
-  bool silent_ = true;
+  const bool silent_;
   UpdateItem item_;             // the one that is offered
   std::filesystem::path file_;  // its package, once saved
   Subscription transfer_;

@@ -37,8 +37,8 @@ class StatusItemsTest : public ::testing::Test {
   StatusItems items{bar,
                     loop,
                     settings,
-                    {[this](StatusItemTab) {
-                       return StatusItemContent{{}, {}, toolTip, "Nimbo"};
+                    {[this](StatusItemTab tab) {
+                       return StatusItemContent{{}, {}, toolTip, std::string(tab ? rawValue(*tab) : "all")};
                      },
                      [this](StatusItemTab tab, const StatusClick&) { clicks.push_back(tab); },
                      [] {
@@ -142,24 +142,38 @@ TEST_F(StatusItemsTest, CompactItemStandsForTheProgramElseAiElseMemoryElseAwake)
   EXPECT_EQ(items.firstItem(), std::nullopt);
 }
 
-TEST_F(StatusItemsTest, RotationShowsOneItemAtATimeAndWraps) {
+TEST_F(StatusItemsTest, RotationExchangesTheContentOfOneItemAndWraps) {
   rotateThroughAll();
-  Names seen = bar.identifiers();
-  for (int step = 0; step < 3; ++step) {
+  const auto only = bar.item("nimbo-rotation");
+  Names seen;
+  for (int step = 0; step < 4; ++step) {
+    seen.push_back(only->content.accessibleName);
+    bar.click("nimbo-rotation");
     loop.advance(seconds(10));
-    ASSERT_EQ(bar.identifiers().size(), 1U);
-    seen.push_back(bar.identifiers()[0]);
   }
-  EXPECT_EQ(seen, (Names{"nimbo-ai", "nimbo-memory", "nimbo-awake", "nimbo-ai"}));
+  EXPECT_EQ(seen, (Names{"ai", "memory", "awake", "ai"}));
+  EXPECT_EQ(clicks, (std::vector<StatusItemTab>{DashboardTab::ai, DashboardTab::memory, DashboardTab::awake,
+                                                DashboardTab::ai}));
+  EXPECT_EQ(bar.all().size(), 1U);
+  EXPECT_EQ(only->content.title, "") << "so that a bar makes room for the titles of other tabs";
+}
+
+TEST_F(StatusItemsTest, RotatingItemKeepsItsPlaceUnderEveryTab) {
+  rotateThroughAll();
+  bar.click("nimbo-rotation", {false, Rect{100, 0, 24, 24}});
+  loop.advance(seconds(10));
+  EXPECT_EQ(items.knownFrame(DashboardTab::memory), (Rect{100, 0, 24, 24}));
+  EXPECT_NE(items.item(DashboardTab::memory), nullptr);
+  EXPECT_EQ(items.item(DashboardTab::ai), nullptr);
 }
 
 TEST_F(StatusItemsTest, RotationUsesItsInterval) {
   settings.setMenuRotationInterval(seconds(30));
   rotateThroughAll();
   loop.advance(seconds(29));
-  EXPECT_EQ(bar.identifiers(), Names{"nimbo-ai"});
+  EXPECT_EQ(items.rotationTab(), DashboardTab::ai);
   loop.advance(seconds(1));
-  EXPECT_EQ(bar.identifiers(), Names{"nimbo-memory"});
+  EXPECT_EQ(items.rotationTab(), DashboardTab::memory);
 }
 
 TEST_F(StatusItemsTest, RotationWithOneTabStartsNoTimer) {
@@ -167,7 +181,7 @@ TEST_F(StatusItemsTest, RotationWithOneTabStartsNoTimer) {
   settings.setMenuRotation(true);
   items.configure();
   EXPECT_TRUE(loop.repeatingTimers().empty());
-  EXPECT_EQ(bar.identifiers(), Names{"nimbo-memory"});
+  EXPECT_EQ(items.rotationTab(), DashboardTab::memory);
 }
 
 TEST_F(StatusItemsTest, RotationTogetherWithCompactModeShowsOnlyTheCompactItem) {
@@ -192,29 +206,28 @@ TEST_F(StatusItemsTest, RotationWaitsWhileThePanelIsOpenAndGoesOnAtTheNextBeat) 
 
 TEST_F(StatusItemsTest, RotationWaitsWhileAMenuIsOpen) {
   rotateThroughAll();
-  bar.openMenu("nimbo-ai");
+  bar.openMenu("nimbo-rotation");
   loop.advance(seconds(10));
   EXPECT_EQ(items.rotationTab(), DashboardTab::ai);
-  bar.closeMenu("nimbo-ai");
+  bar.closeMenu("nimbo-rotation");
   loop.advance(seconds(10));
   EXPECT_EQ(items.rotationTab(), DashboardTab::memory);
 }
 
 TEST_F(StatusItemsTest, MenuReadAheadOfTimeDoesNotCountAsOpen) {
   rotateThroughAll();
-  EXPECT_EQ(bar.item("nimbo-ai")->handlers.menuPreview().title, "Nimbo");
+  EXPECT_EQ(bar.item("nimbo-rotation")->handlers.menuPreview().title, "Nimbo");
   EXPECT_EQ(menusOpened, 0);
   loop.advance(seconds(10));
   EXPECT_EQ(items.rotationTab(), DashboardTab::memory);
 }
 
 TEST_F(StatusItemsTest, MenuOfARemovedItemDoesNotHoldTheRotationUp) {
-  rotateThroughAll();
-  bar.openMenu("nimbo-ai");
-  settings.setMenuAi(false);
   items.configure();
+  bar.openMenu("nimbo-ai");
+  rotateThroughAll();
   loop.advance(seconds(10));
-  EXPECT_EQ(items.rotationTab(), DashboardTab::awake);
+  EXPECT_EQ(items.rotationTab(), DashboardTab::memory);
 }
 
 TEST_F(StatusItemsTest, RotationSwitchedOffInTheSettingsStopsAtTheNextBeat) {

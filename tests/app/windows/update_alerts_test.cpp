@@ -22,7 +22,8 @@ class UpdateAlertsTest : public ::testing::Test {
   FakeUserInterface interface;
   int roomMade = 0;
   std::vector<std::size_t> answers;
-  UpdateAlerts alerts{interface, [this] { ++roomMade; }};
+  std::string found;
+  UpdateAlerts alerts{interface, {[this] { ++roomMade; }, [this](const auto& title, const auto&) { found = title; }}};
 };
 
 TEST_F(UpdateAlertsTest, NoticeIsAnAlertWhoseLastButtonIsThatOfEscape) {
@@ -80,6 +81,13 @@ TEST_F(UpdateAlertsTest, NobodyNeedsToListen) {
   ASSERT_EQ(open(), 1U);
   newest().answer(0);
   EXPECT_EQ(open(), 0U);
+}
+
+TEST_F(UpdateAlertsTest, UpdateThatNobodyAskedForOpensNoAlert) {
+  alerts.found("Nimbo 1.2 is available", "");
+  EXPECT_EQ(found, "Nimbo 1.2 is available");
+  EXPECT_EQ(roomMade, 0);
+  EXPECT_TRUE(interface.alerts().empty());
 }
 
 TEST_F(UpdateAlertsTest, NoticeThatCannotBeShownHasItsLastButtonPressed) {

@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 
+#include "platform/linux/bus/sd_bus_connection.h"
 #include "platform/linux/tray/panel_appearance.h"
 #include "platform/linux/tray/sni_status_bar.h"
 #include "support/fake_workspace.h"
@@ -54,7 +55,8 @@ class DbusMenuTest : public ::testing::Test {
 
   /// Shows the item and returns its bus name.
   std::string show(const std::string& desktop = "XFCE") {
-    statusBar = std::make_unique<SniStatusBar>(loop.main(), bus.address(), desktop, panel);
+    statusBar = std::make_unique<SniStatusBar>(loop.main(), SniStatusBar::SessionBus{session.get(), bus.address()},
+                                               desktop, panel);
     item = statusBar->makeItem("nimbo", {}, handlers());
     EXPECT_TRUE(host.waitForItems(1));
     return host.registered.at(0);
@@ -79,6 +81,7 @@ class DbusMenuTest : public ::testing::Test {
 
   PrivateBus bus;
   BusLoop loop;
+  SdBusConnection session{loop.main().event(), bus.address()};
   FakeTrayHost host;
   FakeWorkspace workspace;
   PanelAppearance panel{nullptr, "", workspace};

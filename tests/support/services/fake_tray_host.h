@@ -216,16 +216,15 @@ class FakeTrayHost {
   }
 
   BusPeer peer;
-  std::vector<std::string> registered;         ///< as the items named themselves
-  std::vector<std::string> registeredSenders;  ///< their unique names
+  std::vector<std::string> registered;  ///< the items' unique names
 
  private:
   static int onRegister(sd_bus_message* call, void* self, sd_bus_error* /*error*/) {
     auto& host = *static_cast<FakeTrayHost*>(self);
     const char* service = nullptr;
     sd_bus_message_read(call, "s", &service);
-    host.registered.emplace_back(service);
-    host.registeredSenders.emplace_back(sd_bus_message_get_sender(call));
+    // A path stands for the sender.
+    host.registered.emplace_back(*service == '/' ? sd_bus_message_get_sender(call) : service);
     return sd_bus_reply_method_return(call, "");
   }
 

@@ -123,7 +123,7 @@ TEST_F(FeedUpdateSessionTest, ServerThatIsNotThereIsToldApartFromOneThatAnswersN
   }
 }
 
-TEST_F(FeedUpdateSessionTest, AutomaticCheckIsSilentUnlessThereIsAnUpdate) {
+TEST_F(FeedUpdateSessionTest, AutomaticCheckTellsOnlyOfAnUpdateAndWithoutAWindow) {
   for (const auto& answer :
        std::vector<HttpClient::Answer>{tl::unexpected(HttpFailure::unreachable), HttpResponse{200, {}, "nonsense"},
                                        HttpResponse{200, {}, feedAround("")},
@@ -133,12 +133,15 @@ TEST_F(FeedUpdateSessionTest, AutomaticCheckIsSilentUnlessThereIsAnUpdate) {
     EXPECT_TRUE(session->silent());
     ASSERT_TRUE(http.answer(answer));
     EXPECT_EQ(finished, 1);
-    EXPECT_TRUE(windows.notices.empty());
+    EXPECT_TRUE(windows.updatesFound.empty());
   }
   begin(UpdateRequest::automatic);
-  http.answer(200, goodFeed());
-  EXPECT_FALSE(session->silent());
-  EXPECT_EQ(windows.title(), "Nimbo 1.2 is available");
+  ASSERT_TRUE(http.answer(200, goodFeed()));
+  EXPECT_EQ(finished, 2);
+  ASSERT_EQ(windows.updatesFound.size(), 1U);
+  EXPECT_EQ(windows.updatesFound[0].first, "Nimbo 1.2 is available");
+  EXPECT_EQ(windows.updatesFound[0].second, "You have One. Choose “Check for Updates…” in Nimbo’s menu.");
+  EXPECT_TRUE(windows.notices.empty());
 }
 
 TEST_F(FeedUpdateSessionTest, UpdateIsOfferedAndNothingDownloadedUnasked) {
@@ -202,10 +205,8 @@ TEST_F(FeedUpdateSessionTest, AnythingButThePromisedPackageIsNeverSaved) {
   }
 }
 
-TEST_F(FeedUpdateSessionTest, PackageThatDoesNotComeIsToldAlsoAfterAnAutomaticCheck) {
-  begin(UpdateRequest::automatic);
-  http.answer(200, goodFeed());
-  ASSERT_TRUE(windows.press("Download"));
+TEST_F(FeedUpdateSessionTest, PackageThatDoesNotComeIsTold) {
+  beginDownload();
   http.fail(HttpFailure::unreachable);
   EXPECT_EQ(windows.title(), "Couldn’t download Nimbo 1.2");
   EXPECT_EQ(windows.text(), "The update server can’t be reached. Check the internet connection and try again.");

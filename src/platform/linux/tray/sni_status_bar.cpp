@@ -1,28 +1,29 @@
 // SPDX-License-Identifier: MIT
 #include "platform/linux/tray/sni_status_bar.h"
 
-#include <fmt/format.h>
-#include <unistd.h>
-
 #include <utility>
 
 #include "platform/linux/tray/sni_status_item.h"
 
 namespace nimbo {
 
-SniStatusBar::SniStatusBar(SdEventMainLoop& loop, std::string sessionAddress, const std::string& desktop,
+SniStatusBar::SniStatusBar(SdEventMainLoop& loop, SessionBus session, const std::string& desktop,
                            PanelAppearance& panel)
     : loop_(loop),
-      sessionAddress_(std::move(sessionAddress)),
+      address_(std::move(session.address)),
       host_(trayHostOn(desktop)),
+      advice_(adviceWithoutTray(desktop)),
       panel_(panel),
-      pacer_(loop) {}
+      tray_(session.connection, loop) {}
 
 std::unique_ptr<StatusItem> SniStatusBar::makeItem(const std::string& identifier, StatusItemContent content,
                                                    StatusItemHandlers handlers) {
-  SniStatusItem::Setup setup{fmt::format("org.kde.StatusNotifierItem-{}-{}", ::getpid(), ++made_), identifier, host_};
-  return std::make_unique<SniStatusItem>(loop_.event(), sessionAddress_, std::move(setup), std::move(content),
-                                         std::move(handlers), panel_, pacer_);
+  return std::make_unique<SniStatusItem>(loop_.event(), address_, SniStatusItem::Setup{identifier, host_},
+                                         std::move(content), std::move(handlers), panel_, tray_);
+}
+
+void SniStatusBar::onAbsence(std::function<void(const std::string& advice)> absent) {
+  tray_.onAbsence([advice = advice_, absent = std::move(absent)] { absent(advice); });
 }
 
 }  // namespace nimbo

@@ -6,8 +6,8 @@
 #include "base/text.h"
 #include "platform/linux/bus/sd_bus_calls.h"
 #include "platform/linux/tray/panel_appearance.h"
-#include "platform/linux/tray/registration_pacer.h"
 #include "platform/linux/tray/template_image_raster.h"
+#include "platform/linux/tray/tray_watch.h"
 
 namespace nimbo {
 namespace {
@@ -17,7 +17,9 @@ constexpr const char* kInterface = "org.kde.StatusNotifierItem";
 constexpr const char* kWatcher = "org.kde.StatusNotifierWatcher";
 
 /// Pixels; the sizes of panels at scale 1 and 2. Hosts scale between them.
-constexpr int kIconSides[] = {16, 22, 24, 32, 48, 64};
+constexpr int kIconSides[] = {16, 22, 24, 32, 44, 48, 64};
+/// Under the picture of the item that the dashboard hangs from.
+constexpr TemplateShape kGround{{{0, 0, TemplateImage::kSide, TemplateImage::kSide}, 4}, 0.2, {}, {}};
 constexpr TintColor kOnDark{0xf2, 0xf2, 0xf2};
 constexpr TintColor kOnLight{0x26, 0x26, 0x26};
 
@@ -99,48 +101,27 @@ const sd_bus_vtable* SniStatusItem::table(bool labelled) {
 }
 
 SniStatusItem::SniStatusItem(sd_event* event, const std::string& busAddress, Setup setup, StatusItemContent content,
-                             StatusItemHandlers handlers, PanelAppearance& panel, RegistrationPacer& pacer)
+                             StatusItemHandlers handlers, PanelAppearance& panel, TrayWatch& tray)
     : setup_(std::move(setup)),
       content_(std::move(content)),
       handlers_(setup_.host.clickOpensMenu ? withDashboardEntry(std::move(handlers)) : std::move(handlers)),
       panel_(panel),
-      labelled_(content_.title && !content_.title->empty()),
+      labelled_(setup_.host.showsLabels && content_.title),
       connection_(event, busAddress),
-      menu_(connection_.get(), handlers_),
-      pacer_(pacer) {
+      menu_(connection_.get(), handlers_) {
   if (connection_.get() == nullptr) return;
   object_ = addObject(connection_.get(), kPath, kInterface, table(labelled_), this);
-  requestName();
   panelObserver_ = panel.observe([this] { emit("NewIcon"); });
+  turns_ = tray.attend([this](const std::string& owner) { registerWith(owner); });
 }
 
-void SniStatusItem::requestName() {
-  sd_bus* const bus = connection_.get();
-  constexpr std::uint32_t kDoNotQueue = 4;
-  const BusMessage call = methodCall(bus, methodOfTheBus("RequestName"), setup_.busName, kDoNotQueue);
-  nameRequest_ = callAsync(call, [this, bus](sd_bus_message* reply) {
-    constexpr std::uint32_t kPrimaryOwner = 1;
-    std::uint32_t outcome = 0;
-    const bool owned = !isError(reply) && sd_bus_message_read(reply, "u", &outcome) > 0 && outcome == kPrimaryOwner;
-    // In a sandbox process numbers repeat, so the name may be taken; trays accept the unique one too.
-    const char* unique = nullptr;
-    sd_bus_get_unique_name(bus, &unique);
-    registeredName_ = owned || unique == nullptr ? setup_.busName : unique;
-    followWatcher();
-  });
-}
-
-void SniStatusItem::followWatcher() {
-  watcher_.emplace(connection_.get(), kWatcher, [this](const std::string& owner) {
-    registration_.reset();
-    announced_ = false;
-    turn_ = owner.empty() ? Subscription() : pacer_.request([this, owner] {
-      const BusMethod method{owner.c_str(), "/StatusNotifierWatcher", kWatcher, "RegisterStatusNotifierItem"};
-      announced_ = true;
-      // A tray that refuses is gone or broken; the next one is registered with when it comes.
-      registration_ = callAsync(methodCall(connection_.get(), method, registeredName_), [](sd_bus_message*) {});
-    });
-  });
+void SniStatusItem::registerWith(const std::string& tray) {
+  registration_.reset();
+  announced_ = !tray.empty();
+  if (!announced_) return;
+  const BusMethod method{tray.c_str(), "/StatusNotifierWatcher", kWatcher, "RegisterStatusNotifierItem"};
+  // A path stands for this connection. A tray that refuses is gone or broken; the next one is registered with.
+  registration_ = callAsync(methodCall(connection_.get(), method, kPath), [](sd_bus_message*) {});
 }
 
 void SniStatusItem::emit(const char* signal) {
@@ -153,7 +134,7 @@ void SniStatusItem::setContent(const StatusItemContent& content) {
   if (!announced_ || content == before) return;
   std::vector<const char*> changed;
   if (!(content.image == before.image)) emit("NewIcon");
-  if (setup_.host.showsTitles && content.accessibleName != before.accessibleName) {
+  if (setup_.host.readsTitles && content.accessibleName != before.accessibleName) {
     emit("NewTitle");
     changed.insert(changed.end(), {"Title", "IconAccessibleDesc"});
   }
@@ -169,6 +150,10 @@ void SniStatusItem::setContent(const StatusItemContent& content) {
   if (changed.empty()) return;
   changed.push_back(nullptr);
   sd_bus_emit_properties_changed_strv(connection_.get(), kPath, kInterface, const_cast<char**>(changed.data()));
+}
+
+void SniStatusItem::setHighlighted(bool highlighted) {
+  if (std::exchange(highlighted_, highlighted) != highlighted) emit("NewIcon");
 }
 
 template <bool kAlternate>
@@ -190,7 +175,7 @@ int SniStatusItem::ignore(sd_bus_message* call, sd_bus_error* /*error*/) {
 }
 
 std::string SniStatusItem::title() const {
-  if (!setup_.host.showsTitles) return "";
+  if (!setup_.host.readsTitles) return "";
   return content_.accessibleName.empty() ? "Nimbo" : repairedUtf8(content_.accessibleName);
 }
 
@@ -198,12 +183,14 @@ std::string SniStatusItem::label() const { return labelText(content_); }
 
 void SniStatusItem::iconPixmap(BusWriter& reply) const {
   const TintColor tint = panel_.appearance() == Appearance::dark ? kOnDark : kOnLight;
+  TemplateImage image = content_.image;
+  if (highlighted_) image.shapes.insert(image.shapes.begin(), kGround);
   reply.inside(SD_BUS_TYPE_ARRAY, "(iiay)", [&] {
     for (const int side : kIconSides) {
       reply.inside(SD_BUS_TYPE_STRUCT, "iiay", [&] {
         reply.add(side);
         reply.add(side);
-        reply.add(argbPixels(content_.image, side, tint));
+        reply.add(argbPixels(image, side, tint));
       });
     }
   });

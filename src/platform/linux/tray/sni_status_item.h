@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "base/subscription.h"
-#include "platform/linux/bus/bus_name_watch.h"
 #include "platform/linux/bus/bus_writer.h"
 #include "platform/linux/bus/sd_bus_connection.h"
 #include "platform/linux/tray/dbus_menu.h"
@@ -15,31 +14,30 @@
 namespace nimbo {
 
 class PanelAppearance;
-class RegistrationPacer;
+class TrayWatch;
 
 /// One tray icon: an org.kde.StatusNotifierItem on a bus connection of its own, because hosts keep
-/// a dead icon when one of several objects on a connection goes. It registers with every tray that
-/// appears. Main thread only.
+/// a dead icon when one of several objects on a connection goes. It has no name on the bus: GNOME's tray
+/// loses items that have one and answer fast. It registers with every tray that appears. Main thread only.
 class SniStatusItem final : public StatusItem {
  public:
   struct Setup {
-    std::string busName;     ///< org.kde.StatusNotifierItem-PID-N
     std::string identifier;  ///< names the item to hosts across restarts
     TrayHost host;
   };
 
-  /// `panel` and `pacer` outlive the item.
+  /// `panel` and `tray` outlive the item.
   SniStatusItem(sd_event* event, const std::string& busAddress, Setup setup, StatusItemContent content,
-                StatusItemHandlers handlers, PanelAppearance& panel, RegistrationPacer& pacer);
+                StatusItemHandlers handlers, PanelAppearance& panel, TrayWatch& tray);
 
   void setContent(const StatusItemContent& content) override;
-  void setHighlighted(bool /*highlighted*/) override {}  // trays have no such mark
+  /// Trays have no such mark, so the picture gets a ground.
+  void setHighlighted(bool highlighted) override;
 
  private:
   static std::vector<sd_bus_vtable> makeTable(bool labelled);
   static const sd_bus_vtable* table(bool labelled);
-  void requestName();
-  void followWatcher();
+  void registerWith(const std::string& tray);
   void emit(const char* signal);
 
   template <bool kAlternate>
@@ -56,18 +54,15 @@ class SniStatusItem final : public StatusItem {
   const StatusItemHandlers handlers_;
   const PanelAppearance& panel_;
   const bool labelled_;  // an empty label hides the icon on one host, so it is only there when used
+  bool highlighted_ = false;
 
   SdBusConnection connection_;
-  std::string registeredName_;
   BusSlot object_;
   DbusMenu menu_;
-  BusSlot nameRequest_;
-  std::optional<BusNameWatch> watcher_;
-  RegistrationPacer& pacer_;
-  Subscription turn_;
   BusSlot registration_;
   bool announced_ = false;  // some tray knows of the item
   Subscription panelObserver_;
+  Subscription turns_;
 };
 
 }  // namespace nimbo

@@ -14,6 +14,10 @@ std::string escaped(std::string_view text) {
   return replacedCharacters(text, {{'&', "&amp;"}, {'<', "&lt;"}, {'>', "&gt;"}});
 }
 
+bool isAny(std::string_view desktop, std::initializer_list<const char*> names) {
+  return std::any_of(names.begin(), names.end(), [&](const char* name) { return desktopIs(desktop, name); });
+}
+
 }  // namespace
 
 ToolTipText toolTipText(const std::string& text, ToolTipTitle kind) {
@@ -25,14 +29,25 @@ ToolTipText toolTipText(const std::string& text, ToolTipTitle kind) {
 }
 
 TrayHost trayHostOn(std::string_view desktop) {
-  const auto isAny = [desktop](std::initializer_list<const char*> names) {
-    return std::any_of(names.begin(), names.end(), [&](const char* name) { return desktopIs(desktop, name); });
-  };
   // xfce4-panel shows a title or an accessible description as the second line of a tooltip that has none, and tells
   // screen readers neither. The panels of the last three show a tooltip's title as it is; mate-panel and waybar parse
   // it, and an unknown host is better shown an entity than nothing.
-  return {isAny({"GNOME"}), !isAny({"XFCE"}),
-          isAny({"XFCE", "KDE", "LXQt"}) ? ToolTipTitle::plain : ToolTipTitle::markup};
+  const bool plain = isAny(desktop, {"XFCE", "KDE", "LXQt"});
+  return {isAny(desktop, {"GNOME"}), !isAny(desktop, {"XFCE"}), isAny(desktop, {"GNOME", "MATE"}),
+          plain ? ToolTipTitle::plain : ToolTipTitle::markup};
+}
+
+const char* adviceWithoutTray(std::string_view desktop) {
+  if (isAny(desktop, {"GNOME"})) {
+    return "GNOME has a tray with the extension “AppIndicator and KStatusNotifierItem Support”.";
+  }
+  if (isAny(desktop, {"XFCE"})) {
+    return "Add the “Status Tray Plugin” to your panel.";
+  }
+  if (isAny(desktop, {"sway", "Hyprland", "river", "niri", "labwc", "wlroots"})) {
+    return "Add a tray to your bar, such as waybar’s module “tray”.";
+  }
+  return "Add a system tray to your panel.";
 }
 
 }  // namespace nimbo

@@ -21,11 +21,15 @@ enum class ToolTipTitle { plain, markup };
 /// What has to be known of the program that shows the items.
 struct TrayHost {
   bool clickOpensMenu;  ///< so that the menu has to offer the dashboard
-  bool showsTitles;     ///< of items, or reads them out
+  bool readsTitles;     ///< out to screen readers; shows them nowhere
+  bool showsLabels;     ///< beside the pictures
   ToolTipTitle toolTipTitle;
 };
 
 /// The host that belongs to a desktop, the value of XDG_CURRENT_DESKTOP.
 [[nodiscard]] TrayHost trayHostOn(std::string_view desktop);
+
+/// How the user of that desktop gets a tray.
+[[nodiscard]] const char* adviceWithoutTray(std::string_view desktop);
 
 }  // namespace nimbo
