@@ -188,6 +188,20 @@ TEST_F(DbusMenuTest, ChangedLayoutIsAnnouncedOnceWhenItIsAboutToShow) {
   EXPECT_EQ(labels(layout.root).front(), "Stop awake session");
 }
 
+TEST_F(DbusMenuTest, ChangedLabelIsSentToHostsThatReadNoLabelTwice) {
+  const std::string name = show();
+  host.layout(name);
+  host.takeSignals(name);
+  firstTitle = "Stop awake session";
+  host.layout(name);
+  const auto signals = host.takeSignals(name);
+  ASSERT_EQ(signals.size(), 1U);
+  EXPECT_EQ(signals[0].member, "ItemsPropertiesUpdated");
+  EXPECT_EQ(signals[0].arguments, (Log{"1", "enabled=true", "label=Stop awake session"}));
+  EXPECT_FALSE(host.aboutToShow(name));
+  EXPECT_TRUE(host.takeSignals(name).empty());
+}
+
 TEST_F(DbusMenuTest, ChangeIsAnnouncedToHostsThatOnlySayOpened) {
   const std::string name = show();
   host.layout(name);

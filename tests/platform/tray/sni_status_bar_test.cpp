@@ -298,13 +298,19 @@ TEST_F(SniStatusBarTest, PointLeftOfTheMainScreenIsPossible) {
   EXPECT_EQ(clicks[0].anchor, (Rect{-312, 8, 24, 24}));
 }
 
-TEST_F(SniStatusBarTest, OtherHostCallsAreAcceptedAndDoNothing) {
+TEST_F(SniStatusBarTest, HostWithoutMenusOpensTheDashboardInstead) {
+  EXPECT_TRUE(succeeded(click(shown(), "ContextMenu", 1200, 12)));
+  ASSERT_EQ(clicks.size(), 1U);
+  EXPECT_FALSE(clicks[0].alternate);
+  EXPECT_EQ(clicks[0].anchor, (Rect{1188, 0, 24, 24}));
+}
+
+TEST_F(SniStatusBarTest, ScrollingDoesNothingAndNoTokenIsTaken) {
   const std::string name = shown();
-  EXPECT_TRUE(succeeded(click(name, "ContextMenu", 10, 10)));
   EXPECT_TRUE(succeeded(host->callItem(
       name, "Scroll", [](sd_bus_message* call) { sd_bus_message_append(call, "is", 120, "vertical"); })));
-  EXPECT_TRUE(succeeded(host->callItem(name, "ProvideXdgActivationToken",
-                                       [](sd_bus_message* call) { sd_bus_message_append(call, "s", "token"); })));
+  EXPECT_TRUE(failed(host->callItem(name, "ProvideXdgActivationToken",
+                                    [](sd_bus_message* call) { sd_bus_message_append(call, "s", "token"); })));
   EXPECT_TRUE(clicks.empty());
 }
 

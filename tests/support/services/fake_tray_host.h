@@ -17,7 +17,7 @@ class FakeTrayHost {
  public:
   struct Signal {
     std::string member;
-    std::vector<std::string> arguments;  ///< texts; for PropertiesChanged the names that changed
+    std::vector<std::string> arguments;  ///< texts; properties that changed, of a menu with identifiers and values
     bool operator==(const Signal&) const = default;
   };
   struct Pixmap {
@@ -258,6 +258,15 @@ class FakeTrayHost {
       std::vector<std::string> invalidated;
       if (readStrings(message, invalidated)) {
         for (const std::string& name : invalidated) signal.arguments.push_back(name);
+      }
+    } else if (signal.member == "ItemsPropertiesUpdated") {
+      sd_bus_message_enter_container(message, 'a', "(ia{sv})");
+      while (sd_bus_message_enter_container(message, 'r', "ia{sv}") > 0) {
+        int id = 0;
+        sd_bus_message_read(message, "i", &id);
+        signal.arguments.push_back(std::to_string(id));
+        for (const auto& [name, value] : readProperties(message)) signal.arguments.push_back(name + "=" + value);
+        sd_bus_message_exit_container(message);
       }
     } else {
       char type = 0;

@@ -92,12 +92,14 @@ void writeLayout(BusWriter& message, const StatusMenu& menu, std::int32_t id, st
   });
 }
 
-/// Whether hosts would show the same; actions are not compared.
+// Whether hosts would show the same; actions are not compared.
+
+bool sameEntry(const MenuEntry& a, const MenuEntry& b) {
+  return a.kind == b.kind && a.title == b.title && a.enabled == b.enabled && a.keyEquivalent == b.keyEquivalent;
+}
+
 bool sameLayout(const StatusMenu& a, const StatusMenu& b) {
-  const auto same = [](const MenuEntry& x, const MenuEntry& y) {
-    return x.kind == y.kind && x.title == y.title && x.enabled == y.enabled && x.keyEquivalent == y.keyEquivalent;
-  };
-  return a.title == b.title && std::equal(a.entries.begin(), a.entries.end(), b.entries.begin(), b.entries.end(), same);
+  return a.title == b.title && std::ranges::equal(a.entries, b.entries, sameEntry);
 }
 
 // Everybody on the bus belongs to the user; asking the bus about each caller's rights would block.
@@ -131,10 +133,32 @@ DbusMenu::DbusMenu(sd_bus* bus, StatusItemHandlers handlers) : bus_(bus), handle
 
 /// True when hosts would see another menu than before.
 bool DbusMenu::replace(StatusMenu menu) {
-  const bool differs = revision_ == 0 || !sameLayout(menu, menu_);
-  menu_ = std::move(menu);
+  const StatusMenu before = std::exchange(menu_, std::move(menu));
+  const bool shownBefore = revision_ > 0;
+  const bool differs = !shownBefore || !sameLayout(menu_, before);
   if (differs) ++revision_;
+  if (differs && shownBefore) tellProperties(before);
   return differs;
+}
+
+/// GNOME's tray keeps an entry's label until it is told of another one, whatever it reads in a layout.
+void DbusMenu::tellProperties(const StatusMenu& before) {
+  BusMessage signal;
+  if (sd_bus_message_new_signal(bus_, signal.out(), kPath, kMenuInterface, "ItemsPropertiesUpdated") < 0) return;
+  BusWriter updated(signal.get());
+  updated.inside(SD_BUS_TYPE_ARRAY, "(ia{sv})", [&] {
+    const std::size_t count = std::min(before.entries.size(), menu_.entries.size());
+    for (std::size_t index = 0; index < count; ++index) {
+      if (sameEntry(before.entries[index], menu_.entries[index])) continue;
+      const auto id = static_cast<std::int32_t>(index + 1);
+      updated.inside(SD_BUS_TYPE_STRUCT, "ia{sv}", [&] {
+        updated.add(id);
+        write(updated, allProperties(menu_, id));
+      });
+    }
+  });
+  updated.inside(SD_BUS_TYPE_ARRAY, "(ias)", [] {});
+  sd_bus_send(bus_, signal.get(), nullptr);
 }
 
 /// The same, and tells hosts that have seen the menu before.

@@ -41,6 +41,7 @@ class DbusMenu {
     return id >= 0 && std::cmp_less_equal(id, menu_.entries.size());
   }
   bool replace(StatusMenu menu);
+  void tellProperties(const StatusMenu& before);
   bool replaceAndTell(StatusMenu menu);
   void refreshIfClosed() {
     if (!open_) replace(handlers_.menuPreview());

@@ -63,9 +63,10 @@ std::vector<sd_bus_vtable> SniStatusItem::makeTable(bool labelled) {
       SD_BUS_VTABLE_START(0),
       SD_BUS_METHOD("Activate", "ii", "", bus_table::method<&Self::click<false>>, kUnprivileged),
       SD_BUS_METHOD("SecondaryActivate", "ii", "", bus_table::method<&Self::click<true>>, kUnprivileged),
-      SD_BUS_METHOD("ContextMenu", "ii", "", bus_table::method<&Self::ignore>, kUnprivileged),
+      // Asked only by hosts that cannot show a menu, such as swaybar; all that the menu does is in the dashboard, too.
+      SD_BUS_METHOD("ContextMenu", "ii", "", bus_table::method<&Self::click<false>>, kUnprivileged),
       SD_BUS_METHOD("Scroll", "is", "", bus_table::method<&Self::ignore>, kUnprivileged),
-      SD_BUS_METHOD("ProvideXdgActivationToken", "s", "", bus_table::method<&Self::ignore>, kUnprivileged),
+      // No ProvideXdgActivationToken: a desktop that has given a token waits for its use under a busy pointer.
       SD_BUS_PROPERTY("Category", "s", bus_table::property<[] { return "SystemServices"; }>, 0, kConstant),
       SD_BUS_PROPERTY("Id", "s", bus_table::property<&Self::identifier>, 0, kConstant),
       SD_BUS_PROPERTY("Title", "s", bus_table::property<&Self::title>, 0, kChanges),
@@ -169,7 +170,7 @@ int SniStatusItem::click(sd_bus_message* call, sd_bus_error* /*error*/) {
   return result;
 }
 
-// Hosts show the menu themselves, and there is nothing to scroll; activation tokens are not needed.
+// There is nothing to scroll.
 int SniStatusItem::ignore(sd_bus_message* call, sd_bus_error* /*error*/) {
   return sd_bus_reply_method_return(call, "");
 }
