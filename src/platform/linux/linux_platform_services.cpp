@@ -15,6 +15,7 @@
 #include "platform/linux/bus/xdg_widget_center.h"
 #include "platform/linux/desktop/desktop_application.h"
 #include "platform/linux/desktop/locale_dates.h"
+#include "platform/linux/desktop/plasma_colors.h"
 #include "platform/linux/desktop/portal_workspace.h"
 #include "platform/linux/desktop/xdg_login_item.h"
 #include "platform/linux/display/desktop_display_power.h"
@@ -185,13 +186,14 @@ class LinuxPlatformServices final : public PlatformServices {
   SdBusConnection session_{loop_.event(), sessionAddress_, [this] { loop_.quit(); }};
   SdBusConnection system_{loop_.event(), systemAddress_};
   DbusApplicationInstance instance_{session_};
+  PlasmaColors plasmaColors_{loop_, {folders_.config, dataFolders(environment_.variables, folders_)}};
   PortalWorkspace workspace_{loop_,
                              session_.get(),
                              {desktop_, environment_.get("PATH"), environment_.get("GTK_THEME"),
-                              applicationFolders(environment_.variables, folders_)}};
+                              applicationFolders(environment_.variables, folders_), &plasmaColors_}};
   XdgLoginItem loginItem_{{folders_.config, programOf(environment_, executable_), desktop_, environment_.get("PATH")}};
   XdgWidgetCenter widgetCenter_{session_.get(), folders_.data};
-  PanelAppearance panel_{session_.get(), desktop_, workspace_};
+  PanelAppearance panel_{{session_.get(), workspace_, plasmaColors_}, desktop_};
   SniStatusBar statusBar_{loop_, {session_.get(), sessionAddress_}, desktop_, panel_};
   LogindSystemSleep systemSleep_{system_.get()};
 

@@ -84,7 +84,8 @@ class DbusMenuTest : public ::testing::Test {
   SdBusConnection session{loop.main().event(), bus.address()};
   FakeTrayHost host;
   FakeWorkspace workspace;
-  PanelAppearance panel{nullptr, "", workspace};
+  PlasmaColors plasma{loop.main(), {}};
+  PanelAppearance panel{{nullptr, workspace, plasma}, ""};
   std::unique_ptr<SniStatusBar> statusBar;
   std::unique_ptr<StatusItem> item;
   std::string firstTitle = "Keep awake until stopped";

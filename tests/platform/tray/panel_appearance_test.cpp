@@ -6,6 +6,7 @@
 #include "support/fake_workspace.h"
 #include "support/services/fake_xfconf.h"
 #include "support/services/private_bus.h"
+#include "support/services/temporary_tree.h"
 
 namespace nimbo {
 namespace {
@@ -13,7 +14,7 @@ namespace {
 class PanelAppearanceTest : public ::testing::Test {
  protected:
   void make(const std::string& desktop) {
-    panel.emplace(session.get(), desktop, workspace);
+    panel.emplace(PanelAppearance::Services{session.get(), workspace, plasma}, desktop);
     observer = panel->observe([this] { ++changes; });
   }
 
@@ -25,6 +26,8 @@ class PanelAppearanceTest : public ::testing::Test {
   BusLoop loop;
   SdBusConnection session{loop.event(), bus.address()};
   FakeWorkspace workspace;
+  TemporaryTree files;
+  PlasmaColors plasma{loop.main(), {files.path() / "config", {files.path() / "data"}}};
   std::optional<PanelAppearance> panel;
   Subscription observer;
   int changes = 0;
@@ -85,6 +88,16 @@ TEST_F(PanelAppearanceTest, SettingOfAnotherTypeCountsAsNone) {
   ASSERT_TRUE(becomes(Appearance::dark));
   xfconf.set("xfce4-panel", "/panels/dark-mode", std::string("yes"));
   EXPECT_TRUE(becomes(Appearance::light));
+}
+
+TEST_F(PanelAppearanceTest, PlasmaPanelMayBeDarkOnALightDesktop) {
+  files.write("data/plasma/desktoptheme/breeze-dark/colors", "[Colors:Window]\nBackgroundNormal=42,46,50\n");
+  files.write("config/kdedefaults/plasmarc", "[Theme]\nname=breeze-dark\n");
+  make("KDE");
+  EXPECT_EQ(panel->appearance(), Appearance::dark);
+  files.write("config/plasmarc", "[Theme]\nname=default\n");
+  EXPECT_TRUE(becomes(Appearance::light));
+  EXPECT_EQ(changes, 1);
 }
 
 TEST_F(PanelAppearanceTest, WithoutXfconfTheDesktopDecides) {

@@ -58,7 +58,8 @@ class SniStatusBarTest : public ::testing::Test {
   BusLoop loop;
   SdBusConnection session{loop.main().event(), bus.address()};
   FakeWorkspace workspace;
-  PanelAppearance panel{nullptr, "", workspace};
+  PlasmaColors plasma{loop.main(), {}};
+  PanelAppearance panel{{nullptr, workspace, plasma}, ""};
   std::optional<FakeTrayHost> host;
   std::unique_ptr<SniStatusBar> statusBar;
   std::unique_ptr<StatusItem> item;

@@ -85,8 +85,7 @@ const ApplicationMarks* applicationMarks(std::string_view bundleIdentifier) {
   return bundleIdentifier == kClaude.identifier ? &kClaude : nullptr;
 }
 
-std::vector<fs::path> applicationFolders(const std::map<std::string, std::string>& environment,
-                                         const XdgFolders& folders) {
+std::vector<fs::path> dataFolders(const std::map<std::string, std::string>& environment, const XdgFolders& folders) {
   std::vector<fs::path> found{folders.data};
   const auto variable = environment.find("XDG_DATA_DIRS");
   const bool isSet = variable != environment.end() && !variable->second.empty();
@@ -95,6 +94,12 @@ std::vector<fs::path> applicationFolders(const std::map<std::string, std::string
     const fs::path folder(takeUntil(rest, ':'));
     if (folder.is_absolute()) found.push_back(folder);
   }
+  return found;
+}
+
+std::vector<fs::path> applicationFolders(const std::map<std::string, std::string>& environment,
+                                         const XdgFolders& folders) {
+  auto found = dataFolders(environment, folders);
   found.push_back(folders.data / "flatpak/exports/share");
   found.emplace_back("/var/lib/flatpak/exports/share");
   found.emplace_back("/var/lib/snapd/desktop");

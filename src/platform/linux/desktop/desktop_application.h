@@ -43,6 +43,10 @@ struct InstalledApplication {
   bool isActivatable = false;        ///< it takes org.freedesktop.Application calls under its identifier
 };
 
+/// The user's and the system's, by the XDG base directory rules; earlier ones go before later ones.
+[[nodiscard]] std::vector<std::filesystem::path> dataFolders(const std::map<std::string, std::string>& environment,
+                                                             const XdgFolders& folders);
+
 /// Where desktop entries lie, the ones that override others first: the user's, the system's and what
 /// Flatpak and Snap export, also when the session forgot to name those.
 [[nodiscard]] std::vector<std::filesystem::path> applicationFolders(

@@ -10,8 +10,6 @@
 namespace nimbo {
 namespace {
 
-constexpr std::string_view kGroup = "[Desktop Entry]";
-
 std::string unescaped(std::string_view value) {
   constexpr std::string_view kCodes = "sntr\\";
   constexpr std::string_view kMeanings = " \n\t\r\\";
@@ -74,13 +72,13 @@ std::optional<std::string> programPath(const std::string& name, const std::strin
 
 }  // namespace
 
-std::optional<DesktopEntry> DesktopEntry::parse(std::string_view text) {
+std::optional<DesktopEntry> DesktopEntry::parse(std::string_view text, std::string_view group) {
   std::optional<DesktopEntry> entry;
   bool isInGroup = false;
   while (!text.empty()) {
     std::string_view line = trimmed(takeUntil(text, '\n'));
     if (line.starts_with('[')) {
-      isInGroup = line == kGroup;
+      isInGroup = line.substr(1, line.size() - 2) == group && line.ends_with(']');
       if (isInGroup && !entry) entry.emplace();
     } else if (isInGroup && !line.starts_with('#') && line.find('=') != std::string_view::npos) {
       const std::string_view key = trimmed(takeUntil(line, '='));

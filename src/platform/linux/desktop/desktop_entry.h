@@ -9,11 +9,13 @@
 
 namespace nimbo {
 
-/// What the main group of a .desktop file says, by freedesktop.org's rules for desktop entries.
+/// What one group of a .desktop file, or of another file of that form, says, by freedesktop.org's rules for desktop
+/// entries.
 class DesktopEntry {
  public:
-  /// Absent when the text has no group "Desktop Entry".
-  [[nodiscard]] static std::optional<DesktopEntry> parse(std::string_view text);
+  /// Absent when the text has no such group.
+  [[nodiscard]] static std::optional<DesktopEntry> parse(std::string_view text,
+                                                         std::string_view group = "Desktop Entry");
 
   [[nodiscard]] std::optional<std::string> text(std::string_view key) const;
   [[nodiscard]] std::optional<bool> flag(std::string_view key) const;

@@ -53,6 +53,9 @@ PortalWorkspace::PortalWorkspace(MainLoop& loop, sd_bus* session, Setup setup)
       update();
     });
   }
+  if (desktopIs(setup_.desktop, "KDE") && setup_.plasma != nullptr) {
+    plasmaFiles_ = setup_.plasma->observe([this] { update(); });
+  }
   update();
   if (session == nullptr) return;
   // Asked in any case at first, which may start it, and again whenever there is a new one.
@@ -90,7 +93,9 @@ void PortalWorkspace::setColorScheme(sd_bus_message* value) {
 }
 
 void PortalWorkspace::update() {
-  const Appearance now = portal_.value_or(isDarkTheme(themeName_) ? Appearance::dark : Appearance::light);
+  auto told = portal_;
+  if (!told && plasmaFiles_) told = setup_.plasma->ofWindows();
+  const Appearance now = told.value_or(isDarkTheme(themeName_) ? Appearance::dark : Appearance::light);
   if (now == appearance_) return;
   appearance_ = now;
   observers_.notify(now);

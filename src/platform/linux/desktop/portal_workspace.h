@@ -10,6 +10,7 @@
 #include "platform/linux/bus/bus_name_watch.h"
 #include "platform/linux/bus/xfconf_property.h"
 #include "platform/linux/desktop/desktop_programs.h"
+#include "platform/linux/desktop/plasma_colors.h"
 #include "platform/workspace.h"
 
 namespace nimbo {
@@ -23,6 +24,7 @@ class PortalWorkspace final : public Workspace {
     std::string searchPath;                                   ///< value of PATH
     std::string gtkTheme;                                     ///< value of GTK_THEME; usually empty
     std::vector<std::filesystem::path> applicationFolders{};  ///< with desktop entries, see applicationFolders()
+    PlasmaColors* plasma = nullptr;  ///< tell on Plasma what its portal does not; outlive the workspace
   };
 
   PortalWorkspace(MainLoop& loop, sd_bus* session, Setup setup);
@@ -60,6 +62,7 @@ class PortalWorkspace final : public Workspace {
   BusSlot notice_;
   std::optional<BusNameWatch> portalOwner_;
   XfconfProperty xfceTheme_;
+  Subscription plasmaFiles_;
   DetachedPrograms programs_;
 };
 

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <functional>
+#include <optional>
 #include <string>
 
 #include "base/observer_list.h"
 #include "platform/linux/bus/xfconf_property.h"
+#include "platform/linux/desktop/plasma_colors.h"
 #include "platform/workspace.h"
 
 namespace nimbo {
@@ -13,8 +16,15 @@ namespace nimbo {
 /// windows are; icons are drawn to stand out from it. Main thread only.
 class PanelAppearance {
  public:
-  /// `desktop` is the value of XDG_CURRENT_DESKTOP. `workspace` outlives this object.
-  PanelAppearance(sd_bus* session, const std::string& desktop, Workspace& workspace);
+  /// What outlives the panel's appearance.
+  struct Services {
+    sd_bus* session;
+    Workspace& workspace;
+    PlasmaColors& plasma;
+  };
+
+  /// `desktop` is the value of XDG_CURRENT_DESKTOP.
+  PanelAppearance(Services services, const std::string& desktop);
   PanelAppearance(const PanelAppearance&) = delete;
   PanelAppearance& operator=(const PanelAppearance&) = delete;
 
@@ -25,11 +35,11 @@ class PanelAppearance {
   void update();
 
   Workspace& workspace_;
-  const bool alwaysDark_;
-  bool darkPanel_ = false;  // by the panel's own setting
-  Appearance appearance_;
+  std::function<std::optional<Appearance>()> own_;  // the panel's, where it is not that of the windows
+  Appearance appearance_ = Appearance::light;
   ObserverList<> observers_;
   Subscription workspaceObserver_;
+  Subscription filesObserver_;
   XfconfProperty xfcePanel_;
 };
 
