@@ -80,9 +80,9 @@ Subscription PlasmaColors::observe(std::function<void()> changed) {
 void PlasmaColors::startWatching() {
   inotify_.reset(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
   if (!inotify_) return;
-  // Their folders, because files are replaced whole when they are written, and may not exist yet.
+  // Their folders, because files are replaced or linked in whole when they are written.
   for (const fs::path& folder : {folders_.config, folders_.config / "kdedefaults"}) {
-    ::inotify_add_watch(inotify_.get(), folder.c_str(), IN_MOVED_TO | IN_CLOSE_WRITE | IN_ONLYDIR);
+    ::inotify_add_watch(inotify_.get(), folder.c_str(), IN_MOVED_TO | IN_CREATE | IN_CLOSE_WRITE | IN_ONLYDIR);
   }
   readable_ = loop_.watch(inotify_.get(), [this] { filesChanged(); });
 }
