@@ -83,6 +83,9 @@ class StatusBar {
   /// Whether the items' titles are seen; if not, a picture has to say it all.
   [[nodiscard]] virtual bool showsTitles() const = 0;
 
+  /// Whether the bar puts an item before those that are there already, as the reader goes.
+  [[nodiscard]] virtual bool putsNewItemsFirst() const = 0;
+
   /// Calls `absent` once if a few seconds from now there is still no bar, with what the user can do about that.
   virtual void onAbsence(std::function<void(const std::string& advice)> absent) = 0;
 };

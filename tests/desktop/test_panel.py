@@ -79,5 +79,25 @@ class BottomPanelTest(PanelTest):
     edge = BOTTOM
 
 
+class OrderTest(DesktopTest):
+    display = True
+
+    def test_items_stand_in_the_order_of_the_tabs(self):
+        self.session.settings(menuAI=False, menuAwake=True)
+        panel = XfcePanel(self.session)
+        before = panel.settled()
+        self.start(host=False)
+        wide = wait_until(lambda: (box := before.changed_box(panel.settled())) and box[2] > 40 and box, "both items")
+        x, y, width, height = wide
+        self.click_at(x + 8, y + height // 2)
+        self.program.wait_for_dashboard()
+        self.program.wait_for_text(lambda text: text.startswith("TOP"), "the page of the memory")
+        self.key("Escape")
+        self.program.wait_for_no_dashboard()
+        self.click_at(x + width - 8, y + height // 2)
+        self.program.wait_for_dashboard()
+        self.program.wait_for_text(lambda text: text == "Ready for your next run", "the page of Keep Awake")
+
+
 if __name__ == "__main__":
     unittest.main()

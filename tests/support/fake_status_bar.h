@@ -39,7 +39,10 @@ class FakeStatusBar final : public StatusBar {
   [[nodiscard]] bool showsTitles() const override { return titlesShown; }
   void onAbsence(std::function<void(const std::string& advice)> told) override { absent = std::move(told); }
 
+  [[nodiscard]] bool putsNewItemsFirst() const override { return newItemsFirst; }
+
   bool titlesShown = true;
+  bool newItemsFirst = false;
   std::function<void(const std::string& advice)> absent;  ///< set once somebody wants to know
 
   /// The living item of that name; null when there is none.

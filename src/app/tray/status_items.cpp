@@ -48,14 +48,15 @@ StatusItemContent StatusItems::contentOf(StatusItemTab tab) const {
 }
 
 void StatusItems::updateItems() {
-  const StatusItemPlan plan = planStatusItems(settings_, rotationTab_);
+  StatusItemPlan plan = planStatusItems(settings_, rotationTab_);
   rotationTab_ = plan.rotationTab;
   const auto isFor = [this](const Slot& slot, StatusItemTab tab) { return slot.identifier == identifierOf(tab); };
   const std::size_t before = slots_.size();
   slots_.remove_if([&](const Slot& slot) {
     return std::ranges::none_of(plan.shown, [&](StatusItemTab tab) { return isFor(slot, tab); });
   });
-  // Trays line items up as they come, so an item that is to follow another must be made after it.
+  // Bars line items up as they come, so an item that is to follow another must be made after it, or before.
+  if (statusBar_.putsNewItemsFirst()) std::ranges::reverse(plan.shown);
   const auto [firstToGo, firstToMake] = std::ranges::mismatch(slots_, plan.shown, isFor);
   slots_.erase(firstToGo, slots_.end());
   if (slots_.size() < before) trackingStatusMenu_ = false;  // a menu goes with its item and does not tell

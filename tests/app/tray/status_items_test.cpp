@@ -73,6 +73,17 @@ TEST_F(StatusItemsTest, ItemsThatFollowANewcomerAreMadeAfterIt) {
   EXPECT_FALSE(memory->alive);
 }
 
+TEST_F(StatusItemsTest, BarThatPutsNewItemsFirstGetsTheLastOneFirst) {
+  bar.newItemsFirst = true;
+  items.configure();
+  EXPECT_EQ(bar.identifiers(), (Names{"nimbo-memory", "nimbo-ai"}));
+  const auto memory = bar.item("nimbo-memory");
+  settings.setMenuAwake(true);
+  items.configure();
+  EXPECT_EQ(bar.identifiers(), (Names{"nimbo-awake", "nimbo-memory", "nimbo-ai"}));
+  EXPECT_FALSE(memory->alive);
+}
+
 TEST_F(StatusItemsTest, ItemsAreMadeAnewWhereTheirOrderChanged) {
   settings.setMenuAwake(true);
   items.configure();

@@ -26,6 +26,7 @@ class SniStatusBar final : public StatusBar {
   [[nodiscard]] std::unique_ptr<StatusItem> makeItem(const std::string& identifier, StatusItemContent content,
                                                      StatusItemHandlers handlers) override;
   [[nodiscard]] bool showsTitles() const override { return host_.showsLabels; }
+  [[nodiscard]] bool putsNewItemsFirst() const override { return host_.putsNewItemsFirst; }
   void onAbsence(std::function<void(const std::string& advice)> absent) override;
 
  private:

@@ -33,8 +33,11 @@ TrayHost trayHostOn(std::string_view desktop) {
   // screen readers neither. The panels of the last three show a tooltip's title as it is; mate-panel and waybar parse
   // it, and an unknown host is better shown an entity than nothing.
   const bool plain = isAny(desktop, {"XFCE", "KDE", "LXQt"});
-  return {isAny(desktop, {"GNOME"}), !isAny(desktop, {"XFCE"}), isAny(desktop, {"GNOME", "MATE"}),
-          plain ? ToolTipTitle::plain : ToolTipTitle::markup};
+  return {.clickOpensMenu = isAny(desktop, {"GNOME"}),
+          .readsTitles = !isAny(desktop, {"XFCE"}),
+          .showsLabels = isAny(desktop, {"GNOME", "MATE"}),
+          .putsNewItemsFirst = isAny(desktop, {"GNOME", "XFCE"}),
+          .toolTipTitle = plain ? ToolTipTitle::plain : ToolTipTitle::markup};
 }
 
 const char* adviceWithoutTray(std::string_view desktop) {

@@ -23,6 +23,7 @@ struct TrayHost {
   bool clickOpensMenu;  ///< so that the menu has to offer the dashboard
   bool readsTitles;     ///< out to screen readers; shows them nowhere
   bool showsLabels;     ///< beside the pictures
+  bool putsNewItemsFirst;
   ToolTipTitle toolTipTitle;
 };
 
