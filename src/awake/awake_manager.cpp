@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "awake/awake_manager.h"
 
+#include <fmt/format.h>
+
 #include <utility>
 
 #include "awake/session_length.h"
@@ -18,7 +20,7 @@ bool AwakeManager::start(std::optional<Time> until, bool keepDisplayOn, Time now
     tell("Choose an end time in the future.");
     return false;
   }
-  if (auto reason = stopReason(readBattery(services_.powerSources), rules())) {
+  if (auto reason = reasonToStop()) {
     isActive() ? stop(std::move(*reason)) : tell(std::move(*reason));
     return false;
   }
@@ -61,8 +63,9 @@ bool AwakeManager::setKeepDisplayOn(bool on) {
 void AwakeManager::turnDisplayOff() {
   checkDeadline(services_.clock.now());
   if (!isActive() || keepsDisplayOn()) return;
-  auto request = services_.displayPower.sleepNow(
-      [this] { tell("macOS couldn’t turn the display off. Your Mac is still awake."); });
+  auto request = services_.displayPower.sleepNow([this, &words = services_.wording] {
+    tell(fmt::format("{} couldn’t turn the display off. Your {} is still awake.", words.system, words.computer));
+  });
   if (request) {
     displayOffRequest_ = std::move(*request);
   } else {
@@ -90,7 +93,7 @@ void AwakeManager::tick(Time now) {
 
 void AwakeManager::checkBattery() {
   if (!isActive()) return;
-  if (auto reason = stopReason(readBattery(services_.powerSources), rules())) stop(std::move(*reason));
+  if (auto reason = reasonToStop()) stop(std::move(*reason));
 }
 
 void AwakeManager::toggle(std::optional<Time> end) {
@@ -113,9 +116,13 @@ AwakeRules AwakeManager::rules() const {
   return {services_.settings.awakeOnlyOnPower(), services_.settings.awakeBatteryFloor()};
 }
 
+std::optional<std::string> AwakeManager::reasonToStop() const {
+  return stopReason(readBattery(services_.powerSources), rules(), services_.wording);
+}
+
 bool AwakeManager::activate(bool keepDisplayOn) {
   if (const auto held = assertions_.activate(keepDisplayOn); !held) {
-    tell(held.error().description());
+    tell(held.error().description(services_.wording));
     return false;
   }
   // A display that is to stay on must not go dark a moment later.

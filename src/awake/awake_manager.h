@@ -30,9 +30,11 @@ class AwakeManager {
     PowerSources& powerSources;
     DisplayPower& displayPower;
     Settings& settings;
+    const Wording& wording;
   };
 
-  explicit AwakeManager(Services services) : services_(services), assertions_(services.assertionClient) {}
+  explicit AwakeManager(Services services)
+      : services_(services), assertions_(services.assertionClient, services.wording) {}
 
   [[nodiscard]] bool isActive() const { return assertions_.isActive(); }
   [[nodiscard]] bool keepsDisplayOn() const { return assertions_.keepsDisplayOn(); }
@@ -83,6 +85,8 @@ class AwakeManager {
 
  private:
   [[nodiscard]] AwakeRules rules() const;
+  /// Why no session may run now, or absent.
+  [[nodiscard]] std::optional<std::string> reasonToStop() const;
   [[nodiscard]] bool activate(bool keepDisplayOn);
   void tell(std::string message);
   void scheduleDeadline();

@@ -27,8 +27,8 @@ CHROMIUM = pathlib.Path("/usr/lib/chromium")
 FIGURES = [("5-hour", 61), ("Weekly", 12.5), ("Sonnet weekly", 0), ("Opus weekly", 23)]
 
 NOT_RUNNING = "Desktop fallback: open Claude → Settings → Usage, then refresh.\n"
-NOT_TRUSTED = "Desktop fallback needs Accessibility access. Enable it in Nimbo Settings → AI Usage.\n"
-NOT_SHOWN = "Desktop fallback: leave Claude → Settings → Usage open, then refresh.\n"
+NOT_TRUSTED = "Desktop fallback needs the accessibility bus. Enable it in Nimbo Settings → AI Usage.\n"
+NOT_SHOWN = "Desktop fallback: leave Claude → Settings → Usage open, or else restart Claude, then refresh.\n"
 
 
 def install(folder, name):

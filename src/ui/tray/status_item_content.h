@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "platform/status_bar.h"
+#include "platform/wording.h"
 #include "system/system_readings.h"
 
 namespace nimbo {
@@ -15,7 +16,7 @@ namespace nimbo {
 [[nodiscard]] StatusItemContent awakeItemContent(bool sessionActive);
 
 /// The one item that stands for the whole program.
-[[nodiscard]] StatusItemContent compactItemContent(bool sessionActive);
+[[nodiscard]] StatusItemContent compactItemContent(bool sessionActive, const Wording& wording);
 
 // The symbols on them.
 

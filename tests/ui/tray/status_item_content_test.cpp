@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "platform/mac_wording.h"
+
 namespace nimbo {
 namespace {
 
@@ -112,10 +114,11 @@ TEST(AwakeItem, ToolTipTellsWhetherASessionRuns) {
 }
 
 TEST(CompactItem, ToolTipMentionsARunningSession) {
-  EXPECT_EQ(compactItemContent(false).toolTip, "Nimbo · Resources, AI usage & Keep Awake");
-  EXPECT_EQ(compactItemContent(true).toolTip, "Nimbo · Resources, AI usage & Keep Awake · Keeping Mac awake");
-  EXPECT_EQ(compactItemContent(false).image, cloudSymbol());
-  EXPECT_EQ(compactItemContent(false).accessibleName, "Nimbo");
+  EXPECT_EQ(compactItemContent(false, macWording()).toolTip, "Nimbo · Resources, AI usage & Keep Awake");
+  EXPECT_EQ(compactItemContent(true, macWording()).toolTip,
+            "Nimbo · Resources, AI usage & Keep Awake · Keeping Mac awake");
+  EXPECT_EQ(compactItemContent(false, macWording()).image, cloudSymbol());
+  EXPECT_EQ(compactItemContent(false, macWording()).accessibleName, "Nimbo");
 }
 
 bool covers(const RoundedRect& shape, Point point) {

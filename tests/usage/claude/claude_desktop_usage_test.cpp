@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/mac_wording.h"
 #include "support/fake_accessibility.h"
 #include "usage/claude/usage_screen_parser.h"
 #include "usage/usage_messages.h"
@@ -58,8 +59,8 @@ class ClaudeDesktopUsageTest : public testing::Test {
 
   FakeClock clock;
   FakeAccessibility accessibility{clock};
-  ClaudeDesktopUsage usage{accessibility, clock};
-  const Log notShown{usage_messages::kDesktopUsageNotShown};
+  ClaudeDesktopUsage usage{accessibility, clock, macWording()};
+  const Log notShown{macWording().desktopUsageNotShown};
   const Log fiveHours{"5-hour 610"};
 };
 
