@@ -23,7 +23,7 @@ namespace nimbo {
       .signInReadStillWaiting = "A sign-in read is still waiting on Keychain. Check for a macOS prompt, then refresh.",
       .signInReadTimedOut = "Sign-in access timed out. Check Keychain access and refresh.",
       .desktopFallbackHelp = "Allow Accessibility, then leave Claude’s\nSettings → Usage page open.",
-      .desktopUsageNotShown = "Desktop fallback: leave Claude → Settings → Usage open, then refresh.",
+      .desktopShowsNothing = "Desktop fallback: leave Claude → Settings → Usage open, then refresh.",
   };
   return wording;
 }

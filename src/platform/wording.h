@@ -26,7 +26,7 @@ struct Wording {
   std::string signInReadStillWaiting;
   std::string signInReadTimedOut;
   std::string desktopFallbackHelp;  ///< two lines
-  std::string desktopUsageNotShown;
+  std::string desktopShowsNothing;  ///< of Claude Desktop, which runs
 };
 
 }  // namespace nimbo

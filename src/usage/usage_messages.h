@@ -64,6 +64,7 @@ inline constexpr char kNoReadableClaudeLimits[] =
   return fmt::format("Desktop fallback needs {}. Enable it in Nimbo Settings → AI Usage.", wording.accessibility);
 }
 inline constexpr char kDesktopNotRunning[] = "Desktop fallback: open Claude → Settings → Usage, then refresh.";
+inline constexpr char kDesktopUsageNotShown[] = "Desktop fallback: leave Claude → Settings → Usage open, then refresh.";
 inline constexpr char kDesktopUnavailable[] = "Open Claude → Settings → Usage, then refresh.";
 
 }  // namespace nimbo::usage_messages

@@ -1,21 +1,31 @@
 // SPDX-License-Identifier: MIT
 #include "platform/linux/desktop/linux_wording.h"
 
+#include <cstddef>
+#include <string_view>
+
 #include "platform/linux/desktop/desktop_application.h"
 #include "platform/linux/desktop/desktop_programs.h"
 
 namespace nimbo {
+namespace {
+
+constexpr std::string_view kSystemMonitor = "System Monitor";
+constexpr std::size_t kLongestMonitorName = 16;  // what has room on its button
+
+}  // namespace
 
 Wording linuxWording(const std::string& currentDesktop, const std::string& searchPath,
                      const std::vector<std::filesystem::path>& applicationFolders) {
   const auto monitor = findSystemMonitor(currentDesktop, searchPath);
-  const auto monitorName = monitor ? applicationName(monitor->desktopIds, applicationFolders) : std::nullopt;
+  auto monitorName = monitor ? applicationName(monitor->desktopIds, applicationFolders) : std::nullopt;
+  if (!monitorName || monitorName->size() > kLongestMonitorName) monitorName = kSystemMonitor;
   return {
       .computer = "computer",
       .laptop = "laptop",
       .bar = "tray",
       .system = "The system",
-      .systemMonitor = monitorName.value_or("System Monitor"),
+      .systemMonitor = *monitorName,
       .quitKeys = "Ctrl+Q",
       .quitKeysWidth = 40,
       // Often a compressed device in memory (zram).
@@ -27,10 +37,9 @@ Wording linuxWording(const std::string& currentDesktop, const std::string& searc
       .widgetsUnavailable = "Widget sharing unavailable. Check that ~/.local/share can be written and has room.",
       .signInReadStillWaiting = "A sign-in read is still waiting on Codex’s auth.json. Check its disk, then refresh.",
       .signInReadTimedOut = "Sign-in access timed out. Check the disk of Codex’s auth.json and refresh.",
-      // Applications offer what they show only if somebody wanted it when they started.
+      // Applications offer what they show only if somebody had asked for it when they started.
       .desktopFallbackHelp = "Restart Claude if it is running, then leave its\nSettings → Usage page open.",
-      .desktopUsageNotShown =
-          "Desktop fallback: leave Claude → Settings → Usage open, or else restart Claude, then refresh.",
+      .desktopShowsNothing = "Desktop fallback: restart Claude, open Settings → Usage, then refresh.",
   };
 }
 

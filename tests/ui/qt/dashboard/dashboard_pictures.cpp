@@ -122,7 +122,7 @@ void usageMessages(Scene& scene) {
 
 void usageLongMessages(Scene& scene) {
   const std::string both =
-      std::string(usage_messages::kClaudeCodeGaveNoUsage) + ' ' + pictureWording().desktopUsageNotShown;
+      std::string(usage_messages::kClaudeCodeGaveNoUsage) + ' ' + pictureWording().desktopShowsNothing;
   showUsage(scene, {{UsageProvider::codex, failedState(usage_messages::kNoCodexCredentials)},
                     {UsageProvider::claude, failedState(both)}});
 }

@@ -226,7 +226,7 @@ TEST_F(UsagePageOnScreen, LongMessageTakesTwoLinesAndStaysWholeForScreenReaders)
   EXPECT_EQ(label.lines()[0].text + ' ' + label.lines()[1].text, usage_messages::kNoCodexCredentials);
 
   const std::string both =
-      std::string(usage_messages::kClaudeCodeGaveNoUsage) + ' ' + usage_messages::kDesktopNotRunning;
+      std::string(usage_messages::kClaudeCodeGaveNoUsage) + ' ' + usage_messages::kDesktopUsageNotShown;
   showCodex(failedState(both));
   EXPECT_EQ(label.lines().size(), 2U);
   EXPECT_EQ(label.text().toStdString(), both);
