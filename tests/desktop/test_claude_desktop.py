@@ -29,7 +29,7 @@ FIGURES = [("5-hour", 61), ("Weekly", 12.5), ("Sonnet weekly", 0), ("Opus weekly
 NOT_RUNNING = "Desktop fallback: open Claude → Settings → Usage, then refresh.\n"
 NOT_TRUSTED = "Desktop fallback needs the accessibility bus. Enable it in Nimbo Settings → AI Usage.\n"
 NOT_SHOWN = "Desktop fallback: leave Claude → Settings → Usage open, then refresh.\n"
-SILENT = "Desktop fallback: restart Claude, open Settings → Usage, then refresh.\n"
+SILENT = "Desktop fallback: restart Claude and open Settings → Usage.\n"
 
 
 def install(folder, name):

@@ -39,7 +39,7 @@ Wording linuxWording(const std::string& currentDesktop, const std::string& searc
       .signInReadTimedOut = "Sign-in access timed out. Check the disk of Codex’s auth.json and refresh.",
       // Applications offer what they show only if somebody had asked for it when they started.
       .desktopFallbackHelp = "Restart Claude if it is running, then leave its\nSettings → Usage page open.",
-      .desktopShowsNothing = "Desktop fallback: restart Claude, open Settings → Usage, then refresh.",
+      .desktopShowsNothing = "Desktop fallback: restart Claude and open Settings → Usage.",
   };
 }
 
