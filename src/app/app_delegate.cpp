@@ -15,7 +15,7 @@ AppDelegate::AppDelegate(PlatformServices& platform, UserInterface& windows, Set
       settings_(settings),
       notices_(platform.workspace(), [this] { statusItems_.refresh(); }),
       awake_({platform.mainLoop(), clock_, platform.assertionClient(), platform.powerSources(), platform.displayPower(),
-              settings}),
+              settings, platform.wording()}),
       usage_(platform, settings, [this] { usageChanged(); }),
       sampling_(platform, settings, samplingCallbacks()),
       widgets_(platform, {settings, sampling_.readings(), usage_.states()}, audience == Audience::user,
@@ -23,12 +23,14 @@ AppDelegate::AppDelegate(PlatformServices& platform, UserInterface& windows, Set
       updateAlerts_(windows, {.willShow = [this] { dashboard_.close(); },
                               .found = [this](const auto& title, const auto& text) { notices_.tell(title, text); }}),
       updater_(platform, updateAlerts_),
-      dashboard_({windows, platform.mainLoop(), platform.workspace()},
-                 {settings, sampling_.readings(), awake_, usage_.states(), clock_, platform.dates()},
-                 dashboardCallbacks()),
+      dashboard_(
+          {windows, platform.mainLoop(), platform.workspace()},
+          {settings, sampling_.readings(), awake_, usage_.states(), clock_, platform.dates(), platform.wording()},
+          dashboardCallbacks()),
       systemRequests_(platform, windows),
-      settingsWindow_({settings, platform.bundleInfo(), platform.loginItem()}, settingsWindowCallbacks(windows)),
-      quitQuestion_(windows, platform.mainLoop(), awake_, [this] { dashboard_.close(); }),
+      settingsWindow_({settings, platform.bundleInfo(), platform.loginItem(), platform.wording()},
+                      settingsWindowCallbacks(windows)),
+      quitQuestion_(windows, platform.mainLoop(), awake_, platform.wording(), [this] { dashboard_.close(); }),
       statusItems_(platform.statusBar(), platform.mainLoop(), settings, statusItemCallbacks()) {
   awake_.onChange = [this] { refreshViews(); };
   awake_.onRefusal = [this](const std::string& message) {
@@ -94,7 +96,7 @@ SettingsWindowController::Callbacks AppDelegate::settingsWindowCallbacks(UserInt
 }
 
 StatusItemContent AppDelegate::contentFor(StatusItemTab tab) const {
-  if (!tab) return notices_.withLatest(compactItemContent(awake_.isActive()));
+  if (!tab) return notices_.withLatest(compactItemContent(awake_.isActive(), platform_.wording()));
   switch (*tab) {
     case DashboardTab::ai: {
       const auto gauges = menuGauges(settings_, usage_.states(), clock_.now(), platform_.dates());

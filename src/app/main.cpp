@@ -79,7 +79,8 @@ int runProfile() {
 int runClaudeDesktopCheck() {
   const SystemReaders readers = makeSystemReaders();
   const auto accessibility = makeAccessibility();
-  const ClaudeDesktopUsage usage(*accessibility, *readers.clock);
+  const Wording wording = systemWording();
+  const ClaudeDesktopUsage usage(*accessibility, *readers.clock, wording);
   return print(makeClaudeDesktopCheck(usage, userSurroundings().localZone()));
 }
 

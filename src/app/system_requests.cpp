@@ -11,8 +11,7 @@ void SystemRequests::toggleLogin() {
   if (status == LoginItemStatus::requiresApproval) return login.openSystemSettings();
   const auto done = status == LoginItemStatus::enabled ? login.unregisterItem() : login.registerItem();
   if (done) return;
-  tell("Couldn’t update launch at login",
-       "Keep Nimbo in Applications before enabling launch at login. " + done.error().description);
+  tell("Couldn’t update launch at login", platform_.wording().loginAdvice + done.error().description);
 }
 
 // Applications learn when they start that somebody wants to read their windows, so that comes first.

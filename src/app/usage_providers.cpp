@@ -23,7 +23,7 @@ ClaudeUsageReader claudeReader(PlatformServices& platform) {
   const auto services = platform.usageServices();
   const auto& clock = *platform.readers().clock;
   const auto& user = services.user;
-  const ClaudeDesktopUsage desktop(services.accessibility, clock);
+  const ClaudeDesktopUsage desktop(services.accessibility, clock, platform.wording());
   return {{{services.terminals, services.toolFiles, clock}, services.claudeQueue, platform.mainLoop()},
           {user.home, user.caches, user.searchPath, user.environment, user.localZone},
           [desktop, zone = user.localZone](const std::stop_token& stop) { return desktop.read(zone(), stop); }};
@@ -33,7 +33,7 @@ ClaudeUsageReader claudeReader(PlatformServices& platform) {
 
 UsageProviders::UsageProviders(PlatformServices& platform, const Settings& settings, std::function<void()> changed)
     : settings_(settings),
-      credentials_(platform.mainLoop(), platform.usageServices().background),
+      credentials_(platform.mainLoop(), platform.usageServices().background, platform.wording()),
       codex_(codexClient(platform, credentials_)),
       monitor_(
           {.codex = [this](UsageRequest request,

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "awake/awake_manager.h"
 
+#include <fmt/format.h>
+
 #include <utility>
 
 #include "awake/session_length.h"
@@ -18,11 +20,7 @@ bool AwakeManager::start(std::optional<Time> until, bool keepDisplayOn, Time now
     refuse("Choose an end time in the future.");
     return false;
   }
-  if (auto reason = stopReason(readBattery(services_.powerSources), rules())) {
-    end();
-    refuse(std::move(*reason));
-    return false;
-  }
+  if (endIfForbidden()) return false;
   if (!activate(keepDisplayOn)) return false;
   endsAt_ = until;
   scheduleDeadline();
@@ -66,8 +64,9 @@ bool AwakeManager::setKeepDisplayOn(bool on) {
 void AwakeManager::turnDisplayOff() {
   checkDeadline(services_.clock.now());
   if (!isActive() || keepsDisplayOn()) return;
-  auto request = services_.displayPower.sleepNow(
-      [this] { tell("macOS couldn’t turn the display off. Your Mac is still awake."); });
+  auto request = services_.displayPower.sleepNow([this, &words = services_.wording] {
+    tell(fmt::format("{} couldn’t turn the display off. Your {} is still awake.", words.system, words.computer));
+  });
   if (request) {
     displayOffRequest_ = std::move(*request);
   } else {
@@ -94,11 +93,7 @@ void AwakeManager::tick(Time now) {
 }
 
 void AwakeManager::checkBattery() {
-  if (!isActive()) return;
-  auto reason = stopReason(readBattery(services_.powerSources), rules());
-  if (!reason) return;
-  end();
-  refuse(std::move(*reason));
+  if (isActive()) (void)endIfForbidden();
 }
 
 void AwakeManager::toggle(std::optional<Time> end) {
@@ -121,9 +116,17 @@ AwakeRules AwakeManager::rules() const {
   return {services_.settings.awakeOnlyOnPower(), services_.settings.awakeBatteryFloor()};
 }
 
+bool AwakeManager::endIfForbidden() {
+  auto reason = stopReason(readBattery(services_.powerSources), rules(), services_.wording);
+  if (!reason) return false;
+  end();
+  refuse(std::move(*reason));
+  return true;
+}
+
 bool AwakeManager::activate(bool keepDisplayOn) {
   if (const auto held = assertions_.activate(keepDisplayOn); !held) {
-    refuse(held.error().description());
+    refuse(held.error().description(services_.wording));
     return false;
   }
   // A display that is to stay on must not go dark a moment later.

@@ -30,9 +30,11 @@ class AwakeManager {
     PowerSources& powerSources;
     DisplayPower& displayPower;
     Settings& settings;
+    const Wording& wording;
   };
 
-  explicit AwakeManager(Services services) : services_(services), assertions_(services.assertionClient) {}
+  explicit AwakeManager(Services services)
+      : services_(services), assertions_(services.assertionClient, services.wording) {}
 
   [[nodiscard]] bool isActive() const { return assertions_.isActive(); }
   [[nodiscard]] bool keepsDisplayOn() const { return assertions_.keepsDisplayOn(); }
@@ -86,8 +88,11 @@ class AwakeManager {
 
  private:
   [[nodiscard]] AwakeRules rules() const;
+  /// Why no session may run now, or absent.
   [[nodiscard]] bool activate(bool keepDisplayOn);
   void end();
+  /// Whether the rules forbid a session now; one that runs has been ended then.
+  [[nodiscard]] bool endIfForbidden();
   void tell(std::string message);
   void refuse(std::string message);
   void scheduleDeadline();

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "awake/awake_rules.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cmath>
 
@@ -26,11 +28,12 @@ std::optional<BatteryState> readBattery(const PowerSources& sources) {
   return std::nullopt;
 }
 
-std::optional<std::string> stopReason(const std::optional<BatteryState>& battery, const AwakeRules& rules) {
+std::optional<std::string> stopReason(const std::optional<BatteryState>& battery, const AwakeRules& rules,
+                                      const Wording& wording) {
   if (!battery || !battery->onBattery) return std::nullopt;
-  if (rules.onlyOnPower) return "Connect the charger to keep this Mac awake.";
+  if (rules.onlyOnPower) return fmt::format("Connect the charger to keep this {} awake.", wording.computer);
   if (rules.batteryFloor < 1 || !battery->percent || *battery->percent > rules.batteryFloor) return std::nullopt;
-  return "Session stopped: battery is at or below " + std::to_string(rules.batteryFloor) + "%.";
+  return fmt::format("Session stopped: battery is at or below {}%.", rules.batteryFloor);
 }
 
 }  // namespace nimbo

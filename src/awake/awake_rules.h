@@ -5,6 +5,7 @@
 #include <string>
 
 #include "platform/power_sources.h"
+#include "platform/wording.h"
 
 namespace nimbo {
 
@@ -27,7 +28,7 @@ struct AwakeRules {
 };
 
 /// The message that ends a session, or absent when it may run.
-[[nodiscard]] std::optional<std::string> stopReason(const std::optional<BatteryState>& battery,
-                                                    const AwakeRules& rules);
+[[nodiscard]] std::optional<std::string> stopReason(const std::optional<BatteryState>& battery, const AwakeRules& rules,
+                                                    const Wording& wording);
 
 }  // namespace nimbo

@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "awake/power_assertions.h"
 
+#include <fmt/format.h>
+
 #include <utility>
 
 namespace nimbo {
 namespace {
 
-constexpr const char* kSystemReason = "Nimbo — keep Mac awake while work continues";
+constexpr const char* kSystemReason = "Nimbo — keep {} awake while work continues";
 constexpr const char* kDisplayReason = "Nimbo — keep display on";
 
 }  // namespace
@@ -14,7 +16,7 @@ constexpr const char* kDisplayReason = "Nimbo — keep display on";
 Result<void, PowerError> PowerAssertions::activate(bool keepDisplayOn) {
   const bool wasActive = isActive();
   if (!wasActive) {
-    const auto id = client_.create(kPreventSystemSleep, kSystemReason);
+    const auto id = client_.create(kPreventSystemSleep, fmt::format(kSystemReason, wording_.computer));
     if (!id) return tl::unexpected(id.error());
     systemId_ = *id;
   }

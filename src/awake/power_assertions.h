@@ -13,8 +13,8 @@ namespace nimbo {
 /// Main thread only.
 class PowerAssertions {
  public:
-  /// `client` outlives it.
-  explicit PowerAssertions(AssertionClient& client) : client_(client) {}
+  /// Both outlive it.
+  PowerAssertions(AssertionClient& client, const Wording& wording) : client_(client), wording_(wording) {}
   PowerAssertions(const PowerAssertions&) = delete;
   PowerAssertions& operator=(const PowerAssertions&) = delete;
   ~PowerAssertions() { deactivate(); }
@@ -32,6 +32,7 @@ class PowerAssertions {
   void releaseDisplay();
 
   AssertionClient& client_;
+  const Wording& wording_;
   std::optional<std::uint32_t> systemId_;
   std::optional<std::uint32_t> displayId_;
 };

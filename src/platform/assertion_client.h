@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <fmt/format.h>
+
 #include <cstdint>
 #include <string>
 
 #include "base/result.h"
+#include "platform/wording.h"
 
 namespace nimbo {
 
@@ -14,8 +17,9 @@ struct PowerError {
   std::int32_t code = 0;
 
   /// For the user, with the code in decimal.
-  [[nodiscard]] std::string description() const {
-    return "macOS couldn’t keep your Mac awake (error " + std::to_string(code) + "). Please try again.";
+  [[nodiscard]] std::string description(const Wording& wording) const {
+    return fmt::format("{} couldn’t keep your {} awake (error {}). Please try again.", wording.system, wording.computer,
+                       code);
   }
   bool operator==(const PowerError&) const = default;
 };

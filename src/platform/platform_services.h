@@ -29,6 +29,7 @@
 #include "platform/user_files.h"
 #include "platform/widget_center.h"
 #include "platform/windows_process.h"
+#include "platform/wording.h"
 #include "platform/workspace.h"
 
 namespace nimbo {
@@ -81,6 +82,7 @@ class PlatformServices {
   [[nodiscard]] virtual WorkQueue& temperatureQueue() = 0;  ///< serial
   [[nodiscard]] virtual WorkQueue& utilityQueue() = 0;      ///< serial
   [[nodiscard]] virtual const BundleInfo& bundleInfo() = 0;
+  [[nodiscard]] virtual const Wording& wording() = 0;
   [[nodiscard]] virtual UserDefaults& userDefaults() = 0;  ///< the application's own domain
   [[nodiscard]] virtual UserDefaultsDomains& userDefaultsDomains() = 0;
   /// Another domain of that name, or null when it cannot be kept.
@@ -108,6 +110,7 @@ class PlatformServices {
 [[nodiscard]] SystemReaders makeSystemReaders();
 [[nodiscard]] std::unique_ptr<Accessibility> makeAccessibility();
 [[nodiscard]] UserSurroundings userSurroundings();
+[[nodiscard]] Wording systemWording();
 [[nodiscard]] std::unique_ptr<PlatformServices> makePlatformServices();
 
 }  // namespace nimbo

@@ -6,9 +6,10 @@
 #include <string>
 #include <string_view>
 
+#include "platform/wording.h"
 #include "settings/usage_provider.h"
 
-/// Everything that the user is told about a reading that failed, word for word.
+/// What the user is told about a reading that failed, word for word, but for the sentences of Wording.
 namespace nimbo::usage_messages {
 
 // Signing in.
@@ -16,9 +17,6 @@ inline constexpr char kClaudeHasNoCredentials[] = "Claude usage is read through 
 inline constexpr char kNoCodexCredentials[] =
     "No Codex auth.json found. Sign in with Codex CLI using file credential storage.";
 inline constexpr char kClaudeCodeSignInExpired[] = "Sign-in expired. Open Claude Code to renew it, then refresh.";
-inline constexpr char kSignInReadStillWaiting[] =
-    "A sign-in read is still waiting on Keychain. Check for a macOS prompt, then refresh.";
-inline constexpr char kSignInReadTimedOut[] = "Sign-in access timed out. Check Keychain access and refresh.";
 [[nodiscard]] inline std::string signInUnreadable(UsageProvider provider) {
   return fmt::format("Sign-in data is unreadable. Sign in again in {} first.", displayName(provider));
 }
@@ -62,8 +60,9 @@ inline constexpr char kNoReadableClaudeLimits[] =
     "No readable Claude limits. Sign in with Claude Code and check /usage, then refresh.";
 
 // The desktop application.
-inline constexpr char kDesktopNeedsAccessibility[] =
-    "Desktop fallback needs Accessibility access. Enable it in Nimbo Settings → AI Usage.";
+[[nodiscard]] inline std::string desktopNeedsAccessibility(const Wording& wording) {
+  return fmt::format("Desktop fallback needs {}. Enable it in Nimbo Settings → AI Usage.", wording.accessibility);
+}
 inline constexpr char kDesktopNotRunning[] = "Desktop fallback: open Claude → Settings → Usage, then refresh.";
 inline constexpr char kDesktopUsageNotShown[] = "Desktop fallback: leave Claude → Settings → Usage open, then refresh.";
 inline constexpr char kDesktopUnavailable[] = "Open Claude → Settings → Usage, then refresh.";

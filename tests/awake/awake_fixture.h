@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "awake/awake_manager.h"
+#include "platform/mac_wording.h"
 #include "support/fake_assertion_client.h"
 #include "support/fake_clock.h"
 #include "support/fake_display_power.h"
@@ -65,7 +66,7 @@ class AwakeManagerTest : public testing::Test {
   FakeUserDefaultsDomains domains;
   FakeUserDefaults defaults{domains, "test"};
   Settings settings{defaults};
-  AwakeManager manager{{loop, clock, client, sources, display, settings}};
+  AwakeManager manager{{loop, clock, client, sources, display, settings, macWording()}};
   Log told;  ///< the message at each change
 };
 

@@ -121,7 +121,7 @@ class PulledMeanwhile final : public PowerSources {
 
 TEST_F(AwakeManagerBatteryTest, ChargerPulledBetweenReadingAndObservingEndsTheSession) {
   PulledMeanwhile pulled;
-  AwakeManager late({loop, clock, client, pulled, display, settings});
+  AwakeManager late({loop, clock, client, pulled, display, settings, macWording()});
   setRules(true, 20);
   EXPECT_FALSE(late.start(at(14, 0), true, clock.now()));
   EXPECT_FALSE(late.isActive());

@@ -186,7 +186,7 @@ TEST_F(AwakeManagerTest, NobodyNeedsToListen) {
 TEST_F(AwakeManagerTest, DestroyedManagerLetsEverythingGoAndHearsNothing) {
   int changes = 0;
   {
-    AwakeManager brief({loop, clock, client, sources, display, settings});
+    AwakeManager brief({loop, clock, client, sources, display, settings, macWording()});
     brief.onChange = [&] { ++changes; };
     ASSERT_TRUE(brief.start(at(14, 0), false, clock.now()));
     brief.turnDisplayOff();

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/mac_wording.h"
+
 namespace nimbo {
 namespace {
 
@@ -15,41 +17,41 @@ std::string floorMessage(int floor) {
 TEST(AwakeRules, DefaultsAllowBatteryDownToTwentyPercent) { EXPECT_EQ(AwakeRules(), (AwakeRules{false, 20})); }
 
 TEST(AwakeRules, MachineWithoutABatteryIsNeverStopped) {
-  EXPECT_EQ(stopReason(std::nullopt, {true, 100}), std::nullopt);
+  EXPECT_EQ(stopReason(std::nullopt, {true, 100}, macWording()), std::nullopt);
 }
 
 TEST(AwakeRules, MainsPowerIsNeverAReasonWhateverTheCharge) {
-  EXPECT_EQ(stopReason(BatteryState{false, 1}, {true, 20}), std::nullopt);
-  EXPECT_EQ(stopReason(BatteryState{false, std::nullopt}, {true, 20}), std::nullopt);
+  EXPECT_EQ(stopReason(BatteryState{false, 1}, {true, 20}, macWording()), std::nullopt);
+  EXPECT_EQ(stopReason(BatteryState{false, std::nullopt}, {true, 20}, macWording()), std::nullopt);
 }
 
 TEST(AwakeRules, OnlyOnPowerStopsOnBatteryWhateverTheCharge) {
-  EXPECT_EQ(stopReason(BatteryState{true, 100}, {true, 0}), kConnectTheCharger);
-  EXPECT_EQ(stopReason(BatteryState{true, std::nullopt}, {true, 20}), kConnectTheCharger);
+  EXPECT_EQ(stopReason(BatteryState{true, 100}, {true, 0}, macWording()), kConnectTheCharger);
+  EXPECT_EQ(stopReason(BatteryState{true, std::nullopt}, {true, 20}, macWording()), kConnectTheCharger);
 }
 
 TEST(AwakeRules, OnlyOnPowerComesBeforeTheFloor) {
-  EXPECT_EQ(stopReason(BatteryState{true, 5}, {true, 20}), kConnectTheCharger);
+  EXPECT_EQ(stopReason(BatteryState{true, 5}, {true, 20}, macWording()), kConnectTheCharger);
 }
 
 TEST(AwakeRules, ChargeAtTheFloorStopsAndOneAboveDoesNot) {
-  EXPECT_EQ(stopReason(BatteryState{true, 20}, {false, 20}), floorMessage(20));
-  EXPECT_EQ(stopReason(BatteryState{true, 21}, {false, 20}), std::nullopt);
+  EXPECT_EQ(stopReason(BatteryState{true, 20}, {false, 20}, macWording()), floorMessage(20));
+  EXPECT_EQ(stopReason(BatteryState{true, 21}, {false, 20}, macWording()), std::nullopt);
 }
 
 TEST(AwakeRules, MessageNamesTheFloorAndNotTheCharge) {
-  EXPECT_EQ(stopReason(BatteryState{true, 3}, {false, 50}), floorMessage(50));
-  EXPECT_EQ(stopReason(BatteryState{true, 0}, {false, 1}), floorMessage(1));
-  EXPECT_EQ(stopReason(BatteryState{true, 100}, {false, 100}), floorMessage(100));
+  EXPECT_EQ(stopReason(BatteryState{true, 3}, {false, 50}, macWording()), floorMessage(50));
+  EXPECT_EQ(stopReason(BatteryState{true, 0}, {false, 1}, macWording()), floorMessage(1));
+  EXPECT_EQ(stopReason(BatteryState{true, 100}, {false, 100}, macWording()), floorMessage(100));
 }
 
 TEST(AwakeRules, FloorBelowOneMeansNone) {
-  EXPECT_EQ(stopReason(BatteryState{true, 0}, {false, 0}), std::nullopt);
-  EXPECT_EQ(stopReason(BatteryState{true, 0}, {false, -5}), std::nullopt);
+  EXPECT_EQ(stopReason(BatteryState{true, 0}, {false, 0}, macWording()), std::nullopt);
+  EXPECT_EQ(stopReason(BatteryState{true, 0}, {false, -5}, macWording()), std::nullopt);
 }
 
 TEST(AwakeRules, UnknownChargeIsAboveEveryFloor) {
-  EXPECT_EQ(stopReason(BatteryState{true, std::nullopt}, {false, 100}), std::nullopt);
+  EXPECT_EQ(stopReason(BatteryState{true, std::nullopt}, {false, 100}, macWording()), std::nullopt);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 
 #include <limits>
 
+#include "platform/mac_wording.h"
 #include "support/fake_assertion_client.h"
 
 namespace nimbo {
@@ -25,7 +26,7 @@ class PowerAssertionsTest : public testing::Test {
   }
 
   FakeAssertionClient client;
-  PowerAssertions assertions{client};
+  PowerAssertions assertions{client, macWording()};
 };
 
 TEST_F(PowerAssertionsTest, NothingIsHeldAtFirst) {
@@ -131,7 +132,7 @@ TEST_F(PowerAssertionsTest, DeactivationWithNothingHeldMakesNoCall) {
 
 TEST_F(PowerAssertionsTest, DestroyingItReleasesWhatIsHeld) {
   {
-    PowerAssertions brief(client);
+    PowerAssertions brief(client, macWording());
     ASSERT_TRUE(brief.activate(true));
   }
   EXPECT_EQ(client.held(), Held{});
@@ -139,13 +140,14 @@ TEST_F(PowerAssertionsTest, DestroyingItReleasesWhatIsHeld) {
 }
 
 TEST(PowerError, DescriptionNamesTheCode) {
-  EXPECT_EQ(PowerError{17}.description(), "macOS couldn’t keep your Mac awake (error 17). Please try again.");
+  EXPECT_EQ(PowerError{17}.description(macWording()),
+            "macOS couldn’t keep your Mac awake (error 17). Please try again.");
 }
 
 TEST(PowerError, NegativeCodeHasItsMinusSign) {
-  EXPECT_EQ(PowerError{-536870206}.description(),
+  EXPECT_EQ(PowerError{-536870206}.description(macWording()),
             "macOS couldn’t keep your Mac awake (error -536870206). Please try again.");
-  EXPECT_EQ(PowerError{std::numeric_limits<std::int32_t>::min()}.description(),
+  EXPECT_EQ(PowerError{std::numeric_limits<std::int32_t>::min()}.description(macWording()),
             "macOS couldn’t keep your Mac awake (error -2147483648). Please try again.");
 }
 

@@ -38,7 +38,7 @@ PAGES = {
 AGAIN = 5  # seconds after which a click or a key counts as lost
 MIN_WIDTH = 420  # of a picture
 HISTORY = 8  # seconds of readings that make a history to see
-RUNNING = "Your Mac is staying awake"
+RUNNING = "Your computer is staying awake"
 STARTED = time.monotonic()
 FAILURES = (AssertionError, GLib.Error, OSError, subprocess.SubprocessError)
 
@@ -277,7 +277,7 @@ class Demonstration:
         self.to_page("AI", lambda text: text == "77% left", "the allowances")
 
     def keep_awake(self):
-        self.to_page("Awake", lambda text: text == "Keep Mac awake", "the page")
+        self.to_page("Awake", lambda text: text == "Keep computer awake", "the page")
 
     def memory(self):
         self.to_page("Mem", lambda text: text.endswith((" MB", " GB")), "the process list")
@@ -295,9 +295,9 @@ class Demonstration:
         self.nimbo.wait_for_text(lambda text: text == "Show less", "more processes")
 
     def running(self):
-        self.to_page("Awake", lambda text: text in ("Keep Mac awake", RUNNING), "the page")
+        self.to_page("Awake", lambda text: text in ("Keep computer awake", RUNNING), "the page")
         if RUNNING not in self.nimbo.texts():
-            self.nimbo.press("Keep Mac awake")
+            self.nimbo.press("Keep computer awake")
         self.nimbo.wait_for_text(lambda text: text == RUNNING, "the session")
 
     def quit(self):

@@ -65,8 +65,8 @@ class AwakePageTest(DesktopTest):
         self.open()
         self.wait_for("Keep AI jobs running while your display rests.")
         self.assertFalse(self.control("Turn display off now")["enabled"])
-        self.click("Keep Mac awake")
-        self.wait_for("Your Mac is staying awake")
+        self.click("Keep computer awake")
+        self.wait_for("Your computer is staying awake")
         self.wait_for("Until you stop it. Display may sleep.")
         self.held(1)
         self.assertFalse(self.control("+30 min")["enabled"])
@@ -78,7 +78,7 @@ class AwakePageTest(DesktopTest):
 
     def test_display_switch_during_a_session(self):
         self.open()
-        self.click("Keep Mac awake")
+        self.click("Keep computer awake")
         self.held(1)
         self.click("Keep display on too")
         self.held(2)
@@ -89,7 +89,7 @@ class AwakePageTest(DesktopTest):
     def test_timed_session_is_extended_by_half_an_hour(self):
         self.open()
         self.choose_length(1)
-        self.click("Keep Mac awake")
+        self.click("Keep computer awake")
         before = self.program.wait_for_text(lambda name: name.startswith("Until "), "the end")
         self.click("+30 min")
         after = self.program.wait_for_text(lambda name: name.startswith("Until ") and name != before, "the later end")
@@ -103,12 +103,12 @@ class AwakePageTest(DesktopTest):
         for text in ("", "0", "10081", "ten", "1.5"):
             self.type(text)
             wait_until(lambda: BAD_MINUTES not in self.program.texts(), "the error to go with the next letter")
-            self.program.press("Keep Mac awake")
+            self.program.press("Keep computer awake")
             self.wait_for(BAD_MINUTES)
             self.click("Custom duration in minutes")
         self.assertEqual(self.service.held, {})
         self.type(" 45 ")
-        self.click("Keep Mac awake")
+        self.click("Keep computer awake")
         text = self.program.wait_for_text(lambda name: name.startswith("Until "), "the end")
         end = datetime.datetime.strptime(text.split(".")[0], "Until %m/%d/%y, %H:%M")
         expected = datetime.datetime.fromtimestamp(time.time(), datetime.timezone.utc) + datetime.timedelta(minutes=45)
@@ -129,14 +129,14 @@ class AwakePageTest(DesktopTest):
             self.key("Down")
         for key in ("Home", "Down", "Down"):
             self.key(key)
-        self.click("Keep Mac awake")
+        self.click("Keep computer awake")
         self.wait_for("Choose an end time in the future.")
         self.assertEqual(self.service.held, {})
 
     def test_suggested_date_starts_a_session_of_about_an_hour(self):
         self.open()
         self.choose_length(DATE)
-        self.click("Keep Mac awake")
+        self.click("Keep computer awake")
         self.held(1)
         self.program.wait_for_text(lambda name: name.startswith("Until ") and name.endswith(" Display may sleep."), "end")
 
@@ -149,11 +149,11 @@ class AwakePageTest(DesktopTest):
 
     def ask_to_quit(self):
         self.open()
-        self.click("Keep Mac awake")
+        self.click("Keep computer awake")
         self.held(1)
         self.click("Quit Nimbo")
         self.wait_for("Keep Awake is running")
-        self.wait_for("Quitting or installing an update ends this session. Your Mac may sleep afterward.")
+        self.wait_for("Quitting or installing an update ends this session. Your computer may sleep afterward.")
         self.program.wait_for_no_dashboard()
 
     def test_quitting_during_a_session_can_be_taken_back(self):
@@ -194,14 +194,14 @@ class AwakePageTest(DesktopTest):
         self.open()
         self.wait_for("Ready for your next run")  # by then it has the keyboard, too
         boxes = ("Keep display on too", "Only while connected to power")
-        for name in ("Awake", "Settings", "Keep Mac awake", "Session", *boxes):
+        for name in ("Awake", "Settings", "Keep computer awake", "Session", *boxes):
             self.key("Tab")
             wait_until(lambda: name in self.focused(), f"the focus on {name}")
         self.key("space")
         wait_until(lambda: self.control("Only while connected to power")["checked"], "the check mark")
         for _ in range(3):
             self.key("shift+Tab")
-        wait_until(lambda: "Keep Mac awake" in self.focused(), "the focus on the start button")
+        wait_until(lambda: "Keep computer awake" in self.focused(), "the focus on the start button")
         self.key("space")
         self.held(1)
 

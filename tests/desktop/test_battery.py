@@ -99,7 +99,7 @@ class BatteryTest(DesktopTest):
         wait_until(lambda: self.sessions() == 1, "the session")
         self.power(0, "Discharging", 90)
         wait_until(lambda: self.sessions() == 0, "the end of the session", SLOW)
-        self.detail("Connect the charger to keep this Mac awake.")
+        self.detail("Connect the charger to keep this computer awake.")
 
     def test_battery_does_not_matter_without_rules(self):
         self.session.settings(menuAwake=True, awakeBatteryFloor=0)

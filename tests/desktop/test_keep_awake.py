@@ -9,7 +9,7 @@ from nimbo_desktop import SLOW, Notifications, turn_for, wait_until
 from power_services import Logind, gnome_session, plasma_policy_agent, power_management, screen_saver
 from program import DesktopTest, armed_timers
 
-SYSTEM = "Nimbo — keep the machine awake while work continues"
+SYSTEM = "Nimbo — keep computer awake while work continues"
 DISPLAY = "Nimbo — keep display on"
 DELAY = ("sleep", "Nimbo", "Nimbo pauses its readings", "delay")  # held at all times, see the sleep tests
 SLEEP_BLOCK = ("sleep:idle", "Nimbo", SYSTEM, "block")  # by an old systemd, see the tests of the idle daemons
@@ -152,7 +152,7 @@ class NoServiceTest(KeepAwakeTest):
         wait_until(lambda: self.item.tooltip == off, "the usual tooltip")
         self.program.wait_for_dashboard()
         text = self.program.wait_for_text(lambda name: name == reason, "the error")
-        self.assertRegex(text, r"^macOS couldn’t keep your Mac awake \(error \d+\)\. Please try again\.$")
+        self.assertRegex(text, r"^The system couldn’t keep your computer awake \(error \d+\)\. Please try again\.$")
         self.assertIn("Ready for your next run", self.program.texts())
 
 

@@ -82,7 +82,7 @@ class ProfileTest(unittest.TestCase):
         self.assertAlmostEqual(span, 6.0, delta=0.2 * SLOW)
         used = cpu[1] - cpu[0]
         self.assertAlmostEqual(percent * span / 100, used, delta=2 / TICK)
-        self.assertEqual(reasons, {"Nimbo — keep the machine awake while work continues"})
+        self.assertEqual(reasons, {"Nimbo — keep computer awake while work continues"})
 
     def test_works_without_display_and_bus(self):
         session = self.session()

@@ -64,7 +64,7 @@ class InstalledProgramTest(DesktopTest):
 
     def assert_awake_page(self, program):
         program.wait_for_dashboard()
-        program.wait_for_text(lambda text: text == "Keep Mac awake", "the Keep Awake page")
+        program.wait_for_text(lambda text: text == "Keep computer awake", "the Keep Awake page")
 
     def test_click_on_the_item_in_the_panel_opens_the_dashboard(self):
         x, y, width, height = self.start_in_panel()

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/mac_wording.h"
 #include "platform/platform_services.h"
 #include "support/fake_accessibility.h"
 #include "support/fake_assertion_client.h"
@@ -121,6 +122,7 @@ class FakePlatformServices final : public PlatformServices {
   [[nodiscard]] WorkQueue& temperatureQueue() override { return temperatures; }
   [[nodiscard]] WorkQueue& utilityQueue() override { return utilities; }
   [[nodiscard]] const BundleInfo& bundleInfo() override { return bundle; }
+  [[nodiscard]] const Wording& wording() override { return words; }
   [[nodiscard]] UserDefaults& userDefaults() override { return defaults; }
   [[nodiscard]] UserDefaultsDomains& userDefaultsDomains() override { return domains; }
   [[nodiscard]] std::unique_ptr<UserDefaults> makeUserDefaults(const std::string& domain) override {
@@ -164,6 +166,7 @@ class FakePlatformServices final : public PlatformServices {
   FakeWorkQueue temperatures;
   FakeWorkQueue utilities;
   BundleInfo bundle{"com.quellwerk.Nimbo", {}, {}, {}, {}, {}};
+  Wording words = macWording();
   FakeUserDefaultsDomains domains;
   FakeUserDefaults defaults{domains, "com.quellwerk.Nimbo"};
   bool keepsOtherDomains = true;

@@ -13,8 +13,6 @@ namespace {
 
 constexpr std::chrono::seconds kWriteDistance{300};
 constexpr std::array kWidgetKinds{"com.quellwerk.Nimbo.usage", "com.quellwerk.Nimbo.temperature"};
-constexpr const char* kUnavailable =
-    "Widget sharing unavailable. Install a signed build with its app group configured.";
 
 bool somethingToShow(const Settings& settings) {
   return settings.monitorTemperature() ||
@@ -83,7 +81,7 @@ void WidgetPublisher::write(WidgetSnapshot snapshot) {
 }
 
 void WidgetPublisher::finish(bool written) {
-  auto message = written ? std::nullopt : std::optional<std::string>(kUnavailable);
+  auto message = written ? std::nullopt : std::optional(platform_.wording().widgetsUnavailable);
   if (std::exchange(widgetMessage_, message) != message && messageChanged_) messageChanged_();
   if (!written) return;
   for (const char* const kind : kWidgetKinds) platform_.widgetCenter().reloadTimelines(kind);

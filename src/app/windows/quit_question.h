@@ -6,6 +6,7 @@
 #include "app/windows/question.h"
 #include "awake/awake_manager.h"
 #include "platform/main_loop.h"
+#include "platform/wording.h"
 
 namespace nimbo {
 
@@ -14,13 +15,15 @@ namespace nimbo {
 class QuitQuestion {
  public:
   /// All outlive it. `willShow` makes room on the screen.
-  QuitQuestion(UserInterface& windows, MainLoop& loop, const AwakeManager& awake, std::function<void()> willShow);
+  QuitQuestion(UserInterface& windows, MainLoop& loop, const AwakeManager& awake, const Wording& wording,
+               std::function<void()> willShow);
 
   void quit();
 
  private:
   MainLoop& loop_;
   const AwakeManager& awake_;
+  const Wording& wording_;
   std::function<void()> willShow_;
   Question question_;
 };

@@ -14,6 +14,7 @@
 #include "platform/linux/bus/sd_bus_connection.h"
 #include "platform/linux/bus/xdg_widget_center.h"
 #include "platform/linux/desktop/desktop_application.h"
+#include "platform/linux/desktop/linux_wording.h"
 #include "platform/linux/desktop/locale_dates.h"
 #include "platform/linux/desktop/plasma_colors.h"
 #include "platform/linux/desktop/portal_workspace.h"
@@ -89,6 +90,11 @@ UserSurroundings surroundingsFrom(const Environment& environment) {
   return user;
 }
 
+Wording wordingFrom(const Environment& environment) {
+  const auto folders = applicationFolders(environment.variables, xdgFolders(environment.variables, accountHome()));
+  return linuxWording(environment.get("XDG_CURRENT_DESKTOP"), environment.get("PATH"), folders);
+}
+
 /// What the locale's dates follow, in the C library's own order.
 std::string dateLocale(const Environment& environment) {
   for (const char* const name : {"LC_ALL", "LC_TIME", "LANG"}) {
@@ -131,6 +137,7 @@ class LinuxPlatformServices final : public PlatformServices {
   [[nodiscard]] WorkQueue& temperatureQueue() override { return temperatureQueue_; }
   [[nodiscard]] WorkQueue& utilityQueue() override { return utilityQueue_; }
   [[nodiscard]] const BundleInfo& bundleInfo() override { return bundleInfo_; }
+  [[nodiscard]] const Wording& wording() override { return wording_; }
   [[nodiscard]] UserDefaults& userDefaults() override { return defaults_; }
   [[nodiscard]] UserDefaultsDomains& userDefaultsDomains() override { return domains_; }
   [[nodiscard]] std::unique_ptr<UserDefaults> makeUserDefaults(const std::string& domain) override {
@@ -177,6 +184,7 @@ class LinuxPlatformServices final : public PlatformServices {
 
   SystemReaders readers_ = makeSystemReaders();
   BundleInfo bundleInfo_ = readBundleInfo(prefix_ / "share" / "nimbo" / "Info.json");
+  const Wording wording_ = wordingFrom(environment_);
   JsonUserDefaultsDomains domains_{folders_.config};
   DlModuleLoader modules_{(prefix_ / "lib" / "nimbo").string()};
 
@@ -237,6 +245,8 @@ std::unique_ptr<Accessibility> makeAccessibility() {
 }
 
 UserSurroundings userSurroundings() { return surroundingsFrom(Environment()); }
+
+Wording systemWording() { return wordingFrom(Environment()); }
 
 std::unique_ptr<PlatformServices> makePlatformServices() {
   // A careless launcher may have left the ends of children ignored; then nobody would keep their numbers for us.

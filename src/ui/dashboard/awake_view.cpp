@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ui/dashboard/awake_view.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <array>
 #include <functional>
@@ -25,10 +27,10 @@ constexpr std::array kDurations{
     DurationItem{"Until a date / time…", kUntilDate},
 };
 
-std::string noteText(bool manualSleepApplies) {
+std::string noteText(bool manualSleepApplies, const Wording& wording) {
   const char* const sleep =
       manualSleepApplies ? "Manual Sleep still applies." : "Manual Sleep may be refused during a session.";
-  return std::string("Keep your MacBook’s lid open. ") + sleep + " App-specific background limits still apply.";
+  return fmt::format("Keep your {}’s lid open. {} App-specific background limits still apply.", wording.laptop, sleep);
 }
 
 template <class Items, class Value, class Projection = std::identity>
@@ -141,21 +143,22 @@ AwakeContent AwakeView::content() const {
   fillLength(content);
   fillRules(content);
   content.note = {{20, 386, 300, 44}, {10, FontWeight::regular, ColorRole::tertiaryLabel}};
-  content.note.text = noteText(sources_.awake.manualSleepApplies());
+  content.note.text = noteText(sources_.awake.manualSleepApplies(), sources_.wording);
   content.note.lines = 3;
   return content;
 }
 
 void AwakeView::fillSession(AwakeContent& content) const {
   const bool active = sources_.awake.isActive();
+  const auto& computer = sources_.wording.computer;
   content.state = {{20, 72, 300, 24}, {17, FontWeight::semibold, active ? ColorRole::green : ColorRole::label}};
-  content.state.text = active ? "Your Mac is staying awake" : "Ready for your next run";
+  content.state.text = active ? fmt::format("Your {} is staying awake", computer) : "Ready for your next run";
   content.detail = {{20, 98, 300, 34}, {12, FontWeight::regular, ColorRole::secondaryLabel}};
   content.detail.text = validationMessage_.value_or(sessionText(sources_.awake, sources_.dates));
   content.detail.lines = 2;
   // Buttons leave three points free at either side; their faces line up with the texts.
   content.start = {"start", {17, 144, 186, 30}};
-  content.start.title = active ? "Stop keeping awake" : "Keep Mac awake";
+  content.start.title = active ? "Stop keeping awake" : fmt::format("Keep {} awake", computer);
   content.extend = {"extend", {205, 144, 118, 30}, ButtonLook::rounded, 13, "+30 min"};
   content.extend.enabled = active && sources_.awake.endsAt();
   content.off = {"displayOff", {17, 344, 186, 28}, ButtonLook::rounded, 12, "Turn display off now"};
@@ -182,7 +185,8 @@ void AwakeView::fillRules(AwakeContent& content) const {
   const auto& settings = sources_.settings;
   const bool keepsDisplayOn = sources_.awake.isActive() ? sources_.awake.keepsDisplayOn() : settings.awakeDisplayOn();
   content.display = {"display", {20, 246, 300, 22}, "Keep display on too"};
-  content.display.toolTip = "Off by default: the display may sleep while the Mac stays awake.";
+  content.display.toolTip =
+      fmt::format("Off by default: the display may sleep while the {} stays awake.", sources_.wording.computer);
   content.display.on = switchedDisplay_.value_or(keepsDisplayOn);
   content.plugged = {"plugged", {20, 274, 300, 22}, "Only while connected to power"};
   content.plugged.on = settings.awakeOnlyOnPower();

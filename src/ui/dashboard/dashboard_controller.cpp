@@ -35,12 +35,16 @@ void fillHeader(DashboardContent& content, const std::vector<DashboardTab>& tabO
   content.settingsButton.toolTip = "Settings: monitors, display, refresh interval";
 }
 
-void fillFooter(DashboardContent& content, double y) {
+void fillFooter(DashboardContent& content, double y, const Wording& wording) {
   content.footerSeparator = {20, y, 300, 1};
-  content.quitButton = {"quit", {211, y + 7, 86, 24}, ButtonLook::rounded, 12, "Quit Nimbo"};
+  // Longer keys push the button to the left.
+  const double keysX = 324 - wording.quitKeysWidth;
+  content.quitButton = {"quit", {keysX - 88, y + 7, 86, 24}, ButtonLook::rounded, 12, "Quit Nimbo"};
   content.quitButton.toolTip = "Quit Nimbo and end any Keep Awake session";
   content.quitButton.keyEquivalent = "q";
-  content.quitHint = {{299, y + 11, 25, 18}, {11, FontWeight::regular, ColorRole::secondaryLabel}, "⌘Q"};
+  content.quitHint = {{keysX, y + 11, wording.quitKeysWidth, 18},
+                      {11, FontWeight::regular, ColorRole::secondaryLabel},
+                      wording.quitKeys};
 }
 
 }  // namespace
@@ -98,7 +102,7 @@ DashboardContent DashboardController::content() const {
   DashboardContent content;
   fillHeader(content, sources_.settings.tabOrder(), tab_);
   const double height = fillPage(content);
-  fillFooter(content, height);
+  fillFooter(content, height, sources_.wording);
   content.size = {kWidth, height + kFooterHeight};
   return content;
 }

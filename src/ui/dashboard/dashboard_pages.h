@@ -6,6 +6,7 @@
 
 #include "awake/awake_manager.h"
 #include "platform/clock.h"
+#include "platform/wording.h"
 #include "settings/settings.h"
 #include "system/process_scan.h"
 #include "system/system_readings.h"
@@ -22,6 +23,7 @@ struct DashboardSources {
   const UsageStates& usage;
   const Clock& clock;
   const Dates& dates;
+  const Wording& wording;
 };
 
 inline constexpr std::size_t kCollapsedProcessLimit = 3;

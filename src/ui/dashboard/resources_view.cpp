@@ -26,7 +26,7 @@ struct MemoryRow {
   MemoryRowContent ResourcesContent::*shown;
   const char* title;
   ColorRole color;
-  const char* toolTip;
+  const char* toolTip;  ///< with a place for where swap is, or without
   std::string (*text)(const MemorySnapshot& memory);
 };
 constexpr std::array kRows{
@@ -41,7 +41,7 @@ constexpr std::array kRows{
               "pages.",
               [](const auto& memory) { return gigabytesText(memory.available()); }},
     MemoryRow{&ResourcesContent::swap, "Swap used", ColorRole::secondaryLabel,
-              "Memory stored on disk. Swap may remain allocated after pressure subsides.",
+              "Memory stored {}. Swap may remain allocated after pressure subsides.",
               [](const auto& memory) { return memory.swap ? gigabytesText(*memory.swap) : "Unavailable"; }},
 };
 
@@ -49,6 +49,7 @@ struct ResourcesView {
   const Settings& settings;
   const SystemReadings& readings;
   const ProcessView& processes;
+  const Wording& wording;
   bool memory = settings.monitorMemory();
 };
 
@@ -119,12 +120,13 @@ std::string timeText(const ResourcesView& view) {
   return fmt::format("RECENT USAGE · {}s", steps * static_cast<std::size_t>(view.settings.refreshInterval().count()));
 }
 
-std::string temperatureText(std::optional<double> celsius) {
-  if (!celsius) return "CPU temperature unavailable on this Mac";
+std::string temperatureText(const ResourcesView& view) {
+  const auto& celsius = view.readings.temperature;
+  if (!celsius) return fmt::format("CPU temperature unavailable on this {}", view.wording.computer);
   return fmt::format("CPU temperature  {:.0f}°C · hottest sensor", *celsius);
 }
 
-ButtonContent button(const char* identifier, const Rect& frame, ButtonLook look, const char* title) {
+ButtonContent button(const char* identifier, const Rect& frame, ButtonLook look, const std::string& title) {
   return {identifier, frame, look, 11, title};
 }
 
@@ -175,8 +177,9 @@ void fillRows(ResourcesContent& content, const ResourcesView& view) {
     const auto& row = kRows[index];
     const double y = 264 + 23 * static_cast<double>(index);
     const std::string text = memory != nullptr ? row.text(*memory) : kNoFigure;
-    content.*row.shown = {{{20, y, 160, 18}, {12, FontWeight::regular, row.color}, row.title, row.toolTip, view.memory},
-                          {{190, y, 130, 18}, kFigureStyle, text, row.toolTip, view.memory}};
+    const std::string toolTip = fmt::format(fmt::runtime(row.toolTip), view.wording.swapPlace);
+    content.*row.shown = {{{20, y, 160, 18}, {12, FontWeight::regular, row.color}, row.title, toolTip, view.memory},
+                          {{190, y, 130, 18}, kFigureStyle, text, toolTip, view.memory}};
   }
 }
 
@@ -185,7 +188,7 @@ void fillSensorLines(ResourcesContent& content, const ResourcesView& view) {
   const auto cpu = view.readings.cpu;
   content.cpu = {{20, 389, 300, 18}, style, cpu ? "CPU  " + percentText(*cpu) + " utilized" : "CPU  Measuring…"};
   content.cpu.visible = view.memory && view.settings.monitorCpu();
-  content.temperature = {{20, view.memory ? 411.0 : 239.0, 300, 18}, style, temperatureText(view.readings.temperature)};
+  content.temperature = {{20, view.memory ? 411.0 : 239.0, 300, 18}, style, temperatureText(view)};
   content.temperature.visible = view.settings.monitorTemperature();
 }
 
@@ -241,19 +244,20 @@ void fillLastLine(ResourcesContent& content, const ResourcesView& view) {
   const double height = pageHeight(view);
   content.footer = {{20, height - 26, 170, 16}, {10, FontWeight::regular, ColorRole::tertiaryLabel}};
   content.footer.text = fmt::format("Updates every {}s", view.settings.refreshInterval().count());
-  content.activityButton = button("activity", {194, height - 30, 130, 22}, ButtonLook::inlined, "Activity Monitor ↗");
+  const auto& monitor = view.wording.systemMonitor;
+  content.activityButton = button("activity", {194, height - 30, 130, 22}, ButtonLook::inlined, monitor + " ↗");
   content.activityButton.enabled = view.processes.activityMonitorEnabled;
-  content.activityButton.accessibleName = "Activity Monitor";
+  content.activityButton.accessibleName = monitor;
 }
 
 }  // namespace
 
 double resourcesHeight(const DashboardSources& sources, const ProcessView& processes) {
-  return pageHeight({sources.settings, sources.readings, processes});
+  return pageHeight({sources.settings, sources.readings, processes, sources.wording});
 }
 
 ResourcesContent resourcesContent(const DashboardSources& sources, const ProcessView& processes) {
-  const ResourcesView view{sources.settings, sources.readings, processes};
+  const ResourcesView view{sources.settings, sources.readings, processes, sources.wording};
   ResourcesContent content;
   fillSummary(content, view);
   fillCharts(content, view);

@@ -20,7 +20,7 @@ SettingsCheck providerCheck(std::string_view identifier, const char* title, Usag
           [provider](Settings& settings, bool on) { settings.setUsageEnabled(provider, on); }, usage};
 }
 
-// Switching a readout of the menu bar on or off ends the single-icon mode, which would hide it.
+// Switching a readout of the bar on or off ends the single-icon mode, which would hide it.
 
 void writeMenuAi(Settings& settings, bool on) {
   settings.setMenuAi(on);
@@ -143,8 +143,8 @@ std::vector<SettingsChoice> makeChoices() {
        monitors},
       intervalChoice("menuRotationInterval", "Rotate every", kRotationIntervals, &S::menuRotationInterval,
                      &S::setMenuRotationInterval, presentation),
-      {"aiWindows", "AI menu bar quotas", {{"5-hour", 0}, {"Weekly", 1}}, quotas, &S::setAiMenuWindows, presentation},
-      switchChoice("aiFill", "AI menu bar fill", "Remaining", "Used", &S::aiMenuRemaining, &S::setAiMenuRemaining,
+      {"aiWindows", "AI {} quotas", {{"5-hour", 0}, {"Weekly", 1}}, quotas, &S::setAiMenuWindows, presentation},
+      switchChoice("aiFill", "AI {} fill", "Remaining", "Used", &S::aiMenuRemaining, &S::setAiMenuRemaining,
                    presentation),
       {"providers",
        "Subscription order",

@@ -39,7 +39,7 @@ struct SettingsChoiceItem {
 /// A pop-up that stands for a stored setting: one of its items has the tag that is stored.
 struct SettingsChoice {
   std::string_view identifier;
-  const char* label;
+  const char* label;  ///< with a place for what the system calls the bar, or without
   std::vector<SettingsChoiceItem> items;
   std::function<std::int64_t(const Settings& settings)> tag;
   std::function<void(Settings& settings, std::int64_t tag)> write;

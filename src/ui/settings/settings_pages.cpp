@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ui/settings/settings_pages.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <array>
 #include <cassert>
@@ -44,7 +46,7 @@ constexpr double kBesideCaptions = kColumn - kLeft;
 /// beside them, explanations under what they explain. Reads a stored value when its control is added.
 class PageBuilder {
  public:
-  explicit PageBuilder(const Settings& settings) : settings_(settings) {}
+  PageBuilder(const Settings& settings, const Wording& wording) : settings_(settings), bar_(wording.bar) {}
 
   void heading(const std::string& title, const std::string& subtitle) {
     label({kLeft, bottom_, kRight - kLeft, kHeadingHeight}, {20, FontWeight::semibold}, title);
@@ -96,10 +98,10 @@ class PageBuilder {
     PopUpContent list{std::string(identifier), {kColumn, bottom_ + kGap, kChoiceWidth, kChoiceHeight}};
     for (const auto& item : found->items) list.items.push_back(item.title);
     list.selected = found->selected(settings_);
-    list.accessibleName = found->label;
+    list.accessibleName = fmt::format(fmt::runtime(found->label), bar_);
     // In the middle of the pop-up's height.
     label({kLeft, list.frame.y + (kChoiceHeight - kCaptionHeight) / 2, kCaptionWidth, kCaptionHeight}, {13},
-          found->label);
+          list.accessibleName);
     bottom_ = list.frame.maxY();
     controls_.emplace_back(std::move(list));
   }
@@ -146,6 +148,7 @@ class PageBuilder {
   }
 
   const Settings& settings_;
+  const std::string& bar_;
   std::vector<SettingsControl> controls_;
   double bottom_ = 0;  // of the controls so far
 };
@@ -154,15 +157,15 @@ std::string versionLine(const BundleInfo& bundle) {
   return "Nimbo " + bundle.shortVersion.value_or("Development") + " (build " + bundle.version.value_or("local") + ")";
 }
 
-const char* loginNote(LoginItemStatus status) {
-  if (status == LoginItemStatus::requiresApproval) {
-    return "Approval needed in System Settings → General → Login Items. Click above to open it.";
+std::string loginNote(const SettingsFacts& facts) {
+  if (facts.loginStatus == LoginItemStatus::requiresApproval) {
+    return fmt::format("Approval needed in {}. Click above to open it.", facts.wording.loginSettings);
   }
-  return "Nimbo stays in the menu bar. Settings are saved as you change them.";
+  return fmt::format("Nimbo stays in the {}. Settings are saved as you change them.", facts.wording.bar);
 }
 
 void fillMenuBar(PageBuilder& page, const SettingsFacts& facts) {
-  page.heading("General", "Choose what appears in your menu bar.");
+  page.heading("General", fmt::format("Choose what appears in your {}.", facts.wording.bar));
   page.choice("preset");
   page.columnChecks({"menuAI", "menuMemory", "menuAwake"});
   page.columnChecks({"compact"});
@@ -183,29 +186,31 @@ void fillGeneral(PageBuilder& page, const SettingsFacts& facts) {
   fillMenuBar(page, facts);
   page.section("Startup & updates");
   page.check("login", "Launch at login", facts.loginStatus == LoginItemStatus::enabled);
-  page.help(loginNote(facts.loginStatus), kCheckText, 2);
+  page.help(loginNote(facts), kCheckText, 2);
   page.check("updates", "Check for updates automatically", facts.automaticUpdates);
   page.button("checkUpdates", "Check for Updates…", 162);
-  page.besideButton({versionLine(facts.bundle), "A small native companion for your Mac."});
+  page.besideButton(
+      {versionLine(facts.bundle), fmt::format("A small native companion for your {}.", facts.wording.computer)});
 }
 
-void fillMonitors(PageBuilder& page, const SettingsFacts& /*facts*/) {
-  page.heading("Your menu bar, your way", "Choose what to watch and how much space it takes.");
+void fillMonitors(PageBuilder& page, const SettingsFacts& facts) {
+  page.heading(fmt::format("Your {}, your way", facts.wording.bar),
+               "Choose what to watch and how much space it takes.");
   page.check("memory");
   page.check("cpu");
   page.check("temperature");
-  page.help("Sensor availability varies by Mac.", kCheckText);
+  page.help(fmt::format("Sensor availability varies by {}.", facts.wording.computer), kCheckText);
   page.space(kGroupGap);
-  page.note("Choose menu bar content and order in General.");
+  page.note(fmt::format("Choose {} content and order in General.", facts.wording.bar));
   page.space(kGroupGap);
   page.choice("interval");
   page.note("AI usage refreshes separately, every 5 minutes.", kBesideCaptions);
 }
 
-void fillUsage(PageBuilder& page, const SettingsFacts& /*facts*/) {
+void fillUsage(PageBuilder& page, const SettingsFacts& facts) {
   page.heading("See your remaining allowance", "Connect the subscriptions you already use.");
   page.check("codex");
-  page.help("Uses your existing Codex sign-in on this Mac.", kCheckText);
+  page.help(fmt::format("Uses your existing Codex sign-in on this {}.", facts.wording.computer), kCheckText);
   page.space(kGroupGap);
   page.check("claude");
   page.help(
@@ -215,27 +220,29 @@ void fillUsage(PageBuilder& page, const SettingsFacts& /*facts*/) {
   page.space(kGroupGap / 2);
   page.button("enableClaudeDesktop", "Enable desktop fallback…", 208, kCheckText);
   page.space(kGroupGap / 4);
-  page.help("Allow Accessibility, then leave Claude’s\nSettings → Usage page open.", kCheckText);
+  page.help(facts.wording.desktopFallbackHelp, kCheckText);
   page.space(kGroupGap);
   page.section("Subscription limits, not API billing");
   page.note(
-      "Usage is read directly from each provider. Nimbo does not upload\n"
-      "your credentials or usage to an Nimbo server. Open the AI Usage\n"
-      "tab in the menu bar to see limits and reset times.");
+      fmt::format("Usage is read directly from each provider. Nimbo does not upload\n"
+                  "your credentials or usage to an Nimbo server. Open the AI Usage\n"
+                  "tab in the {} to see limits and reset times.",
+                  facts.wording.bar));
 }
 
 void fillAwake(PageBuilder& page, const SettingsFacts& facts) {
   page.heading("Let the work finish", "Set the defaults and battery rules for Keep Awake.");
   page.check("display");
-  page.help("Leave off to let the display sleep while your Mac works.", kCheckText);
+  page.help(fmt::format("Leave off to let the display sleep while your {} works.", facts.wording.computer), kCheckText);
   page.space(kGroupGap);
   page.check("power");
   page.space(kGroupGap);
   page.choice("battery");
   page.space(kGroupGap);
-  page.note(
-      std::string("Start or stop sessions from the Awake tab or the menu bar.\nKeep your MacBook’s lid open; ") +
-      (facts.manualSleepApplies ? "manual Sleep still applies." : "manual Sleep may be refused during a session."));
+  page.note(fmt::format(
+      "Start or stop sessions from the Awake tab or the {}.\nKeep your {}’s lid open; {}", facts.wording.bar,
+      facts.wording.laptop,
+      facts.manualSleepApplies ? "manual Sleep still applies." : "manual Sleep may be refused during a session."));
 }
 
 struct Page {
@@ -254,7 +261,7 @@ constexpr std::array<Page, kSettingsTabCount> kPages{{
 SettingsWindowContent settingsWindowContent(const SettingsFacts& facts, std::size_t selectedTab) {
   SettingsWindowContent content{"Nimbo Settings", {560, 680}, {{28, 20, 504, 28}, {}, selectedTab}, {}};
   for (const auto& [label, fill] : kPages) {
-    PageBuilder builder(facts.settings);
+    PageBuilder builder(facts.settings, facts.wording);
     fill(builder, facts);
     const bool visible = content.pages.size() == selectedTab;
     content.tabs.labels.emplace_back(label);

@@ -7,6 +7,7 @@
 
 #include "platform/bundle.h"
 #include "platform/login_item.h"
+#include "platform/wording.h"
 #include "settings/settings.h"
 #include "ui/settings/settings_window.h"
 
@@ -20,6 +21,7 @@ inline constexpr std::size_t kSettingsTabCount = 4;
 struct SettingsFacts {
   const Settings& settings;
   const BundleInfo& bundle;
+  const Wording& wording;
   LoginItemStatus loginStatus = LoginItemStatus::notRegistered;
   bool automaticUpdates = false;
   bool manualSleepApplies = false;           ///< during a session

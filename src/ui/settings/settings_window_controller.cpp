@@ -38,6 +38,7 @@ void SettingsWindowController::show(std::optional<SettingsTab> tab) {
 void SettingsWindowController::sync() {
   const SettingsFacts facts{.settings = sources_.settings,
                             .bundle = sources_.bundle,
+                            .wording = sources_.wording,
                             .loginStatus = sources_.loginItem.status(),
                             .automaticUpdates = callbacks_.automaticUpdates(),
                             .manualSleepApplies = callbacks_.manualSleepApplies(),

@@ -10,6 +10,7 @@
 
 #include "platform/bundle.h"
 #include "platform/login_item.h"
+#include "platform/wording.h"
 #include "settings/settings.h"
 #include "ui/settings/settings_controls.h"
 #include "ui/settings/settings_pages.h"
@@ -27,6 +28,7 @@ class SettingsWindowController {
     Settings& settings;
     const BundleInfo& bundle;
     const LoginItem& loginItem;
+    const Wording& wording;
   };
   struct Callbacks {
     std::function<std::unique_ptr<SettingsWindow>()> makeWindow;

@@ -102,9 +102,9 @@ StatusItemContent awakeItemContent(bool sessionActive) {
   return {{}, cupSymbol(sessionActive), toolTip, "Keep Awake"};
 }
 
-StatusItemContent compactItemContent(bool sessionActive) {
+StatusItemContent compactItemContent(bool sessionActive, const Wording& wording) {
   std::string toolTip = "Nimbo · Resources, AI usage & Keep Awake";
-  if (sessionActive) toolTip += " · Keeping Mac awake";
+  if (sessionActive) toolTip += fmt::format(" · Keeping {} awake", wording.computer);
   return {{}, cloudSymbol(), toolTip, "Nimbo"};
 }
 

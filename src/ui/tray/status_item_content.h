@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "platform/status_bar.h"
+#include "platform/wording.h"
 #include "system/system_readings.h"
 
 namespace nimbo {
@@ -21,7 +22,7 @@ enum class MemoryPicture {
 [[nodiscard]] StatusItemContent awakeItemContent(bool sessionActive);
 
 /// The one item that stands for the whole program.
-[[nodiscard]] StatusItemContent compactItemContent(bool sessionActive);
+[[nodiscard]] StatusItemContent compactItemContent(bool sessionActive, const Wording& wording);
 
 // The symbols on them.
 

@@ -76,18 +76,22 @@ UsageOutcome ClaudeDesktopUsage::read(std::string_view localZone, const std::sto
   const auto application = accessibility_.application(kApplication);
   if (stop.stop_requested()) return tl::unexpected(UsageError{});
   if (!application) return tl::unexpected(UsageError{usage_messages::kDesktopNotRunning});
-  if (!accessibility_.isTrusted()) return tl::unexpected(UsageError{usage_messages::kDesktopNeedsAccessibility});
+  if (!accessibility_.isTrusted()) {
+    return tl::unexpected(UsageError{usage_messages::desktopNeedsAccessibility(wording_)});
+  }
   if (stop.stop_requested()) return tl::unexpected(UsageError{});
   application->setMessagingTimeout(kMessagingTimeout);
   application->exposeContent(stop);
 
-  for (const auto& window : application->windows(kMostWindows)) {
+  const auto windows = application->windows(kMostWindows);
+  for (const auto& window : windows) {
     const std::string text = windowText(*window, clock_, stop);
     if (stop.stop_requested()) return tl::unexpected(UsageError{});
     if (text.find(kMarker) == std::string::npos) continue;
     if (auto outcome = parseUsageScreen(text, clock_.now(), kDesktopSource, localZone)) return outcome;
   }
-  return tl::unexpected(UsageError{usage_messages::kDesktopUsageNotShown});
+  return tl::unexpected(
+      UsageError{windows.empty() ? wording_.desktopShowsNothing : usage_messages::kDesktopUsageNotShown});
 }
 
 std::string windowText(AccessibleElement& window, const Clock& clock, const std::stop_token& stop) {

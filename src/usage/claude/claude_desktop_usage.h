@@ -7,15 +7,17 @@
 
 #include "platform/accessibility.h"
 #include "platform/clock.h"
+#include "platform/wording.h"
 #include "usage/usage_model.h"
 
 namespace nimbo {
 
 /// Reads Claude's limits off the usage page of the desktop application's settings, which the user has
-/// left open. Blocks, so on a background thread; both services outlive it.
+/// left open. Blocks, so on a background thread; all services outlive it.
 class ClaudeDesktopUsage {
  public:
-  ClaudeDesktopUsage(Accessibility& accessibility, const Clock& clock) : accessibility_(accessibility), clock_(clock) {}
+  ClaudeDesktopUsage(Accessibility& accessibility, const Clock& clock, const Wording& wording)
+      : accessibility_(accessibility), clock_(clock), wording_(wording) {}
 
   /// `localZone` as in `parseResetText`. Once a stop is asked for it ends with the call that runs.
   [[nodiscard]] UsageOutcome read(std::string_view localZone, const std::stop_token& stop = {}) const;
@@ -23,6 +25,7 @@ class ClaudeDesktopUsage {
  private:
   Accessibility& accessibility_;
   const Clock& clock_;
+  const Wording& wording_;
 };
 
 /// The texts that a window shows, from top to bottom, one a line; a figure in several elements is one. Looks at 1500

@@ -5,8 +5,6 @@
 #include <set>
 #include <utility>
 
-#include "usage/usage_messages.h"
-
 namespace nimbo {
 namespace {
 
@@ -50,8 +48,8 @@ struct UsageCredentialReader::Reads {
   }
 };
 
-UsageCredentialReader::UsageCredentialReader(MainLoop& loop, Background background)
-    : loop_(loop), background_(std::move(background)), reads_(std::make_shared<Reads>()) {
+UsageCredentialReader::UsageCredentialReader(MainLoop& loop, Background background, const Wording& wording)
+    : loop_(loop), background_(std::move(background)), wording_(wording), reads_(std::make_shared<Reads>()) {
   reads_->loop = &loop;
 }
 
@@ -69,12 +67,12 @@ Subscription UsageCredentialReader::read(UsageProvider provider, bool allowPromp
     if (const auto waiting = weak.lock()) waiting->resume(std::move(outcome));
   };
   if (!reads_->begin(provider)) {
-    loop_.post([resume] { resume(tl::unexpected(UsageError{usage_messages::kSignInReadStillWaiting})); });
+    loop_.post([resume, &words = wording_] { resume(tl::unexpected(UsageError{words.signInReadStillWaiting})); });
     return Subscription([completion] {});
   }
-  completion->timeLimit = loop_.every(timeoutInterval.value_or(defaultTimeout(allowPrompt)), kLeeway, [resume] {
-    resume(tl::unexpected(UsageError{usage_messages::kSignInReadTimedOut}));
-  });
+  completion->timeLimit =
+      loop_.every(timeoutInterval.value_or(defaultTimeout(allowPrompt)), kLeeway,
+                  [resume, &words = wording_] { resume(tl::unexpected(UsageError{words.signInReadTimedOut})); });
   background_([reads = reads_, provider, allowPrompt, reader = std::move(reader), resume] {
     // Shared, because a posted task is copied and a token is not.
     const auto outcome = std::make_shared<Outcome>(reader(provider, allowPrompt));

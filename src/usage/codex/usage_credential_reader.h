@@ -11,6 +11,7 @@
 #include "base/secret.h"
 #include "base/subscription.h"
 #include "platform/main_loop.h"
+#include "platform/wording.h"
 #include "settings/usage_provider.h"
 #include "usage/usage_model.h"
 
@@ -32,8 +33,8 @@ class UsageCredentialReader {
   /// Runs blocking work on a thread of low priority, without waiting for work given before.
   using Background = std::function<void(std::function<void()> work)>;
 
-  /// `loop` outlives it; work that still hangs in the background may outlive both.
-  UsageCredentialReader(MainLoop& loop, Background background);
+  /// `loop` and `wording` outlive it; work that still hangs in the background may outlive both.
+  UsageCredentialReader(MainLoop& loop, Background background, const Wording& wording);
   ~UsageCredentialReader();
   UsageCredentialReader(const UsageCredentialReader&) = delete;
   UsageCredentialReader& operator=(const UsageCredentialReader&) = delete;
@@ -49,6 +50,7 @@ class UsageCredentialReader {
 
   MainLoop& loop_;
   const Background background_;
+  const Wording& wording_;
   const std::shared_ptr<Reads> reads_;
 };
 

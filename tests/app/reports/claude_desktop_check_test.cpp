@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/mac_wording.h"
 #include "support/fake_accessibility.h"
 
 namespace nimbo {
@@ -10,7 +11,9 @@ namespace {
 
 class ClaudeDesktopCheckTest : public testing::Test {
  protected:
-  ConsoleReport check() { return makeClaudeDesktopCheck(ClaudeDesktopUsage(accessibility, clock), "UTC"); }
+  ConsoleReport check() {
+    return makeClaudeDesktopCheck(ClaudeDesktopUsage(accessibility, clock, macWording()), "UTC");
+  }
 
   FakeClock clock;
   FakeAccessibility accessibility{clock};

@@ -31,15 +31,6 @@ TEST(DesktopName, IsFoundAmongSeveralInAnyCase) {
   EXPECT_FALSE(desktopIs("XFCE", "GNOME"));
 }
 
-TEST(SystemMonitorPrograms, OwnProgramsOfTheDesktopComeFirst) {
-  EXPECT_EQ(systemMonitorPrograms("XFCE").front(), "xfce4-taskmanager");
-  EXPECT_EQ(systemMonitorPrograms("LXQt").front(), "qps");
-  const auto plasma = systemMonitorPrograms("KDE");
-  EXPECT_EQ(plasma[0], "plasma-systemmonitor");
-  EXPECT_EQ(plasma[1], "ksysguard");
-  EXPECT_EQ(systemMonitorPrograms("").size(), plasma.size());
-}
-
 TEST(FindProgram, TakesTheFirstFolderThatHasIt) {
   const TemporaryTree tree;
   writeProgram(tree, "one/other", "");

@@ -3,6 +3,7 @@
 #include "awake/awake_manager.h"
 #include "platform/clock.h"
 #include "platform/linux/loop/sd_event_main_loop.h"
+#include "platform/mac_wording.h"
 #include "platform/power/assertion_client_fixture.h"
 #include "support/fake_display_power.h"
 #include "support/fake_power_sources.h"
@@ -24,7 +25,7 @@ TEST_F(SessionDeadlineTest, LockIsHeldUntilThenAndNoLonger) {
   FakeUserDefaultsDomains domains;
   FakeUserDefaults defaults(domains, "test");
   Settings settings(defaults);
-  AwakeManager manager({mainLoop, clock, client, power, display, settings});
+  AwakeManager manager({mainLoop, clock, client, power, display, settings, macWording()});
   manager.onChange = [&] {
     if (!manager.isActive()) mainLoop.quit();
   };

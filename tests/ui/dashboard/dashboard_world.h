@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "platform/mac_wording.h"
 #include "support/fake_assertion_client.h"
 #include "support/fake_clock.h"
 #include "support/fake_dates.h"
@@ -14,11 +15,13 @@ namespace nimbo {
 
 /// What a dashboard tells of, with a real session behind its Keep Awake page.
 struct DashboardWorld {
-  DashboardWorld() {
+  /// `words` outlive it.
+  explicit DashboardWorld(const Wording& words = macWording()) : wording(words) {
     loop.onAdvance = [this](std::chrono::milliseconds step) { clock.advance(step); };
     loop.setWallClock(clock.now());
   }
 
+  const Wording& wording;
   FakeMainLoop loop;
   FakeClock clock;
   FakeDates dates;
@@ -28,11 +31,11 @@ struct DashboardWorld {
   FakeAssertionClient assertions;
   FakePowerSources batteries;
   FakeDisplayPower displayPower;
-  AwakeManager manager{{loop, clock, assertions, batteries, displayPower, settings}};
+  AwakeManager manager{{loop, clock, assertions, batteries, displayPower, settings, wording}};
   SystemReadings readings;
   UsageStates usage;
 
-  [[nodiscard]] DashboardSources sources() { return {settings, readings, manager, usage, clock, dates}; }
+  [[nodiscard]] DashboardSources sources() { return {settings, readings, manager, usage, clock, dates, wording}; }
 };
 
 }  // namespace nimbo

@@ -212,7 +212,7 @@ TEST_F(SettingsWindowControllerTest, WindowIsMadeWhenItIsFirstOpened) {
     ++windows;
     return std::make_unique<FakeSettingsWindow>();
   };
-  SettingsWindowController other({settings, bundle, login}, counting);
+  SettingsWindowController other({settings, bundle, login, macWording()}, counting);
   other.syncIfVisible();
   EXPECT_EQ(windows, 0);
   other.show();

@@ -12,6 +12,7 @@
 #include <variant>
 #include <vector>
 
+#include "platform/mac_wording.h"
 #include "support/fake_login_item.h"
 #include "support/fake_settings_window.h"
 #include "support/fake_user_defaults.h"
@@ -107,7 +108,7 @@ class SettingsWindowTest : public testing::Test {
   int updateToggles = 0;
   int claudeDesktopRequests = 0;
 
-  SettingsWindowController controller{{settings, bundle, login}, callbacks()};
+  SettingsWindowController controller{{settings, bundle, login, macWording()}, callbacks()};
 
  private:
   SettingsWindowController::Callbacks callbacks() {

@@ -7,6 +7,8 @@
 #include <cmath>
 #include <vector>
 
+#include "platform/mac_wording.h"
+
 namespace nimbo {
 namespace {
 
@@ -115,10 +117,11 @@ TEST(AwakeItem, ToolTipTellsWhetherASessionRuns) {
 }
 
 TEST(CompactItem, ToolTipMentionsARunningSession) {
-  EXPECT_EQ(compactItemContent(false).toolTip, "Nimbo · Resources, AI usage & Keep Awake");
-  EXPECT_EQ(compactItemContent(true).toolTip, "Nimbo · Resources, AI usage & Keep Awake · Keeping Mac awake");
-  EXPECT_EQ(compactItemContent(false).image, cloudSymbol());
-  EXPECT_EQ(compactItemContent(false).accessibleName, "Nimbo");
+  EXPECT_EQ(compactItemContent(false, macWording()).toolTip, "Nimbo · Resources, AI usage & Keep Awake");
+  EXPECT_EQ(compactItemContent(true, macWording()).toolTip,
+            "Nimbo · Resources, AI usage & Keep Awake · Keeping Mac awake");
+  EXPECT_EQ(compactItemContent(false, macWording()).image, cloudSymbol());
+  EXPECT_EQ(compactItemContent(false, macWording()).accessibleName, "Nimbo");
 }
 
 bool covers(const RoundedRect& shape, Point point) {

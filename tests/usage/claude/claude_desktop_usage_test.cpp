@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/mac_wording.h"
 #include "support/fake_accessibility.h"
 #include "usage/claude/usage_screen_parser.h"
 #include "usage/usage_messages.h"
@@ -58,7 +59,7 @@ class ClaudeDesktopUsageTest : public testing::Test {
 
   FakeClock clock;
   FakeAccessibility accessibility{clock};
-  ClaudeDesktopUsage usage{accessibility, clock};
+  ClaudeDesktopUsage usage{accessibility, clock, macWording()};
   const Log notShown{usage_messages::kDesktopUsageNotShown};
   const Log fiveHours{"5-hour 610"};
 };
@@ -126,6 +127,15 @@ TEST_F(ClaudeDesktopUsageTest, ChatWindowOnlyAsksToLeaveTheUsagePageOpen) {
 }
 
 TEST_F(ClaudeDesktopUsageTest, NoWindowAsksToLeaveTheUsagePageOpen) { EXPECT_EQ(figures(), notShown); }
+
+TEST_F(ClaudeDesktopUsageTest, NoWindowIsWhatTheSystemHasAnAdviceFor) {
+  Wording words = macWording();
+  words.desktopShowsNothing = "Restart it.";
+  const ClaudeDesktopUsage elsewhere{accessibility, clock, words};
+  EXPECT_EQ(elsewhere.read(kZone).error().message, "Restart it.");
+  accessibility.windows = {chatWindow()};
+  EXPECT_EQ(elsewhere.read(kZone).error().message, usage_messages::kDesktopUsageNotShown);
+}
 
 TEST_F(ClaudeDesktopUsageTest, MarkerWithoutLimitsAsksToLeaveTheUsagePageOpen) {
   accessibility.windows = {group({text("Plan usage limits"), text("Loading…")})};

@@ -13,6 +13,7 @@
 #include "platform/linux/http/module_http_client.h"
 #include "platform/linux/loop/dl_module_loader.h"
 #include "platform/linux/loop/sd_event_main_loop.h"
+#include "platform/mac_wording.h"
 #include "support/fake_clock.h"
 #include "support/fake_dates.h"
 #include "support/fake_http_client.h"
@@ -84,7 +85,8 @@ TEST(CodexSecrecy, OnlyTheRequestHoldsTheTokenWhileItIsUnderWay) {
   FakeHttpClient http;
   const FakeClock clock;
   const FakeDates dates{};
-  UsageCredentialReader credentials(loop, [](const std::function<void()>& work) { work(); });
+  UsageCredentialReader credentials(
+      loop, [](const std::function<void()>& work) { work(); }, macWording());
   const CodexUsageClient client(
       {credentials, [](UsageProvider, bool) { return UsageCredentials{kOther.secret()}; }, http, clock, dates});
   const auto reading = client.read(UsageRequest::automatic, [](const UsageOutcome&) {});
@@ -100,7 +102,8 @@ TEST(CodexSecrecy, TokenThatNobodyWaitsForAnyMoreIsWiped) {
   if (kSanitized) GTEST_SKIP() << "their memory cannot be searched in reasonable time";
   FakeMainLoop loop;
   std::function<void()> work;
-  UsageCredentialReader credentials(loop, [&work](std::function<void()> given) { work = std::move(given); });
+  UsageCredentialReader credentials(
+      loop, [&work](std::function<void()> given) { work = std::move(given); }, macWording());
   const HiddenText dropped(kTokenSize + 1500);
   const HiddenText late(kTokenSize + 2000);
   const auto read = [&credentials](const HiddenText& token) {
@@ -141,8 +144,8 @@ TEST(CodexSecrecy, SignInOfTheFileReachesTheServiceAndNothingIsSaidOfIt) {
   const FakeClock clock;
   const FakeDates dates{};
   std::vector<std::thread> threads;
-  UsageCredentialReader credentials(loop,
-                                    [&threads](std::function<void()> work) { threads.emplace_back(std::move(work)); });
+  UsageCredentialReader credentials(
+      loop, [&threads](std::function<void()> work) { threads.emplace_back(std::move(work)); }, macWording());
   const CodexUsageClient client(
       {credentials, codexCredentialReader(tree.path() / "auth.json", files, clock), http, clock, dates}, host);
   std::optional<UsageOutcome> outcome;

@@ -5,6 +5,7 @@
 
 #include <optional>
 
+#include "platform/mac_wording.h"
 #include "support/fake_clock.h"
 #include "support/fake_dates.h"
 #include "support/fake_http_client.h"
@@ -63,7 +64,8 @@ class CodexUsageClientTest : public ::testing::Test {
   std::optional<std::string> account = "account";
   std::optional<UsageError> signInFailure;
   std::vector<bool> prompts;
-  UsageCredentialReader credentials{loop, [this](std::function<void()> work) { queue.async(std::move(work)); }};
+  UsageCredentialReader credentials{loop, [this](std::function<void()> work) { queue.async(std::move(work)); },
+                                    macWording()};
   CodexUsageClient client{{credentials,
                            [this](UsageProvider provider, bool allowPrompt) -> UsageCredentialReader::Outcome {
                              EXPECT_EQ(provider, UsageProvider::codex);
@@ -123,7 +125,7 @@ TEST_F(CodexUsageClientTest, SignInThatHangsIsToldAfterItsTimeLimit) {
   read();
   loop.advance(10s);
   ASSERT_TRUE(outcome && !*outcome);
-  EXPECT_EQ(outcome->error().message, usage_messages::kSignInReadTimedOut);
+  EXPECT_EQ(outcome->error().message, macWording().signInReadTimedOut);
   queue.runOne();
   loop.runPosted();
   EXPECT_TRUE(http.requests.empty());
@@ -224,7 +226,8 @@ TEST(CodexServiceHost, MayBeAnother) {
   FakeHttpClient http;
   const FakeClock clock;
   const FakeDates dates;
-  UsageCredentialReader credentials(loop, [](const std::function<void()>& work) { work(); });
+  UsageCredentialReader credentials(
+      loop, [](const std::function<void()>& work) { work(); }, macWording());
   const CodexUsageClient client(
       {credentials, [](UsageProvider, bool) { return UsageCredentials{Secret("t")}; }, http, clock, dates},
       "https://localhost:1");

@@ -10,8 +10,8 @@
 #include <thread>
 #include <vector>
 
+#include "platform/mac_wording.h"
 #include "support/fake_main_loop.h"
-#include "usage/usage_messages.h"
 
 namespace nimbo {
 namespace {
@@ -58,7 +58,7 @@ class UsageCredentialReaderTest : public ::testing::Test {
   std::deque<std::function<void()>> work;
   Texts prompts;
   Texts told;
-  std::optional<UsageCredentialReader> reader{std::in_place, loop, background()};
+  std::optional<UsageCredentialReader> reader{std::in_place, loop, background(), macWording()};
 };
 
 TEST_F(UsageCredentialReaderTest, CredentialsComeLaterFromTheLoop) {
@@ -121,13 +121,13 @@ TEST_F(UsageCredentialReaderTest, TimeLimitIsAMinuteWhereTheUserMayBeAsked) {
   loop.advance(59s);
   EXPECT_EQ(told, Texts{});
   loop.advance(1s);
-  EXPECT_EQ(told, Texts{usage_messages::kSignInReadTimedOut});
+  EXPECT_EQ(told, Texts{macWording().signInReadTimedOut});
 }
 
 TEST_F(UsageCredentialReaderTest, TimeLimitMayBeGiven) {
   const auto reading = reader->read(kCodex, true, 3s, giving("token"), record());
   loop.advance(3s);
-  EXPECT_EQ(told, Texts{usage_messages::kSignInReadTimedOut});
+  EXPECT_EQ(told, Texts{macWording().signInReadTimedOut});
 }
 
 TEST_F(UsageCredentialReaderTest, LateReaderLeavesNoTraceButFreesItsPlace) {
@@ -135,7 +135,7 @@ TEST_F(UsageCredentialReaderTest, LateReaderLeavesNoTraceButFreesItsPlace) {
   loop.advance(10s);
   const auto refused = read(kCodex, "refused");
   loop.runPosted();
-  EXPECT_EQ(told, (Texts{usage_messages::kSignInReadTimedOut, usage_messages::kSignInReadStillWaiting}));
+  EXPECT_EQ(told, (Texts{macWording().signInReadTimedOut, macWording().signInReadStillWaiting}));
   returnOne();
   loop.runPosted();
   EXPECT_EQ(told.size(), 2U);
@@ -188,7 +188,7 @@ TEST_F(UsageCredentialReaderTest, SubscriptionMayEndAndANewReadBeginInTheCallbac
 
 TEST_F(UsageCredentialReaderTest, ReaderThatReturnsAfterEverythingElseHasGoneIsHarmless) {
   std::optional<FakeMainLoop> brief(std::in_place);
-  std::optional<UsageCredentialReader> gone(std::in_place, *brief, background());
+  std::optional<UsageCredentialReader> gone(std::in_place, *brief, background(), macWording());
   auto reading = gone->read(kCodex, false, std::nullopt, giving("token"), record());
   reading.reset();
   gone.reset();
@@ -200,7 +200,8 @@ TEST_F(UsageCredentialReaderTest, ReaderThatReturnsAfterEverythingElseHasGoneIsH
 TEST_F(UsageCredentialReaderTest, ReadersRunOnOtherThreadsWhileTheCallerGoesOn) {
   std::vector<std::thread> threads;
   std::promise<void> release;
-  UsageCredentialReader real(loop, [&threads](std::function<void()> job) { threads.emplace_back(std::move(job)); });
+  UsageCredentialReader real(
+      loop, [&threads](std::function<void()> job) { threads.emplace_back(std::move(job)); }, macWording());
   const auto blocked = real.read(
       kCodex, false, std::nullopt,
       [&release](UsageProvider, bool) -> Outcome {
@@ -210,7 +211,7 @@ TEST_F(UsageCredentialReaderTest, ReadersRunOnOtherThreadsWhileTheCallerGoesOn) 
       record());
   const auto refused = real.read(kCodex, false, std::nullopt, giving("no"), record());
   loop.runPosted();
-  EXPECT_EQ(told, Texts{usage_messages::kSignInReadStillWaiting});
+  EXPECT_EQ(told, Texts{macWording().signInReadStillWaiting});
   release.set_value();
   for (std::thread& thread : threads) thread.join();
   loop.runPosted();

@@ -123,6 +123,16 @@ std::optional<InstalledApplication> findInstalledApplication(const std::vector<s
   return std::nullopt;
 }
 
+std::optional<std::string> applicationName(const std::vector<std::string_view>& desktopIds,
+                                           const std::vector<fs::path>& folders) {
+  for (const std::string_view id : desktopIds) {
+    const auto entry = readEntry(id, folders);
+    auto name = entry ? entry->text("Name") : std::nullopt;
+    if (name && !name->empty()) return name;
+  }
+  return std::nullopt;
+}
+
 bool isProcessOf(const ApplicationMarks& application, const std::string& root, std::int64_t pid, ProcessShows shows) {
   const fs::path process = fs::path(root) / std::to_string(pid);
   std::error_code error;

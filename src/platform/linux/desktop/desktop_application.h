@@ -58,4 +58,8 @@ struct InstalledApplication {
     const std::vector<std::string_view>& desktopIds, const std::vector<std::filesystem::path>& folders,
     const std::string& searchPath);
 
+/// The name, in English, that the first desktop entry found for `desktopIds` gives its application.
+[[nodiscard]] std::optional<std::string> applicationName(const std::vector<std::string_view>& desktopIds,
+                                                         const std::vector<std::filesystem::path>& folders);
+
 }  // namespace nimbo

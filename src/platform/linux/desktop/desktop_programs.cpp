@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 #include <sys/wait.h>
 
+#include <array>
 #include <utility>
 
 #include "base/text.h"
@@ -16,22 +17,26 @@ namespace {
 struct Candidate {
   std::string_view desktop;
   std::string_view program;
+  std::vector<std::string_view> desktopIds = {program};
 };
 
-constexpr Candidate kCandidates[] = {
-    {"GNOME", "gnome-system-monitor"},
-    {"KDE", "plasma-systemmonitor"},
-    {"KDE", "ksysguard"},
-    {"XFCE", "xfce4-taskmanager"},
-    {"MATE", "mate-system-monitor"},
-    {"X-Cinnamon", "gnome-system-monitor"},
-    {"LXQt", "qps"},
-    {"LXDE", "lxtask"},
-    {"Deepin", "deepin-system-monitor"},
-    {"Pantheon", "io.elementary.monitor"},
-    {"", "missioncenter"},
-    {"", "resources"},
-};
+const std::array<Candidate, 12>& candidates() {
+  static const std::array<Candidate, 12> kCandidates{{
+      {"GNOME", "gnome-system-monitor", {"org.gnome.SystemMonitor", "gnome-system-monitor"}},
+      {"KDE", "plasma-systemmonitor", {"org.kde.plasma-systemmonitor"}},
+      {"KDE", "ksysguard", {"org.kde.ksysguard"}},
+      {"XFCE", "xfce4-taskmanager"},
+      {"MATE", "mate-system-monitor"},
+      {"X-Cinnamon", "gnome-system-monitor", {"org.gnome.SystemMonitor", "gnome-system-monitor"}},
+      {"LXQt", "qps"},
+      {"LXDE", "lxtask"},
+      {"Deepin", "deepin-system-monitor"},
+      {"Pantheon", "io.elementary.monitor"},
+      {"", "missioncenter", {"io.missioncenter.MissionCenter"}},
+      {"", "resources", {"net.nokyan.Resources"}},
+  }};
+  return kCandidates;
+}
 
 }  // namespace
 
@@ -42,15 +47,17 @@ bool desktopIs(std::string_view currentDesktop, std::string_view name) {
   return false;
 }
 
-std::vector<std::string_view> systemMonitorPrograms(std::string_view currentDesktop) {
-  std::vector<std::string_view> programs;
+std::optional<SystemMonitor> findSystemMonitor(std::string_view currentDesktop, const std::string& searchPath) {
   for (const bool isOwn : {true, false}) {
-    for (const Candidate& candidate : kCandidates) {
+    for (const Candidate& candidate : candidates()) {
       const bool belongs = !candidate.desktop.empty() && desktopIs(currentDesktop, candidate.desktop);
-      if (belongs == isOwn) programs.push_back(candidate.program);
+      if (belongs != isOwn) continue;
+      if (auto path = findProgram(std::string(candidate.program), searchPath)) {
+        return SystemMonitor{std::move(*path), candidate.desktopIds};
+      }
     }
   }
-  return programs;
+  return std::nullopt;
 }
 
 std::optional<std::string> findProgram(const std::string& name, const std::string& searchPath) {

@@ -16,8 +16,15 @@ namespace nimbo {
 /// case does not matter.
 [[nodiscard]] bool desktopIs(std::string_view currentDesktop, std::string_view name);
 
-/// Names of programs that show all processes, those of the desktop itself first.
-[[nodiscard]] std::vector<std::string_view> systemMonitorPrograms(std::string_view currentDesktop);
+/// A program that shows all processes.
+struct SystemMonitor {
+  std::string path;
+  std::vector<std::string_view> desktopIds;  ///< of its desktop entry in one version or another
+};
+
+/// The desktop's own if it is installed, or else another one. `searchPath` as below.
+[[nodiscard]] std::optional<SystemMonitor> findSystemMonitor(std::string_view currentDesktop,
+                                                             const std::string& searchPath);
 
 /// The full path of an executable file `name` in the first absolute folder of `searchPath` (in the
 /// form of PATH) that has one.

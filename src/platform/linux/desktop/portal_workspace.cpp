@@ -101,16 +101,9 @@ void PortalWorkspace::update() {
   observers_.notify(now);
 }
 
-std::optional<std::string> PortalWorkspace::systemMonitor() const {
-  for (const std::string_view program : systemMonitorPrograms(setup_.desktop)) {
-    if (auto path = findProgram(std::string(program), setup_.searchPath)) return path;
-  }
-  return std::nullopt;
-}
-
 bool PortalWorkspace::openSystemMonitor() {
-  const auto path = systemMonitor();
-  return path && programs_.start({*path});
+  const auto monitor = findSystemMonitor(setup_.desktop, setup_.searchPath);
+  return monitor && programs_.start({monitor->path});
 }
 
 // The portal knows the user's choice also from inside a container; without one, xdg-open does.

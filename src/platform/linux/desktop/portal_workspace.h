@@ -33,7 +33,9 @@ class PortalWorkspace final : public Workspace {
   [[nodiscard]] Subscription observeAppearance(std::function<void(Appearance)> changed) override {
     return observers_.add(std::move(changed));
   }
-  [[nodiscard]] bool hasSystemMonitor() const override { return systemMonitor().has_value(); }
+  [[nodiscard]] bool hasSystemMonitor() const override {
+    return findSystemMonitor(setup_.desktop, setup_.searchPath).has_value();
+  }
   [[nodiscard]] bool openSystemMonitor() override;
   void openLink(const std::string& url) override;
   bool openApplication(const std::string& bundleIdentifier) override;
@@ -44,7 +46,6 @@ class PortalWorkspace final : public Workspace {
   void readColorScheme(const char* method);
   void setColorScheme(sd_bus_message* value);
   void update();
-  [[nodiscard]] std::optional<std::string> systemMonitor() const;
   [[nodiscard]] bool callOr(BusSlot& pending, const BusMessage& call, const std::function<bool()>& otherwise);
   [[nodiscard]] bool openByProgram(const std::string& url);
 

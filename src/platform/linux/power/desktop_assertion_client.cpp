@@ -27,9 +27,6 @@ constexpr CookieService kPowerManagement = {"org.freedesktop.PowerManagement",
 constexpr CookieService kScreenSaver = {"org.freedesktop.ScreenSaver", "/org/freedesktop/ScreenSaver",
                                         "org.freedesktop.ScreenSaver", "UnInhibit"};
 
-// What is told of the system's assertion in place of the text that speaks of a Mac.
-constexpr const char* kSystemReason = "Nimbo — keep the machine awake while work continues";
-
 // The first systemd whose locks on sleep bind the user who holds them, and so that user's idle daemons; but then
 // manual sleep as well.
 constexpr int kLocksBindTheirOwner = 257;
@@ -182,7 +179,7 @@ DesktopAssertionClient::DesktopAssertionClient(Means means)
       })) {}
 
 Result<std::uint32_t, PowerError> DesktopAssertionClient::create(const std::string& type, const std::string& reason) {
-  Attempt attempt(means_, systemd_, type == kPreventSystemSleep ? kSystemReason : reason);
+  Attempt attempt(means_, systemd_, reason);
   if (type == kPreventSystemSleep) attempt.keepSystemAwake();
   if (type == kPreventDisplaySleep) attempt.keepDisplayOn();
   if (attempt.taken.inhibitors.empty()) return tl::unexpected(attempt.error);

@@ -15,6 +15,7 @@
 #include <cstdio>
 #include <stdexcept>
 
+#include "platform/linux/desktop/linux_wording.h"
 #include "sample_dashboard.h"
 #include "sample_usage.h"
 #include "support/control_events.h"
@@ -25,6 +26,12 @@
 
 namespace nimbo {
 namespace {
+
+/// On a desktop without a program that shows all processes.
+const Wording& pictureWording() {
+  static const Wording wording = linuxWording("", "", {});
+  return wording;
+}
 
 /// As in the United States, in the process's time zone.
 class AmericanDates final : public Dates {
@@ -53,9 +60,10 @@ struct Scene {
     world.connect(controller);
   }
 
-  SampleWorld world;
+  SampleWorld world{pictureWording()};
   AmericanDates dates;
-  DashboardController controller{{world.settings, world.readings, world.manager, world.usage, world.clock, dates}};
+  DashboardController controller{
+      {world.settings, world.readings, world.manager, world.usage, world.clock, dates, world.wording}};
 };
 
 struct Picture {
@@ -96,7 +104,7 @@ void usageUnconnected(Scene& scene) { showUsage(scene, {}); }
 void usageStale(Scene& scene) {
   auto states = sampleUsage(scene.world.clock.now());
   states[UsageProvider::codex].snapshot->fetchedAt -= std::chrono::hours(1);
-  states[UsageProvider::claude].message = usage_messages::kDesktopNeedsAccessibility;
+  states[UsageProvider::claude].message = usage_messages::desktopNeedsAccessibility(pictureWording());
   showUsage(scene, states);
 }
 
@@ -108,13 +116,13 @@ void usageRefreshing(Scene& scene) {
 }
 
 void usageMessages(Scene& scene) {
-  showUsage(scene, {{UsageProvider::codex, failedState(usage_messages::kDesktopNeedsAccessibility)},
+  showUsage(scene, {{UsageProvider::codex, failedState(pictureWording().signInReadTimedOut)},
                     {UsageProvider::claude, failedState(usage_messages::kDesktopUnavailable)}});
 }
 
 void usageLongMessages(Scene& scene) {
   const std::string both =
-      std::string(usage_messages::kClaudeCodeGaveNoUsage) + ' ' + usage_messages::kDesktopNeedsAccessibility;
+      std::string(usage_messages::kClaudeCodeGaveNoUsage) + ' ' + pictureWording().desktopShowsNothing;
   showUsage(scene, {{UsageProvider::codex, failedState(usage_messages::kNoCodexCredentials)},
                     {UsageProvider::claude, failedState(both)}});
 }
@@ -263,7 +271,7 @@ bool save(QtUserInterface& interface, const Picture& picture, const QString& pat
 bool saveAlert(UserInterface& interface, const QString& path) {
   const auto alert =
       interface.showAlert({"Keep Awake is running",
-                           "Quitting or installing an update ends this session. Your Mac may sleep afterward.",
+                           "Quitting or installing an update ends this session. Your computer may sleep afterward.",
                            {"Keep Running", "End Session & Quit"}},
                           {});
   return saveScreen(topLevel("alert").frameGeometry().adjusted(-16, -40, 16, 16), path);
@@ -274,13 +282,12 @@ struct SettingsPicture {
   SettingsTab tab;
   void (*act)(QWidget& window) = nullptr;
   LoginItemStatus loginStatus = LoginItemStatus::enabled;
-  const char* message = nullptr;
+  bool widgetsUnavailable = false;
 };
 
 constexpr SettingsPicture kSettingsPictures[] = {
     {"settings-general", SettingsTab::general},
-    {"settings-general-long", SettingsTab::general, nullptr, LoginItemStatus::requiresApproval,
-     "Widgets are unavailable in this build. Install the signed Nimbo app to use them."},
+    {"settings-general-long", SettingsTab::general, nullptr, LoginItemStatus::requiresApproval, true},
     {"settings-monitors", SettingsTab::monitors},
     {"settings-usage", SettingsTab::usage},
     {"settings-awake", SettingsTab::awake},
@@ -305,10 +312,10 @@ bool saveSettings(UserInterface& interface, const SettingsPicture& picture, cons
   callbacks.automaticUpdates = [] { return false; };
   callbacks.manualSleepApplies = [] { return true; };
   callbacks.widgetMessage = [&picture]() -> std::optional<std::string> {
-    if (picture.message == nullptr) return std::nullopt;
-    return picture.message;
+    if (!picture.widgetsUnavailable) return std::nullopt;
+    return pictureWording().widgetsUnavailable;
   };
-  SettingsWindowController controller({settings, bundle, login}, callbacks);
+  SettingsWindowController controller({settings, bundle, login, pictureWording()}, callbacks);
   controller.show(picture.tab);
   QWidget& widget = topLevel("settingsWindow");
   constexpr QMargins kRoom{24, 24, 24, 24};

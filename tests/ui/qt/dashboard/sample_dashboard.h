@@ -51,6 +51,8 @@ inline ProcessScan sampleProcesses(std::size_t count) {
 
 /// A dashboard's sources, with a session that its Keep Awake page steers as in the program.
 struct SampleWorld : DashboardWorld {
+  using DashboardWorld::DashboardWorld;
+
   /// Everything on and `processes` found by the last scan.
   void fill(DashboardController& controller, DashboardTab tab, std::size_t processes) {
     settings.setMonitorCpu(true);

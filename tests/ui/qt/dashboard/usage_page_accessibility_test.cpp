@@ -52,10 +52,10 @@ TEST_F(UsagePageAccessibility, LinkCanBePressedByAssistiveTechnology) {
 }
 
 TEST_F(UsagePageAccessibility, LabelsAreStaticTextAndTellTheRestAsDescription) {
-  showCodex(failedState(usage_messages::kDesktopNeedsAccessibility));
+  showCodex(failedState(usage_messages::kNoCodexCredentials));
   auto& message = accessible(part<QLabel>(card(kCodex), "usageCardStatus"));
   EXPECT_EQ(message.role(), QAccessible::StaticText);
-  EXPECT_EQ(textOf(message, QAccessible::Name), usage_messages::kDesktopNeedsAccessibility);
+  EXPECT_EQ(textOf(message, QAccessible::Name), usage_messages::kNoCodexCredentials);
   auto& amount = accessible(part<QLabel>(*rows(kClaude)[0], "usageRowAmount"));
   EXPECT_EQ(textOf(amount, QAccessible::Name), "88% left");
   EXPECT_EQ(textOf(amount, QAccessible::Description),

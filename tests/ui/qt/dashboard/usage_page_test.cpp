@@ -221,9 +221,9 @@ TEST_F(UsagePageOnScreen, LongMessageTakesTwoLinesAndStaysWholeForScreenReaders)
   showCodex(failedState(usage_messages::kDesktopUnavailable));
   EXPECT_EQ(label.lines().size(), 1U);
 
-  showCodex(failedState(usage_messages::kDesktopNeedsAccessibility));
+  showCodex(failedState(usage_messages::kNoCodexCredentials));
   ASSERT_EQ(label.lines().size(), 2U);
-  EXPECT_EQ(label.lines()[0].text + ' ' + label.lines()[1].text, usage_messages::kDesktopNeedsAccessibility);
+  EXPECT_EQ(label.lines()[0].text + ' ' + label.lines()[1].text, usage_messages::kNoCodexCredentials);
 
   const std::string both =
       std::string(usage_messages::kClaudeCodeGaveNoUsage) + ' ' + usage_messages::kDesktopUsageNotShown;

@@ -2,6 +2,7 @@
 // The window with the program's own pages in it.
 #include <QComboBox>
 
+#include "platform/mac_wording.h"
 #include "support/fake_login_item.h"
 #include "support/fake_user_defaults.h"
 #include "ui/qt/controls/fitted_label.h"
@@ -54,7 +55,7 @@ class SettingsPagesOnScreen : public QtTest {
                      .appGroup = {}};
   FakeLoginItem login_;
   std::optional<std::string> widgetMessage_;
-  SettingsWindowController controller_{{settings_, bundle_, login_},
+  SettingsWindowController controller_{{settings_, bundle_, login_, macWording()},
                                        {.makeWindow = [] { return interface().makeSettingsWindow(); },
                                         .changed = [](const SettingsChange&) {},
                                         .toggleLogin = {},
