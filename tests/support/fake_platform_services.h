@@ -78,6 +78,7 @@ class FakeApplicationInstance final : public ApplicationInstance {
     handlers = std::move(given);
     return role;
   }
+  void release() override { handlers = {}; }
 
   std::vector<std::string> claimedWith;
   ApplicationInstanceHandlers handlers;
@@ -152,6 +153,7 @@ class FakePlatformServices final : public PlatformServices {
     updater = made.get();
     return made;
   }
+  [[nodiscard]] bool end() override { return true; }
 
   FakeClock* clock = nullptr;
   FakeHostStatistics* host = nullptr;
