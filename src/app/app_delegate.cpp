@@ -28,7 +28,10 @@ AppDelegate::AppDelegate(PlatformServices& platform, UserInterface& windows, Set
       settingsWindow_({settings, platform.bundleInfo(), platform.loginItem()}, settingsWindowCallbacks(windows)),
       quitQuestion_(windows, platform.mainLoop(), awake_, [this] { dashboard_.close(); }),
       statusItems_(platform.statusBar(), platform.mainLoop(), settings, statusItemCallbacks()) {
-  awake_.onChange = [this] { refreshViews(); };
+  awake_.onChange = [this] {
+    refreshViews();
+    quitQuestion_.sessionChanged();
+  };
   windows.setMenuListener([this](MenuRole chosen) {
     if (chosen == MenuRole::openSettings) openSettings();
     if (chosen == MenuRole::quit) quit();

@@ -68,6 +68,7 @@ QtDashboardWindow::QtDashboardWindow(const Theme& theme, WindowSystem& windowSys
 QtDashboardWindow::~QtDashboardWindow() { QtDashboardWindow::hide(); }
 
 void QtDashboardWindow::show() {
+  if (presentAlert(windowSystem_)) return;
   if (!isVisible()) {
     // The focus is in the window but on no control: Tab goes to the first one, and nothing is marked
     // until then.

@@ -57,6 +57,7 @@ void QtSettingsWindow::moveTab(int places) {
 }
 
 void QtSettingsWindow::show(const WindowPlace& /*place*/) {
+  if (presentAlert(windowSystem_)) return;
   if (!isVisible()) {
     if (!std::exchange(placed_, true)) placeInMiddle(*this);
     // The focus is in the window but on no control: Tab goes to the first one, and nothing is marked

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ui/qt/windows/window_system.h"
 
+#include <QApplication>
 #include <QCursor>
-#include <QGuiApplication>
 #include <QIcon>
 #include <QScreen>
 #include <QWidget>
@@ -30,6 +30,12 @@ void bringToFront(QWidget& window, WindowSystem& windowSystem) {
   window.show();
   window.raise();
   windowSystem.activate(window);
+}
+
+bool presentAlert(WindowSystem& windowSystem) {
+  QWidget* const alert = QApplication::activeModalWidget();
+  if (alert != nullptr) bringToFront(*alert, windowSystem);
+  return alert != nullptr;
 }
 
 }  // namespace nimbo

@@ -55,4 +55,7 @@ void placeInMiddle(QWidget& window);
 /// Shows the window in front of all others, with the keyboard focus.
 void bringToFront(QWidget& window, WindowSystem& windowSystem);
 
+/// Brings the alert to the front that is to be answered before anything else. False when there is none.
+[[nodiscard]] bool presentAlert(WindowSystem& windowSystem);
+
 }  // namespace nimbo
