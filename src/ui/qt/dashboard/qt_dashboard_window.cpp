@@ -151,7 +151,7 @@ bool QtDashboardWindow::eventFilter(QObject* watched, QEvent* event) {
 }
 
 bool QtDashboardWindow::keyDown(const QKeyEvent& key) {
-  if (key.key() != Qt::Key_Escape) return performKeyEquivalent(key);
+  if (key.key() != Qt::Key_Escape && !key.matches(QKeySequence::Close)) return performKeyEquivalent(key);
   call(events_.escapePressed);
   return true;
 }
