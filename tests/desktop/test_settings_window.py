@@ -242,9 +242,10 @@ class SettingsWindowTest(DesktopTest):
 
     def test_updates_of_a_build_without_a_feed(self):
         self.launch()
-        self.program.press("Check for updates automatically")
-        turn_for(0.5)
-        self.wait_for_tick("Check for updates automatically", False)
+        box = self.control("Check for updates automatically")
+        self.assertFalse(box["checked"] or box["enabled"])
+        self.assertEqual(box["description"], "This build has no update feed.")
+        self.assertTrue(self.control("This build has no update feed."), "beside it")
         self.program.press("Check for Updates…")
         self.wait_for_control("Updates aren’t connected yet", "label")
         self.wait_for_control("This development build has no signed update feed configured.", "label")
