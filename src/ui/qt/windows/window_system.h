@@ -52,6 +52,10 @@ void setProgramIcon(QWidget& window);
 /// that is not on the screen yet.
 void placeInMiddle(QWidget& window);
 
+/// The height in points that the panels of the screen leave to a window's content. The window is on that screen, or
+/// not on any yet: then it is the one that the user works on.
+[[nodiscard]] int heightForContent(const QWidget& window);
+
 /// Shows the window in front of all others, with the keyboard focus.
 void bringToFront(QWidget& window, WindowSystem& windowSystem);
 

@@ -29,6 +29,8 @@ class X11Client {
   static constexpr std::uint8_t kDown = 116;
   static constexpr std::uint8_t kLeftButton = 1;
   static constexpr std::uint8_t kRightButton = 3;
+  static constexpr std::uint8_t kWheelUp = 4;
+  static constexpr std::uint8_t kWheelDown = 5;
 
   X11Client() : connection_(xcb_connect(nullptr, nullptr)) {
     if (xcb_connection_has_error(connection_) != 0) throw std::runtime_error("no display");
