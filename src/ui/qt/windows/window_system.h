@@ -8,6 +8,7 @@
 
 #include "base/subscription.h"
 
+class QMargins;
 class QWidget;
 
 namespace nimbo {
@@ -20,6 +21,13 @@ class WindowSystem {
 
   /// Whether windows may have translucent corners now.
   [[nodiscard]] virtual bool compositing() const = 0;
+
+  /// Whether a menu window has a shadow only if it draws one itself, in a margin that compositing makes translucent.
+  [[nodiscard]] virtual bool menusDrawShadows() const { return false; }
+
+  /// Tells whoever manages and composes windows that so much at the edges of `window` is no part of it: it is neither
+  /// counted nor given a shadow.
+  virtual void announceMargins(QWidget& /*window*/, const QMargins& /*margins*/) {}
 
   /// Whether a popup hears of clicks on every other window. If not, menu windows are ordinary ones
   /// and close when they lose the keyboard focus.
