@@ -182,9 +182,12 @@ class SettingsWindowTest(DesktopTest):
         self.choose("Tab order", 5)
         self.wait_for_stored("tabOrder", orders[5])
         self.host.item("nimbo-memory").activate(1300, 10)
-        self.program.wait_for_dashboard()
-        tabs = [control["name"] for control in self.program.controls() if control["role"] == "page tab"]
-        self.assertEqual([tab for tab in tabs if tab in ("AI", "Mem", "Awake")], ["Awake", "Mem", "AI"])
+
+        def tabs():
+            shown = [control["name"] for control in self.program.controls() if control["role"] == "page tab"]
+            return [tab for tab in shown if tab in ("AI", "Mem", "Awake")]
+
+        wait_until(lambda: tabs() == ["Awake", "Mem", "AI"], "the dashboard's tabs in that order")
 
     def test_subscriptions(self):
         self.launch("AI Usage")
