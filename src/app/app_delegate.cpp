@@ -32,7 +32,10 @@ AppDelegate::AppDelegate(PlatformServices& platform, UserInterface& windows, Set
                       settingsWindowCallbacks(windows)),
       quitQuestion_(windows, platform.mainLoop(), awake_, platform.wording(), [this] { dashboard_.close(); }),
       statusItems_(platform.statusBar(), platform.mainLoop(), settings, statusItemCallbacks()) {
-  awake_.onChange = [this] { refreshViews(); };
+  awake_.onChange = [this] {
+    refreshViews();
+    quitQuestion_.sessionChanged();
+  };
   awake_.onRefusal = [this](const std::string& message) {
     if (!dashboard_.shows(DashboardTab::awake)) notices_.tell("Keep Awake", message);
   };

@@ -2,6 +2,8 @@
 #include <fmt/format.h>
 
 #include <cstdio>
+#include <cstdlib>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -35,8 +37,16 @@ std::unique_ptr<UserInterface> makeUserInterface(PlatformServices& platform, Dis
   return std::make_unique<RemoteUserInterface>(services, platform.windowsStarter(), need);
 }
 
-int runMenuBar(const std::vector<std::string>& links) {
-  const auto platform = makePlatformServices();
+/// Runs `program`, which leaves nothing that uses the platform but work in the background, and ends.
+int runOnPlatform(const std::function<int(PlatformServices&)>& program) {
+  auto platform = makePlatformServices();
+  const int status = program(*platform);
+  // What hangs keeps all that it may use, until the process is gone.
+  if (!platform->end()) std::_Exit(status);
+  return status;
+}
+
+int runMenuBar(PlatformServices& platform, const std::vector<std::string>& links) {
   AppDelegate* controller = nullptr;
   ApplicationInstanceHandlers handlers;
   handlers.activate = [&controller] {
@@ -45,35 +55,35 @@ int runMenuBar(const std::vector<std::string>& links) {
   handlers.open = [&controller](const std::vector<std::string>& later) {
     if (controller != nullptr) controller->open(later);
   };
-  const auto role = platform->applicationInstance().claim(links, handlers);
+  const auto role = platform.applicationInstance().claim(links, handlers);
   if (!role) {
     fmt::print(stderr, "nimbo: {}\n", role.error().message);
     return 1;
   }
   if (*role == InstanceRole::later) return 0;
 
-  Settings settings(platform->userDefaults(), platform->userDefaultsDomains(), platform->bundleInfo().identifier);
-  const auto windows = makeUserInterface(*platform, DisplayNeed::required);
-  AppDelegate delegate(*platform, *windows, settings, AppDelegate::Audience::user);
+  Settings settings(platform.userDefaults(), platform.userDefaultsDomains(), platform.bundleInfo().identifier);
+  const auto windows = makeUserInterface(platform, DisplayNeed::required);
+  AppDelegate delegate(platform, *windows, settings, AppDelegate::Audience::user);
   controller = &delegate;
   delegate.open(links);
   delegate.applicationDidFinishLaunching();
-  platform->mainLoop().run();
+  platform.mainLoop().run();
+  platform.applicationInstance().release();  // a new start need not wait for what follows
   controller = nullptr;
   delegate.applicationWillTerminate();
   return 0;
 }
 
-int runProfile() {
-  const auto platform = makePlatformServices();
+int runProfile(PlatformServices& platform) {
   // Each stage can be looked at from outside as soon as it has been told, also through a pipe.
   const auto print = [](const std::string& line) {
     fmt::print("{}\n", line);
     std::fflush(stdout);
   };
   const auto complain = [](const std::string& line) { fmt::print(stderr, "nimbo: {}\n", line); };
-  const auto windows = makeUserInterface(*platform, DisplayNeed::optional);
-  return runPerformanceProbe(*platform, *windows, print, complain);
+  const auto windows = makeUserInterface(platform, DisplayNeed::optional);
+  return runPerformanceProbe(platform, *windows, print, complain);
 }
 
 int runClaudeDesktopCheck() {
@@ -91,11 +101,12 @@ int run(const std::vector<std::string>& arguments) {
     case LaunchMode::diagnostics:
       return runDiagnostics();
     case LaunchMode::profile:
-      return runProfile();
+      return runOnPlatform(runProfile);
     case LaunchMode::menuBar:
       break;
   }
-  return runMenuBar(launchLinks(arguments));
+  return runOnPlatform(
+      [&arguments](PlatformServices& platform) { return runMenuBar(platform, launchLinks(arguments)); });
 }
 
 }  // namespace

@@ -36,8 +36,8 @@ void UpdateChecker::checkForUpdates() {
   }
 }
 
-bool UpdateChecker::automaticallyChecksForUpdates() const {
-  return updater_ && updater_->automaticallyChecksForUpdates();
+std::optional<bool> UpdateChecker::automaticallyChecksForUpdates() const {
+  return updater_ ? std::optional(updater_->automaticallyChecksForUpdates()) : std::nullopt;
 }
 
 void UpdateChecker::toggleAutomaticChecks() {

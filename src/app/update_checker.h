@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 
 #include "platform/platform_services.h"
 
@@ -18,8 +19,8 @@ class UpdateChecker {
   void start();
   void checkForUpdates();
 
-  /// False without an updater.
-  [[nodiscard]] bool automaticallyChecksForUpdates() const;
+  /// Absent without an updater.
+  [[nodiscard]] std::optional<bool> automaticallyChecksForUpdates() const;
   /// Does nothing without an updater.
   void toggleAutomaticChecks();
 

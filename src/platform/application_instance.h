@@ -34,6 +34,8 @@ class ApplicationInstance {
   /// Handlers are called from the main loop, for as long as this object lives.
   [[nodiscard]] virtual Result<InstanceRole, InstanceError> claim(const std::vector<std::string>& links,
                                                                   ApplicationInstanceHandlers handlers) = 0;
+  /// The program ends: a start from now on is a first one. No handler is called any more. Does not wait.
+  virtual void release() = 0;
 };
 
 }  // namespace nimbo

@@ -44,7 +44,7 @@ class WorkQueue {
   virtual ~WorkQueue() = default;
 
   /// Callable from any thread. Jobs not yet begun when the queue is destroyed are dropped; one
-  /// that runs is waited for.
+  /// that runs is waited for, since it may use what goes after the queue.
   virtual void async(std::function<void()> job) = 0;
 };
 

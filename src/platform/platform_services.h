@@ -104,6 +104,11 @@ class PlatformServices {
   [[nodiscard]] virtual WidgetCenter& widgetCenter() = 0;
   /// `windows` outlives what it gives.
   [[nodiscard]] virtual UpdateSource updateSource(const UpdateFeed& feed, UpdateWindows& windows) = 0;
+
+  /// The last call, once nothing but work in the background uses these services: writes what is unsaved and waits 0.7 s
+  /// at most for that work. False when some of it hangs. It still uses this object then, which must not be destroyed:
+  /// such work ends with the process (`std::_Exit`).
+  [[nodiscard]] virtual bool end() = 0;
 };
 
 // Implemented once per operating system.

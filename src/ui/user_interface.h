@@ -53,7 +53,8 @@ class UserInterface {
   [[nodiscard]] virtual std::unique_ptr<DashboardWindow> makeDashboardWindow() = 0;
   [[nodiscard]] virtual std::unique_ptr<SettingsWindow> makeSettingsWindow() = 0;
 
-  /// Brings the program to the front with an alert. `answered` is called once, from the main loop; it may destroy
+  /// Brings the program to the front with an alert, which is modal: until it is answered, other windows do nothing and
+  /// opening one brings the alert to the front instead. `answered` is called once, from the main loop; it may destroy
   /// the alert.
   [[nodiscard]] virtual std::unique_ptr<Alert> showAlert(const AlertContent& content, AlertAnswer answered) = 0;
 };

@@ -344,6 +344,28 @@ TEST_F(AppDelegateAwakeTest, EndSessionAndQuitEndsBoth) {
   EXPECT_TRUE(platform.assertions.held().empty());
 }
 
+TEST_F(AppDelegateAwakeTest, SessionThatEndsWhileTheUserIsAskedTakesTheQuestionAwayAndQuits) {
+  launch();
+  awake().start(platform.clock->now() + 1h, false, platform.clock->now());
+  delegate->quit();
+  awake().extend(1h);
+  EXPECT_FALSE(platform.loop.hasQuit()) << "the session goes on";
+  ASSERT_NE(alert(), nullptr);
+  platform.loop.advance(2h);
+  EXPECT_EQ(alert(), nullptr);
+  EXPECT_TRUE(platform.loop.hasQuit());
+}
+
+TEST_F(AppDelegateAwakeTest, SessionThatEndsAfterTheQuestionWasAnsweredQuitsNothing) {
+  launch();
+  toggleAwake();
+  delegate->quit();
+  EXPECT_TRUE(alert()->answer(0));
+  toggleAwake();
+  EXPECT_FALSE(awake().isActive());
+  EXPECT_FALSE(platform.loop.hasQuit());
+}
+
 TEST_F(AppDelegateAwakeTest, QuittingAgainBringsTheAlertToTheFront) {
   launch();
   toggleAwake();

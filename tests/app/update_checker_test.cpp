@@ -30,7 +30,7 @@ class UpdateCheckerTest : public ::testing::Test {
             {"Updates aren’t connected yet", "This development build has no signed update feed configured.", {"OK"}}}));
     EXPECT_TRUE(windows.press("OK"));
     EXPECT_EQ(platform.updater, nullptr);
-    EXPECT_FALSE(checker.automaticallyChecksForUpdates());
+    EXPECT_EQ(checker.automaticallyChecksForUpdates(), std::nullopt);
   }
 };
 
@@ -108,14 +108,14 @@ TEST_F(UpdateCheckerTest, WhereTheSystemGivesSessionsTheyBeginOnTheProgramsOwnSc
 }
 
 TEST_F(UpdateCheckerTest, AutomaticFlagIsTheUpdaters) {
-  EXPECT_FALSE(checker.automaticallyChecksForUpdates());
+  EXPECT_EQ(checker.automaticallyChecksForUpdates(), std::nullopt);
   checker.toggleAutomaticChecks();
   EXPECT_TRUE(platform.updateFeeds.empty()) << "toggling starts nothing";
   checker.start();
-  EXPECT_FALSE(checker.automaticallyChecksForUpdates());
+  EXPECT_EQ(checker.automaticallyChecksForUpdates(), false);
   checker.toggleAutomaticChecks();
   EXPECT_TRUE(platform.updater->automatic);
-  EXPECT_TRUE(checker.automaticallyChecksForUpdates());
+  EXPECT_EQ(checker.automaticallyChecksForUpdates(), true);
   checker.toggleAutomaticChecks();
   EXPECT_FALSE(platform.updater->automatic);
 }

@@ -451,8 +451,15 @@ class Notifications:
         invocation.return_value(GLib.Variant("(u)", (len(self.shown),)))
 
 
+def margins_of(session, window):
+    """Left, right, top, bottom: what a window says is no part of it but its shadow."""
+    ask = ["xprop", "-notype", "-id", str(window), "_GTK_FRAME_EXTENTS"]
+    said = subprocess.run(ask, env=session.env, capture_output=True, text=True).stdout
+    return tuple(map(int, said.split("=")[1].split(","))) if "=" in said else (0, 0, 0, 0)
+
+
 def windows_of(session, pid):
-    """Visible top-level windows of a process, if there is one, as {id: (x, y, width, height)}."""
+    """Visible top-level windows of a process, if there is one, as {id: (x, y, width, height)}, without their shadows."""
     if pid is None:
         return {}
     found = subprocess.run(
@@ -465,7 +472,9 @@ def windows_of(session, pid):
         )
         values = dict(line.split("=") for line in shell.stdout.split() if "=" in line)
         if {"X", "Y", "WIDTH", "HEIGHT"} <= values.keys():
-            windows[int(identifier)] = tuple(int(values[key]) for key in ("X", "Y", "WIDTH", "HEIGHT"))
+            x, y, width, height = (int(values[key]) for key in ("X", "Y", "WIDTH", "HEIGHT"))
+            left, right, top, bottom = margins_of(session, identifier)
+            windows[int(identifier)] = (x + left, y + top, width - left - right, height - top - bottom)
     return windows
 
 

@@ -111,6 +111,17 @@ class DashboardTest(DesktopTest):
         self.key("ctrl+q")
         self.assertEqual(self.program.wait_for_exit(), 0)
 
+    def test_control_w_closes_it(self):
+        self.open()
+        self.key("ctrl+w")
+        self.program.wait_for_no_dashboard()
+
+    def test_control_comma_opens_the_settings(self):
+        self.open()
+        self.key("ctrl+comma")
+        self.program.wait_for_text(lambda text: text == "Launch at login", "the settings")
+        self.assertNotIn("Quit Nimbo", self.program.texts(), "the dashboard is closed")
+
     def test_second_start_opens_it(self):
         self.start()
         self.host.wait_for_items(2)

@@ -176,9 +176,12 @@ class SettingsWindowTest(DesktopTest):
         self.choose("Tab order", 5)
         self.wait_for_stored("tabOrder", orders[5])
         self.host.item("nimbo-memory").activate(1300, 10)
-        self.program.wait_for_dashboard()
-        tabs = [control["name"] for control in self.program.controls() if control["role"] == "page tab"]
-        self.assertEqual([tab for tab in tabs if tab in ("AI", "Mem", "Awake")], ["Awake", "Mem", "AI"])
+
+        def tabs():
+            shown = [control["name"] for control in self.program.controls() if control["role"] == "page tab"]
+            return [tab for tab in shown if tab in ("AI", "Mem", "Awake")]
+
+        wait_until(lambda: tabs() == ["Awake", "Mem", "AI"], "the dashboard's tabs in that order")
 
     def test_subscriptions(self):
         self.launch("AI Usage")
@@ -236,9 +239,10 @@ class SettingsWindowTest(DesktopTest):
 
     def test_updates_of_a_build_without_a_feed(self):
         self.launch()
-        self.program.press("Check for updates automatically")
-        turn_for(0.5)
-        self.wait_for_tick("Check for updates automatically", False)
+        box = self.control("Check for updates automatically")
+        self.assertFalse(box["checked"] or box["enabled"])
+        self.assertEqual(box["description"], "This build has no update feed.")
+        self.assertTrue(self.control("This build has no update feed."), "beside it")
         self.program.press("Check for Updates…")
         self.wait_for_control("Updates aren’t connected yet", "label")
         self.wait_for_control("This development build has no signed update feed configured.", "label")

@@ -79,6 +79,7 @@ class FakeApplicationInstance final : public ApplicationInstance {
     handlers = std::move(given);
     return role;
   }
+  void release() override { handlers = {}; }
 
   std::vector<std::string> claimedWith;
   ApplicationInstanceHandlers handlers;
@@ -154,6 +155,7 @@ class FakePlatformServices final : public PlatformServices {
     updater = made.get();
     return made;
   }
+  [[nodiscard]] bool end() override { return true; }
 
   FakeClock* clock = nullptr;
   FakeHostStatistics* host = nullptr;

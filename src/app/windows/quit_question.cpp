@@ -27,4 +27,10 @@ void QuitQuestion::quit() {
   });
 }
 
+void QuitQuestion::sessionChanged() {
+  if (question_.alert() == nullptr || awake_.isActive()) return;
+  question_.dismiss();
+  loop_.quit();
+}
+
 }  // namespace nimbo

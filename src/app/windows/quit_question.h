@@ -19,6 +19,9 @@ class QuitQuestion {
                std::function<void()> willShow);
 
   void quit();
+  /// To be told of every change of the session. One that ends while its user is asked leaves nothing to ask: they
+  /// wanted to quit, and nothing is lost by it any more.
+  void sessionChanged();
 
  private:
   MainLoop& loop_;

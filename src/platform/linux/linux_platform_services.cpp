@@ -2,9 +2,11 @@
 #include <malloc.h>
 #include <signal.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <map>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -50,6 +52,9 @@ namespace nimbo {
 namespace {
 
 constexpr const char* kDomain = "com.quellwerk.Nimbo";
+
+/// Enough to stop Claude Code, which is given half a second to end politely.
+constexpr std::chrono::milliseconds kTimeToEnd{700};
 
 /// The environment, read once: the classes below get what they need of it.
 struct Environment {
@@ -138,7 +143,7 @@ class LinuxPlatformServices final : public PlatformServices {
   [[nodiscard]] WorkQueue& utilityQueue() override { return utilityQueue_; }
   [[nodiscard]] const BundleInfo& bundleInfo() override { return bundleInfo_; }
   [[nodiscard]] const Wording& wording() override { return wording_; }
-  [[nodiscard]] UserDefaults& userDefaults() override { return defaults_; }
+  [[nodiscard]] UserDefaults& userDefaults() override { return *defaults_; }
   [[nodiscard]] UserDefaultsDomains& userDefaultsDomains() override { return domains_; }
   [[nodiscard]] std::unique_ptr<UserDefaults> makeUserDefaults(const std::string& domain) override {
     return std::make_unique<JsonUserDefaults>(folders_.config, domain, defaultsServices());
@@ -164,6 +169,13 @@ class LinuxPlatformServices final : public PlatformServices {
     const ProgramVersion installed{bundleInfo_.version.value_or(""), bundleInfo_.shortVersion.value_or("Development")};
     const UpdateSetup setup{loop_, http_, utilityQueue_, workspace_, windows, feed, installed};
     return updateSessionFromModule(modules_, setup, {user_.home, folders_.config});
+  }
+  [[nodiscard]] bool end() override {
+    defaults_.reset();
+    const auto deadline = std::chrono::steady_clock::now() + kTimeToEnd;
+    bool ended = background_.endBy(deadline);
+    for (auto* const queue : {&claudeQueue_, &temperatureQueue_, &utilityQueue_}) ended &= queue->endBy(deadline);
+    return ended;
   }
 
  private:
@@ -230,7 +242,7 @@ class LinuxPlatformServices final : public PlatformServices {
   ThreadWorkQueue claudeQueue_{"Nimbo.claude"};
   ThreadWorkQueue temperatureQueue_{"Nimbo.temperature"};
   ThreadWorkQueue utilityQueue_{"Nimbo.utility"};
-  JsonUserDefaults defaults_{folders_.config, kDomain, defaultsServices()};
+  std::optional<JsonUserDefaults> defaults_{std::in_place, folders_.config, kDomain, defaultsServices()};
 };
 
 }  // namespace

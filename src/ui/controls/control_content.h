@@ -26,6 +26,7 @@ enum class ColorRole {
   red,
   blue,
 
+  orangeFill,       ///< the orange of bars, where that of texts would look brown
   quaternaryLabel,  ///< behind the bars of charts
   background,       ///< of windows and menus
   cardGround,       ///< of a card on the background

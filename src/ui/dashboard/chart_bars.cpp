@@ -40,7 +40,7 @@ std::vector<ChartBar> breakdownBars(const std::optional<MemorySnapshot>& snapsho
   if (!snapshot || snapshot->total == 0) return bars;
 
   const std::array parts{std::pair{snapshot->app, ColorRole::teal}, std::pair{snapshot->wired, ColorRole::indigo},
-                         std::pair{snapshot->compressed, ColorRole::orange}};
+                         std::pair{snapshot->compressed, ColorRole::orangeFill}};
   double x = 0;
   for (const auto& [bytes, color] : parts) {
     const double width = size.width * static_cast<double>(bytes) / static_cast<double>(snapshot->total);

@@ -33,6 +33,7 @@ void fillHeader(DashboardContent& content, const std::vector<DashboardTab>& tabO
   }
   content.settingsButton = {"settings", {293, 16, 28, 28}, ButtonLook::icon, 13, "gearshape", "Settings"};
   content.settingsButton.toolTip = "Settings: monitors, display, refresh interval";
+  content.settingsButton.keyEquivalent = ",";
 }
 
 void fillFooter(DashboardContent& content, double y, const Wording& wording) {

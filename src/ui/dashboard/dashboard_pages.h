@@ -31,7 +31,7 @@ inline constexpr std::size_t kProcessLimitStep = 10;
 
 /// What the resources page shows besides.
 struct ProcessView {
-  ProcessScan scan = {};
+  ProcessScan scan = {};                       ///< empty before the first; any has this program at least
   std::size_t limit = kCollapsedProcessLimit;  ///< rows shown
   bool activityMonitorEnabled = true;
 };

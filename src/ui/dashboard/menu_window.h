@@ -11,7 +11,7 @@ namespace nimbo {
 
 /// What happens around an open menu window. Called only while it is visible.
 struct MenuWindowEvents {
-  /// Escape went down in this application; no control sees it.
+  /// Escape, or the desktop's key for closing a window, went down in this application; no control sees it.
   std::function<void()> escapePressed;
   /// A mouse button went down outside the window; the place in global coordinates where it is known.
   std::function<void(std::optional<Point>)> clickedOutside;

@@ -225,7 +225,8 @@ void fillProcesses(ResourcesContent& content, const ResourcesView& view) {
   const auto count = expanded(view) ? shown : kCollapsedProcessLimit;
 
   content.processTitle = {{20, 422 + t, 130, 15}, {10, FontWeight::semibold, ColorRole::secondaryLabel}};
-  content.processTitle.text = fmt::format("TOP {} PROCESSES", count);
+  content.processTitle.text =
+      view.processes.scan == ProcessScan{} ? "TOP PROCESSES" : fmt::format("TOP {} PROCESSES", count);
   content.processTitle.visible = visible;
   content.lessButton = button("less", {157, 418 + t, 72, 22}, ButtonLook::rounded, "Show less");
   content.lessButton.visible = visible && expanded(view);

@@ -16,8 +16,10 @@ namespace {
 constexpr double kPageTop = 56;
 constexpr double kCardGap = 10;
 constexpr double kUsageRowHeight = 58;
+constexpr double kFirstRow = 58;  // in its card
 constexpr double kVisibleHeight = 371;
 constexpr double kStaleOpacity = 0.45;
+constexpr const char* kNothingLeft = "0% left";  // its bar is empty, so that the amount has the colour
 constexpr const char* kUsageNote = "Updates every 5 minutes · hover for countdowns";
 
 const TextStyle kSecondaryText{11, FontWeight::regular, ColorRole::secondaryLabel};
@@ -34,7 +36,7 @@ struct CardState {
 
 ColorRole tintFor(const UsageWindow& window, UsageProvider provider) {
   if (window.usedPercent >= 90) return ColorRole::red;
-  if (window.usedPercent >= 75 || provider == UsageProvider::claude) return ColorRole::orange;
+  if (window.usedPercent >= 75 || provider == UsageProvider::claude) return ColorRole::orangeFill;
   return ColorRole::teal;
 }
 
@@ -69,8 +71,8 @@ UsageRowContent rowFor(const UsageWindow& window, const CardState& card, double 
   const std::string toolTip =
       fmt::format("{} · {} · {}\n{}\n{}", window.title, amount, resetCountdown(window, card.now), reset, card.status);
   row.title = {{0, 0, 170, 20}, {12, FontWeight::medium}, window.title, toolTip};
-  row.amount = {
-      {170, 0, 106, 20}, {12, FontWeight::medium, ColorRole::label, TextAlignment::right, true}, amount, toolTip};
+  const auto amountColor = amount == kNothingLeft ? ColorRole::red : ColorRole::label;
+  row.amount = {{170, 0, 106, 20}, {12, FontWeight::medium, amountColor, TextAlignment::right, true}, amount, toolTip};
   row.bar.toolTip = toolTip;
   row.reset = {{0, 34, 276, 18}, kSecondaryText, reset, toolTip};
   return row;
@@ -87,7 +89,8 @@ UsageCardContent cardFor(const CardState& card, double y) {
   content.link = {linkIdentifier(card.provider), {263, 10, 26, 24}, ButtonLook::inlined, 12, "↗"};
   content.link.accessibleName = content.link.toolTip = "Open " + name + " usage dashboard";
   const bool lastKnown = card.stale && !windows.empty();
-  content.status = {{12, 35, 276, 26},
+  // Two lines would otherwise reach into the first row.
+  content.status = {{12, 35, 276, windows.empty() ? 26 : kFirstRow - 35},
                     {10, FontWeight::regular, ColorRole::secondaryLabel},
                     lastKnown ? "Last known · " + card.status : card.status,
                     card.status};
@@ -95,7 +98,7 @@ UsageCardContent cardFor(const CardState& card, double y) {
   content.connect = {"connect." + std::string(rawValue(card.provider)), {8, 71, 230, 28}};
   content.connect.title = "Connect in Settings…";
   content.connect.visible = windows.empty() && !card.state.isRefreshing;
-  double rowY = 58;
+  double rowY = kFirstRow;
   for (const auto& window : windows) {
     content.rows.push_back(rowFor(window, card, rowY));
     rowY += kUsageRowHeight;

@@ -20,6 +20,7 @@ constexpr double kLeft = 12;
 constexpr double kRight = 492;
 constexpr double kColumn = 180;
 constexpr double kCaptionWidth = 156;
+constexpr double kRefusalColumn = 252;
 constexpr double kChoiceWidth = 240;
 constexpr double kButtonInset = 3;  // what a button leaves free at either side
 
@@ -76,6 +77,17 @@ class PageBuilder {
     box.on = on;
     bottom_ = box.frame.maxY();
     controls_.emplace_back(std::move(box));
+  }
+
+  /// A check box that is off for good, and why, on one line.
+  void checkThatCannotBe(std::string_view identifier, const std::string& title, const std::string& why) {
+    check(identifier, title, false, kLeft, kRefusalColumn - kLeft);
+    auto& box = std::get<CheckBoxContent>(controls_.back());
+    box.enabled = false;
+    box.toolTip = why;
+    label({kRefusalColumn, bottom_ - (kCheckHeight + kLineHeight) / 2, kRight - kRefusalColumn, kLineHeight},
+          {11, FontWeight::regular, ColorRole::secondaryLabel}, why);
+    bottom_ = std::get<LabelContent>(controls_.back()).frame.y + (kCheckHeight + kLineHeight) / 2;
   }
 
   /// Check boxes of the store, side by side in the column.
@@ -187,7 +199,11 @@ void fillGeneral(PageBuilder& page, const SettingsFacts& facts) {
   page.section("Startup & updates");
   page.check("login", "Launch at login", facts.loginStatus == LoginItemStatus::enabled);
   page.help(loginNote(facts), kCheckText, 2);
-  page.check("updates", "Check for updates automatically", facts.automaticUpdates);
+  if (facts.automaticUpdates) {
+    page.check("updates", "Check for updates automatically", *facts.automaticUpdates);
+  } else {
+    page.checkThatCannotBe("updates", "Check for updates automatically", "This build has no update feed.");
+  }
   page.button("checkUpdates", "Check for Updates…", 162);
   page.besideButton(
       {versionLine(facts.bundle), fmt::format("A small native companion for your {}.", facts.wording.computer)});

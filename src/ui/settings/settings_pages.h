@@ -23,7 +23,7 @@ struct SettingsFacts {
   const BundleInfo& bundle;
   const Wording& wording;
   LoginItemStatus loginStatus = LoginItemStatus::notRegistered;
-  bool automaticUpdates = false;
+  std::optional<bool> automaticUpdates;      ///< absent in a build that names no feed
   bool manualSleepApplies = false;           ///< during a session
   std::optional<std::string> widgetMessage;  ///< why the widgets get nothing
 };

@@ -38,8 +38,8 @@ class SettingsWindowController {
     std::function<void()> checkForUpdates;
     std::function<void()> toggleAutomaticUpdates;
     std::function<void()> enableClaudeDesktop;
-    /// Whether updates are looked for without being asked.
-    std::function<bool()> automaticUpdates;
+    /// Whether updates are looked for without being asked; absent where they cannot be.
+    std::function<std::optional<bool>()> automaticUpdates;
     /// Whether the user can put the machine to sleep by hand during a session.
     std::function<bool()> manualSleepApplies;
     /// Why the widgets get nothing; absent while they get something.

@@ -112,6 +112,15 @@ TEST_F(DbusApplicationInstanceTest, NameIsFreeAgainAfterTheFirstEnds) {
   startFirst();
 }
 
+TEST_F(DbusApplicationInstanceTest, ReleasedNameIsFreeWhileTheFirstStillLives) {
+  startFirst();
+  first->instance.release();
+  Start next(bus.address());
+  const auto role = next.instance.claim({}, {});
+  ASSERT_TRUE(role);
+  EXPECT_EQ(*role, InstanceRole::first);
+}
+
 TEST_F(DbusApplicationInstanceTest, DesktopsCallTheSameInterface) {
   startFirst();
   const BusPeer desktop(first->loop, bus.address());

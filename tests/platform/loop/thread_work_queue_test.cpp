@@ -68,6 +68,23 @@ TEST(ThreadWorkQueue, DestructionWaitsForTheRunningJob) {
   EXPECT_TRUE(finished);
 }
 
+TEST(ThreadWorkQueue, EndTellsOfAJobThatHangsAndDropsTheRest) {
+  std::promise<void> started;
+  std::promise<void> release;
+  bool dropped = true;
+  ThreadWorkQueue queue("test");
+  queue.async([&] {
+    started.set_value();
+    release.get_future().wait();
+  });
+  queue.async([&] { dropped = false; });
+  started.get_future().wait();
+  EXPECT_FALSE(queue.endBy(std::chrono::steady_clock::now() + std::chrono::milliseconds(10)));
+  release.set_value();
+  EXPECT_TRUE(queue.endBy(std::chrono::steady_clock::now() + kBound));
+  EXPECT_TRUE(dropped);
+}
+
 TEST(ThreadWorkQueue, WhatAJobHeldIsReleasedOnceItHasRun) {
   ThreadWorkQueue queue("test");
   auto held = std::make_shared<int>(1);

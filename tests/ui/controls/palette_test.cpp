@@ -63,6 +63,17 @@ TEST_P(PaletteInAppearance, TextAndBarsAreReadableOnACardToo) {
   }
 }
 
+TEST_P(PaletteInAppearance, FillsOfBarsStandOutFromTheirGroundAndThePage) {
+  const Color page = color(ColorRole::background, GetParam());
+  for (const Color& below : {page, blended(color(ColorRole::cardGround, GetParam()), page)}) {
+    const Color ground = blended(color(ColorRole::quaternaryLabel, GetParam()), below);
+    for (const auto role : {ColorRole::orangeFill, ColorRole::teal, ColorRole::red}) {
+      EXPECT_GE(contrast(color(role, GetParam()), ground), 3) << "role " << static_cast<int>(role);
+      EXPECT_GE(contrast(color(role, GetParam()), below), 3) << "role " << static_cast<int>(role);
+    }
+  }
+}
+
 TEST_P(PaletteInAppearance, GroundsAndLinesAreFaint) {
   EXPECT_LT(color(ColorRole::quaternaryLabel, GetParam()).alpha, 0.3);
   EXPECT_LT(color(ColorRole::separator, GetParam()).alpha, 0.3);
@@ -86,6 +97,11 @@ TEST_P(PaletteInAppearance, FieldsHaveAVisibleEdgeAndReadableTextAndPlaceholder)
 }
 
 INSTANTIATE_TEST_SUITE_P(Appearances, PaletteInAppearance, testing::Values(Appearance::light, Appearance::dark));
+
+TEST(Palette, OrangeFillIsNotBrownWhichIsADarkOrange) {
+  EXPECT_GT(luminance(color(ColorRole::orangeFill, Appearance::light)),
+            1.4 * luminance(color(ColorRole::orange, Appearance::light)));
+}
 
 TEST(Palette, LightAndDarkAreOpposites) {
   EXPECT_GT(luminance(color(ColorRole::background, Appearance::light)), 0.8);

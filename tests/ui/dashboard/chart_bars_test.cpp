@@ -35,7 +35,7 @@ TEST(BreakdownBars, PartsFollowOneAnotherInTheirColoursInsideTheRoundedBar) {
   EXPECT_EQ(bars[0], (ChartBar{kOutline, ColorRole::quaternaryLabel, 0.25, {}}));
   EXPECT_EQ(bars[1], (ChartBar{{{0, 0, 90, 8}, 0}, ColorRole::teal, 1, kOutline}));
   EXPECT_EQ(bars[2], (ChartBar{{{90, 0, 30, 8}, 0}, ColorRole::indigo, 1, kOutline}));
-  EXPECT_EQ(bars[3], (ChartBar{{{120, 0, 60, 8}, 0}, ColorRole::orange, 1, kOutline}));
+  EXPECT_EQ(bars[3], (ChartBar{{{120, 0, 60, 8}, 0}, ColorRole::orangeFill, 1, kOutline}));
 }
 
 TEST(BreakdownBars, PartsThatMakeUpTheTotalFillTheBarExactly) {

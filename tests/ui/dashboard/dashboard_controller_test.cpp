@@ -46,6 +46,7 @@ TEST_F(DashboardControllerTest, HeaderAndFooterAreComplete) {
   EXPECT_EQ(content().settingsButton.toolTip, "Settings: monitors, display, refresh interval");
   EXPECT_EQ(content().quitButton.title, "Quit Nimbo");
   EXPECT_EQ(content().quitButton.keyEquivalent, "q");
+  EXPECT_EQ(content().settingsButton.keyEquivalent, ",");
   EXPECT_EQ(content().quitButton.toolTip, "Quit Nimbo and end any Keep Awake session");
   EXPECT_EQ(content().quitHint.text, "⌘Q");
   EXPECT_EQ(content().quitHint.style.color, ColorRole::secondaryLabel);

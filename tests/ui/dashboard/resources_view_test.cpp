@@ -202,7 +202,7 @@ TEST(ResourcesView, TextsBeforeTheFirstReading) {
   EXPECT_EQ(content.hero.text, "—");
   EXPECT_EQ(content.subtitle.text, "Reading memory…");
   EXPECT_EQ(content.time.text, "RECENT USAGE");
-  EXPECT_EQ(content.processTitle.text, "TOP 3 PROCESSES");
+  EXPECT_EQ(content.processTitle.text, "TOP PROCESSES");
   EXPECT_EQ(content.processNote.text, "Physical footprint · individual processes");
   EXPECT_EQ(rowTexts(content), (std::array<std::string, 5>{"—", "—", "—", "—", "—"}));
   EXPECT_EQ(content.history.bars, drawn({}, ColorRole::teal));

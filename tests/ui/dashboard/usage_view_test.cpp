@@ -58,6 +58,7 @@ TEST_F(UsageViewTest, ThreeWindowsMakeACardOf237Points) {
   ASSERT_EQ(shown.rows.size(), 3U);
   EXPECT_EQ(shown.rows[0].frame, (Rect{12, 58, 276, 52}));
   EXPECT_EQ(shown.rows[0].title.frame, (Rect{0, 0, 170, 20}));
+  EXPECT_EQ(shown.status.frame.maxY(), shown.rows[0].frame.y) << "two lines of it end above";
   EXPECT_EQ(shown.rows[1].frame.y, 116);
   EXPECT_EQ(shown.rows[2].frame.y, 174);
   EXPECT_FALSE(shown.connect.visible);
@@ -68,9 +69,9 @@ TEST_F(UsageViewTest, TintWarnsWithUse) {
     return card(stateWith({window(used)}), provider).rows.at(0).bar.bars.at(1).color;
   };
   EXPECT_EQ(tint(74.9, UsageProvider::codex), ColorRole::teal);
-  EXPECT_EQ(tint(75, UsageProvider::codex), ColorRole::orange);
+  EXPECT_EQ(tint(75, UsageProvider::codex), ColorRole::orangeFill);
   EXPECT_EQ(tint(90, UsageProvider::codex), ColorRole::red);
-  EXPECT_EQ(tint(10, UsageProvider::claude), ColorRole::orange);
+  EXPECT_EQ(tint(10, UsageProvider::claude), ColorRole::orangeFill);
   EXPECT_EQ(tint(90, UsageProvider::claude), ColorRole::red);
 }
 
@@ -98,7 +99,9 @@ TEST_F(UsageViewTest, MissingResetTimeIsSaid) {
 TEST_F(UsageViewTest, MoreThanAllLeavesNothing) {
   const auto row = card(stateWith({window(110)})).rows.at(0);
   EXPECT_EQ(row.amount.text, "0% left");
+  EXPECT_EQ(row.amount.style.color, ColorRole::red) << "its bar is empty";
   EXPECT_EQ(row.bar.percent, 0);
+  EXPECT_EQ(card(stateWith({window(99)})).rows.at(0).amount.style.color, ColorRole::label);
 }
 
 TEST_F(UsageViewTest, MessageWithoutWindowsStandsAlone) {

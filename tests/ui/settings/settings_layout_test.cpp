@@ -36,6 +36,7 @@ class SettingsLayoutTest : public SettingsWindowTest {
   /// With everything shown that takes room.
   void fillUp() {
     login.current = LoginItemStatus::requiresApproval;
+    automaticUpdates.reset();
     widgetMessage = "Widget sharing unavailable. Install a signed build with its app group configured.";
     controller.syncIfVisible();
   }
@@ -182,6 +183,17 @@ TEST_F(SettingsLayoutTest, LoginNoteKeepsItsPlaceWhicheverItIs) {
   login.current = LoginItemStatus::requiresApproval;
   controller.syncIfVisible();
   EXPECT_EQ(check("updates").frame, before);
+}
+
+TEST_F(SettingsLayoutTest, WhyAnUpdatesBoxIsDisabledStandsBesideItAndMovesNothing) {
+  const auto below = window.find<ButtonContent>("checkUpdates")->frame;
+  automaticUpdates.reset();
+  controller.syncIfVisible();
+  const auto labels = all<LabelContent>(pages()[kGeneralPage]);
+  const auto why = std::ranges::find(labels, check("updates").toolTip, &LabelContent::text);
+  ASSERT_NE(why, labels.end());
+  EXPECT_EQ(why->frame.y + why->frame.height / 2, check("updates").frame.y + check("updates").frame.height / 2);
+  EXPECT_EQ(window.find<ButtonContent>("checkUpdates")->frame, below);
 }
 
 TEST_F(SettingsLayoutTest, WidgetMessageOnlyMovesWhatIsBelowIt) {

@@ -178,6 +178,19 @@ TEST_F(SettingsWindowControllerTest, UpdatesBoxShowsWhatTheOwnerSays) {
   EXPECT_FALSE(check("updates").on);
 }
 
+TEST_F(SettingsWindowControllerTest, UpdatesBoxOfABuildWithoutAFeedIsDisabledAndSaysWhy) {
+  automaticUpdates.reset();
+  controller.syncIfVisible();
+  EXPECT_FALSE(check("updates").on);
+  EXPECT_FALSE(check("updates").enabled);
+  EXPECT_EQ(check("updates").toolTip, "This build has no update feed.");
+  EXPECT_TRUE(shows("This build has no update feed."));
+  automaticUpdates = true;
+  controller.syncIfVisible();
+  EXPECT_TRUE(check("updates").enabled);
+  EXPECT_FALSE(shows("This build has no update feed."));
+}
+
 TEST_F(SettingsWindowControllerTest, ButtonsAskTheOwnerOnce) {
   press("checkUpdates");
   EXPECT_EQ(updateChecks, 1);

@@ -93,7 +93,7 @@ class SettingsWindowTest : public testing::Test {
   Settings settings{defaults};
   BundleInfo bundle;
   FakeLoginItem login;
-  bool automaticUpdates = false;
+  std::optional<bool> automaticUpdates = false;
   bool manualSleepApplies = true;
   std::optional<std::string> widgetMessage;
   std::unique_ptr<FakeSettingsWindow> made = std::make_unique<FakeSettingsWindow>();

@@ -87,6 +87,13 @@ Result<InstanceRole, InstanceError> DbusApplicationInstance::claim(const std::ve
   return tl::unexpected(InstanceError{fmt::format("Nimbo is running but does not answer: {}.", reason(forwarded))});
 }
 
+void DbusApplicationInstance::release() {
+  object_.reset();
+  const auto message = methodCall(session_.get(), methodOfTheBus("ReleaseName"), kName);
+  // At once, as the loop turns no more; should that fail, the name goes with the connection.
+  if (message) (void)sd_bus_send(session_.get(), message.get(), nullptr);
+}
+
 int DbusApplicationInstance::requestName(Deadline deadline) {
   constexpr std::uint32_t kDoNotQueue = 4;
   BusMessage reply;

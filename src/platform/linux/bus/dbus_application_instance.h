@@ -20,6 +20,7 @@ class DbusApplicationInstance final : public ApplicationInstance {
 
   [[nodiscard]] Result<InstanceRole, InstanceError> claim(const std::vector<std::string>& links,
                                                           ApplicationInstanceHandlers handlers) override;
+  void release() override;
 
  private:
   static const sd_bus_vtable kTable[];

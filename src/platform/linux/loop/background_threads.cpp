@@ -4,7 +4,6 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <condition_variable>
 #include <mutex>
 #include <system_error>
@@ -13,7 +12,6 @@
 namespace nimbo {
 namespace {
 
-constexpr std::chrono::milliseconds kTimeToEnd{500};
 constexpr int kBackgroundNice = 10;
 
 }  // namespace
@@ -34,7 +32,12 @@ BackgroundThreads::BackgroundThreads() : running_(std::make_shared<Running>()) {
 
 BackgroundThreads::~BackgroundThreads() {
   std::unique_lock guard(running_->lock);
-  running_->ended.wait_for(guard, kTimeToEnd, [this] { return running_->count == 0; });
+  running_->ended.wait(guard, [this] { return running_->count == 0; });
+}
+
+bool BackgroundThreads::endBy(std::chrono::steady_clock::time_point deadline) {
+  std::unique_lock guard(running_->lock);
+  return running_->ended.wait_until(guard, deadline, [this] { return running_->count == 0; });
 }
 
 void BackgroundThreads::run(const std::function<void()>& work) {

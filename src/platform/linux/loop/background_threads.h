@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <memory>
 
@@ -10,14 +11,16 @@ namespace nimbo {
 class BackgroundThreads {
  public:
   BackgroundThreads();
-  /// Waits a moment for work that runs. What still hangs then, in a file system that does not answer,
-  /// ends with the process.
+  /// Waits for work that runs, since it may use what goes afterwards.
   ~BackgroundThreads();
   BackgroundThreads(const BackgroundThreads&) = delete;
   BackgroundThreads& operator=(const BackgroundThreads&) = delete;
 
   /// Where no thread can be made, the work is done at once.
   void run(const std::function<void()>& work);
+
+  /// Waits for work that runs. False when some of it still does at `deadline`.
+  [[nodiscard]] bool endBy(std::chrono::steady_clock::time_point deadline);
 
  private:
   struct Running;

@@ -20,10 +20,16 @@ ThreadWorkQueue::~ThreadWorkQueue() {
   if (thread_.joinable()) thread_.join();
 }
 
+bool ThreadWorkQueue::endBy(std::chrono::steady_clock::time_point deadline) {
+  std::unique_lock lock(mutex_);
+  stopping_ = true;
+  return idle_.wait_until(lock, deadline, [this] { return !working_; });
+}
+
 void ThreadWorkQueue::async(std::function<void()> job) {
   const std::lock_guard lock(mutex_);
   jobs_.push_back(std::move(job));
-  if (working_) return;
+  if (working_ || stopping_) return;
   if (thread_.joinable()) thread_.join();  // which does not wait, as that one needs the mutex no more
   try {
     thread_ = std::thread([this] { work(); });
@@ -49,6 +55,7 @@ void ThreadWorkQueue::work() {
     lock.lock();
   }
   working_ = false;
+  idle_.notify_all();
 }
 
 }  // namespace nimbo

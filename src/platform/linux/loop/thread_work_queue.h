@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <chrono>
+#include <condition_variable>
 #include <deque>
 #include <mutex>
 #include <string>
@@ -22,6 +24,9 @@ class ThreadWorkQueue final : public WorkQueue {
 
   void async(std::function<void()> job) override;
 
+  /// Begins no further job and waits for the one that runs. False when it still does at `deadline`.
+  [[nodiscard]] bool endBy(std::chrono::steady_clock::time_point deadline);
+
  private:
   void work();
 
@@ -29,6 +34,7 @@ class ThreadWorkQueue final : public WorkQueue {
   std::mutex mutex_;
   std::deque<std::function<void()>> jobs_;  // guarded by mutex_
   bool working_ = false;                    // guarded by mutex_; else the thread takes no more jobs
+  std::condition_variable idle_;            // when working_ has become false
   bool stopping_ = false;                   // guarded by mutex_
   std::thread thread_;                      // guarded by mutex_ until stopping_
 };

@@ -21,6 +21,9 @@ ScrollArea::ScrollArea(int step, QWidget* parent) : QScrollArea(parent), documen
   connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* focused) { reveal(focused); });
 }
 
+// What is scrolled may lose the focus as it goes, when this is no scroll area any more.
+ScrollArea::~ScrollArea() { disconnect(qApp, nullptr, this, nullptr); }
+
 void ScrollArea::place(const Rect& frame, Size document, bool visible) {
   setGeometry(toQRect(frame));
   document_->resize(toQSize(document));

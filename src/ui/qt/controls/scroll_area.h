@@ -14,6 +14,7 @@ class ScrollArea : public QScrollArea {
  public:
   /// `step` is what one press of an arrow key moves.
   ScrollArea(int step, QWidget* parent);
+  ~ScrollArea() override;
 
   /// What is scrolled; widgets in it stay where they are when it is placed anew.
   [[nodiscard]] QWidget* document() const { return document_; }

@@ -12,7 +12,7 @@ namespace nimbo {
 namespace {
 
 constexpr double kSmallestShare = 0.84;
-constexpr int kSmallestSize = 8;
+constexpr int kSmallestSize = 10;
 
 QFont::Weight toolkitWeight(FontWeight weight) {
   switch (weight) {

@@ -22,6 +22,34 @@ constexpr double kCornerRadius = 12;
 constexpr std::chrono::milliseconds kGrabInterval{30};
 constexpr int kGrabAttempts = 100;
 
+// A soft shadow that falls a little downwards.
+constexpr int kShadowReach = 20;
+constexpr int kShadowDrop = 6;
+constexpr QMargins kShadowMargins{kShadowReach, kShadowReach - kShadowDrop, kShadowReach, kShadowReach + kShadowDrop};
+constexpr double kShadowStrength = 0.4;
+
+/// How strong the shadow of an edge is so far outside it, or inside where that is negative: half at the edge itself.
+double shadowAt(int distance) {
+  const double share = (1 - static_cast<double>(distance) / kShadowReach) / 2;
+  return kShadowStrength * share * share * (3 - 2 * share);
+}
+
+/// Ring by ring, each in place of the one before: sums of faint layers would be rounded away.
+void drawShadow(QPainter& painter, const QRect& card) {
+  constexpr int kCovered = static_cast<int>(kCornerRadius);
+  painter.save();
+  painter.setClipRegion(QRegion(card + kShadowMargins) - card.adjusted(kCovered, kCovered, -kCovered, -kCovered),
+                        Qt::IntersectClip);
+  painter.setCompositionMode(QPainter::CompositionMode_Source);
+  const QRect shape = card.translated(0, kShadowDrop);
+  for (int distance = kShadowReach; distance > -kShadowReach; --distance) {
+    const auto shade = QColor::fromRgbF(0, 0, 0, static_cast<float>(shadowAt(distance)));
+    fillRounded(painter, shape + QMargins(distance, distance, distance, distance),
+                std::max(kCornerRadius + distance, 0.0), shade);
+  }
+  painter.restore();
+}
+
 Qt::WindowFlags flagsFor(const WindowSystem& windowSystem) {
   if (windowSystem.popupsHearAllClicks()) return Qt::Popup | Qt::FramelessWindowHint;
   return Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint;
@@ -67,8 +95,15 @@ QtDashboardWindow::QtDashboardWindow(const Theme& theme, WindowSystem& windowSys
 
 QtDashboardWindow::~QtDashboardWindow() { QtDashboardWindow::hide(); }
 
+void QtDashboardWindow::setFrame(const Rect& frame) {
+  card_ = toQRect(frame);
+  setGeometry(card_ + margins_);
+}
+
 void QtDashboardWindow::show() {
+  if (presentAlert(windowSystem_)) return;
   if (!isVisible()) {
+    arrangeMargins();
     // The focus is in the window but on no control: Tab goes to the first one, and nothing is marked
     // until then.
     setAttribute(Qt::WA_KeyboardFocusChange, false);
@@ -81,6 +116,14 @@ void QtDashboardWindow::show() {
   }
   raise();
   activateWindow();
+}
+
+void QtDashboardWindow::arrangeMargins() {
+  compositing_ = windowSystem_.compositing();
+  margins_ = compositing_ && windowSystem_.menusDrawShadows() ? kShadowMargins : QMargins();
+  page_->move(margins_.left(), margins_.top());
+  if (card_.isValid()) setGeometry(card_ + margins_);
+  shapeCorners();
 }
 
 // What was opened from a control would otherwise stay on the screen and keep the pointer to itself.
@@ -102,8 +145,7 @@ QWidget* QtDashboardWindow::innerPopup() const {
 void QtDashboardWindow::showEvent(QShowEvent* event) {
   QWidget::showEvent(event);
   qApp->installEventFilter(this);
-  compositing_ = windowSystem_.compositing();
-  shapeCorners();
+  windowSystem_.announceMargins(*this, margins_);
   if (windowType() != Qt::Popup) return;
   otherActivation_ = windowSystem_.observeOtherActivation([this] { call(events_.otherApplicationActivated); });
 }
@@ -150,7 +192,7 @@ bool QtDashboardWindow::eventFilter(QObject* watched, QEvent* event) {
 }
 
 bool QtDashboardWindow::keyDown(const QKeyEvent& key) {
-  if (key.key() != Qt::Key_Escape) return performKeyEquivalent(key);
+  if (key.key() != Qt::Key_Escape && !key.matches(QKeySequence::Close)) return performKeyEquivalent(key);
   call(events_.escapePressed);
   return true;
 }
@@ -164,7 +206,10 @@ bool QtDashboardWindow::performKeyEquivalent(const QKeyEvent& key) {
 
 // A popup gets the presses on other windows too. The toolkit's own handler would close it.
 void QtDashboardWindow::mousePressEvent(QMouseEvent* event) {
-  if (!rect().contains(event->position().toPoint())) clickedOutside(event->globalPosition());
+  const QPoint place = event->position().toPoint();
+  if (!rect().contains(place)) return clickedOutside(event->globalPosition());
+  // Without its place: an item that is under the margin does not get this click.
+  if (!(rect() - margins_).contains(place)) call(events_.clickedOutside, std::nullopt);
 }
 
 void QtDashboardWindow::clickedOutside(const QPointF& place) {
@@ -198,12 +243,14 @@ void QtDashboardWindow::shapeCorners() {
   update();
 }
 
-void QtDashboardWindow::paintEvent(QPaintEvent* /*event*/) {
+void QtDashboardWindow::paintEvent(QPaintEvent* event) {
   QPainter painter(this);
+  const QRect card = rect() - margins_;
   // Without a compositor the half transparent pixels at the corners would come out black.
   if (!compositing_) painter.fillRect(rect(), theme_.color(ColorRole::background));
   painter.setRenderHint(QPainter::Antialiasing);
-  fillRounded(painter, rect(), kCornerRadius, theme_.color(ColorRole::background), theme_.color(ColorRole::separator),
+  if (!card.contains(event->rect())) drawShadow(painter, card);
+  fillRounded(painter, card, kCornerRadius, theme_.color(ColorRole::background), theme_.color(ColorRole::separator),
               1 / devicePixelRatioF());
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QMargins>
 #include <QTimer>
 #include <QWidget>
 
@@ -12,8 +13,8 @@ namespace nimbo {
 
 class WindowSystem;
 
-/// The dashboard's page in a borderless window with rounded corners that behaves like a menu: it takes
-/// keyboard and pointer while it is open.
+/// The dashboard's page on a card with rounded corners, in a borderless window that behaves like a menu: it takes
+/// keyboard and pointer while it is open. Where menus draw their shadows, the window is that much larger than the card.
 class QtDashboardWindow final : public QWidget, public MenuWindow {
  public:
   QtDashboardWindow(const Theme& theme, WindowSystem& windowSystem);
@@ -22,7 +23,7 @@ class QtDashboardWindow final : public QWidget, public MenuWindow {
   void setListener(ControlListener listener) override { listener_ = std::move(listener); }
   void setEvents(MenuWindowEvents events) override { events_ = std::move(events); }
   void render(const DashboardContent& content) override { page_->render(content); }
-  void setFrame(const Rect& frame) override { setGeometry(toQRect(frame)); }
+  void setFrame(const Rect& frame) override;
   void show() override;
   /// Takes it from the screen, with whatever its controls have opened.
   void hide() override;
@@ -47,6 +48,8 @@ class QtDashboardWindow final : public QWidget, public MenuWindow {
   void checkDeactivation();
   void grabInput();
   void shapeCorners();
+  /// Asks what is to be around the card from now on.
+  void arrangeMargins();
 
   const Theme& theme_;
   WindowSystem& windowSystem_;
@@ -58,6 +61,8 @@ class QtDashboardWindow final : public QWidget, public MenuWindow {
   int grabAttempts_ = 0;
   bool inputGrabbed_ = false;
   bool compositing_ = true;
+  QRect card_;        ///< the frame, without the margins
+  QMargins margins_;  ///< around it, for the shadow
   bool keyIsForInnerPopup_ = false;
   DashboardPage* const page_;  ///< owned by this widget
 };

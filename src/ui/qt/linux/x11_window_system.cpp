@@ -3,6 +3,8 @@
 
 #include <QCoreApplication>
 #include <QWidget>
+#include <array>
+#include <cstdint>
 #include <cstdlib>
 #include <utility>
 
@@ -47,6 +49,14 @@ bool X11WindowSystem::compositing() const {
   const auto request = xcb_get_selection_owner(&connection_, compositorSelection_);
   const auto reply = owned(xcb_get_selection_owner_reply(&connection_, request, nullptr));
   return reply != nullptr && reply->owner != XCB_WINDOW_NONE;
+}
+
+// As windows do that draw their own title bar. In the server's pixels, which the toolkit scales.
+void X11WindowSystem::announceMargins(QWidget& window, const QMargins& margins) {
+  const QMargins pixels = margins * window.devicePixelRatioF();
+  const std::array<std::int32_t, 4> extents{pixels.left(), pixels.right(), pixels.top(), pixels.bottom()};
+  xcb_change_property(&connection_, XCB_PROP_MODE_REPLACE, static_cast<xcb_window_t>(window.winId()),
+                      atom("_GTK_FRAME_EXTENTS"), XCB_ATOM_CARDINAL, 32, extents.size(), extents.data());
 }
 
 // The toolkit believes that it has the pointer whenever the server answers at all, so ask

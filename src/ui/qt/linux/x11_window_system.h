@@ -15,6 +15,8 @@ class X11WindowSystem final : public WindowSystem, private QAbstractNativeEventF
   X11WindowSystem(xcb_connection_t& connection, bool waylandSession);
 
   [[nodiscard]] bool compositing() const override;
+  [[nodiscard]] bool menusDrawShadows() const override { return true; }
+  void announceMargins(QWidget& window, const QMargins& margins) override;
   [[nodiscard]] bool popupsHearAllClicks() const override { return !waylandSession_; }
   [[nodiscard]] bool inputIsFree() override;
   [[nodiscard]] Subscription observeOtherActivation(std::function<void()> activated) override;

@@ -2,11 +2,14 @@
 #include "ui/qt/settings/qt_settings_window.h"
 
 #include <QEvent>
+#include <QScrollBar>
 #include <QShortcut>
 #include <QWindow>
+#include <algorithm>
 #include <utility>
 
 #include "ui/qt/controls/page_controls.h"
+#include "ui/qt/controls/scroll_area.h"
 #include "ui/qt/controls/segmented_tabs.h"
 #include "ui/qt/settings/settings_page.h"
 #include "ui/qt/windows/window_system.h"
@@ -16,6 +19,15 @@ namespace {
 
 constexpr Qt::WindowFlags kFlags = Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
                                    Qt::WindowSystemMenuHint | Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint;
+constexpr int kScrollStep = 30;  // about a row
+
+double endOf(const SettingsPageContent& page) {
+  double end = 0;
+  for (const auto& control : page.controls) {
+    end = std::max(end, std::visit([](const auto& each) { return each.frame.maxY(); }, control));
+  }
+  return end;
+}
 
 }  // namespace
 
@@ -24,9 +36,12 @@ QtSettingsWindow::QtSettingsWindow(const Theme& theme, WindowSystem& windowSyste
       theme_(theme),
       windowSystem_(windowSystem),
       listener_([this](const ControlEvent& event) { call(events_.acted, event); }),
-      tabs_(new SegmentedTabs(theme, listener_, this)) {
+      tabs_(new SegmentedTabs(theme, listener_, this)),
+      scroll_(new ScrollArea(kScrollStep, this)) {
   setObjectName("settingsWindow");
   setProgramIcon(*this);
+  // Its controls have the focus; what keys they leave alone, such as those for a page, come to it.
+  scroll_->setFocusPolicy(Qt::NoFocus);
   for (const auto& [key, places] : {std::pair{Qt::Key_PageDown, 1}, std::pair{Qt::Key_PageUp, -1}}) {
     auto* const shortcut = new QShortcut(QKeyCombination(Qt::ControlModifier, key), this);
     connect(shortcut, &QShortcut::activated, tabs_, [this, step = places] { moveTab(step); });
@@ -35,20 +50,40 @@ QtSettingsWindow::QtSettingsWindow(const Theme& theme, WindowSystem& windowSyste
 
 void QtSettingsWindow::render(const SettingsWindowContent& content) {
   setWindowTitle(QString::fromStdString(content.title));
-  if (const QSize size = toQSize(content.size); minimumSize() != size) setFixedSize(size);
   tabs_->setContent(content.tabs);
   renderPages(content.pages);
+  size_ = content.size;
+  fit();
 }
 
 void QtSettingsWindow::renderPages(const std::vector<SettingsPageContent>& contents) {
-  while (pages_.size() < contents.size()) pages_.push_back(new SettingsPage(theme_, listener_, this));
+  while (pages_.size() < contents.size()) pages_.push_back(new SettingsPage(theme_, listener_, scroll_->document()));
   for (; pages_.size() > contents.size(); pages_.pop_back()) pages_.back()->deleteLater();
   for (std::size_t index = 0; index < pages_.size(); ++index) {
     SettingsPage& page = *pages_[index];
+    const auto& content = contents[index];
+    if (content.visible) {
+      pagesFrame_ = content.frame;
+      pageEnd_ = endOf(content);
+      if (!page.isVisibleTo(scroll_)) scroll_->verticalScrollBar()->setValue(0);
+    }
     // The toolkit would move the focus to some control of the page that appears.
-    if (!contents[index].visible && page.isAncestorOf(focusWidget())) tabs_->setFocus(Qt::OtherFocusReason);
-    page.render(contents[index]);
+    if (!content.visible && page.isAncestorOf(focusWidget())) tabs_->setFocus(Qt::OtherFocusReason);
+    page.render(content);
   }
+}
+
+// Where all has its place nothing scrolls. Otherwise the pages go down to the window's edge, which cuts them visibly.
+void QtSettingsWindow::fit() {
+  const QSize wanted = toQSize(size_);
+  const QSize size(wanted.width(), std::min(wanted.height(), heightForContent(*this)));
+  if (minimumSize() != size || maximumSize() != size) setFixedSize(size);
+  const double left = pagesFrame_.x - SettingsPage::kRingRoom;
+  const bool cut = size != wanted;
+  const double height = cut ? size.height() - pagesFrame_.y : pagesFrame_.height;
+  const double document = cut ? pageEnd_ + size_.height - pagesFrame_.maxY() : height;
+  scroll_->place({left, pagesFrame_.y, size_.width - left, height},
+                 {pagesFrame_.width + 2.0 * SettingsPage::kRingRoom, document}, true);
 }
 
 void QtSettingsWindow::moveTab(int places) {
@@ -57,7 +92,9 @@ void QtSettingsWindow::moveTab(int places) {
 }
 
 void QtSettingsWindow::show(const WindowPlace& /*place*/) {
+  if (presentAlert(windowSystem_)) return;
   if (!isVisible()) {
+    fit();
     if (!std::exchange(placed_, true)) placeInMiddle(*this);
     // The focus is in the window but on no control: Tab goes to the first one, and nothing is marked
     // until then.

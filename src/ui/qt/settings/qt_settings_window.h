@@ -4,16 +4,19 @@
 #include <QWidget>
 #include <vector>
 
+#include "base/geometry.h"
 #include "ui/settings/settings_window.h"
 
 namespace nimbo {
 
+class ScrollArea;
 class SegmentedTabs;
 class SettingsPage;
 class Theme;
 class WindowSystem;
 
-/// The tabs and pages of the settings in an ordinary window.
+/// The tabs and pages of the settings in an ordinary window. On a screen that is not high enough the pages scroll
+/// under the tabs.
 class QtSettingsWindow final : public QWidget, public SettingsWindow {
  public:
   QtSettingsWindow(const Theme& theme, WindowSystem& windowSystem);
@@ -30,6 +33,8 @@ class QtSettingsWindow final : public QWidget, public SettingsWindow {
 
  private:
   void renderPages(const std::vector<SettingsPageContent>& contents);
+  /// Gives the window the height that its content wants, or else the screen has.
+  void fit();
   /// Selects the tab that many places further on, around the ends.
   void moveTab(int places);
 
@@ -38,9 +43,13 @@ class QtSettingsWindow final : public QWidget, public SettingsWindow {
   WindowEvents events_;
   const ControlListener listener_;  ///< calls the one that is set then
   bool placed_ = false;
+  Size size_;           ///< that the content wants
+  Rect pagesFrame_;     ///< in a window of that size
+  double pageEnd_ = 0;  ///< the bottom of the last control of the page in front
 
   // Owned by this widget, as is the toolkit's way.
   SegmentedTabs* const tabs_;
+  ScrollArea* const scroll_;
   std::vector<SettingsPage*> pages_;
 };
 

@@ -12,9 +12,6 @@
 namespace nimbo {
 namespace {
 
-/// On either side of the page's frame, for the focus rings of controls at its edges.
-constexpr int kRingRoom = 4;
-
 QString identifierOf(const SettingsControl& content) {
   return std::visit(
       [](const auto& each) {
@@ -40,7 +37,7 @@ template <class Control>
 void setContent(const Control& control, const SettingsControl& content) {
   std::visit(
       [](auto* widget, auto shown) {
-        shown.frame.x += kRingRoom;
+        shown.frame.x += SettingsPage::kRingRoom;
         if constexpr (requires { widget->setContent(shown); }) widget->setContent(shown);
       },
       control, content);
@@ -75,7 +72,7 @@ SettingsPage::Control SettingsPage::take(std::vector<Control>& candidates, const
 
 void SettingsPage::render(const SettingsPageContent& content) {
   setSpokenName(*this, content.accessibleName);
-  setGeometry(toQRect(content.frame).adjusted(-kRingRoom, 0, kRingRoom, 0));
+  resize(toQSize({content.frame.width, content.frame.height}) + QSize(2 * kRingRoom, 0));
   const auto before = controls_;
   auto rest = std::exchange(controls_, {});
   for (const auto& each : content.controls) {

@@ -19,8 +19,12 @@ class Theme;
 /// order in which Tab visits them.
 class SettingsPage final : public QWidget {
  public:
+  /// Wider than its content's frame by that much on either side, for the focus rings of controls at its edges.
+  static constexpr int kRingRoom = 4;
+
   SettingsPage(const Theme& theme, ControlListener listener, QWidget* parent);
 
+  /// At the top left corner of its parent.
   void render(const SettingsPageContent& content);
 
  private:

@@ -57,6 +57,7 @@ double buttonWidth(const std::string& title) {
 QtAlert::QtAlert(const Theme& theme, WindowSystem& windowSystem, const AlertContent& content, AlertAnswer answered)
     : QDialog(nullptr, flags()), windowSystem_(windowSystem), cancel_(content.cancel), answered_(std::move(answered)) {
   setObjectName("alert");
+  setWindowModality(Qt::ApplicationModal);
   setProgramIcon(*this);
   setWindowTitle("Nimbo");
   setAccessibleName(QString::fromStdString(content.title));

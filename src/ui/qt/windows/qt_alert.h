@@ -18,8 +18,8 @@ class FittedLabel;
 class Theme;
 class WindowSystem;
 
-/// An alert in a dialog window of its own, above all other windows. It never waits: the answer comes
-/// from the event loop, after the window is gone from the screen.
+/// An alert in a dialog window of its own, above all other windows, which do nothing until it is answered. It never
+/// waits: the answer comes from the event loop, after the window is gone from the screen.
 class QtAlert final : public QDialog, public Alert {
  public:
   QtAlert(const Theme& theme, WindowSystem& windowSystem, const AlertContent& content, AlertAnswer answered);

@@ -1,14 +1,25 @@
 // SPDX-License-Identifier: MIT
 #include "ui/qt/windows/window_system.h"
 
+#include <QApplication>
 #include <QCursor>
-#include <QGuiApplication>
 #include <QIcon>
 #include <QScreen>
 #include <QWidget>
 #include <algorithm>
 
 namespace nimbo {
+namespace {
+
+// What window managers draw around windows is not known before they have done it, and is seldom more.
+constexpr int kTitleBar = 40;
+
+const QScreen& screenInUse() {
+  const QScreen* const screen = QGuiApplication::screenAt(QCursor::pos());
+  return screen != nullptr ? *screen : *QGuiApplication::primaryScreen();
+}
+
+}  // namespace
 
 void setProgramIcon(QWidget& window) {
   const QIcon icon = QIcon::fromTheme(QGuiApplication::desktopFileName());
@@ -16,13 +27,17 @@ void setProgramIcon(QWidget& window) {
 }
 
 void placeInMiddle(QWidget& window) {
-  const QScreen* screen = QGuiApplication::screenAt(QCursor::pos());
-  if (screen == nullptr) screen = QGuiApplication::primaryScreen();
-  const QRect free = screen->availableGeometry();
+  const QRect free = screenInUse().availableGeometry();
+  const QSize room = free.size() - window.size();
   // On a screen that is too small the title bar and what stands first stay within reach.
-  const auto inset = [](int room) { return std::max(room, 0); };
-  window.move(free.x() + inset(free.width() - window.width()) / 2,
-              free.y() + inset(free.height() - window.height()) * 2 / 5);
+  window.move(free.x() + std::max(room.width() / 2, 0),
+              free.y() + std::max(std::min(room.height() * 2 / 5, room.height() - kTitleBar), 0));
+}
+
+int heightForContent(const QWidget& window) {
+  const QScreen& screen = window.isVisible() ? *window.screen() : screenInUse();
+  const int around = window.frameGeometry().height() - window.height();
+  return screen.availableGeometry().height() - std::max(around, kTitleBar);
 }
 
 void bringToFront(QWidget& window, WindowSystem& windowSystem) {
@@ -30,6 +45,12 @@ void bringToFront(QWidget& window, WindowSystem& windowSystem) {
   window.show();
   window.raise();
   windowSystem.activate(window);
+}
+
+bool presentAlert(WindowSystem& windowSystem) {
+  QWidget* const alert = QApplication::activeModalWidget();
+  if (alert != nullptr) bringToFront(*alert, windowSystem);
+  return alert != nullptr;
 }
 
 }  // namespace nimbo

@@ -8,6 +8,7 @@
 
 #include "base/subscription.h"
 
+class QMargins;
 class QWidget;
 
 namespace nimbo {
@@ -20,6 +21,13 @@ class WindowSystem {
 
   /// Whether windows may have translucent corners now.
   [[nodiscard]] virtual bool compositing() const = 0;
+
+  /// Whether a menu window has a shadow only if it draws one itself, in a margin that compositing makes translucent.
+  [[nodiscard]] virtual bool menusDrawShadows() const { return false; }
+
+  /// Tells whoever manages and composes windows that so much at the edges of `window` is no part of it: it is neither
+  /// counted nor given a shadow.
+  virtual void announceMargins(QWidget& /*window*/, const QMargins& /*margins*/) {}
 
   /// Whether a popup hears of clicks on every other window. If not, menu windows are ordinary ones
   /// and close when they lose the keyboard focus.
@@ -52,7 +60,14 @@ void setProgramIcon(QWidget& window);
 /// that is not on the screen yet.
 void placeInMiddle(QWidget& window);
 
+/// The height in points that the panels of the screen leave to a window's content. The window is on that screen, or
+/// not on any yet: then it is the one that the user works on.
+[[nodiscard]] int heightForContent(const QWidget& window);
+
 /// Shows the window in front of all others, with the keyboard focus.
 void bringToFront(QWidget& window, WindowSystem& windowSystem);
+
+/// Brings the alert to the front that is to be answered before anything else. False when there is none.
+[[nodiscard]] bool presentAlert(WindowSystem& windowSystem);
 
 }  // namespace nimbo

@@ -49,9 +49,10 @@ TEST_F(TextFitting, MuchTooNarrowFrameEndsInEllipsisAndStillFits) {
   EXPECT_LE(textWidth(fitted.text, fitted.font, false), 80);
 }
 
-TEST_F(TextFitting, SmallTextNeverShrinksBelowEightPoints) {
-  EXPECT_EQ(fitText("RECENT USAGE", font(9), false, 10).font.pixelSize(), 8);
-  EXPECT_EQ(fitText("RECENT USAGE", font(7), false, 10).font.pixelSize(), 7);
+TEST_F(TextFitting, TextNeverShrinksBelowTenPoints) {
+  EXPECT_EQ(fitText("RECENT USAGE", font(11), false, 10).font.pixelSize(), 10);
+  EXPECT_EQ(fitText("RECENT USAGE", font(9), false, 10).font.pixelSize(), 9);
+  EXPECT_EQ(wrapText(QString(200, 'm'), font(10), 100, 2)[0].font.pixelSize(), 10);
 }
 
 TEST_F(TextFitting, NoRoomAtAllIsHarmless) {

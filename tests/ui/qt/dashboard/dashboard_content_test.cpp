@@ -163,7 +163,7 @@ TEST_F(DashboardContentOnScreen, ChartsAreDrawnWhereTheyBelong) {
   EXPECT_EQ(pixel({20 + 297, 146 + 50}), rgb(color(ColorRole::teal, Appearance::light))) << "newest sample";
   EXPECT_EQ(pixel({20 + 10, 247}), rgb(color(ColorRole::teal, Appearance::light)));
   EXPECT_EQ(pixel({20 + 160, 247}), rgb(color(ColorRole::indigo, Appearance::light)));
-  EXPECT_EQ(pixel({20 + 200, 247}), rgb(color(ColorRole::orange, Appearance::light)));
+  EXPECT_EQ(pixel({20 + 200, 247}), rgb(color(ColorRole::orangeFill, Appearance::light)));
 }
 
 TEST_F(DashboardContentOnScreen, AppearanceChangesEveryColour) {

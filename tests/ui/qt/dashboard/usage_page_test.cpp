@@ -160,7 +160,7 @@ TEST_F(UsagePageOnScreen, BarIsFilledFromTheLeftByWhatIsLeft) {
   EXPECT_EQ(barPixel(used38, 100), rgb(color(ColorRole::teal, Appearance::light)));
   EXPECT_EQ(barPixel(used38, 170), rgb(color(ColorRole::teal, Appearance::light)));
   EXPECT_NE(barPixel(used38, 172), rgb(color(ColorRole::teal, Appearance::light)));
-  EXPECT_EQ(barPixel(bar(kClaude, 0), 20), rgb(color(ColorRole::orange, Appearance::light)));
+  EXPECT_EQ(barPixel(bar(kClaude, 0), 20), rgb(color(ColorRole::orangeFill, Appearance::light)));
 }
 
 TEST_F(UsagePageOnScreen, EmptyBarIsATrackThatCanBeSeen) {

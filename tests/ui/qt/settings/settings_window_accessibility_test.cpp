@@ -23,11 +23,13 @@ class SettingsWindowAccessibility : public SettingsWindowTest {
     for (int index = 0; index < program.childCount(); ++index) found += program.child(index)->object() == &widget();
     return found;
   }
-  static std::vector<QAccessibleInterface*> pages() {
+  /// Below `from`, whatever scrolls them.
+  static std::vector<QAccessibleInterface*> pages(QAccessibleInterface& from = accessible(widget())) {
     std::vector<QAccessibleInterface*> result;
-    auto& window = accessible(widget());
-    for (int index = 0; index < window.childCount(); ++index) {
-      if (window.child(index)->role() == QAccessible::Grouping) result.push_back(window.child(index));
+    for (int index = 0; index < from.childCount(); ++index) {
+      auto& child = *from.child(index);
+      const auto found = child.role() == QAccessible::Grouping ? std::vector{&child} : pages(child);
+      result.insert(result.end(), found.begin(), found.end());
     }
     return result;
   }

@@ -134,14 +134,28 @@ TEST_F(X11SettingsWindow, OpensBesideTheDashboardOnceThatIsHidden) {
   EXPECT_EQ(log_, std::vector<std::string>{}) << "the key went to the dashboard";
 }
 
-TEST_F(X11SettingsWindow, OnAScreenThatIsTooSmallTheTopIsWithinReach) {
+TEST_F(X11SettingsWindow, OnAScreenThatIsTooSmallThePagesScrollUnderTheTabs) {
   qputenv("QT_SCALE_FACTOR", "2");
   open();
-  EXPECT_EQ(widget().geometry(), QRect(40, 0, 560, 680));
+  EXPECT_EQ(widget().geometry(), QRect(40, 0, 560, 360)) << "a title bar finds its place above";
   EXPECT_EQ(widget().devicePixelRatioF(), 2);
   clickAt(QPoint(40 + 28 + 16, 68 + 110 + 11) * 2);
   ASSERT_TRUE(eventually([this] { return !log_.empty(); }));
   EXPECT_EQ(log_, std::vector<std::string>{"login on"});
+  auto content = sampleSettings();
+  content.pages[0].controls.emplace_back(CheckBoxContent{"farDown", {0, 560, 300, 22}, "Far down"});
+  window_->render(content);
+  auto& last = *widget().findChild<QWidget*>("farDown");
+  const auto inSight = [&] { return widget().rect().contains(QRect(last.mapTo(&widget(), QPoint()), last.size())); };
+  EXPECT_FALSE(inSight());
+  for (int notch = 0; notch < 6; ++notch) client_.click(640, 400, X11Client::kWheelDown);
+  EXPECT_TRUE(eventually(inSight)) << "over a list, whose choice stays";
+  for (int notch = 0; notch < 6; ++notch) client_.click(640, 400, X11Client::kWheelUp);
+  EXPECT_TRUE(eventually([&] { return !inSight(); }));
+  client_.typeKey(X11Client::kTab);
+  client_.typeKey(X11Client::kTab);
+  EXPECT_TRUE(eventually([&] { return last.hasFocus() && inSight(); })) << "after the button";
+  EXPECT_EQ(log_.size(), 1U);
 }
 
 /// With a real window manager.

@@ -50,14 +50,13 @@ class AlertOnScreen : public QtTest {
   std::vector<std::size_t> answers_;
 };
 
-TEST_F(AlertOnScreen, StandsInTheMiddleAboveOtherWindowsWithoutStoppingThem) {
+TEST_F(AlertOnScreen, StandsInTheMiddleAboveOtherWindows) {
   show();
   const QRect screen = window().screen()->availableGeometry();
   EXPECT_NEAR(window().geometry().center().x(), screen.center().x(), 2);
   EXPECT_LT(window().geometry().center().y(), screen.center().y());
   EXPECT_TRUE(screen.contains(window().geometry()));
   EXPECT_TRUE(window().windowFlags() & Qt::WindowStaysOnTopHint);
-  EXPECT_FALSE(window().isModal());
   EXPECT_TRUE(window().isActiveWindow());
   EXPECT_TRUE(answers_.empty());
 }
@@ -247,22 +246,35 @@ TEST_F(AlertOnScreen, IsFoundAmongTheProgramsWindows) {
   EXPECT_EQ(found, 1);
 }
 
-TEST_F(AlertOnScreen, DashboardOpensAndClosesBesideIt) {
+TEST_F(AlertOnScreen, OtherWindowsDoNothingUntilItIsAnswered) {
+  QPushButton other;
+  other.show();
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(&other));
+  int clicks = 0;
+  QObject::connect(&other, &QPushButton::clicked, [&clicks] { ++clicks; });
+  const auto click = [&other] { QTest::mouseClick(other.windowHandle(), Qt::LeftButton, {}, QPoint(5, 5)); };
   show();
-  const auto dashboard = interface().makeMenuWindow();
-  int escapes = 0;
-  dashboard->setEvents({.escapePressed = [&] { ++escapes; },
-                        .clickedOutside = {},
-                        .otherApplicationActivated = {},
-                        .closeRequested = {}});
-  dashboard->setFrame({0, 0, 340, 400});
-  dashboard->show();
+  click();
+  EXPECT_EQ(clicks, 0);
   press(Qt::Key_Escape);
-  EXPECT_EQ(escapes, 1) << "a popup has the keys";
-  EXPECT_TRUE(window().isVisible());
-  dashboard->hide();
+  ASSERT_TRUE(answered());
+  click();
+  EXPECT_EQ(clicks, 1);
+}
+
+TEST_F(AlertOnScreen, ComesToTheFrontInPlaceOfWindowsThatAreOpened) {
+  show();
+  const auto dashboard = interface().makeDashboardWindow();
+  const auto settings = interface().makeSettingsWindow();
+  dashboard->show({});
+  settings->show({});
+  EXPECT_FALSE(dashboard->visible());
+  EXPECT_FALSE(settings->visible());
+  EXPECT_TRUE(QTest::qWaitForWindowActive(&window()));
   press(Qt::Key_Escape);
-  EXPECT_TRUE(answered());
+  ASSERT_TRUE(answered());
+  dashboard->show({});
+  EXPECT_TRUE(dashboard->visible());
 }
 
 }  // namespace

@@ -100,15 +100,16 @@ TEST_F(MainMenuKeysInWindows, AlertsHaveThemTooAndClosingOneAnswersIt) {
 
 using MainMenuKeysInDashboard = DashboardTest;
 
-TEST_F(MainMenuKeysInDashboard, DashboardKeepsItsOwnKeysAndNoOthers) {
-  interface().setMenuListener([this](MenuRole /*chosen*/) { log_.push_back("menu"); });
+TEST_F(MainMenuKeysInDashboard, SettingsAndQuitWorkAndCloseWindowIsLikeEscape) {
   open();
+  window_->setEvents({.escapePressed = [this] { log_.push_back("close"); },
+                      .clickedOutside = {},
+                      .otherApplicationActivated = {},
+                      .closeRequested = {}});
   press(Qt::Key_Q, Qt::ControlModifier);
   press(Qt::Key_Comma, Qt::ControlModifier);
   press(Qt::Key_W, Qt::ControlModifier);
-  EXPECT_EQ(log_, Log{"quit"});
-  EXPECT_TRUE(window_->visible());
-  interface().setMenuListener({});
+  EXPECT_EQ(log_, (Log{"quit", "settings", "close"}));
 }
 
 }  // namespace

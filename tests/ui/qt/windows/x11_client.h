@@ -29,6 +29,8 @@ class X11Client {
   static constexpr std::uint8_t kDown = 116;
   static constexpr std::uint8_t kLeftButton = 1;
   static constexpr std::uint8_t kRightButton = 3;
+  static constexpr std::uint8_t kWheelUp = 4;
+  static constexpr std::uint8_t kWheelDown = 5;
 
   X11Client() : connection_(xcb_connect(nullptr, nullptr)) {
     if (xcb_connection_has_error(connection_) != 0) throw std::runtime_error("no display");
@@ -108,6 +110,11 @@ class X11Client {
     return std::find(states.begin(), states.end(), atom(state)) != states.end();
   }
 
+  /// Left, right, top, bottom.
+  [[nodiscard]] std::vector<std::uint32_t> frameExtents(xcb_window_t window) {
+    return propertyOf(window, "_GTK_FRAME_EXTENTS", XCB_ATOM_CARDINAL);
+  }
+
   /// Hears from now on what windows ask a window manager for, without doing it.
   void listenAsWindowManager() {
     const std::uint32_t mask = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
@@ -128,6 +135,12 @@ class X11Client {
   void becomeCompositor() {
     xcb_set_selection_owner(connection_, makeWindow(), atom("_NET_WM_CM_S0"), XCB_CURRENT_TIME);
     sync();
+  }
+
+  [[nodiscard]] bool hasCompositor() {
+    const auto request = xcb_get_selection_owner(connection_, atom("_NET_WM_CM_S0"));
+    const auto reply = owned(xcb_get_selection_owner_reply(connection_, request, nullptr));
+    return reply != nullptr && reply->owner != XCB_WINDOW_NONE;
   }
 
   /// What the screen shows: 0xRRGGBB.

@@ -37,6 +37,7 @@ class X11WindowTest : public testing::Test {
     ASSERT_TRUE(QTest::qWaitFor([&] { return widget().windowHandle()->isExposed(); }));
   }
   [[nodiscard]] static QWidget& widget() { return topLevel("dashboard"); }
+  [[nodiscard]] static QWidget& page() { return *widget().findChild<QWidget*>("page"); }
   template <class Condition>
   static bool eventually(Condition condition) {
     return QTest::qWaitFor(condition, 5000);

@@ -30,10 +30,50 @@ TEST_F(X11Window, CornersAreCutOutWithoutACompositor) {
   EXPECT_NE(client_.pixel(106, 56), root);
 }
 
-TEST_F(X11Window, CornersAreLeftToACompositorThatRuns) {
+TEST_F(X11Window, CornersAreLeftToACompositorThatRunsAndTheShadowHasAMarginAroundTheCard) {
   client_.becomeCompositor();
   open();
   EXPECT_TRUE(widget().mask().isEmpty());
+  const auto& size = controller_.content().size;
+  const QRect card(100, 50, qRound(size.width), qRound(size.height));
+  EXPECT_EQ(widget().geometry(), card + QMargins(20, 14, 20, 26));
+  EXPECT_EQ(QRect(page().mapToGlobal(QPoint()), page().size()), card);
+  EXPECT_EQ(client_.frameExtents(static_cast<xcb_window_t>(widget().winId())),
+            (std::vector<std::uint32_t>{20, 20, 14, 26}));
+  const QImage picture = widget().grab().toImage();
+  EXPECT_EQ(qAlpha(picture.pixel(0, 0)), 0);
+  const auto beside = [&](int distance) { return qAlpha(picture.pixel(20 - distance, 200)); };
+  EXPECT_GT(beside(2), beside(8));
+  EXPECT_GT(beside(8), beside(16));
+  EXPECT_GT(beside(16), 0);
+}
+
+TEST_F(X11Window, ShadowGoesWithTheCompositor) {
+  {
+    X11Client compositor;
+    compositor.becomeCompositor();
+    open();
+    window_->hide();
+  }
+  ASSERT_TRUE(eventually([this] { return !client_.hasCompositor(); }));
+  window_->show();
+  EXPECT_EQ(widget().geometry().topLeft(), QPoint(100, 50));
+  EXPECT_EQ(page().pos(), QPoint(0, 0));
+  EXPECT_FALSE(widget().mask().isEmpty());
+  EXPECT_EQ(client_.frameExtents(static_cast<xcb_window_t>(widget().winId())),
+            (std::vector<std::uint32_t>{0, 0, 0, 0}));
+}
+
+TEST_F(X11Window, ClickInTheMarginIsOneOutsideWithoutAPlace) {
+  client_.becomeCompositor();
+  open();
+  client_.click(200, 40);
+  ASSERT_TRUE(eventually([this] { return !outside_.empty(); }));
+  EXPECT_EQ(outside_, std::vector<std::optional<Point>>{std::nullopt});
+  client_.click(105, 300);
+  client_.click(600, 300);
+  ASSERT_TRUE(eventually([this] { return outside_.size() >= 2; }));
+  EXPECT_EQ(outside_[1], (Point{600, 300})) << "the card is inside";
 }
 
 TEST_F(X11Window, KeysReachItWithoutAWindowManager) {
