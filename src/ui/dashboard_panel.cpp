@@ -48,10 +48,10 @@ void DashboardPanel::reposition() {
 }
 
 void DashboardPanel::clickedOutside(std::optional<Point> place) {
-  // The item reports this click, too, and its owner then closes or moves the panel; unless the window has
-  // grabbed the pointer, so that the item never gets the click.
-  if (onOwnItem(place) && !window_->grabsPointer()) return;
-  close(ClosedBy::clickElsewhere);
+  // A window that has grabbed the pointer keeps the click from everybody else. Otherwise the item reports it, too, and
+  // its owner then closes or moves the panel.
+  if (window_->grabsPointer()) return close(ClosedBy::other);
+  if (!onOwnItem(place)) close(ClosedBy::clickElsewhere);
 }
 
 void DashboardPanel::close(ClosedBy by) {

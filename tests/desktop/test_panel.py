@@ -3,7 +3,7 @@
 
 import unittest
 
-from nimbo_desktop import turn_for, wait_until
+from nimbo_desktop import turn_for, wait_until, xdotool
 from program import DesktopTest
 from xfce_panel import BOTTOM, TOP, XfcePanel
 
@@ -50,6 +50,16 @@ class PanelTest(DesktopTest):
         self.assertIsNone(self.program.dashboard(), "the click that closed must not open again")
         self.click_at(*self.center())
         self.program.wait_for_dashboard()
+
+    def test_slow_click_on_the_item_closes_for_good(self):
+        self.click_at(*self.center())
+        self.program.wait_for_dashboard()
+        xdotool(self.session, "mousemove", *self.center(), "mousedown", 1)
+        turn_for(0.6)
+        xdotool(self.session, "mouseup", 1)
+        self.program.wait_for_no_dashboard()
+        turn_for(0.6)
+        self.assertIsNone(self.program.dashboard(), "its release must not open it again")
 
     def test_click_on_the_desktop_closes(self):
         self.click_at(*self.center())

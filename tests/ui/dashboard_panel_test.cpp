@@ -105,7 +105,7 @@ TEST_F(DashboardPanelTest, ClickOnAnItemThatTheWindowKeepsFromItCloses) {
   show();
   window_.clickOutside(Point{1010, 10});
   EXPECT_FALSE(panel_->visible());
-  EXPECT_EQ(closed_, std::vector{ClosedBy::clickElsewhere});
+  EXPECT_EQ(closed_, std::vector{ClosedBy::other});
 }
 
 TEST_F(DashboardPanelTest, OtherApplicationInFrontCloses) {

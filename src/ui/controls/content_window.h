@@ -18,8 +18,9 @@ struct WindowPlace {
 };
 
 enum class ClosedBy {
-  other,          ///< a key, a button, the window system, the program itself; or it could not be shown at all
-  clickElsewhere  ///< also another application that came to the front
+  other,  ///< a key, a button, the window system, the program itself, a click that nobody else gets; or it could not be
+          ///< shown at all
+  clickElsewhere  ///< which others get, too; also another application that came to the front
 };
 
 struct WindowEvents {

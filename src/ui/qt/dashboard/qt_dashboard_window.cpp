@@ -154,6 +154,7 @@ void QtDashboardWindow::hideEvent(QHideEvent* event) {
   QWidget::hideEvent(event);
   qApp->removeEventFilter(this);
   keyIsForInnerPopup_ = false;
+  pressedOutside_.reset();
   otherActivation_.reset();
   grabTimer_.stop();
   inputGrabbed_ = false;
@@ -206,10 +207,17 @@ bool QtDashboardWindow::performKeyEquivalent(const QKeyEvent& key) {
 
 // A popup gets the presses on other windows too. The toolkit's own handler would close it.
 void QtDashboardWindow::mousePressEvent(QMouseEvent* event) {
-  const QPoint place = event->position().toPoint();
-  if (!rect().contains(place)) return clickedOutside(event->globalPosition());
+  pressedOutside_.reset();
+  if (!(rect() - margins_).contains(event->position().toPoint())) pressedOutside_ = event->globalPosition();
+}
+
+// Only now: closed at the press, it would leave the release to the window below, and some panels take that for a click.
+void QtDashboardWindow::mouseReleaseEvent(QMouseEvent* /*event*/) {
+  const auto place = std::exchange(pressedOutside_, std::nullopt);
+  if (!place) return;
+  if (!rect().contains(mapFromGlobal(*place).toPoint())) return clickedOutside(*place);
   // Without its place: an item that is under the margin does not get this click.
-  if (!(rect() - margins_).contains(place)) call(events_.clickedOutside, std::nullopt);
+  call(events_.clickedOutside, std::nullopt);
 }
 
 void QtDashboardWindow::clickedOutside(const QPointF& place) {

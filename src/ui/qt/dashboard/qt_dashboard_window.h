@@ -2,8 +2,10 @@
 #pragma once
 
 #include <QMargins>
+#include <QPointF>
 #include <QTimer>
 #include <QWidget>
+#include <optional>
 
 #include "base/subscription.h"
 #include "ui/dashboard/menu_window.h"
@@ -36,6 +38,7 @@ class QtDashboardWindow final : public QWidget, public MenuWindow {
   void hideEvent(QHideEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
 
@@ -60,6 +63,7 @@ class QtDashboardWindow final : public QWidget, public MenuWindow {
   QTimer grabTimer_;
   int grabAttempts_ = 0;
   bool inputGrabbed_ = false;
+  std::optional<QPointF> pressedOutside_;  ///< by the button that is down
   bool compositing_ = true;
   QRect card_;        ///< the frame, without the margins
   QMargins margins_;  ///< around it, for the shadow
