@@ -116,7 +116,9 @@ bool X11WindowSystem::nativeEventFilter(const QByteArray& eventType, void* messa
 
 void X11WindowSystem::activeWindowChanged() {
   const xcb_window_t active = property(root_, activeWindowAtom_, XCB_ATOM_WINDOW);
-  if (std::exchange(activeWindow_, active) == active || active == XCB_WINDOW_NONE) return;
+  if (active == activeWindow_ || active == XCB_WINDOW_NONE) return;
+  // GNOME's shell leaves no window active while its menus are open, and then gives the focus back.
+  if (std::exchange(activeWindow_, active) == XCB_WINDOW_NONE) return;
   // A panel may take the focus because of the very click that opened the menu.
   if (QWidget::find(active) != nullptr || isPartOfDesktop(active)) return;
   if (const auto activated = otherActivated_) activated();

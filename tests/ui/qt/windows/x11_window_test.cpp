@@ -182,6 +182,19 @@ TEST_F(X11Window, PanelsAndLostFocusAreNoActivation) {
   EXPECT_EQ(activations_, 1);
 }
 
+TEST_F(X11Window, FocusThatAMenuGivesBackIsNoActivation) {
+  const auto before = client_.makeWindow();
+  client_.announceActiveWindow(before);
+  client_.announceActiveWindow(XCB_WINDOW_NONE);
+  open();
+  client_.announceActiveWindow(before);
+  client_.announceActiveWindow(XCB_WINDOW_NONE);
+  client_.announceActiveWindow(before);
+  client_.announceActiveWindow(client_.makeWindow());
+  ASSERT_TRUE(eventually([this] { return activations_ > 0; }));
+  EXPECT_EQ(activations_, 1);
+}
+
 TEST_F(X11Window, ActivationsAreOfNoInterestWhileHidden) {
   open();
   window_->hide();
