@@ -42,8 +42,15 @@ TEST_F(PanelAppearanceTest, GnomePanelIsAlwaysDark) {
   EXPECT_EQ(changes, 0);
 }
 
+TEST_F(PanelAppearanceTest, PanelOfTheUsersOwnMakingIsNotKnown) {
+  make("sway");
+  workspace.setAppearance(Appearance::dark);
+  EXPECT_EQ(panel->appearance(), std::nullopt);
+  EXPECT_EQ(changes, 0);
+}
+
 TEST_F(PanelAppearanceTest, OtherPanelsFollowTheDesktop) {
-  make("KDE");
+  make("MATE");
   EXPECT_EQ(panel->appearance(), Appearance::light);
   workspace.setAppearance(Appearance::dark);
   EXPECT_EQ(panel->appearance(), Appearance::dark);

@@ -59,7 +59,7 @@ class SniStatusBarTest : public ::testing::Test {
   SdBusConnection session{loop.main().event(), bus.address()};
   FakeWorkspace workspace;
   PlasmaColors plasma{loop.main(), {}};
-  PanelAppearance panel{{nullptr, workspace, plasma}, ""};
+  PanelAppearance panel{{nullptr, workspace, plasma}, "MATE"};
   std::optional<FakeTrayHost> host;
   std::unique_ptr<SniStatusBar> statusBar;
   std::unique_ptr<StatusItem> item;

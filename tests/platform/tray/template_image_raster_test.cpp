@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
 
@@ -14,7 +16,7 @@ constexpr TintColor kTint{10, 20, 30};
 /// A drawn picture, addressed like the page: x from the left, y from the top.
 struct Picture {
   Picture(const std::vector<TemplateShape>& shapes, int sidePixels)
-      : side(sidePixels), bytes(argbPixels(TemplateImage{shapes}, sidePixels, kTint)) {}
+      : side(sidePixels), bytes(argbPixels(TemplateImage{shapes}, sidePixels, {kTint})) {}
 
   [[nodiscard]] int alpha(int x, int y) const { return bytes.at(static_cast<std::size_t>(4 * (y * side + x))); }
 
@@ -44,8 +46,8 @@ TEST(TemplateImageRaster, EmptyPictureIsTransparent) {
 }
 
 TEST(TemplateImageRaster, SizesBelowOnePixelGiveNothing) {
-  EXPECT_TRUE(argbPixels({}, 0, kTint).empty());
-  EXPECT_TRUE(argbPixels({}, -3, kTint).empty());
+  EXPECT_TRUE(argbPixels({}, 0, {kTint}).empty());
+  EXPECT_TRUE(argbPixels({}, -3, {kTint}).empty());
 }
 
 TEST(TemplateImageRaster, PixelsAreAlphaThenTheTintUnmultiplied) {
@@ -201,6 +203,51 @@ TEST(TemplateImageRaster, ShapesBeyondThePictureAreCut) {
   const Picture picture({filled({-100, -100, 300, 300})}, 18);
   EXPECT_DOUBLE_EQ(picture.coverage(), 18 * 18);
   EXPECT_DOUBLE_EQ(Picture({filled({20, 20, 5, 5})}, 18).coverage(), 0);
+}
+
+/// Relative luminance of one pixel, WCAG 2; colours as 0…255.
+double luminance(const std::array<double, 3>& color) {
+  const auto linear = [](double part) {
+    const double share = part / 255;
+    return share <= 0.04045 ? share / 12.92 : std::pow((share + 0.055) / 1.055, 2.4);
+  };
+  return 0.2126 * linear(color[0]) + 0.7152 * linear(color[1]) + 0.0722 * linear(color[2]);
+}
+
+/// How many of the picture's pixels stand out from that ground by at least 3 : 1.
+int pixelsSeenOn(const TintColor& ground, const std::vector<std::uint8_t>& bytes) {
+  const std::array<double, 3> panel{double(ground.red), double(ground.green), double(ground.blue)};
+  int seen = 0;
+  for (std::size_t i = 0; i < bytes.size(); i += 4) {
+    const double alpha = bytes[i] / 255.0;
+    std::array<double, 3> color{};
+    for (std::size_t part = 0; part < 3; ++part) {
+      color[part] = bytes[i + 1 + part] * alpha + panel[part] * (1 - alpha);
+    }
+    const double one = luminance(color);
+    const double other = luminance(panel);
+    if ((std::max(one, other) + 0.05) / (std::min(one, other) + 0.05) >= 3) ++seen;
+  }
+  return seen;
+}
+
+TEST(TemplateImageRaster, HaloMakesInkSeenOnEveryGround) {
+  const Ink ink{{0xf2, 0xf2, 0xf2}, TintColor{0x26, 0x26, 0x26}};
+  const TemplateImage bar{{filled({1, 7, 16, 4}, 2)}};
+  for (const int side : {16, 22, 24, 32, 44}) {
+    const auto bytes = argbPixels(bar, side, ink);
+    for (const TintColor ground :
+         {TintColor{0, 0, 0}, TintColor{255, 255, 255}, TintColor{0x1d, 0x4e, 0xd8}, TintColor{0x80, 0x80, 0x80}}) {
+      // At least a line around the bar.
+      EXPECT_GE(pixelsSeenOn(ground, bytes), side * 20 / 18 * 2) << side << " on " << int(ground.blue);
+    }
+  }
+}
+
+TEST(TemplateImageRaster, HaloStaysWithinThePicture) {
+  const auto bytes = argbPixels({{filled({0, 0, 18, 18})}}, 18, {kTint, TintColor{1, 2, 3}});
+  ASSERT_EQ(bytes.size(), 18U * 18 * 4);
+  for (std::size_t i = 0; i < bytes.size(); i += 4) EXPECT_EQ(bytes[i + 1], kTint.red);
 }
 
 }  // namespace

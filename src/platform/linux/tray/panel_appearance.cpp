@@ -1,34 +1,44 @@
 // SPDX-License-Identifier: MIT
 #include "platform/linux/tray/panel_appearance.h"
 
+#include <algorithm>
+#include <initializer_list>
 #include <utility>
 
 #include "platform/linux/desktop/desktop_programs.h"
 
 namespace nimbo {
 
-PanelAppearance::PanelAppearance(Services services, const std::string& desktop)
-    : workspace_(services.workspace), own_([] { return std::nullopt; }) {
+PanelAppearance::PanelAppearance(Services services, const std::string& desktop) : workspace_(services.workspace) {
+  const auto ofWindows = [this] { return workspace_.appearance(); };
+  const auto isAny = [&](std::initializer_list<const char*> names) {
+    return std::ranges::any_of(names, [&](const char* name) { return desktopIs(desktop, name); });
+  };
   workspaceObserver_ = workspace_.observeAppearance([this](Appearance /*appearance*/) { update(); });
-  if (desktopIs(desktop, "GNOME")) {
-    own_ = [] { return Appearance::dark; };
-  } else if (desktopIs(desktop, "KDE")) {
-    own_ = [&plasma = services.plasma] { return plasma.ofPanels(); };
+  if (isAny({"GNOME"})) {
+    read_ = [] { return Appearance::dark; };
+  } else if (isAny({"KDE"})) {
+    read_ = [&plasma = services.plasma, ofWindows] { return plasma.ofPanels().value_or(ofWindows()); };
     filesObserver_ = services.plasma.observe([this] { update(); });
-  } else if (desktopIs(desktop, "XFCE")) {
+  } else if (isAny({"XFCE"})) {
+    read_ = ofWindows;
     // A panel that is not set to dark follows the theme, which may be dark all the same.
-    xfcePanel_ = followXfconf(services.session, "xfce4-panel", "/panels/dark-mode", [this](sd_bus_message* value) {
+    xfcePanel_ = followXfconf(services.session, "xfce4-panel", "/panels/dark-mode", [=, this](sd_bus_message* value) {
       int dark = 0;
       const bool isDark = value != nullptr && sd_bus_message_read(value, "v", "b", &dark) > 0 && dark != 0;
-      own_ = [isDark] { return isDark ? std::optional(Appearance::dark) : std::nullopt; };
+      read_ = [=] { return isDark ? Appearance::dark : ofWindows(); };
       update();
     });
+  } else if (isAny({"MATE", "LXQt", "X-Cinnamon", "Budgie", "Unity", "Pantheon"})) {
+    read_ = ofWindows;
+  } else {
+    read_ = [] { return std::nullopt; };
   }
   update();
 }
 
 void PanelAppearance::update() {
-  const Appearance now = own_().value_or(workspace_.appearance());
+  const auto now = read_();
   if (std::exchange(appearance_, now) != now) observers_.notify();
 }
 

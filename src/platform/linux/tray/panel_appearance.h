@@ -12,8 +12,8 @@
 
 namespace nimbo {
 
-/// Whether the panel that holds the tray is dark or light, which is not always what the desktop's
-/// windows are; icons are drawn to stand out from it. Main thread only.
+/// Whether the panel that holds the tray is dark or light, which is not always what the desktop's windows are; icons
+/// are drawn to stand out from it. Not known where panels are the user's own choice, such as waybar. Main thread only.
 class PanelAppearance {
  public:
   /// What outlives the panel's appearance.
@@ -28,15 +28,15 @@ class PanelAppearance {
   PanelAppearance(const PanelAppearance&) = delete;
   PanelAppearance& operator=(const PanelAppearance&) = delete;
 
-  [[nodiscard]] Appearance appearance() const { return appearance_; }
+  [[nodiscard]] std::optional<Appearance> appearance() const { return appearance_; }
   [[nodiscard]] Subscription observe(std::function<void()> changed) { return observers_.add(std::move(changed)); }
 
  private:
   void update();
 
   Workspace& workspace_;
-  std::function<std::optional<Appearance>()> own_;  // the panel's, where it is not that of the windows
-  Appearance appearance_ = Appearance::light;
+  std::function<std::optional<Appearance>()> read_;
+  std::optional<Appearance> appearance_;
   ObserverList<> observers_;
   Subscription workspaceObserver_;
   Subscription filesObserver_;

@@ -20,8 +20,13 @@ constexpr const char* kWatcher = "org.kde.StatusNotifierWatcher";
 constexpr int kIconSides[] = {16, 22, 24, 32, 44, 48, 64};
 /// Under the picture of the item that the dashboard hangs from.
 constexpr TemplateShape kGround{{{0, 0, TemplateImage::kSide, TemplateImage::kSide}, 4}, 0.2, {}, {}};
-constexpr TintColor kOnDark{0xf2, 0xf2, 0xf2};
-constexpr TintColor kOnLight{0x26, 0x26, 0x26};
+constexpr TintColor kBright{0xf2, 0xf2, 0xf2};
+constexpr TintColor kDark{0x26, 0x26, 0x26};
+
+Ink inkOn(std::optional<Appearance> panel) {
+  if (!panel) return {kBright, kDark};
+  return {*panel == Appearance::dark ? kBright : kDark};
+}
 
 /// Hosts give a point only: the pointer, or a corner of the icon.
 std::optional<Rect> anchorAt(int x, int y) {
@@ -183,7 +188,7 @@ std::string SniStatusItem::title() const {
 std::string SniStatusItem::label() const { return labelText(content_); }
 
 void SniStatusItem::iconPixmap(BusWriter& reply) const {
-  const TintColor tint = panel_.appearance() == Appearance::dark ? kOnDark : kOnLight;
+  const Ink ink = inkOn(panel_.appearance());
   TemplateImage image = content_.image;
   if (highlighted_) image.shapes.insert(image.shapes.begin(), kGround);
   reply.inside(SD_BUS_TYPE_ARRAY, "(iiay)", [&] {
@@ -191,7 +196,7 @@ void SniStatusItem::iconPixmap(BusWriter& reply) const {
       reply.inside(SD_BUS_TYPE_STRUCT, "iiay", [&] {
         reply.add(side);
         reply.add(side);
-        reply.add(argbPixels(image, side, tint));
+        reply.add(argbPixels(image, side, ink));
       });
     }
   });

@@ -136,23 +136,51 @@ void paint(const PixelShape& shape, int side, std::vector<double>& alphas) {
   }
 }
 
+/// How strong a halo is at each pixel: as the strongest ink within reach, weaker where that is farther.
+std::vector<double> haloOf(const std::vector<double>& alphas, int side) {
+  const double reach = std::max(1.0, 0.7 * side / TemplateImage::kSide);
+  const int steps = static_cast<int>(std::ceil(reach));
+  std::vector<double> halo(alphas.size(), 0.0);
+  const auto index = [side](int x, int y) { return static_cast<std::size_t>(y * side + x); };
+  for (int y = 0; y < side; ++y) {
+    for (int x = 0; x < side; ++x) {
+      double& strongest = halo[index(x, y)];
+      for (int dy = -std::min(steps, y); dy <= std::min(steps, side - 1 - y); ++dy) {
+        for (int dx = -std::min(steps, x); dx <= std::min(steps, side - 1 - x); ++dx) {
+          const double share = std::clamp(reach + 1 - std::hypot(dx, dy), 0.0, 1.0);
+          strongest = std::max(strongest, alphas[index(x + dx, y + dy)] * share);
+        }
+      }
+    }
+  }
+  return halo;
+}
+
+std::uint8_t byteOf(double part) { return static_cast<std::uint8_t>(std::lround(part)); }
+
 }  // namespace
 
-std::vector<std::uint8_t> argbPixels(const TemplateImage& image, int side, TintColor tint) {
+std::vector<std::uint8_t> argbPixels(const TemplateImage& image, int side, const Ink& ink) {
   if (side <= 0) return {};
   const auto count = static_cast<std::size_t>(side) * static_cast<std::size_t>(side);
   std::vector<double> alphas(count, 0.0);
   const Scaler scaler(side);
   for (const TemplateShape& shape : image.shapes) paint(scaled(shape, scaler), side, alphas);
+  const std::vector<double> halo = ink.halo ? haloOf(alphas, side) : std::vector<double>(count, 0.0);
+  const TintColor around = ink.halo.value_or(ink.tint);
 
   std::vector<std::uint8_t> bytes(count * 4, 0);
   for (std::size_t i = 0; i < count; ++i) {
-    const auto alpha = static_cast<std::uint8_t>(std::lround(alphas[i] * 255));
-    if (alpha == 0) continue;
-    bytes[i * 4] = alpha;
-    bytes[i * 4 + 1] = tint.red;
-    bytes[i * 4 + 2] = tint.green;
-    bytes[i * 4 + 3] = tint.blue;
+    const double below = halo[i] * (1 - alphas[i]);
+    const double alpha = alphas[i] + below;
+    if (byteOf(alpha * 255) == 0) continue;
+    const auto mixed = [&](std::uint8_t own, std::uint8_t other) {
+      return byteOf((own * alphas[i] + other * below) / alpha);
+    };
+    bytes[i * 4] = byteOf(alpha * 255);
+    bytes[i * 4 + 1] = mixed(ink.tint.red, around.red);
+    bytes[i * 4 + 2] = mixed(ink.tint.green, around.green);
+    bytes[i * 4 + 3] = mixed(ink.tint.blue, around.blue);
   }
   return bytes;
 }
