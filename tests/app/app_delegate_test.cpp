@@ -77,8 +77,7 @@ TEST_F(AppDelegateTest, ReopeningUsesTheSameWindow) {
 TEST_F(AppDelegateTest, TheClickThatClosedThePanelDoesNotOpenItAgain) {
   launch();
   clickItem("nimbo-memory");
-  window()->pointerGrabbed = true;
-  window()->clickOutside(Point{1010, 10});
+  window()->activateOtherApplication();  // the panel's press has taken the focus
   ASSERT_FALSE(dashboardVisible());
   platform.loop.advance(milliseconds(100));
   clickItem("nimbo-memory");

@@ -238,6 +238,7 @@ TEST_F(X11Popup, EscapeClosesTheContextMenuAlone) {
 }
 
 TEST_F(X11Popup, OtherApplicationsActiveWindowIsReportedWhileAListIsOpen) {
+  client_.announceActiveWindow(client_.makeWindow());
   openAwakePage();
   openList();
   client_.announceActiveWindow(client_.makeWindow());
