@@ -44,7 +44,7 @@ std::string sessionText(const AwakeManager& manager, const Dates& dates) {
   const auto end = manager.endsAt();
   const std::string text = end ? "Until " + dates.shortDateAndTime(*end) + "." : "Until you stop it.";
   if (manager.keepsDisplayOn()) return text + " Display stays on.";
-  return text + (manager.displayCannotSleep() ? " On this desktop the display stays on." : " Display may sleep.");
+  return text + (manager.displayCannotSleep() ? " The display stays on, too." : " Display may sleep.");
 }
 
 }  // namespace

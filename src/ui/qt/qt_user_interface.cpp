@@ -2,6 +2,7 @@
 #include "ui/qt/qt_user_interface.h"
 
 #include <QCursor>
+#include <QIcon>
 #include <QScreen>
 #include <QSessionManager>
 #include <QTimer>
@@ -52,6 +53,8 @@ QtUserInterface::QtUserInterface(const std::string& platform) : arguments_{"nimb
   // The toolkit has taken over the user's locale, decimal comma included, for the whole process.
   std::setlocale(LC_NUMERIC, "C");
 
+  // Beside a program that lies elsewhere than where desktops look for icons.
+  QIcon::setFallbackSearchPaths({QCoreApplication::applicationDirPath() + "/../../share/icons/hicolor/128x128/apps"});
   // The program runs on without a window and without any of the toolkit's own jobs.
   QGuiApplication::setQuitOnLastWindowClosed(false);
   QCoreApplication::setQuitLockEnabled(false);

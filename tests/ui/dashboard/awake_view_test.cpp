@@ -363,7 +363,7 @@ TEST_F(AwakeViewTest, SystemWhoseLocksBindTheirOwnerMayRefuseManualSleep) {
 TEST_F(AwakeViewTest, DisplayThatCannotSleepDuringASessionIsTold) {
   world.assertions.displayStaysOn = true;
   view.handle(pressed("start"));
-  EXPECT_EQ(content().detail.text, "Until you stop it. On this desktop the display stays on.");
+  EXPECT_EQ(content().detail.text, "Until you stop it. The display stays on, too.");
   EXPECT_FALSE(content().display.on);
   view.handle(switched("display", true));
   EXPECT_EQ(content().detail.text, "Until you stop it. Display stays on.");
