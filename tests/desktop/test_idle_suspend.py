@@ -59,7 +59,7 @@ class IdleDaemon:
         self.manager.suspended = 0
         self.input()
         begin = time.monotonic()
-        wait_until(self.suspended, "the machine to be suspended", 30 * SLOW)
+        wait_until(self.suspended, "the machine to be suspended", 45 * SLOW)
         self.took = time.monotonic() - begin
 
     def assert_stays_awake(self):
@@ -137,9 +137,11 @@ class NewSystemdTest(SwayidleTest):
 class PowerManager(IdleDaemon):
     """One of a desktop on X11. It counts in minutes, so the X server's clock runs faster."""
 
+    speed = 60 / PATIENCE
+
     def setUp(self):
         super().setUp()
-        fast = ["faketime", "-m", "-f", f"+0 x{60 / PATIENCE}", "printenv", "LD_PRELOAD", "FAKETIME"]
+        fast = ["faketime", "-m", "-f", f"+0 x{self.speed}", "printenv", "LD_PRELOAD", "FAKETIME"]
         library, clock = subprocess.run(fast, capture_output=True, check=True, text=True).stdout.splitlines()
         display = Display({**self.session.env, "LD_PRELOAD": library, "FAKETIME": clock})
         self.session.stack.callback(display.server.end)
