@@ -141,7 +141,9 @@ std::vector<double> haloOf(const std::vector<double>& alphas, int side) {
   const double reach = std::max(1.0, 0.7 * side / TemplateImage::kSide);
   const int steps = static_cast<int>(std::ceil(reach));
   std::vector<double> halo(alphas.size(), 0.0);
-  const auto index = [side](int x, int y) { return static_cast<std::size_t>(y * side + x); };
+  const auto index = [side](int x, int y) {
+    return static_cast<std::size_t>(y) * static_cast<std::size_t>(side) + static_cast<std::size_t>(x);
+  };
   for (int y = 0; y < side; ++y) {
     for (int x = 0; x < side; ++x) {
       double& strongest = halo[index(x, y)];
