@@ -69,6 +69,7 @@ class ProfileTest(unittest.TestCase):
             seen = []
             lines.append(read_line(process, look))
             cpu.append(cpu_seconds(process.pid))
+            look()
             around.append(seen[-RECENT:])
         self.assertEqual(process.wait(10 * SLOW), 0)
         self.assertEqual(process.stderr.read(), "")
@@ -76,12 +77,14 @@ class ProfileTest(unittest.TestCase):
         for stage in (0, 2, 3):
             printed = [float(value) for value in matches[stage].groups()]
             for figure, name in enumerate(("footprint", "resident")):
-                nearest = min((sample[figure] for sample in around[stage]), key=lambda seen: abs(seen - printed[figure]))
-                self.assertAlmostEqual(printed[figure], nearest, delta=0.2 * SLOW, msg=name)
+                seen = [sample[figure] for sample in around[stage]]
+                # A process that is busy loading may have grown from one look to the next.
+                self.assertGreater(printed[figure], min(seen) - 0.2 * SLOW, name)
+                self.assertLess(printed[figure], max(seen) + 0.2 * SLOW, name)
         percent, span = (float(value) for value in matches[1].groups())
         self.assertAlmostEqual(span, 6.0, delta=0.2 * SLOW)
         used = cpu[1] - cpu[0]
-        self.assertAlmostEqual(percent * span / 100, used, delta=2 / TICK)
+        self.assertAlmostEqual(percent * span / 100, used, delta=4 / TICK)
         self.assertEqual(reasons, {"Nimbo — keep computer awake while work continues"})
 
     def test_works_without_display_and_bus(self):
