@@ -72,7 +72,7 @@ Dashboard::Callbacks AppDelegate::dashboardCallbacks() {
 
 StatusItems::Callbacks AppDelegate::statusItemCallbacks() {
   return {
-      .content = [this](StatusItemTab tab) { return contentFor(tab); },
+      .content = [this](StatusItemTab tab) { return notices_.withLatest(contentFor(tab)); },
       .clicked = [this](StatusItemTab tab, const StatusClick& click) { statusClicked(tab, click); },
       .menu = [this] { return statusMenu(); },
       .menuWillOpen =
@@ -99,18 +99,18 @@ SettingsWindowController::Callbacks AppDelegate::settingsWindowCallbacks(UserInt
 }
 
 StatusItemContent AppDelegate::contentFor(StatusItemTab tab) const {
-  if (!tab) return notices_.withLatest(compactItemContent(awake_.isActive(), platform_.wording()));
+  if (!tab) return compactItemContent(awake_.isActive(), platform_.wording());
   switch (*tab) {
     case DashboardTab::ai: {
       const auto gauges = menuGauges(settings_, usage_.states(), clock_.now(), platform_.dates());
-      return notices_.withLatest(usageItemContent(gauges, settings_.aiMenuRemaining(), clock_.now()));
+      return usageItemContent(gauges, settings_.aiMenuRemaining(), clock_.now());
     }
     case DashboardTab::memory: {
       const auto& readings = sampling_.readings();
-      return notices_.withLatest(memoryItemContent(readings.memory, readings.memoryFailed, memoryPicture()));
+      return memoryItemContent(readings.memory, readings.memoryFailed, memoryPicture());
     }
     case DashboardTab::awake:
-      return notices_.withLatest(awakeItemContent(awake_.isActive()));
+      return awakeItemContent(awake_.isActive());
   }
   return {};
 }

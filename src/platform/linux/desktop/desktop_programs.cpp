@@ -3,6 +3,7 @@
 
 #include <fmt/format.h>
 #include <sys/wait.h>
+#include <algorithm>
 
 #include <array>
 #include <utility>
@@ -45,6 +46,10 @@ bool desktopIs(std::string_view currentDesktop, std::string_view name) {
     if (equalsIgnoringCase(takeUntil(currentDesktop, ':'), name)) return true;
   }
   return false;
+}
+
+bool desktopIsAny(std::string_view currentDesktop, std::initializer_list<std::string_view> names) {
+  return std::ranges::any_of(names, [&](std::string_view name) { return desktopIs(currentDesktop, name); });
 }
 
 std::optional<SystemMonitor> findSystemMonitor(std::string_view currentDesktop, const std::string& searchPath) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <initializer_list>
 #include <list>
 #include <optional>
 #include <string>
@@ -15,6 +16,7 @@ namespace nimbo {
 /// Whether `name` is one of the desktops in `currentDesktop`, the value of XDG_CURRENT_DESKTOP ("ubuntu:GNOME"). Letter
 /// case does not matter.
 [[nodiscard]] bool desktopIs(std::string_view currentDesktop, std::string_view name);
+[[nodiscard]] bool desktopIsAny(std::string_view currentDesktop, std::initializer_list<std::string_view> names);
 
 /// A program that shows all processes.
 struct SystemMonitor {

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "platform/linux/tray/panel_appearance.h"
 
-#include <algorithm>
-#include <initializer_list>
 #include <utility>
 
 #include "platform/linux/desktop/desktop_programs.h"
@@ -11,16 +9,13 @@ namespace nimbo {
 
 PanelAppearance::PanelAppearance(Services services, const std::string& desktop) : workspace_(services.workspace) {
   const auto ofWindows = [this] { return workspace_.appearance(); };
-  const auto isAny = [&](std::initializer_list<const char*> names) {
-    return std::ranges::any_of(names, [&](const char* name) { return desktopIs(desktop, name); });
-  };
   workspaceObserver_ = workspace_.observeAppearance([this](Appearance /*appearance*/) { update(); });
-  if (isAny({"GNOME"})) {
+  if (desktopIs(desktop, "GNOME")) {
     read_ = [] { return Appearance::dark; };
-  } else if (isAny({"KDE"})) {
+  } else if (desktopIs(desktop, "KDE")) {
     read_ = [&plasma = services.plasma, ofWindows] { return plasma.ofPanels().value_or(ofWindows()); };
     filesObserver_ = services.plasma.observe([this] { update(); });
-  } else if (isAny({"XFCE"})) {
+  } else if (desktopIs(desktop, "XFCE")) {
     read_ = ofWindows;
     // A panel that is not set to dark follows the theme, which may be dark all the same.
     xfcePanel_ = followXfconf(services.session, "xfce4-panel", "/panels/dark-mode", [=, this](sd_bus_message* value) {
@@ -29,7 +24,7 @@ PanelAppearance::PanelAppearance(Services services, const std::string& desktop) 
       read_ = [=] { return isDark ? Appearance::dark : ofWindows(); };
       update();
     });
-  } else if (isAny({"MATE", "LXQt", "X-Cinnamon", "Budgie", "Unity", "Pantheon"})) {
+  } else if (desktopIsAny(desktop, {"MATE", "LXQt", "X-Cinnamon", "Budgie", "Unity", "Pantheon"})) {
     read_ = ofWindows;
   } else {
     read_ = [] { return std::nullopt; };

@@ -2,7 +2,6 @@
 #include "platform/linux/tray/tray_host.h"
 
 #include <algorithm>
-#include <initializer_list>
 
 #include "base/text.h"
 #include "platform/linux/desktop/desktop_programs.h"
@@ -12,10 +11,6 @@ namespace {
 
 std::string escaped(std::string_view text) {
   return replacedCharacters(text, {{'&', "&amp;"}, {'<', "&lt;"}, {'>', "&gt;"}});
-}
-
-bool isAny(std::string_view desktop, std::initializer_list<const char*> names) {
-  return std::any_of(names.begin(), names.end(), [&](const char* name) { return desktopIs(desktop, name); });
 }
 
 }  // namespace
@@ -32,22 +27,22 @@ TrayHost trayHostOn(std::string_view desktop) {
   // xfce4-panel shows a title or an accessible description as the second line of a tooltip that has none, and tells
   // screen readers neither. The panels of the last three show a tooltip's title as it is; mate-panel and waybar parse
   // it, and an unknown host is better shown an entity than nothing.
-  const bool plain = isAny(desktop, {"XFCE", "KDE", "LXQt"});
-  return {.clickOpensMenu = isAny(desktop, {"GNOME"}),
-          .readsTitles = !isAny(desktop, {"XFCE"}),
-          .showsLabels = isAny(desktop, {"GNOME", "MATE"}),
-          .putsNewItemsFirst = isAny(desktop, {"GNOME", "XFCE"}),
+  const bool plain = desktopIsAny(desktop, {"XFCE", "KDE", "LXQt"});
+  return {.clickOpensMenu = desktopIsAny(desktop, {"GNOME"}),
+          .readsTitles = !desktopIsAny(desktop, {"XFCE"}),
+          .showsLabels = desktopIsAny(desktop, {"GNOME", "MATE"}),
+          .putsNewItemsFirst = desktopIsAny(desktop, {"GNOME", "XFCE"}),
           .toolTipTitle = plain ? ToolTipTitle::plain : ToolTipTitle::markup};
 }
 
 const char* adviceWithoutTray(std::string_view desktop) {
-  if (isAny(desktop, {"GNOME"})) {
+  if (desktopIsAny(desktop, {"GNOME"})) {
     return "GNOME has a tray with the extension “AppIndicator and KStatusNotifierItem Support”.";
   }
-  if (isAny(desktop, {"XFCE"})) {
+  if (desktopIsAny(desktop, {"XFCE"})) {
     return "Add the “Status Tray Plugin” to your panel.";
   }
-  if (isAny(desktop, {"sway", "Hyprland", "river", "niri", "labwc", "wlroots"})) {
+  if (desktopIsAny(desktop, {"sway", "Hyprland", "river", "niri", "labwc", "wlroots"})) {
     return "Add a tray to your bar, such as waybar’s module “tray”.";
   }
   return "Add a system tray to your panel.";
