@@ -14,9 +14,10 @@ enum class DisplayNeed {
 
 /// Why the process of the windows is gone.
 enum class WindowsEnd {
-  died,       ///< a fault, a signal, or the end of its display
-  noDisplay,  ///< there is none that it can reach
-  cannotRun,  ///< its program or the toolkit is missing, or is another version's
+  died,             ///< a fault, a signal, or the end of its display
+  noDisplay,        ///< there is none that it can reach
+  noWaylandPlugin,  ///< there is only Wayland, and the toolkit's part for it is missing
+  cannotRun,        ///< its program or the toolkit is missing, or is another version's
 };
 
 /// A process that shows the program's windows, at the other end of a channel that keeps records whole and in order.

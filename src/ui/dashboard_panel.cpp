@@ -11,7 +11,8 @@ DashboardPanel::DashboardPanel(std::unique_ptr<MenuWindow> window, Screens& scre
   window_->setEvents({.escapePressed = [this] { close(ClosedBy::other); },
                       .clickedOutside = [this](std::optional<Point> place) { clickedOutside(place); },
                       .otherApplicationActivated = [this] { close(ClosedBy::clickElsewhere); },
-                      .closeRequested = [this] { close(ClosedBy::other); }});
+                      .closeRequested = [this] { close(ClosedBy::other); },
+                      .pointerFound = [this](Point place) { pointerFound(place); }});
 }
 
 DashboardPanel::~DashboardPanel() { window_->setEvents({}); }
@@ -32,6 +33,7 @@ void DashboardPanel::show(const WindowPlace& place) {
   ownItems_ = place.ownItems;
   // Converted now, while the pointer is still where the click was.
   reported_ = place.item ? std::optional(screens_.toPoints(*place.item)) : std::nullopt;
+  source_ = PlaceSource::bar;
   if (!screensChanged_) {
     screensChanged_ = screens_.observeScreens([this] {
       if (visible()) reposition();
@@ -43,8 +45,18 @@ void DashboardPanel::show(const WindowPlace& place) {
 
 void DashboardPanel::reposition() {
   // Without a screen the panel keeps its last place.
-  if (const auto anchor = panelAnchor(screens_.screens(), reported_)) anchor_ = anchor;
-  if (anchor_) window_->setFrame(panelFrame(*anchor_, contentSize_));
+  if (const auto anchor = panelAnchor(screens_.screens(), reported_, source_)) anchor_ = anchor;
+  if (!anchor_) return;
+  window_->hangFrom(*anchor_);
+  window_->setFrame(panelFrame(*anchor_, contentSize_));
+}
+
+void DashboardPanel::pointerFound(Point place) {
+  if (!reported_) return;
+  reported_->x = place.x - reported_->width / 2;
+  reported_->y = place.y - reported_->height / 2;
+  source_ = PlaceSource::pointer;
+  reposition();
 }
 
 void DashboardPanel::clickedOutside(std::optional<Point> place) {

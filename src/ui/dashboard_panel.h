@@ -51,6 +51,7 @@ class DashboardPanel final : public ContentWindow<DashboardContent> {
   /// Puts the window where its anchor and size now demand.
   void reposition();
   void clickedOutside(std::optional<Point> place);
+  void pointerFound(Point place);
   void close(ClosedBy by);
   [[nodiscard]] bool onOwnItem(std::optional<Point> place) const;
 
@@ -59,6 +60,7 @@ class DashboardPanel final : public ContentWindow<DashboardContent> {
   std::function<void(ClosedBy by)> closed_;
 
   std::optional<Rect> reported_;
+  PlaceSource source_ = PlaceSource::bar;  ///< of what is reported
   std::vector<Rect> ownItems_;
   std::optional<PanelAnchor> anchor_;
   Size contentSize_{340, 496};

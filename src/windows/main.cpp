@@ -19,9 +19,9 @@ namespace {
 
 int showWindows(DisplayNeed need) {
   const auto interface = QtUserInterface::make(need);
-  if (!interface) return kNoDisplay;
+  if (!interface) return interface.error() == WindowsEnd::noWaylandPlugin ? kNoWaylandPlugin : kNoDisplay;
   const RecordSocket socket{UniqueFd(STDIN_FILENO)};
-  WindowsHost host(*interface, [&socket](const std::string& record) {
+  WindowsHost host(**interface, [&socket](const std::string& record) {
     if (!socket.send(record)) QCoreApplication::exit(EXIT_FAILURE);
   });
   const auto receive = [&socket, &host] {

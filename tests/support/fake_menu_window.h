@@ -21,6 +21,7 @@ class FakeMenuWindow final : public MenuWindow {
   }
 
   void setFrame(const Rect& frame) override { frames_.push_back(frame); }
+  void hangFrom(const PanelAnchor& anchor) override { anchor_ = anchor; }
 
   void show() override {
     visible_ = canBeShown;
@@ -40,12 +41,17 @@ class FakeMenuWindow final : public MenuWindow {
   void activateOtherApplication() { callWhileVisible(events_.otherApplicationActivated); }
   void requestClose() { callWhileVisible(events_.closeRequested); }
 
+  void findPointer(Point place) {
+    if (visible_ && events_.pointerFound) events_.pointerFound(place);
+  }
+
   void act(const ControlEvent& event) const {
     if (listener_) listener_(event);
   }
   /// Empty once nobody listens any more.
   [[nodiscard]] bool hasListeners() const { return static_cast<bool>(events_.escapePressed); }
   [[nodiscard]] const DashboardContent& content() const { return content_; }
+  [[nodiscard]] const PanelAnchor& anchor() const { return anchor_; }
   [[nodiscard]] Rect frame() const { return frames_.empty() ? Rect{} : frames_.back(); }
   [[nodiscard]] const std::vector<Rect>& frames() const { return frames_; }
   /// Of another content than the one before.
@@ -64,6 +70,7 @@ class FakeMenuWindow final : public MenuWindow {
   MenuWindowEvents events_;
   DashboardContent content_;
   std::vector<Rect> frames_;
+  PanelAnchor anchor_;
   bool visible_ = false;
   int renders_ = 0;
   int shows_ = 0;

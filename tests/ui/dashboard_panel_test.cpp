@@ -60,6 +60,28 @@ TEST_F(DashboardPanelTest, UnbelievableReportOpensAtTheEndOfThePanel) {
   EXPECT_EQ(window_.frame(), (Rect{1100, 28, 340, 496}));
 }
 
+TEST_F(DashboardPanelTest, PlaceInTheItemIsAGuessThatThePointerMakesGood) {
+  interface_.setScreens({{{0, 0, 1440, 900}, {0, 0, 1440, 900}}});
+  show(Rect{-4, -2, 24, 24});
+  EXPECT_EQ(window_.anchor().edge, ScreenEdge::top);
+  EXPECT_TRUE(window_.anchor().guessed);
+  EXPECT_EQ(window_.frame().x, 1100);
+  window_.findPointer({308, 890});
+  EXPECT_EQ(window_.anchor().edge, ScreenEdge::bottom);
+  EXPECT_FALSE(window_.anchor().guessed);
+  EXPECT_EQ(window_.frame().x, 296) << "around the pointer";
+  window_.findPointer({30, 10});
+  EXPECT_EQ(window_.frame().x, 18) << "the corner of the screen is believed";
+}
+
+TEST_F(DashboardPanelTest, OpenedWithoutAClickItDoesNotCareForThePointer) {
+  show(std::nullopt);
+  const Rect frame = window_.frame();
+  EXPECT_FALSE(window_.anchor().guessed);
+  window_.findPointer({308, 10});
+  EXPECT_EQ(window_.frame(), frame);
+}
+
 TEST_F(DashboardPanelTest, EscapeCloses) {
   show();
   window_.pressEscape();

@@ -6,6 +6,7 @@
 
 #include "base/geometry.h"
 #include "ui/dashboard/dashboard_content.h"
+#include "ui/dashboard/panel_placement.h"
 
 namespace nimbo {
 
@@ -19,6 +20,8 @@ struct MenuWindowEvents {
   std::function<void()> otherApplicationActivated;
   /// The window system asks the window to close; it does not close by itself.
   std::function<void()> closeRequested;
+  /// The place of the pointer is known now, and was not when a window was opened that `hangFrom` a guess.
+  std::function<void(Point)> pointerFound = {};
 };
 
 /// A borderless window above all others that holds the dashboard. Frames are global coordinates in
@@ -35,6 +38,9 @@ class MenuWindow {
   virtual void render(const DashboardContent& content) = 0;
 
   virtual void setFrame(const Rect& frame) = 0;
+  /// What the frame that is set next was made for. A window system that alone knows its panels moves the window clear
+  /// of them.
+  virtual void hangFrom(const PanelAnchor& /*anchor*/) {}
   /// Brings it to the front with the keyboard focus.
   virtual void show() = 0;
   virtual void hide() = 0;

@@ -7,7 +7,6 @@
 namespace nimbo {
 namespace {
 
-constexpr double kGapToPanel = 4;
 /// The thickest panel that is looked for where none reserves space.
 constexpr double kPanelReach = 64;
 
@@ -83,13 +82,13 @@ std::optional<PanelAnchor> anchorNearEdge(const Screen& screen, const Rect& repo
   return std::nullopt;
 }
 
-std::optional<PanelAnchor> trustedAnchor(const std::vector<Screen>& screens, const Rect& reported) {
+std::optional<PanelAnchor> trustedAnchor(const std::vector<Screen>& screens, const Rect& reported, PlaceSource source) {
   const Point place = center(reported);
   const Screen* screen = screenAt(screens, place);
   if (screen == nullptr) return std::nullopt;
   const auto anchor = panelEdge(*screen) ? anchorInPanel(*screen, reported) : anchorNearEdge(*screen, reported);
   const bool onlyPanel = panelEdge(*screen) && panelCount(screens) == 1;
-  if (maybeRelative(place) && !onlyPanel) return std::nullopt;
+  if (source == PlaceSource::bar && maybeRelative(place) && !onlyPanel) return std::nullopt;
   return anchor;
 }
 
@@ -115,12 +114,15 @@ double clamped(double value, double low, double high) { return std::max(low, std
 
 }  // namespace
 
-std::optional<PanelAnchor> panelAnchor(const std::vector<Screen>& screens, const std::optional<Rect>& reported) {
+std::optional<PanelAnchor> panelAnchor(const std::vector<Screen>& screens, const std::optional<Rect>& reported,
+                                       PlaceSource source) {
   if (screens.empty()) return std::nullopt;
   if (reported) {
-    if (const auto anchor = trustedAnchor(screens, *reported)) return anchor;
+    if (const auto anchor = trustedAnchor(screens, *reported, source)) return anchor;
   }
-  return cornerAnchor(likelyScreen(screens, reported));
+  auto anchor = cornerAnchor(likelyScreen(screens, reported));
+  anchor.guessed = reported.has_value();
+  return anchor;
 }
 
 Rect panelFrame(const PanelAnchor& anchor, Size contentSize) {

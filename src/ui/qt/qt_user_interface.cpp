@@ -39,10 +39,11 @@ void refuseRestart(QSessionManager& session) { session.setRestartHint(QSessionMa
 
 }  // namespace
 
-std::unique_ptr<QtUserInterface> QtUserInterface::make(DisplayNeed need) {
+Result<std::unique_ptr<QtUserInterface>, WindowsEnd> QtUserInterface::make(DisplayNeed need) {
   auto platform = reachablePlatform();
   if (!platform && need == DisplayNeed::optional) platform = "offscreen";
-  return platform ? std::unique_ptr<QtUserInterface>(new QtUserInterface(*platform)) : nullptr;
+  return platform.map(
+      [](const std::string& name) { return std::unique_ptr<QtUserInterface>(new QtUserInterface(name)); });
 }
 
 QtUserInterface::QtUserInterface(const std::string& platform) : arguments_{"nimbo", "-platform", platform} {
@@ -101,6 +102,8 @@ std::vector<Screen> QtUserInterface::screens() const {
 }
 
 Rect QtUserInterface::toPoints(const Rect& reported) {
+  // On Wayland all speak of points.
+  if (QGuiApplication::platformName().startsWith("wayland")) return reported;
   for (const QScreen* const screen : QGuiApplication::screens()) {
     const QRectF frame = pixelFrame(*screen);
     if (!frame.contains(toQRectF(reported).center())) continue;

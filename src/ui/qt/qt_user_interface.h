@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "base/observer_list.h"
+#include "base/result.h"
 #include "platform/windows_process.h"
 #include "ui/dashboard_panel.h"
 #include "ui/qt/controls/theme.h"
@@ -22,8 +23,9 @@ class WindowSystem;
 /// the connection to the display breaks, the toolkit ends the process with status 1.
 class QtUserInterface final : public UserInterface, public Screens {
  public:
-  /// Null when no display can be reached.
-  [[nodiscard]] static std::unique_ptr<QtUserInterface> make(DisplayNeed need = DisplayNeed::required);
+  /// Never null.
+  [[nodiscard]] static Result<std::unique_ptr<QtUserInterface>, WindowsEnd> make(
+      DisplayNeed need = DisplayNeed::required);
   ~QtUserInterface() override;
 
   [[nodiscard]] std::vector<Screen> screens() const override;

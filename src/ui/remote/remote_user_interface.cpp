@@ -8,6 +8,22 @@
 #include <utility>
 
 namespace nimbo {
+namespace {
+
+/// Why there are no windows, for the terminal and for the user.
+std::pair<const char*, const char*> reasonOf(WindowsEnd end) {
+  switch (end) {
+    case WindowsEnd::noDisplay:
+      return {"no display can be reached", "No display can be reached."};
+    case WindowsEnd::noWaylandPlugin:
+      return {"Qt's plugin for Wayland is missing",
+              "Qt’s plugin for Wayland is missing. Install the package qt6-wayland."};
+    default:
+      return {"the program that shows them cannot run", "A part of it is missing. Install it again."};
+  }
+}
+
+}  // namespace
 
 /// A window as this side knows it, whatever it shows.
 class RemoteUserInterface::Window {
@@ -268,12 +284,9 @@ void RemoteUserInterface::ended(WindowsEnd end) {
 }
 
 void RemoteUserInterface::complain(WindowsEnd end) {
-  const bool noDisplay = end == WindowsEnd::noDisplay;
-  const char* const why = noDisplay ? "no display can be reached" : "the program that shows them cannot run";
+  const auto [why, advice] = reasonOf(end);
   if (!std::exchange(complained_, true)) fmt::print(stderr, "nimbo: no window can be shown: {}\n", why);
-  if (!anyOpen()) return;
-  services_.workspace.notify("Nimbo can’t show its windows",
-                             noDisplay ? "No display can be reached." : "A part of it is missing. Install it again.");
+  if (anyOpen()) services_.workspace.notify("Nimbo can’t show its windows", advice);
 }
 
 void RemoteUserInterface::letGo() {

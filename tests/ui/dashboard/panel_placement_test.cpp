@@ -54,7 +54,7 @@ TEST(PanelAnchor, CornerOfAHorizontalAndAVerticalPanelBelongsToTheHorizontalOne)
 }
 
 TEST(PanelAnchor, PlaceOutsideThePanelIsNotBelieved) {
-  const PanelAnchor corner{{1440, 0, 0, 24}, ScreenEdge::top, kTop.visibleFrame};
+  const PanelAnchor corner{{1440, 0, 0, 24}, ScreenEdge::top, kTop.visibleFrame, true};
   EXPECT_EQ(anchorOf({kTop}, around(700, 450)), corner);
   EXPECT_EQ(anchorOf({kTop}, around(700, 40)), corner);
   EXPECT_EQ(anchorOf({kTop}, around(700, 890)), corner);
@@ -114,7 +114,7 @@ TEST(PanelAnchor, ScreenThatContainsThePlaceIsTaken) {
 TEST(PanelAnchor, UnbelievedPlaceStillChoosesItsScreen) {
   const Screen second{{1440, 0, 1920, 1080}, {1440, 0, 1920, 1080}};
   EXPECT_EQ(anchorOf({kTop, second}, around(2000, 500)),
-            (PanelAnchor{{3360, 0, 0, 0}, ScreenEdge::top, second.visibleFrame}));
+            (PanelAnchor{{3360, 0, 0, 0}, ScreenEdge::top, second.visibleFrame, true}));
 }
 
 TEST(PanelAnchor, WithoutAPlaceTheScreenWithAPanelIsTaken) {

@@ -27,7 +27,7 @@ class QtTest : public testing::Test {
  protected:
   static void SetUpTestSuite() {
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    interface_ = QtUserInterface::make();
+    interface_ = QtUserInterface::make().value();
     ASSERT_NE(interface_, nullptr);
   }
   static void TearDownTestSuite() { interface_.reset(); }

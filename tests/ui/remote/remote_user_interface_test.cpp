@@ -302,6 +302,11 @@ TEST_F(RemoteUserInterfaceTest, WithoutADisplayAQuestionIsUnseenAndWindowsAreClo
   windows.end(WindowsEnd::cannotRun);
   ASSERT_EQ(workspace.notices.size(), 2U);
   EXPECT_EQ(workspace.notices[1].second, "A part of it is missing. Install it again.");
+
+  show();
+  windows.end(WindowsEnd::noWaylandPlugin);
+  ASSERT_EQ(workspace.notices.size(), 3U);
+  EXPECT_EQ(workspace.notices[2].second, "Qt’s plugin for Wayland is missing. Install the package qt6-wayland.");
 }
 
 TEST_F(RemoteUserInterfaceTest, AfterThreeDeathsInAMinuteTheUserIsToldInstead) {

@@ -35,6 +35,7 @@ WindowsEnd reap(const UniqueFd& process) {
   if (::waitid(P_PIDFD, static_cast<id_t>(process.get()), &ended, WEXITED | WNOHANG) != 0) return WindowsEnd::died;
   if (ended.si_code != CLD_EXITED) return WindowsEnd::died;
   if (ended.si_status == kNotLoaded) return WindowsEnd::cannotRun;
+  if (ended.si_status == kNoWaylandPlugin) return WindowsEnd::noWaylandPlugin;
   return ended.si_status == kNoDisplay ? WindowsEnd::noDisplay : WindowsEnd::died;
 }
 

@@ -14,6 +14,8 @@ namespace nimbo {
 
 /// The program's exit status when it can reach no display.
 inline constexpr int kNoDisplay = 3;
+/// When there is only Wayland, and the toolkit's part for it is missing.
+inline constexpr int kNoWaylandPlugin = 4;
 
 /// Starts the program that shows the windows, with its end of the channel as standard input and DisplayNeed's word as
 /// the argument. Main thread only.

@@ -13,7 +13,6 @@
 
 #include "ui/qt/controls/control_painting.h"
 #include "ui/qt/controls/dashboard_button.h"
-#include "ui/qt/windows/window_system.h"
 
 namespace nimbo {
 namespace {
@@ -53,6 +52,20 @@ void drawShadow(QPainter& painter, const QRect& card) {
 Qt::WindowFlags flagsFor(const WindowSystem& windowSystem) {
   if (windowSystem.popupsHearAllClicks()) return Qt::Popup | Qt::FramelessWindowHint;
   return Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint;
+}
+
+Qt::Edge toQtEdge(ScreenEdge edge) {
+  switch (edge) {
+    case ScreenEdge::top:
+      return Qt::TopEdge;
+    case ScreenEdge::bottom:
+      return Qt::BottomEdge;
+    case ScreenEdge::left:
+      return Qt::LeftEdge;
+    case ScreenEdge::right:
+      return Qt::RightEdge;
+  }
+  return Qt::TopEdge;
 }
 
 /// In whole points, row by row: the toolkit flattens small curves too coarsely to polygons.
@@ -98,6 +111,16 @@ QtDashboardWindow::~QtDashboardWindow() { QtDashboardWindow::hide(); }
 void QtDashboardWindow::setFrame(const Rect& frame) {
   card_ = toQRect(frame);
   setGeometry(card_ + margins_);
+  windowSystem_.hang(*this, hanging_);
+}
+
+void QtDashboardWindow::hangFrom(const PanelAnchor& anchor) {
+  hanging_ = {.edge = toQtEdge(anchor.edge),
+              .gap = qRound(kGapToPanel),
+              .unsure = anchor.guessed,
+              .pointerFound = [this](QPointF place) {
+                call(events_.pointerFound, Point{place.x(), place.y()});
+              }};
 }
 
 void QtDashboardWindow::show() {

@@ -10,10 +10,9 @@
 #include "base/subscription.h"
 #include "ui/dashboard/menu_window.h"
 #include "ui/qt/dashboard/dashboard_page.h"
+#include "ui/qt/windows/window_system.h"
 
 namespace nimbo {
-
-class WindowSystem;
 
 /// The dashboard's page on a card with rounded corners, in a borderless window that behaves like a menu: it takes
 /// keyboard and pointer while it is open. Where menus draw their shadows, the window is that much larger than the card.
@@ -26,6 +25,7 @@ class QtDashboardWindow final : public QWidget, public MenuWindow {
   void setEvents(MenuWindowEvents events) override { events_ = std::move(events); }
   void render(const DashboardContent& content) override { page_->render(content); }
   void setFrame(const Rect& frame) override;
+  void hangFrom(const PanelAnchor& anchor) override;
   void show() override;
   /// Takes it from the screen, with whatever its controls have opened.
   void hide() override;
@@ -67,6 +67,7 @@ class QtDashboardWindow final : public QWidget, public MenuWindow {
   bool compositing_ = true;
   QRect card_;        ///< the frame, without the margins
   QMargins margins_;  ///< around it, for the shadow
+  Hanging hanging_;
   bool keyIsForInnerPopup_ = false;
   DashboardPage* const page_;  ///< owned by this widget
 };

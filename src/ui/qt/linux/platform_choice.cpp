@@ -30,12 +30,14 @@ bool socketAnswers(const std::string& path) {
 
 }  // namespace
 
-std::optional<std::string> choosePlatform(const std::string& requested, const std::function<bool()>& x11Usable,
-                                          const std::function<bool()>& waylandUsable) {
-  if (!requested.empty() && !requested.starts_with("xcb") && !requested.starts_with("wayland")) return requested;
-  if (x11Usable()) return "xcb";
-  if (waylandUsable()) return "wayland";
-  return std::nullopt;
+Result<std::string, WindowsEnd> choosePlatform(const std::string& requested, const DisplayQuestions& ask) {
+  const bool x11First = requested.starts_with("xcb");
+  if (!requested.empty() && !x11First && !requested.starts_with("wayland")) return requested;
+  if (!x11First && ask.waylandAnswers() && ask.windowsHangOnWayland() && ask.waylandPluginLoads()) return "wayland";
+  if (ask.x11Usable()) return "xcb";
+  if (!ask.waylandAnswers()) return tl::unexpected(WindowsEnd::noDisplay);
+  if (!ask.waylandPluginLoads()) return tl::unexpected(WindowsEnd::noWaylandPlugin);
+  return "wayland";
 }
 
 bool x11Answers() {

@@ -86,6 +86,15 @@ Subscription X11WindowSystem::observeOtherActivation(std::function<void()> activ
   });
 }
 
+// A menu window is in no list of windows. The window manager forgets that whenever the window goes, and hears of it by
+// the property only before the window comes; the toolkit adds its own states.
+void X11WindowSystem::hang(QWidget& window, const Hanging& /*hanging*/) {
+  if (window.isVisible()) return;
+  const std::array<xcb_atom_t, 2> states{atom("_NET_WM_STATE_SKIP_TASKBAR"), atom("_NET_WM_STATE_SKIP_PAGER")};
+  xcb_change_property(&connection_, XCB_PROP_MODE_REPLACE, static_cast<xcb_window_t>(window.winId()),
+                      atom("_NET_WM_STATE"), XCB_ATOM_ATOM, 32, states.size(), states.data());
+}
+
 // The toolkit's request bears the time of the last input that this program got, while the click that
 // asked for the window went to a panel; window managers that guard the focus refuse one so old. A request
 // like a pager's (Extended Window Manager Hints, "_NET_ACTIVE_WINDOW") counts as the user's own request.

@@ -1,17 +1,27 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QPointF>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 
+#include "base/result.h"
 #include "base/subscription.h"
+#include "platform/windows_process.h"
 
 class QMargins;
 class QWidget;
 
 namespace nimbo {
+
+/// Where a menu window hangs, for window systems that know better than the window how far their panels reach.
+struct Hanging {
+  Qt::Edge edge = Qt::TopEdge;  ///< of the screen
+  int gap = 0;                  ///< between the window and the panel there, in points
+  bool unsure = false;          ///< its place along the edge is a guess; that of the pointer would tell
+  std::function<void(QPointF place)> pointerFound = {};
+};
 
 /// What windows need of the window system and the toolkit does not offer. Made after the
 /// toolkit's application object. Main thread only.
@@ -40,6 +50,9 @@ class WindowSystem {
   /// Tells when a window of another application becomes the active one.
   [[nodiscard]] virtual Subscription observeOtherActivation(std::function<void()> activated) = 0;
 
+  /// Before the window is shown, and whenever its geometry has been set.
+  virtual void hang(QWidget& /*window*/, const Hanging& /*hanging*/) {}
+
   /// Gives the keyboard focus to a window that the user asked for, perhaps in another program such as
   /// the panel.
   virtual void activate(QWidget& window) = 0;
@@ -47,9 +60,9 @@ class WindowSystem {
 
 [[nodiscard]] std::unique_ptr<WindowSystem> makeWindowSystem();
 
-/// The toolkit's name for the window system to use, absent when none can be reached. To be asked
-/// first: the toolkit ends the process when it finds no display.
-[[nodiscard]] std::optional<std::string> reachablePlatform();
+/// The toolkit's name for the window system to use, or why there is none. To be asked first: the toolkit ends the
+/// process when it finds no display.
+[[nodiscard]] Result<std::string, WindowsEnd> reachablePlatform();
 
 // What ordinary windows, those with a title bar, have in common.
 

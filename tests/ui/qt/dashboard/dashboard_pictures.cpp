@@ -327,11 +327,12 @@ bool saveSettings(UserInterface& interface, const SettingsPicture& picture, cons
 
 int savePictures(const QDir& folder, const QString& suffix) {
   QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
-  const auto interface = QtUserInterface::make();
-  if (!interface || !folder.mkpath(".")) {
+  const auto made = QtUserInterface::make();
+  if (!made || !folder.mkpath(".")) {
     std::fputs("No display or no folder.\n", stderr);
     return 1;
   }
+  const auto& interface = *made;
   for (const auto appearance : {Appearance::light, Appearance::dark}) {
     interface->setAppearance(appearance);
     const auto path = [&](const char* name) {

@@ -25,7 +25,7 @@ class SettingsWindowOn : public testing::Test {
   }
 
   void start() {
-    interface_ = QtUserInterface::make();
+    interface_ = QtUserInterface::make().value();
     ASSERT_NE(interface_, nullptr);
     interface_->setMenuListener([this](MenuRole chosen) {
       if (chosen == MenuRole::quit) log_.emplace_back("quit");

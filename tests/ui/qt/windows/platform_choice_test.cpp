@@ -14,26 +14,55 @@
 namespace nimbo {
 namespace {
 
-constexpr auto kUsable = [] { return true; };
-constexpr auto kAbsent = [] { return false; };
+constexpr auto kYes = [] { return true; };
+constexpr auto kNo = [] { return false; };
+bool mustNotAsk() { throw std::logic_error("asked"); }
 
-TEST(PlatformChoice, X11ComesFirstBecauseWindowsCanBePlacedThere) {
-  EXPECT_EQ(choosePlatform("", kUsable, kUsable), "xcb");
-  EXPECT_EQ(choosePlatform("wayland", kUsable, kUsable), "xcb");
-  EXPECT_EQ(choosePlatform("wayland;xcb", kUsable, kUsable), "xcb");
+const DisplayQuestions kLayers{
+    .x11Usable = kYes, .waylandAnswers = kYes, .waylandPluginLoads = kYes, .windowsHangOnWayland = kYes};
+const DisplayQuestions kXwayland{
+    .x11Usable = kYes, .waylandAnswers = kYes, .waylandPluginLoads = mustNotAsk, .windowsHangOnWayland = kNo};
+const DisplayQuestions kPlainWayland{
+    .x11Usable = kNo, .waylandAnswers = kYes, .waylandPluginLoads = kYes, .windowsHangOnWayland = kNo};
+const DisplayQuestions kX11{
+    .x11Usable = kYes, .waylandAnswers = kNo, .waylandPluginLoads = mustNotAsk, .windowsHangOnWayland = mustNotAsk};
+
+TEST(PlatformChoice, WaylandComesFirstWhereTheDashboardCanHangFromItsItem) {
+  EXPECT_EQ(choosePlatform("", kLayers), "wayland");
+  EXPECT_EQ(choosePlatform("wayland;xcb", kLayers), "wayland");
+  EXPECT_EQ(choosePlatform("", kXwayland), "xcb");
+  EXPECT_EQ(choosePlatform("wayland", kXwayland), "xcb");
+}
+
+TEST(PlatformChoice, X11ThatIsAskedForFirstComesFirst) {
+  EXPECT_EQ(choosePlatform("xcb", kLayers), "xcb");
+  EXPECT_EQ(choosePlatform("xcb;wayland", kLayers), "xcb");
+  EXPECT_EQ(choosePlatform("", kX11), "xcb");
 }
 
 TEST(PlatformChoice, WaylandServesWhereThereIsNoX11) {
-  EXPECT_EQ(choosePlatform("", kAbsent, kUsable), "wayland");
-  EXPECT_EQ(choosePlatform("xcb", kAbsent, kUsable), "wayland");
+  EXPECT_EQ(choosePlatform("", kPlainWayland), "wayland");
+  EXPECT_EQ(choosePlatform("xcb", kPlainWayland), "wayland");
 }
 
-TEST(PlatformChoice, NoDisplayGivesNone) { EXPECT_EQ(choosePlatform("", kAbsent, kAbsent), std::nullopt); }
+TEST(PlatformChoice, MissingPluginForWaylandMattersOnlyWithoutX11) {
+  auto ask = kLayers;
+  ask.waylandPluginLoads = kNo;
+  EXPECT_EQ(choosePlatform("", ask), "xcb");
+  ask.x11Usable = kNo;
+  EXPECT_EQ(choosePlatform("", ask), tl::unexpected(WindowsEnd::noWaylandPlugin));
+}
+
+TEST(PlatformChoice, NoDisplayGivesNone) {
+  auto ask = kX11;
+  ask.x11Usable = kNo;
+  EXPECT_EQ(choosePlatform("", ask), tl::unexpected(WindowsEnd::noDisplay));
+}
 
 TEST(PlatformChoice, OtherPlatformsAreUsedWhenAskedFor) {
-  const auto mustNotAsk = []() -> bool { throw std::logic_error("asked"); };
-  EXPECT_EQ(choosePlatform("offscreen", mustNotAsk, mustNotAsk), "offscreen");
-  EXPECT_EQ(choosePlatform("vnc:size=800x600", mustNotAsk, mustNotAsk), "vnc:size=800x600");
+  const DisplayQuestions none{mustNotAsk, mustNotAsk, mustNotAsk, mustNotAsk};
+  EXPECT_EQ(choosePlatform("offscreen", none), "offscreen");
+  EXPECT_EQ(choosePlatform("vnc:size=800x600", none), "vnc:size=800x600");
 }
 
 TEST(PlatformChoice, X11AnswersWhileItsServerRuns) {

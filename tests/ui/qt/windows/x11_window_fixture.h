@@ -19,7 +19,7 @@ class X11WindowTest : public testing::Test {
   }
 
   void start() {
-    interface_ = QtUserInterface::make();
+    interface_ = QtUserInterface::make().value();
     ASSERT_NE(interface_, nullptr);
     window_ = interface_->makeMenuWindow();
     window_->setListener([this](const ControlEvent& event) { quits_ += event == pressed("quit"); });

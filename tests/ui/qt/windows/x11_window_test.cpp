@@ -272,18 +272,34 @@ TEST_F(X11Window, ScaleTwoTakesAPlaceAwayFromThePointerAsTheLastOneWas) {
   EXPECT_EQ(interface_->toPoints(away), (Rect{50, 5, 12, 12}));
 }
 
+TEST_F(X11Window, IsInNoListOfWindowsHoweverOftenItOpens) {
+  qputenv("WAYLAND_DISPLAY", "wayland-0");  // where it is none of the windows that managers leave alone
+  open();
+  const auto listed = [this] {
+    const auto id = static_cast<xcb_window_t>(widget().winId());
+    return !client_.hasState(id, "_NET_WM_STATE_SKIP_TASKBAR") || !client_.hasState(id, "_NET_WM_STATE_SKIP_PAGER");
+  };
+  EXPECT_FALSE(listed());
+  EXPECT_TRUE(client_.hasState(static_cast<xcb_window_t>(widget().winId()), "_NET_WM_STATE_ABOVE"));
+  window_->hide();
+  window_->setFrame({100, 50, 340, 400});
+  window_->show();
+  EXPECT_TRUE(eventually([&] { return widget().windowHandle()->isExposed(); }));
+  EXPECT_FALSE(listed());
+}
+
 TEST_F(X11Window, NoDisplayGivesNoUserInterfaceAndLaterItMay) {
   const std::string name = display_.name();
   qunsetenv("DISPLAY");
-  EXPECT_EQ(QtUserInterface::make(), nullptr);
+  EXPECT_EQ(QtUserInterface::make(), tl::unexpected(WindowsEnd::noDisplay));
   qputenv("DISPLAY", ":98765");
-  EXPECT_EQ(QtUserInterface::make(), nullptr);
+  EXPECT_EQ(QtUserInterface::make(), tl::unexpected(WindowsEnd::noDisplay));
   qputenv("DISPLAY", name.c_str());
-  EXPECT_NE(QtUserInterface::make(), nullptr);
+  EXPECT_TRUE(QtUserInterface::make());
 }
 
 [[noreturn]] void loseServer(PrivateDisplay& display) {
-  const auto interface = QtUserInterface::make();
+  const auto interface = QtUserInterface::make().value();
   const auto window = interface->makeMenuWindow();
   window->show();
   QTimer::singleShot(100, [&] { display.stop(); });
