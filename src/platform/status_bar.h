@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "base/geometry.h"
+#include "base/subscription.h"
 #include "platform/template_image.h"
 
 namespace nimbo {
@@ -69,6 +70,9 @@ class StatusItem {
   virtual void setHighlighted(bool highlighted) = 0;
 };
 
+/// How a bar lines its items up, as the reader goes.
+enum class ItemOrder { oldestFirst, newestFirst };
+
 /// The menu bar or tray. Items may be made before a tray exists; they appear when it does and
 /// again whenever it restarts. Main thread only.
 class StatusBar {
@@ -83,8 +87,10 @@ class StatusBar {
   /// Whether the items' titles are seen; if not, a picture has to say it all.
   [[nodiscard]] virtual bool showsTitles() const = 0;
 
-  /// Whether the bar puts an item before those that are there already, as the reader goes.
-  [[nodiscard]] virtual bool putsNewItemsFirst() const = 0;
+  [[nodiscard]] virtual ItemOrder itemOrder() const = 0;
+
+  /// Tells when it has changed, before a new bar has any item.
+  [[nodiscard]] virtual Subscription observeItemOrder(std::function<void()> changed) = 0;
 
   /// Calls `absent` once if a few seconds from now there is still no bar, with what the user can do about that.
   virtual void onAbsence(std::function<void(const std::string& advice)> absent) = 0;

@@ -30,9 +30,10 @@ gi.require_version("Gtk", "3.0")
 from gi.repository import Gdk, GLib, Gtk
 GLib.set_prgname("other-window")
 style = Gtk.CssProvider()
-style.load_from_data(b"window { background: %s; }")
+style.load_from_data(b"window { background: %s; } decoration { box-shadow: none; }")
 Gtk.StyleContext.add_provider_for_screen(Gdk.Screen.get_default(), style, 800)
-window = Gtk.Window(title="Other window", decorated=False, default_width=560, default_height=420)
+window = Gtk.Window(title="Other window", default_width=560, default_height=420)
+window.set_titlebar(Gtk.Box())  # so that nobody draws one, which would change with the focus
 window.show_all()
 window.present()
 Gtk.main()

@@ -99,6 +99,7 @@ class Waybar(Sway):
 
 
 class Swaybar(Sway):
+    item_gap = 2
     cannot = {
         "tooltip": "swaybar shows none.",
         "menu": "swaybar shows none; a right click opens the dashboard.",

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/observer_list.h"
 #include "platform/status_bar.h"
 
 namespace nimbo {
@@ -39,10 +40,16 @@ class FakeStatusBar final : public StatusBar {
   [[nodiscard]] bool showsTitles() const override { return titlesShown; }
   void onAbsence(std::function<void(const std::string& advice)> told) override { absent = std::move(told); }
 
-  [[nodiscard]] bool putsNewItemsFirst() const override { return newItemsFirst; }
+  [[nodiscard]] ItemOrder itemOrder() const override { return order_; }
+  [[nodiscard]] Subscription observeItemOrder(std::function<void()> changed) override {
+    return orderObservers_.add(std::move(changed));
+  }
+  void setItemOrder(ItemOrder order) {
+    order_ = order;
+    orderObservers_.notify();
+  }
 
   bool titlesShown = true;
-  bool newItemsFirst = false;
   std::function<void(const std::string& advice)> absent;  ///< set once somebody wants to know
 
   /// The living item of that name; null when there is none.
@@ -136,6 +143,8 @@ class FakeStatusBar final : public StatusBar {
   };
 
   std::vector<std::shared_ptr<Item>> all_;
+  ItemOrder order_ = ItemOrder::oldestFirst;
+  ObserverList<> orderObservers_;
 };
 
 }  // namespace nimbo

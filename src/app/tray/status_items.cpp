@@ -29,7 +29,13 @@ std::optional<DashboardTab> nextRotationTab(const Settings& settings, DashboardT
 }
 
 StatusItems::StatusItems(StatusBar& statusBar, MainLoop& mainLoop, const Settings& settings, Callbacks callbacks)
-    : statusBar_(statusBar), mainLoop_(mainLoop), settings_(settings), callbacks_(std::move(callbacks)) {}
+    : statusBar_(statusBar),
+      mainLoop_(mainLoop),
+      settings_(settings),
+      callbacks_(std::move(callbacks)),
+      itemOrder_(statusBar.observeItemOrder([this] {
+        if (!slots_.empty()) updateItems();
+      })) {}
 
 void StatusItems::configure() {
   updateItems();
@@ -56,7 +62,7 @@ void StatusItems::updateItems() {
     return std::ranges::none_of(plan.shown, [&](StatusItemTab tab) { return isFor(slot, tab); });
   });
   // Bars line items up as they come, so an item that is to follow another must be made after it, or before.
-  if (statusBar_.putsNewItemsFirst()) std::ranges::reverse(plan.shown);
+  if (statusBar_.itemOrder() == ItemOrder::newestFirst) std::ranges::reverse(plan.shown);
   const auto [firstToGo, firstToMake] = std::ranges::mismatch(slots_, plan.shown, isFor);
   slots_.erase(firstToGo, slots_.end());
   if (slots_.size() < before) trackingStatusMenu_ = false;  // a menu goes with its item and does not tell

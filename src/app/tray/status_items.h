@@ -91,6 +91,7 @@ class StatusItems {
   std::list<Slot> slots_;  ///< in the order in which they were made
   std::optional<DashboardTab> rotationTab_;
   Subscription rotationTimer_;
+  Subscription itemOrder_;
   bool trackingStatusMenu_ = false;
 };
 

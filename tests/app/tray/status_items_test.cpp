@@ -74,7 +74,8 @@ TEST_F(StatusItemsTest, ItemsThatFollowANewcomerAreMadeAfterIt) {
 }
 
 TEST_F(StatusItemsTest, BarThatPutsNewItemsFirstGetsTheLastOneFirst) {
-  bar.newItemsFirst = true;
+  bar.setItemOrder(ItemOrder::newestFirst);
+  EXPECT_EQ(bar.identifiers(), Names{}) << "before anything was asked for";
   items.configure();
   EXPECT_EQ(bar.identifiers(), (Names{"nimbo-memory", "nimbo-ai"}));
   const auto memory = bar.item("nimbo-memory");
@@ -82,6 +83,12 @@ TEST_F(StatusItemsTest, BarThatPutsNewItemsFirstGetsTheLastOneFirst) {
   items.configure();
   EXPECT_EQ(bar.identifiers(), (Names{"nimbo-awake", "nimbo-memory", "nimbo-ai"}));
   EXPECT_FALSE(memory->alive);
+}
+
+TEST_F(StatusItemsTest, AnotherBarGetsTheItemsInItsOrder) {
+  items.configure();
+  bar.setItemOrder(ItemOrder::newestFirst);
+  EXPECT_EQ(bar.identifiers(), (Names{"nimbo-memory", "nimbo-ai"}));
 }
 
 TEST_F(StatusItemsTest, ItemsAreMadeAnewWhereTheirOrderChanged) {

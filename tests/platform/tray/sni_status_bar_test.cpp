@@ -336,6 +336,25 @@ TEST_F(SniStatusBarTest, HandlerMayDestroyTheItem) {
   EXPECT_EQ(item, nullptr);
 }
 
+TEST_F(SniStatusBarTest, SwaysOwnBarIsToldFromOthersBeforeAnItemIsThere) {
+  host.emplace(loop, bus.address());
+  std::optional<BusPeer> other(std::in_place, loop, bus.address());
+  other->own("org.freedesktop.StatusNotifierWatcher");
+  makeBar("sway");
+  std::vector<ItemOrder> orders;
+  const auto changed = statusBar->observeItemOrder([&] {
+    EXPECT_TRUE(host->registered.empty());
+    orders.push_back(statusBar->itemOrder());
+  });
+  item = statusBar->makeItem("nimbo-awake", content(), {});
+  EXPECT_TRUE(host->waitForItems(1));
+  EXPECT_EQ(orders, std::vector{ItemOrder::newestFirst});
+  host->registered.clear();
+  other.reset();
+  EXPECT_TRUE(loop.runUntil([&] { return orders.size() > 1; }));
+  EXPECT_EQ(orders.back(), ItemOrder::oldestFirst);
+}
+
 TEST_F(SniStatusBarTest, WithoutABusItemsExistAndStaySilent) {
   SniStatusBar silent(loop.main(), {nullptr, "unix:path=/nonexistent/bus"}, "", panel);
   const auto lonely = silent.makeItem("nimbo", content(), {});

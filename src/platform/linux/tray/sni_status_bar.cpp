@@ -3,6 +3,7 @@
 
 #include <utility>
 
+#include "platform/linux/desktop/desktop_programs.h"
 #include "platform/linux/tray/sni_status_item.h"
 
 namespace nimbo {
@@ -14,7 +15,17 @@ SniStatusBar::SniStatusBar(SdEventMainLoop& loop, SessionBus session, const std:
       host_(trayHostOn(desktop)),
       advice_(adviceWithoutTray(desktop)),
       panel_(panel),
+      swaybar_(desktopIs(desktop, "sway") ? followSwaybar(session.connection) : nullptr),
       tray_(session.connection, loop) {}
+
+// Of sway's bars only its own has this name, which it takes before the other one.
+std::unique_ptr<BusNameWatch> SniStatusBar::followSwaybar(sd_bus* session) {
+  return std::make_unique<BusNameWatch>(
+      session, "org.freedesktop.StatusNotifierWatcher", [this](const std::string& owner) {
+        const ItemOrder order = owner.empty() ? ItemOrder::oldestFirst : ItemOrder::newestFirst;
+        if (std::exchange(host_.itemOrder, order) != order) orderObservers_.notify();
+      });
+}
 
 std::unique_ptr<StatusItem> SniStatusBar::makeItem(const std::string& identifier, StatusItemContent content,
                                                    StatusItemHandlers handlers) {

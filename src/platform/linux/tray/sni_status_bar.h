@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <memory>
 #include <string>
+#include <utility>
 
+#include "base/observer_list.h"
+#include "platform/linux/bus/bus_name_watch.h"
 #include "platform/linux/loop/sd_event_main_loop.h"
 #include "platform/linux/tray/tray_host.h"
 #include "platform/linux/tray/tray_watch.h"
@@ -26,15 +30,22 @@ class SniStatusBar final : public StatusBar {
   [[nodiscard]] std::unique_ptr<StatusItem> makeItem(const std::string& identifier, StatusItemContent content,
                                                      StatusItemHandlers handlers) override;
   [[nodiscard]] bool showsTitles() const override { return host_.showsLabels; }
-  [[nodiscard]] bool putsNewItemsFirst() const override { return host_.putsNewItemsFirst; }
+  [[nodiscard]] ItemOrder itemOrder() const override { return host_.itemOrder; }
+  [[nodiscard]] Subscription observeItemOrder(std::function<void()> changed) override {
+    return orderObservers_.add(std::move(changed));
+  }
   void onAbsence(std::function<void(const std::string& advice)> absent) override;
 
  private:
+  [[nodiscard]] std::unique_ptr<BusNameWatch> followSwaybar(sd_bus* session);
+
   SdEventMainLoop& loop_;
   const std::string address_;
-  const TrayHost host_;
+  TrayHost host_;
   const char* const advice_;
   PanelAppearance& panel_;
+  ObserverList<> orderObservers_;
+  std::unique_ptr<BusNameWatch> swaybar_;  ///< before the tray, so that it is heard of first
   TrayWatch tray_;
 };
 

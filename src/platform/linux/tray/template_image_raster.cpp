@@ -136,8 +136,10 @@ void paint(const PixelShape& shape, int side, std::vector<double>& alphas) {
   }
 }
 
-/// How strong a halo is at each pixel: as the strongest ink within reach, weaker where that is farther.
+/// How strong a halo is at each pixel: the faintest ink, such as a bar's ground, has a clear one, which ends within
+/// reach.
 std::vector<double> haloOf(const std::vector<double>& alphas, int side) {
+  constexpr double kContrast = 3;
   const double reach = std::max(1.0, 0.7 * side / TemplateImage::kSide);
   const int steps = static_cast<int>(std::ceil(reach));
   std::vector<double> halo(alphas.size(), 0.0);
@@ -150,7 +152,7 @@ std::vector<double> haloOf(const std::vector<double>& alphas, int side) {
       for (int dy = -std::min(steps, y); dy <= std::min(steps, side - 1 - y); ++dy) {
         for (int dx = -std::min(steps, x); dx <= std::min(steps, side - 1 - x); ++dx) {
           const double share = std::clamp(reach + 1 - std::hypot(dx, dy), 0.0, 1.0);
-          strongest = std::max(strongest, alphas[index(x + dx, y + dy)] * share);
+          strongest = std::max(strongest, std::min(1.0, kContrast * alphas[index(x + dx, y + dy)]) * share);
         }
       }
     }

@@ -31,7 +31,7 @@ TrayHost trayHostOn(std::string_view desktop) {
   return {.clickOpensMenu = desktopIsAny(desktop, {"GNOME"}),
           .readsTitles = !desktopIsAny(desktop, {"XFCE"}),
           .showsLabels = desktopIsAny(desktop, {"GNOME", "MATE"}),
-          .putsNewItemsFirst = desktopIsAny(desktop, {"GNOME", "XFCE"}),
+          .itemOrder = desktopIsAny(desktop, {"GNOME", "XFCE"}) ? ItemOrder::newestFirst : ItemOrder::oldestFirst,
           .toolTipTitle = plain ? ToolTipTitle::plain : ToolTipTitle::markup};
 }
 

@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "platform/status_bar.h"
+
 namespace nimbo {
 
 /// A tooltip as tray hosts take it.
@@ -23,7 +25,7 @@ struct TrayHost {
   bool clickOpensMenu;  ///< so that the menu has to offer the dashboard
   bool readsTitles;     ///< out to screen readers; shows them nowhere
   bool showsLabels;     ///< beside the pictures
-  bool putsNewItemsFirst;
+  ItemOrder itemOrder;
   ToolTipTitle toolTipTitle;
 };
 
