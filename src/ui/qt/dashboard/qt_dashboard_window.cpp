@@ -116,6 +116,7 @@ void QtDashboardWindow::setFrame(const Rect& frame) {
 
 void QtDashboardWindow::hangFrom(const PanelAnchor& anchor) {
   hanging_ = {.edge = toQtEdge(anchor.edge),
+              .item = toQRect(anchor.rect).topLeft(),
               .gap = qRound(kGapToPanel),
               .unsure = anchor.guessed,
               .pointerFound = [this](QPointF place) {

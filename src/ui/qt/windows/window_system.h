@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QPoint>
 #include <QPointF>
 #include <functional>
 #include <memory>
@@ -18,6 +19,7 @@ namespace nimbo {
 /// Where a menu window hangs, for window systems that know better than the window how far their panels reach.
 struct Hanging {
   Qt::Edge edge = Qt::TopEdge;  ///< of the screen
+  QPoint item = {};             ///< its upper left corner
   int gap = 0;                  ///< between the window and the panel there, in points
   bool unsure = false;          ///< its place along the edge is a guess; that of the pointer would tell
   std::function<void(QPointF place)> pointerFound = {};

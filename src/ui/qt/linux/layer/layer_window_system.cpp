@@ -217,30 +217,44 @@ LayerSurface& LayerWindowSystem::makeSurface(QWindow& window, QScreen& screen, L
 void LayerWindowSystem::measure(LayerSurface& surface) {
   surface.fill(false);
   free_ = surface.settle();
-  unreserved_ = 0;
+  unreserved_ = {0, 0};
   const QSize screen = screenOf(*hanging_).size();
   if (free_ != screen) return;
   const QSize hidden = screen - shell_.roomForWindows().value_or(screen);
-  const int thickness = horizontal(how_.edge) ? hidden.height() : hidden.width();
-  if (thickness <= 0 || thickness > kThickestPanel) return;
-  unreserved_ = thickness;
-  free_ -= horizontal(how_.edge) ? QSize(0, thickness) : QSize(thickness, 0);
+  const auto believed = [](int thickness) { return thickness > 0 && thickness <= kThickestPanel ? thickness : 0; };
+  unreserved_ = {believed(hidden.width()), believed(hidden.height())};
+  free_ -= unreserved_;
+}
+
+// An item in a corner may be at either edge; the panel is where something is taken.
+Qt::Edge LayerWindowSystem::panelsEdge() const {
+  const QRect screen = screenOf(*hanging_).geometry();
+  const QSize taken = screen.size() - free_;
+  const QPoint side = how_.item - screen.center();
+  if (taken.height() == 0 && taken.width() > 0 && horizontal(how_.edge)) {
+    return side.x() < 0 ? Qt::LeftEdge : Qt::RightEdge;
+  }
+  if (taken.width() == 0 && taken.height() > 0 && !horizontal(how_.edge)) {
+    return side.y() < 0 ? Qt::TopEdge : Qt::BottomEdge;
+  }
+  return how_.edge;
 }
 
 // How far from the edge panels reach only the compositor knows. The toolkit is told what is likely, because what
 // controls open is kept on the screen by that.
 void LayerWindowSystem::placeHanging(LayerSurface& surface) {
   const QRect screen = screenOf(*hanging_).geometry();
-  const QSize gap = horizontal(how_.edge) ? QSize(0, how_.gap) : QSize(how_.gap, 0);
+  const Qt::Edge edge = panelsEdge();
+  const QSize gap = horizontal(edge) ? QSize(0, how_.gap) : QSize(how_.gap, 0);
   QRect frame = hanging_->geometry() - shadow_;
   frame.setSize(frame.size().boundedTo(free_ - gap));
   const auto along = [](int place, int size, int room) { return std::max(std::min(place, room - size), 0); };
-  const int x = along(frame.x() - screen.x(), frame.width(), free_.width());
-  const int y = along(frame.y() - screen.y(), frame.height(), free_.height());
+  const int x = along(how_.item.x() - screen.x(), frame.width(), free_.width());
+  const int y = along(how_.item.y() - screen.y(), frame.height(), free_.height());
   const QSize taken = screen.size() - free_;
-  const int distance = how_.gap + unreserved_;
+  const int distance = how_.gap + (horizontal(edge) ? unreserved_.height() : unreserved_.width());
   QMargins margins;
-  switch (how_.edge) {
+  switch (edge) {
     case Qt::TopEdge:
       margins = {x, distance, 0, 0};
       frame.moveTopLeft({x, taken.height() + how_.gap});
@@ -259,7 +273,7 @@ void LayerWindowSystem::placeHanging(LayerSurface& surface) {
       break;
   }
   hanging_->setGeometry(frame.translated(screen.topLeft()) + shadow_);
-  surface.anchor(how_.edge, margins - shadow_, hanging_->size());
+  surface.anchor(edge, margins - shadow_, hanging_->size());
 }
 
 }  // namespace nimbo

@@ -56,14 +56,15 @@ class LayerWindowSystem final : public QObject, public WindowSystem {
   /// Finds out what is free.
   void measure(LayerSurface& surface);
   void placeHanging(LayerSurface& surface);
+  [[nodiscard]] Qt::Edge panelsEdge() const;
 
   const LayerShell shell_;
   QPointer<QWidget> hanging_;
   Hanging how_;
-  QMargins shadow_;     ///< around the frame of the window that hangs
-  QSize free_;          ///< what panels leave of its screen
-  int unreserved_ = 0;  ///< of the rest, what is not kept clear of this window: of panels of Plasma before version 6
-  QTimer patience_;     ///< runs while it is not shown yet, because the place of the pointer may tell its own
+  QMargins shadow_;   ///< around the frame of the window that hangs
+  QSize free_;        ///< what panels leave of its screen
+  QSize unreserved_;  ///< of the rest, what is not kept clear of this window: of panels of Plasma before version 6
+  QTimer patience_;   ///< runs while it is not shown yet, because the place of the pointer may tell its own
   QTimer deactivation_;
   QSignalMapper surfaceEnds_;
   std::vector<std::unique_ptr<QWidget>> covers_;
