@@ -81,5 +81,17 @@ TEST_F(QtUserInterfaceTest, WindowsComeAndGo) {
   closedWhileOpen->show();
 }
 
+// So nobody tiles it.
+TEST_F(QtUserInterfaceTest, DashboardThatCannotChooseItsPlaceHasAFixedSize) {
+  const auto window = interface().makeMenuWindow();
+  const auto& widget = dynamic_cast<QWidget&>(*window);
+  for (const double height : {400, 300, 500}) {
+    window->setFrame({0, 0, 340, height});
+    EXPECT_GE(widget.height(), height);
+    EXPECT_EQ(widget.minimumSize(), widget.size());
+    EXPECT_EQ(widget.maximumSize(), widget.size());
+  }
+}
+
 }  // namespace
 }  // namespace nimbo

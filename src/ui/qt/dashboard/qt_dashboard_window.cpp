@@ -110,8 +110,7 @@ QtDashboardWindow::~QtDashboardWindow() { QtDashboardWindow::hide(); }
 
 void QtDashboardWindow::setFrame(const Rect& frame) {
   card_ = toQRect(frame);
-  setGeometry(card_ + margins_);
-  windowSystem_.hang(*this, hanging_);
+  windowSystem_.hang(*this, card_ + margins_, hanging_);
 }
 
 void QtDashboardWindow::hangFrom(const PanelAnchor& anchor) {
@@ -146,7 +145,7 @@ void QtDashboardWindow::arrangeMargins() {
   compositing_ = windowSystem_.compositing();
   margins_ = compositing_ && windowSystem_.menusDrawShadows() ? kShadowMargins : QMargins();
   page_->move(margins_.left(), margins_.top());
-  if (card_.isValid()) setGeometry(card_ + margins_);
+  if (card_.isValid()) windowSystem_.hang(*this, card_ + margins_, hanging_);
   shapeCorners();
 }
 

@@ -26,6 +26,11 @@ class PlainWindowSystem final : public WindowSystem {
   [[nodiscard]] bool inputIsFree() override { return true; }
   [[nodiscard]] Subscription observeOtherActivation(std::function<void()> /*activated*/) override { return {}; }
   void activate(QWidget& window) override { window.activateWindow(); }
+  // Its place is not its own to choose; one that cannot be resized is neither tiled nor enlarged.
+  void hang(QWidget& window, const QRect& frame, const Hanging& /*hanging*/) override {
+    window.setFixedSize(frame.size());
+    window.setGeometry(frame);
+  }
 };
 
 // Missing plugins, or libraries that they need, end the process as a missing display does.

@@ -88,7 +88,8 @@ Subscription X11WindowSystem::observeOtherActivation(std::function<void()> activ
 
 // A menu window is in no list of windows. The window manager forgets that whenever the window goes, and hears of it by
 // the property only before the window comes; the toolkit adds its own states.
-void X11WindowSystem::hang(QWidget& window, const Hanging& /*hanging*/) {
+void X11WindowSystem::hang(QWidget& window, const QRect& frame, const Hanging& /*hanging*/) {
+  window.setGeometry(frame);
   if (window.isVisible()) return;
   const std::array<xcb_atom_t, 2> states{atom("_NET_WM_STATE_SKIP_TASKBAR"), atom("_NET_WM_STATE_SKIP_PAGER")};
   xcb_change_property(&connection_, XCB_PROP_MODE_REPLACE, static_cast<xcb_window_t>(window.winId()),

@@ -20,7 +20,7 @@ class X11WindowSystem final : public WindowSystem, private QAbstractNativeEventF
   [[nodiscard]] bool popupsHearAllClicks() const override { return !waylandSession_; }
   [[nodiscard]] bool inputIsFree() override;
   [[nodiscard]] Subscription observeOtherActivation(std::function<void()> activated) override;
-  void hang(QWidget& window, const Hanging& hanging) override;
+  void hang(QWidget& window, const QRect& frame, const Hanging& hanging) override;
   void activate(QWidget& window) override;
 
  private:

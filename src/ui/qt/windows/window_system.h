@@ -12,6 +12,7 @@
 #include "platform/windows_process.h"
 
 class QMargins;
+class QRect;
 class QWidget;
 
 namespace nimbo {
@@ -52,8 +53,8 @@ class WindowSystem {
   /// Tells when a window of another application becomes the active one.
   [[nodiscard]] virtual Subscription observeOtherActivation(std::function<void()> activated) = 0;
 
-  /// Before the window is shown, and whenever its geometry has been set.
-  virtual void hang(QWidget& /*window*/, const Hanging& /*hanging*/) {}
+  /// Gives a window its frame, or one as near to that as the window system lets it.
+  virtual void hang(QWidget& window, const QRect& frame, const Hanging& hanging) = 0;
 
   /// Gives the keyboard focus to a window that the user asked for, perhaps in another program such as
   /// the panel.

@@ -90,7 +90,8 @@ Subscription LayerWindowSystem::observeOtherActivation(std::function<void()> act
 
 void LayerWindowSystem::activate(QWidget& window) { window.activateWindow(); }
 
-void LayerWindowSystem::hang(QWidget& window, const Hanging& hanging) {
+void LayerWindowSystem::hang(QWidget& window, const QRect& frame, const Hanging& hanging) {
+  window.setGeometry(frame);
   hanging_ = &window;
   how_ = hanging;
   const auto surface = surfaces_.find(window.windowHandle());

@@ -35,7 +35,7 @@ class LayerWindowSystem final : public QObject, public WindowSystem {
   [[nodiscard]] bool inputIsFree() override { return true; }
   [[nodiscard]] Subscription observeOtherActivation(std::function<void()> activated) override;
   void activate(QWidget& window) override;
-  void hang(QWidget& window, const Hanging& hanging) override;
+  void hang(QWidget& window, const QRect& frame, const Hanging& hanging) override;
 
  private:
   bool eventFilter(QObject* watched, QEvent* event) override;
