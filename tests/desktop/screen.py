@@ -22,6 +22,16 @@ class Frame:
         self.height = height
         self.pixels = pixels
 
+    @classmethod
+    def from_ppm(cls, data):
+        _kind, width, height, _most = data.split(maxsplit=4)[:4]
+        width, height = int(width), int(height)
+        colors = data[-3 * width * height :]
+        pixels = bytearray(b"\xff" * (PIXEL * width * height))
+        for channel in range(3):
+            pixels[channel::PIXEL] = colors[2 - channel :: 3]
+        return cls(width, height, bytes(pixels))
+
     def row(self, y):
         stride = self.width * PIXEL
         return self.pixels[y * stride : (y + 1) * stride]

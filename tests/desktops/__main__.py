@@ -20,7 +20,7 @@ import document  # noqa: E402
 import gnome  # noqa: E402
 import journey  # noqa: E402
 import plasma  # noqa: E402
-import sway  # noqa: E402
+import sway_bars  # noqa: E402
 import x11_desktops as x11  # noqa: E402
 from program import REPOSITORY  # noqa: E402
 
@@ -39,8 +39,8 @@ def variations(name, maker, first="top", scales=(1.25, 2), screens=True):
 
 CELLS = {
     **variations("xfce", x11.Xfce),
-    **variations("waybar", sway.Waybar),
-    **variations("swaybar", sway.Swaybar, scales=(2,), screens=False),
+    **variations("waybar", sway_bars.Waybar),
+    **variations("swaybar", sway_bars.Swaybar, scales=(2,), screens=False),
     **variations("gnome-x11", gnome.Gnome, scales=(), screens=True),
     **variations("gnome-wayland", gnome.GnomeWayland, scales=(), screens=True),
     "gnome-x11-without-tray": (gnome.Gnome, {"extension": False}),

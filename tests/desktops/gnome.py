@@ -8,6 +8,7 @@ from gi.repository import GLib
 import look
 from desktop import QUIET, Desktop, Portal
 from nimbo_desktop import wait_until
+from screen import Frame
 from wayland_input import Hands
 from x11_desktops import session_manager_inhibitors
 
@@ -161,4 +162,4 @@ class GnomeWayland(Hands, Gnome):
         path = str(self.session.folder / "picture.png")
         name = "org.gnome.Shell.Screenshot"
         self.session.call(name, "/org/gnome/Shell/Screenshot", name, "Screenshot", GLib.Variant("(bbs)", (False, False, path)))
-        return look.from_ppm(subprocess.run(["convert", path, "-depth", "8", "ppm:-"], capture_output=True, check=True).stdout)
+        return Frame.from_ppm(subprocess.run(["convert", path, "-depth", "8", "ppm:-"], capture_output=True, check=True).stdout)

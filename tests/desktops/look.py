@@ -3,7 +3,7 @@
 
 import collections
 
-from screen import PIXEL, Frame
+from screen import PIXEL
 
 GROUND = "#006400"
 WINDOW = "#c80000"
@@ -12,17 +12,6 @@ COLORED = bytes(value > FAINT for value in range(256))
 BLACK = bytes(value <= FAINT for value in range(256))
 DIFFERENT = bytes(value > 0 for value in range(256))
 STRONG = bytes(value > 150 for value in range(256))
-
-
-def from_ppm(data):
-    """A picture as grim writes it."""
-    _kind, width, height, _most = data.split(maxsplit=4)[:4]
-    width, height = int(width), int(height)
-    colors = data[-3 * width * height :]
-    pixels = bytearray(PIXEL * width * height)
-    for channel in range(3):
-        pixels[channel::PIXEL] = colors[2 - channel :: 3]
-    return Frame(width, height, bytes(pixels))
 
 
 def _combined(operation, one, other):
