@@ -49,6 +49,11 @@ TEST_F(PanelAppearanceTest, PanelOfTheUsersOwnMakingIsNotKnown) {
   EXPECT_EQ(changes, 0);
 }
 
+TEST_F(PanelAppearanceTest, CinnamonPanelHasAThemeOfItsOwn) {
+  make("X-Cinnamon");
+  EXPECT_EQ(panel->appearance(), std::nullopt);
+}
+
 TEST_F(PanelAppearanceTest, OtherPanelsFollowTheDesktop) {
   make("MATE");
   EXPECT_EQ(panel->appearance(), Appearance::light);

@@ -24,7 +24,7 @@ PanelAppearance::PanelAppearance(Services services, const std::string& desktop) 
       read_ = [=] { return isDark ? Appearance::dark : ofWindows(); };
       update();
     });
-  } else if (desktopIsAny(desktop, {"MATE", "LXQt", "X-Cinnamon", "Budgie", "Unity", "Pantheon"})) {
+  } else if (desktopIsAny(desktop, {"MATE", "LXQt", "Budgie", "Unity", "Pantheon"})) {
     read_ = ofWindows;
   } else {
     read_ = [] { return std::nullopt; };

@@ -13,7 +13,8 @@
 namespace nimbo {
 
 /// Whether the panel that holds the tray is dark or light, which is not always what the desktop's windows are; icons
-/// are drawn to stand out from it. Not known where panels are the user's own choice, such as waybar. Main thread only.
+/// are drawn to stand out from it. Not known where panels are the user's own choice, such as waybar, or have a theme
+/// of their own, such as Cinnamon's. Main thread only.
 class PanelAppearance {
  public:
   /// What outlives the panel's appearance.
