@@ -47,6 +47,13 @@ struct StatusClick {
   std::optional<Rect> anchor;
 };
 
+/// How a bar tells an item from others.
+struct StatusItemName {
+  std::string identifier;      ///< the same across restarts: lower-case letters and dashes
+  std::optional<int> place{};  ///< from 0, among all that there may be, for bars that sort; absent for an item alone
+  bool operator==(const StatusItemName&) const = default;
+};
+
 /// Answers for one status item, all of them set. All on the main thread.
 struct StatusItemHandlers {
   std::function<void(const StatusClick&)> clicked;
@@ -79,9 +86,8 @@ class StatusBar {
  public:
   virtual ~StatusBar() = default;
 
-  /// `identifier` names the item to the bar across restarts: lower-case letters and dashes.
   /// The bar outlives its items.
-  [[nodiscard]] virtual std::unique_ptr<StatusItem> makeItem(const std::string& identifier, StatusItemContent content,
+  [[nodiscard]] virtual std::unique_ptr<StatusItem> makeItem(StatusItemName name, StatusItemContent content,
                                                              StatusItemHandlers handlers) = 0;
 
   /// Whether the items' titles are seen; if not, a picture has to say it all.

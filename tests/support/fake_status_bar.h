@@ -17,7 +17,7 @@ class FakeStatusBar final : public StatusBar {
  public:
   /// What the bar knows of one item; stays readable after the item is gone.
   struct Item {
-    std::string identifier;
+    StatusItemName name;
     StatusItemContent content;
     StatusItemHandlers handlers;
     bool highlighted = false;
@@ -27,10 +27,10 @@ class FakeStatusBar final : public StatusBar {
     bool menuOpen = false;
   };
 
-  [[nodiscard]] std::unique_ptr<StatusItem> makeItem(const std::string& identifier, StatusItemContent content,
+  [[nodiscard]] std::unique_ptr<StatusItem> makeItem(StatusItemName name, StatusItemContent content,
                                                      StatusItemHandlers handlers) override {
     auto item = std::make_shared<Item>();
-    item->identifier = identifier;
+    item->name = std::move(name);
     item->content = std::move(content);
     item->handlers = std::move(handlers);
     all_.push_back(item);
@@ -55,7 +55,7 @@ class FakeStatusBar final : public StatusBar {
   /// The living item of that name; null when there is none.
   [[nodiscard]] std::shared_ptr<Item> item(const std::string& identifier) const {
     for (const auto& item : all_) {
-      if (item->alive && item->identifier == identifier) return item;
+      if (item->alive && item->name.identifier == identifier) return item;
     }
     return nullptr;
   }
@@ -64,7 +64,7 @@ class FakeStatusBar final : public StatusBar {
   [[nodiscard]] std::vector<std::string> identifiers() const {
     std::vector<std::string> names;
     for (const auto& item : all_) {
-      if (item->alive) names.push_back(item->identifier);
+      if (item->alive) names.push_back(item->name.identifier);
     }
     return names;
   }

@@ -131,7 +131,8 @@ TEST(FakeMainLoop, SubscriptionsMayOutliveTheLoop) {
 TEST(FakeStatusBar, ClicksReachTheLivingItem) {
   FakeStatusBar bar;
   bool alternate = false;
-  auto item = bar.makeItem("memory", {}, {[&](const StatusClick& click) { alternate = click.alternate; }, {}, {}, {}});
+  auto item =
+      bar.makeItem({"memory"}, {}, {[&](const StatusClick& click) { alternate = click.alternate; }, {}, {}, {}});
   EXPECT_TRUE(bar.click("memory", {true, {}}));
   EXPECT_TRUE(alternate);
   item.reset();
@@ -143,7 +144,7 @@ TEST(FakeStatusBar, ClicksReachTheLivingItem) {
 TEST(FakeStatusBar, ItemMayGoAwayInItsOwnClick) {
   FakeStatusBar bar;
   std::unique_ptr<StatusItem> item;
-  item = bar.makeItem("awake", {}, {[&](const StatusClick&) { item.reset(); }, {}, {}, {}});
+  item = bar.makeItem({"awake"}, {}, {[&](const StatusClick&) { item.reset(); }, {}, {}, {}});
   EXPECT_TRUE(bar.click("awake"));
   EXPECT_EQ(bar.item("awake"), nullptr);
 }
@@ -164,7 +165,7 @@ TEST(FakeStatusBar, MenuOpensAndChoosingClosesItFirst) {
     return StatusMenu{"Nimbo", {quit, disabled}};
   };
   handlers.menuDidClose = [&] { order += "closed "; };
-  const auto item = bar.makeItem("memory", {}, handlers);
+  const auto item = bar.makeItem({"memory"}, {}, handlers);
   EXPECT_TRUE(bar.choose("memory", "Quit Nimbo"));
   EXPECT_EQ(order, "open closed quit");
   EXPECT_FALSE(bar.choose("memory", "Off"));
@@ -180,14 +181,14 @@ TEST(FakeStatusBar, PreviewOpensNothing) {
     return StatusMenu{"opened", {}};
   };
   handlers.menuPreview = [] { return StatusMenu{"preview", {}}; };
-  const auto item = bar.makeItem("memory", {}, handlers);
+  const auto item = bar.makeItem({"memory"}, {}, handlers);
   EXPECT_EQ(bar.previewMenu("memory").title, "preview");
   EXPECT_EQ(opened, 0);
 }
 
 TEST(FakeStatusBar, OnlyRealChangesOfContentAreCounted) {
   FakeStatusBar bar;
-  const auto item = bar.makeItem("memory", {}, {});
+  const auto item = bar.makeItem({"memory"}, {}, {});
   StatusItemContent content;
   content.title = "70%";
   item->setContent(content);

@@ -42,9 +42,12 @@ void StatusItems::configure() {
   restartRotation();
 }
 
-std::string StatusItems::identifierOf(StatusItemTab tab) const {
-  if (rotationTab_) return "nimbo-rotation";
-  return tab ? "nimbo-" + std::string(rawValue(*tab)) : "nimbo";
+StatusItemName StatusItems::nameOf(StatusItemTab tab) const {
+  if (rotationTab_) return {"nimbo-rotation"};
+  if (!tab) return {"nimbo"};
+  const auto order = settings_.tabOrder();
+  const auto place = std::ranges::find(order, *tab) - order.begin();
+  return {"nimbo-" + std::string(rawValue(*tab)), static_cast<int>(place)};
 }
 
 StatusItemContent StatusItems::contentOf(StatusItemTab tab) const {
@@ -56,7 +59,7 @@ StatusItemContent StatusItems::contentOf(StatusItemTab tab) const {
 void StatusItems::updateItems() {
   StatusItemPlan plan = planStatusItems(settings_, rotationTab_);
   rotationTab_ = plan.rotationTab;
-  const auto isFor = [this](const Slot& slot, StatusItemTab tab) { return slot.identifier == identifierOf(tab); };
+  const auto isFor = [this](const Slot& slot, StatusItemTab tab) { return slot.name == nameOf(tab); };
   const std::size_t before = slots_.size();
   slots_.remove_if([&](const Slot& slot) {
     return std::ranges::none_of(plan.shown, [&](StatusItemTab tab) { return isFor(slot, tab); });
@@ -69,8 +72,8 @@ void StatusItems::updateItems() {
   if (rotationTab_ && !slots_.empty()) slots_.front().tab = rotationTab_;
   refresh();
   for (auto tab = firstToMake; tab != plan.shown.end(); ++tab) {
-    Slot& slot = slots_.emplace_back(Slot{identifierOf(*tab), *tab});
-    slot.item = statusBar_.makeItem(slot.identifier, contentOf(*tab), handlersFor(slot));
+    Slot& slot = slots_.emplace_back(Slot{nameOf(*tab), *tab});
+    slot.item = statusBar_.makeItem(slot.name, contentOf(*tab), handlersFor(slot));
   }
 }
 

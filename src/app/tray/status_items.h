@@ -71,13 +71,13 @@ class StatusItems {
  private:
   /// One place in the bar. The one that rotates stands for one tab after the other.
   struct Slot {
-    std::string identifier;
+    StatusItemName name;
     StatusItemTab tab;
     std::shared_ptr<StatusItem> item{};
     std::optional<Rect> frame{};
   };
 
-  [[nodiscard]] std::string identifierOf(StatusItemTab tab) const;
+  [[nodiscard]] StatusItemName nameOf(StatusItemTab tab) const;
   [[nodiscard]] StatusItemContent contentOf(StatusItemTab tab) const;
   void updateItems();
   void rotate();

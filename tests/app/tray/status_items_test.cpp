@@ -102,6 +102,23 @@ TEST_F(StatusItemsTest, ItemsAreMadeAnewWhereTheirOrderChanged) {
   EXPECT_EQ(bar.all().size(), 5U);
 }
 
+TEST_F(StatusItemsTest, BarsThatSortAreToldEachItemsPlaceAmongAllTabs) {
+  settings.setTabOrder(std::array{DashboardTab::awake, DashboardTab::memory, DashboardTab::ai});
+  items.configure();
+  const auto ai = bar.item("nimbo-ai");
+  EXPECT_EQ(bar.item("nimbo-memory")->name.place, 1);
+  EXPECT_EQ(ai->name.place, 2);
+  settings.setMenuMemory(false);
+  items.configure();
+  EXPECT_TRUE(ai->alive) << "it keeps its place when another goes";
+  settings.setTabOrder(std::array{DashboardTab::memory, DashboardTab::ai, DashboardTab::awake});
+  items.configure();
+  EXPECT_EQ(bar.item("nimbo-ai")->name.place, 1);
+  settings.setCompactMenuBar(true);
+  items.configure();
+  EXPECT_EQ(bar.item("nimbo")->name.place, std::nullopt);
+}
+
 TEST_F(StatusItemsTest, ConfigureBringsNewContentToTheItemsThatStay) {
   items.configure();
   toolTip = "second";

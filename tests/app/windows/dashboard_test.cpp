@@ -29,8 +29,8 @@ class DashboardTest : public testing::Test {
   FakeWorkspace workspace;
   FakeUserInterface interface;
   FakeStatusBar bar;
-  std::shared_ptr<StatusItem> memory = bar.makeItem("memory", {}, {});
-  std::shared_ptr<StatusItem> awake = bar.makeItem("awake", {}, {});
+  std::shared_ptr<StatusItem> memory = bar.makeItem({"memory"}, {}, {});
+  std::shared_ptr<StatusItem> awake = bar.makeItem({"awake"}, {}, {});
   std::unique_ptr<Dashboard> dashboard =
       std::make_unique<Dashboard>(Dashboard::Services{interface, world.loop, workspace}, world.sources(),
                                   Dashboard::Callbacks{.tabShown = [](DashboardTab /*tab*/) {},
@@ -138,7 +138,7 @@ TEST_F(DashboardTest, ItemThatHasGoneIsNotMistakenForANewOne) {
   open(memory);
   window().clickOutside(std::nullopt);
   memory.reset();
-  const auto successor = bar.makeItem("memory", {}, {});
+  const auto successor = bar.makeItem({"memory"}, {}, {});
   EXPECT_FALSE(dashboard->justClosedBy(*successor));
 }
 

@@ -57,7 +57,7 @@ class DbusMenuTest : public ::testing::Test {
   std::string show(const std::string& desktop = "XFCE") {
     statusBar = std::make_unique<SniStatusBar>(loop.main(), SniStatusBar::SessionBus{session.get(), bus.address()},
                                                desktop, panel);
-    item = statusBar->makeItem("nimbo", {}, handlers());
+    item = statusBar->makeItem({"nimbo"}, {}, handlers());
     EXPECT_TRUE(host.waitForItems(1));
     return host.registered.at(0);
   }

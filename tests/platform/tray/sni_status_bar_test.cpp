@@ -45,7 +45,7 @@ class SniStatusBarTest : public ::testing::Test {
   /// Makes an item, lets the tray register it and returns its bus name.
   std::string shown(StatusItemContent what = content(), const std::string& desktop = "") {
     if (!host) host.emplace(loop, bus.address());
-    item = makeBar(desktop).makeItem("nimbo-awake", std::move(what), recordClicks());
+    item = makeBar(desktop).makeItem({"nimbo-awake"}, std::move(what), recordClicks());
     EXPECT_TRUE(host->waitForItems(1));
     return host->registered.at(0);
   }
@@ -68,7 +68,7 @@ class SniStatusBarTest : public ::testing::Test {
 
 TEST_F(SniStatusBarTest, TwoItemsAreTwoConnections) {
   shown();
-  const auto second = statusBar->makeItem("nimbo-memory", content(), {});
+  const auto second = statusBar->makeItem({"nimbo-memory"}, content(), {});
   ASSERT_TRUE(host->waitForItems(2));
   EXPECT_NE(host->registered.at(0), host->registered.at(1));
   EXPECT_EQ(host->text(host->registered.at(1), "Id"), "nimbo-memory");
@@ -108,6 +108,27 @@ TEST_F(SniStatusBarTest, ItemWithoutAccessibleNameIsTitledAfterTheProgram) {
   StatusItemContent nameless = content();
   nameless.accessibleName.clear();
   EXPECT_EQ(host->text(shown(nameless), "Title"), "Nimbo");
+}
+
+TEST_F(SniStatusBarTest, HostThatSortsFindsThePlacesInWhatItSortsBy) {
+  struct Named {
+    std::string identifier, title, accessibleName;
+    bool operator==(const Named&) const = default;
+  };
+  const auto itemAt = [this](int place, const std::string& desktop) {
+    item.reset();
+    host.reset();
+    host.emplace(loop, bus.address());
+    item = makeBar(desktop).makeItem({"nimbo-awake", place}, content(), {});
+    EXPECT_TRUE(host->waitForItems(1));
+    const std::string name = host->registered.at(0);
+    return Named{host->text(name, "Id"), host->text(name, "Title"), host->text(name, "IconAccessibleDesc")};
+  };
+  EXPECT_EQ(itemAt(0, "MATE"), (Named{"nimbo-1-awake", "Keep Awake", "Keep Awake"}));
+  EXPECT_EQ(itemAt(2, "MATE"), (Named{"nimbo-3-awake", "Keep Awake", "Keep Awake"}));
+  EXPECT_EQ(itemAt(0, "KDE"), (Named{"nimbo-awake", "   Keep Awake", "Keep Awake"}));
+  EXPECT_EQ(itemAt(2, "X-Cinnamon"), (Named{"nimbo-awake", " Keep Awake", "Keep Awake"}));
+  EXPECT_EQ(itemAt(2, "LXQt"), (Named{"nimbo-awake", "Keep Awake", "Keep Awake"}));
 }
 
 TEST_F(SniStatusBarTest, LabelIsThereForAnItemWithATitle) {
@@ -330,7 +351,7 @@ TEST_F(SniStatusBarTest, HandlerMayDestroyTheItem) {
   host.emplace(loop, bus.address());
   StatusItemHandlers handlers;
   handlers.clicked = [this](const StatusClick&) { item.reset(); };
-  item = makeBar().makeItem("nimbo", content(), std::move(handlers));
+  item = makeBar().makeItem({"nimbo"}, content(), std::move(handlers));
   ASSERT_TRUE(host->waitForItems(1));
   EXPECT_TRUE(succeeded(click(host->registered.at(0), "Activate", 10, 10)));
   EXPECT_EQ(item, nullptr);
@@ -357,7 +378,7 @@ TEST_F(SniStatusBarTest, SwaysOwnBarIsToldFromOthersBeforeAnItemIsThere) {
 
 TEST_F(SniStatusBarTest, WithoutABusItemsExistAndStaySilent) {
   SniStatusBar silent(loop.main(), {nullptr, "unix:path=/nonexistent/bus"}, "", panel);
-  const auto lonely = silent.makeItem("nimbo", content(), {});
+  const auto lonely = silent.makeItem({"nimbo"}, content(), {});
   lonely->setContent(content("70%"));
   workspace.setAppearance(Appearance::dark);
   EXPECT_NE(lonely, nullptr);

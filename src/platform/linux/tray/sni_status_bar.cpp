@@ -27,9 +27,9 @@ std::unique_ptr<BusNameWatch> SniStatusBar::followSwaybar(sd_bus* session) {
       });
 }
 
-std::unique_ptr<StatusItem> SniStatusBar::makeItem(const std::string& identifier, StatusItemContent content,
+std::unique_ptr<StatusItem> SniStatusBar::makeItem(StatusItemName name, StatusItemContent content,
                                                    StatusItemHandlers handlers) {
-  return std::make_unique<SniStatusItem>(loop_.event(), address_, SniStatusItem::Setup{identifier, host_},
+  return std::make_unique<SniStatusItem>(loop_.event(), address_, SniStatusItem::Setup{std::move(name), host_},
                                          std::move(content), std::move(handlers), panel_, tray_);
 }
 

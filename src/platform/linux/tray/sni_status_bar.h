@@ -27,7 +27,7 @@ class SniStatusBar final : public StatusBar {
   /// `desktop` is the value of XDG_CURRENT_DESKTOP. `panel` outlives the bar.
   SniStatusBar(SdEventMainLoop& loop, SessionBus session, const std::string& desktop, PanelAppearance& panel);
 
-  [[nodiscard]] std::unique_ptr<StatusItem> makeItem(const std::string& identifier, StatusItemContent content,
+  [[nodiscard]] std::unique_ptr<StatusItem> makeItem(StatusItemName name, StatusItemContent content,
                                                      StatusItemHandlers handlers) override;
   [[nodiscard]] bool showsTitles() const override { return host_.showsLabels; }
   [[nodiscard]] ItemOrder itemOrder() const override { return host_.itemOrder; }

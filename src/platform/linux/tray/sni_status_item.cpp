@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/linux/tray/sni_status_item.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "base/text.h"
@@ -80,7 +81,7 @@ std::vector<sd_bus_vtable> SniStatusItem::makeTable(bool labelled) {
       SD_BUS_PROPERTY("IconName", "s", bus_table::property<[] { return ""; }>, 0, kConstant),
       // 35 KB that every host reads again after NewIcon would be sent for nothing with a change.
       SD_BUS_PROPERTY("IconPixmap", "a(iiay)", bus_table::property<&Self::iconPixmap>, 0, 0),
-      SD_BUS_PROPERTY("IconAccessibleDesc", "s", bus_table::property<&Self::title>, 0, kChanges),
+      SD_BUS_PROPERTY("IconAccessibleDesc", "s", bus_table::property<&Self::accessibleName>, 0, kChanges),
       SD_BUS_PROPERTY("ToolTip", "(sa(iiay)ss)", bus_table::property<&Self::toolTip>, 0, kChanges),
       SD_BUS_PROPERTY("ItemIsMenu", "b", bus_table::property<[] { return false; }>, 0, kConstant),
       SD_BUS_PROPERTY("Menu", "o", (bus_table::property<[] { return BusObjectPath{DbusMenu::kPath}; }>), 0, kConstant),
@@ -180,7 +181,23 @@ int SniStatusItem::ignore(sd_bus_message* call, sd_bus_error* /*error*/) {
   return sd_bus_reply_method_return(call, "");
 }
 
+std::string SniStatusItem::identifier() const {
+  std::string identifier = setup_.name.identifier;
+  if (const auto place = setup_.name.place; place && setup_.host.sorting == TraySorting::byIdentifier) {
+    identifier.insert(identifier.find('-') + 1, std::to_string(*place + 1) + "-");
+  }
+  return identifier;
+}
+
+// Blanks come before letters and are neither seen nor heard; the more, the earlier.
 std::string SniStatusItem::title() const {
+  constexpr int kPlaces = 3;
+  const auto place = setup_.name.place;
+  const int blanks = place && setup_.host.sorting == TraySorting::byTitle ? std::max(kPlaces - *place, 0) : 0;
+  return std::string(static_cast<std::size_t>(blanks), ' ') + accessibleName();
+}
+
+std::string SniStatusItem::accessibleName() const {
   if (!setup_.host.readsTitles) return "";
   return content_.accessibleName.empty() ? "Nimbo" : repairedUtf8(content_.accessibleName);
 }

@@ -22,7 +22,7 @@ class TrayWatch;
 class SniStatusItem final : public StatusItem {
  public:
   struct Setup {
-    std::string identifier;  ///< names the item to hosts across restarts
+    StatusItemName name;
     TrayHost host;
   };
 
@@ -43,8 +43,9 @@ class SniStatusItem final : public StatusItem {
   template <bool kAlternate>
   int click(sd_bus_message* call, sd_bus_error* error);
   int ignore(sd_bus_message* call, sd_bus_error* error);
-  [[nodiscard]] const std::string& identifier() const { return setup_.identifier; }
+  [[nodiscard]] std::string identifier() const;
   [[nodiscard]] std::string title() const;
+  [[nodiscard]] std::string accessibleName() const;
   [[nodiscard]] std::string label() const;
   void iconPixmap(BusWriter& reply) const;
   void toolTip(BusWriter& reply) const;

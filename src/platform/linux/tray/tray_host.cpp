@@ -28,10 +28,14 @@ TrayHost trayHostOn(std::string_view desktop) {
   // screen readers neither. The panels of the last three show a tooltip's title as it is; mate-panel and waybar parse
   // it, and an unknown host is better shown an entity than nothing.
   const bool plain = desktopIsAny(desktop, {"XFCE", "KDE", "LXQt"});
+  const auto sorting = desktopIsAny(desktop, {"MATE"})                ? TraySorting::byIdentifier
+                       : desktopIsAny(desktop, {"KDE", "X-Cinnamon"}) ? TraySorting::byTitle
+                                                                      : TraySorting::none;
   return {.clickOpensMenu = desktopIsAny(desktop, {"GNOME"}),
           .readsTitles = !desktopIsAny(desktop, {"XFCE"}),
           .showsLabels = desktopIsAny(desktop, {"GNOME", "MATE"}),
           .itemOrder = desktopIsAny(desktop, {"GNOME", "XFCE"}) ? ItemOrder::newestFirst : ItemOrder::oldestFirst,
+          .sorting = sorting,
           .toolTipTitle = plain ? ToolTipTitle::plain : ToolTipTitle::markup};
 }
 

@@ -20,12 +20,16 @@ enum class ToolTipTitle { plain, markup };
 /// The first line of `text` becomes the title and the rest the subtitle.
 [[nodiscard]] ToolTipText toolTipText(const std::string& text, ToolTipTitle kind);
 
+/// What a host lines items up by; one that does not sort takes them as they come.
+enum class TraySorting { none, byIdentifier, byTitle };
+
 /// What has to be known of the program that shows the items.
 struct TrayHost {
   bool clickOpensMenu;  ///< so that the menu has to offer the dashboard
   bool readsTitles;     ///< out to screen readers; shows them nowhere
   bool showsLabels;     ///< beside the pictures
   ItemOrder itemOrder;
+  TraySorting sorting;
   ToolTipTitle toolTipTitle;
 };
 
