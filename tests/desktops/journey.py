@@ -191,14 +191,14 @@ class Journey:
         if not self.desktop.has_tray:
             wait_until(lambda: "com.quellwerk.Nimbo" in self.session.names(), "the program")
             return []
-        before = []
+        before, since = [], time.monotonic()
 
         def three():
-            nonlocal before
+            nonlocal before, since
             found = self.found_items()
-            same = len(found[2]) == 3 and found[2] == before
-            before = found[2]
-            return found if same else None
+            if found[2] != before:
+                before, since = found[2], time.monotonic()
+            return found if len(before) == 3 and time.monotonic() > since + STILL else None
 
         try:
             frame, mask, boxes = wait_until(three, "three items in the panel", 2 * BOUND)
@@ -206,7 +206,7 @@ class Journey:
             registered = self.registered()
             raise AssertionError(f"{error}; the panel shows {len(before)}: {before}; registered: {registered}") from error
         self.boxes = boxes
-        return [look.cropped(mask, frame.width, box) for box in boxes]
+        return [look.rows(mask, frame.width, box) for box in boxes]
 
     def registered(self):
         if WATCHER not in self.session.names():
@@ -475,6 +475,7 @@ class Journey:
     def step_schemes(self):
         """Changed while it runs, and found at its start."""
         said = []
+        self.session.settings(**SETTINGS, showChart=False)  # which on a machine with free memory is hardly filled
         for dark in (not self.desktop.dark, self.desktop.dark):
             before = self.colors()[1]
             self.desktop.set_scheme(dark)
@@ -489,6 +490,7 @@ class Journey:
             self.launch()
             self.wait_for_items()
             said.append(f"at start: {self.readable()[0]:.1f}")
+        self.session.settings(**SETTINGS)
         return ", ".join(said)
 
     def step_new_panel(self):
@@ -508,8 +510,6 @@ class Journey:
 
 
 def alike(one, other):
-    """How much two masks of items have in common, from 0 to 1."""
-    if abs(len(one) - len(other)) > max(len(one), len(other)) // 4:
-        return 0
-    same = sum(a == b for a, b in zip(one, other, strict=False))
-    return same / max(len(one), len(other))
+    """How much two masks of items have in common, from 0 to 1; a faint edge may be seen in one of them only."""
+    height, width = max(len(one), len(other)), max(len(one[0]), len(other[0]))
+    return sum(a == b for rows in zip(one, other, strict=False) for a, b in zip(*rows, strict=False)) / (height * width)

@@ -106,9 +106,13 @@ def clusters(mask, width, area, horizontal, gap):
     return [(left, top + begin, across, end - begin + 1) for begin, end in spans]
 
 
-def cropped(mask, width, area):
+def rows(mask, width, area):
     x, y, across, down = area
-    return b"".join(mask[line * width + x : line * width + x + across] for line in range(y, y + down))
+    return [mask[line * width + x : line * width + x + across] for line in range(y, y + down)]
+
+
+def cropped(mask, width, area):
+    return b"".join(rows(mask, width, area))
 
 
 def _luminance(pixel):

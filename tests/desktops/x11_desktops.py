@@ -83,11 +83,14 @@ class Mate(X11Desktop):
     window_manager = ("marco", "--composite")
     has_portal = True
     edges = ("top", "bottom")
-    # Its items touch each other, and labels are beside their pictures; those have narrower characters.
-    item_gap = 1
-    item_least = 20
+    item_gap = 5
+    item_least = 18
 
     def configure(self):
+        # Its items would touch each other, and a label be as wide as a picture.
+        style = self.session.folder / "config" / "gtk-3.0" / "gtk.css"
+        style.parent.mkdir()
+        style.write_text("* { -NaTrayApplet-icon-padding: 6; } na-tray-applet label { font-size: 4pt; }")
         nothing = self.session.folder / "nothing"
         nothing.mkdir()
         self.session.env.update(GSETTINGS_BACKEND="keyfile", XDG_CONFIG_DIRS=str(nothing))
@@ -181,6 +184,8 @@ class Cinnamon(X11Desktop):
         self.session.env["GSETTINGS_BACKEND"] = "keyfile"
         for key, value in (("picture-options", "none"), ("primary-color", look.GROUND), ("color-shading-type", "solid")):
             self.run("gsettings", "set", "org.cinnamon.desktop.background", key, value)
+        applets = ["panel1:left:0:menu@cinnamon.org", "panel1:right:0:xapp-status@cinnamon.org"]
+        self.run("gsettings", "set", "org.cinnamon", "enabled-applets", applets)
 
     def start_panel(self):
         self.allow("org.x.*")
