@@ -96,7 +96,10 @@ std::vector<Screen> QtUserInterface::screens() const {
   for (const QScreen* const screen : QGuiApplication::screens()) {
     // While none is connected the toolkit keeps one without a size.
     if (screen->geometry().isEmpty()) continue;
-    result.push_back({toRect(screen->geometry()), toRect(screen->availableGeometry())});
+    const QMarginsF panels =
+        QMarginsF(windowSystem_->panelMargins(pixelFrame(*screen).toRect())) / screen->devicePixelRatio();
+    const QRectF free = QRectF(screen->geometry()).marginsRemoved(panels);
+    result.push_back({toRect(screen->geometry()), toRect(free & QRectF(screen->availableGeometry()))});
   }
   return result;
 }

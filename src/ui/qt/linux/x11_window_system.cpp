@@ -3,6 +3,7 @@
 
 #include <QCoreApplication>
 #include <QWidget>
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstdlib>
@@ -32,6 +33,20 @@ xcb_window_t rootOf(xcb_connection_t& connection, int screenNumber) {
   auto screens = xcb_setup_roots_iterator(xcb_get_setup(&connection));
   for (; screens.rem > 1 && screenNumber > 0; --screenNumber) xcb_screen_next(&screens);
   return screens.data->root;
+}
+
+/// What a strut takes from a screen; one that leaves nothing of it belongs to the screen behind.
+QMargins marginsOn(const QRect& screen, const QRect& root, const std::vector<std::uint32_t>& strut) {
+  const auto at = [&](std::size_t index) { return static_cast<int>(std::min(strut[index], std::uint32_t{32767})); };
+  const auto alongX = [&](std::size_t index) { return at(index) <= screen.right() && at(index + 1) >= screen.left(); };
+  const auto alongY = [&](std::size_t index) { return at(index) <= screen.bottom() && at(index + 1) >= screen.top(); };
+  const auto taken = [](bool beside, int depth, int extent) {
+    return beside && depth > 0 && depth < extent ? depth : 0;
+  };
+  return {taken(at(0) > 0 && alongY(4), at(0) - screen.left(), screen.width()),
+          taken(at(2) > 0 && alongX(8), at(2) - screen.top(), screen.height()),
+          taken(at(1) > 0 && alongY(6), screen.right() - (root.right() - at(1)), screen.width()),
+          taken(at(3) > 0 && alongX(10), screen.bottom() - (root.bottom() - at(3)), screen.height())};
 }
 
 }  // namespace
@@ -96,6 +111,28 @@ void X11WindowSystem::hang(QWidget& window, const QRect& frame, const Hanging& /
                       atom("_NET_WM_STATE"), XCB_ATOM_ATOM, 32, states.size(), states.data());
 }
 
+// Extended Window Manager Hints, "_NET_WM_STRUT_PARTIAL": how deep a panel reaches into the root window from the left,
+// right, top and bottom, then from where to where along each of these edges.
+QMargins X11WindowSystem::panelMargins(const QRect& screen) const {
+  const auto geometry = owned(xcb_get_geometry_reply(&connection_, xcb_get_geometry(&connection_, root_), nullptr));
+  if (geometry == nullptr) return {};
+  const QRect root(0, 0, geometry->width, geometry->height);
+  const xcb_atom_t partial = atom("_NET_WM_STRUT_PARTIAL");
+  const xcb_atom_t whole = atom("_NET_WM_STRUT");
+  QMargins margins;
+  for (const xcb_window_t window : properties(root_, atom("_NET_CLIENT_LIST"), XCB_ATOM_WINDOW)) {
+    auto strut = properties(window, partial, XCB_ATOM_CARDINAL);
+    if (strut.size() != 12) {
+      strut = properties(window, whole, XCB_ATOM_CARDINAL);
+      if (strut.size() != 4) continue;
+      constexpr std::uint32_t kEnd = 32767;
+      strut.insert(strut.end(), {0, kEnd, 0, kEnd, 0, kEnd, 0, kEnd});
+    }
+    margins = margins | marginsOn(screen, root, strut);
+  }
+  return margins;
+}
+
 // The toolkit's request bears the time of the last input that this program got, while the click that
 // asked for the window went to a panel; window managers that guard the focus refuse one so old. A request
 // like a pager's (Extended Window Manager Hints, "_NET_ACTIVE_WINDOW") counts as the user's own request.
@@ -140,11 +177,18 @@ xcb_atom_t X11WindowSystem::atom(const std::string& name) const {
   return reply != nullptr ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
 }
 
-std::uint32_t X11WindowSystem::property(xcb_window_t window, xcb_atom_t name, xcb_atom_t type) const {
-  const auto request = xcb_get_property(&connection_, 0, window, name, type, 0, 1);
+std::vector<std::uint32_t> X11WindowSystem::properties(xcb_window_t window, xcb_atom_t name, xcb_atom_t type) const {
+  constexpr std::uint32_t kMost = 4096;
+  const auto request = xcb_get_property(&connection_, 0, window, name, type, 0, kMost);
   const auto reply = owned(xcb_get_property_reply(&connection_, request, nullptr));
-  if (reply == nullptr || reply->format != 32 || reply->value_len == 0) return 0;
-  return *static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
+  if (reply == nullptr || reply->format != 32) return {};
+  const auto* const values = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
+  return {values, values + reply->value_len};
+}
+
+std::uint32_t X11WindowSystem::property(xcb_window_t window, xcb_atom_t name, xcb_atom_t type) const {
+  const auto values = properties(window, name, type);
+  return values.empty() ? 0 : values.front();
 }
 
 bool X11WindowSystem::isPartOfDesktop(xcb_window_t window) const {

@@ -4,6 +4,7 @@
 #include <xcb/xcb.h>
 
 #include <QAbstractNativeEventFilter>
+#include <vector>
 
 #include "ui/qt/windows/window_system.h"
 
@@ -21,12 +22,14 @@ class X11WindowSystem final : public WindowSystem, private QAbstractNativeEventF
   [[nodiscard]] bool inputIsFree() override;
   [[nodiscard]] Subscription observeOtherActivation(std::function<void()> activated) override;
   void hang(QWidget& window, const QRect& frame, const Hanging& hanging) override;
+  [[nodiscard]] QMargins panelMargins(const QRect& screen) const override;
   void activate(QWidget& window) override;
 
  private:
   bool nativeEventFilter(const QByteArray& eventType, void* message, qintptr* result) override;
   void activeWindowChanged();
   [[nodiscard]] xcb_atom_t atom(const std::string& name) const;
+  [[nodiscard]] std::vector<std::uint32_t> properties(xcb_window_t window, xcb_atom_t name, xcb_atom_t type) const;
   [[nodiscard]] std::uint32_t property(xcb_window_t window, xcb_atom_t name, xcb_atom_t type) const;
   [[nodiscard]] bool isPartOfDesktop(xcb_window_t window) const;
 

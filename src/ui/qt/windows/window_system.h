@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QMargins>
 #include <QPoint>
 #include <QPointF>
+#include <QRect>
 #include <functional>
 #include <memory>
 #include <string>
@@ -11,8 +13,6 @@
 #include "base/subscription.h"
 #include "platform/windows_process.h"
 
-class QMargins;
-class QRect;
 class QWidget;
 
 namespace nimbo {
@@ -55,6 +55,10 @@ class WindowSystem {
 
   /// Gives a window its frame, or one as near to that as the window system lets it.
   virtual void hang(QWidget& window, const QRect& frame, const Hanging& hanging) = 0;
+
+  /// How much at each edge of `screen` is kept free for panels, which the toolkit does not tell when there are several
+  /// screens. All in the window system's own pixels.
+  [[nodiscard]] virtual QMargins panelMargins(const QRect& /*screen*/) const { return {}; }
 
   /// Gives the keyboard focus to a window that the user asked for, perhaps in another program such as
   /// the panel.

@@ -77,6 +77,17 @@ class X11Client {
     return window;
   }
 
+  /// Left, right, top, bottom; then, if it is partial, from where to where along each of these edges.
+  void makePanel(const std::vector<std::uint32_t>& strut) {
+    const xcb_window_t window = makeWindow("_NET_WM_WINDOW_TYPE_DOCK");
+    xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window,
+                        atom(strut.size() == 4 ? "_NET_WM_STRUT" : "_NET_WM_STRUT_PARTIAL"), XCB_ATOM_CARDINAL, 32,
+                        static_cast<std::uint32_t>(strut.size()), strut.data());
+    xcb_change_property(connection_, XCB_PROP_MODE_APPEND, screen_->root, atom("_NET_CLIENT_LIST"), XCB_ATOM_WINDOW, 32,
+                        1, &window);
+    sync();
+  }
+
   /// As a window manager does.
   void announceActiveWindow(xcb_window_t window) {
     xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, screen_->root, atom("_NET_ACTIVE_WINDOW"), XCB_ATOM_WINDOW,

@@ -238,6 +238,28 @@ TEST_F(X11Window, InAWaylandSessionLosingTheFocusIsReported) {
   EXPECT_TRUE(eventually([this] { return activations_ == 1; }));
 }
 
+TEST_F(X11Window, PanelsLeaveTheRestOfTheirScreenVisible) {
+  start();
+  const auto visible = [this] { return interface_->screens().at(0).visibleFrame; };
+  EXPECT_EQ(visible(), (Rect{0, 0, 1280, 800}));
+  client_.makePanel({0, 0, 28, 0, 0, 0, 0, 0, 1280, 2559, 0, 0});
+  EXPECT_EQ(visible(), (Rect{0, 0, 1280, 800})) << "beside this screen";
+  client_.makePanel({0, 1400, 0, 0, 0, 0, 0, 799, 0, 0, 0, 0});
+  EXPECT_EQ(visible(), (Rect{0, 0, 1280, 800})) << "on a screen to the left";
+  client_.makePanel({0, 0, 0, 36, 0, 0, 0, 0, 0, 0, 0, 1279});
+  EXPECT_EQ(visible(), (Rect{0, 0, 1280, 764}));
+  client_.makePanel({40, 0, 0, 0});
+  client_.makePanel({0, 50, 24, 0});
+  EXPECT_EQ(visible(), (Rect{40, 24, 1190, 740}));
+}
+
+TEST_F(X11Window, ScaleTwoHalvesPanels) {
+  qputenv("QT_SCALE_FACTOR", "2");
+  start();
+  client_.makePanel({0, 0, 0, 72, 0, 0, 0, 0, 0, 0, 0, 1279});
+  EXPECT_EQ(interface_->screens().at(0).visibleFrame, (Rect{0, 0, 640, 364}));
+}
+
 TEST_F(X11Window, ScaleTwoHalvesPixelsIntoPoints) {
   qputenv("QT_SCALE_FACTOR", "2");
   open();
