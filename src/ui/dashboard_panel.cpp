@@ -31,9 +31,9 @@ void DashboardPanel::render(const DashboardContent& content) {
 void DashboardPanel::show(const WindowPlace& place) {
   if (screens_.screens().empty()) return;
   ownItems_ = place.ownItems;
-  // Converted now, while the pointer is still where the click was.
+  // Now, while the pointer is still where the click was.
+  pointer_ = screens_.pointer();
   reported_ = place.item ? std::optional(screens_.toPoints(*place.item)) : std::nullopt;
-  source_ = PlaceSource::bar;
   if (!screensChanged_) {
     screensChanged_ = screens_.observeScreens([this] {
       if (visible()) reposition();
@@ -45,7 +45,7 @@ void DashboardPanel::show(const WindowPlace& place) {
 
 void DashboardPanel::reposition() {
   // Without a screen the panel keeps its last place.
-  if (const auto anchor = panelAnchor(screens_.screens(), reported_, source_)) anchor_ = anchor;
+  if (const auto anchor = panelAnchor(screens_.screens(), reported_, pointer_)) anchor_ = anchor;
   if (!anchor_) return;
   window_->hangFrom(*anchor_);
   window_->setFrame(panelFrame(*anchor_, contentSize_));
@@ -53,9 +53,7 @@ void DashboardPanel::reposition() {
 
 void DashboardPanel::pointerFound(Point place) {
   if (!reported_) return;
-  reported_->x = place.x - reported_->width / 2;
-  reported_->y = place.y - reported_->height / 2;
-  source_ = PlaceSource::pointer;
+  pointer_ = place;
   reposition();
 }
 

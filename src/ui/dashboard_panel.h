@@ -27,6 +27,8 @@ class Screens {
   /// programs report pixels, others points: on a scaled screen the pointer, which is there, tells which. Once
   /// it has moved away, what it told last holds.
   [[nodiscard]] virtual Rect toPoints(const Rect& reported) { return reported; }
+  /// Where the pointer is, in points; absent where the window system does not tell over other programs' windows.
+  [[nodiscard]] virtual std::optional<Point> pointer() const { return std::nullopt; }
 };
 
 /// The dropdown that holds the dashboard: keeps its window at the status item that was clicked, and closes on Escape,
@@ -60,7 +62,7 @@ class DashboardPanel final : public ContentWindow<DashboardContent> {
   std::function<void(ClosedBy by)> closed_;
 
   std::optional<Rect> reported_;
-  PlaceSource source_ = PlaceSource::bar;  ///< of what is reported
+  std::optional<Point> pointer_;
   std::vector<Rect> ownItems_;
   std::optional<PanelAnchor> anchor_;
   Size contentSize_{340, 496};

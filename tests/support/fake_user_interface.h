@@ -35,6 +35,8 @@ class FakeUserInterface final : public UserInterface, public Screens {
     return {reported.x / scale, reported.y / scale, reported.width / scale, reported.height / scale};
   }
 
+  [[nodiscard]] std::optional<Point> pointer() const override { return pointerPlace; }
+
   void setAppearance(Appearance appearance) override { appearances_.push_back(appearance); }
 
   void setMenuListener(MenuListener chosen) override { menuChosen_ = std::move(chosen); }
@@ -67,6 +69,7 @@ class FakeUserInterface final : public UserInterface, public Screens {
 
   /// How many of the bar's pixels make a point.
   double scale = 1;
+  std::optional<Point> pointerPlace;
 
   [[nodiscard]] std::size_t observerCount() const { return observers_->size(); }
   [[nodiscard]] const std::vector<Appearance>& appearances() const { return appearances_; }

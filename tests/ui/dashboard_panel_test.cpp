@@ -204,6 +204,16 @@ TEST_F(DashboardPanelTest, DestroyingItStopsObserving) {
   interface_.setScreens({});
 }
 
+TEST_F(DashboardPanelTest, StaysWhereThePointerWasWhenTheBarTellsARelativePlace) {
+  interface_.pointerPlace = Point{1012, 12};
+  panel_->show({Rect{12, 0, 24, 24}, {}});
+  const Rect frame = window_.frame();
+  EXPECT_EQ(frame, kMemoryFrame);
+  interface_.pointerPlace = Point{300, 12};
+  interface_.setScreens(interface_.screens());
+  EXPECT_EQ(window_.frame(), frame);
+}
+
 TEST_F(DashboardPanelTest, BarsThatCountInPixelsAreUnderstood) {
   interface_.scale = 2;
   panel_->show({Rect{2000, 0, 48, 48}, {{2000, 0, 48, 48}}});

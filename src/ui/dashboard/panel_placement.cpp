@@ -82,14 +82,24 @@ std::optional<PanelAnchor> anchorNearEdge(const Screen& screen, const Rect& repo
   return std::nullopt;
 }
 
-std::optional<PanelAnchor> trustedAnchor(const std::vector<Screen>& screens, const Rect& reported, PlaceSource source) {
-  const Point place = center(reported);
-  const Screen* screen = screenAt(screens, place);
+std::optional<PanelAnchor> anchorAt(const std::vector<Screen>& screens, const Rect& place) {
+  const Screen* const screen = screenAt(screens, center(place));
   if (screen == nullptr) return std::nullopt;
-  const auto anchor = panelEdge(*screen) ? anchorInPanel(*screen, reported) : anchorNearEdge(*screen, reported);
-  const bool onlyPanel = panelEdge(*screen) && panelCount(screens) == 1;
-  if (source == PlaceSource::bar && maybeRelative(place) && !onlyPanel) return std::nullopt;
-  return anchor;
+  return panelEdge(*screen) ? anchorInPanel(*screen, place) : anchorNearEdge(*screen, place);
+}
+
+std::optional<PanelAnchor> trustedAnchor(const std::vector<Screen>& screens, const Rect& reported,
+                                         const std::optional<Point>& pointer) {
+  const auto anchor = anchorAt(screens, reported);
+  if (anchor && !maybeRelative(center(reported))) return anchor;
+  if (pointer) {
+    const Rect there{pointer->x - reported.width / 2, pointer->y - reported.height / 2, reported.width,
+                     reported.height};
+    if (const auto found = anchorAt(screens, there)) return found;
+  }
+  const Screen* const screen = screenAt(screens, center(reported));
+  const bool onlyPanel = screen != nullptr && panelEdge(*screen) && panelCount(screens) == 1;
+  return onlyPanel ? anchor : std::nullopt;
 }
 
 /// The end of the screen's panel where items usually are.
@@ -115,10 +125,10 @@ double clamped(double value, double low, double high) { return std::max(low, std
 }  // namespace
 
 std::optional<PanelAnchor> panelAnchor(const std::vector<Screen>& screens, const std::optional<Rect>& reported,
-                                       PlaceSource source) {
+                                       const std::optional<Point>& pointer) {
   if (screens.empty()) return std::nullopt;
   if (reported) {
-    if (const auto anchor = trustedAnchor(screens, *reported, source)) return anchor;
+    if (const auto anchor = trustedAnchor(screens, *reported, pointer)) return anchor;
   }
   auto anchor = cornerAnchor(likelyScreen(screens, reported));
   anchor.guessed = reported.has_value();

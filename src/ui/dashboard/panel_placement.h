@@ -29,16 +29,13 @@ struct PanelAnchor {
   bool operator==(const PanelAnchor&) const = default;
 };
 
-/// How a place came to be known.
-enum class PlaceSource { bar, pointer };
-
 /// The place for a panel whose item the bar reported at `reported`. Bars report in three ways, in
 /// screen coordinates, relative to the item, and not at all; a place that is not along a screen's
-/// edge is not believed and the end of the panel where items usually are is taken. Absent only
-/// without a screen.
+/// edge is not believed, and neither is one that looks relative: instead counts `pointer`, where the click was, else the
+/// end of the panel where items usually are. Absent only without a screen.
 [[nodiscard]] std::optional<PanelAnchor> panelAnchor(const std::vector<Screen>& screens,
                                                      const std::optional<Rect>& reported,
-                                                     PlaceSource source = PlaceSource::bar);
+                                                     const std::optional<Point>& pointer = {});
 
 /// The frame of a dashboard of that size: 4 points off the anchor, moved and cut only as far as
 /// its screen's visible frame demands.

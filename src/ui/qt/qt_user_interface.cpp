@@ -123,6 +123,13 @@ Rect QtUserInterface::toPoints(const Rect& reported) {
   return reported;
 }
 
+std::optional<Point> QtUserInterface::pointer() const {
+  const bool wayland = QGuiApplication::platformName().startsWith("wayland");
+  if (wayland || !windowSystem_->popupsHearAllClicks()) return std::nullopt;
+  const QPoint place = QCursor::pos();
+  return Point{static_cast<double>(place.x()), static_cast<double>(place.y())};
+}
+
 void QtUserInterface::setAppearance(Appearance appearance) {
   theme_.setAppearance(appearance);
   QApplication::setPalette(theme_.palette());

@@ -33,6 +33,7 @@ class QtUserInterface final : public UserInterface, public Screens {
     return screenObservers_.add(std::move(changed));
   }
   [[nodiscard]] Rect toPoints(const Rect& reported) override;
+  [[nodiscard]] std::optional<Point> pointer() const override;
   void setAppearance(Appearance appearance) override;
   void setMenuListener(MenuListener chosen) override { mainMenuKeys_.setListener(std::move(chosen)); }
   [[nodiscard]] std::unique_ptr<DashboardWindow> makeDashboardWindow() override;

@@ -17,8 +17,9 @@ const Screen kTopAndBottom{kFrame, {0, 24, 1440, 848}};
 /// What a bar reports that knows where the pointer is: a small square around it.
 Rect around(double x, double y) { return {x - 12, y - 12, 24, 24}; }
 
-PanelAnchor anchorOf(const std::vector<Screen>& screens, const std::optional<Rect>& reported) {
-  const auto anchor = panelAnchor(screens, reported);
+PanelAnchor anchorOf(const std::vector<Screen>& screens, const std::optional<Rect>& reported,
+                     const std::optional<Point>& pointer = {}) {
+  const auto anchor = panelAnchor(screens, reported, pointer);
   EXPECT_TRUE(anchor.has_value());
   return anchor.value_or(PanelAnchor{});
 }
@@ -102,6 +103,14 @@ TEST(PanelAnchor, PlaceRelativeToTheItemIsNotTakenForTheScreensCorner) {
 TEST(PanelAnchor, CornerIsBelievedWhenTheOnlyPanelRunsThere) {
   EXPECT_EQ(anchorOf({kTop}, around(12, 14)).rect, (Rect{0, 0, 24, 24}));
   EXPECT_EQ(anchorOf({kLeft}, around(12, 14)).rect, (Rect{0, 2, 48, 24}));
+}
+
+TEST(PanelAnchor, PointerInAPanelCountsInPlaceOfARelativeOne) {
+  EXPECT_EQ(anchorOf({kTop}, around(36, 14), Point{1000, 10}).rect, (Rect{988, 0, 24, 24}));
+  EXPECT_EQ(anchorOf({kBottom}, around(36, 14), Point{1000, 880}).rect, (Rect{988, 856, 24, 44}));
+  EXPECT_EQ(anchorOf({kBare}, around(36, 14), Point{1000, 890}).edge, ScreenEdge::bottom);
+  EXPECT_EQ(anchorOf({kTop}, around(36, 14), Point{700, 450}).rect, (Rect{24, 0, 24, 24})) << "it has moved on";
+  EXPECT_EQ(anchorOf({kTop}, around(1000, 10), Point{700, 10}).rect, (Rect{988, 0, 24, 24})) << "not relative";
 }
 
 TEST(PanelAnchor, ScreenThatContainsThePlaceIsTaken) {

@@ -42,8 +42,8 @@ class WindowSystem {
   /// counted nor given a shadow.
   virtual void announceMargins(QWidget& /*window*/, const QMargins& /*margins*/) {}
 
-  /// Whether a popup hears of clicks on every other window. If not, menu windows are ordinary ones
-  /// and close when they lose the keyboard focus.
+  /// Whether a popup hears of clicks on every other window, and the pointer's place is known over them. If not, menu
+  /// windows are ordinary ones and close when they lose the keyboard focus.
   [[nodiscard]] virtual bool popupsHearAllClicks() const = 0;
 
   /// Whether no other program holds the pointer or the keyboard, as one does while a button that was

@@ -260,6 +260,18 @@ TEST_F(X11Window, ScaleTwoHalvesPanels) {
   EXPECT_EQ(interface_->screens().at(0).visibleFrame, (Rect{0, 0, 640, 364}));
 }
 
+TEST_F(X11Window, PointerIsKnownInPointsButNotInAWaylandSession) {
+  qputenv("QT_SCALE_FACTOR", "2");
+  start();
+  client_.movePointer(1000, 20);
+  EXPECT_EQ(interface_->pointer(), (Point{500, 10}));
+  window_.reset();
+  interface_.reset();
+  qputenv("WAYLAND_DISPLAY", "wayland-0");
+  start();
+  EXPECT_EQ(interface_->pointer(), std::nullopt);
+}
+
 TEST_F(X11Window, ScaleTwoHalvesPixelsIntoPoints) {
   qputenv("QT_SCALE_FACTOR", "2");
   open();
