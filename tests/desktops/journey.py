@@ -360,8 +360,10 @@ class Journey:
         self.toggle_session(False)
 
     def step_place(self):
-        box = self.open_dashboard()
+        self.open_dashboard()
         self.park()
+        self.still()  # a tooltip may lie over it
+        box = self.opened()
         self.picture("dashboard")
         item = self.boxes[1]
         work = self.desktop.work
