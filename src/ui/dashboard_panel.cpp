@@ -60,8 +60,13 @@ void DashboardPanel::pointerFound(Point place) {
 void DashboardPanel::clickedOutside(std::optional<Point> place) {
   // A window that has grabbed the pointer keeps the click from everybody else. Otherwise the item reports it, too, and
   // its owner then closes or moves the panel.
-  if (window_->grabsPointer()) return close(ClosedBy::other);
-  if (!onOwnItem(place)) close(ClosedBy::clickElsewhere);
+  if (!window_->grabsPointer()) {
+    if (!onOwnItem(place)) close(ClosedBy::clickElsewhere);
+    return;
+  }
+  close(ClosedBy::other);
+  // Where a double click opens the dashboard, the second one alone would open the item's menu.
+  if (onOwnItem(place)) window_->keepSecondClick();
 }
 
 void DashboardPanel::close(ClosedBy by) {

@@ -31,6 +31,7 @@ class FakeMenuWindow final : public MenuWindow {
   void hide() override { visible_ = false; }
   [[nodiscard]] bool visible() const override { return visible_; }
   [[nodiscard]] bool grabsPointer() const override { return pointerGrabbed; }
+  void keepSecondClick() override { secondClickKept = true; }
 
   // What a user or the desktop does; ignored while hidden, as a real window has it.
 
@@ -60,6 +61,7 @@ class FakeMenuWindow final : public MenuWindow {
 
   bool canBeShown = true;
   bool pointerGrabbed = false;
+  bool secondClickKept = false;
 
  private:
   void callWhileVisible(const std::function<void()>& event) {

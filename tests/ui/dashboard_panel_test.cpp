@@ -122,12 +122,21 @@ TEST_F(DashboardPanelTest, ClickOnAnotherOwnItemPassesThroughAndShowMovesThePane
   EXPECT_TRUE(panel_->visible());
 }
 
-TEST_F(DashboardPanelTest, ClickOnAnItemThatTheWindowKeepsFromItCloses) {
+TEST_F(DashboardPanelTest, DoubleClickOnAnItemThatTheWindowKeepsFromItCloses) {
   window_.pointerGrabbed = true;
   show();
   window_.clickOutside(Point{1010, 10});
   EXPECT_FALSE(panel_->visible());
+  EXPECT_TRUE(window_.secondClickKept);
   EXPECT_EQ(closed_, std::vector{ClosedBy::other});
+}
+
+TEST_F(DashboardPanelTest, ClickElsewhereThatTheWindowKeepsIsTheOnlyOne) {
+  window_.pointerGrabbed = true;
+  show();
+  window_.clickOutside(Point{500, 300});
+  EXPECT_FALSE(panel_->visible());
+  EXPECT_FALSE(window_.secondClickKept);
 }
 
 TEST_F(DashboardPanelTest, OtherApplicationInFrontCloses) {

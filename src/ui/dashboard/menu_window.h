@@ -49,6 +49,10 @@ class MenuWindow {
   /// Whether the window has the pointer to itself while it is visible, so that the clicks it reports
   /// from outside reach nobody else.
   [[nodiscard]] virtual bool grabsPointer() const { return false; }
+
+  /// After a click outside that has closed it: where nobody else got that click, nobody gets a second one of a double
+  /// click either.
+  virtual void keepSecondClick() {}
 };
 
 }  // namespace nimbo

@@ -102,6 +102,8 @@ QtDashboardWindow::QtDashboardWindow(const Theme& theme, WindowSystem& windowSys
     // A turn later, because the focus may only be on its way to a window of our own.
     if (focused == nullptr && windowType() != Qt::Popup) deactivationTimer_.start();
   });
+  secondClickTimer_.setSingleShot(true);
+  connect(&secondClickTimer_, &QTimer::timeout, this, [this] { secondClick_.reset(); });
   grabTimer_.setInterval(kGrabInterval);
   connect(&grabTimer_, &QTimer::timeout, this, [this] { grabInput(); });
 }
@@ -127,6 +129,7 @@ void QtDashboardWindow::show() {
   if (presentAlert(windowSystem_)) return;
   if (!isVisible()) {
     arrangeMargins();
+    secondClick_.reset();
     // The focus is in the window but on no control: Tab goes to the first one, and nothing is marked
     // until then.
     setAttribute(Qt::WA_KeyboardFocusChange, false);
@@ -245,6 +248,11 @@ void QtDashboardWindow::mouseReleaseEvent(QMouseEvent* /*event*/) {
 
 void QtDashboardWindow::clickedOutside(const QPointF& place) {
   call(events_.clickedOutside, Point{place.x(), place.y()});
+}
+
+void QtDashboardWindow::keepSecondClick() {
+  secondClick_ = windowSystem_.holdPointer();
+  secondClickTimer_.start(QApplication::doubleClickInterval());
 }
 
 void QtDashboardWindow::checkDeactivation() {

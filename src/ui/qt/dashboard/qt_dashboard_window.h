@@ -31,6 +31,7 @@ class QtDashboardWindow final : public QWidget, public MenuWindow {
   void hide() override;
   [[nodiscard]] bool visible() const override { return isVisible(); }
   [[nodiscard]] bool grabsPointer() const override { return inputGrabbed_; }
+  void keepSecondClick() override;
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
@@ -59,6 +60,8 @@ class QtDashboardWindow final : public QWidget, public MenuWindow {
   ControlListener listener_;
   MenuWindowEvents events_;
   Subscription otherActivation_;
+  Subscription secondClick_;
+  QTimer secondClickTimer_;
   QTimer deactivationTimer_;
   QTimer grabTimer_;
   int grabAttempts_ = 0;

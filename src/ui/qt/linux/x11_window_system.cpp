@@ -77,10 +77,7 @@ void X11WindowSystem::announceMargins(QWidget& window, const QMargins& margins) 
 // The toolkit believes that it has the pointer whenever the server answers at all, so ask
 // the server itself: take both and let go again.
 bool X11WindowSystem::inputIsFree() {
-  const auto pointerRequest = xcb_grab_pointer(&connection_, 0, root_, 0, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC,
-                                               XCB_NONE, XCB_NONE, XCB_CURRENT_TIME);
-  const auto pointer = owned(xcb_grab_pointer_reply(&connection_, pointerRequest, nullptr));
-  if (pointer == nullptr || pointer->status != XCB_GRAB_STATUS_SUCCESS) return false;
+  if (!grabPointer()) return false;
   xcb_ungrab_pointer(&connection_, XCB_CURRENT_TIME);
 
   const auto keyboardRequest =
@@ -89,6 +86,21 @@ bool X11WindowSystem::inputIsFree() {
   if (keyboard == nullptr || keyboard->status != XCB_GRAB_STATUS_SUCCESS) return false;
   xcb_ungrab_keyboard(&connection_, XCB_CURRENT_TIME);
   return true;
+}
+
+bool X11WindowSystem::grabPointer() {
+  const auto request = xcb_grab_pointer(&connection_, 0, root_, 0, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC, XCB_NONE,
+                                        XCB_NONE, XCB_CURRENT_TIME);
+  const auto reply = owned(xcb_grab_pointer_reply(&connection_, request, nullptr));
+  return reply != nullptr && reply->status == XCB_GRAB_STATUS_SUCCESS;
+}
+
+Subscription X11WindowSystem::holdPointer() {
+  if (!grabPointer()) return {};
+  return Subscription([this] {
+    xcb_ungrab_pointer(&connection_, XCB_CURRENT_TIME);
+    xcb_flush(&connection_);
+  });
 }
 
 Subscription X11WindowSystem::observeOtherActivation(std::function<void()> activated) {

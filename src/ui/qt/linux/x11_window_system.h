@@ -20,6 +20,7 @@ class X11WindowSystem final : public WindowSystem, private QAbstractNativeEventF
   void announceMargins(QWidget& window, const QMargins& margins) override;
   [[nodiscard]] bool popupsHearAllClicks() const override { return !waylandSession_; }
   [[nodiscard]] bool inputIsFree() override;
+  [[nodiscard]] Subscription holdPointer() override;
   [[nodiscard]] Subscription observeOtherActivation(std::function<void()> activated) override;
   void hang(QWidget& window, const QRect& frame, const Hanging& hanging) override;
   [[nodiscard]] QMargins panelMargins(const QRect& screen) const override;
@@ -28,6 +29,7 @@ class X11WindowSystem final : public WindowSystem, private QAbstractNativeEventF
  private:
   bool nativeEventFilter(const QByteArray& eventType, void* message, qintptr* result) override;
   void activeWindowChanged();
+  [[nodiscard]] bool grabPointer();
   [[nodiscard]] xcb_atom_t atom(const std::string& name) const;
   [[nodiscard]] std::vector<std::uint32_t> properties(xcb_window_t window, xcb_atom_t name, xcb_atom_t type) const;
   [[nodiscard]] std::uint32_t property(xcb_window_t window, xcb_atom_t name, xcb_atom_t type) const;

@@ -50,6 +50,9 @@ class WindowSystem {
   /// pressed on it is down. Not to be asked by a window that holds them itself.
   [[nodiscard]] virtual bool inputIsFree() = 0;
 
+  /// Takes the pointer from all windows until let go. Not for a program of which a window has it.
+  [[nodiscard]] virtual Subscription holdPointer() { return {}; }
+
   /// Tells when a window of another application becomes the active one.
   [[nodiscard]] virtual Subscription observeOtherActivation(std::function<void()> activated) = 0;
 

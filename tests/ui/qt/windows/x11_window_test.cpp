@@ -174,6 +174,25 @@ TEST_F(X11Window, HiddenWindowLetsThePointerGo) {
   EXPECT_TRUE(eventually([this] { return client_.grabPointer(); }));
 }
 
+TEST_F(X11Window, SecondClickIsKeptFromOthersUntilItIsNoDoubleClickAnyMore) {
+  open();
+  QApplication::setDoubleClickInterval(100);
+  window_->hide();
+  window_->keepSecondClick();
+  EXPECT_FALSE(client_.grabPointer());
+  EXPECT_TRUE(eventually([this] { return client_.grabPointer(); }));
+}
+
+TEST_F(X11Window, OpenedAgainBeforeTheSecondClickTakesThePointer) {
+  open();
+  window_->hide();
+  window_->keepSecondClick();
+  window_->show();
+  EXPECT_TRUE(window_->grabsPointer());
+  client_.click(600, 300);
+  EXPECT_TRUE(eventually([this] { return !outside_.empty(); }));
+}
+
 TEST_F(X11Window, OpensAgainAfterHiding) {
   open();
   window_->hide();
