@@ -64,9 +64,9 @@ void DashboardPanel::clickedOutside(std::optional<Point> place) {
     if (!onOwnItem(place)) close(ClosedBy::clickElsewhere);
     return;
   }
-  close(ClosedBy::other);
   // Where a double click opens the dashboard, the second one alone would open the item's menu.
   if (onOwnItem(place)) window_->keepSecondClick();
+  close(ClosedBy::other);
 }
 
 void DashboardPanel::close(ClosedBy by) {

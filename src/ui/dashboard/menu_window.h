@@ -50,8 +50,7 @@ class MenuWindow {
   /// from outside reach nobody else.
   [[nodiscard]] virtual bool grabsPointer() const { return false; }
 
-  /// After a click outside that has closed it: where nobody else got that click, nobody gets a second one of a double
-  /// click either.
+  /// Before it is hidden because of a click that nobody else got: nobody gets the second one of a double click either.
   virtual void keepSecondClick() {}
 };
 

@@ -88,6 +88,7 @@ QtDashboardWindow::QtDashboardWindow(const Theme& theme, WindowSystem& windowSys
     : QWidget(nullptr, flagsFor(windowSystem)),
       theme_(theme),
       windowSystem_(windowSystem),
+      catcher_(windowSystem.makeClickCatcher()),
       page_(new DashboardPage(
           theme, [this](const ControlEvent& event) { call(listener_, event); }, this)) {
   setObjectName("dashboard");
@@ -103,7 +104,7 @@ QtDashboardWindow::QtDashboardWindow(const Theme& theme, WindowSystem& windowSys
     if (focused == nullptr && windowType() != Qt::Popup) deactivationTimer_.start();
   });
   secondClickTimer_.setSingleShot(true);
-  connect(&secondClickTimer_, &QTimer::timeout, this, [this] { secondClick_.reset(); });
+  connect(&secondClickTimer_, &QTimer::timeout, this, [this] { letClicksGo(); });
   grabTimer_.setInterval(kGrabInterval);
   connect(&grabTimer_, &QTimer::timeout, this, [this] { grabInput(); });
 }
@@ -129,6 +130,7 @@ void QtDashboardWindow::show() {
   if (presentAlert(windowSystem_)) return;
   if (!isVisible()) {
     arrangeMargins();
+    secondClickTimer_.stop();
     secondClick_.reset();
     // The focus is in the window but on no control: Tab goes to the first one, and nothing is marked
     // until then.
@@ -172,6 +174,7 @@ void QtDashboardWindow::showEvent(QShowEvent* event) {
   QWidget::showEvent(event);
   qApp->installEventFilter(this);
   windowSystem_.announceMargins(*this, margins_);
+  catchClicks();
   if (windowType() != Qt::Popup) return;
   otherActivation_ = windowSystem_.observeOtherActivation([this] { call(events_.otherApplicationActivated); });
 }
@@ -184,6 +187,23 @@ void QtDashboardWindow::hideEvent(QHideEvent* event) {
   otherActivation_.reset();
   grabTimer_.stop();
   inputGrabbed_ = false;
+  if (!std::exchange(keepsSecondClick_, false)) return letClicksGo();
+  if (!catcher_) secondClick_ = windowSystem_.holdPointer();
+  secondClickTimer_.start(QApplication::doubleClickInterval());
+}
+
+void QtDashboardWindow::catchClicks() {
+  if (!catcher_) return;
+  // Were it exactly as large as a screen, the shell would take it for a full-screen window and hide its panel.
+  const QRect screens = screen()->virtualGeometry() + QMargins(1, 1, 1, 1);
+  catcher_->setGeometry(screens);
+  catcher_->setMask((QRegion(screens) - (geometry() - margins_)).translated(-screens.topLeft()));
+  catcher_->show();
+}
+
+void QtDashboardWindow::letClicksGo() {
+  secondClick_.reset();
+  if (catcher_) catcher_->hide();
 }
 
 // The toolkit tries once, but a panel that acts on the press of a button holds the pointer until the
@@ -204,6 +224,7 @@ bool QtDashboardWindow::eventFilter(QObject* watched, QEvent* event) {
   if (!watched->isWindowType()) return false;
   // A popup gets all keys and clicks; of other windows, keys are theirs.
   const bool own = watched == windowHandle();
+  const bool caught = catcher_ && watched == catcher_.get();
   switch (event->type()) {
     case QEvent::KeyPress:
       if (std::exchange(keyIsForInnerPopup_, false) || inner) return !inner;
@@ -211,7 +232,11 @@ bool QtDashboardWindow::eventFilter(QObject* watched, QEvent* event) {
     case QEvent::MouseButtonPress:
       setAttribute(Qt::WA_KeyboardFocusChange, false);
       update();
-      if (!own && !inner) clickedOutside(static_cast<QMouseEvent*>(event)->globalPosition());
+      if (caught && !inner) pressedOutside_ = static_cast<QMouseEvent*>(event)->globalPosition();
+      if (!own && !inner && !caught) clickedOutside(static_cast<QMouseEvent*>(event)->globalPosition());
+      return false;
+    case QEvent::MouseButtonRelease:
+      if (caught) releasedOutside();
       return false;
     default:
       return false;
@@ -238,21 +263,18 @@ void QtDashboardWindow::mousePressEvent(QMouseEvent* event) {
 }
 
 // Only now: closed at the press, it would leave the release to the window below, and some panels take that for a click.
-void QtDashboardWindow::mouseReleaseEvent(QMouseEvent* /*event*/) {
+void QtDashboardWindow::mouseReleaseEvent(QMouseEvent* /*event*/) { releasedOutside(); }
+
+void QtDashboardWindow::releasedOutside() {
   const auto place = std::exchange(pressedOutside_, std::nullopt);
   if (!place) return;
-  if (!rect().contains(mapFromGlobal(*place).toPoint())) return clickedOutside(*place);
+  if (grabsPointer() || !rect().contains(mapFromGlobal(*place).toPoint())) return clickedOutside(*place);
   // Without its place: an item that is under the margin does not get this click.
   call(events_.clickedOutside, std::nullopt);
 }
 
 void QtDashboardWindow::clickedOutside(const QPointF& place) {
   call(events_.clickedOutside, Point{place.x(), place.y()});
-}
-
-void QtDashboardWindow::keepSecondClick() {
-  secondClick_ = windowSystem_.holdPointer();
-  secondClickTimer_.start(QApplication::doubleClickInterval());
 }
 
 void QtDashboardWindow::checkDeactivation() {
@@ -268,9 +290,15 @@ void QtDashboardWindow::closeEvent(QCloseEvent* event) {
   event->setAccepted(!isVisible());
 }
 
+void QtDashboardWindow::moveEvent(QMoveEvent* event) {
+  QWidget::moveEvent(event);
+  if (isVisible()) catchClicks();
+}
+
 void QtDashboardWindow::resizeEvent(QResizeEvent* event) {
   QWidget::resizeEvent(event);
   shapeCorners();
+  if (isVisible()) catchClicks();
 }
 
 void QtDashboardWindow::shapeCorners() {

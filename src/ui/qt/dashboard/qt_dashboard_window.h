@@ -5,6 +5,7 @@
 #include <QPointF>
 #include <QTimer>
 #include <QWidget>
+#include <memory>
 #include <optional>
 
 #include "base/subscription.h"
@@ -30,13 +31,14 @@ class QtDashboardWindow final : public QWidget, public MenuWindow {
   /// Takes it from the screen, with whatever its controls have opened.
   void hide() override;
   [[nodiscard]] bool visible() const override { return isVisible(); }
-  [[nodiscard]] bool grabsPointer() const override { return inputGrabbed_; }
-  void keepSecondClick() override;
+  [[nodiscard]] bool grabsPointer() const override { return inputGrabbed_ || catcher_; }
+  void keepSecondClick() override { keepsSecondClick_ = true; }
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
   void showEvent(QShowEvent* event) override;
   void hideEvent(QHideEvent* event) override;
+  void moveEvent(QMoveEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
@@ -48,7 +50,11 @@ class QtDashboardWindow final : public QWidget, public MenuWindow {
   [[nodiscard]] bool keyDown(const QKeyEvent& key);
   /// Presses the button whose key equivalent `key` is; whether there was one.
   [[nodiscard]] bool performKeyEquivalent(const QKeyEvent& key);
+  void releasedOutside();
   void clickedOutside(const QPointF& place);
+  /// Has every click that is not on the card come to the catcher.
+  void catchClicks();
+  void letClicksGo();
   void checkDeactivation();
   void grabInput();
   void shapeCorners();
@@ -60,6 +66,8 @@ class QtDashboardWindow final : public QWidget, public MenuWindow {
   ControlListener listener_;
   MenuWindowEvents events_;
   Subscription otherActivation_;
+  const std::unique_ptr<QWindow> catcher_;
+  bool keepsSecondClick_ = false;
   Subscription secondClick_;
   QTimer secondClickTimer_;
   QTimer deactivationTimer_;

@@ -2,6 +2,7 @@
 #include "ui/qt/linux/x11_window_system.h"
 
 #include <QCoreApplication>
+#include <QSurfaceFormat>
 #include <QWidget>
 #include <algorithm>
 #include <array>
@@ -49,6 +50,30 @@ QMargins marginsOn(const QRect& screen, const QRect& root, const std::vector<std
           taken(at(3) > 0 && alongX(10), screen.bottom() - (root.bottom() - at(3)), screen.height())};
 }
 
+/// Unmanaged, and not blocked by alerts, as tooltips are.
+class ClickCatcher final : public QWindow {
+ public:
+  explicit ClickCatcher(xcb_connection_t& connection) : connection_(connection) {
+    setFlags(Qt::ToolTip | Qt::FramelessWindowHint);
+    QSurfaceFormat format;
+    format.setAlphaBufferSize(8);
+    setFormat(format);
+  }
+
+ protected:
+  // Cleared by the server, since painting takes a picture as large as all screens; Xwayland shows no empty window.
+  void exposeEvent(QExposeEvent* /*event*/) override {
+    const auto window = static_cast<xcb_window_t>(winId());
+    const std::uint32_t transparent = 0;
+    xcb_change_window_attributes(&connection_, window, XCB_CW_BACK_PIXEL, &transparent);
+    xcb_clear_area(&connection_, 0, window, 0, 0, 0, 0);
+    xcb_flush(&connection_);
+  }
+
+ private:
+  xcb_connection_t& connection_;
+};
+
 }  // namespace
 
 X11WindowSystem::X11WindowSystem(xcb_connection_t& connection, bool waylandSession)
@@ -72,6 +97,11 @@ void X11WindowSystem::announceMargins(QWidget& window, const QMargins& margins) 
   const std::array<std::int32_t, 4> extents{pixels.left(), pixels.right(), pixels.top(), pixels.bottom()};
   xcb_change_property(&connection_, XCB_PROP_MODE_REPLACE, static_cast<xcb_window_t>(window.winId()),
                       atom("_GTK_FRAME_EXTENTS"), XCB_ATOM_CARDINAL, 32, extents.size(), extents.data());
+}
+
+// A Wayland compositor tells X11 programs nothing of clicks on the desktop, on its panels and on windows of others.
+std::unique_ptr<QWindow> X11WindowSystem::makeClickCatcher() {
+  return waylandSession_ ? std::make_unique<ClickCatcher>(connection_) : nullptr;
 }
 
 // The toolkit believes that it has the pointer whenever the server answers at all, so ask

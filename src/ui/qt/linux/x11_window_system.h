@@ -19,6 +19,7 @@ class X11WindowSystem final : public WindowSystem, private QAbstractNativeEventF
   [[nodiscard]] bool menusDrawShadows() const override { return true; }
   void announceMargins(QWidget& window, const QMargins& margins) override;
   [[nodiscard]] bool popupsHearAllClicks() const override { return !waylandSession_; }
+  [[nodiscard]] std::unique_ptr<QWindow> makeClickCatcher() override;
   [[nodiscard]] bool inputIsFree() override;
   [[nodiscard]] Subscription holdPointer() override;
   [[nodiscard]] Subscription observeOtherActivation(std::function<void()> activated) override;

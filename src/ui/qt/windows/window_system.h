@@ -5,6 +5,7 @@
 #include <QPoint>
 #include <QPointF>
 #include <QRect>
+#include <QWindow>
 #include <functional>
 #include <memory>
 #include <string>
@@ -45,6 +46,10 @@ class WindowSystem {
   /// Whether a popup hears of clicks on every other window, and the pointer's place is known over them. If not, menu
   /// windows are ordinary ones and close when they lose the keyboard focus.
   [[nodiscard]] virtual bool popupsHearAllClicks() const = 0;
+
+  /// Where they do not: a transparent window, hidden as yet, that lies over all others and over the panels, too. Null
+  /// where none does.
+  [[nodiscard]] virtual std::unique_ptr<QWindow> makeClickCatcher() { return nullptr; }
 
   /// Whether no other program holds the pointer or the keyboard, as one does while a button that was
   /// pressed on it is down. Not to be asked by a window that holds them itself.

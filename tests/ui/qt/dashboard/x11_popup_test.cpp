@@ -362,6 +362,14 @@ TEST_F(X11Alert, KeepsTheKeyboardFromADashboardThatIsOpened) {
   EXPECT_EQ(answers_, std::vector<std::size_t>{0});
 }
 
+TEST_F(X11Alert, AsToolWindowAClickOnItGoesToTheDashboardFirst) {
+  openAwakePageAsTool();
+  showAlert();
+  const QPoint place = alert().geometry().center();
+  client_.click(static_cast<std::int16_t>(place.x()), static_cast<std::int16_t>(place.y()));
+  EXPECT_TRUE(eventually([this] { return outside_.size() == 1; }));
+}
+
 TEST_F(X11Alert, AsToolWindowTheDashboardLeavesTheAlertItsKeys) {
   openAwakePageAsTool();
   showAlert();

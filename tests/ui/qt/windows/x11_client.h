@@ -53,6 +53,14 @@ class X11Client {
     releaseKey(code);
   }
 
+  /// The window without a parent that would get a click there.
+  [[nodiscard]] xcb_window_t windowAt(std::int16_t x, std::int16_t y) {
+    movePointer(x, y);
+    const auto reply =
+        owned(xcb_query_pointer_reply(connection_, xcb_query_pointer(connection_, screen_->root), nullptr));
+    return reply != nullptr ? reply->child : xcb_window_t{XCB_WINDOW_NONE};
+  }
+
   [[nodiscard]] bool grabPointer() {
     const auto request = xcb_grab_pointer(connection_, 0, screen_->root, XCB_EVENT_MASK_BUTTON_RELEASE,
                                           XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE, 0);

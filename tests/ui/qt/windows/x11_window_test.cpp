@@ -85,12 +85,12 @@ TEST_F(X11Window, ShadowGoesWithTheCompositor) {
             (std::vector<std::uint32_t>{0, 0, 0, 0}));
 }
 
-TEST_F(X11Window, ClickInTheMarginIsOneOutsideWithoutAPlace) {
+TEST_F(X11Window, ClickInTheMarginIsOneOutside) {
   client_.becomeCompositor();
   open();
   client_.click(200, 40);
   ASSERT_TRUE(eventually([this] { return !outside_.empty(); }));
-  EXPECT_EQ(outside_, std::vector<std::optional<Point>>{std::nullopt});
+  EXPECT_EQ(outside_[0], (Point{200, 40}));
   client_.click(105, 300);
   client_.click(600, 300);
   ASSERT_TRUE(eventually([this] { return outside_.size() >= 2; }));
@@ -177,16 +177,16 @@ TEST_F(X11Window, HiddenWindowLetsThePointerGo) {
 TEST_F(X11Window, SecondClickIsKeptFromOthersUntilItIsNoDoubleClickAnyMore) {
   open();
   QApplication::setDoubleClickInterval(100);
-  window_->hide();
   window_->keepSecondClick();
+  window_->hide();
   EXPECT_FALSE(client_.grabPointer());
   EXPECT_TRUE(eventually([this] { return client_.grabPointer(); }));
 }
 
 TEST_F(X11Window, OpenedAgainBeforeTheSecondClickTakesThePointer) {
   open();
-  window_->hide();
   window_->keepSecondClick();
+  window_->hide();
   window_->show();
   EXPECT_TRUE(window_->grabsPointer());
   client_.click(600, 300);
@@ -249,7 +249,6 @@ TEST_F(X11Window, InAWaylandSessionLosingTheFocusIsReported) {
   qputenv("WAYLAND_DISPLAY", "wayland-0");
   open();
   EXPECT_EQ(widget().windowType(), Qt::Tool);
-  EXPECT_FALSE(window_->grabsPointer());
   client_.focus(static_cast<xcb_window_t>(widget().winId()));
   ASSERT_TRUE(eventually([&] { return widget().isActiveWindow(); }));
   EXPECT_EQ(activations_, 0);
@@ -289,6 +288,46 @@ TEST_F(X11Window, PointerIsKnownInPointsButNotInAWaylandSession) {
   qputenv("WAYLAND_DISPLAY", "wayland-0");
   start();
   EXPECT_EQ(interface_->pointer(), std::nullopt);
+}
+
+class X11WindowInAWaylandSession : public X11Window {
+ protected:
+  void SetUp() override {
+    X11Window::SetUp();
+    qputenv("WAYLAND_DISPLAY", "wayland-0");
+    other_ = client_.makeWindow();
+    open();
+    ASSERT_TRUE(eventually([this] { return client_.windowAt(950, 550) != other_; }));
+  }
+  xcb_window_t other_ = XCB_WINDOW_NONE;
+};
+
+TEST_F(X11WindowInAWaylandSession, ClicksOutsideAreReportedAndKeptFromOthers) {
+  EXPECT_TRUE(window_->grabsPointer());
+  client_.click(130, 200);
+  client_.click(950, 550);
+  ASSERT_TRUE(eventually([this] { return !outside_.empty(); }));
+  EXPECT_EQ(outside_, std::vector<std::optional<Point>>{(Point{950, 550})});
+  window_->hide();
+  EXPECT_TRUE(eventually([this] { return client_.windowAt(950, 550) == other_; }));
+}
+
+TEST_F(X11WindowInAWaylandSession, ClicksOutsideAreThoseBesideTheCardAsItIsNow) {
+  const auto card = client_.windowAt(130, 200);
+  const auto around = client_.windowAt(600, 200);
+  EXPECT_NE(card, around);
+  window_->setFrame({500, 50, 340, 300});
+  EXPECT_TRUE(eventually([&] { return client_.windowAt(130, 200) == around; }));
+  EXPECT_TRUE(eventually([&] { return client_.windowAt(600, 400) == around; }));
+  EXPECT_TRUE(eventually([&] { return client_.windowAt(600, 200) == card; }));
+}
+
+TEST_F(X11WindowInAWaylandSession, SecondClickIsKeptFromOthersUntilItIsNoDoubleClickAnyMore) {
+  QApplication::setDoubleClickInterval(100);
+  window_->keepSecondClick();
+  window_->hide();
+  EXPECT_NE(client_.windowAt(950, 550), other_);
+  EXPECT_TRUE(eventually([this] { return client_.windowAt(950, 550) == other_; }));
 }
 
 TEST_F(X11Window, ScaleTwoHalvesPixelsIntoPoints) {
