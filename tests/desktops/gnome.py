@@ -64,6 +64,7 @@ class Gnome(Desktop):
             ("org.gnome.desktop.background", "picture-options", "none"),
             ("org.gnome.desktop.background", "primary-color", look.GROUND),
             ("org.gnome.desktop.interface", "color-scheme", self.scheme(self.dark)),
+            ("org.gnome.desktop.interface", "text-scaling-factor", self.text_scale()),
         ):
             self.run("gsettings", "set", schema, key, value)
         self.portal = Portal(self.session, self.dark)
@@ -74,7 +75,31 @@ class Gnome(Desktop):
         self.session.start(["/usr/libexec/gnome-session-binary", "--builtin", "--session=test"], **QUIET)
         self.wait_for_name("org.gnome.Shell")
         wait_until(lambda: self.evaluate("!Main.layoutManager._startingUp") == "true", "the shell", 60)
+        self.take_displays()
+        if self.picture_scale() > 1:
+            self.enlarge_screens()
+        self.session.start(["/usr/libexec/gsd-xsettings"], **QUIET)  # tells programs how large to draw
         self.evaluate("Main.overview.hide(); for (const source of Main.messageTray.getSources()) source.destroy();")
+
+    def picture_scale(self):
+        return self.scale / self.text_scale()
+
+    def text_scale(self):
+        """A fraction makes texts larger, not the screen."""
+        return 1 if self.scale == int(self.scale) else self.scale
+
+    def take_displays(self):
+        """Those that the shell has made."""
+
+    def enlarge_screens(self):
+        name, path = "org.gnome.Mutter.DisplayConfig", "/org/gnome/Mutter/DisplayConfig"
+        serial, monitors, _logical, _properties = self.session.call(name, path, name, "GetCurrentState")
+        scaled = [
+            (number * self.width, 0, self.scale, 0, number == 0, [(identity[0], modes[0][0], {})])
+            for number, (identity, modes, _monitor) in enumerate(monitors)
+        ]
+        parameters = GLib.Variant("(uua(iiduba(ssa{sv}))a{sv})", (serial, 1, scaled, {}))
+        self.session.call(name, path, name, "ApplyMonitorsConfig", parameters)
 
     def evaluate(self, script):
         try:
@@ -151,8 +176,7 @@ class GnomeWayland(Hands, Gnome):
         monitors = " ".join([f"--virtual-monitor {self.width}x{self.height}"] * self.screens)
         self.command = f"gnome-shell --headless --unsafe-mode --wayland-display wayland-test {monitors}"
 
-    def start_desktop(self):
-        super().start_desktop()
+    def take_displays(self):
         self.session.env["WAYLAND_DISPLAY"] = "wayland-test"
         for variable in ("DISPLAY", "XAUTHORITY"):
             self.session.env[variable] = self.evaluate(f"imports.gi.GLib.getenv('{variable}')").strip('"')

@@ -367,7 +367,7 @@ TEST_F(SniStatusBarTest, SwaysOwnBarIsToldFromOthersBeforeAnItemIsThere) {
     EXPECT_TRUE(host->registered.empty());
     orders.push_back(statusBar->itemOrder());
   });
-  item = statusBar->makeItem("nimbo-awake", content(), {});
+  item = statusBar->makeItem({"nimbo-awake"}, content(), {});
   EXPECT_TRUE(host->waitForItems(1));
   EXPECT_EQ(orders, std::vector{ItemOrder::newestFirst});
   host->registered.clear();
