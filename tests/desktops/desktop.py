@@ -141,10 +141,7 @@ class Desktop(Screen):
         data = pathlib.Path(self.session.env["XDG_DATA_HOME"])
         (data / "applications").mkdir()
         shutil.copy(REPOSITORY / "data" / "com.quellwerk.Nimbo.desktop", data / "applications")
-        for icon in (pathlib.Path(BINARY).parent.parent / "data" / "icons").glob("*/*.png"):
-            folder = data / "icons" / "hicolor" / icon.parent.name / "apps"
-            folder.mkdir(parents=True)
-            shutil.copy(icon, folder)
+        shutil.copytree(pathlib.Path(BINARY).parent.parent / "share" / "icons", data / "icons", dirs_exist_ok=True)
 
     def start_screens(self):
         """Two screens beside each other: a driver for none, instead of the server with one frame buffer."""
