@@ -9,7 +9,7 @@ from program import DesktopTest
 from sway import Sway, prepare
 
 GROUND = "#204060"
-BAR = ["bar {\n position top\n tray_output none\n status_command echo .\n font monospace 10\n}"]
+BAR = ["bar {\n position top\n tray_output none\n font monospace 10\n}"]
 GAP = 4
 WIDTH = 340
 ITEM = 24  # as wide as a place that is reported is taken to be, around that place
