@@ -66,7 +66,10 @@ class Server:
                     return
                 number = self.record(head)
                 _, manner, name = self.aliases().get(head.split(" ")[1], head.split(" ")[1]).split("/")
-                connection.sendall((self.folder / "answers" / name).read_bytes())
+                try:
+                    connection.sendall((self.folder / "answers" / name).read_bytes())
+                except OSError:
+                    return self.leave(number)
                 getattr(self, manner)(connection, number)
         except (OSError, ssl.SSLError):
             pass
@@ -92,6 +95,9 @@ class Server:
                 connection.sendall(data)
         except OSError:
             pass
+        self.leave(number)
+
+    def leave(self, number):
         (self.folder / "left" / str(number)).touch()
 
 
