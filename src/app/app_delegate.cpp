@@ -35,6 +35,7 @@ AppDelegate::AppDelegate(PlatformServices& platform, UserInterface& windows, Set
   awake_.onChange = [this] {
     refreshViews();
     quitQuestion_.sessionChanged();
+    platform_.remoteControl().awakeChanged();
   };
   awake_.onRefusal = [this](const std::string& message) {
     if (!dashboard_.shows(DashboardTab::awake)) notices_.tell("Keep Awake", message);
@@ -157,6 +158,27 @@ void AppDelegate::applicationWillTerminate() {
   awake_.stopByUser();
   sleepObservation_.reset();
   terminationObservation_.reset();
+}
+
+RemoteControlHandlers AppDelegate::remoteControlHandlers() {
+  const auto outcome = [this](bool done) -> Result<void, std::string> {
+    if (!done) return tl::unexpected(awake_.message());
+    return {};
+  };
+  return {
+      .awake = [this] { return awakeStatus(awake_); },
+      .start = [this, outcome](
+                   std::optional<AwakeManager::Time> until,
+                   bool keepDisplayOn) { return outcome(awake_.start(until, keepDisplayOn, clock_.now())); },
+      .stop = [this] { awake_.stopByUser(); },
+      .extend = [this](std::chrono::seconds by) -> Result<void, std::string> {
+        if (!awake_.endsAt()) return tl::unexpected(std::string("No session with an end runs."));
+        awake_.extend(by);
+        return {};
+      },
+      .hold = [this](const std::string& name, bool display) { return awake_.hold(name, display); },
+      .letGo = [this](std::uint32_t holder) { awake_.letGo(holder); },
+  };
 }
 
 void AppDelegate::activate() { openDashboard(statusItems_.firstItem(), std::nullopt); }

@@ -40,6 +40,8 @@ class AppDelegate {
   void activate();
   /// Links were opened; the last one that leads somewhere counts. Before launch it waits for it.
   void open(const std::vector<std::string>& links);
+  /// What other programs may ask.
+  [[nodiscard]] RemoteControlHandlers remoteControlHandlers();
   void openSettings(std::optional<SettingsTab> tab = std::nullopt);
   /// Ends the program, after asking when a session runs.
   void quit() { quitQuestion_.quit(); }

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "base/text.h"
+#include "command/command_line.h"
 
 namespace nimbo {
 namespace {
@@ -36,10 +37,12 @@ bool endsLink(std::string_view rest) {
 }  // namespace
 
 LaunchMode launchMode(std::span<const std::string> arguments) {
+  const bool command = isCommand(arguments);
+  const auto end = command ? std::ranges::find(arguments, "--") : arguments.end();
   for (const auto& [flag, mode] : kFlags) {
-    if (std::ranges::find(arguments, flag) != arguments.end()) return mode;
+    if (std::find(arguments.begin(), end, flag) != end) return mode;
   }
-  return LaunchMode::menuBar;
+  return command ? LaunchMode::command : LaunchMode::menuBar;
 }
 
 std::vector<std::string> launchLinks(std::span<const std::string> arguments) {

@@ -12,10 +12,10 @@
 namespace nimbo {
 
 /// What one start of the program is for.
-enum class LaunchMode { claudeDesktopCheck, diagnostics, profile, menuBar };
+enum class LaunchMode { claudeDesktopCheck, diagnostics, profile, command, menuBar };
 
-/// By the first flag, in the order above, that any argument equals exactly. `arguments` begins with the
-/// program's path, which counts like the others.
+/// By the first flag, in the order above, that any argument equals exactly; of a command only what stands before "--"
+/// counts, as the rest is another program's. `arguments` begins with the program's path, which counts like the others.
 [[nodiscard]] LaunchMode launchMode(std::span<const std::string> arguments);
 
 /// The links among the arguments that the menu-bar mode opens, in order: those of the scheme "nimbo" in

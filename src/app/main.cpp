@@ -5,13 +5,18 @@
 #include <cstdlib>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "app/app_delegate.h"
 #include "app/launch.h"
 #include "app/reports/console_reports.h"
 #include "app/reports/performance_probe.h"
+#include "awake/awake_manager.h"
+#include "command/command_line.h"
+#include "command/run_command.h"
 #include "platform/platform_services.h"
 #include "settings/settings.h"
 #include "ui/remote/remote_user_interface.h"
@@ -55,6 +60,12 @@ int runMenuBar(PlatformServices& platform, const std::vector<std::string>& links
   handlers.open = [&controller](const std::vector<std::string>& later) {
     if (controller != nullptr) controller->open(later);
   };
+  handlers.actions["settings"] = [&controller] {
+    if (controller != nullptr) controller->openSettings();
+  };
+  handlers.actions["quit"] = [&controller] {
+    if (controller != nullptr) controller->quit();
+  };
   const auto role = platform.applicationInstance().claim(links, handlers);
   if (!role) {
     fmt::print(stderr, "nimbo: {}\n", role.error().message);
@@ -66,6 +77,7 @@ int runMenuBar(PlatformServices& platform, const std::vector<std::string>& links
   const auto windows = makeUserInterface(platform, DisplayNeed::required);
   AppDelegate delegate(platform, *windows, settings, AppDelegate::Audience::user);
   controller = &delegate;
+  platform.remoteControl().offer(delegate.remoteControlHandlers());
   delegate.open(links);
   delegate.applicationDidFinishLaunching();
   platform.mainLoop().run();
@@ -94,6 +106,62 @@ int runClaudeDesktopCheck() {
   return print(makeClaudeDesktopCheck(usage, userSurroundings().localZone()));
 }
 
+/// As the running program would, by a manager of this process.
+Result<int, std::string> holdHere(const ForegroundHold& hold) {
+  std::optional<std::string> refusal;
+  const int status = runOnPlatform([&](PlatformServices& platform) {
+    Settings settings(platform.userDefaults(), platform.userDefaultsDomains(), platform.bundleInfo().identifier);
+    AwakeManager awake({platform.mainLoop(), *platform.readers().clock, platform.assertionClient(),
+                        platform.powerSources(), platform.displayPower(), settings, platform.wording()});
+    if (const auto held = awake.hold(hold.name, hold.keepDisplayOn); !held) {
+      refusal = held.error();
+      return EXIT_FAILURE;
+    }
+    awake.onRefusal = [](const std::string& message) { fmt::print(stderr, "nimbo: {}\n", message); };
+    const auto interrupted = platform.termination().observe([&hold] {
+      if (hold.interruptible) std::_Exit(EXIT_SUCCESS);  // whatever is held goes with the process
+    });
+    int outcome = EXIT_SUCCESS;
+    std::thread worker([&] {
+      outcome = hold.work();
+      platform.mainLoop().post([&platform] { platform.mainLoop().quit(); });
+    });
+    platform.mainLoop().run();
+    worker.join();
+    return outcome;
+  });
+  if (refusal) return tl::unexpected(*refusal);
+  return status;
+}
+
+int runFromShell(const std::vector<std::string>& arguments) {
+  const auto complain = [](const std::string& line) { fmt::print(stderr, "nimbo: {}\n", line); };
+  const SystemReaders readers = makeSystemReaders();
+  const auto command = commandOf(arguments, readers.clock->now());
+  if (!command) {
+    complain(command.error());
+    return static_cast<int>(CommandStatus::misused);
+  }
+  std::unique_ptr<RunningProgram> program;
+  std::unique_ptr<TemperatureSensor> sensor;
+  const auto programs = makeForegroundPrograms();
+  const auto made = [](auto& object, const auto& make) -> auto& {
+    if (!object) object = make();
+    return *object;
+  };
+  return runCommand(*command,
+                    {.program = [&]() -> RunningProgram& { return made(program, makeRunningProgram); },
+                     .programs = *programs,
+                     .clock = *readers.clock,
+                     .host = [&]() -> HostStatistics& { return *readers.hostStatistics; },
+                     .processes = [&]() -> ProcessTable& { return *readers.processTable; },
+                     .temperature = [&]() -> TemperatureSensor& { return made(sensor, readers.makeTemperatureSensor); },
+                     .holdHere = holdHere,
+                     .version = programVersion(),
+                     .print = [](const std::string& text) { std::fputs(text.c_str(), stdout); },
+                     .complain = complain});
+}
+
 int run(const std::vector<std::string>& arguments) {
   switch (launchMode(arguments)) {
     case LaunchMode::claudeDesktopCheck:
@@ -102,6 +170,8 @@ int run(const std::vector<std::string>& arguments) {
       return runDiagnostics();
     case LaunchMode::profile:
       return runOnPlatform(runProfile);
+    case LaunchMode::command:
+      return runFromShell(arguments);
     case LaunchMode::menuBar:
       break;
   }

@@ -3,6 +3,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <utility>
 
 #include "awake/session_length.h"
@@ -12,8 +13,15 @@ namespace {
 
 constexpr std::chrono::milliseconds kDeadlineLeeway{100};
 constexpr std::chrono::seconds kBatteryInterval{30};
+constexpr std::size_t kMostHolders = 64;
+constexpr const char* kEnded = "Session ended. Normal sleep is allowed.";
 
 }  // namespace
+
+AwakeStatus awakeStatus(const AwakeManager& manager) {
+  return {manager.isActive(),       manager.isOwn(),   manager.endsAt(),
+          manager.keepsDisplayOn(), manager.message(), manager.holders()};
+}
 
 bool AwakeManager::start(std::optional<Time> until, bool keepDisplayOn, Time now) {
   if (until && *until <= now) {
@@ -22,6 +30,7 @@ bool AwakeManager::start(std::optional<Time> until, bool keepDisplayOn, Time now
   }
   if (endIfForbidden()) return false;
   if (!activate(keepDisplayOn)) return false;
+  own_ = true;
   endsAt_ = until;
   scheduleDeadline();
   observeBattery();
@@ -42,9 +51,46 @@ void AwakeManager::end() {
   displayOffRequest_.reset();
   assertions_.deactivate();
   endsAt_.reset();
+  own_ = ownDisplay_ = false;
+  holders_.clear();
 }
 
-void AwakeManager::stopByUser() { stop("Session ended. Normal sleep is allowed."); }
+// Giving up the display's part cannot fail.
+void AwakeManager::endOwn(std::string message) {
+  if (holders_.empty()) return stop(std::move(message));
+  deadlineTimer_.reset();
+  endsAt_.reset();
+  own_ = false;
+  (void)activate(false);
+  tell({});
+}
+
+std::vector<std::string> AwakeManager::holders() const {
+  std::vector<std::string> names;
+  for (const auto& [id, holder] : holders_) names.push_back(holder.name);
+  return names;
+}
+
+Result<AwakeManager::HolderId, std::string> AwakeManager::hold(std::string name, bool keepDisplayOn) {
+  if (holders_.size() == kMostHolders) return tl::unexpected(std::string("Too many programs keep it awake already."));
+  if (endIfForbidden() || !activate(ownDisplay_, keepDisplayOn)) return tl::unexpected(message_);
+  const HolderId id = ++lastHolder_;
+  holders_.emplace(id, Holder{std::move(name), keepDisplayOn});
+  observeBattery();
+  tell({});
+  if (batteryObservation_) checkBattery();
+  if (!isActive()) return tl::unexpected(message_);
+  return id;
+}
+
+void AwakeManager::letGo(HolderId holder) {
+  if (holders_.erase(holder) == 0) return;
+  if (holders_.empty() && !own_) return stop(kEnded);
+  (void)activate(ownDisplay_);
+  tell({});
+}
+
+void AwakeManager::stopByUser() { stop(kEnded); }
 
 void AwakeManager::extend(std::chrono::seconds by) {
   checkDeadline(services_.clock.now());
@@ -81,7 +127,7 @@ void AwakeManager::rulesChanged() {
 }
 
 void AwakeManager::checkDeadline(Time now) {
-  if (isActive() && endsAt_ && now >= *endsAt_) stop("Timer finished. Normal sleep is allowed.");
+  if (isActive() && endsAt_ && now >= *endsAt_) endOwn("Timer finished. Normal sleep is allowed.");
 }
 
 void AwakeManager::tick(Time now) {
@@ -124,11 +170,15 @@ bool AwakeManager::endIfForbidden() {
   return true;
 }
 
-bool AwakeManager::activate(bool keepDisplayOn) {
+bool AwakeManager::activate(bool ownDisplay, bool newHoldersDisplay) {
+  const bool keepDisplayOn = ownDisplay || newHoldersDisplay || std::ranges::any_of(holders_, [](const auto& holder) {
+                               return holder.second.keepDisplayOn;
+                             });
   if (const auto held = assertions_.activate(keepDisplayOn); !held) {
     refuse(held.error().description(services_.wording));
     return false;
   }
+  ownDisplay_ = ownDisplay;
   // A display that is to stay on must not go dark a moment later.
   if (keepDisplayOn) displayOffRequest_.reset();
   return true;

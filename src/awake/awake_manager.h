@@ -2,22 +2,29 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <functional>
+#include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "awake/awake_rules.h"
 #include "awake/power_assertions.h"
 #include "platform/clock.h"
 #include "platform/display_power.h"
 #include "platform/main_loop.h"
+#include "platform/remote_control.h"
 #include "settings/settings.h"
 
 namespace nimbo {
 
-/// The Keep Awake session: holds the assertions for as long as the user asked and the battery rules
-/// allow, and keeps the one message that tells about it. Every failure becomes that message. Main
-/// thread only; the application controller owns the only one.
+class AwakeManager;
+[[nodiscard]] AwakeStatus awakeStatus(const AwakeManager& manager);
+
+/// The Keep Awake session: holds the assertions for as long as the user or another program asked and the battery
+/// rules allow, and keeps the one message that tells about it. Every failure becomes that message. What the user
+/// stops and what a rule forbids ends for all. Main thread only.
 class AwakeManager {
  public:
   using Time = std::chrono::system_clock::time_point;
@@ -42,7 +49,11 @@ class AwakeManager {
   [[nodiscard]] bool displayCannotSleep() const { return services_.assertionClient.keepsDisplayOnToo(); }
   /// Whether the user can put the machine to sleep by hand during a session.
   [[nodiscard]] bool manualSleepApplies() const { return services_.assertionClient.manualSleepApplies(); }
-  /// Absent for a session until stopped, and without a session.
+  /// Whether the user asked for the session, and not other programs alone.
+  [[nodiscard]] bool isOwn() const { return own_; }
+  /// The names of the other programs, in the order in which they asked.
+  [[nodiscard]] std::vector<std::string> holders() const;
+  /// Absent for a session until stopped, and without one of the user's own.
   [[nodiscard]] std::optional<Time> endsAt() const { return endsAt_; }
   /// Empty when there is nothing to tell but the state itself.
   [[nodiscard]] const std::string& message() const { return message_; }
@@ -54,6 +65,13 @@ class AwakeManager {
   void stop(std::string message);
   /// Stops on the user's behalf.
   void stopByUser();
+
+  using HolderId = std::uint32_t;
+  /// Keeps the machine awake for another program too, until it lets go, or says why that cannot be. `name` is one
+  /// printable line.
+  [[nodiscard]] Result<HolderId, std::string> hold(std::string name, bool keepDisplayOn);
+  /// Does nothing for one that holds no more.
+  void letGo(HolderId holder);
   /// Moves the end of a session that has one.
   void extend(std::chrono::seconds by);
   /// Applies the choice to a running session; false when the system refused it.
@@ -89,8 +107,10 @@ class AwakeManager {
  private:
   [[nodiscard]] AwakeRules rules() const;
   /// Why no session may run now, or absent.
-  [[nodiscard]] bool activate(bool keepDisplayOn);
+  /// `ownDisplay`: whether the user wants the display on; others may.
+  [[nodiscard]] bool activate(bool ownDisplay, bool newHoldersDisplay = false);
   void end();
+  void endOwn(std::string message);
   /// Whether the rules forbid a session now; one that runs has been ended then.
   [[nodiscard]] bool endIfForbidden();
   void tell(std::string message);
@@ -105,7 +125,15 @@ class AwakeManager {
   Subscription batteryObservation_;
   Time batteryCheckedAt_;  ///< by the latest tick that did
   Subscription displayOffRequest_;
+  bool own_ = false;
+  bool ownDisplay_ = false;
   std::optional<Time> endsAt_;
+  struct Holder {
+    std::string name;
+    bool keepDisplayOn;
+  };
+  std::map<HolderId, Holder> holders_;
+  HolderId lastHolder_ = 0;
   std::string message_ = "Keep AI jobs running while your display rests.";
 };
 

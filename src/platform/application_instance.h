@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,8 @@ struct ApplicationInstanceHandlers {
   std::function<void()> activate;
   /// Links for the program, as given; at least one.
   std::function<void(const std::vector<std::string>& links)> open;
+  /// What else may be asked, by name.
+  std::map<std::string, std::function<void()>, std::less<>> actions{};
 };
 
 enum class InstanceRole {

@@ -14,6 +14,7 @@
 #include "platform/bundle.h"
 #include "platform/clock.h"
 #include "platform/display_power.h"
+#include "platform/foreground_programs.h"
 #include "platform/host_statistics.h"
 #include "platform/http_client.h"
 #include "platform/login_item.h"
@@ -21,6 +22,7 @@
 #include "platform/power_sources.h"
 #include "platform/process_table.h"
 #include "platform/pseudo_terminal.h"
+#include "platform/remote_control.h"
 #include "platform/status_bar.h"
 #include "platform/system_events.h"
 #include "platform/temperature_sensor.h"
@@ -88,6 +90,7 @@ class PlatformServices {
   /// Another domain of that name, or null when it cannot be kept.
   [[nodiscard]] virtual std::unique_ptr<UserDefaults> makeUserDefaults(const std::string& domain) = 0;
   [[nodiscard]] virtual ApplicationInstance& applicationInstance() = 0;
+  [[nodiscard]] virtual RemoteControl& remoteControl() = 0;
   [[nodiscard]] virtual StatusBar& statusBar() = 0;
   [[nodiscard]] virtual SystemSleep& systemSleep() = 0;
   [[nodiscard]] virtual Workspace& workspace() = 0;
@@ -116,6 +119,9 @@ class PlatformServices {
 [[nodiscard]] std::unique_ptr<Accessibility> makeAccessibility();
 [[nodiscard]] UserSurroundings userSurroundings();
 [[nodiscard]] Wording systemWording();
+[[nodiscard]] std::string programVersion();
+[[nodiscard]] std::unique_ptr<RunningProgram> makeRunningProgram();
+[[nodiscard]] std::unique_ptr<ForegroundPrograms> makeForegroundPrograms();
 [[nodiscard]] std::unique_ptr<PlatformServices> makePlatformServices();
 
 }  // namespace nimbo

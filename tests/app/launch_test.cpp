@@ -35,13 +35,20 @@ TEST(LaunchMode, ProgramPathCountsLikeAnyArgument) {
 
 TEST(LaunchMode, AnythingButTheExactFlagIsIgnored) {
   for (const char* const near : {"--diagnostic", "--diagnostics ", "--diagnostics=1", "--Diagnostics", "-diagnostics",
-                                 "diagnostics", "", "--", "--help"}) {
+                                 "diagnostics", "", "--", "help"}) {
     EXPECT_EQ(launchMode(Arguments{"nimbo", near}), LaunchMode::menuBar) << near;
   }
 }
 
 TEST(LaunchMode, FlagIsFoundAmongUnknownArguments) {
   EXPECT_EQ(launchMode(Arguments{"nimbo", "--verbose", "nimbo://usage", "--", "--profile", "x"}), LaunchMode::profile);
+}
+
+TEST(LaunchMode, CommandIsTheFirstWordWithoutAFlagOfItsOwn) {
+  EXPECT_EQ(launchMode(Arguments{"nimbo", "awake", "status"}), LaunchMode::command);
+  EXPECT_EQ(launchMode(Arguments{"nimbo", "nimbo://usage", "awake"}), LaunchMode::menuBar);
+  EXPECT_EQ(launchMode(Arguments{"nimbo", "memory", "--diagnostics"}), LaunchMode::diagnostics);
+  EXPECT_EQ(launchMode(Arguments{"nimbo", "awake", "run", "--", "tool", "--profile"}), LaunchMode::command);
 }
 
 TEST(LaunchLinks, AreTheArgumentsOfOurSchemeInOrder) {

@@ -71,6 +71,15 @@ class FakeTermination final : public Termination {
  private:
   std::function<void()> requested_;
 };
+class FakeRemoteControl final : public RemoteControl {
+ public:
+  void offer(RemoteControlHandlers given) override { handlers = std::move(given); }
+  void awakeChanged() override { ++changes; }
+
+  RemoteControlHandlers handlers;
+  int changes = 0;
+};
+
 class FakeApplicationInstance final : public ApplicationInstance {
  public:
   [[nodiscard]] Result<InstanceRole, InstanceError> claim(const std::vector<std::string>& links,
@@ -132,6 +141,7 @@ class FakePlatformServices final : public PlatformServices {
   }
   [[nodiscard]] WindowsStarter windowsStarter() override { return {}; }
   [[nodiscard]] ApplicationInstance& applicationInstance() override { return instance; }
+  [[nodiscard]] RemoteControl& remoteControl() override { return remote; }
   [[nodiscard]] StatusBar& statusBar() override { return bar; }
   [[nodiscard]] SystemSleep& systemSleep() override { return power; }
   [[nodiscard]] Workspace& workspace() override { return desktop; }
@@ -174,6 +184,7 @@ class FakePlatformServices final : public PlatformServices {
   bool keepsOtherDomains = true;
   std::vector<std::string> suites;  ///< names of the other domains that were asked for
   FakeApplicationInstance instance;
+  FakeRemoteControl remote;
   FakeStatusBar bar;
   FakeSystemSleep power;
   FakeWorkspace desktop;

@@ -13,6 +13,8 @@
 #include "platform/clock.h"
 #include "platform/linux/accessibility/atspi_accessibility.h"
 #include "platform/linux/bus/dbus_application_instance.h"
+#include "platform/linux/bus/dbus_remote_control.h"
+#include "platform/linux/bus/dbus_running_program.h"
 #include "platform/linux/bus/sd_bus_connection.h"
 #include "platform/linux/bus/xdg_widget_center.h"
 #include "platform/linux/desktop/desktop_application.h"
@@ -40,6 +42,7 @@
 #include "platform/linux/power/sysfs_power_sources.h"
 #include "platform/linux/settings/json_bundle_info.h"
 #include "platform/linux/settings/json_user_defaults.h"
+#include "platform/linux/terminal/foreground_programs.h"
 #include "platform/linux/terminal/local_tool_files.h"
 #include "platform/linux/terminal/pty_terminals.h"
 #include "platform/linux/tray/panel_appearance.h"
@@ -149,6 +152,7 @@ class LinuxPlatformServices final : public PlatformServices {
     return std::make_unique<JsonUserDefaults>(folders_.config, domain, defaultsServices());
   }
   [[nodiscard]] ApplicationInstance& applicationInstance() override { return instance_; }
+  [[nodiscard]] RemoteControl& remoteControl() override { return remoteControl_; }
   [[nodiscard]] StatusBar& statusBar() override { return statusBar_; }
   [[nodiscard]] SystemSleep& systemSleep() override { return systemSleep_; }
   [[nodiscard]] Workspace& workspace() override { return workspace_; }
@@ -206,6 +210,7 @@ class LinuxPlatformServices final : public PlatformServices {
   SdBusConnection session_{loop_.event(), sessionAddress_, [this] { loop_.quit(); }};
   SdBusConnection system_{loop_.event(), systemAddress_};
   DbusApplicationInstance instance_{session_};
+  DbusRemoteControl remoteControl_{session_.get()};
   PlasmaColors plasmaColors_{loop_, {folders_.config, dataFolders(environment_.variables, folders_)}};
   PortalWorkspace workspace_{loop_,
                              session_.get(),
@@ -259,6 +264,17 @@ std::unique_ptr<Accessibility> makeAccessibility() {
 UserSurroundings userSurroundings() { return surroundingsFrom(Environment()); }
 
 Wording systemWording() { return wordingFrom(Environment()); }
+
+std::string programVersion() {
+  const auto prefix = executablePath().parent_path().parent_path();
+  return readBundleInfo(prefix / "share" / "nimbo" / "Info.json").shortVersion.value_or("Development");
+}
+
+std::unique_ptr<RunningProgram> makeRunningProgram() {
+  return std::make_unique<DbusRunningProgram>(busAddressOf(Environment()));
+}
+
+std::unique_ptr<ForegroundPrograms> makeForegroundPrograms() { return std::make_unique<UserForegroundPrograms>(); }
 
 std::unique_ptr<PlatformServices> makePlatformServices() {
   // A careless launcher may have left the ends of children ignored; then nobody would keep their numbers for us.

@@ -39,10 +39,20 @@ std::size_t indexOf(const Items& items, const Value& value, Projection projectio
   return found == items.end() ? 0 : static_cast<std::size_t>(found - items.begin());
 }
 
+/// "For claude and make."
+std::string holdersText(const std::vector<std::string>& names) {
+  if (names.size() == 1) return fmt::format("For {}.", names[0]);
+  if (names.size() == 2) return fmt::format("For {} and {}.", names[0], names[1]);
+  return fmt::format("For {} and {} others.", names[0], names.size() - 1);
+}
+
 std::string sessionText(const AwakeManager& manager, const Dates& dates) {
   if (!manager.message().empty()) return manager.message();
   const auto end = manager.endsAt();
-  const std::string text = end ? "Until " + dates.shortDateAndTime(*end) + "." : "Until you stop it.";
+  const auto holders = manager.holders();
+  std::string text;
+  if (manager.isOwn()) text = end ? "Until " + dates.shortDateAndTime(*end) + "." : "Until you stop it.";
+  if (!holders.empty()) text += (text.empty() ? "" : " ") + holdersText(holders);
   if (manager.keepsDisplayOn()) return text + " Display stays on.";
   return text + (manager.displayCannotSleep() ? " The display stays on, too." : " Display may sleep.");
 }

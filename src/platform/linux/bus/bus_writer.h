@@ -20,6 +20,9 @@ struct BusObjectPath {
 /// A dictionary with nothing in it ("a{sv}").
 struct NoOptions {};
 
+/// A list with nothing in it ("av").
+struct NoParameters {};
+
 /// Writes values into a message, each in the form of its type. Once something could not be written,
 /// nothing more is.
 class BusWriter {
@@ -29,10 +32,12 @@ class BusWriter {
   void add(bool value) { append("b", value ? 1 : 0); }
   void add(std::int32_t value) { append("i", value); }
   void add(std::uint32_t value) { append("u", value); }
+  void add(std::int64_t value) { append("x", value); }
   void add(const char* text) { append("s", text); }
   void add(const std::string& text) { add(text.c_str()); }
   void add(BusObjectPath object) { append("o", object.path); }
   void add(NoOptions /*none*/) { append("a{sv}", 0); }
+  void add(NoParameters /*none*/) { append("av", 0); }
   void add(const std::vector<std::uint8_t>& bytes) {
     if (result_ >= 0) result_ = sd_bus_message_append_array(message_, SD_BUS_TYPE_BYTE, bytes.data(), bytes.size());
   }

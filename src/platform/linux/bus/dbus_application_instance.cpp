@@ -9,14 +9,15 @@
 #include <utility>
 
 #include "base/text.h"
+#include "platform/linux/bus/program_address.h"
 #include "platform/linux/bus/sd_bus_calls.h"
 
 namespace nimbo {
 namespace {
 
-constexpr const char* kName = "com.quellwerk.Nimbo";
-constexpr const char* kPath = "/com/quellwerk/Nimbo";
-constexpr const char* kInterface = "org.freedesktop.Application";
+constexpr const char* kName = kProgramName;
+constexpr const char* kPath = kProgramPath;
+constexpr const char* kInterface = kApplicationInterface;
 
 // What sd-bus makes of the bus's "there is nobody of that name".
 constexpr int kNoOwner = -EHOSTUNREACH;
@@ -130,8 +131,17 @@ int DbusApplicationInstance::open(sd_bus_message* call, sd_bus_error* error) {
   return result;
 }
 
-int DbusApplicationInstance::activateAction(sd_bus_message* /*call*/, sd_bus_error* error) {
-  return sd_bus_error_set(error, SD_BUS_ERROR_INVALID_ARGS, "Nimbo has no such action.");
+int DbusApplicationInstance::activateAction(sd_bus_message* call, sd_bus_error* error) {
+  const char* action = nullptr;
+  if (const int read = sd_bus_message_read(call, "s", &action); read < 0) return read;
+  const auto found = handlers_.actions.find(action);
+  if (found == handlers_.actions.end()) {
+    return sd_bus_error_set(error, SD_BUS_ERROR_INVALID_ARGS, "Nimbo has no such action.");
+  }
+  const auto handler = found->second;
+  const int result = sd_bus_reply_method_return(call, "");
+  handler();
+  return result;
 }
 
 }  // namespace nimbo

@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <string>
+
+#include "command/command_line.h"
+#include "platform/clock.h"
+#include "platform/foreground_programs.h"
+#include "platform/host_statistics.h"
+#include "platform/process_table.h"
+#include "platform/remote_control.h"
+#include "platform/temperature_sensor.h"
+
+namespace nimbo {
+
+/// What commands end with; a command that `awake run` ran gives its own.
+enum class CommandStatus {
+  done = 0,
+  failed = 1,      ///< or refused
+  misused = 2,     ///< the arguments are not understood
+  notRunning = 3,  ///< there is no running program, and the command needs one
+};
+
+/// What is to be kept awake for.
+struct ForegroundHold {
+  std::string name;
+  bool keepDisplayOn = false;
+  bool interruptible = false;  ///< a signal ends it before the work is done; else the work hears of signals itself
+  std::function<int()> work;
+};
+
+/// What commands need of the system, each made when it is wanted.
+struct CommandServices {
+  std::function<RunningProgram&()> program;
+  ForegroundPrograms& programs;
+  const Clock& clock;
+  std::function<HostStatistics&()> host;
+  std::function<ProcessTable&()> processes;
+  std::function<TemperatureSensor&()> temperature;
+  /// Keeps awake in this process while the work runs, and gives what it gives; else one sentence.
+  std::function<Result<int, std::string>(const ForegroundHold& hold)> holdHere;
+  std::string version;
+  std::function<void(const std::string& text)> print;     ///< as it is
+  std::function<void(const std::string& line)> complain;  ///< one line
+};
+
+/// Runs it and gives the exit status.
+[[nodiscard]] int runCommand(const Command& command, const CommandServices& services);
+
+}  // namespace nimbo

@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "base/result.h"
+
+namespace nimbo {
+
+/// Programs that the user sees run in a terminal. Any thread.
+class ForegroundPrograms {
+ public:
+  virtual ~ForegroundPrograms() = default;
+
+  /// Runs a program with its arguments, found as shells find it, without a shell: it has this process's terminal, input
+  /// and output. Waits for its end; interrupts from the terminal are its own meanwhile. Its exit status, 128 and more
+  /// after a signal; else one sentence about why it could not be started.
+  [[nodiscard]] virtual Result<int, std::string> run(const std::vector<std::string>& command) = 0;
+
+  /// Waits until none of these processes is there any more; at once where one never was, with a sentence about it.
+  [[nodiscard]] virtual Result<void, std::string> waitFor(const std::vector<std::int32_t>& processes) = 0;
+
+  /// Of a process, as `ps` shows it; empty when there is none.
+  [[nodiscard]] virtual std::string nameOf(std::int32_t process) = 0;
+
+  /// Whether output goes to a terminal.
+  [[nodiscard]] virtual bool outputIsTerminal() const = 0;
+};
+
+}  // namespace nimbo
