@@ -403,5 +403,29 @@ TEST_F(AppDelegateAwakeTest, TerminationEndsTheSessionAndWhatItAskedFor) {
   EXPECT_EQ(awake().message(), "Session ended. Normal sleep is allowed.");
 }
 
+TEST_F(AppDelegateAwakeTest, OtherProgramsSteerTheSessionThatThePageShows) {
+  launchAndOpen();
+  const RemoteControlHandlers others = delegate->remoteControlHandlers();
+  EXPECT_FALSE(others.extend(1h)) << "there is no end to move";
+  EXPECT_FALSE(others.start(platform.clock->now() - 1s, false));
+  EXPECT_TRUE(others.start(platform.clock->now() + 1h, true));
+  EXPECT_TRUE(others.extend(1h));
+  EXPECT_EQ(others.awake().endsAt, platform.clock->now() + 2h);
+  others.stop();
+  EXPECT_FALSE(others.awake().active);
+
+  const int changes = platform.remote.changes;
+  const auto make = others.hold("make", false);
+  const auto claude = others.hold("claude", true);
+  ASSERT_TRUE(make && claude);
+  EXPECT_GT(platform.remote.changes, changes);
+  EXPECT_EQ(page().detail.text, "For make and claude. Display stays on.");
+  EXPECT_TRUE(others.hold("cargo", false));
+  EXPECT_EQ(page().detail.text, "For make and 2 others. Display stays on.");
+  others.letGo(*claude);
+  window()->act(pressed("start"));
+  EXPECT_FALSE(others.awake().active) << "the user stops it for all";
+}
+
 }  // namespace
 }  // namespace nimbo
