@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 #include <nlohmann/json.hpp>
 #include <type_traits>
 
@@ -24,7 +25,7 @@ constexpr int kBarLength = 20;
 /// "██████░░░░"
 std::string bar(double part) {
   std::string text;
-  const auto filled = static_cast<int>(std::clamp(part, 0.0, 1.0) * kBarLength + 0.5);
+  const auto filled = std::lround(std::clamp(part, 0.0, 1.0) * kBarLength);
   for (int place = 0; place < kBarLength; ++place) text += place < filled ? "█" : "░";
   return text;
 }
@@ -152,7 +153,7 @@ class Runner {
  private:
   [[nodiscard]] RunningProgram& program() const { return services_.program(); }
 
-  int print(const std::string& text) const {
+  [[nodiscard]] int print(const std::string& text) const {
     services_.print(text);
     return static_cast<int>(CommandStatus::done);
   }
@@ -173,7 +174,7 @@ class Runner {
   }
 
   /// By the running program, and without one by this process.
-  int keepAwake(const ForegroundHold& hold) const {
+  [[nodiscard]] int keepAwake(const ForegroundHold& hold) const {
     const auto held = program().hold(hold.name, hold.keepDisplayOn);
     if (held) return hold.work();
     if (held.error().kind == RemoteError::Kind::refused) return failed(held.error());

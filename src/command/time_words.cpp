@@ -14,7 +14,7 @@ namespace {
 using std::chrono::seconds;
 using std::chrono::system_clock;
 
-constexpr std::int64_t kDay = 24 * 3600;
+constexpr std::int64_t kDay = 86400;
 constexpr std::int64_t kLongest = 366 * kDay;
 
 /// Takes a number of so many digits at most off `rest`.
@@ -130,7 +130,7 @@ std::string isoTime(system_clock::time_point time) {
 std::string clockTime(system_clock::time_point time, system_clock::time_point now) {
   const std::tm then = localTime(time);
   const std::tm today = localTime(now);
-  const std::string clock = fmt::format("{:02}:{:02}", then.tm_hour, then.tm_min);
+  std::string clock = fmt::format("{:02}:{:02}", then.tm_hour, then.tm_min);
   if (then.tm_year == today.tm_year && then.tm_yday == today.tm_yday) return clock;
   return fmt::format("{:04}-{:02}-{:02} {}", then.tm_year + 1900, then.tm_mon + 1, then.tm_mday, clock);
 }

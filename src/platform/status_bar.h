@@ -51,6 +51,7 @@ struct StatusClick {
 struct StatusItemName {
   std::string identifier;      ///< the same across restarts: lower-case letters and dashes
   std::optional<int> place{};  ///< from 0, among all that there may be, for bars that sort; absent for an item alone
+  std::string arrangement{};   ///< names the order of all, for bars that remember it; empty for the usual one
   bool operator==(const StatusItemName&) const = default;
 };
 

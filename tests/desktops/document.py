@@ -39,8 +39,11 @@ was not run.
 The desktop’s own services say what keeps the machine awake; sway, LXQt and Cinnamon have none here but logind. Where a desktop’s portal
 needs more than runs here, the test answers for its colour scheme: on sway, GNOME, MATE, LXQt and Cinnamon. What MATE and LXQt draw in panels
 at the left and right cannot be told from items, so those edges are left out. A new panel is the panel’s program killed and started again; on
-GNOME, where that is the whole session, the extension switched off and on. A log-out is SIGTERM during a session. 1.25 on X11 enlarges
-texts alone, as desktops do there.
+GNOME, where that is the whole session, the extension switched off and on. A log-out is SIGTERM during a session. 1.25 on X11 and on GNOME
+enlarges texts alone, as these desktops do.
+
+Known, and not in the table: on MATE’s panels at the left and right a label lies over its picture. On sway, as on X11, the open dashboard has all keys
+but the compositor’s own.
 """
 
 

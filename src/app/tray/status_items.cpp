@@ -47,7 +47,11 @@ StatusItemName StatusItems::nameOf(StatusItemTab tab) const {
   if (!tab) return {"nimbo"};
   const auto order = settings_.tabOrder();
   const auto place = std::ranges::find(order, *tab) - order.begin();
-  return {"nimbo-" + std::string(rawValue(*tab)), static_cast<int>(place)};
+  std::string arrangement;
+  if (!std::ranges::equal(order, kAllDashboardTabs)) {
+    for (const DashboardTab each : order) arrangement.append("-").append(rawValue(each));
+  }
+  return {"nimbo-" + std::string(rawValue(*tab)), static_cast<int>(place), arrangement};
 }
 
 StatusItemContent StatusItems::contentOf(StatusItemTab tab) const {

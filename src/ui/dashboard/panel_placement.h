@@ -31,8 +31,8 @@ struct PanelAnchor {
 
 /// The place for a panel whose item the bar reported at `reported`. Bars report in three ways, in
 /// screen coordinates, relative to the item, and not at all; a place that is not along a screen's
-/// edge is not believed, and neither is one that looks relative: instead counts `pointer`, where the click was, else the
-/// end of the panel where items usually are. Absent only without a screen.
+/// edge is not believed, and neither is one that looks relative: instead counts `pointer`, where the click was, else
+/// the end of the panel where items usually are. Absent only without a screen.
 [[nodiscard]] std::optional<PanelAnchor> panelAnchor(const std::vector<Screen>& screens,
                                                      const std::optional<Rect>& reported,
                                                      const std::optional<Point>& pointer = {});

@@ -119,7 +119,7 @@ TEST_F(SniStatusBarTest, HostThatSortsFindsThePlacesInWhatItSortsBy) {
     item.reset();
     host.reset();
     host.emplace(loop, bus.address());
-    item = makeBar(desktop).makeItem({"nimbo-awake", place}, content(), {});
+    item = makeBar(desktop).makeItem({"nimbo-awake", place, "-awake-ai-memory"}, content(), {});
     EXPECT_TRUE(host->waitForItems(1));
     const std::string name = host->registered.at(0);
     return Named{host->text(name, "Id"), host->text(name, "Title"), host->text(name, "IconAccessibleDesc")};
@@ -128,6 +128,7 @@ TEST_F(SniStatusBarTest, HostThatSortsFindsThePlacesInWhatItSortsBy) {
   EXPECT_EQ(itemAt(2, "MATE"), (Named{"nimbo-3-awake", "Keep Awake", "Keep Awake"}));
   EXPECT_EQ(itemAt(0, "KDE"), (Named{"nimbo-awake", "   Keep Awake", "Keep Awake"}));
   EXPECT_EQ(itemAt(2, "X-Cinnamon"), (Named{"nimbo-awake", " Keep Awake", "Keep Awake"}));
+  EXPECT_EQ(itemAt(2, "XFCE"), (Named{"nimbo-awake-awake-ai-memory", "", ""}));
   EXPECT_EQ(itemAt(2, "LXQt"), (Named{"nimbo-awake", "Keep Awake", "Keep Awake"}));
 }
 

@@ -15,8 +15,6 @@
 #include "platform/linux/machine/proc_file.h"
 #include "platform/linux/machine/session_spawn.h"
 
-extern char** environ;
-
 namespace nimbo {
 namespace {
 
@@ -67,6 +65,7 @@ class ChildAttributes {
 
 Result<int, std::string> UserForegroundPrograms::run(const std::vector<std::string>& command) {
   std::vector<char*> words;
+  words.reserve(command.size() + 1);
   for (const std::string& word : command) words.push_back(const_cast<char*>(word.c_str()));
   words.push_back(nullptr);
 
@@ -74,7 +73,7 @@ Result<int, std::string> UserForegroundPrograms::run(const std::vector<std::stri
   const IgnoredSignal quit(SIGQUIT);
   const ChildAttributes attributes(interrupt, quit);
   pid_t child = 0;
-  if (const int failed = ::posix_spawnp(&child, words[0], nullptr, attributes.get(), words.data(), environ)) {
+  if (const int failed = ::posix_spawnp(&child, words[0], nullptr, attributes.get(), words.data(), ::environ)) {
     return tl::unexpected(
         fmt::format("{} cannot be started: {}.", printableLine(command[0]), std::generic_category().message(failed)));
   }
@@ -87,6 +86,7 @@ Result<int, std::string> UserForegroundPrograms::run(const std::vector<std::stri
 
 Result<void, std::string> UserForegroundPrograms::waitFor(const std::vector<std::int32_t>& processes) {
   std::vector<UniqueFd> open;
+  open.reserve(processes.size());
   for (const std::int32_t process : processes) {
     open.push_back(processDescriptor(process));
     if (!open.back()) return tl::unexpected(fmt::format("There is no process {}.", process));

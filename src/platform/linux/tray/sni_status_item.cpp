@@ -186,6 +186,7 @@ std::string SniStatusItem::identifier() const {
   if (const auto place = setup_.name.place; place && setup_.host.sorting == TraySorting::byIdentifier) {
     identifier.insert(identifier.find('-') + 1, std::to_string(*place + 1) + "-");
   }
+  if (setup_.host.sorting == TraySorting::asBefore) identifier += setup_.name.arrangement;
   return identifier;
 }
 

@@ -30,6 +30,7 @@ TrayHost trayHostOn(std::string_view desktop) {
   const bool plain = desktopIsAny(desktop, {"XFCE", "KDE", "LXQt"});
   const auto sorting = desktopIsAny(desktop, {"MATE"})                ? TraySorting::byIdentifier
                        : desktopIsAny(desktop, {"KDE", "X-Cinnamon"}) ? TraySorting::byTitle
+                       : desktopIsAny(desktop, {"XFCE"})              ? TraySorting::asBefore
                                                                       : TraySorting::none;
   return {.clickOpensMenu = desktopIsAny(desktop, {"GNOME"}),
           .readsTitles = !desktopIsAny(desktop, {"XFCE"}),

@@ -20,8 +20,9 @@ enum class ToolTipTitle { plain, markup };
 /// The first line of `text` becomes the title and the rest the subtitle.
 [[nodiscard]] ToolTipText toolTipText(const std::string& text, ToolTipTitle kind);
 
-/// What a host lines items up by; one that does not sort takes them as they come.
-enum class TraySorting { none, byIdentifier, byTitle };
+/// What a host lines items up by; one that does not sort takes them as they come, and another puts those whose
+/// identifiers it knows where they were.
+enum class TraySorting { none, byIdentifier, byTitle, asBefore };
 
 /// What has to be known of the program that shows the items.
 struct TrayHost {
