@@ -175,7 +175,7 @@ class SettingsWindowTest(DesktopTest):
         self.choose_each("Tab order", "tabOrder", orders)
         self.choose("Tab order", 5)
         self.wait_for_stored("tabOrder", orders[5])
-        self.host.item("nimbo-memory").activate(1300, 10)
+        self.host.item("nimbo-memory-awake-memory-ai").activate(1300, 10)
 
         def tabs():
             shown = [control["name"] for control in self.program.controls() if control["role"] == "page tab"]
