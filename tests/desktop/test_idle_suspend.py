@@ -25,6 +25,7 @@ class IdleDaemon:
     desktop = "sway"
     identity = ordinary_user()
     systemd = "252.39-1"
+    identifier = "nimbo-memory"  # of the item
     configuration = ""  # of logind
 
     def setUp(self):
@@ -37,7 +38,7 @@ class IdleDaemon:
     def launch(self, **settings):
         self.session.settings(**settings)
         self.start()
-        self.item = self.host.item("nimbo-memory")
+        self.item = self.host.item(self.identifier)
 
     def choose(self, label):
         self.item.choose(label)
@@ -201,6 +202,8 @@ class MateTest(PowerManager, DesktopTest):
     """With its session manager, and nothing else that this would start."""
 
     desktop = "MATE"
+    identifier = "nimbo-2-memory"
+
     def start_desktop(self):
         nothing = self.session.folder / "nothing"
         nothing.mkdir()

@@ -40,15 +40,15 @@ def variations(name, maker, first="top", scales=(1.25, 2), screens=True):
 CELLS = {
     **variations("xfce", x11.Xfce),
     **variations("waybar", sway_bars.Waybar),
-    **variations("swaybar", sway_bars.Swaybar, scales=(2,), screens=False),
+    **variations("swaybar", sway_bars.Swaybar),
     **variations("gnome-x11", gnome.Gnome),
     **variations("gnome-wayland", gnome.GnomeWayland),
     "gnome-x11-without-tray": (gnome.Gnome, {"extension": False}),
     "gnome-wayland-without-tray": (gnome.GnomeWayland, {"extension": False}),
     **variations("plasma-x11", plasma.Plasma, "bottom"),
     **variations("plasma-wayland", plasma.PlasmaWayland, "bottom"),
-    **variations("mate", x11.Mate, scales=(2,), screens=False),
-    **variations("lxqt", x11.Lxqt, "bottom", scales=(2,), screens=False),
+    **variations("mate", x11.Mate, scales=(2,)),
+    **variations("lxqt", x11.Lxqt, "bottom"),
     "cinnamon": (x11.Cinnamon, {"edge": "bottom"}),
 }
 

@@ -181,9 +181,10 @@ class Journey:
     def found_items(self):
         frame = self.desktop.frame()
         mask = look.changed(self.empty, frame)
-        across, (gap, least) = self.desktop.horizontal, self.desktop.item_extents()
-        boxes = look.clusters(mask, frame.width, self.desktop.tray_area(), across, gap * self.scale)
-        large = [box for box in boxes if box[2 if across else 3] >= least * self.scale]
+        across, scale = self.desktop.horizontal, self.desktop.picture_scale()
+        gap, least = (points * scale for points in self.desktop.item_extents())
+        boxes = look.clusters(mask, frame.width, self.desktop.tray_area(), across, gap)
+        large = [box for box in boxes if box[2 if across else 3] >= least]
         return frame, mask, [box for box in large if look.contrast(frame, box)[0] > FAINT]
 
     def wait_for_items(self):
