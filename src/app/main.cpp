@@ -30,6 +30,8 @@ int print(const ConsoleReport& report) {
   return report.exitStatus;
 }
 
+void complain(const std::string& line) { fmt::print(stderr, "nimbo: {}\n", line); }
+
 int runDiagnostics() {
   const SystemReaders readers = makeSystemReaders();
   SystemSampler sampler(*readers.hostStatistics, *readers.clock);
@@ -68,7 +70,7 @@ int runMenuBar(PlatformServices& platform, const std::vector<std::string>& links
   };
   const auto role = platform.applicationInstance().claim(links, handlers);
   if (!role) {
-    fmt::print(stderr, "nimbo: {}\n", role.error().message);
+    complain(role.error().message);
     return 1;
   }
   if (*role == InstanceRole::later) return 0;
@@ -93,7 +95,6 @@ int runProfile(PlatformServices& platform) {
     fmt::print("{}\n", line);
     std::fflush(stdout);
   };
-  const auto complain = [](const std::string& line) { fmt::print(stderr, "nimbo: {}\n", line); };
   const auto windows = makeUserInterface(platform, DisplayNeed::optional);
   return runPerformanceProbe(platform, *windows, print, complain);
 }
@@ -117,7 +118,7 @@ Result<int, std::string> holdHere(const ForegroundHold& hold) {
       refusal = held.error();
       return EXIT_FAILURE;
     }
-    awake.onRefusal = [](const std::string& message) { fmt::print(stderr, "nimbo: {}\n", message); };
+    awake.onRefusal = complain;
     const auto interrupted = platform.termination().observe([&hold] {
       if (hold.interruptible) std::_Exit(EXIT_SUCCESS);  // whatever is held goes with the process
     });
@@ -135,7 +136,6 @@ Result<int, std::string> holdHere(const ForegroundHold& hold) {
 }
 
 int runFromShell(const std::vector<std::string>& arguments) {
-  const auto complain = [](const std::string& line) { fmt::print(stderr, "nimbo: {}\n", line); };
   const SystemReaders readers = makeSystemReaders();
   const auto command = commandOf(arguments, readers.clock->now());
   if (!command) {

@@ -106,8 +106,7 @@ class AwakeManager {
 
  private:
   [[nodiscard]] AwakeRules rules() const;
-  /// Why no session may run now, or absent.
-  /// `ownDisplay`: whether the user wants the display on; others may.
+  /// Whether the system granted it. `ownDisplay`: the user wants the display on; others may, too.
   [[nodiscard]] bool activate(bool ownDisplay, bool newHoldersDisplay = false);
   void end();
   void endOwn(std::string message);

@@ -6,10 +6,8 @@
 #include <algorithm>
 #include <cmath>
 #include <nlohmann/json.hpp>
-#include <type_traits>
 
 #include "base/size_text.h"
-#include "base/text.h"
 #include "command/time_words.h"
 #include "system/process_scan.h"
 #include "system/system_sampler.h"

@@ -24,9 +24,6 @@ class ForegroundPrograms {
 
   /// Of a process, as `ps` shows it; empty when there is none.
   [[nodiscard]] virtual std::string nameOf(std::int32_t process) = 0;
-
-  /// Whether output goes to a terminal.
-  [[nodiscard]] virtual bool outputIsTerminal() const = 0;
 };
 
 }  // namespace nimbo

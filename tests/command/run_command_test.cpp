@@ -60,7 +60,6 @@ class FakeForegroundPrograms final : public ForegroundPrograms {
     return {};
   }
   std::string nameOf(std::int32_t process) override { return names[process]; }
-  [[nodiscard]] bool outputIsTerminal() const override { return false; }
 
   Result<int, std::string> status = 0;
   std::vector<std::string> ran;

@@ -15,10 +15,6 @@
 namespace nimbo {
 namespace {
 
-constexpr const char* kName = kProgramName;
-constexpr const char* kPath = kProgramPath;
-constexpr const char* kInterface = kApplicationInterface;
-
 // What sd-bus makes of the bus's "there is nobody of that name".
 constexpr int kNoOwner = -EHOSTUNREACH;
 
@@ -64,7 +60,7 @@ Result<InstanceRole, InstanceError> DbusApplicationInstance::claim(const std::ve
   if (session_.get() == nullptr) return unreachable(session_.failure());
   handlers_ = std::move(handlers);
   // The object stands before the name does: a later start may call at once.
-  object_ = addObject(session_.get(), kPath, kInterface, kTable, this);
+  object_ = addObject(session_.get(), kProgramPath, kApplicationInterface, kTable, this);
 
   const Deadline deadline = std::chrono::steady_clock::now() + limit_;
   // sd-bus would wait much longer for a bus that accepts the connection and then says nothing.
@@ -90,7 +86,7 @@ Result<InstanceRole, InstanceError> DbusApplicationInstance::claim(const std::ve
 
 void DbusApplicationInstance::release() {
   object_.reset();
-  const auto message = methodCall(session_.get(), methodOfTheBus("ReleaseName"), kName);
+  const auto message = methodCall(session_.get(), methodOfTheBus("ReleaseName"), kProgramName);
   // At once, as the loop turns no more; should that fail, the name goes with the connection.
   if (message) (void)sd_bus_send(session_.get(), message.get(), nullptr);
 }
@@ -99,7 +95,7 @@ int DbusApplicationInstance::requestName(Deadline deadline) {
   constexpr std::uint32_t kDoNotQueue = 4;
   BusMessage reply;
   const int result =
-      call(methodCall(session_.get(), methodOfTheBus("RequestName"), kName, kDoNotQueue), deadline, reply.out());
+      call(methodCall(session_.get(), methodOfTheBus("RequestName"), kProgramName, kDoNotQueue), deadline, reply.out());
   if (result < 0) return result;
   std::uint32_t outcome = 0;
   const int read = sd_bus_message_read(reply.get(), "u", &outcome);
@@ -108,10 +104,13 @@ int DbusApplicationInstance::requestName(Deadline deadline) {
 
 int DbusApplicationInstance::forward(const std::vector<std::string>& links, Deadline deadline) {
   sd_bus* const bus = session_.get();
-  if (links.empty()) return call(methodCall(bus, {kName, kPath, kInterface, "Activate"}, NoOptions()), deadline);
+  if (links.empty())
+    return call(methodCall(bus, {kProgramName, kProgramPath, kApplicationInterface, "Activate"}, NoOptions()),
+                deadline);
   std::vector<std::string> repaired(links.size());
   std::ranges::transform(links, repaired.begin(), repairedUtf8);
-  return call(methodCall(bus, {kName, kPath, kInterface, "Open"}, repaired, NoOptions()), deadline);
+  return call(methodCall(bus, {kProgramName, kProgramPath, kApplicationInterface, "Open"}, repaired, NoOptions()),
+              deadline);
 }
 
 int DbusApplicationInstance::activate(sd_bus_message* call, sd_bus_error* /*error*/) {

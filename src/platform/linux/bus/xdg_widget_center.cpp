@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "platform/linux/bus/xdg_widget_center.h"
 
+#include "platform/linux/bus/program_address.h"
 #include "platform/linux/files/atomic_file.h"
 
 namespace nimbo {
 namespace {
 
-constexpr const char* kWidgetsPath = "/com/quellwerk/Nimbo";
 constexpr const char* kWidgetsInterface = "com.quellwerk.Nimbo.Widgets";
 
 bool isFolderName(const std::string& name) {
@@ -25,7 +25,7 @@ bool XdgWidgetCenter::writeAtomically(const std::filesystem::path& file, std::st
 
 void XdgWidgetCenter::reloadTimelines(const std::string& kind) {
   if (session_ == nullptr) return;
-  sd_bus_emit_signal(session_, kWidgetsPath, kWidgetsInterface, "TimelinesReloaded", "s", kind.c_str());
+  sd_bus_emit_signal(session_, kProgramPath, kWidgetsInterface, "TimelinesReloaded", "s", kind.c_str());
 }
 
 }  // namespace nimbo

@@ -103,6 +103,4 @@ std::string UserForegroundPrograms::nameOf(std::int32_t process) {
   return printableLine(readAttributeLine(fmt::format("/proc/{}/comm", process)));
 }
 
-bool UserForegroundPrograms::outputIsTerminal() const { return ::isatty(STDOUT_FILENO) == 1; }
-
 }  // namespace nimbo

@@ -11,7 +11,6 @@ class UserForegroundPrograms final : public ForegroundPrograms {
   [[nodiscard]] Result<int, std::string> run(const std::vector<std::string>& command) override;
   [[nodiscard]] Result<void, std::string> waitFor(const std::vector<std::int32_t>& processes) override;
   [[nodiscard]] std::string nameOf(std::int32_t process) override;
-  [[nodiscard]] bool outputIsTerminal() const override;
 };
 
 }  // namespace nimbo
