@@ -7,6 +7,7 @@ expected state is there, or fails after a bound.
 """
 
 import contextlib
+import itertools
 import os
 import pathlib
 import pwd
@@ -145,29 +146,35 @@ def connect(address):
 class Display:
     """An X server without a screen of glass, on a number that is free. A file has what it shows, without the pointer."""
 
+    # Far from the lowest free one that others take, and never used again: a program whose display is gone must not
+    # find that of another test under its name.
+    numbers = itertools.count(1000 + os.getpid() % 3000 * 16)
+
     def __init__(self, env, size="1440x900x24", dpi=96):
         self.env = env
         self.options = ["-screen", "0", size, "-dpi", str(dpi), "-nolisten", "tcp", "-noreset", "-nocursor"]
         self.options += ["-fbdir", env["XDG_RUNTIME_DIR"]]
         self.frame_buffer = pathlib.Path(env["XDG_RUNTIME_DIR"]) / "Xvfb_screen0"
-        self._start()
+        while not self._start(next(self.numbers)):
+            pass
 
-    def _start(self, *number):
+    def _start(self, number):
         read, write = os.pipe()
         self.server = Process(
-            ["Xvfb", *number, "-displayfd", str(write), *self.options],
+            ["Xvfb", f":{number}", "-displayfd", str(write), *self.options],
             self.env,
             pass_fds=[write],
             stderr=subprocess.DEVNULL,
         )
         os.close(write)
         with os.fdopen(read) as stream:
-            self.name = ":" + stream.readline().strip()
+            self.name = f":{number}"
+            return stream.readline().strip() == str(number)
 
     def restart(self):
         """Dies, and begins anew with nobody's windows under the same name."""
         self.server.end(signal.SIGKILL)
-        self._start(self.name)
+        self._start(int(self.name[1:]))
 
 
 class Session:
