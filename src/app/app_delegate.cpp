@@ -166,7 +166,11 @@ RemoteControlHandlers AppDelegate::remoteControlHandlers() {
     return {};
   };
   return {
-      .awake = [this] { return awakeStatus(awake_); },
+      .awake =
+          [this] {
+            return AwakeStatus{awake_.isActive(),       awake_.isOwn(),   awake_.endsAt(),
+                               awake_.keepsDisplayOn(), awake_.message(), awake_.holders()};
+          },
       .start = [this, outcome](
                    std::optional<AwakeManager::Time> until,
                    bool keepDisplayOn) { return outcome(awake_.start(until, keepDisplayOn, clock_.now())); },
@@ -178,6 +182,9 @@ RemoteControlHandlers AppDelegate::remoteControlHandlers() {
       },
       .hold = [this](const std::string& name, bool display) { return awake_.hold(name, display); },
       .letGo = [this](std::uint32_t holder) { awake_.letGo(holder); },
+      .usage = [this]() -> const UsageStates& { return usage_.states(); },
+      .refreshUsage = [this] { usage_.refreshAll(); },
+      .readings = [this]() -> const SystemReadings& { return sampling_.readings(); },
   };
 }
 
@@ -244,6 +251,7 @@ void AppDelegate::readingsChanged() {
   usage_.refreshDue();
   widgets_.writeWidgetSnapshot(WidgetPublisher::Force::no);
   refreshViews();
+  platform_.remoteControl().readingsChanged();
 }
 
 void AppDelegate::tabShown(DashboardTab tab) {
@@ -258,6 +266,7 @@ void AppDelegate::refreshViews() {
 
 void AppDelegate::usageChanged() {
   refreshViews();
+  platform_.remoteControl().usageChanged();
   // What a read brought must not reach the widgets five minutes late.
   if (!usage_.isRefreshing()) widgets_.writeWidgetSnapshot(WidgetPublisher::Force::yes);
 }

@@ -17,6 +17,7 @@
 #include "app/windows/update_alerts.h"
 #include "awake/awake_manager.h"
 #include "platform/platform_services.h"
+#include "remote_control/remote_control.h"
 #include "settings/settings.h"
 #include "ui/settings/settings_window_controller.h"
 #include "ui/tray/status_item_content.h"

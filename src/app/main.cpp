@@ -14,10 +14,12 @@
 #include "app/launch.h"
 #include "app/reports/console_reports.h"
 #include "app/reports/performance_probe.h"
+#include "app/usage_providers.h"
 #include "awake/awake_manager.h"
 #include "command/command_line.h"
 #include "command/run_command.h"
 #include "platform/platform_services.h"
+#include "remote_control/remote_control.h"
 #include "settings/settings.h"
 #include "ui/remote/remote_user_interface.h"
 
@@ -135,6 +137,29 @@ Result<int, std::string> holdHere(const ForegroundHold& hold) {
   return status;
 }
 
+/// As the running program would; nothing else runs meanwhile.
+Result<UsageStates, RemoteError> readUsageHere() {
+  UsageStates states;
+  runOnPlatform([&states](PlatformServices& platform) {
+    const Settings settings(platform.userDefaults(), platform.userDefaultsDomains(), platform.bundleInfo().identifier);
+    bool begun = false;
+    std::optional<UsageProviders> usage;
+    const auto endWhenRead = [&] {
+      if (begun && !usage->isRefreshing()) platform.mainLoop().quit();
+    };
+    usage.emplace(platform, settings, endWhenRead);
+    usage->settingsChanged();  // from none before: reads all that are on, as asked for
+    begun = true;
+    platform.mainLoop().post(endWhenRead);
+    const auto interrupted = platform.termination().observe([] { std::_Exit(EXIT_FAILURE); });
+    platform.mainLoop().run();
+    states = usage->states();
+    usage->stop();
+    return EXIT_SUCCESS;
+  });
+  return states;
+}
+
 int runFromShell(const std::vector<std::string>& arguments) {
   const SystemReaders readers = makeSystemReaders();
   const auto command = commandOf(arguments, readers.clock->now());
@@ -157,8 +182,13 @@ int runFromShell(const std::vector<std::string>& arguments) {
                      .processes = [&]() -> ProcessTable& { return *readers.processTable; },
                      .temperature = [&]() -> TemperatureSensor& { return made(sensor, readers.makeTemperatureSensor); },
                      .holdHere = holdHere,
+                     .readUsageHere = readUsageHere,
                      .version = programVersion(),
-                     .print = [](const std::string& text) { std::fputs(text.c_str(), stdout); },
+                     .print =
+                         [](const std::string& text) {
+                           std::fputs(text.c_str(), stdout);
+                           std::fflush(stdout);  // who watches reads it at once
+                         },
                      .complain = complain});
 }
 

@@ -18,11 +18,6 @@ constexpr const char* kEnded = "Session ended. Normal sleep is allowed.";
 
 }  // namespace
 
-AwakeStatus awakeStatus(const AwakeManager& manager) {
-  return {manager.isActive(),       manager.isOwn(),   manager.endsAt(),
-          manager.keepsDisplayOn(), manager.message(), manager.holders()};
-}
-
 bool AwakeManager::start(std::optional<Time> until, bool keepDisplayOn, Time now) {
   if (until && *until <= now) {
     refuse("Choose an end time in the future.");

@@ -11,16 +11,13 @@
 
 #include "awake/awake_rules.h"
 #include "awake/power_assertions.h"
+#include "base/result.h"
 #include "platform/clock.h"
 #include "platform/display_power.h"
 #include "platform/main_loop.h"
-#include "platform/remote_control.h"
 #include "settings/settings.h"
 
 namespace nimbo {
-
-class AwakeManager;
-[[nodiscard]] AwakeStatus awakeStatus(const AwakeManager& manager);
 
 /// The Keep Awake session: holds the assertions for as long as the user or another program asked and the battery
 /// rules allow, and keeps the one message that tells about it. Every failure becomes that message. What the user

@@ -42,12 +42,19 @@ std::optional<std::string> next(Words& words) {
   return word;
 }
 
-/// The rest is "--json" or nothing.
+/// The rest says how it is printed.
 template <class Report>
 Parsed report(Words words, Report wanted = {}) {
   while (const auto word = next(words)) {
-    if (*word != "--json") return unknown(*word);
-    wanted.json = true;
+    if (*word == "--json") {
+      wanted.form.json = true;
+    } else if (*word == "--short") {
+      wanted.form.brief = true;
+    } else if (*word == "--watch") {
+      wanted.form.watch = true;
+    } else {
+      return unknown(*word);
+    }
   }
   return wanted;
 }
@@ -156,8 +163,8 @@ Parsed alone(Words words) {
 }  // namespace
 
 bool isCommand(std::span<const std::string> arguments) {
-  constexpr std::array<std::string_view, 7> kFirst{"awake", "memory", "processes", "open",
-                                                   "quit",  "--help", "--version"};
+  constexpr std::array<std::string_view, 8> kFirst{"awake", "usage", "memory", "processes",
+                                                   "open",  "quit",  "--help", "--version"};
   return arguments.size() > 1 && std::ranges::find(kFirst, arguments[1]) != kFirst.end();
 }
 
@@ -166,6 +173,7 @@ Result<Command, std::string> commandOf(std::span<const std::string> arguments,
   const std::string& word = arguments[1];
   const Words rest = arguments.subspan(2);
   if (word == "awake") return awake(rest, now);
+  if (word == "usage") return report<UsageReport>(rest);
   if (word == "memory") return report<MemoryReport>(rest);
   if (word == "processes") return processes(rest);
   if (word == "open") return open(rest);
@@ -179,18 +187,19 @@ const char* helpText() {
 nimbo awake on [--for 2h30m | --until 18:30 | --until 2027-01-04T09:00] [--display]
 nimbo awake off
 nimbo awake extend 30m
-nimbo awake status [--json]
+nimbo awake status [FORM]
 nimbo awake run [--display] [--] COMMAND [ARGUMENT…]
                                    keeps awake while the command runs, and returns its status
 nimbo awake while [--display] PID…
                                    keeps awake until all these processes have ended
-nimbo memory [--json]
-nimbo processes [-n COUNT] [--json]
-                                   the largest by memory
+nimbo usage [FORM]                 what is left of AI allowances
+nimbo memory [FORM]
+nimbo processes [-n COUNT] [FORM]  the largest by memory
 nimbo open [usage|resources|awake|settings]
 nimbo quit
 nimbo --diagnostics | --profile | --claude-desktop-check
 nimbo --help | --version
+A FORM is --json, --short for one line, --watch for that line again with each change, or two of them.
 )";
 }
 

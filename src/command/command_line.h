@@ -21,8 +21,15 @@ struct AwakeOff {};
 struct AwakeExtend {
   std::chrono::seconds by{0};
 };
-struct AwakeReport {
+/// How a report is printed.
+struct Form {
   bool json = false;
+  bool brief = false;  ///< one line instead of a page
+  bool watch = false;  ///< the line again with each change
+  bool operator==(const Form&) const = default;
+};
+struct AwakeReport {
+  Form form{};
 };
 struct AwakeRun {
   std::vector<std::string> command;  ///< never empty
@@ -32,12 +39,15 @@ struct AwakeWhile {
   std::vector<std::int32_t> processes;  ///< never empty
   bool keepDisplayOn = false;
 };
+struct UsageReport {
+  Form form{};
+};
 struct MemoryReport {
-  bool json = false;
+  Form form{};
 };
 struct ProcessesReport {
+  Form form{};
   std::size_t count = 10;
-  bool json = false;
 };
 struct OpenPage {
   std::string page;  ///< "usage", "resources", "awake", "settings", or empty for the one shown last
@@ -47,8 +57,8 @@ struct ShowHelp {};
 struct ShowVersion {};
 
 /// What one start of the program asks for, besides the program itself.
-using Command = std::variant<AwakeOn, AwakeOff, AwakeExtend, AwakeReport, AwakeRun, AwakeWhile, MemoryReport,
-                             ProcessesReport, OpenPage, QuitProgram, ShowHelp, ShowVersion>;
+using Command = std::variant<AwakeOn, AwakeOff, AwakeExtend, AwakeReport, AwakeRun, AwakeWhile, UsageReport,
+                             MemoryReport, ProcessesReport, OpenPage, QuitProgram, ShowHelp, ShowVersion>;
 
 /// Whether the first word after the program's own is one of a command.
 [[nodiscard]] bool isCommand(std::span<const std::string> arguments);

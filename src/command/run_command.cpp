@@ -1,57 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "command/run_command.h"
 
-#include <fmt/format.h>
+#include <utility>
 
-#include <algorithm>
-#include <cmath>
-#include <nlohmann/json.hpp>
-
-#include "base/size_text.h"
-#include "command/time_words.h"
+#include "command/report.h"
 #include "system/process_scan.h"
 #include "system/system_sampler.h"
 
 namespace nimbo {
 namespace {
 
-using Json = nlohmann::ordered_json;
-
-constexpr int kFormat = 1;  // of the JSON, see docs/commands.md
-constexpr int kBarLength = 20;
-
-/// "██████░░░░"
-std::string bar(double part) {
-  std::string text;
-  const auto filled = std::lround(std::clamp(part, 0.0, 1.0) * kBarLength);
-  for (int place = 0; place < kBarLength; ++place) text += place < filled ? "█" : "░";
-  return text;
-}
-
-std::string jsonLine(const char* name, Json value) {
-  const Json document{{"version", kFormat}, {name, std::move(value)}};
-  return document.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
-}
-
-template <class Value>
-Json orNull(const std::optional<Value>& value) {
-  return value ? Json(*value) : Json(nullptr);
-}
-
-std::string joined(const std::vector<std::string>& names) {
-  std::string text;
-  for (const std::string& name : names) text += (text.empty() ? "" : ", ") + name;
-  return text;
-}
-
-std::string statusText(const AwakeStatus& status, std::chrono::system_clock::time_point now) {
-  if (!status.active) return status.message.empty() ? "Off.\n" : fmt::format("Off. {}\n", status.message);
-  std::string text = "On";
-  if (status.own) text += status.endsAt ? " until " + clockTime(*status.endsAt, now) : " until stopped";
-  if (!status.holders.empty()) text += " for " + joined(status.holders);
-  text += status.keepsDisplayOn ? ". Display stays on." : ". Display may sleep.";
-  return text + (status.message.empty() ? "" : " " + status.message) + "\n";
-}
+constexpr std::chrono::seconds kScanInterval{5};
 
 class Runner {
  public:
@@ -69,16 +28,7 @@ class Runner {
   }
 
   int operator()(const AwakeReport& wanted) const {
-    const auto status = program().awake();
-    if (!status) return failed(status.error());
-    if (!wanted.json) return print(statusText(*status, services_.clock.now()));
-    Json awake{{"active", status->active},
-               {"own", status->own},
-               {"endsAt", status->endsAt ? Json(isoTime(*status->endsAt)) : Json(nullptr)},
-               {"keepsDisplayOn", status->keepsDisplayOn},
-               {"message", status->message},
-               {"holders", status->holders}};
-    return print(jsonLine("awake", std::move(awake)));
+    return show(wanted.form, RemotePart::awake, "awake", [this] { return reported(program().awake(), now()); });
   }
 
   int operator()(const AwakeRun& run) const {
@@ -100,55 +50,87 @@ class Runner {
                       }});
   }
 
+  int operator()(const UsageReport& wanted) const {
+    return show(wanted.form, RemotePart::usage, "usage", [this, &wanted] {
+      auto states = program().usage();
+      const bool here = !states && states.error().kind == RemoteError::Kind::notRunning && !wanted.form.watch;
+      return reported(here ? services_.readUsageHere() : std::move(states), now());
+    });
+  }
+
   int operator()(const MemoryReport& wanted) const {
-    SystemSampler sampler(services_.host(), services_.clock);
-    const auto memory = sampler.snapshot();
-    if (!memory) return failed("The system’s memory cannot be read.");
-    const auto celsius = services_.temperature().temperature();
-    if (wanted.json) {
-      return print(jsonLine("memory", {{"totalBytes", memory->total},
-                                       {"usedBytes", memory->used()},
-                                       {"availableBytes", memory->available()},
-                                       {"appBytes", memory->app},
-                                       {"wiredBytes", memory->wired},
-                                       {"compressedBytes", memory->compressed},
-                                       {"swapUsedBytes", orNull(memory->swap)},
-                                       {"pressure", pressureWord(memory->pressure)},
-                                       {"cpuTemperatureCelsius", orNull(celsius)}}));
-    }
-    return print(
-        fmt::format("Memory       {} {:.0f} %, {} of {}\n"
-                    "Available    {}\n"
-                    "Swap used    {}\n"
-                    "Pressure     {}\n"
-                    "CPU          {}\n",
-                    bar(memory->usedFraction()), memory->usedFraction() * 100, gigabytesText(memory->used()),
-                    gigabytesText(memory->total), gigabytesText(memory->available()),
-                    memory->swap ? gigabytesText(*memory->swap) : "unavailable", pressureWord(memory->pressure),
-                    celsius ? fmt::format("{:.0f} °C", *celsius) : "temperature unavailable"));
+    return show(wanted.form, RemotePart::readings, "memory", [this, &wanted]() -> Result<Report, RemoteError> {
+      if (wanted.form.watch) return reported(program().readings());
+      SystemSampler sampler(services_.host(), services_.clock);
+      SystemReadings readings;
+      readings.memory = sampler.snapshot();
+      readings.memoryFailed = !readings.memory;
+      readings.temperature = services_.temperature().temperature();
+      if (const auto told = program().readings()) readings.cpu = told->cpu;
+      return reportOf(readings);
+    });
   }
 
   int operator()(const ProcessesReport& wanted) const {
-    ProcessScan scan = scanProcesses(services_.processes(), wanted.count);
-    if (scan.processes.size() > wanted.count) scan.processes.resize(wanted.count);
-    if (wanted.json) {
-      Json list = Json::array();
-      for (const auto& process : scan.processes) {
-        list.push_back({{"pid", process.pid}, {"name", process.name}, {"bytes", process.bytes}});
-      }
-      return print(jsonLine("processes", std::move(list)));
-    }
-    std::string text;
-    for (const auto& process : scan.processes) {
-      text += fmt::format("{:>9}  {:>7}  {}\n", footprintText(process.bytes), process.pid, process.name);
-    }
-    return print(text);
+    const auto look = [this, &wanted]() -> Result<Report, RemoteError> {
+      ProcessScan scan = scanProcesses(services_.processes(), wanted.count);
+      if (scan.processes.size() > wanted.count) scan.processes.resize(wanted.count);
+      return reportOf(scan.processes);
+    };
+    if (!wanted.form.watch) return show(wanted.form, {}, "processes", look);
+    Line line(services_, wanted.form);
+    do {
+      line.print(*look());
+    } while (services_.programs.isReadFor(kScanInterval));
+    return static_cast<int>(CommandStatus::done);
   }
 
   int operator()(const ShowHelp& /*help*/) const { return print(helpText()); }
   int operator()(const ShowVersion& /*version*/) const { return print("nimbo " + services_.version + "\n"); }
 
  private:
+  /// What is printed again and again, when it is another.
+  class Line {
+   public:
+    Line(const CommandServices& services, const Form& form) : services_(services), form_(form) {}
+
+    void print(const Report& report) {
+      std::string line = (form_.json ? report.json() : report.text) + "\n";
+      if (line == last_) return;
+      services_.print(line);
+      last_ = std::move(line);
+    }
+
+   private:
+    const CommandServices& services_;
+    const Form form_;
+    std::string last_;
+  };
+
+  template <class Value, class... More>
+  [[nodiscard]] static Result<Report, RemoteError> reported(const Result<Value, RemoteError>& answer, More... more) {
+    return answer.map([more...](const Value& value) { return reportOf(value, more...); });
+  }
+
+  /// `look` makes a report, named `name`, of what that part of the program tells.
+  template <class Look>
+  [[nodiscard]] int show(const Form& form, RemotePart part, const char* name, const Look& look) const {
+    if (form.watch) {
+      Line line(services_, form);
+      return after(program().watch(part, [&] {
+        const Result<Report, RemoteError> report = look();
+        line.print(report ? *report : Report{.level = "absent", .error = report.error().message, .name = name});
+      }));
+    }
+    const Result<Report, RemoteError> report = look();
+    if (!report) return failed(report.error());
+    if (report->error) return failed(*report->error);
+    if (form.json) return print(report->json() + "\n");
+    if (!form.brief) return print(report->page(services_.programs.showsColours()));
+    return print(report->text.empty() ? "" : report->text + "\n");
+  }
+
+  [[nodiscard]] ReportTime now() const { return services_.clock.now(); }
   [[nodiscard]] RunningProgram& program() const { return services_.program(); }
 
   [[nodiscard]] int print(const std::string& text) const {

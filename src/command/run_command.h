@@ -10,8 +10,8 @@
 #include "platform/foreground_programs.h"
 #include "platform/host_statistics.h"
 #include "platform/process_table.h"
-#include "platform/remote_control.h"
 #include "platform/temperature_sensor.h"
+#include "remote_control/remote_control.h"
 
 namespace nimbo {
 
@@ -41,6 +41,8 @@ struct CommandServices {
   std::function<TemperatureSensor&()> temperature;
   /// Keeps awake in this process while the work runs, and gives what it gives; else one sentence.
   std::function<Result<int, std::string>(const ForegroundHold& hold)> holdHere;
+  /// Reads the allowances in this process, which may take a minute.
+  std::function<Result<UsageStates, RemoteError>()> readUsageHere;
   std::string version;
   std::function<void(const std::string& text)> print;     ///< as it is
   std::function<void(const std::string& line)> complain;  ///< one line

@@ -22,7 +22,6 @@
 #include "platform/power_sources.h"
 #include "platform/process_table.h"
 #include "platform/pseudo_terminal.h"
-#include "platform/remote_control.h"
 #include "platform/status_bar.h"
 #include "platform/system_events.h"
 #include "platform/temperature_sensor.h"
@@ -35,6 +34,10 @@
 #include "platform/workspace.h"
 
 namespace nimbo {
+
+// What they speak of is the program's own: remote_control/remote_control.h.
+class RemoteControl;
+class RunningProgram;
 
 /// Makes a sensor on the queue that will read it.
 using TemperatureSensorMaker = std::function<std::unique_ptr<TemperatureSensor>()>;

@@ -3,12 +3,14 @@
 
 #include <chrono>
 #include <functional>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "base/result.h"
 #include "base/subscription.h"
+#include "settings/usage_provider.h"
 
 namespace nimbo {
 
@@ -39,6 +41,8 @@ struct UsageState {
   std::optional<UsageTime> retryNotBefore{};  ///< while the message tells of a rate limit
   bool operator==(const UsageState&) const = default;
 };
+
+using UsageStates = std::map<UsageProvider, UsageState>;
 
 /// When a reading that failed is worth another try.
 enum class UsageRetry {

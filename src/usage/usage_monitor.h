@@ -15,8 +15,6 @@
 
 namespace nimbo {
 
-using UsageStates = std::map<UsageProvider, UsageState>;
-
 /// Decides when each provider is read: every five minutes, when the user asks, and once more when the
 /// network appears after a read that failed for want of it; but only one read of a provider at a time,
 /// none before its rate-limit wait is over, and none that comes too late is kept. Main thread only.

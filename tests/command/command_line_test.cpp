@@ -43,7 +43,6 @@ TEST(CommandLine, SessionHasAnEndOrNone) {
   EXPECT_GT(as<AwakeOn>({"awake", "on", "--until", "18:30"}).until, kNow);
   EXPECT_EQ(as<AwakeExtend>({"awake", "extend", "30m"}).by, std::chrono::minutes(30));
   as<AwakeOff>({"awake", "off"});
-  EXPECT_TRUE(as<AwakeReport>({"awake", "status", "--json"}).json);
 }
 
 TEST(CommandLine, WordsOfACommandThatIsRunAreItsOwn) {
@@ -62,7 +61,10 @@ TEST(CommandLine, ProcessesAreNumbers) {
 }
 
 TEST(CommandLine, FiguresAndPages) {
-  EXPECT_TRUE(as<MemoryReport>({"memory", "--json"}).json);
+  EXPECT_EQ(as<AwakeReport>({"awake", "status"}).form, Form());
+  EXPECT_EQ(as<MemoryReport>({"memory", "--json"}).form, (Form{.json = true}));
+  EXPECT_EQ(as<UsageReport>({"usage", "--watch", "--json"}).form, (Form{.json = true, .watch = true}));
+  EXPECT_EQ(as<ProcessesReport>({"processes", "--short"}).form, (Form{.brief = true}));
   EXPECT_EQ(as<ProcessesReport>({"processes"}).count, 10U);
   EXPECT_EQ(as<ProcessesReport>({"processes", "-n", "15", "--json"}).count, 15U);
   EXPECT_EQ(as<OpenPage>({"open"}).page, "");
@@ -92,6 +94,7 @@ TEST(CommandLine, WhatIsNotUnderstoodIsSaidInOneLine) {
                              Words{"awake", "while", "99999999999"},
                              Words{"awake", "while", "12x"},
                              Words{"memory", "all"},
+                             Words{"usage", "codex"},
                              Words{"processes", "-n"},
                              Words{"processes", "-n", "0"},
                              Words{"processes", "-n", "1001"},

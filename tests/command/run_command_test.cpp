@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "command/run_command.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <map>
@@ -22,6 +23,23 @@ class FakeRunningProgram final : public RunningProgram {
     if (error) return tl::unexpected(*error);
     return status;
   }
+  Result<UsageStates, RemoteError> usage() override {
+    if (error) return tl::unexpected(*error);
+    return states;
+  }
+  Result<SystemReadings, RemoteError> readings() override {
+    if (error) return tl::unexpected(*error);
+    return latest;
+  }
+  /// One look for each of `news`, which happens before it.
+  Result<void, RemoteError> watch(RemotePart part, const std::function<void()>& look) override {
+    watched = part;
+    for (const auto& happens : news) {
+      happens();
+      look();
+    }
+    return {};
+  }
   Result<void, RemoteError> start(std::optional<Time> until, bool keepDisplayOn) override {
     return did(std::string(until ? "start until then" : "start") + (keepDisplayOn ? " with display" : ""));
   }
@@ -38,6 +56,10 @@ class FakeRunningProgram final : public RunningProgram {
   Result<void, RemoteError> act(const std::string& action) override { return did(action); }
 
   AwakeStatus status;
+  UsageStates states;
+  SystemReadings latest;
+  std::vector<std::function<void()>> news;
+  std::optional<RemotePart> watched;
   std::optional<RemoteError> error;
   Log calls;
 
@@ -59,9 +81,13 @@ class FakeForegroundPrograms final : public ForegroundPrograms {
     waited = processes;
     return {};
   }
+  bool isReadFor(std::chrono::seconds /*time*/) override { return looks-- > 0; }
+  bool showsColours() override { return coloured; }
   std::string nameOf(std::int32_t process) override { return names[process]; }
 
   Result<int, std::string> status = 0;
+  int looks = 0;  ///< until nobody reads any more
+  bool coloured = false;
   std::vector<std::string> ran;
   std::vector<std::int32_t> waited;
   std::map<std::int32_t, std::string> names;
@@ -80,6 +106,7 @@ class RunCommand : public testing::Test {
                                   heldHere_.push_back(hold.name);
                                   return hold.work();
                                 },
+                                .readUsageHere = [this]() -> Result<UsageStates, RemoteError> { return usageHere_; },
                                 .version = "1.2",
                                 .print = [this](const std::string& text) { printed_ += text; },
                                 .complain = [this](const std::string& line) { complaints_.push_back(line); }});
@@ -92,6 +119,7 @@ class RunCommand : public testing::Test {
   FakeProcessTable processes_;
   FakeTemperatureSensor sensor_;
   Log heldHere_;
+  UsageStates usageHere_;
   std::string printed_;
   Log complaints_;
 };
@@ -133,9 +161,13 @@ TEST_F(RunCommand, StatusIsALineForEyes) {
 
 TEST_F(RunCommand, StatusForProgramsSaysWhatIsAbsent) {
   program_.status = {.active = true, .own = true, .message = "\"\xff", .holders = {"make"}};
-  run(AwakeReport{true});
-  EXPECT_EQ(printed_, R"({"version":1,"awake":{"active":true,"own":true,"endsAt":null,"keepsDisplayOn":false,)"
-                      "\"message\":\"\\\"\xef\xbf\xbd\",\"holders\":[\"make\"]}}\n");
+  run(AwakeReport{{.json = true}});
+  EXPECT_EQ(
+      printed_,
+      R"({"version":1,"text":"Awake for make","tooltip":"On until stopped for make. Display may sleep. \"�","class":"on",)"
+      R"("percentage":0,"error":null,"awake":{"active":true,"own":true,"endsAt":null,"keepsDisplayOn":false,)"
+      R"("message":"\"�","holders":["make"]}})"
+      "\n");
 }
 
 TEST_F(RunCommand, CommandIsHeldForAndItsStatusReturned) {
@@ -170,6 +202,60 @@ TEST_F(RunCommand, ProcessesAreNamedAndWaitedFor) {
   EXPECT_EQ(run(AwakeWhile{{9, 4}, false}), 0);
   EXPECT_EQ(program_.calls, Log{"hold for make, cargo"});
   EXPECT_EQ(programs_.waited, (std::vector<std::int32_t>{9, 4}));
+}
+
+TEST_F(RunCommand, WatchedLineIsPrintedWhenItIsAnother) {
+  program_.news = {[] {}, [] {}, [this] { program_.status = {.active = true, .own = true}; },
+                   [this] { program_.status.message = "On battery."; },
+                   [this] {
+                     program_.error = RemoteError{RemoteError::Kind::notRunning, "Nimbo is not running."};
+                   }};
+  EXPECT_EQ(run(AwakeReport{{.watch = true}}), 0);
+  EXPECT_EQ(program_.watched, RemotePart::awake);
+  EXPECT_EQ(printed_, "\nAwake\n\n");
+  EXPECT_EQ(complaints_, Log{});
+}
+
+TEST_F(RunCommand, WatchedObjectTellsAbsentFromFailedAndOff) {
+  program_.news = {[this] { program_.latest.memoryFailed = true; }, [this] { program_.latest.memoryFailed = false; },
+                   [this] {
+                     program_.error = RemoteError{RemoteError::Kind::notRunning, "Nimbo is not running."};
+                   }};
+  run(MemoryReport{{.json = true, .watch = true}});
+  EXPECT_EQ(program_.watched, RemotePart::readings);
+  const auto object = [](const char* tooltip, const char* level, const char* error) {
+    return fmt::format(
+        R"({{"version":1,"text":"","tooltip":"{}","class":"{}","percentage":0,"error":{},"memory":null}})"
+        "\n",
+        tooltip, level, error);
+  };
+  const char* const failed = "The system’s memory cannot be read.";
+  EXPECT_EQ(printed_, object(failed, "failed", "\"The system’s memory cannot be read.\"") + object("", "off", "null") +
+                          object("Nimbo is not running.", "absent", "\"Nimbo is not running.\""));
+}
+
+TEST_F(RunCommand, ProcessesAreWatchedWithoutARunningProgram) {
+  program_.error = RemoteError{RemoteError::Kind::notRunning, "Nimbo is not running."};
+  programs_.looks = 2;
+  processes_.add(7, std::uint64_t{3} << 30U, "java");
+  EXPECT_EQ(run(ProcessesReport{{.watch = true}}), 0);
+  EXPECT_EQ(printed_, "java 3.0 GB\n");
+}
+
+TEST_F(RunCommand, UsageIsReadHereWithoutARunningProgram) {
+  usageHere_[UsageProvider::codex] = {.enabled = true, .message = "Sign in again."};
+  program_.error = RemoteError{RemoteError::Kind::unreachable, "It does not answer."};
+  EXPECT_EQ(run(UsageReport{}), 1);
+  program_.error = RemoteError{RemoteError::Kind::notRunning, "Nimbo is not running."};
+  EXPECT_EQ(run(UsageReport{}), 0);
+  EXPECT_EQ(printed_, "Codex  Sign in again.\n");
+  EXPECT_EQ(complaints_, Log{"It does not answer."});
+}
+
+TEST_F(RunCommand, LoadComesFromTheRunningProgram) {
+  program_.latest.cpu = 0.25;
+  EXPECT_EQ(run(MemoryReport{{.brief = true}}), 0);
+  EXPECT_NE(printed_.find(" · CPU 25%"), std::string::npos) << printed_;
 }
 
 TEST_F(RunCommand, MemoryThatCannotBeReadIsAFailure) {

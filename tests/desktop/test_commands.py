@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 """Nimbo from the shell, against a running program and without one, on a real logind."""
 
+import contextlib
 import json
 import os
 import pathlib
@@ -10,7 +11,8 @@ import subprocess
 import time
 import unittest
 
-from nimbo_desktop import SLOW, wait_until
+import codex_service
+from nimbo_desktop import SLOW, turn_for, wait_until
 from power_services import Logind
 from program import BINARY, DesktopTest
 
@@ -46,6 +48,23 @@ class CommandTest(DesktopTest):
     def wait_for_blocks(self, *what):
         wait_until(lambda: self.blocks() == list(what), f"blocks of {what}")
 
+    def watch(self, *words):
+        """The command's lines as they come: a function that waits for one for which `fits` holds."""
+        process = self.session.start([BINARY, *words, "--watch"], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+        self.addCleanup(process.process.stdout.close)
+        os.set_blocking(process.process.stdout.fileno(), False)
+        lines = []
+
+        def wait_for_line(fits, what):
+            def read():
+                lines.extend(process.process.stdout.readlines())
+                return any(fits(line.decode()) for line in lines)
+
+            wait_until(read, what)
+            lines.clear()
+
+        return process, wait_for_line
+
     def status(self):
         return json.loads(self.nimbo("awake", "status", "--json")[1])["awake"]
 
@@ -53,6 +72,7 @@ class CommandTest(DesktopTest):
 class RunningProgramTest(CommandTest):
     def setUp(self):
         super().setUp()
+        self.session.settings(refreshInterval=2, monitorCPU=True)
         self.launch()
 
     def test_session_begins_and_ends(self):
@@ -101,6 +121,38 @@ class RunningProgramTest(CommandTest):
         self.assertEqual((status, errors), (1, "nimbo: no-such-program cannot be started: No such file or directory.\n"))
         self.wait_for_blocks()
 
+    def test_termination_is_passed_on_to_the_command(self):
+        script = "trap 'exit 5' TERM; while :; do sleep 0.05; done"
+        running = self.begin("awake", "run", "sh", "-c", script)
+        self.wait_for_blocks(BLOCK)
+        children = pathlib.Path(f"/proc/{running.pid}/task/{running.pid}/children")
+        wait_until(lambda: children.read_text(), "the command")
+        turn_for(0.2)  # until the shell has set its trap
+        running.process.terminate()
+        self.assertEqual(running.process.wait(10 * SLOW), 5)
+        self.wait_for_blocks()
+
+    def test_watched_session_is_told_when_it_changes(self):
+        watching, wait_for_line = self.watch("awake", "status", "--json")
+        wait_for_line(lambda line: json.loads(line)["class"] == "off", "its state")
+        self.nimbo("awake", "on")
+        wait_for_line(lambda line: json.loads(line)["text"] == "Awake", "the session")
+        self.assertEqual(self.nimbo("quit")[0], 0)
+        self.program.child.process.send_signal(signal.SIGTERM)  # the question whether to quit
+        wait_for_line(lambda line: json.loads(line)["awake"] is None, "its end")
+        self.start()
+        wait_for_line(lambda line: json.loads(line)["class"] == "off", "its return")
+        watching.process.stdout.close()
+        wait_until(lambda: not watching.running, "the end with its reader")
+
+    def test_watched_memory_brings_the_load_and_costs_little(self):
+        watching, wait_for_line = self.watch("memory")
+        wait_for_line(lambda line: re.fullmatch(r"Memory \d+% · CPU \d+%\n", line), "the figures")
+        memory = pathlib.Path(f"/proc/{watching.pid}/smaps_rollup").read_text()
+        own = sum(map(int, re.findall(r"^Private_(?:Clean|Dirty): +(\d+)", memory, re.M)))
+        if SLOW == 1:  # sanitizers take their own
+            self.assertLess(own, 3 * 1024)
+
     def test_processes_are_waited_for(self):
         build = self.session.start(["sleep", "600"])
         waiting = self.begin("awake", "while", build.process.pid)
@@ -121,10 +173,15 @@ class RunningProgramTest(CommandTest):
     def test_bus_shows_what_is_documented(self):
         shown = subprocess.run(
             ["busctl", f"--address={self.session.env['DBUS_SESSION_BUS_ADDRESS']}", "introspect", "--no-pager",
-             "com.quellwerk.Nimbo", "/com/quellwerk/Nimbo", "com.quellwerk.Nimbo.Awake1"],
+             "com.quellwerk.Nimbo", "/com/quellwerk/Nimbo"],
             capture_output=True, text=True, check=True).stdout
-        found = {tuple(line.split()[:3]) for line in shown.splitlines()[1:]}
-        documented = re.findall(r"^\| `\.(\w+)` \| (method|property) \| `([a-z-]+)` \|", DOCUMENT.read_text(), re.M)
+        found, interface = set(), ""
+        for row in map(str.split, shown.splitlines()[1:]):
+            if row[1] == "interface":
+                interface = row[0]
+            elif interface.startswith("com.quellwerk.Nimbo."):
+                found.add(tuple(row[:3]))
+        documented = re.findall(r"^\| `\.(\w+)` \| (method|property) \| `([a-z()-]+)` \|", DOCUMENT.read_text(), re.M)
         self.assertEqual({(f".{name}", kind, signature) for name, kind, signature in documented}, found)
 
     def test_quit(self):
@@ -148,6 +205,15 @@ class NobodyRunsTest(CommandTest):
         self.wait_for_blocks()
         self.assertEqual(self.nimbo("awake", "run", "sh", "-c", "exit 9")[0], 9)
 
+    def test_termination_is_passed_on_in_the_foreground(self):
+        running = self.begin("awake", "run", "sleep", 600)
+        self.wait_for_blocks(BLOCK)
+        children = pathlib.Path(f"/proc/{running.pid}/task")
+        wait_until(lambda: any((task / "children").read_text() for task in children.iterdir()), "the command")
+        running.process.terminate()
+        self.assertEqual(running.process.wait(10 * SLOW), 128 + signal.SIGTERM)
+        self.wait_for_blocks()
+
     def test_interrupt_ends_the_wait_for_a_process(self):
         build = self.session.start(["sleep", "600"])
         waiting = self.begin("awake", "while", build.process.pid)
@@ -167,6 +233,23 @@ class NobodyRunsTest(CommandTest):
         self.assertEqual(len(rows()), 3)
         self.assertRegex(self.nimbo("processes", "-n", 1)[1], rf"^ +\d+ MB +{large.process.pid}  python3[\d.]*\n$")
 
+    def test_colours_are_for_terminals_whose_user_wants_them(self):
+        def on_a_terminal(**environment):
+            ours, theirs = os.openpty()
+            env = {**self.session.env, "TERM": "xterm", **environment}
+            subprocess.run([BINARY, "memory"], env=env, stdout=theirs, timeout=60 * SLOW, check=True)
+            os.close(theirs)
+            text = b""
+            with open(ours, "rb", buffering=0) as terminal, contextlib.suppress(OSError):
+                while part := terminal.read(4096):
+                    text += part
+            return text.decode()
+
+        self.assertIn("\x1b[32m█", on_a_terminal())
+        for unwanted in ({"NO_COLOR": "1"}, {"TERM": "dumb"}):
+            self.assertNotIn("\x1b", on_a_terminal(**unwanted))
+        self.assertNotIn("\x1b", self.nimbo("memory")[1])
+
     def test_answer_costs_next_to_nothing(self):
         self.launch()
         best = min(self.timed_status() for _round in range(20))
@@ -176,6 +259,36 @@ class NobodyRunsTest(CommandTest):
         begin = time.monotonic()
         self.assertEqual(self.nimbo("awake", "status")[0], 0)
         return time.monotonic() - begin
+
+
+class UsageCommandTest(CommandTest):
+    def setUp(self):
+        super().setUp()
+        codex_service.sign_in(self.session, self.session.folder / "elsewhere")
+        self.service = codex_service.CodexService(self.session, codex_service.windows(61, 23))
+        self.addCleanup(self.service.close)
+        self.session.settings(usage__codex=True)
+
+    def test_allowances_are_read_once_without_a_running_program(self):
+        status, output, errors = self.nimbo("usage")
+        self.assertEqual((status, errors), (0, ""))
+        self.assertRegex(output, r"^Codex 5-hour  █{8}░{12}  39% left, resets [\d: -]+\nCodex Weekly  █{15}░{5}  77% left")
+        self.assertEqual(len(self.service.requests), 1)
+
+    def test_running_program_answers_with_what_it_has_read(self):
+        self.start()
+        item = self.host.item("nimbo-ai")
+        wait_until(lambda: "77% remaining" in item.tooltip, "the figures", 40 * SLOW)
+        shown = json.loads(self.nimbo("usage", "--json")[1])
+        self.assertEqual((shown["text"], shown["class"], shown["percentage"]), ("AI 39% left", "normal", 61))
+        windows = shown["usage"]["codex"]["windows"]
+        self.assertEqual([(window["title"], window["usedPercent"]) for window in windows], [("5-hour", 61), ("Weekly", 23)])
+        self.assertEqual(len(self.service.requests), 1, "asked only once")
+        _watching, wait_for_line = self.watch("usage")
+        wait_for_line(lambda line: line == "AI 39% left\n", "the line")
+        self.service.answer = codex_service.windows(95, 23)
+        self.session.call("com.quellwerk.Nimbo", "/com/quellwerk/Nimbo", "com.quellwerk.Nimbo.Usage1", "Refresh")
+        wait_for_line(lambda line: line == "AI 5% left\n", "the new line")
 
 
 if __name__ == "__main__":

@@ -11,6 +11,7 @@
 
 #include "platform/mac_wording.h"
 #include "platform/platform_services.h"
+#include "remote_control/remote_control.h"
 #include "support/fake_accessibility.h"
 #include "support/fake_assertion_client.h"
 #include "support/fake_clock.h"
@@ -73,11 +74,15 @@ class FakeTermination final : public Termination {
 };
 class FakeRemoteControl final : public RemoteControl {
  public:
+  void usageChanged() override { ++usageChanges; }
+  void readingsChanged() override { ++readingsChanges; }
   void offer(RemoteControlHandlers given) override { handlers = std::move(given); }
   void awakeChanged() override { ++changes; }
 
   RemoteControlHandlers handlers;
   int changes = 0;
+  int usageChanges = 0;
+  int readingsChanges = 0;
 };
 
 class FakeApplicationInstance final : public ApplicationInstance {

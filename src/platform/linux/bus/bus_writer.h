@@ -33,6 +33,8 @@ class BusWriter {
   void add(std::int32_t value) { append("i", value); }
   void add(std::uint32_t value) { append("u", value); }
   void add(std::int64_t value) { append("x", value); }
+  void add(std::uint64_t value) { append("t", value); }
+  void add(double value) { append("d", value); }
   void add(const char* text) { append("s", text); }
   void add(const std::string& text) { add(text.c_str()); }
   void add(BusObjectPath object) { append("o", object.path); }

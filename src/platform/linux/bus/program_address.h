@@ -13,6 +13,8 @@ inline constexpr const char* kProgramName = "com.quellwerk.Nimbo";
 inline constexpr const char* kProgramPath = "/com/quellwerk/Nimbo";
 inline constexpr const char* kApplicationInterface = "org.freedesktop.Application";
 inline constexpr const char* kAwakeInterface = "com.quellwerk.Nimbo.Awake1";
+inline constexpr const char* kUsageInterface = "com.quellwerk.Nimbo.Usage1";
+inline constexpr const char* kResourcesInterface = "com.quellwerk.Nimbo.Resources1";
 /// With a sentence for the user.
 inline constexpr const char* kRefusedError = "com.quellwerk.Nimbo.Error.Refused";
 

@@ -8,7 +8,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
+#include <cstdlib>
+#include <string_view>
 #include <system_error>
 
 #include "base/text.h"
@@ -18,17 +21,29 @@
 namespace nimbo {
 namespace {
 
-/// While it lives a signal is ignored here, but not in programs that are started.
-class IgnoredSignal {
- public:
-  explicit IgnoredSignal(int number) : number_(number) {
-    struct sigaction ignore {};
-    ignore.sa_handler = SIG_IGN;
-    ::sigaction(number, &ignore, &before_);
+std::atomic<pid_t> runningChild = 0;
+std::atomic<int> earlySignal = 0;  // came before there was a child
+
+void passOn(int signal) {
+  if (const pid_t child = runningChild; child > 0) {
+    ::kill(child, signal);
+  } else {
+    earlySignal = signal;
   }
-  ~IgnoredSignal() { ::sigaction(number_, &before_, nullptr); }
-  IgnoredSignal(const IgnoredSignal&) = delete;
-  IgnoredSignal& operator=(const IgnoredSignal&) = delete;
+}
+
+/// While it lives a signal is dealt with in this way, unless it was ignored; but not in programs that are started.
+class SignalHandler {
+ public:
+  SignalHandler(int number, void (*handler)(int)) : number_(number) {
+    struct sigaction action {};
+    action.sa_handler = handler;
+    ::sigaction(number, &action, &before_);
+    if (wasIgnored()) ::sigaction(number, &before_, nullptr);
+  }
+  ~SignalHandler() { ::sigaction(number_, &before_, nullptr); }
+  SignalHandler(const SignalHandler&) = delete;
+  SignalHandler& operator=(const SignalHandler&) = delete;
 
   [[nodiscard]] bool wasIgnored() const { return before_.sa_handler == SIG_IGN; }
 
@@ -37,10 +52,30 @@ class IgnoredSignal {
   struct sigaction before_ {};
 };
 
+/// What asks this process to end comes to this thread while it lives.
+class TerminationHere {
+ public:
+  explicit TerminationHere(void (*handler)(int)) : terminate_(SIGTERM, handler), hangUp_(SIGHUP, handler) {
+    sigset_t signals;
+    ::sigemptyset(&signals);
+    ::sigaddset(&signals, SIGTERM);
+    ::sigaddset(&signals, SIGHUP);
+    ::pthread_sigmask(SIG_UNBLOCK, &signals, &before_);
+  }
+  ~TerminationHere() { ::pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+  TerminationHere(const TerminationHere&) = delete;
+  TerminationHere& operator=(const TerminationHere&) = delete;
+
+ private:
+  const SignalHandler terminate_;
+  const SignalHandler hangUp_;
+  sigset_t before_{};
+};
+
 /// The signals of the terminal as they were, and none blocked.
 class ChildAttributes {
  public:
-  ChildAttributes(const IgnoredSignal& interrupt, const IgnoredSignal& quit) {
+  ChildAttributes(const SignalHandler& interrupt, const SignalHandler& quit) {
     ::posix_spawnattr_init(&attributes_);
     sigset_t set;
     ::sigemptyset(&set);
@@ -69,14 +104,22 @@ Result<int, std::string> UserForegroundPrograms::run(const std::vector<std::stri
   for (const std::string& word : command) words.push_back(const_cast<char*>(word.c_str()));
   words.push_back(nullptr);
 
-  const IgnoredSignal interrupt(SIGINT);
-  const IgnoredSignal quit(SIGQUIT);
+  const SignalHandler interrupt(SIGINT, SIG_IGN);
+  const SignalHandler quit(SIGQUIT, SIG_IGN);
   const ChildAttributes attributes(interrupt, quit);
+  const TerminationHere termination(passOn);
   pid_t child = 0;
   if (const int failed = ::posix_spawnp(&child, words[0], nullptr, attributes.get(), words.data(), ::environ)) {
     return tl::unexpected(
         fmt::format("{} cannot be started: {}.", printableLine(command[0]), std::generic_category().message(failed)));
   }
+  runningChild = child;
+  if (const int early = earlySignal.exchange(0)) passOn(early);
+  // Its id must not become another's while a signal can still be passed on.
+  siginfo_t ended{};
+  while (::waitid(P_PID, static_cast<id_t>(child), &ended, WEXITED | WNOWAIT) < 0 && errno == EINTR) {
+  }
+  runningChild = 0;
   int status = 0;
   while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
   }
@@ -97,6 +140,18 @@ Result<void, std::string> UserForegroundPrograms::waitFor(const std::vector<std:
     }
   }
   return {};
+}
+
+bool UserForegroundPrograms::isReadFor(std::chrono::seconds time) {
+  pollfd output{STDOUT_FILENO, 0, 0};
+  return ::poll(&output, 1, static_cast<int>(std::chrono::milliseconds(time).count())) <= 0;
+}
+
+bool UserForegroundPrograms::showsColours() {
+  const char* const unwanted = std::getenv("NO_COLOR");
+  const char* const terminal = std::getenv("TERM");
+  return ::isatty(STDOUT_FILENO) == 1 && (unwanted == nullptr || *unwanted == '\0') && terminal != nullptr &&
+         std::string_view(terminal) != "dumb";
 }
 
 std::string UserForegroundPrograms::nameOf(std::int32_t process) {

@@ -5,11 +5,14 @@
 
 namespace nimbo {
 
-/// Those of this user's terminal, by posix_spawn and process descriptors. Any thread.
+/// Those of this user's terminal, by posix_spawn and process descriptors; colours as https://no-color.org says. Any
+/// thread.
 class UserForegroundPrograms final : public ForegroundPrograms {
  public:
   [[nodiscard]] Result<int, std::string> run(const std::vector<std::string>& command) override;
   [[nodiscard]] Result<void, std::string> waitFor(const std::vector<std::int32_t>& processes) override;
+  [[nodiscard]] bool isReadFor(std::chrono::seconds time) override;
+  [[nodiscard]] bool showsColours() override;
   [[nodiscard]] std::string nameOf(std::int32_t process) override;
 };
 

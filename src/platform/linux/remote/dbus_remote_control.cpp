@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/linux/bus/dbus_remote_control.h"
+#include "platform/linux/remote/dbus_remote_control.h"
 
 #include <algorithm>
 #include <string_view>
@@ -53,6 +53,7 @@ void DbusRemoteControl::offer(RemoteControlHandlers handlers) {
   handlers_ = std::move(handlers);
   told_ = handlers_.awake();
   object_ = addObject(session_, kProgramPath, kAwakeInterface, kTable, this);
+  figures_.emplace(session_, handlers_);
 }
 
 std::int64_t DbusRemoteControl::endsAt() const { return secondsOf(told_.endsAt); }

@@ -2,11 +2,12 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <string>
 #include <vector>
 
 #include "platform/linux/bus/sd_bus_calls.h"
-#include "platform/remote_control.h"
+#include "remote_control/remote_control.h"
 
 namespace nimbo {
 
@@ -18,6 +19,9 @@ class DbusRunningProgram final : public RunningProgram {
       : session_(nullptr, address), limit_(limit) {}
 
   [[nodiscard]] Result<AwakeStatus, RemoteError> awake() override;
+  [[nodiscard]] Result<UsageStates, RemoteError> usage() override;
+  [[nodiscard]] Result<SystemReadings, RemoteError> readings() override;
+  [[nodiscard]] Result<void, RemoteError> watch(RemotePart part, const std::function<void()>& look) override;
   [[nodiscard]] Result<void, RemoteError> start(std::optional<Time> until, bool keepDisplayOn) override;
   [[nodiscard]] Result<void, RemoteError> stop() override;
   [[nodiscard]] Result<void, RemoteError> extend(std::chrono::seconds by) override;
@@ -29,7 +33,8 @@ class DbusRunningProgram final : public RunningProgram {
   template <class... Arguments>
   [[nodiscard]] Result<BusMessage, RemoteError> call(const char* interface, const char* member,
                                                      const Arguments&... arguments);
-
+  template <class Value>
+  [[nodiscard]] Result<Value, RemoteError> properties(const char* interface);
   const SdBusConnection session_;
   const std::chrono::milliseconds limit_;
 };

@@ -4,15 +4,18 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "platform/linux/bus/bus_name_watch.h"
 #include "platform/linux/bus/sd_bus_calls.h"
-#include "platform/remote_control.h"
+#include "platform/linux/remote/dbus_figures.h"
+#include "remote_control/remote_control.h"
 
 namespace nimbo {
 
-/// com.quellwerk.Nimbo.Awake1 on the session bus, as docs/bus.md describes it. Main thread only.
+/// com.quellwerk.Nimbo.Awake1 on the session bus, and the figures beside it, as docs/bus.md describes them. Main thread
+/// only.
 class DbusRemoteControl final : public RemoteControl {
  public:
   /// `session` outlives this object; null for none.
@@ -20,6 +23,12 @@ class DbusRemoteControl final : public RemoteControl {
 
   void offer(RemoteControlHandlers handlers) override;
   void awakeChanged() override;
+  void usageChanged() override {
+    if (figures_) figures_->usageChanged();
+  }
+  void readingsChanged() override {
+    if (figures_) figures_->readingsChanged();
+  }
 
  private:
   static const sd_bus_vtable kTable[];
@@ -48,6 +57,7 @@ class DbusRemoteControl final : public RemoteControl {
   AwakeStatus told_;
   std::map<std::uint32_t, Holder> holders_;
   BusSlot object_;
+  std::optional<DbusFigures> figures_;
 };
 
 }  // namespace nimbo

@@ -9,6 +9,8 @@
 #include <vector>
 
 #include "base/result.h"
+#include "system/system_readings.h"
+#include "usage/usage_model.h"
 
 namespace nimbo {
 
@@ -34,6 +36,9 @@ struct RemoteControlHandlers {
   std::function<Result<void, std::string>(std::chrono::seconds by)> extend;
   std::function<Result<std::uint32_t, std::string>(const std::string& name, bool keepDisplayOn)> hold;
   std::function<void(std::uint32_t holder)> letGo;
+  std::function<const UsageStates&()> usage;
+  std::function<void()> refreshUsage;
+  std::function<const SystemReadings&()> readings;
 };
 
 /// How the running program is reached by other programs of the same user. Main thread only.
@@ -43,8 +48,10 @@ class RemoteControl {
 
   /// Others are answered from the main loop, until this object goes. What a program holds is let go when that goes.
   virtual void offer(RemoteControlHandlers handlers) = 0;
-  /// Tells whoever listens what is another in `awake` now.
+  // These tell whoever listens what is another now, if anything.
   virtual void awakeChanged() = 0;
+  virtual void usageChanged() = 0;
+  virtual void readingsChanged() = 0;
 };
 
 struct RemoteError {
@@ -57,14 +64,24 @@ struct RemoteError {
   std::string message;  ///< one sentence
 };
 
-/// The running program, seen from another process of the same user. Each call waits for the answer, a few seconds at
-/// most. One thread at a time.
+/// What of the running program can be watched.
+enum class RemotePart { awake, usage, readings };
+
+/// The running program, seen from another process of the same user. Each call but `watch` waits for the answer, a
+/// few seconds at most. One thread at a time.
 class RunningProgram {
  public:
   using Time = std::chrono::system_clock::time_point;
   virtual ~RunningProgram() = default;
 
   [[nodiscard]] virtual Result<AwakeStatus, RemoteError> awake() = 0;
+  /// Whether a read runs, and for how long none may, is not told.
+  [[nodiscard]] virtual Result<UsageStates, RemoteError> usage() = 0;
+  /// The latest only: no histories, and memory without what is cached and when it was read.
+  [[nodiscard]] virtual Result<SystemReadings, RemoteError> readings() = 0;
+  /// Calls `look` once, and again whenever that part may have changed or the program has come or gone. Returns when
+  /// nobody reads this process's standard output any more; else with what went wrong.
+  [[nodiscard]] virtual Result<void, RemoteError> watch(RemotePart part, const std::function<void()>& look) = 0;
   [[nodiscard]] virtual Result<void, RemoteError> start(std::optional<Time> until, bool keepDisplayOn) = 0;
   [[nodiscard]] virtual Result<void, RemoteError> stop() = 0;
   [[nodiscard]] virtual Result<void, RemoteError> extend(std::chrono::seconds by) = 0;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/linux/bus/dbus_remote_control.h"
+#include "platform/linux/remote/dbus_remote_control.h"
 
 #include <gtest/gtest.h>
 
@@ -7,8 +7,8 @@
 #include <optional>
 #include <thread>
 
-#include "platform/linux/bus/dbus_running_program.h"
 #include "platform/linux/bus/program_address.h"
+#include "platform/linux/remote/dbus_running_program.h"
 #include "support/services/bus_peer.h"
 #include "support/services/private_bus.h"
 
@@ -43,7 +43,10 @@ class DbusRemoteControlTest : public testing::Test {
            if (refusal_) return tl::unexpected(*refusal_);
            return ++holders_;
          },
-         .letGo = [this](std::uint32_t holder) { log_.push_back("let go " + std::to_string(holder)); }});
+         .letGo = [this](std::uint32_t holder) { log_.push_back("let go " + std::to_string(holder)); },
+         .usage = [this]() -> const UsageStates& { return usage_; },
+         .refreshUsage = [this] { log_.emplace_back("refresh"); },
+         .readings = [this]() -> const SystemReadings& { return readings_; }});
     running_->own(kProgramName);
   }
 
@@ -72,11 +75,31 @@ class DbusRemoteControlTest : public testing::Test {
     return from(program, use);
   }
 
+  /// The names of the properties that are told as changed to `listener`, for as long as the slot lives.
+  [[nodiscard]] BusSlot follow(const BusPeer& listener, Log& told) {
+    BusSlot match =
+        addMatch(listener.bus(), "type='signal',member='PropertiesChanged'", [&told](sd_bus_message* signal) {
+          sd_bus_message_skip(signal, "s");
+          sd_bus_message_enter_container(signal, 'a', "{sv}");
+          while (sd_bus_message_enter_container(signal, 'e', "sv") > 0) {
+            const char* name = nullptr;
+            sd_bus_message_read(signal, "s", &name);
+            told.emplace_back(name);
+            sd_bus_message_skip(signal, "v");
+            sd_bus_message_exit_container(signal);
+          }
+        });
+    EXPECT_NE(listener.ownerOf(kProgramName), "");  // the match stands then
+    return match;
+  }
+
   PrivateBus bus_;
   BusLoop loop_;
   std::optional<BusPeer> running_;
   std::optional<DbusRemoteControl> control_;
   AwakeStatus status_;
+  UsageStates usage_;
+  SystemReadings readings_;
   std::optional<std::string> refusal_;
   std::uint32_t holders_ = 0;
   Log log_;
@@ -148,24 +171,124 @@ TEST_F(DbusRemoteControlTest, OnlyWhatIsAnotherIsTold) {
   run();
   const BusPeer listener(loop_, bus_.address());
   Log told;
-  const BusSlot match =
-      addMatch(listener.bus(), "type='signal',member='PropertiesChanged'", [&](sd_bus_message* signal) {
-        sd_bus_message_skip(signal, "s");
-        sd_bus_message_enter_container(signal, 'a', "{sv}");
-        while (sd_bus_message_enter_container(signal, 'e', "sv") > 0) {
-          const char* name = nullptr;
-          sd_bus_message_read(signal, "s", &name);
-          told.emplace_back(name);
-          sd_bus_message_skip(signal, "v");
-          sd_bus_message_exit_container(signal);
-        }
-      });
-  EXPECT_NE(listener.ownerOf(kProgramName), "");  // the match stands then
+  const BusSlot match = follow(listener, told);
   control_->awakeChanged();
   status_ = {.active = true, .holders = {"make"}};
   control_->awakeChanged();
   EXPECT_TRUE(loop_.runUntil([&] { return told.size() >= 2; }));
   EXPECT_EQ(told, (Log{"Active", "Holders"}));
+}
+
+TEST_F(DbusRemoteControlTest, FiguresComeAcross) {
+  const RunningProgram::Time now(std::chrono::seconds(1795219200));
+  usage_[UsageProvider::codex] = {.enabled = true,
+                                  .snapshot = UsageSnapshot{{{"5-hour", 61.5, now}, {"Weekly", 0}}, now, "Grüße"},
+                                  .message = "Sign in again."};
+  usage_[UsageProvider::claude] = {};
+  readings_.memory = MemorySnapshot();
+  readings_.memory->total = std::uint64_t{16} << 30U;
+  readings_.memory->app = 5;
+  readings_.memory->pressure = MemoryPressure::warning;
+  readings_.temperature = 54.5;
+  run();
+  EXPECT_EQ(from([](auto& program) { return program.usage(); }), usage_);
+  auto readings = from([](auto& program) { return program.readings(); });
+  ASSERT_TRUE(readings);
+  EXPECT_EQ(readings->memory, readings_.memory);
+  EXPECT_EQ(readings->temperature, 54.5);
+  EXPECT_EQ(readings->cpu, std::nullopt);
+  readings_.memory.reset();
+  readings_.memoryFailed = true;
+  readings_.cpu = 0.25;
+  readings = from([](auto& program) { return program.readings(); });
+  ASSERT_TRUE(readings);
+  EXPECT_EQ(readings->memory, std::nullopt);
+  EXPECT_TRUE(readings->memoryFailed);
+  EXPECT_EQ(readings->cpu, 0.25);
+}
+
+TEST_F(DbusRemoteControlTest, UsageIsToldWhenItIsAnother) {
+  run();
+  const BusPeer listener(loop_, bus_.address());
+  Log told;
+  const BusSlot match = follow(listener, told);
+  usage_[UsageProvider::codex].isRefreshing = true;
+  control_->usageChanged();
+  usage_[UsageProvider::claude].enabled = true;
+  control_->usageChanged();
+  EXPECT_TRUE(loop_.runUntil([&] { return !told.empty(); }));
+  EXPECT_EQ(told, Log{"Claude"});
+  EXPECT_FALSE(isError(listener.call(kProgramName, kProgramPath, "com.quellwerk.Nimbo.Usage1", "Refresh").get()));
+  EXPECT_EQ(log_, Log{"refresh"});
+}
+
+TEST_F(DbusRemoteControlTest, ReadingsAreToldWhileSomebodyWantsThem) {
+  run();
+  const auto change = [this](double value) {
+    readings_.cpu = readings_.temperature = value;
+    control_->readingsChanged();
+  };
+  const BusPeer listener(loop_, bus_.address());
+  Log told;
+  const BusSlot match = follow(listener, told);
+  change(0.25);
+  const auto watch = [](const BusPeer& peer, const std::vector<const char*>& names) {
+    return peer.call(kProgramName, kProgramPath, "com.quellwerk.Nimbo.Resources1", "Watch", [&](sd_bus_message* call) {
+      sd_bus_message_open_container(call, 'a', "s");
+      for (const char* const name : names) sd_bus_message_append(call, "s", name);
+      sd_bus_message_close_container(call);
+    });
+  };
+  EXPECT_TRUE(isError(watch(listener, {"Cpu", "Disk"}).get()));
+  std::optional<BusPeer> other(std::in_place, loop_, bus_.address());
+  watch(*other, {"Cpu"});
+  watch(listener, {"Temperature"});
+  EXPECT_EQ(told, Log{}) << "nobody wanted it then";
+  change(0.5);
+  change(0.5);
+  EXPECT_TRUE(loop_.runUntil([&] { return told.size() == 2; }));
+  EXPECT_EQ(told, (Log{"Cpu", "Temperature"}));
+  watch(listener, {});
+  const char* gone = nullptr;
+  sd_bus_get_unique_name(other->bus(), &gone);
+  const std::string name = gone;
+  other.reset();
+  EXPECT_TRUE(listener.waitForName(name, false));
+  listener.settle(kProgramName);
+  told.clear();
+  change(0.75);
+  listener.settle(kProgramName);
+  EXPECT_EQ(told, Log{}) << "who has gone wants nothing";
+}
+
+TEST_F(DbusRemoteControlTest, WatchedPartIsLookedAtWhenItChangesAndWhenTheProgramComesOrGoes) {
+  Log seen;
+  std::atomic<int> looks = 0;
+  std::thread other([&] {
+    DbusRunningProgram program(bus_.address());
+    const auto end = program.watch(RemotePart::readings, [&] {
+      const auto readings = program.readings();
+      seen.push_back(readings ? std::to_string(readings->cpu.value_or(-1)) : readings.error().message);
+      ++looks;
+      loop_.main().post([] {});
+    });
+    seen.push_back(end ? "nobody reads" : end.error().message);
+  });
+  const auto turnUntil = [&](int count) { EXPECT_TRUE(loop_.runUntil([&] { return looks >= count; })); };
+  turnUntil(1);
+  readings_.cpu = 0.25;
+  run();
+  turnUntil(2);
+  readings_.cpu = 0.5;
+  control_->readingsChanged();
+  turnUntil(3);
+  control_.reset();
+  running_.reset();
+  turnUntil(4);
+  bus_.stop();
+  other.join();
+  EXPECT_EQ(seen, (Log{"Nimbo is not running.", "0.250000", "0.500000", "Nimbo is not running.",
+                       "No session bus can be reached: it has ended."}));
 }
 
 TEST_F(DbusRemoteControlTest, ValuesOutOfRangeAreRefused) {
