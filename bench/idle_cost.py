@@ -6,6 +6,7 @@ Usage: idle_cost.py BINARY [SECONDS]
 
 import pathlib
 import re
+import subprocess
 import sys
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "tests" / "desktop"))
@@ -73,6 +74,11 @@ def measure_with_codex(session, seconds):
     wait_until(lambda: "77% remaining" in item.tooltip, "the allowances", 40)
     turn_for(12)
     measure(nimbo, seconds, "with Codex on", WITH_HTTPS)
+    parts = (["awake", "status"], ["usage"], ["memory"])
+    watchers = [session.start([program.BINARY, *part, "--watch"], stdout=subprocess.DEVNULL) for part in parts]
+    turn_for(2)
+    measure(nimbo, seconds, "watched by three commands", WITH_HTTPS)
+    measure(watchers[1], seconds, "a watching command")
     nimbo.terminate()
     service.close()
 

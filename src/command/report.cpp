@@ -40,7 +40,7 @@ const char* colourOf(std::string_view level) {
 
 /// "██████░░░░"
 std::string barOf(double part, const char* level, bool coloured) {
-  const auto filled = static_cast<int>(std::clamp(part, 0.0, 1.0) * kBarLength + 0.5);
+  const auto filled = static_cast<int>(std::lround(std::clamp(part, 0.0, 1.0) * kBarLength));
   std::string text = coloured ? colourOf(level) : "";
   for (int place = 0; place < filled; ++place) text += "█";
   if (coloured) text += "\x1b[0m";
@@ -55,7 +55,7 @@ std::size_t widthOf(std::string_view text) {
 
 std::string percentText(double percent) { return fmt::format("{:.0f}%", percent); }
 
-int rounded(double percent) { return static_cast<int>(std::clamp(percent, 0.0, 100.0) + 0.5); }
+int rounded(double percent) { return static_cast<int>(std::lround(std::clamp(percent, 0.0, 100.0))); }
 
 template <class Value>
 Json orNull(const std::optional<Value>& value) {

@@ -22,7 +22,7 @@ struct ReportRow {
 
 /// What a command knows, for eyes, for bars and for programs; docs/commands.md describes it.
 struct Report {
-  std::string text{};                          ///< the short line; empty when there is nothing to show
+  std::string text{};                        ///< the short line; empty when there is nothing to show
   const char* level = "normal";              ///< of docs/commands.md, "class"
   int percentage = 0;                        ///< 0…100
   std::vector<ReportRow> rows{};             ///< the page

@@ -16,9 +16,9 @@ class ForegroundPrograms {
   virtual ~ForegroundPrograms() = default;
 
   /// Runs a program with its arguments, found as shells find it, without a shell: it has this process's terminal, input
-  /// and output. Waits for its end; interrupts from the terminal are its own meanwhile, and a termination of this process
-  /// is passed on to it. Its exit status, 128 and more after a signal; else one sentence about why it could not be
-  /// started.
+  /// and output. Waits for its end; interrupts from the terminal are its own meanwhile, and a termination of this
+  /// process is passed on to it. Its exit status, 128 and more after a signal; else one sentence about why it could not
+  /// be started.
   [[nodiscard]] virtual Result<int, std::string> run(const std::vector<std::string>& command) = 0;
 
   /// Waits until none of these processes is there any more; at once where one never was, with a sentence about it.

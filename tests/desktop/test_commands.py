@@ -12,11 +12,13 @@ import time
 import unittest
 
 import codex_service
+from gi.repository import GLib
 from nimbo_desktop import SLOW, turn_for, wait_until
 from power_services import Logind
 from program import BINARY, DesktopTest
 
 BLOCK = "sleep:idle"
+PROGRAM = ("com.quellwerk.Nimbo", "/com/quellwerk/Nimbo")
 
 
 @unittest.skipIf(Logind.missing(), Logind.missing())
@@ -284,10 +286,16 @@ class UsageCommandTest(CommandTest):
         windows = shown["usage"]["codex"]["windows"]
         self.assertEqual([(window["title"], window["usedPercent"]) for window in windows], [("5-hour", 61), ("Weekly", 23)])
         self.assertEqual(len(self.service.requests), 1, "asked only once")
+        for interface in ("Usage1", "Resources1", "Awake1"):
+            named = GLib.Variant("(s)", (f"{PROGRAM[0]}.{interface}",))
+            told = str(self.session.call(*PROGRAM, "org.freedesktop.DBus.Properties", "GetAll", named))
+            self.assertIn("'", told)
+            self.assertNotIn(codex_service.TOKEN, told)
+            self.assertNotIn("elsewhere", told)
         _watching, wait_for_line = self.watch("usage")
         wait_for_line(lambda line: line == "AI 39% left\n", "the line")
         self.service.answer = codex_service.windows(95, 23)
-        self.session.call("com.quellwerk.Nimbo", "/com/quellwerk/Nimbo", "com.quellwerk.Nimbo.Usage1", "Refresh")
+        self.session.call(*PROGRAM, "com.quellwerk.Nimbo.Usage1", "Refresh")
         wait_for_line(lambda line: line == "AI 5% left\n", "the new line")
 
 

@@ -282,6 +282,8 @@ std::unique_ptr<PlatformServices> makePlatformServices() {
 #ifdef __GLIBC__
   // Threads that come and go would each leave a heap behind.
   ::mallopt(M_ARENA_MAX, 1);
+  // What a picture for the tray needs for a moment goes back to the kernel; nothing that large is needed often.
+  ::mallopt(M_MMAP_THRESHOLD, 16 * 1024);
 #endif
   return std::make_unique<LinuxPlatformServices>();
 }
