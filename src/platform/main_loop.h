@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <functional>
 
 #include "base/subscription.h"
@@ -31,6 +32,10 @@ class MainLoop {
   /// Calls `ready` whenever `descriptor` can be read or has hung up. The caller keeps the
   /// descriptor open for the life of the subscription.
   [[nodiscard]] virtual Subscription watch(int descriptor, std::function<void()> ready) = 0;
+
+  /// Which turn this is: a number that is another after each wait of the loop, and the same while a task, timer or watch
+  /// runs. Main thread only.
+  [[nodiscard]] virtual std::uint64_t turn() const = 0;
 
   /// Dispatches until `quit`.
   virtual void run() = 0;

@@ -54,6 +54,8 @@ class FakeMainLoop final : public MainLoop {
     return add(&State::watches, Watch{descriptor, std::move(ready)});
   }
 
+  [[nodiscard]] std::uint64_t turn() const override { return turn_; }
+
   /// Runs what is posted until nothing is left or `quit` was called; never waits.
   void run() override {
     ++runs_;
@@ -66,6 +68,7 @@ class FakeMainLoop final : public MainLoop {
   /// Runs everything posted, also what is posted meanwhile; returns how many tasks that were.
   std::size_t runPosted() {
     std::size_t count = 0;
+    ++turn_;
     while (runOne()) ++count;
     return count;
   }
@@ -159,6 +162,7 @@ class FakeMainLoop final : public MainLoop {
   }
 
   bool runOne() {
+    ++turn_;
     std::function<void()> task;
     {
       const std::scoped_lock lock(state_->mutex);
@@ -215,6 +219,7 @@ class FakeMainLoop final : public MainLoop {
   std::shared_ptr<State> state_ = std::make_shared<State>();
   bool quit_ = false;
   int runs_ = 0;
+  std::uint64_t turn_ = 0;
 };
 
 }  // namespace nimbo

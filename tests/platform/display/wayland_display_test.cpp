@@ -42,6 +42,7 @@ class SocketLoop final : public MainLoop {
   [[nodiscard]] Subscription watch(int descriptor, std::function<void()> ready) override {
     return sockets_.watch(descriptor, std::move(ready));
   }
+  [[nodiscard]] std::uint64_t turn() const override { return sockets_.turn(); }
   void run() override { sockets_.run(); }
   void quit() override { sockets_.quit(); }
 

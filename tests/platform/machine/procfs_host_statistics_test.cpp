@@ -86,7 +86,7 @@ class ProcfsHostStatisticsTest : public testing::Test {
   ProcfsHostStatisticsTest() { tree.write("proc/meminfo", kDesktopMemInfo); }
 
   TemporaryTree tree;
-  ProcfsHostStatistics host{(tree.path() / "proc").string(), (tree.path() / "sys").string()};
+  ProcfsHostStatistics host{(tree.path() / "proc").string(), (tree.path() / "sys").string(), std::chrono::seconds(0)};
 };
 
 TEST_F(ProcfsHostStatisticsTest, PhysicalMemoryIsTheTotalOrZero) {
@@ -114,6 +114,15 @@ TEST_F(ProcfsHostStatisticsTest, EveryZramDeviceCountsAndOtherDisksDoNot) {
   tree.write("sys/block/zram5/size", "0\n");
   tree.write("sys/block/sda/mm_stat", "9 9 4194304 0 0 0 0\n");
   EXPECT_EQ(compressorBytes(), zswap + (3 << 20));
+}
+
+TEST_F(ProcfsHostStatisticsTest, DevicesThatWereFoundAreFollowedAndOthersLookedForNowAndThen) {
+  ProcfsHostStatistics seldom{(tree.path() / "proc").string(), (tree.path() / "sys").string()};
+  tree.write("sys/block/zram0/mm_stat", "9 9 1048576 0 0 0 0\n");
+  const auto before = seldom.memory()->compressor;
+  tree.write("sys/block/zram0/mm_stat", "9 9 2097152 0 0 0 0\n");
+  tree.write("sys/block/zram1/mm_stat", "9 9 1048576 0 0 0 0\n");
+  EXPECT_EQ(seldom.memory()->compressor - before, 1U << 20U);
 }
 
 TEST_F(ProcfsHostStatisticsTest, CacheOfZfsIsReadBesides) {

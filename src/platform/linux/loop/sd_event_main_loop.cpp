@@ -131,6 +131,12 @@ Subscription SdEventMainLoop::watch(int descriptor, std::function<void()> ready)
   return registration->subscription();
 }
 
+std::uint64_t SdEventMainLoop::turn() const {
+  std::uint64_t iteration = 0;
+  sd_event_get_iteration(event(), &iteration);
+  return iteration;
+}
+
 void SdEventMainLoop::run() {
   while (!quit_) check(sd_event_run(event(), UINT64_MAX));
   quit_ = false;

@@ -32,6 +32,7 @@ class SdEventMainLoop final : public MainLoop {
   [[nodiscard]] Subscription at(std::chrono::system_clock::time_point when, std::chrono::milliseconds leeway,
                                 std::function<void()> fire) override;
   [[nodiscard]] Subscription watch(int descriptor, std::function<void()> ready) override;
+  [[nodiscard]] std::uint64_t turn() const override;
   void run() override;
   void quit() override;
 

@@ -19,7 +19,7 @@ std::optional<double> shareOfTenSeconds(std::string_view line) {
 }
 
 constexpr std::size_t kMemInfoSize = 8192;
-constexpr std::uint64_t kNoMemory = std::uint64_t{1} << 60;  // is as large; a few below it can be added
+constexpr std::uint64_t kNoMemory = std::uint64_t{1} << 60;  // no machine has as much; a few below it can be added
 constexpr std::uint64_t kMostTicksBack = 1000;  // ten seconds; small steps are of some ticks for each processor
 
 // The counters are read one after the other while memory moves, so a sum may pass its whole.
@@ -132,12 +132,14 @@ std::optional<std::uint64_t> parseZramUsed(std::string_view text) {
   return parseNumber(takeWord(*line));
 }
 
-ProcfsHostStatistics::ProcfsHostStatistics(const std::string& procRoot, const std::string& sysRoot)
+ProcfsHostStatistics::ProcfsHostStatistics(const std::string& procRoot, const std::string& sysRoot,
+                                           std::chrono::seconds lookAgain)
     : memInfo_(procRoot + "/meminfo"),
       stat_(procRoot + "/stat"),
       pressure_(procRoot + "/pressure/memory"),
       arcStats_(procRoot + "/spl/kstat/zfs/arcstats"),
-      blockDevices_(sysRoot + "/block") {}
+      blockDevices_(sysRoot + "/block"),
+      lookAgain_(lookAgain) {}
 
 std::uint64_t ProcfsHostStatistics::physicalMemory() {
   std::array<char, kMemInfoSize> buffer;
@@ -146,7 +148,8 @@ std::uint64_t ProcfsHostStatistics::physicalMemory() {
 
 std::optional<MemoryCounts> ProcfsHostStatistics::memory() {
   std::array<char, kMemInfoSize> buffer;
-  const std::uint64_t arcBytes = parseArcCache(arcStats_.read(buffer).value_or(""));
+  lookForCaches();
+  const std::uint64_t arcBytes = hasArc_ ? parseArcCache(arcStats_.read(buffer).value_or("")) : 0;
   auto counts = parseMemInfo(memInfo_.read(buffer).value_or(""), zramBytes(), arcBytes);
   if (!counts) return std::nullopt;
   if (const auto text = pressure_.read(buffer)) {
@@ -177,15 +180,27 @@ std::optional<CpuTicks> ProcfsHostStatistics::cpuTicks() {
   return begunAnew ? std::nullopt : std::optional(lastTicks_);
 }
 
-// Devices come and go while the system runs, so they are looked for each time.
-std::uint64_t ProcfsHostStatistics::zramBytes() const {
+// Few machines have them, and they come seldom.
+void ProcfsHostStatistics::lookForCaches() {
+  const auto now = std::chrono::steady_clock::now();
+  if (lastLook_ && now - *lastLook_ < lookAgain_) return;
+  lastLook_ = now;
+  std::array<char, 1> some;
+  hasArc_ = arcStats_.read(some).has_value();
+  zram_.clear();
+  visitFolder(blockDevices_, [this](std::string_view device) {
+    if (device.starts_with("zram")) zram_.emplace_back(blockDevices_ + '/' + std::string(device) + "/mm_stat");
+  });
+}
+
+std::uint64_t ProcfsHostStatistics::zramBytes() {
   std::uint64_t bytes = 0;
-  visitFolder(blockDevices_, [&](std::string_view device) {
-    if (!device.starts_with("zram")) return;
-    const auto text = readAttribute(blockDevices_ + '/' + std::string(device) + "/mm_stat");
+  std::array<char, 4096> buffer;
+  for (ProcFile& device : zram_) {
+    const auto text = device.read(buffer);
     const auto used = text ? parseZramUsed(*text) : std::nullopt;
     if (used && *used < kNoMemory) bytes += *used;
-  });
+  }
   return bytes;
 }
 

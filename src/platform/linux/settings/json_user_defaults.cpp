@@ -36,11 +36,8 @@ struct JsonUserDefaults::State : std::enable_shared_from_this<State> {
   }
 
   void lookAtFile() {
-    if (std::exchange(lookedAt, true)) return;
-    file.refresh();
-    services.loop.post([weak = weak_from_this()] {
-      if (const auto self = weak.lock()) self->lookedAt = false;
-    });
+    const std::uint64_t turn = services.loop.turn();
+    if (std::exchange(lookedAt, turn) != turn) file.refresh();
   }
 
   /// Hands all that is unsaved to the background.
@@ -71,8 +68,8 @@ struct JsonUserDefaults::State : std::enable_shared_from_this<State> {
   JsonDomainFile file;
   const Services services;
   json registered = json::object();
-  json unsaved = json::object();  // what was set and is not known to be in the file
-  bool lookedAt = false;          // in this turn of the main loop
+  json unsaved = json::object();          // what was set and is not known to be in the file
+  std::optional<std::uint64_t> lookedAt;  // the turn of the main loop in which the file was looked at last
   bool writing = false;
 
   std::mutex writer;   // held while the file is written
