@@ -1,77 +1,89 @@
 # SPDX-License-Identifier: MIT
-"""What the widgets' tests share: readings as Nimbo writes them, and the news of them."""
+"""What the widgets' tests share."""
 
-import json
-import os
 import pathlib
 import sys
 import time
 
 HERE = pathlib.Path(__file__).resolve().parent
 WIDGETS = HERE.parent.parent / "widgets"
-RECORDED = HERE / "usage-snapshot.json"
 sys.path.insert(0, str(HERE.parent / "desktop"))
-sys.path.insert(0, str(WIDGETS))
 
-import accessibility  # noqa: E402, F401
-import nimbo_reading  # noqa: E402
-from gi.repository import GLib  # noqa: E402
+from gi.repository import Gio, GLib  # noqa: E402
+
+from nimbo_desktop import wait_until  # noqa: E402
 
 PYTHON = "/usr/bin/python3"
+CARD = WIDGETS / "desktop/nimbo-desktop-widget"
+NIMBO, PATH = "com.quellwerk.Nimbo", "/com/quellwerk/Nimbo"
+PROPERTIES = "org.freedesktop.DBus.Properties"
+XML = f"""
+<node>
+  <interface name="{PROPERTIES}">
+    <method name="GetAll"><arg type="s" direction="in"/><arg type="a{{sv}}" direction="out"/></method>
+    <method name="Get"><arg type="s" direction="in"/><arg type="s" direction="in"/><arg type="v" direction="out"/></method>
+    <signal name="PropertiesChanged"><arg type="s"/><arg type="a{{sv}}"/><arg type="as"/></signal>
+  </interface>
+  <interface name="{NIMBO}.Resources1"><method name="Watch"><arg type="as" direction="in"/></method></interface>
+</node>
+"""
+INTERFACES = {
+    f"{NIMBO}.Usage1": ("Codex", "Claude"),
+    f"{NIMBO}.Resources1": ("Memory", "MemoryFailed", "Cpu", "Temperature"),
+    f"{NIMBO}.Awake1": ("Active", "Own", "EndsAt", "KeepsDisplayOn", "Message", "Holders"),
+}
 
 
-def limit(title, used, resets=None):
-    window = {"title": title, "usedPercent": used}
-    return window if resets is None else {**window, "resetsAt": resets - nimbo_reading.YEAR_2001}
+def provider(*limits, enabled=True, message="", read=None):
+    """As Usage1 has it; a limit is its title, the percentage used and, if known, when it resets."""
+    read = int(time.time()) if read is None else read
+    filled = [(*limit, 0)[:3] for limit in limits]
+    return GLib.Variant("(bsxsa(sdx))", (enabled, message, read, "", filled))
 
 
-def provider(*windows, fetched=None, message=None, enabled=True):
-    state = {"enabled": enabled, "isRefreshing": False}
-    if windows:
-        seconds = time.time() if fetched is None else fetched
-        state["snapshot"] = {"windows": list(windows), "fetchedAt": seconds - nimbo_reading.YEAR_2001}
-    return state if message is None else {**state, "message": message}
+OFF = provider(enabled=False, read=0)
 
 
-def record(date=None, temperature=54.4, codex=None, claude=None, watched=True):
-    date = (time.time() if date is None else date) - nimbo_reading.YEAR_2001
-    fields = {"date": date, "temperatureEnabled": watched}
-    if temperature is not None:
-        fields |= {"temperature": temperature, "temperatureDate": date}
-    off = provider(enabled=False)
-    return {**fields, "codex": codex or off, "claude": claude or off}
+def temperature(celsius):
+    return GLib.Variant("d", celsius)
 
 
-class Publisher:
-    """Writes the file and tells of it as Nimbo does, on a session of the tests."""
+class Service:
+    """A program that says on the bus whatever it is told, of any type; `watched` has what the card asked to be told."""
 
-    def __init__(self, session):
-        self.session = session
-        self.file = session.folder / "data" / nimbo_reading.GROUP / "usage-snapshot.json"
-        self.file.parent.mkdir(mode=0o700)
+    def __init__(self, session, **values):
+        self.session, self.connection, self.watched = session, session.bus.connect(), []
+        self.values = {"Codex": OFF, "Claude": OFF, "Temperature": temperature(-1)} | values
+        for interface in Gio.DBusNodeInfo.new_for_xml(XML).interfaces:
+            self.connection.register_object(PATH, interface, self._method, None, None)
+        name = GLib.Variant("(su)", (NIMBO, 4))
+        bus = "org.freedesktop.DBus"
+        session.call(bus, "/org/freedesktop/DBus", bus, "RequestName", name, self.connection)
 
-    def put(self, contents):
-        """Replaces the file and tells nobody."""
-        text = contents if isinstance(contents, (str, bytes)) else json.dumps(contents, ensure_ascii=False)
-        data = text if isinstance(text, bytes) else text.encode()
-        temporary = self.file.with_name(".temporary")
-        temporary.write_bytes(data)
-        os.replace(temporary, self.file)
+    def _method(self, _connection, _sender, _path, _interface, method, parameters, invocation):
+        asked = parameters.unpack()
+        if method == "Watch":
+            self.watched.append(asked[0])
+            invocation.return_value(None)
+        elif method == "Get":
+            invocation.return_value(GLib.Variant("(v)", (self.values[asked[1]],)))
+        else:
+            values = {name: self.values[name] for name in INTERFACES[asked[0]] if name in self.values}
+            invocation.return_value(GLib.Variant("(a{sv})", (values,)))
 
-    def announce(self):
-        for kind in ("usage", "temperature"):
-            self.session.connection.emit_signal(
-                None,
-                "/com/quellwerk/Nimbo",
-                "com.quellwerk.Nimbo.Widgets",
-                "TimelinesReloaded",
-                GLib.Variant("(s)", (f"com.quellwerk.Nimbo.{kind}",)),
-            )
-        self.session.connection.flush_sync(None)
+    def say(self, **values):
+        self.values |= values
+        for name, value in values.items():
+            news = GLib.Variant("(sa{sv}as)", (_interface_of(name), {name: value}, []))
+            self.connection.emit_signal(None, PATH, PROPERTIES, "PropertiesChanged", news)
+        self.connection.flush_sync(None)
 
-    def publish(self, contents):
-        self.put(contents)
-        self.announce()
+    def leave(self):
+        self.connection.close_sync(None)
+
+
+def _interface_of(name):
+    return next(interface for interface, names in INTERFACES.items() if name in names)
 
 
 def switches(pid):
@@ -82,3 +94,8 @@ def switches(pid):
             if line.startswith("voluntary_ctxt_switches"):
                 total += int(line.split()[1])
     return total
+
+
+def written(pid):
+    """Bytes so far, to the display too."""
+    return int(next(line.split()[1] for line in pathlib.Path(f"/proc/{pid}/io").read_text().splitlines() if "wchar" in line))
