@@ -1,100 +1,79 @@
 # SPDX-License-Identifier: MIT
-"""Takes pictures of the widgets: in waybar and on the desktop under sway, and on an X11 desktop.
+"""Takes the pictures of the widgets: waybar and the card in sway, and the other bars one below the other.
 
-Usage: widget_pictures.py FOLDER, not as root, because sway refuses to run then. Needs sway, swaybg, waybar,
-grim, xfwm4 and imagemagick.
+Usage: widget_pictures.py FOLDER. Needs what the tests need, xterm and swaybg.
 """
 
 import contextlib
-import os
 import pathlib
 import subprocess
 import sys
 import time
 
-from widget_support import PYTHON, WIDGETS, Publisher, limit, provider, record
+import bars
+from widget_support import CARD, PYTHON, Service, provider, temperature
 
-from nimbo_desktop import Session, turn_for, wait_until, windows_of
+from gi.repository import GLib
+from nimbo_desktop import Session, turn_for
+from program import BINARY
 
-SWAY = """
-xwayland disable
-output * resolution 960x540 background #31506b solid_color
-"""
-WAYBAR = """
-{ "layer": "top", "position": "top", "height": 30,
-  "modules-left": ["sway/workspaces"], "modules-right": ["custom/nimbo", "clock"],
-  "custom/nimbo": { "exec": "%s", "return-type": "json", "tooltip": true } }
-"""
+GIB = 1 << 30
+# Where in the picture each draws.
+SHOWN = (bars.Polybar, "polybar", 0, 30), (bars.I3blocks, "i3blocks in i3’s bar", 37, 23), (bars.Xterm, "tmux", 0, 54)
 
 
-def reading(**changes):
-    now = time.time()
-    return record(
-        codex=provider(limit("5-hour", 77, now + 5400), limit("Weekly", 35, now + 3 * 86400)),
-        claude=provider(limit("5-hour", 92, now + 2400), limit("Weekly", 12, now + 5 * 86400)),
-        **changes,
-    )
+def service(session):
+    """A program with figures worth a picture."""
+    now = int(time.time())
+    commands = session.folder / "bin"
+    commands.mkdir()
+    (commands / "nimbo").symlink_to(pathlib.Path(BINARY).resolve())
+    session.env["PATH"] = f"{commands}:{session.env['PATH']}"
+    values = {
+        "Codex": provider(("5-hour", 77, now + 5400), ("Weekly", 35, now + 3 * 86400)),
+        "Claude": provider(("5-hour", 41, now + 2400), ("Weekly", 92, now + 5 * 86400)),
+        "Temperature": temperature(54.4),
+        "Memory": GLib.Variant("(ttttxs)", (32 * GIB, 13 * GIB, 2 * GIB, 0, 0, "Normal")),
+        "MemoryFailed": GLib.Variant("b", False),
+        "Cpu": GLib.Variant("d", 0.12),
+        "Active": GLib.Variant("b", True),
+        "Own": GLib.Variant("b", True),
+        "EndsAt": GLib.Variant("x", now + 7200),
+        "KeepsDisplayOn": GLib.Variant("b", False),
+        "Message": GLib.Variant("s", ""),
+        "Holders": GLib.Variant("as", []),
+    }
+    return Service(session, **values)
 
 
-class Sway:
-    """A Wayland session without a screen of glass, with waybar and the desktop widget."""
-
-    def __init__(self, session):
-        self.session = session
-        folder = session.folder
-        (folder / "sway.conf").write_text(SWAY)
-        (folder / "config/waybar").mkdir(exist_ok=True)
-        (folder / "config/waybar/config").write_text(WAYBAR % f"{PYTHON} {WIDGETS}/waybar/nimbo-waybar")
-        (folder / "config/waybar/style.css").write_text((WIDGETS / "waybar/style.css").read_text())
-        headless = {"WLR_BACKENDS": "headless", "WLR_LIBINPUT_NO_DEVICES": "1", "WLR_RENDERER": "pixman"}
-        session.env |= headless | {"XDG_SESSION_TYPE": "wayland", "LC_ALL": "C.UTF-8"}
-        run = folder / "run"
-        self._start(["sway", "-c", folder / "sway.conf"])
-        socket = wait_until(lambda: [s for s in run.glob("wayland-*") if s.suffix != ".lock"], "sway")[0]
-        session.env["WAYLAND_DISPLAY"] = socket.name
-        session.env["SWAYSOCK"] = str(wait_until(lambda: list(run.glob("sway-ipc.*")), "sway's socket")[0])
-        self._start(["waybar"])
-        self._start([PYTHON, WIDGETS / "desktop/nimbo-desktop-widget"])
-
-    def _start(self, arguments):
-        self.session.start(arguments, stderr=subprocess.DEVNULL, stdout=subprocess.DEVNULL)
-
-    def take(self, picture):
-        subprocess.run(["grim", str(picture)], env=self.session.env, check=True)
-
-
-def wayland(folder):
+def card_and_waybar(picture):
     with contextlib.closing(Session(desktop="sway")) as session:
-        publisher = Publisher(session)
-        publisher.put(reading())
-        sway = Sway(session)
-        turn_for(4)  # until bar and card are drawn, which nobody announces
-        sway.take(folder / "sway.png")
-        for name, contents in (
-            ("sway-old", reading(date=time.time() - 3600)),
-            ("sway-damaged", "{"),
-        ):
-            publisher.publish(contents)
-            turn_for(1.5)
-            sway.take(folder / f"{name}.png")
+        said = service(session)
+        bar = bars.Waybar(session, (960, 540), "#31506b")
+        session.start([PYTHON, CARD], **bars.QUIET)
+        turn_for(4)  # until both are drawn, which nobody announces
+        bar.frame().save(picture)
+        said.leave()
 
 
-def x11(folder):
-    with contextlib.closing(Session(display=True, size="960x540x24")) as session:
-        session.env["LC_ALL"] = "C.UTF-8"
-        publisher = Publisher(session)
-        publisher.put(reading())
-        session.start(["xfwm4", "--compositor=on"], stderr=subprocess.DEVNULL)
-        session.start(["hsetroot", "-solid", "#31506b"])
-        turn_for(1.5)
-        widget = session.start([PYTHON, WIDGETS / "desktop/nimbo-desktop-widget"])
-        wait_until(lambda: windows_of(session, widget.pid), "the widget")
-        turn_for(1.5)
-        subprocess.run(["import", "-window", "root", str(folder / "x11.png")], env=session.env, check=True)
+def others(picture):
+    """Each below its name."""
+    parts = []
+    for kind, name, top, height in SHOWN:
+        with contextlib.closing(Session(display=True, size="900x60x24")) as session:
+            said = service(session)
+            bar = kind(session)
+            turn_for(7)
+            part = picture.with_name(f"{kind.__name__}.png")
+            bar.frame().cropped(0, top, 900, height).save(part)
+            said.leave()
+        parts += ["(", "-gravity", "west", f"label:{name}", "-bordercolor", "white", "-border", "0x5", part, "-append", ")"]
+    look = ["-background", "white", "-fill", "#555555", "-font", "DejaVu-Sans", "-pointsize", "14"]
+    subprocess.run(["convert", *look, *parts, "-append", "-bordercolor", "white", "-border", "10", picture], check=True)
 
 
 if __name__ == "__main__":
     target = pathlib.Path(sys.argv[1])
-    os.makedirs(target, exist_ok=True)
-    wayland(target)
-    x11(target)
+    target.mkdir(exist_ok=True)
+    card_and_waybar(target / "widgets.png")
+    others(target / "bars.png")
