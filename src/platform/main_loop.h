@@ -33,8 +33,8 @@ class MainLoop {
   /// descriptor open for the life of the subscription.
   [[nodiscard]] virtual Subscription watch(int descriptor, std::function<void()> ready) = 0;
 
-  /// Which turn this is: a number that is another after each wait of the loop, and the same while a task, timer or watch
-  /// runs. Main thread only.
+  /// Which turn this is: a number that is another after each wait of the loop, and the same while a task, timer or
+  /// watch runs. Main thread only.
   [[nodiscard]] virtual std::uint64_t turn() const = 0;
 
   /// Dispatches until `quit`.
