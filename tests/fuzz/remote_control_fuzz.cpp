@@ -7,9 +7,9 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <array>
-#include <map>
+#include <cstddef>
+#include <optional>
 #include <thread>
 
 #include "base/text.h"
@@ -25,7 +25,7 @@ namespace {
 using Input = FuzzedDataProvider;
 using Type = std::string_view;
 
-// What an interface of the program offers; another one needs its lines here, its object in `ServerEnd` and its calls in
+// What the program offers. Another interface needs its lines here, its object in `SteeredProgram` and its calls in
 // `ask`.
 struct Member {
   const char* interface;
@@ -282,7 +282,7 @@ class SteeredProgram {
                                            method.name) >= 0);
     sd_bus_message_set_sender(call.get(), pick(input_, kCallers));
     if (method.type == "s" || method.type == "ss") {  // of the properties, mostly of those there are
-      sd_bus_message_append_basic(call.get(), SD_BUS_TYPE_STRING, kAwakeInterface);
+      sd_bus_message_append_basic(call.get(), SD_BUS_TYPE_STRING, pick(input_, kKnownProperties).interface);
       append(call.get(), method.type.substr(1), input_);
     } else {
       append(call.get(), input_.ConsumeBool() ? std::string(method.type) : otherTypes(input_), input_);
