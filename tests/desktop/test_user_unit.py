@@ -2,9 +2,11 @@
 """The unit that starts the program at log-in, in a real manager of the user's services."""
 
 import json
+import pathlib
 import re
 import signal
 import subprocess
+import tempfile
 import unittest
 
 from nimbo_desktop import Process, ordinary_user, wait_until
@@ -23,6 +25,18 @@ os.close(write), os.read(read, 1)"""
 
 def installed(name):
     return (REPOSITORY / "data" / f"{name}.in").read_text().replace("@CMAKE_INSTALL_FULL_BINDIR@/nimbo", str(BINARY))
+
+
+class UnitFileTest(unittest.TestCase):
+    def test_unit_is_understood_whole(self):
+        with tempfile.TemporaryDirectory() as folder:
+            unit = pathlib.Path(folder, UNIT)
+            unit.write_text(installed(UNIT))
+            said = subprocess.run(
+                ["systemd-analyze", "verify", "--user", "--man=no", "--recursive-errors=no", unit],
+                env={"HOME": folder, "XDG_RUNTIME_DIR": folder}, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
+            )
+            self.assertEqual((said.returncode, said.stdout), (0, ""))
 
 
 @unittest.skipIf(UserManager.missing(), UserManager.missing())
@@ -127,11 +141,6 @@ class UserUnitTest(unittest.TestCase):
         self.manager.run("kill", f"-{signal.SIGKILL}", self.main_process())
         wait_until(lambda: self.manager.properties(UNIT, "NRestarts")["NRestarts"] == "1", "the next start")
         self.wait_for_answer()
-
-    def test_unit_is_understood_whole(self):
-        path = self.manager.config / "systemd/user" / UNIT
-        said = self.manager.run("systemd-analyze", "verify", "--user", "--man=no", "--recursive-errors=no", path)
-        self.assertEqual(said, (0, ""))
 
 
 if __name__ == "__main__":

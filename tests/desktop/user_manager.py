@@ -40,6 +40,8 @@ class UserManager:
             return "only root makes name spaces in which another user has control groups"
         if not pathlib.Path(MANAGER).exists() or hierarchy() is None:
             return "no systemd, or no control groups of version 2"
+        if not os.access(hierarchy(), os.W_OK) or subprocess.run(["unshare", "--mount", "--cgroup", "true"]).returncode != 0:
+            return "no control group or name space can be made"
         return None
 
     def __init__(self):
@@ -62,7 +64,6 @@ class UserManager:
             "XDG_CONFIG_DIRS": str(self.home / "none"),
             "DBUS_SESSION_BUS_ADDRESS": f"unix:path={run}/bus",
             "DBUS_SYSTEM_BUS_ADDRESS": "unix:path=/nonexistent",
-            **{name: value for name, value in os.environ.items() if name.endswith("SAN_OPTIONS")},
         }
 
     def unit(self, name, text):
@@ -79,7 +80,7 @@ class UserManager:
             os.chown(path, user["user"], user["group"])
         script = f"""echo $$ >{group}/cgroup.procs && exec unshare --mount --cgroup sh -ec '
             mount -t tmpfs none /run; mkdir -p /run/systemd/system; mount -t cgroup2 none /sys/fs/cgroup
-            mount -t tmpfs none /etc/systemd/user  # what is enabled for all users
+            [ ! -d /etc/systemd/user ] || mount -t tmpfs none /etc/systemd/user  # what is enabled for all users
             exec setpriv --reuid {user["user"]} --regid {user["group"]} --clear-groups {MANAGER} --user --unit=basic.target'"""
         self.manager = Process(["sh", "-c", script], self.env, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         self.stack.callback(self.manager.end)
