@@ -40,13 +40,14 @@ std::tm localTime(system_clock::time_point time) {
   return parts;
 }
 
-/// Absent when the clock skips it, or there is no such day.
+/// Absent when the clock skips it, there is no such day, or it is beyond what the time's type holds (the year 2262).
 std::optional<system_clock::time_point> fromLocal(std::tm wanted) {
   wanted.tm_isdst = -1;
   std::tm made = wanted;
   const std::time_t instant = std::mktime(&made);
   const bool same = made.tm_mday == wanted.tm_mday && made.tm_hour == wanted.tm_hour && made.tm_min == wanted.tm_min;
-  if (instant == -1 || !same) return std::nullopt;
+  constexpr auto kLast = std::chrono::duration_cast<seconds>(system_clock::duration::max()).count();
+  if (instant <= 0 || instant > kLast || !same) return std::nullopt;
   return system_clock::from_time_t(instant);
 }
 

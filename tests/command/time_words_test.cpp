@@ -69,6 +69,12 @@ TEST_F(ClockWords, AreNothingElse) {
   }
 }
 
+TEST_F(ClockWords, TimeIsNoneThatTheBusOrTheClockCannotTell) {
+  EXPECT_EQ(timeOfDay("1970-01-01T01:00", now_), std::nullopt) << "0 is for none";
+  EXPECT_EQ(timeOfDay("4054-10-31T02:30", now_), std::nullopt);
+  EXPECT_GT(timeOfDay("2262-01-01T00:00", now_), now_);
+}
+
 TEST_F(ClockWords, AreWrittenForProgramsInUtcAndForEyesInLocalTime) {
   EXPECT_EQ(isoTime(utc(1, 2, 3, 4, 5)), "2026-01-02T03:04:05Z");
   EXPECT_EQ(clockTime(utc(11, 22, 17, 30), now_), "18:30");

@@ -24,12 +24,6 @@ using std::chrono::system_clock;
 
 constexpr hours kYear{366 * 24};
 
-/// A date in a year that the time's type does not hold whole.
-bool isBeyondTheClock(const std::string& word) {
-  const int year = std::atoi(word.c_str());
-  return word.find('T') != std::string::npos && (year < 1971 || year > 2261);
-}
-
 /// What is accepted is bounded, and is the same when it is said in other words.
 void requireLength(const std::string& word) {
   const auto length = durationOf(word);
@@ -80,7 +74,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   ::tzset();
   const system_clock::time_point now{seconds(1795219200) + hours(30) * (where / kZones.size())};
 
-  if (std::ranges::any_of(words, isBeyondTheClock)) return 0;
   for (const std::string& word : words) {
     requireLength(word);
     requireTime(word, now);

@@ -20,7 +20,9 @@ inline constexpr const char* kRefusedError = "com.quellwerk.Nimbo.Error.Refused"
 
 // Times are seconds since 1970, UTC; 0 for none.
 
-inline constexpr std::int64_t kLatestTime = 253402300799;  // the end of the year 9999
+/// What the time's type holds, in the year 2262.
+inline constexpr std::int64_t kLatestTime =
+    std::chrono::duration_cast<std::chrono::seconds>(std::chrono::system_clock::duration::max()).count();
 
 [[nodiscard]] inline std::int64_t secondsOf(const std::optional<std::chrono::system_clock::time_point>& time) {
   if (!time) return 0;
