@@ -14,9 +14,9 @@
 
 #include "base/text.h"
 #include "fuzz/fuzz_input.h"
-#include "platform/linux/bus/dbus_remote_control.h"
-#include "platform/linux/bus/dbus_running_program.h"
 #include "platform/linux/bus/program_address.h"
+#include "platform/linux/remote/dbus_remote_control.h"
+#include "platform/linux/remote/dbus_running_program.h"
 
 using namespace nimbo;
 
@@ -38,6 +38,7 @@ constexpr std::array kMethods{
     Member{kAwakeInterface, "Start", "xb"},  Member{kAwakeInterface, "Stop", ""},
     Member{kAwakeInterface, "Extend", "x"},  Member{kAwakeInterface, "Hold", "sb"},
     Member{kAwakeInterface, "Release", "u"}, Member{kAwakeInterface, "Unknown", ""},
+    Member{kUsageInterface, "Refresh", ""},  Member{kResourcesInterface, "Watch", "as"},
     Member{kProperties, "Get", "ss"},        Member{kProperties, "GetAll", "s"},
     Member{kProperties, "Set", "ssv"},       Member{"org.freedesktop.DBus.Introspectable", "Introspect", ""},
 };
@@ -45,6 +46,11 @@ constexpr std::array kKnownProperties{
     Member{kAwakeInterface, "Active", "b"},         Member{kAwakeInterface, "Own", "b"},
     Member{kAwakeInterface, "KeepsDisplayOn", "b"}, Member{kAwakeInterface, "EndsAt", "x"},
     Member{kAwakeInterface, "Message", "s"},        Member{kAwakeInterface, "Holders", "as"},
+};
+constexpr std::array kFigures{
+    Member{kUsageInterface, "Codex", "(bsxsa(sdx))"},  Member{kUsageInterface, "Claude", "(bsxsa(sdx))"},
+    Member{kResourcesInterface, "Memory", "(ttttxs)"}, Member{kResourcesInterface, "MemoryFailed", "b"},
+    Member{kResourcesInterface, "Cpu", "d"},           Member{kResourcesInterface, "Temperature", "d"},
 };
 
 template <class Choices>
@@ -54,7 +60,7 @@ const auto& pick(Input& input, const Choices& choices) {
 
 /// What can be sent: the library takes no characters that Unicode keeps for itself, such as U+FFFF.
 std::string textFrom(Input& input) {
-  if (input.ConsumeBool()) return input.ConsumeBool() ? pick(input, kKnownProperties).name : kAwakeInterface;
+  if (input.ConsumeBool()) return input.ConsumeBool() ? pick(input, kFigures).name : kAwakeInterface;
   constexpr std::array kOthers{"ü", "”", "\U0001F4A1", "\u0085", "\u2028", "\u202E", "\uFEFF", "e\u0301"};
   std::string text;
   for (const char byte : input.ConsumeRandomLengthString(100)) {
@@ -67,9 +73,7 @@ std::string textFrom(Input& input) {
 
 std::int64_t numberFrom(Input& input) {
   constexpr std::array<std::int64_t, 8> kEdges{0, 1, -1, 31622400, kLatestTime, kLatestTime + 1, INT64_MAX, INT64_MIN};
-  const std::int64_t number = input.ConsumeBool() ? pick(input, kEdges) : input.ConsumeIntegral<std::int64_t>();
-  constexpr std::int64_t kHeld = 9223372036;  // seconds that the time's type holds
-  return number > kHeld && number <= kLatestTime ? kHeld : number;
+  return input.ConsumeBool() ? pick(input, kEdges) : input.ConsumeIntegral<std::int64_t>();
 }
 
 std::string typeFrom(Input& input, int depth = 0) {
@@ -234,6 +238,9 @@ class SteeredProgram {
           return lastHolder_;
         },
         .letGo = [this](std::uint32_t holder) { require(std::erase(held_, holder) == 1); },
+        .usage = [this]() -> const UsageStates& { return usage_; },
+        .refreshUsage = [] {},
+        .readings = [this]() -> const SystemReadings& { return readings_; },
     });
   }
   SteeredProgram(const SteeredProgram&) = delete;
@@ -250,7 +257,10 @@ class SteeredProgram {
 
   void live() {
     for (int step = 0; step < 100 && input_.remaining_bytes() > 0; ++step) {
-      switch (input_.ConsumeIntegralInRange(0, 7)) {
+      switch (input_.ConsumeIntegralInRange(0, 8)) {
+        case 8:
+          changeFigures();
+          break;
         case 0:
           leave(pick(input_, kSenders), pick(input_, kCallers), input_.ConsumeBool() ? "sss" : otherTypes(input_));
           break;
@@ -282,7 +292,10 @@ class SteeredProgram {
                                            method.name) >= 0);
     sd_bus_message_set_sender(call.get(), pick(input_, kCallers));
     if (method.type == "s" || method.type == "ss") {  // of the properties, mostly of those there are
-      sd_bus_message_append_basic(call.get(), SD_BUS_TYPE_STRING, pick(input_, kKnownProperties).interface);
+      const bool figures = input_.ConsumeBool();
+      sd_bus_message_append_basic(
+          call.get(), SD_BUS_TYPE_STRING,
+          figures ? pick(input_, kFigures).interface : pick(input_, kKnownProperties).interface);
       append(call.get(), method.type.substr(1), input_);
     } else {
       append(call.get(), input_.ConsumeBool() ? std::string(method.type) : otherTypes(input_), input_);
@@ -325,6 +338,23 @@ class SteeredProgram {
     require(told_ == (status_ == before ? 0 : 1));
   }
 
+  void changeFigures() {
+    end_.turn();
+    const UsageState before = usage_[UsageProvider::claude];
+    UsageState& state = usage_[UsageProvider::claude];
+    state.enabled = input_.ConsumeBool();
+    state.snapshot.reset();
+    if (input_.ConsumeBool()) state.snapshot = UsageSnapshot{{{textFrom(input_), 50}}};
+    told_ = 0;
+    control_.usageChanged();
+    end_.turn();
+    require(told_ == (state == before ? 0 : 1));
+    readings_.memoryFailed = input_.ConsumeBool();
+    readings_.cpu = static_cast<double>(numberFrom(input_));
+    control_.readingsChanged();
+    end_.turn();
+  }
+
   void answer(sd_bus_message* message) {
     if (sd_bus_message_is_signal(message, kProperties, "PropertiesChanged") > 0) {
       ++told_;
@@ -340,6 +370,8 @@ class SteeredProgram {
   ServerEnd& end_;
   Input& input_;
   AwakeStatus status_;
+  UsageStates usage_;
+  SystemReadings readings_;
   std::vector<std::uint32_t> held_;
   std::uint32_t lastHolder_ = 0;
   int unanswered_ = 0;
@@ -403,6 +435,36 @@ void appendStatus(sd_bus_message* reply, Input& input, AwakeStatus& expected) {
   sd_bus_message_close_container(reply);
 }
 
+/// The same of the figures, of which only what cannot be is known.
+void appendFigures(sd_bus_message* reply, Input& input) {
+  sd_bus_message_open_container(reply, SD_BUS_TYPE_ARRAY, "{sv}");
+  for (int count = input.ConsumeIntegralInRange(0, 8); count > 0; --count) {
+    const Member& property = pick(input, kFigures);
+    const std::string type = input.ConsumeBool() ? std::string(property.type) : typeFrom(input);
+    sd_bus_message_open_container(reply, SD_BUS_TYPE_DICT_ENTRY, "sv");
+    sd_bus_message_append_basic(reply, SD_BUS_TYPE_STRING, property.name);
+    appendContainer(reply, SD_BUS_TYPE_VARIANT, type, input);
+    sd_bus_message_close_container(reply);
+  }
+  sd_bus_message_close_container(reply);
+}
+
+void requirePossible(const UsageStates& states) {
+  for (const auto& [provider, state] : states) {
+    if (!state.snapshot) continue;
+    require(!state.snapshot->windows.empty() && state.snapshot->windows.size() <= 50);
+    for (const UsageWindow& window : state.snapshot->windows) {
+      require(window.usedPercent >= 0 && window.usedPercent <= 100 && printableLine(window.title) == window.title);
+    }
+  }
+}
+
+void requirePossible(const SystemReadings& readings) {
+  require(!readings.cpu || (*readings.cpu >= 0 && *readings.cpu <= 1));
+  require(!readings.temperature || (*readings.temperature > 0 && *readings.temperature < 200));
+  if (readings.memory) require(readings.memory->total > 0 && readings.memory->used() <= readings.memory->total);
+}
+
 void ask(ClientEnd& end, Input& input) {
   std::optional<AwakeStatus> expected;
   const bool isError = input.ConsumeBool();
@@ -418,6 +480,8 @@ void ask(ClientEnd& end, Input& input) {
       require(sd_bus_message_new_method_return(call, reply.out()) >= 0);
       if (input.ConsumeBool()) {
         appendStatus(reply.get(), input, expected.emplace());
+      } else if (input.ConsumeBool()) {
+        appendFigures(reply.get(), input);
       } else {
         append(reply.get(), otherTypes(input), input);
       }
@@ -438,6 +502,12 @@ void ask(ClientEnd& end, Input& input) {
       break;
     case 2:
       told(end.program->act(textFrom(input)));
+      break;
+    case 3:
+      if (const auto states = end.program->usage()) requirePossible(*states);
+      break;
+    case 4:
+      if (const auto readings = end.program->readings()) requirePossible(*readings);
       break;
     default: {
       const auto status = end.program->awake();

@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "base/text.h"
+#include "platform/linux/bus/bus_name_watch.h"
 #include "platform/linux/bus/program_address.h"
 #include "platform/temperature_sensor.h"
 
