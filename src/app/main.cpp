@@ -121,8 +121,8 @@ Result<int, std::string> holdHere(const ForegroundHold& hold) {
       return EXIT_FAILURE;
     }
     awake.onRefusal = complain;
-    const auto interrupted = platform.termination().observe([&hold] {
-      if (hold.interruptible) std::_Exit(EXIT_SUCCESS);  // whatever is held goes with the process
+    const auto termination = platform.termination().observe([&hold](Termination::Cause cause) {
+      if (hold.interruptible || cause == Termination::Cause::request) hold.terminated();
     });
     int outcome = EXIT_SUCCESS;
     std::thread worker([&] {
@@ -151,7 +151,7 @@ Result<UsageStates, RemoteError> readUsageHere() {
     usage->settingsChanged();  // from none before: reads all that are on, as asked for
     begun = true;
     platform.mainLoop().post(endWhenRead);
-    const auto interrupted = platform.termination().observe([] { std::_Exit(EXIT_FAILURE); });
+    const auto interrupted = platform.termination().observe([](Termination::Cause) { std::_Exit(EXIT_FAILURE); });
     platform.mainLoop().run();
     states = usage->states();
     usage->stop();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "command/run_command.h"
 
+#include <cstdlib>
 #include <utility>
 
 #include "command/report.h"
@@ -36,6 +37,7 @@ class Runner {
     return keepAwake({.name = path.substr(path.find_last_of('/') + 1),
                       .keepDisplayOn = run.keepDisplayOn,
                       .interruptible = false,
+                      .terminated = [this] { services_.programs.terminate(); },
                       .work = [&] { return ended(services_.programs.run(run.command)); }});
   }
 
@@ -44,10 +46,15 @@ class Runner {
     for (const auto process : live.processes) {
       if (auto name = services_.programs.nameOf(process); !name.empty()) names.push_back(std::move(name));
     }
-    return keepAwake({.name = joined(names), .keepDisplayOn = live.keepDisplayOn, .interruptible = true, .work = [&] {
-                        const auto waited = services_.programs.waitFor(live.processes);
-                        return waited ? 0 : failed(waited.error());
-                      }});
+    return keepAwake({.name = joined(names),
+                      .keepDisplayOn = live.keepDisplayOn,
+                      .interruptible = true,
+                      .terminated = [] { std::_Exit(EXIT_SUCCESS); },  // what is held goes with it
+                      .work =
+                          [&] {
+                            const auto waited = services_.programs.waitFor(live.processes);
+                            return waited ? 0 : failed(waited.error());
+                          }});
   }
 
   int operator()(const UsageReport& wanted) const {

@@ -27,7 +27,8 @@ enum class CommandStatus {
 struct ForegroundHold {
   std::string name;
   bool keepDisplayOn = false;
-  bool interruptible = false;  ///< a signal ends it before the work is done; else the work hears of signals itself
+  bool interruptible = false;        ///< by the terminal; else the work hears of that by itself
+  std::function<void()> terminated;  ///< this process is asked to end before the work is done
   std::function<int()> work;
 };
 

@@ -21,6 +21,9 @@ class ForegroundPrograms {
   /// be started.
   [[nodiscard]] virtual Result<int, std::string> run(const std::vector<std::string>& command) = 0;
 
+  /// Asks what runs to end, where this process hears of its own termination on its main loop.
+  virtual void terminate() = 0;
+
   /// Waits until none of these processes is there any more; at once where one never was, with a sentence about it.
   [[nodiscard]] virtual Result<void, std::string> waitFor(const std::vector<std::int32_t>& processes) = 0;
 

@@ -30,9 +30,13 @@ class Network {
 /// Tells when the system or the user asks the process to end (log-out, kill). Main thread only.
 class Termination {
  public:
+  enum class Cause {
+    interrupt,  ///< from the terminal; the other programs there hear of it, too
+    request,    ///< all else
+  };
   virtual ~Termination() = default;
 
-  [[nodiscard]] virtual Subscription observe(std::function<void()> requested) = 0;
+  [[nodiscard]] virtual Subscription observe(std::function<void(Cause cause)> requested) = 0;
 };
 
 }  // namespace nimbo

@@ -83,9 +83,11 @@ class FakeForegroundPrograms final : public ForegroundPrograms {
   }
   bool isReadFor(std::chrono::seconds /*time*/) override { return looks-- > 0; }
   bool showsColours() override { return coloured; }
+  void terminate() override { ++terminations; }
   std::string nameOf(std::int32_t process) override { return names[process]; }
 
   Result<int, std::string> status = 0;
+  int terminations = 0;
   int looks = 0;  ///< until nobody reads any more
   bool coloured = false;
   std::vector<std::string> ran;
@@ -104,6 +106,7 @@ class RunCommand : public testing::Test {
                                 .temperature = [this]() -> TemperatureSensor& { return sensor_; },
                                 .holdHere = [this](const ForegroundHold& hold) -> Result<int, std::string> {
                                   heldHere_.push_back(hold.name);
+                                  hold.terminated();
                                   return hold.work();
                                 },
                                 .readUsageHere = [this]() -> Result<UsageStates, RemoteError> { return usageHere_; },
@@ -187,6 +190,7 @@ TEST_F(RunCommand, WithoutARunningProgramItIsHeldHere) {
     EXPECT_EQ(run(AwakeRun{{"make"}, false}), 5);
   }
   EXPECT_EQ(heldHere_, (Log{"make", "make"}));
+  EXPECT_EQ(programs_.terminations, 2) << "a termination is the command's";
   EXPECT_EQ(complaints_, Log{});
 }
 

@@ -13,7 +13,7 @@ import unittest
 
 import codex_service
 from gi.repository import GLib
-from nimbo_desktop import SLOW, turn_for, wait_until
+from nimbo_desktop import SLOW, wait_until
 from power_services import Logind
 from program import BINARY, DesktopTest
 
@@ -124,12 +124,11 @@ class RunningProgramTest(CommandTest):
         self.wait_for_blocks()
 
     def test_termination_is_passed_on_to_the_command(self):
-        script = "trap 'exit 5' TERM; while :; do sleep 0.05; done"
-        running = self.begin("awake", "run", "sh", "-c", script)
+        ready = self.session.folder / "ready"
+        script = "trap 'exit 5' TERM; : > \"$0\"; while :; do sleep 0.05; done"
+        running = self.begin("awake", "run", "sh", "-c", script, ready)
         self.wait_for_blocks(BLOCK)
-        children = pathlib.Path(f"/proc/{running.pid}/task/{running.pid}/children")
-        wait_until(lambda: children.read_text(), "the command")
-        turn_for(0.2)  # until the shell has set its trap
+        wait_until(ready.exists, "the command")
         running.process.terminate()
         self.assertEqual(running.process.wait(10 * SLOW), 5)
         self.wait_for_blocks()

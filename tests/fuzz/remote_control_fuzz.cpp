@@ -511,7 +511,7 @@ void ask(ClientEnd& end, Input& input) {
       break;
     default: {
       const auto status = end.program->awake();
-      told(status);
+      if (isError || expected) told(status);
       if (!status) break;
       if (expected) require(*status == *expected);
       require(printableLine(status->message) == status->message);

@@ -61,17 +61,18 @@ class FakeSystemSleep final : public SystemSleep {
 
 class FakeTermination final : public Termination {
  public:
-  [[nodiscard]] Subscription observe(std::function<void()> requested) override {
+  [[nodiscard]] Subscription observe(std::function<void(Cause)> requested) override {
     requested_ = std::move(requested);
     return Subscription([this] { requested_ = nullptr; });
   }
   void request() {
-    if (requested_) requested_();
+    if (requested_) requested_(Cause::request);
   }
 
  private:
-  std::function<void()> requested_;
+  std::function<void(Cause)> requested_;
 };
+
 class FakeRemoteControl final : public RemoteControl {
  public:
   void usageChanged() override { ++usageChanges; }

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <optional>
 
 namespace nimbo {
 namespace {
@@ -19,21 +20,21 @@ class SignalTerminationTest : public ::testing::TestWithParam<int> {
 };
 
 TEST_P(SignalTerminationTest, SignalIsReportedOnTheLoop) {
-  bool requested = false;
-  const auto observation = termination.observe([&] {
-    requested = true;
+  std::optional<Termination::Cause> requested;
+  const auto observation = termination.observe([&](Termination::Cause cause) {
+    requested = cause;
     loop.quit();
   });
   const auto limit = loop.every(milliseconds(5000), milliseconds(1), [&] { loop.quit(); });
   loop.post([] { kill(getpid(), GetParam()); });
   loop.run();
-  EXPECT_TRUE(requested);
+  EXPECT_EQ(requested, GetParam() == SIGINT ? Termination::Cause::interrupt : Termination::Cause::request);
 }
 
 TEST_P(SignalTerminationTest, SignalWithoutObserverDoesNotEndTheProcess) {
   int requested = 0;
   {
-    const auto observation = termination.observe([&] { ++requested; });
+    const auto observation = termination.observe([&](Termination::Cause) { ++requested; });
   }
   const auto limit = loop.every(milliseconds(30), milliseconds(1), [&] { loop.quit(); });
   loop.post([] { kill(getpid(), GetParam()); });

@@ -22,14 +22,14 @@ SignalTermination::SignalTermination(SdEventMainLoop& loop) {
   }
 }
 
-Subscription SignalTermination::observe(std::function<void()> requested) {
+Subscription SignalTermination::observe(std::function<void(Cause)> requested) {
   requested_ = std::move(requested);
   return Subscription([this] { requested_ = nullptr; });
 }
 
-int SignalTermination::onSignal(sd_event_source* /*source*/, const signalfd_siginfo* /*info*/, void* self) {
+int SignalTermination::onSignal(sd_event_source* /*source*/, const signalfd_siginfo* info, void* self) {
   const auto requested = static_cast<SignalTermination*>(self)->requested_;
-  if (requested) requested();
+  if (requested) requested(info->ssi_signo == SIGINT ? Cause::interrupt : Cause::request);
   return 0;
 }
 

@@ -18,13 +18,13 @@ class SignalTermination final : public Termination {
   explicit SignalTermination(SdEventMainLoop& loop);
 
   /// One observer at a time; a later one replaces it.
-  [[nodiscard]] Subscription observe(std::function<void()> requested) override;
+  [[nodiscard]] Subscription observe(std::function<void(Cause cause)> requested) override;
 
  private:
   static int onSignal(sd_event_source* source, const signalfd_siginfo* info, void* self);
 
   std::vector<EventSource> sources_;
-  std::function<void()> requested_;
+  std::function<void(Cause)> requested_;
 };
 
 }  // namespace nimbo

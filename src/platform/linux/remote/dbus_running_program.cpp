@@ -202,9 +202,11 @@ Result<BusMessage, RemoteError> DbusRunningProgram::call(const char* interface, 
 
 template <class Value>
 Result<Value, RemoteError> DbusRunningProgram::properties(const char* interface) {
-  return call(kProperties, "GetAll", interface).map([](const BusMessage& reply) {
+  return call(kProperties, "GetAll", interface).and_then([](const BusMessage& reply) -> Result<Value, RemoteError> {
     Value value{};
-    sd_bus_message_enter_container(reply.get(), SD_BUS_TYPE_ARRAY, "{sv}");
+    if (sd_bus_message_enter_container(reply.get(), SD_BUS_TYPE_ARRAY, "{sv}") <= 0) {
+      return tl::unexpected(RemoteError{RemoteError::Kind::unreachable, "Nimbo answers with something else."});
+    }
     while (sd_bus_message_enter_container(reply.get(), SD_BUS_TYPE_DICT_ENTRY, "sv") > 0) {
       const char* name = nullptr;
       sd_bus_message_read(reply.get(), "s", &name);

@@ -52,26 +52,6 @@ class SignalHandler {
   struct sigaction before_ {};
 };
 
-/// What asks this process to end comes to this thread while it lives.
-class TerminationHere {
- public:
-  explicit TerminationHere(void (*handler)(int)) : terminate_(SIGTERM, handler), hangUp_(SIGHUP, handler) {
-    sigset_t signals;
-    ::sigemptyset(&signals);
-    ::sigaddset(&signals, SIGTERM);
-    ::sigaddset(&signals, SIGHUP);
-    ::pthread_sigmask(SIG_UNBLOCK, &signals, &before_);
-  }
-  ~TerminationHere() { ::pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
-  TerminationHere(const TerminationHere&) = delete;
-  TerminationHere& operator=(const TerminationHere&) = delete;
-
- private:
-  const SignalHandler terminate_;
-  const SignalHandler hangUp_;
-  sigset_t before_{};
-};
-
 /// The signals of the terminal as they were, and none blocked.
 class ChildAttributes {
  public:
@@ -107,7 +87,8 @@ Result<int, std::string> UserForegroundPrograms::run(const std::vector<std::stri
   const SignalHandler interrupt(SIGINT, SIG_IGN);
   const SignalHandler quit(SIGQUIT, SIG_IGN);
   const ChildAttributes attributes(interrupt, quit);
-  const TerminationHere termination(passOn);
+  const SignalHandler terminated(SIGTERM, passOn);
+  const SignalHandler hungUp(SIGHUP, passOn);
   pid_t child = 0;
   if (const int failed = ::posix_spawnp(&child, words[0], nullptr, attributes.get(), words.data(), ::environ)) {
     return tl::unexpected(
@@ -126,6 +107,8 @@ Result<int, std::string> UserForegroundPrograms::run(const std::vector<std::stri
   constexpr int kSignalled = 128;
   return WIFSIGNALED(status) ? kSignalled + WTERMSIG(status) : WEXITSTATUS(status);
 }
+
+void UserForegroundPrograms::terminate() { passOn(SIGTERM); }
 
 Result<void, std::string> UserForegroundPrograms::waitFor(const std::vector<std::int32_t>& processes) {
   std::vector<UniqueFd> open;

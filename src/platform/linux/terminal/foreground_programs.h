@@ -10,6 +10,7 @@ namespace nimbo {
 class UserForegroundPrograms final : public ForegroundPrograms {
  public:
   [[nodiscard]] Result<int, std::string> run(const std::vector<std::string>& command) override;
+  void terminate() override;
   [[nodiscard]] Result<void, std::string> waitFor(const std::vector<std::int32_t>& processes) override;
   [[nodiscard]] bool isReadFor(std::chrono::seconds time) override;
   [[nodiscard]] bool showsColours() override;
