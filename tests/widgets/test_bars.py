@@ -119,8 +119,8 @@ class PictureTest(BarTest):
         self.bar = self.kind(self.session)
         wait_until(lambda: self.has(bars.GROUND), "the bar", 3 * BOUND)
 
-    def has(self, color):
-        return bytes.fromhex(color[1:])[::-1] in self.shown()
+    def has(self, color, pixels=None):
+        return bytes.fromhex(color[1:])[::-1] in (pixels or self.shown())
 
     def close_bar(self):
         self.bar.process.end()
@@ -132,6 +132,11 @@ class PictureTest(BarTest):
 class WaybarTest(PictureTest, ShellTest):
     kind = bars.Waybar
     display = False
+
+    def wait_for(self, expected, what):
+        """By the modules' colours: under load it may settle on another pixel."""
+        shown = lambda pixels: [self.has(color, pixels) for color in (bars.FULL, bars.AWAKE)]  # noqa: E731
+        wait_until(lambda: shown(self.shown()) == shown(expected), what)
 
     def assert_shows(self, text, color=None):
         if color:
