@@ -146,7 +146,8 @@ void AppDelegate::applicationDidFinishLaunching() {
   if (pendingTab_) platform_.mainLoop().post([this] { openDashboard(statusItems_.firstItem(), pendingTab_); });
   sleepObservation_ = platform_.systemSleep().observe([this] { willSleep(); }, [this] { didWake(); });
   // A log-out or a shutdown cannot wait for an answer.
-  terminationObservation_ = platform_.termination().observe([this](Termination::Cause) { platform_.mainLoop().quit(); });
+  terminationObservation_ =
+      platform_.termination().observe([this](Termination::Cause) { platform_.mainLoop().quit(); });
   if (audience_ == Audience::none) return;
   platform_.statusBar().onAbsence([this](const std::string& advice) { trayIsAbsent(advice); });
 }
