@@ -127,6 +127,8 @@ class ClaudeDesktopTest(unittest.TestCase):
         page = self.session.folder / "chat.html"
         page.write_text("<!doctype html><title>Claude</title><p>Current session</p><p>61% used</p>")
         self.show(page)
+        # An engine's window is there some moments before it is on the accessibility bus.
+        wait_until(lambda: self.check() != (1, "", SILENT), "the application on the bus", 30 * SLOW)
         self.assertEqual(self.check(), (1, "", NOT_SHOWN))
 
     def test_without_the_application_the_user_is_asked_to_open_it(self):
