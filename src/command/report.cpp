@@ -162,9 +162,7 @@ Report reportOf(const UsageStates& states, ReportTime now) {
   report.figures = Json::object();
   const UsageWindow* fullest = nullptr;
   for (const UsageProvider provider : kAllUsageProviders) {
-    const auto found = states.find(provider);
-    const UsageState off;
-    const UsageState& state = found == states.end() ? off : found->second;
+    const UsageState& state = stateOf(states, provider);
     report.figures[std::string(rawValue(provider))] = figuresOf(state);
     if (!state.enabled) continue;
     addRows(report.rows, std::string(displayName(provider)), state, now);

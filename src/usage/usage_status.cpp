@@ -14,6 +14,12 @@ bool isOld(const UsageSnapshot& snapshot, UsageTime now) { return now - snapshot
 
 }  // namespace
 
+const UsageState& stateOf(const UsageStates& states, UsageProvider provider) {
+  static const UsageState kUnknown;
+  const auto found = states.find(provider);
+  return found == states.end() ? kUnknown : found->second;
+}
+
 std::string providerLabel(UsageProvider provider) {
   return (provider == UsageProvider::codex ? "OpenAI · " : "Anthropic · ") + std::string(displayName(provider));
 }

@@ -9,6 +9,9 @@
 
 namespace nimbo {
 
+/// An empty one of a provider that is not among them.
+[[nodiscard]] const UsageState& stateOf(const UsageStates& states, UsageProvider provider);
+
 /// "OpenAI · Codex" or "Anthropic · Claude".
 [[nodiscard]] std::string providerLabel(UsageProvider provider);
 

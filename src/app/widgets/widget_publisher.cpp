@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "usage/usage_json.h"
+#include "usage/usage_status.h"
 
 namespace nimbo {
 namespace {
@@ -18,11 +19,6 @@ bool somethingToShow(const Settings& settings) {
   return settings.monitorTemperature() ||
          std::any_of(kAllUsageProviders.begin(), kAllUsageProviders.end(),
                      [&settings](UsageProvider provider) { return settings.usageEnabled(provider); });
-}
-
-UsageState stateOf(const UsageStates& states, UsageProvider provider) {
-  const auto found = states.find(provider);
-  return found == states.end() ? UsageState() : found->second;
 }
 
 }  // namespace

@@ -115,14 +115,12 @@ bool anyState(const UsageStates& states, bool UsageState::*flag) {
 std::string linkIdentifier(UsageProvider provider) { return "link." + std::string(rawValue(provider)); }
 
 UsageContent usageContent(const DashboardSources& sources) {
-  static const UsageState kUnknown;
   const auto& states = sources.usage;
   const auto now = sources.clock.now();
   UsageContent content;
   double y = 0;
   for (const auto provider : sources.settings.providerOrder()) {
-    const auto found = states.find(provider);
-    const auto& state = found == states.end() ? kUnknown : found->second;
+    const UsageState& state = stateOf(states, provider);
     content.cards.push_back(
         cardFor({provider, state, now, sources.dates, isStale(state, now), statusLine(state, now, sources.dates)}, y));
     y += content.cards.back().frame.height + kCardGap;

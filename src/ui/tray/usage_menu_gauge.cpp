@@ -75,8 +75,7 @@ std::vector<UsageMenuGauge> menuGauges(const Settings& settings, const UsageStat
   std::vector<UsageMenuGauge> gauges;
   for (const auto provider : settings.providerOrder()) {
     if (!settings.usageEnabled(provider)) continue;
-    const auto found = states.find(provider);
-    const UsageState state = found == states.end() ? UsageState() : found->second;
+    const UsageState& state = stateOf(states, provider);
     gauges.push_back({provider, selectedWindow(state, settings.aiMenuWindows() == 0), isStale(state, now),
                       statusLine(state, now, dates)});
   }

@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <systemd/sd-bus.h>
+
 #include <chrono>
 #include <cstdint>
 #include <optional>
+#include <string>
 
 namespace nimbo {
 
@@ -17,6 +20,9 @@ inline constexpr const char* kUsageInterface = "com.quellwerk.Nimbo.Usage1";
 inline constexpr const char* kResourcesInterface = "com.quellwerk.Nimbo.Resources1";
 /// With a sentence for the user.
 inline constexpr const char* kRefusedError = "com.quellwerk.Nimbo.Error.Refused";
+inline int refuse(sd_bus_error* error, const std::string& why) {
+  return sd_bus_error_set(error, kRefusedError, why.c_str());
+}
 
 // Times are seconds since 1970, UTC; 0 for none.
 

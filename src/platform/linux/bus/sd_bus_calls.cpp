@@ -72,6 +72,13 @@ BusSlot addObject(sd_bus* bus, const char* path, const char* interface, const sd
   return slot;
 }
 
+void emitChanged(sd_bus* bus, const char* path, const char* interface, std::vector<const char*> properties) {
+  if (properties.empty()) return;
+  properties.push_back(nullptr);
+  // The vtable promises not to change the names.
+  sd_bus_emit_properties_changed_strv(bus, path, interface, const_cast<char**>(properties.data()));
+}
+
 bool readStrings(sd_bus_message* message, std::vector<std::string>& strings) {
   if (sd_bus_message_enter_container(message, SD_BUS_TYPE_ARRAY, "s") < 0) return false;
   const char* text = nullptr;

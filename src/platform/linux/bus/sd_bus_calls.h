@@ -80,6 +80,9 @@ template <class... Arguments>
 [[nodiscard]] BusSlot addObject(sd_bus* bus, const char* path, const char* interface, const sd_bus_vtable* table,
                                 void* object);
 
+/// Tells others that these properties of such an object have changed; nothing when there are none.
+void emitChanged(sd_bus* bus, const char* path, const char* interface, std::vector<const char*> properties);
+
 // Adapters from a vtable's C callbacks to what answers them.
 namespace bus_table {
 

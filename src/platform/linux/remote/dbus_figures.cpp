@@ -8,14 +8,13 @@
 
 #include "base/text.h"
 #include "platform/linux/bus/program_address.h"
+#include "usage/usage_status.h"
 
 namespace nimbo {
 namespace {
 
 constexpr std::size_t kMostWatchers = 64;
 constexpr std::array<std::string_view, 4> kResources{"Memory", "MemoryFailed", "Cpu", "Temperature"};
-
-using Names = std::vector<const char*>;
 
 /// What others are told of it.
 UsageState toldOf(UsageState state) {
@@ -39,13 +38,6 @@ SystemReadings toldOf(const SystemReadings& readings) {
   told.cpu = readings.cpu;
   told.temperature = readings.temperature;
   return told;
-}
-
-void emitChanges(sd_bus* session, const char* interface, Names names) {
-  if (names.empty()) return;
-  names.push_back(nullptr);
-  // The vtable promises not to change the names.
-  sd_bus_emit_properties_changed_strv(session, kProgramPath, interface, const_cast<char**>(names.data()));
 }
 
 }  // namespace
@@ -83,23 +75,19 @@ DbusFigures::DbusFigures(sd_bus* session, const RemoteControlHandlers& handlers)
 
 void DbusFigures::usageChanged() {
   const UsageStates before = std::exchange(toldUsage_, toldOf(handlers_.usage()));
-  Names changed;
+  std::vector<const char*> changed;
   const auto compare = [&](const char* name, UsageProvider provider) {
-    const auto stateIn = [provider](const UsageStates& states) {
-      const auto found = states.find(provider);
-      return found == states.end() ? UsageState() : found->second;
-    };
-    if (stateIn(before) != stateIn(toldUsage_)) changed.push_back(name);
+    if (stateOf(before, provider) != stateOf(toldUsage_, provider)) changed.push_back(name);
   };
   compare("Codex", UsageProvider::codex);
   compare("Claude", UsageProvider::claude);
-  emitChanges(session_, kUsageInterface, std::move(changed));
+  emitChanged(session_, kProgramPath, kUsageInterface, std::move(changed));
 }
 
 void DbusFigures::readingsChanged() {
   if (watchers_.empty()) return;
   const SystemReadings before = std::exchange(toldReadings_, toldOf(handlers_.readings()));
-  Names changed;
+  std::vector<const char*> changed;
   const auto compare = [&](const char* name, bool same) {
     const auto wants = [name](const auto& watcher) { return watcher.second.names.contains(name); };
     if (!same && std::ranges::any_of(watchers_, wants)) changed.push_back(name);
@@ -108,13 +96,11 @@ void DbusFigures::readingsChanged() {
   compare("MemoryFailed", before.memoryFailed == toldReadings_.memoryFailed);
   compare("Cpu", before.cpu == toldReadings_.cpu);
   compare("Temperature", before.temperature == toldReadings_.temperature);
-  emitChanges(session_, kResourcesInterface, std::move(changed));
+  emitChanged(session_, kProgramPath, kResourcesInterface, std::move(changed));
 }
 
 void DbusFigures::writeUsage(BusWriter& writer, UsageProvider provider) const {
-  const UsageStates& states = handlers_.usage();
-  const auto found = states.find(provider);
-  const UsageState state = found == states.end() ? UsageState() : found->second;
+  const UsageState& state = stateOf(handlers_.usage(), provider);
   const UsageSnapshot snapshot = state.snapshot.value_or(UsageSnapshot());
   writer.inside(SD_BUS_TYPE_STRUCT, "bsxsa(sdx)", [&] {
     writer.add(state.enabled);
@@ -152,7 +138,7 @@ int DbusFigures::watch(sd_bus_message* call, sd_bus_error* error) {
   if (!readStrings(call, names)) return -EINVAL;
   for (const std::string& name : names) {
     if (std::ranges::find(kResources, name) != kResources.end()) continue;
-    return sd_bus_error_set(error, kRefusedError, "There is no property of that name.");
+    return refuse(error, "There is no property of that name.");
   }
   const std::string caller = sd_bus_message_get_sender(call);
   if (names.empty()) {
@@ -160,7 +146,7 @@ int DbusFigures::watch(sd_bus_message* call, sd_bus_error* error) {
     return sd_bus_reply_method_return(call, "");
   }
   if (watchers_.size() == kMostWatchers && !watchers_.contains(caller)) {
-    return sd_bus_error_set(error, kRefusedError, "Too many programs watch already.");
+    return refuse(error, "Too many programs watch already.");
   }
   if (watchers_.empty()) toldReadings_ = toldOf(handlers_.readings());
   Watcher& watcher = watchers_[caller];

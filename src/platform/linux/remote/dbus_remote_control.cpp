@@ -14,8 +14,6 @@ namespace {
 constexpr std::size_t kLongestName = 60;  // bytes
 constexpr std::int64_t kLongestExtension = std::int64_t{366} * 24 * 3600;
 
-int refuse(sd_bus_error* error, const std::string& why) { return sd_bus_error_set(error, kRefusedError, why.c_str()); }
-
 /// One printable line of bounded length.
 std::string nameFrom(const char* given) {
   std::string name = printableLine(std::string_view(given).substr(0, kLongestName));
@@ -72,10 +70,7 @@ void DbusRemoteControl::awakeChanged() {
   compare("KeepsDisplayOn", before.keepsDisplayOn == told_.keepsDisplayOn);
   compare("Message", before.message == told_.message);
   compare("Holders", before.holders == told_.holders);
-  if (changed.empty()) return;
-  changed.push_back(nullptr);
-  // The vtable promises not to change the names.
-  sd_bus_emit_properties_changed_strv(session_, kProgramPath, kAwakeInterface, const_cast<char**>(changed.data()));
+  emitChanged(session_, kProgramPath, kAwakeInterface, std::move(changed));
 }
 
 int DbusRemoteControl::start(sd_bus_message* call, sd_bus_error* error) {

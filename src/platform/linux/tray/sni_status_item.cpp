@@ -154,9 +154,7 @@ void SniStatusItem::setContent(const StatusItemContent& content) {
     sd_bus_emit_signal(connection_.get(), kPath, kInterface, "XAyatanaNewLabel", "ss", text.c_str(), text.c_str());
     changed.insert(changed.end(), {"XAyatanaLabel", "XAyatanaLabelGuide"});
   }
-  if (changed.empty()) return;
-  changed.push_back(nullptr);
-  sd_bus_emit_properties_changed_strv(connection_.get(), kPath, kInterface, const_cast<char**>(changed.data()));
+  emitChanged(connection_.get(), kPath, kInterface, std::move(changed));
 }
 
 void SniStatusItem::setHighlighted(bool highlighted) {
