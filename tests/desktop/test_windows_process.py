@@ -4,6 +4,7 @@
 import os
 import pathlib
 import random
+import re
 import signal
 import unittest
 
@@ -15,6 +16,11 @@ from test_keep_awake import DELAY, SLEEP_BLOCK
 # After the third within a minute each one waits until windows can be had again.
 KILLS = int(os.environ.get("NIMBO_KILLS", "3"))
 NO_DISPLAY = "nimbo: no window can be shown: no display can be reached\n"
+
+
+def descriptors(pid):
+    """Each with what it leads to."""
+    return [(link.name, os.readlink(link)) for link in pathlib.Path(f"/proc/{pid}/fd").iterdir()]
 
 
 @unittest.skipIf(Logind.missing(), Logind.missing())
@@ -91,8 +97,15 @@ class WindowsProcessTest(DesktopTest):
 
     def locks(self):
         """The inhibitors' descriptors: another one means that a lock was let go meanwhile."""
-        links = [(link.name, os.readlink(link)) for link in pathlib.Path(f"/proc/{self.program.pid}/fd").iterdir()]
-        return sorted(link for link in links if "/inhibit/" in link[1])
+        return sorted(link for link in descriptors(self.program.pid) if "/inhibit/" in link[1])
+
+    def test_windows_are_given_none_of_the_programs_descriptors(self):
+        self.start_session()
+        self.open()
+        own = [link for number, link in descriptors(self.program.pid) if int(number) > 2]
+        private = {link for link in own if re.match("socket:|pipe:|.*/inhibit/", link)}
+        self.assertGreater(len(private), 3)
+        self.assertEqual(private & {link for _, link in descriptors(self.program.windows_pid)}, set())
 
     def test_question_that_dies_leaves_the_session_running(self):
         self.start_session()
