@@ -28,6 +28,10 @@ bool AwakeManager::start(std::optional<Time> until, bool keepDisplayOn, Time now
   own_ = true;
   endsAt_ = until;
   scheduleDeadline();
+  return goesOn();
+}
+
+bool AwakeManager::goesOn() {
   observeBattery();
   tell({});
   // The charger may have been pulled before it was observed.
@@ -53,7 +57,6 @@ void AwakeManager::end() {
 // Giving up the display's part cannot fail.
 void AwakeManager::endOwn(std::string message) {
   if (holders_.empty()) return stop(std::move(message));
-  deadlineTimer_.reset();
   endsAt_.reset();
   own_ = false;
   (void)activate(false);
@@ -71,10 +74,7 @@ Result<AwakeManager::HolderId, std::string> AwakeManager::hold(std::string name,
   if (endIfForbidden() || !activate(ownDisplay_, keepDisplayOn)) return tl::unexpected(message_);
   const HolderId id = ++lastHolder_;
   holders_.emplace(id, Holder{std::move(name), keepDisplayOn});
-  observeBattery();
-  tell({});
-  if (batteryObservation_) checkBattery();
-  if (!isActive()) return tl::unexpected(message_);
+  if (!goesOn()) return tl::unexpected(message_);
   return id;
 }
 

@@ -107,6 +107,8 @@ class AwakeManager {
   [[nodiscard]] bool activate(bool ownDisplay, bool newHoldersDisplay = false);
   void end();
   void endOwn(std::string message);
+  /// Tells of the session and lets the rules have their say: whether it goes on.
+  [[nodiscard]] bool goesOn();
   /// Whether the rules forbid a session now; one that runs has been ended then.
   [[nodiscard]] bool endIfForbidden();
   void tell(std::string message);

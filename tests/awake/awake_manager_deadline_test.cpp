@@ -78,6 +78,13 @@ TEST_F(AwakeManagerDeadlineTest, CheckEndsTheSessionFromItsEndOn) {
   EXPECT_EQ(told, (Log{"", kFinished}));
 }
 
+TEST_F(AwakeManagerDeadlineTest, TickEndsTheSessionWhoseTimerIsLate) {
+  start(at(14, 0));
+  clock.setNow(at(14, 0));
+  manager.tick(clock.now());
+  EXPECT_FALSE(manager.isActive());
+}
+
 TEST_F(AwakeManagerDeadlineTest, CheckDoesNothingWhileIdleOrUntilStopped) {
   manager.checkDeadline(at(23, 0));
   EXPECT_EQ(told, Log{});

@@ -37,6 +37,16 @@ TEST_F(AwakeManagerDisplayTest, RefusedChoiceIsToldAndTheSessionGoesOn) {
   EXPECT_EQ(told, (Log{"", kRefused}));
 }
 
+TEST_F(AwakeManagerDisplayTest, ChoiceIsKeptForLaterUnlessItIsRefused) {
+  start();
+  client.refuse("PreventUserIdleDisplaySleep", 5);
+  manager.keepDisplayOn(true);
+  EXPECT_FALSE(settings.awakeDisplayOn());
+  client.grant("PreventUserIdleDisplaySleep");
+  manager.keepDisplayOn(true);
+  EXPECT_TRUE(settings.awakeDisplayOn());
+}
+
 TEST_F(AwakeManagerDisplayTest, AcceptedChoiceClearsAnEarlierFailure) {
   start();
   client.refuse(kPreventDisplaySleep, 5);

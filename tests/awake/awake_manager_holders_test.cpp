@@ -19,6 +19,7 @@ class AwakeHoldersTest : public AwakeManagerTest {
 TEST_F(AwakeHoldersTest, MachineStaysAwakeUntilTheLastLetsGo) {
   const auto make = hold("make");
   const auto claude = hold("claude");
+  EXPECT_EQ(told, (Log{"", ""}));
   EXPECT_EQ(manager.holders(), (Names{"make", "claude"}));
   EXPECT_FALSE(manager.isOwn());
   manager.letGo(make);
@@ -27,7 +28,7 @@ TEST_F(AwakeHoldersTest, MachineStaysAwakeUntilTheLastLetsGo) {
   EXPECT_TRUE(systemHeld()) << "again is once";
   manager.letGo(claude);
   EXPECT_FALSE(systemHeld());
-  EXPECT_EQ(manager.message(), "Session ended. Normal sleep is allowed.");
+  EXPECT_EQ(told, (Log{"", "", "", "Session ended. Normal sleep is allowed."}));
 }
 
 TEST_F(AwakeHoldersTest, DisplayStaysOnForAsLongAsSomebodyWantsIt) {
@@ -52,24 +53,27 @@ TEST_F(AwakeHoldersTest, OwnSessionEndsForItself) {
   EXPECT_FALSE(manager.isOwn());
   EXPECT_FALSE(manager.keepsDisplayOn()) << "which only the own session wanted";
   EXPECT_EQ(manager.endsAt(), std::nullopt);
-  EXPECT_EQ(manager.message(), "");
+  EXPECT_EQ(told, (Log{"", "", ""}));
   manager.letGo(make);
   EXPECT_FALSE(systemHeld());
 }
 
 TEST_F(AwakeHoldersTest, HolderThatGoesLeavesTheOwnSession) {
-  start(at(14, 0));
+  start(at(14, 0), true);
   manager.letGo(hold("make"));
   EXPECT_TRUE(manager.isActive());
+  EXPECT_TRUE(manager.keepsDisplayOn());
   EXPECT_EQ(manager.endsAt(), at(14, 0));
 }
 
 TEST_F(AwakeHoldersTest, UserStopsItForAll) {
   const auto make = hold("make");
+  start({}, true);
   manager.stopByUser();
   EXPECT_FALSE(systemHeld());
   EXPECT_EQ(manager.holders(), Names{});
   hold("claude");
+  EXPECT_FALSE(manager.isOwn() || manager.keepsDisplayOn()) << "nothing is left of the user's";
   manager.letGo(make);
   EXPECT_TRUE(manager.isActive()) << "an old number is nobody's";
 }

@@ -151,6 +151,15 @@ TEST_F(AwakeManagerTest, SessionCanBeStartedAgainAfterAStop) {
   EXPECT_EQ(told, (Log{"", kEnded, ""}));
 }
 
+TEST_F(AwakeManagerTest, ToggleStartsAndStops) {
+  settings.setAwakeDisplayOn(true);
+  manager.toggle(at(14, 0));
+  EXPECT_EQ(manager.endsAt(), at(14, 0));
+  EXPECT_TRUE(manager.keepsDisplayOn());
+  manager.toggle(at(15, 0));
+  EXPECT_FALSE(manager.isActive());
+}
+
 TEST_F(AwakeManagerTest, StoppingFromTheChangeThatAStartTellsLeavesNothingBehind) {
   manager.onChange = [this] {
     told.push_back(manager.message());
