@@ -30,5 +30,13 @@ TEST(SystemReadings, HistoryClampsToZeroAndOne) {
   EXPECT_EQ(history, (std::vector{0.0, 1.0}));
 }
 
+TEST(SystemReadings, HistoryKeepsTheLastForty) {
+  std::vector<double> history;
+  for (int value = 0; value <= 40; ++value) appendToHistory(history, value / 100.0);
+  EXPECT_EQ(history.size(), 40U);
+  EXPECT_EQ(history.front(), 0.01);
+  EXPECT_EQ(history.back(), 0.4);
+}
+
 }  // namespace
 }  // namespace nimbo

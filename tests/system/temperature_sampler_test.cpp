@@ -91,6 +91,7 @@ TEST_F(TemperatureSamplerTest, TooFewBytesForTheTypeGiveNoValue) {
 
 TEST_F(TemperatureSamplerTest, UnknownTypeGivesNoValue) {
   service.setBytes("TC0D", "ui16", {0x00, 0x40});
+  service.setBytes("TC0E", "ui32", {0x00, 0x00, 0x48, 0x42});  // 50 as a number of another type
   EXPECT_EQ(temperature(), std::nullopt);
 }
 
