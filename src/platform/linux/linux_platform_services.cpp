@@ -244,9 +244,9 @@ class LinuxPlatformServices final : public PlatformServices {
   AtspiAccessibility accessibility_{sessionAddress_};
 
   BackgroundThreads background_;
-  ThreadWorkQueue claudeQueue_{"Nimbo.claude"};
-  ThreadWorkQueue temperatureQueue_{"Nimbo.temperature"};
-  ThreadWorkQueue utilityQueue_{"Nimbo.utility"};
+  ThreadWorkQueue claudeQueue_{"Nimbo.claude", loop_};
+  ThreadWorkQueue temperatureQueue_{"Nimbo.temperature", loop_};
+  ThreadWorkQueue utilityQueue_{"Nimbo.utility", loop_};
   std::optional<JsonUserDefaults> defaults_{std::in_place, folders_.config, kDomain, defaultsServices()};
 };
 

@@ -2,6 +2,7 @@
 #include "platform/linux/loop/thread_work_queue.h"
 
 #include <gtest/gtest.h>
+#include <pthread.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -15,13 +16,16 @@
 #include <thread>
 #include <vector>
 
+#include "platform/linux/loop/sd_event_main_loop.h"
+
 namespace nimbo {
 namespace {
 
 constexpr std::chrono::seconds kBound{5};
 
 TEST(ThreadWorkQueue, JobsRunOneAfterTheOtherInOrder) {
-  ThreadWorkQueue queue("test");
+  SdEventMainLoop loop;
+  ThreadWorkQueue queue("test", loop);
   std::vector<int> order;
   std::promise<void> done;
   for (int i = 0; i < 100; ++i) queue.async([&order, i] { order.push_back(i); });
@@ -33,7 +37,8 @@ TEST(ThreadWorkQueue, JobsRunOneAfterTheOtherInOrder) {
 
 TEST(ThreadWorkQueue, JobsRunAtLowPriorityOnANamedThread) {
   const int ownNice = getpriority(PRIO_PROCESS, static_cast<id_t>(gettid()));
-  ThreadWorkQueue queue("Nimbo.temperature");
+  SdEventMainLoop loop;
+  ThreadWorkQueue queue("Nimbo.temperature", loop);
   std::promise<int> nice;
   std::promise<std::string> name;
   queue.async([&] {
@@ -55,7 +60,8 @@ TEST(ThreadWorkQueue, DestructionWaitsForTheRunningJob) {
   bool finished = false;
   std::thread releaser;
   {
-    ThreadWorkQueue queue("test");
+    SdEventMainLoop loop;
+    ThreadWorkQueue queue("test", loop);
     queue.async([&] {
       started.set_value();
       release.get_future().wait_for(kBound);
@@ -72,7 +78,8 @@ TEST(ThreadWorkQueue, EndTellsOfAJobThatHangsAndDropsTheRest) {
   std::promise<void> started;
   std::promise<void> release;
   bool dropped = true;
-  ThreadWorkQueue queue("test");
+  SdEventMainLoop loop;
+  ThreadWorkQueue queue("test", loop);
   queue.async([&] {
     started.set_value();
     release.get_future().wait();
@@ -86,7 +93,8 @@ TEST(ThreadWorkQueue, EndTellsOfAJobThatHangsAndDropsTheRest) {
 }
 
 TEST(ThreadWorkQueue, WhatAJobHeldIsReleasedOnceItHasRun) {
-  ThreadWorkQueue queue("test");
+  SdEventMainLoop loop;
+  ThreadWorkQueue queue("test", loop);
   auto held = std::make_shared<int>(1);
   const std::weak_ptr<int> watched = held;
   std::promise<void> done;
@@ -97,7 +105,8 @@ TEST(ThreadWorkQueue, WhatAJobHeldIsReleasedOnceItHasRun) {
 }
 
 TEST(ThreadWorkQueue, ThreadEndsWithTheLastJobAndTheNextOneHasAnother) {
-  ThreadWorkQueue queue("test");
+  SdEventMainLoop loop;
+  ThreadWorkQueue queue("test", loop);
   for (int round = 0; round < 3; ++round) {
     std::promise<pid_t> thread;
     queue.async([&] { thread.set_value(gettid()); });
@@ -108,7 +117,31 @@ TEST(ThreadWorkQueue, ThreadEndsWithTheLastJobAndTheNextOneHasAnother) {
   }
 }
 
-TEST(ThreadWorkQueue, UnusedQueueEndsAtOnce) { const ThreadWorkQueue queue("test"); }
+TEST(ThreadWorkQueue, JobForWhichNoThreadCanBeMadeRunsWhenOneCan) {
+  pthread_attr_t before;
+  ASSERT_EQ(pthread_getattr_default_np(&before), 0);
+  pthread_attr_t tooLarge = before;
+  ASSERT_EQ(pthread_attr_setstacksize(&tooLarge, std::size_t{1} << 60), 0);
+  SdEventMainLoop loop;
+  ThreadWorkQueue queue("test", loop);
+  bool done = false;
+  ASSERT_EQ(pthread_setattr_default_np(&tooLarge), 0);
+  queue.async([&] {
+    loop.post([&] {
+      done = true;
+      loop.quit();
+    });
+  });
+  ASSERT_EQ(pthread_setattr_default_np(&before), 0);
+  const auto bound = loop.every(kBound, std::chrono::milliseconds(1), [&loop] { loop.quit(); });
+  loop.run();
+  EXPECT_TRUE(done);
+}
+
+TEST(ThreadWorkQueue, UnusedQueueEndsAtOnce) {
+  SdEventMainLoop loop;
+  const ThreadWorkQueue queue("test", loop);
+}
 
 }  // namespace
 }  // namespace nimbo

@@ -73,7 +73,7 @@ class UpdateOverHttps : public HttpClientTest {
   }
 
   Publisher publisher;
-  ThreadWorkQueue queue{"Nimbo.utility"};
+  ThreadWorkQueue queue{"Nimbo.utility", loop};
   SystemClock clock;
   FakeUserDefaultsDomains domains;
   FakeUserDefaults defaults{domains, "com.quellwerk.Nimbo"};

@@ -182,7 +182,7 @@ class ClaudeUsageReaderTerminalTest : public ClaudeUsageTerminalTest {
   FakeMainLoop loop;
   std::optional<UsageOutcome> outcome;
   int desktopReads = 0;
-  ThreadWorkQueue queue{"claude"};  // ends first: its jobs use the others
+  ThreadWorkQueue queue{"claude", loop};  // ends first: its jobs use the others
 };
 
 TEST_F(ClaudeUsageReaderTerminalTest, ScreenArrivesOnTheMainLoop) {

@@ -10,7 +10,7 @@
 
 namespace nimbo {
 
-ThreadWorkQueue::ThreadWorkQueue(std::string label) : label_(std::move(label)) {}
+ThreadWorkQueue::ThreadWorkQueue(std::string label, MainLoop& loop) : label_(std::move(label)), loop_(loop) {}
 
 ThreadWorkQueue::~ThreadWorkQueue() {
   {
@@ -29,14 +29,27 @@ bool ThreadWorkQueue::endBy(std::chrono::steady_clock::time_point deadline) {
 void ThreadWorkQueue::async(std::function<void()> job) {
   const std::lock_guard lock(mutex_);
   jobs_.push_back(std::move(job));
+  startThread();
+}
+
+// Under mutex_.
+void ThreadWorkQueue::startThread() {
   if (working_ || stopping_) return;
   if (thread_.joinable()) thread_.join();  // which does not wait, as that one needs the mutex no more
   try {
     thread_ = std::thread([this] { work(); });
     working_ = true;
   } catch (const std::system_error&) {
-    // No thread can be made now: the job waits for the next one.
+    loop_.post(lifetime_.guard([this] { retry(); }));
   }
+}
+
+void ThreadWorkQueue::retry() {
+  retry_ = loop_.every(std::chrono::seconds(1), std::chrono::milliseconds(250), [this] {
+    retry_.reset();
+    const std::lock_guard lock(mutex_);
+    startThread();
+  });
 }
 
 void ThreadWorkQueue::work() {

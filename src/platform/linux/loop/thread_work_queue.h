@@ -8,16 +8,18 @@
 #include <string>
 #include <thread>
 
+#include "base/lifetime.h"
+#include "base/subscription.h"
 #include "platform/main_loop.h"
 
 namespace nimbo {
 
 /// One thread at nice 10 that ends when it has done all jobs, so that a queue without work costs nothing.
-/// Where no thread can be made, a job waits for the next one to be given.
+/// Where no thread can be made, jobs wait until one can.
 class ThreadWorkQueue final : public WorkQueue {
  public:
-  /// `label` names the thread; the kernel keeps its first 15 bytes.
-  explicit ThreadWorkQueue(std::string label);
+  /// `label` names the thread; the kernel keeps its first 15 bytes. `loop` outlives the queue.
+  ThreadWorkQueue(std::string label, MainLoop& loop);
   ~ThreadWorkQueue() override;
   ThreadWorkQueue(const ThreadWorkQueue&) = delete;
   ThreadWorkQueue& operator=(const ThreadWorkQueue&) = delete;
@@ -28,15 +30,20 @@ class ThreadWorkQueue final : public WorkQueue {
   [[nodiscard]] bool endBy(std::chrono::steady_clock::time_point deadline);
 
  private:
+  void startThread();
+  void retry();
   void work();
 
   const std::string label_;
+  MainLoop& loop_;
   std::mutex mutex_;
   std::deque<std::function<void()>> jobs_;  // guarded by mutex_
   bool working_ = false;                    // guarded by mutex_; else the thread takes no more jobs
   std::condition_variable idle_;            // when working_ has become false
   bool stopping_ = false;                   // guarded by mutex_
   std::thread thread_;                      // guarded by mutex_ until stopping_
+  Subscription retry_;                      // main thread
+  Lifetime lifetime_;
 };
 
 }  // namespace nimbo
