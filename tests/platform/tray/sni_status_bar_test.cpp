@@ -2,10 +2,15 @@
 #include "platform/linux/tray/sni_status_bar.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
 
+#include <filesystem>
+#include <map>
 #include <memory>
 #include <optional>
 #include <set>
+#include <string>
 
 #include "platform/linux/bus/sd_bus_connection.h"
 #include "platform/linux/tray/panel_appearance.h"
@@ -54,6 +59,16 @@ class SniStatusBarTest : public ::testing::Test {
     return host->callItem(name, member, [x, y](sd_bus_message* call) { sd_bus_message_append(call, "ii", x, y); });
   }
 
+  /// Each with what it is open on.
+  static std::map<int, std::string> descriptors() {
+    std::map<int, std::string> open;
+    std::error_code gone;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+      open[std::stoi(entry.path().filename())] = std::filesystem::read_symlink(entry, gone);
+    }
+    return open;
+  }
+
   PrivateBus bus;
   BusLoop loop;
   SdBusConnection session{loop.main().event(), bus.address()};
@@ -65,6 +80,32 @@ class SniStatusBarTest : public ::testing::Test {
   std::unique_ptr<StatusItem> item;
   std::vector<StatusClick> clicks;
 };
+
+TEST_F(SniStatusBarTest, ItemWhoseConnectionEndsComesBack) {
+  makeBar();
+  host.emplace(loop, bus.address());
+  auto before = descriptors();
+  shown();
+  for (const auto& [number, file] : descriptors()) {
+    if (before[number] != file) ::shutdown(number, SHUT_RDWR);
+  }
+  ASSERT_TRUE(host->waitForItems(2));
+  EXPECT_EQ(host->text(host->registered.at(1), "Id"), "nimbo-awake");
+  ASSERT_TRUE(click(host->registered.at(1), "Activate", 1300, 10));
+  EXPECT_EQ(clicks.size(), 1U);
+}
+
+TEST_F(SniStatusBarTest, ItemThatCannotConnectAtFirstComesLater) {
+  host.emplace(loop, bus.address());
+  makeBar();
+  rlimit before{};
+  ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
+  const rlimit none{3, before.rlim_max};
+  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+  item = statusBar->makeItem({"nimbo-awake"}, content(), {});
+  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
+  EXPECT_TRUE(host->waitForItems(1));
+}
 
 TEST_F(SniStatusBarTest, TwoItemsAreTwoConnections) {
   shown();

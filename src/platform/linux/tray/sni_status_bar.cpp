@@ -29,7 +29,7 @@ std::unique_ptr<BusNameWatch> SniStatusBar::followSwaybar(sd_bus* session) {
 
 std::unique_ptr<StatusItem> SniStatusBar::makeItem(StatusItemName name, StatusItemContent content,
                                                    StatusItemHandlers handlers) {
-  return std::make_unique<SniStatusItem>(loop_.event(), address_, SniStatusItem::Setup{std::move(name), host_},
+  return std::make_unique<SniStatusItem>(loop_, address_, SniStatusItem::Setup{std::move(name), host_},
                                          std::move(content), std::move(handlers), panel_, tray_);
 }
 

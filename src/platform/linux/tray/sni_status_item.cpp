@@ -2,6 +2,7 @@
 #include "platform/linux/tray/sni_status_item.h"
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 #include "base/text.h"
@@ -16,6 +17,9 @@ namespace {
 constexpr const char* kPath = "/StatusNotifierItem";
 constexpr const char* kInterface = "org.kde.StatusNotifierItem";
 constexpr const char* kWatcher = "org.kde.StatusNotifierWatcher";
+
+constexpr std::chrono::seconds kRetry{2};
+constexpr std::chrono::milliseconds kRetryLeeway{500};
 
 /// Pixels; the sizes of panels at scale 1 and 2. Hosts scale between them.
 constexpr int kIconSides[] = {16, 22, 24, 32, 44, 48, 64};
@@ -107,32 +111,50 @@ const sd_bus_vtable* SniStatusItem::table(bool labelled) {
   return labelled ? kLabelled.data() : kPlain.data();
 }
 
-SniStatusItem::SniStatusItem(sd_event* event, const std::string& busAddress, Setup setup, StatusItemContent content,
+SniStatusItem::Wire::Wire(SniStatusItem& item)
+    : connection(item.loop_.event(), item.busAddress_, [&item] { item.connectLater(); }),
+      menu(connection.get(), item.handlers_),
+      object(addObject(connection.get(), kPath, kInterface, table(item.labelled_), &item)) {}
+
+SniStatusItem::SniStatusItem(SdEventMainLoop& loop, std::string busAddress, Setup setup, StatusItemContent content,
                              StatusItemHandlers handlers, PanelAppearance& panel, TrayWatch& tray)
-    : setup_(std::move(setup)),
+    : loop_(loop),
+      busAddress_(std::move(busAddress)),
+      setup_(std::move(setup)),
       content_(std::move(content)),
       handlers_(setup_.host.clickOpensMenu ? withDashboardEntry(std::move(handlers)) : std::move(handlers)),
       panel_(panel),
       labelled_(setup_.host.showsLabels && content_.title),
-      connection_(event, busAddress),
-      menu_(connection_.get(), handlers_) {
-  if (connection_.get() == nullptr) return;
-  object_ = addObject(connection_.get(), kPath, kInterface, table(labelled_), this);
+      tray_(tray) {
+  connect();
   panelObserver_ = panel.observe([this] { emit("NewIcon"); });
-  turns_ = tray.attend([this](const std::string& owner) { registerWith(owner); });
+}
+
+void SniStatusItem::connect() {
+  retry_.reset();
+  wire_.emplace(*this);
+  if (bus() == nullptr) return connectLater();
+  turns_ = tray_.attend([this](const std::string& owner) { registerWith(owner); });
+}
+
+// Not at once: what took the connection may still be there.
+void SniStatusItem::connectLater() {
+  turns_.reset();
+  announced_ = false;
+  retry_ = loop_.every(kRetry, kRetryLeeway, [this] { connect(); });
 }
 
 void SniStatusItem::registerWith(const std::string& tray) {
-  registration_.reset();
+  wire_->registration.reset();
   announced_ = !tray.empty();
   if (!announced_) return;
   const BusMethod method{tray.c_str(), "/StatusNotifierWatcher", kWatcher, "RegisterStatusNotifierItem"};
   // A path stands for this connection. A tray that refuses is gone or broken; the next one is registered with.
-  registration_ = callAsync(methodCall(connection_.get(), method, kPath), [](sd_bus_message*) {});
+  wire_->registration = callAsync(methodCall(bus(), method, kPath), [](sd_bus_message*) {});
 }
 
 void SniStatusItem::emit(const char* signal) {
-  if (announced_) sd_bus_emit_signal(connection_.get(), kPath, kInterface, signal, "");
+  if (announced_) sd_bus_emit_signal(bus(), kPath, kInterface, signal, "");
 }
 
 void SniStatusItem::setContent(const StatusItemContent& content) {
@@ -151,10 +173,10 @@ void SniStatusItem::setContent(const StatusItemContent& content) {
   }
   if (labelled_ && content.title != before.title) {
     const std::string text = labelText(content);
-    sd_bus_emit_signal(connection_.get(), kPath, kInterface, "XAyatanaNewLabel", "ss", text.c_str(), text.c_str());
+    sd_bus_emit_signal(bus(), kPath, kInterface, "XAyatanaNewLabel", "ss", text.c_str(), text.c_str());
     changed.insert(changed.end(), {"XAyatanaLabel", "XAyatanaLabelGuide"});
   }
-  emitChanged(connection_.get(), kPath, kInterface, std::move(changed));
+  emitChanged(bus(), kPath, kInterface, std::move(changed));
 }
 
 void SniStatusItem::setHighlighted(bool highlighted) {
