@@ -220,7 +220,7 @@ class LinuxPlatformServices final : public PlatformServices {
   XdgWidgetCenter widgetCenter_{session_.get(), folders_.data};
   PanelAppearance panel_{{session_.get(), workspace_, plasmaColors_}, desktop_};
   SniStatusBar statusBar_{loop_, {session_.get(), sessionAddress_}, desktop_, panel_};
-  LogindSystemSleep systemSleep_{system_.get()};
+  LogindSystemSleep systemSleep_{system_.get(), loop_};
 
   const X11ScreenMaker makeX11Screen_ = x11ScreenFromModule(modules_, x11Display(environment_));
   DesktopAssertionClient assertionClient_{

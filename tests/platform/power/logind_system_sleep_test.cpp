@@ -38,7 +38,7 @@ class LogindSystemSleepTest : public ::testing::Test {
   BusLoop loop;
   std::optional<FakeLogind> logind;
   SdBusConnection system{loop.event(), bus.address()};
-  LogindSystemSleep sleep{system.get()};
+  LogindSystemSleep sleep{system.get(), loop.main()};
   Subscription observer;
   Log events;
 };
@@ -52,6 +52,15 @@ TEST_F(LogindSystemSleepTest, DelayLockIsHeldWhileSomebodyObserves) {
   EXPECT_EQ(logind->locks[0].who, "Nimbo");
   EXPECT_EQ(logind->locks[0].mode, "delay");
   EXPECT_FALSE(logind->locks[0].why.empty());
+}
+
+TEST_F(LogindSystemSleepTest, LockThatWasRefusedIsAskedForAgain) {
+  logind->refuses = true;
+  observe();
+  settle();
+  EXPECT_TRUE(logind->locks.empty());
+  logind->refuses = false;
+  EXPECT_TRUE(heldBecomes(1));
 }
 
 TEST_F(LogindSystemSleepTest, SleepIsToldBeforeTheLockIsLetGo) {
@@ -169,7 +178,7 @@ TEST_F(LogindSystemSleepTest, EndedSubscriptionHearsNothing) {
 
 TEST_F(LogindSystemSleepTest, DestroyingItLetsTheLockGo) {
   {
-    LogindSystemSleep brief(system.get());
+    LogindSystemSleep brief(system.get(), loop.main());
     const auto subscription = brief.observe([] {}, [] {});
     ASSERT_TRUE(heldBecomes(1));
   }
@@ -177,7 +186,7 @@ TEST_F(LogindSystemSleepTest, DestroyingItLetsTheLockGo) {
 }
 
 TEST_F(LogindSystemSleepTest, WithoutABusNothingIsEverTold) {
-  LogindSystemSleep deaf(nullptr);
+  LogindSystemSleep deaf(nullptr, loop.main());
   const auto subscription =
       deaf.observe([this] { events.emplace_back("sleep"); }, [this] { events.emplace_back("wake"); });
   EXPECT_TRUE(static_cast<bool>(subscription));

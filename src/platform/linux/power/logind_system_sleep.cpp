@@ -3,6 +3,7 @@
 
 #include <fcntl.h>
 
+#include <chrono>
 #include <utility>
 
 #include "platform/linux/bus/sd_bus_calls.h"
@@ -13,6 +14,9 @@ namespace {
 constexpr const char* kLogind = "org.freedesktop.login1";
 constexpr const char* kPath = "/org/freedesktop/login1";
 constexpr const char* kManager = "org.freedesktop.login1.Manager";
+
+constexpr std::chrono::seconds kLockRetry{2};
+constexpr std::chrono::milliseconds kLockRetryLeeway{500};
 
 }  // namespace
 
@@ -42,12 +46,14 @@ void LogindSystemSleep::start() {
 }
 
 void LogindSystemSleep::takeLock() {
+  retry_.reset();
   const BusMessage call = methodCall(system_, {kLogind, kPath, kManager, "Inhibit"}, "sleep", "Nimbo",
                                      "Nimbo pauses its readings", "delay");
   inhibit_ = callAsync(call, [this](sd_bus_message* reply) {
     int descriptor = -1;
-    if (isError(reply) || sd_bus_message_read(reply, "h", &descriptor) <= 0) return;
-    lock_.reset(::fcntl(descriptor, F_DUPFD_CLOEXEC, 3));
+    const bool granted = !isError(reply) && sd_bus_message_read(reply, "h", &descriptor) > 0;
+    lock_.reset(granted ? ::fcntl(descriptor, F_DUPFD_CLOEXEC, 3) : -1);
+    if (!lock_) retry_ = loop_.every(kLockRetry, kLockRetryLeeway, [this] { takeLock(); });
   });
 }
 
@@ -55,6 +61,7 @@ void LogindSystemSleep::prepareForSleep(bool sleeping) {
   if (std::exchange(sleeping_, sleeping) == sleeping) return;
   if (sleeping) {
     observers_.notify(Notice::willSleep);
+    retry_.reset();
     inhibit_.reset();  // a lock that arrives now would only hold the machine up
     lock_.reset();
   } else {
