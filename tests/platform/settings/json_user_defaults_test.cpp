@@ -212,6 +212,16 @@ TEST_F(JsonUserDefaultsTest, FailedWritesHoldForThisRunAndAreWrittenWithTheNextT
   EXPECT_EQ(json::parse(tree.read(fs::path("blocked") / kFile)), json({{"count", 6}, {"name", "now"}, {"on", true}}));
 }
 
+TEST_F(JsonUserDefaultsTest, WhatCouldNotBeWrittenIsWrittenAtTheEnd) {
+  tree.write("blocked", "a file where the folder should be");
+  {
+    TurningUserDefaults blocked(tree.path() / "blocked", kDomain);
+    blocked.set("count", 6);
+    fs::remove(tree.path() / "blocked");
+  }
+  EXPECT_EQ(json::parse(tree.read(fs::path("blocked") / kFile)), json({{"count", 6}}));
+}
+
 TEST_F(JsonUserDefaultsTest, ValueHeldForThisRunHidesTheStoredOneEvenWithAnotherType) {
   tree.write(fs::path(kFile) / "in-the-way", "");
   defaults.registerDefault("count", 5);

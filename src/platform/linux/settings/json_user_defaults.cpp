@@ -83,7 +83,7 @@ JsonUserDefaults::JsonUserDefaults(const std::filesystem::path& folder, std::str
 JsonUserDefaults::~JsonUserDefaults() {
   const std::scoped_lock lock(state_->writer);
   state_->ended = true;
-  if (state_->writing) (void)state_->file.update(state_->unsaved);
+  if (!state_->unsaved.empty()) (void)state_->file.update(state_->unsaved);
 }
 
 void JsonUserDefaults::registerDefault(std::string_view key, json value) { state_->registered[key] = std::move(value); }
