@@ -3,10 +3,13 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <functional>
 #include <memory>
+#include <new>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -209,7 +212,28 @@ int run(const std::vector<std::string>& arguments) {
       [&arguments](PlatformServices& platform) { return runMenuBar(platform, launchLinks(arguments)); });
 }
 
+/// What the system refuses and nothing can do without, such as memory, ends the program with a line on why. Whatever
+/// was held goes with the process.
+[[noreturn]] void endForWant() {
+  const auto end = [](const char* want) {
+    for (const char* const part : {"nimbo: ", want, "\n"}) std::fputs(part, stderr);
+    std::_Exit(EXIT_FAILURE);
+  };
+  try {
+    if (const auto thrown = std::current_exception()) std::rethrow_exception(thrown);
+  } catch (const std::bad_alloc&) {
+    end("out of memory");
+  } catch (const std::system_error& error) {
+    end(error.what());
+  } catch (...) {  // a fault of our own
+  }
+  std::abort();
+}
+
 }  // namespace
 }  // namespace nimbo
 
-int main(int argc, char** argv) { return nimbo::run({argv, argv + argc}); }
+int main(int argc, char** argv) {
+  std::set_terminate(nimbo::endForWant);
+  return nimbo::run({argv, argv + argc});
+}
