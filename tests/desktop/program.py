@@ -20,11 +20,11 @@ DASHBOARD_WIDTH, DASHBOARD_HEIGHT = 340, 278  # at least
 
 
 class Program:
-    def __init__(self, session, *arguments):
+    def __init__(self, session, *arguments, command=(BINARY,)):
         self.session = session
         descriptor, self.stderr = tempfile.mkstemp(prefix="stderr-", dir=session.folder)
         with os.fdopen(descriptor) as stream:
-            self.child = session.start([BINARY, *arguments], stdout=subprocess.DEVNULL, stderr=stream)
+            self.child = session.start([*command, *arguments], stdout=subprocess.DEVNULL, stderr=stream)
 
     @property
     def pid(self):
