@@ -2,6 +2,7 @@
 #include "usage/codex/codex_credential_file.h"
 
 #include <cstddef>
+#include <new>
 #include <string_view>
 #include <utility>
 
@@ -28,15 +29,31 @@ constexpr std::size_t kMaximumBytes = 1U << 20;
 // stack. The parser's own check of the encoding reads on behind a text that ends inside a character.
 constexpr unsigned kParsing = rapidjson::kParseInsituFlag | rapidjson::kParseIterativeFlag;
 
-std::optional<std::string_view> textAt(const char* place, const rapidjson::Document& file) {
-  const auto* const value = rapidjson::Pointer(place).Get(file);
+/// Throws, as all else here does; the library would go on with a null pointer.
+struct Allocator : rapidjson::CrtAllocator {
+  void* Malloc(std::size_t size) { return given(CrtAllocator::Malloc(size), size); }
+  void* Realloc(void* before, std::size_t sizeBefore, std::size_t size) {
+    return given(CrtAllocator::Realloc(before, sizeBefore, size), size);
+  }
+
+ private:
+  static void* given(void* memory, std::size_t size) {
+    if (memory == nullptr && size != 0) throw std::bad_alloc();
+    return memory;
+  }
+};
+using Document = rapidjson::GenericDocument<rapidjson::UTF8<>, rapidjson::MemoryPoolAllocator<Allocator>, Allocator>;
+using Pointer = rapidjson::GenericPointer<Document::ValueType, Allocator>;
+
+std::optional<std::string_view> textAt(const char* place, const Document& file) {
+  const auto* const value = Pointer(place).Get(file);
   if (value == nullptr || !value->IsString()) return std::nullopt;
   return std::string_view(value->GetString(), value->GetStringLength());
 }
 
 // Compared as numbers of seconds, because a file may claim any instant.
-bool isExpired(const rapidjson::Document& claudeFile, UsageTime now) {
-  const auto* const milliseconds = rapidjson::Pointer("/claudeAiOauth/expiresAt").Get(claudeFile);
+bool isExpired(const Document& claudeFile, UsageTime now) {
+  const auto* const milliseconds = Pointer("/claudeAiOauth/expiresAt").Get(claudeFile);
   if (milliseconds == nullptr || !milliseconds->IsNumber()) return false;
   const std::chrono::duration<double> sinceEpoch = now.time_since_epoch();
   return milliseconds->GetDouble() / 1000 <= sinceEpoch.count();
@@ -63,7 +80,7 @@ UsageCredentialReader::Reader codexCredentialReader(std::filesystem::path file, 
 
 UsageCredentialReader::Outcome decodeCredentials(Secret bytes, UsageProvider provider, UsageTime now) {
   const bool isClaude = provider == UsageProvider::claude;
-  rapidjson::Document file;
+  Document file;
   if (!isUtf8(bytes.view()) || file.ParseInsitu<kParsing>(bytes.data()).HasParseError() || !file.IsObject()) {
     return tl::unexpected(UsageError{usage_messages::signInUnreadable(provider)});
   }
