@@ -151,6 +151,7 @@ void SniStatusItem::registerWith(const std::string& tray) {
   const BusMethod method{tray.c_str(), "/StatusNotifierWatcher", kWatcher, "RegisterStatusNotifierItem"};
   // A path stands for this connection. A tray that refuses is gone or broken; the next one is registered with.
   wire_->registration = callAsync(methodCall(bus(), method, kPath), [](sd_bus_message*) {});
+  if (!wire_->registration) connectLater();  // it could not be sent
 }
 
 void SniStatusItem::emit(const char* signal) {
