@@ -10,6 +10,7 @@
 #include <chrono>
 #include <cstddef>
 #include <memory>
+#include <system_error>
 #include <utility>
 
 #include "platform/linux/files/unique_fd.h"
@@ -38,7 +39,11 @@ class RouteWatch {
  public:
   RouteWatch(MainLoop& loop, std::chrono::milliseconds settling, std::function<void()> connected)
       : loop_(loop), settlingTime_(settling), connected_(std::move(connected)), socket_(routeSocket()) {
-    if (socket_) readable_ = loop_.watch(socket_.get(), [this] { receive(); });
+    if (!socket_) return;
+    try {
+      readable_ = loop_.watch(socket_.get(), [this] { receive(); });
+    } catch (const std::system_error&) {  // then nothing is told, as without a socket
+    }
   }
 
  private:
