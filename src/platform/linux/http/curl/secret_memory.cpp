@@ -24,7 +24,7 @@ void* allocate(std::size_t bytes) {
   std::size_t all = 0;
   if (__builtin_add_overflow(bytes, sizeof(Prefix), &all)) return nullptr;
   void* const pages = ::mmap(nullptr, all, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-  if (pages == MAP_FAILED) return nullptr;
+  if (pages == MAP_FAILED) throw std::bad_alloc();
   ::madvise(pages, all, MADV_DONTDUMP);
   return new (pages) Prefix{bytes} + 1;
 }
