@@ -75,7 +75,7 @@ TEST(SecretMemory, BehavesLikeTheCLibrarysAtTheEdges) {
   EXPECT_NE(fresh, nullptr);
   secret_memory::release(fresh);
   EXPECT_EQ(secret_memory::allocate(SIZE_MAX), nullptr);
-  EXPECT_EQ(secret_memory::allocate(SIZE_MAX / 2), nullptr);
+  EXPECT_THROW((void)secret_memory::allocate(SIZE_MAX / 2), std::bad_alloc);
   EXPECT_EQ(secret_memory::allocateZeroed(SIZE_MAX / 2, 3), nullptr);
   char* const copy = secret_memory::duplicate("text");
   EXPECT_STREQ(copy, "text");

@@ -53,8 +53,14 @@ void LogindSystemSleep::takeLock() {
     int descriptor = -1;
     const bool granted = !isError(reply) && sd_bus_message_read(reply, "h", &descriptor) > 0;
     lock_.reset(granted ? ::fcntl(descriptor, F_DUPFD_CLOEXEC, 3) : -1);
-    if (!lock_) retry_ = loop_.every(kLockRetry, kLockRetryLeeway, [this] { takeLock(); });
+    if (!lock_) takeLockLater();
   });
+  if (!inhibit_) takeLockLater();  // it could not be sent
+}
+
+void LogindSystemSleep::takeLockLater() {
+  if (sd_bus_is_open(system_) <= 0) return;  // and never will be again
+  retry_ = loop_.every(kLockRetry, kLockRetryLeeway, [this] { takeLock(); });
 }
 
 void LogindSystemSleep::prepareForSleep(bool sleeping) {

@@ -27,6 +27,7 @@ class LogindSystemSleep final : public SystemSleep {
 
   void start();
   void takeLock();
+  void takeLockLater();
   void prepareForSleep(bool sleeping);
 
   sd_bus* const system_;
