@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: MIT
 import argparse
+import signal
 import sys
 import time
 
@@ -19,6 +20,8 @@ def main():
     deadline = time.monotonic() + arguments.hours * 3600 if arguments.hours else None
     over = lambda: deadline is not None and time.monotonic() >= deadline  # noqa: E731
 
+    for number in (signal.SIGINT, signal.SIGTERM):
+        signal.signal(number, signal.default_int_handler)
     runs = Runs(lambda text: print(text, flush=True))
     try:
         if arguments.only:

@@ -60,52 +60,43 @@ class Connection:
         self.server = socket.socket(socket.AF_UNIX)
         self.server.connect(real)
         self.sending = threading.Lock()  # to the client
+        self.ended = 0
         for work in (self._to_client, self._to_server):
             threading.Thread(target=self._until_closed, args=(work,), daemon=True).start()
 
     def _until_closed(self, work):
         with contextlib.suppress(OSError):
             work()
-        for end in (self.client, self.server):
-            with contextlib.suppress(OSError):
-                end.shutdown(socket.SHUT_RDWR)
+        with self.sending:
+            self.ended += 1
+            for end in (self.client, self.server):
+                with contextlib.suppress(OSError):
+                    end.shutdown(socket.SHUT_RDWR)
+                if self.ended == 2:
+                    end.close()
 
     @staticmethod
     def _pass_on(to, data, descriptors):
-        sent = socket.send_fds(to, [data], descriptors)
-        for descriptor in descriptors:
-            socket.close(descriptor)
+        try:
+            sent = socket.send_fds(to, [data], descriptors)
+        finally:
+            for descriptor in descriptors:
+                socket.close(descriptor)
         to.sendall(data[sent:])
 
     def _to_client(self):
-        while True:
-            data, descriptors, _flags, _address = socket.recv_fds(self.server, 65536, 16)
-            if not data:
-                return
+        for frame, descriptors in frames(self.server):
             with self.sending:
-                self._pass_on(self.client, data, descriptors)
+                self._pass_on(self.client, frame, descriptors)
 
     def _to_server(self):
-        waiting, authenticated = b"", False
-        while True:
-            data, descriptors, _flags, _address = socket.recv_fds(self.client, 65536, 16)
-            if not data:
-                return
-            waiting += data
-            if not authenticated:
-                authenticated = b"BEGIN\r\n" in waiting
-                end = waiting.index(b"BEGIN\r\n") + 7 if authenticated else len(waiting)
-                self._pass_on(self.server, waiting[:end], descriptors)
-                waiting, descriptors = waiting[end:], []
-            while (length := frame_length(waiting)) and len(waiting) >= length:
-                frame, waiting = waiting[:length], waiting[length:]
-                if self._lets_pass(frame):
-                    self._pass_on(self.server, frame, descriptors)
-                    descriptors = []
+        for frame, descriptors in frames(self.client):
+            if self._lets_pass(frame):
+                self._pass_on(self.server, frame, descriptors)
 
     def _lets_pass(self, frame):
         method_call = 1
-        kind = self.faults.next(frame) if frame[1] == method_call else None
+        kind = self.faults.next(frame) if frame[:1] == b"l" and frame[1] == method_call else None
         if kind == "silence" and b"Hello\0" in frame:
             return True  # a bus that greets nobody is none
         if kind == "closed":
@@ -120,7 +111,28 @@ class Connection:
         return kind is None
 
 
+def frames(end):
+    """What comes: the lines of the greeting, then messages, each with the descriptors that came with its end."""
+    waiting, held = b"", []
+    while True:
+        data, descriptors, _flags, _address = socket.recv_fds(end, 65536, 16)
+        if not data:
+            return
+        waiting, held, found = waiting + data, held + descriptors, []
+        while (length := frame_length(waiting)) and len(waiting) >= length:
+            found.append(waiting[:length])
+            waiting = waiting[length:]
+        for frame in found[:-1]:
+            yield frame, []
+        if found:
+            descriptors, held = held, []
+            yield found[-1], descriptors
+
+
 def frame_length(data):
+    """Zero while that is not known."""
+    if data[:1] not in (b"l", b"B") or data.startswith(b"BEGIN"):
+        return data.find(b"\n") + 1
     if len(data) < 16:
         return 0
     order = "<" if data[:1] == b"l" else ">"

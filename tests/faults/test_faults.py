@@ -1,0 +1,55 @@
+# SPDX-License-Identifier: MIT
+"""Some of the faults that scripts/soak tries, from all over each scenario."""
+
+import unittest
+
+from power_services import Logind
+from runs import Runs, parsed
+from world import SAID
+
+# One fault in so many; together they take less than a minute.
+DISTANCE = {"start": 67, "tick": 7, "awake": 29, "store": 97, "codex": 47, "quit": 53, "bus-start": 11, "bus-awake": 7}
+# Each of these was a fault of the program.
+FOUND = [
+    "claude clone3:EAGAIN:1",
+    "codex epoll_ctl:ENOSPC:1",
+    "codex mmap:ENOMEM:101",
+    "start connect:ECONNREFUSED:6",
+    "start epoll_create1:EMFILE:1",
+    "start recvmsg:ECONNRESET:41",
+]
+
+
+@unittest.skipIf(Logind.missing(), Logind.missing())
+class FaultTest(unittest.TestCase):
+    def setUp(self):
+        self.problems = []
+        self.runs = Runs(self.problems.append)
+        self.addCleanup(self.runs.close)
+
+    def tearDown(self):
+        self.assertEqual(self.problems, [])
+        self.assertGreater(sum(self.runs.injected.values()), 0)
+
+    def test_what_was_found_once_is_mended(self):
+        for words in FOUND:
+            name, faults = parsed(words)
+            self.runs.case(name, *faults)
+
+    def test_what_is_missing_is_said(self):
+        for words in SAID:
+            name, faults = parsed(words)
+            self.runs.case(name, *faults)
+        self.assertEqual(sum(self.runs.injected.values()), len(SAID))
+
+
+def sweep(name):
+    return lambda test: test.runs.sweep([name], DISTANCE[name])
+
+
+for scenario in DISTANCE:
+    setattr(FaultTest, f"test_{scenario.replace('-', '_')}_bears_faults", sweep(scenario))
+
+
+if __name__ == "__main__":
+    unittest.main()
