@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
+#include <new>
 
 #include "platform/linux/http/curl/certificate_store.h"
 #include "platform/linux/http/curl/secret_memory.h"
