@@ -208,7 +208,6 @@ class LinuxPlatformServices final : public PlatformServices {
   SignalTermination termination_{loop_};
   // A session that has lost its bus is over.
   SdBusConnection session_{loop_.event(), sessionAddress_, [this] { loop_.quit(); }};
-  SdBusConnection system_{loop_.event(), systemAddress_};
   DbusApplicationInstance instance_{session_};
   DbusRemoteControl remoteControl_{session_.get()};
   PlasmaColors plasmaColors_{loop_, {folders_.config, dataFolders(environment_.variables, folders_)}};
@@ -220,11 +219,11 @@ class LinuxPlatformServices final : public PlatformServices {
   XdgWidgetCenter widgetCenter_{session_.get(), folders_.data};
   PanelAppearance panel_{{session_.get(), workspace_, plasmaColors_}, desktop_};
   SniStatusBar statusBar_{loop_, {session_.get(), sessionAddress_}, desktop_, panel_};
-  LogindSystemSleep systemSleep_{system_.get(), loop_};
+  LogindSystemSleep systemSleep_{{loop_.event(), loop_}, systemAddress_};
 
   const X11ScreenMaker makeX11Screen_ = x11ScreenFromModule(modules_, x11Display(environment_));
   DesktopAssertionClient assertionClient_{
-      {{loop_.event(), loop_}, sessionAddress_, systemAddress_, makeX11Screen_, system_.get()}};
+      {{loop_.event(), loop_}, sessionAddress_, systemAddress_, makeX11Screen_, systemSleep_.bus()}};
   DesktopDisplayPower displayPower_{
       loop_,
       session_.get(),

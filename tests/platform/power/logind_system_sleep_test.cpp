@@ -3,13 +3,17 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <optional>
 
+#include "support/fake_main_loop.h"
 #include "support/services/fake_logind.h"
 #include "support/services/private_bus.h"
 
 namespace nimbo {
 namespace {
+
+using namespace std::chrono_literals;
 
 using Log = std::vector<std::string>;
 
@@ -29,16 +33,27 @@ class LogindSystemSleepTest : public ::testing::Test {
 
   /// What was announced so far has arrived afterwards.
   void settle() const {
+    for (int round = 0; round < 3; ++round) logind->peer.settle(uniqueName());
+  }
+
+  [[nodiscard]] const char* uniqueName() const {
     const char* name = nullptr;
-    sd_bus_get_unique_name(system.get(), &name);
-    for (int round = 0; round < 3; ++round) logind->peer.settle(name);
+    sd_bus_get_unique_name(sleep.bus(), &name);
+    return name;
+  }
+
+  void stopBus() {
+    settle();
+    bus.stop();
+    ASSERT_TRUE(loop.runUntil([this] { return !timers.repeatingTimers().empty(); }));
+    logind.reset();
   }
 
   PrivateBus bus;
   BusLoop loop;
   std::optional<FakeLogind> logind;
-  SdBusConnection system{loop.event(), bus.address()};
-  LogindSystemSleep sleep{system.get(), loop.main()};
+  FakeMainLoop timers;
+  LogindSystemSleep sleep{{loop.event(), timers}, bus.address()};
   Subscription observer;
   Log events;
 };
@@ -54,13 +69,23 @@ TEST_F(LogindSystemSleepTest, DelayLockIsHeldWhileSomebodyObserves) {
   EXPECT_FALSE(logind->locks[0].why.empty());
 }
 
-TEST_F(LogindSystemSleepTest, LockThatWasRefusedIsAskedForAgain) {
+TEST_F(LogindSystemSleepTest, LockThatWasRefusedIsAskedForAgainAtGrowingDistances) {
   logind->refuses = true;
   observe();
   settle();
-  EXPECT_TRUE(logind->locks.empty());
+  for (const auto distance : {2s, 4s, 8s, 16s, 32s, 64s, 128s, 256s, 300s, 300s}) {
+    const int asked = logind->asked;
+    timers.advance(distance - 1ms);
+    settle();
+    EXPECT_EQ(logind->asked, asked) << distance.count();
+    timers.advance(1ms);
+    settle();
+    EXPECT_EQ(logind->asked, asked + 1) << distance.count();
+  }
   logind->refuses = false;
+  timers.advance(300s);
   EXPECT_TRUE(heldBecomes(1));
+  EXPECT_TRUE(timers.repeatingTimers().empty());
 }
 
 TEST_F(LogindSystemSleepTest, SleepIsToldBeforeTheLockIsLetGo) {
@@ -75,11 +100,9 @@ TEST_F(LogindSystemSleepTest, StrangerWhoAnnouncesASleepIsNotBelieved) {
   observe();
   ASSERT_TRUE(heldBecomes(1));
   const BusPeer stranger(loop, bus.address());
-  const char* name = nullptr;
-  sd_bus_get_unique_name(system.get(), &name);
-  stranger.tell(name, "/org/freedesktop/login1", "org.freedesktop.login1.Manager", "PrepareForSleep",
+  stranger.tell(uniqueName(), "/org/freedesktop/login1", "org.freedesktop.login1.Manager", "PrepareForSleep",
                 [](sd_bus_message* signal) { sd_bus_message_append(signal, "b", 1); });
-  stranger.settle(name);
+  stranger.settle(uniqueName());
   EXPECT_EQ(events, Log{});
   EXPECT_EQ(logind->held(), 1);
 }
@@ -178,27 +201,49 @@ TEST_F(LogindSystemSleepTest, EndedSubscriptionHearsNothing) {
 
 TEST_F(LogindSystemSleepTest, DestroyingItLetsTheLockGo) {
   {
-    LogindSystemSleep brief(system.get(), loop.main());
+    LogindSystemSleep brief({loop.event(), timers}, bus.address());
     const auto subscription = brief.observe([] {}, [] {});
     ASSERT_TRUE(heldBecomes(1));
   }
   EXPECT_TRUE(heldBecomes(0));
 }
 
-TEST_F(LogindSystemSleepTest, WithoutABusNothingIsEverTold) {
-  LogindSystemSleep deaf(nullptr, loop.main());
-  const auto subscription =
-      deaf.observe([this] { events.emplace_back("sleep"); }, [this] { events.emplace_back("wake"); });
-  EXPECT_TRUE(static_cast<bool>(subscription));
-  EXPECT_EQ(events, Log{});
+TEST_F(LogindSystemSleepTest, BusThatIsNotThereYetIsFound) {
+  logind.reset();
+  bus.stop();
+  LogindSystemSleep early({loop.event(), timers}, bus.address());
+  const auto subscription = early.observe([this] { events.emplace_back("sleep"); }, [] {});
+  bus.start();
+  logind.emplace(loop, bus.address());
+  timers.advance(2s);
+  ASSERT_TRUE(heldBecomes(1));
+  logind->prepareForSleep(true);
+  ASSERT_TRUE(heldBecomes(0));
+  EXPECT_EQ(events, Log{"sleep"});
 }
 
-TEST_F(LogindSystemSleepTest, BusThatGoesAwayJustEndsTheNotices) {
+TEST_F(LogindSystemSleepTest, BusThatComesBackIsHeardAgain) {
   observe();
   ASSERT_TRUE(heldBecomes(1));
-  bus.stop();
-  EXPECT_TRUE(loop.runUntil([this] { return sd_bus_is_open(system.get()) <= 0; }));
+  stopBus();
+  timers.advance(2s);  // in vain
+  bus.start();
+  logind.emplace(loop, bus.address());
+  timers.advance(4s);
+  ASSERT_TRUE(heldBecomes(1));
   EXPECT_EQ(events, Log{});
+  logind->prepareForSleep(true);
+  ASSERT_TRUE(heldBecomes(0));
+  EXPECT_EQ(events, Log{"sleep, held"});
+}
+
+TEST_F(LogindSystemSleepTest, BusThatIsLostDuringSleepMeansAwake) {
+  observe();
+  ASSERT_TRUE(heldBecomes(1));
+  logind->prepareForSleep(true);
+  ASSERT_TRUE(heldBecomes(0));
+  stopBus();
+  EXPECT_EQ(events, (Log{"sleep, held", "wake"}));
 }
 
 }  // namespace

@@ -52,6 +52,7 @@ class FakeLogind {
 
   BusPeer peer;
   std::vector<Lock> locks;  ///< all that were ever given
+  int asked = 0;            ///< how often for a lock
   bool refuses = false;
 
  private:
@@ -60,6 +61,7 @@ class FakeLogind {
 
   static int onInhibit(sd_bus_message* call, void* self, sd_bus_error* error) {
     auto& fake = *static_cast<FakeLogind*>(self);
+    ++fake.asked;
     if (fake.refuses) return sd_bus_error_set(error, "org.freedesktop.DBus.Error.AccessDenied", "no");
     const char* what = nullptr;
     const char* who = nullptr;

@@ -9,6 +9,7 @@
 
 #include <array>
 #include <cerrno>
+#include <filesystem>
 #include <stdexcept>
 #include <string>
 #include <system_error>
@@ -20,10 +21,20 @@ namespace nimbo {
 /// A message bus of its own for one test, with nobody on it and nothing to start.
 class PrivateBus {
  public:
-  PrivateBus() {
+  PrivateBus() { start(); }
+  ~PrivateBus() { stop(); }
+  PrivateBus(const PrivateBus&) = delete;
+  PrivateBus& operator=(const PrivateBus&) = delete;
+
+  [[nodiscard]] const std::string& address() const { return address_; }
+
+  /// Begins anew under the same address, with nobody on it.
+  void start() {
     const std::string config = folder_.write("bus.conf", kConfig).string();
     // In a folder of our own, because the daemon leaves its socket behind.
-    const std::string listen = "--address=unix:dir=" + folder_.path().string();
+    const std::filesystem::path socket = folder_.path() / "bus";
+    std::filesystem::remove(socket);
+    const std::string listen = "--address=unix:path=" + socket.string();
     std::array<int, 2> pipe{};
     if (::pipe(pipe.data()) != 0) throw std::system_error(errno, std::generic_category(), "pipe");
     pid_ = ::fork();
@@ -40,12 +51,6 @@ class PrivateBus {
     readAddress(pipe[0]);
     ::close(pipe[0]);
   }
-  ~PrivateBus() { stop(); }
-  PrivateBus(const PrivateBus&) = delete;
-  PrivateBus& operator=(const PrivateBus&) = delete;
-
-  [[nodiscard]] const std::string& address() const { return address_; }
-
   /// Ends the bus; whoever is connected is cut off.
   void stop() {
     if (pid_ <= 0) return;
@@ -75,9 +80,11 @@ class PrivateBus {
 )";
 
   void readAddress(int descriptor) {
+    address_.clear();
     char character = 0;
     while (::read(descriptor, &character, 1) == 1 && character != '\n') address_ += character;
     if (address_.empty()) throw std::runtime_error("dbus-daemon did not start");
+    address_.resize(address_.find(','));  // without its number, which is another after a new start
   }
 
   TemporaryTree folder_;

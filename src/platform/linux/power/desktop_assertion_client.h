@@ -25,7 +25,7 @@ class DesktopAssertionClient final : public AssertionClient {
     std::string sessionAddress;
     std::string systemAddress;
     X11ScreenMaker makeX11Screen;
-    sd_bus* system = nullptr;  ///< asked for systemd's version when there is time; outlives the client
+    sd_bus* system = nullptr;  ///< asked for systemd's version at the beginning, when there is time
   };
 
   explicit DesktopAssertionClient(Means means);

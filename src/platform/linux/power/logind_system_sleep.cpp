@@ -3,6 +3,7 @@
 
 #include <fcntl.h>
 
+#include <algorithm>
 #include <chrono>
 #include <utility>
 
@@ -15,28 +16,44 @@ constexpr const char* kLogind = "org.freedesktop.login1";
 constexpr const char* kPath = "/org/freedesktop/login1";
 constexpr const char* kManager = "org.freedesktop.login1.Manager";
 
-constexpr std::chrono::seconds kLockRetry{2};
-constexpr std::chrono::milliseconds kLockRetryLeeway{500};
+constexpr std::chrono::minutes kLongestRetry{5};
 
 }  // namespace
 
 Subscription LogindSystemSleep::observe(std::function<void()> willSleep, std::function<void()> didWake) {
-  if (system_ != nullptr && !logind_) start();
+  if (!logind_) start();
   return observers_.add([willSleep = std::move(willSleep), didWake = std::move(didWake)](Notice notice) {
     notice == Notice::willSleep ? willSleep() : didWake();
   });
 }
 
+// Not yet at once when it was lost: what took it may still be there.
+void LogindSystemSleep::connect() {
+  retry_.reset();
+  inhibit_.reset();
+  system_.emplace(loops_.event, address_, [this] { lost(); });
+  if (bus() == nullptr) return later(&LogindSystemSleep::connect);
+  if (logind_) start();
+}
+
+// Nobody is left to tell of the wake.
+void LogindSystemSleep::lost() {
+  owner_.clear();
+  prepareForSleep(false);
+  later(&LogindSystemSleep::connect);
+}
+
 void LogindSystemSleep::start() {
   prepareForSleep_ =
-      addMatch(system_, matchRule({kLogind, kPath, kManager, "PrepareForSleep"}), [this](sd_bus_message* signal) {
+      addMatch(bus(), matchRule({kLogind, kPath, kManager, "PrepareForSleep"}), [this](sd_bus_message* signal) {
         int sleeping = 0;
         if (isFrom(signal, owner_) && sd_bus_message_read(signal, "b", &sleeping) > 0) prepareForSleep(sleeping != 0);
       });
   // A logind that starts anew may have lost the lock, and it is not in the middle of a sleep.
-  logind_.emplace(system_, kLogind, [this](const std::string& owner) {
+  logind_.emplace(bus(), kLogind, [this](const std::string& owner) {
     owner_ = owner;
     if (owner.empty()) return;
+    distance_ = kFirstRetry;
     if (sleeping_) {
       prepareForSleep(false);
     } else {
@@ -47,20 +64,24 @@ void LogindSystemSleep::start() {
 
 void LogindSystemSleep::takeLock() {
   retry_.reset();
-  const BusMessage call = methodCall(system_, {kLogind, kPath, kManager, "Inhibit"}, "sleep", "Nimbo",
-                                     "Nimbo pauses its readings", "delay");
+  const BusMessage call =
+      methodCall(bus(), {kLogind, kPath, kManager, "Inhibit"}, "sleep", "Nimbo", "Nimbo pauses its readings", "delay");
   inhibit_ = callAsync(call, [this](sd_bus_message* reply) {
     int descriptor = -1;
     const bool granted = !isError(reply) && sd_bus_message_read(reply, "h", &descriptor) > 0;
     lock_.reset(granted ? ::fcntl(descriptor, F_DUPFD_CLOEXEC, 3) : -1);
-    if (!lock_) takeLockLater();
+    if (lock_) {
+      distance_ = kFirstRetry;
+    } else {
+      later(&LogindSystemSleep::takeLock);
+    }
   });
-  if (!inhibit_) takeLockLater();  // it could not be sent
+  if (!inhibit_) later(&LogindSystemSleep::takeLock);  // it could not be sent
 }
 
-void LogindSystemSleep::takeLockLater() {
-  if (sd_bus_is_open(system_) <= 0) return;  // and never will be again
-  retry_ = loop_.every(kLockRetry, kLockRetryLeeway, [this] { takeLock(); });
+void LogindSystemSleep::later(void (LogindSystemSleep::*action)()) {
+  retry_ = loops_.timers.every(distance_, distance_ / 4, [this, action] { (this->*action)(); });
+  distance_ = std::min<std::chrono::milliseconds>(distance_ * 2, kLongestRetry);
 }
 
 void LogindSystemSleep::prepareForSleep(bool sleeping) {

@@ -1,43 +1,59 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <chrono>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "base/observer_list.h"
 #include "base/subscription.h"
 #include "platform/linux/bus/bus_name_watch.h"
+#include "platform/linux/bus/sd_bus_connection.h"
 #include "platform/linux/files/unique_fd.h"
-#include "platform/main_loop.h"
+#include "platform/linux/power/inhibitors.h"
 #include "platform/system_events.h"
 
 namespace nimbo {
 
 /// Sleep and wake as systemd-logind (or elogind) announces them. While somebody observes, a delay
-/// lock makes the machine wait until everybody has been told that it is about to sleep.
+/// lock makes the machine wait until everybody has been told that it is about to sleep. A bus that cannot be
+/// reached or goes away is connected with again, at growing distances, as a refused lock is asked for again.
 class LogindSystemSleep final : public SystemSleep {
  public:
-  /// `system` may be null: then nothing is ever announced. `loop` outlives this.
-  LogindSystemSleep(sd_bus* system, MainLoop& loop) : system_(system), loop_(loop) {}
+  /// `loops` outlive this.
+  LogindSystemSleep(InhibitorLoops loops, std::string systemAddress)
+      : loops_(loops), address_(std::move(systemAddress)) {
+    connect();
+  }
+
+  /// The connection that stands now, for those who have a question; null without one.
+  [[nodiscard]] sd_bus* bus() const { return system_->get(); }
 
   [[nodiscard]] Subscription observe(std::function<void()> willSleep, std::function<void()> didWake) override;
 
  private:
   enum class Notice { willSleep, didWake };
 
+  void connect();
+  void lost();
   void start();
   void takeLock();
-  void takeLockLater();
+  void later(void (LogindSystemSleep::*action)());
   void prepareForSleep(bool sleeping);
 
-  sd_bus* const system_;
-  MainLoop& loop_;
+  static constexpr std::chrono::seconds kFirstRetry{2};
+
+  const InhibitorLoops loops_;
+  const std::string address_;
+  std::optional<SdBusConnection> system_;
   ObserverList<Notice> observers_;
   bool sleeping_ = false;
   UniqueFd lock_;
   std::string owner_;  ///< of logind's name
   BusSlot prepareForSleep_;
   BusSlot inhibit_;
+  std::chrono::milliseconds distance_ = kFirstRetry;  ///< until the next retry
   Subscription retry_;
   std::optional<BusNameWatch> logind_;
 };
