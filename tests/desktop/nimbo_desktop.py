@@ -91,7 +91,7 @@ BUS_CONFIGURATION = """
  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
 <busconfig>
   <type>session</type>
-  <listen>unix:dir={folder}</listen>
+  <listen>{address}</listen>
   <auth>EXTERNAL</auth>
   <servicedir>{services}</servicedir>
   <policy context="mandatory">
@@ -112,12 +112,20 @@ class Bus:
         for file in (pathlib.Path("/usr/share/dbus-1/services", f"{name}.service") for name in SERVICES):
             if file.exists():
                 shutil.copy(file, services)
-        configuration = pathlib.Path(env["HOME"]) / "bus.conf"
-        configuration.write_text(BUS_CONFIGURATION.format(services=services, folder=env["XDG_RUNTIME_DIR"]))
+        self.env = env
+        self.variable = "DBUS_SYSTEM_BUS_ADDRESS" if system else "DBUS_SESSION_BUS_ADDRESS"
+        self.socket = pathlib.Path(env["XDG_RUNTIME_DIR"]) / ("system-bus" if system else "session-bus")
+        self.address = f"unix:path={self.socket}"
+        self.configuration = self.socket.with_suffix(".conf")
+        self.configuration.write_text(BUS_CONFIGURATION.format(services=services, address=self.address))
+        self.start()
+
+    def start(self):
+        self.socket.unlink(missing_ok=True)
         read, write = os.pipe()
         self.daemon = Process(
-            ["dbus-daemon", f"--config-file={configuration}", "--nofork", f"--print-address={write}"],
-            env,
+            ["dbus-daemon", f"--config-file={self.configuration}", "--nofork", f"--print-address={write}"],
+            self.env,
             pass_fds=[write],
             # What the bus starts would write to the terminal, too.
             stdout=subprocess.DEVNULL,
@@ -125,8 +133,11 @@ class Bus:
         )
         os.close(write)
         with os.fdopen(read) as stream:
-            self.address = stream.readline().strip()
-        self.variable = "DBUS_SYSTEM_BUS_ADDRESS" if system else "DBUS_SESSION_BUS_ADDRESS"
+            stream.readline()
+
+    def stop(self):
+        """Whoever is connected is cut off; it may start again at the same address."""
+        self.daemon.end()
 
     def connect(self):
         return connect(self.address)
@@ -221,7 +232,7 @@ class Session:
 
     def _bus(self, system=False):
         bus = Bus(self.env, system)
-        self.stack.callback(bus.daemon.end)
+        self.stack.callback(bus.stop)
         self.env[bus.variable] = bus.address
         return bus
 

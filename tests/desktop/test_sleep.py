@@ -19,12 +19,12 @@ class SleepTest(DesktopTest):
     def setUp(self):
         super().setUp()
         self.session.settings(refreshInterval=2, monitorCPU=True)
-        self.system = self.session.system_bus.connect()
         self.start_logind()
         self.start()
         self.item = self.host.item("nimbo-memory")
 
     def start_logind(self):
+        self.system = self.session.system_bus.connect()
         self.logind = self.session.start(
             ["/usr/bin/python3", "-m", "dbusmock", "--system", "--template", "logind"],
             stdout=subprocess.DEVNULL,
@@ -100,6 +100,17 @@ class SleepTest(DesktopTest):
     def test_logind_that_restarts_is_picked_up(self):
         wait_until(lambda: self.inhibit_calls() == 1, "the inhibitor")
         self.logind.end()
+        self.start_logind()
+        wait_until(lambda: self.inhibit_calls() == 1, "the inhibitor of the new logind")
+        self.open()
+        self.prepare_for_sleep(True)
+        self.program.wait_for_no_dashboard()
+
+    def test_system_bus_that_comes_back_is_joined_again(self):
+        wait_until(lambda: self.inhibit_calls() == 1, "the inhibitor")
+        self.session.system_bus.stop()
+        self.logind.end()
+        self.session.system_bus.start()
         self.start_logind()
         wait_until(lambda: self.inhibit_calls() == 1, "the inhibitor of the new logind")
         self.open()

@@ -37,6 +37,8 @@ def digits_on(picture, side, count):
 
 
 class TrayTest(DesktopTest):
+    system_bus = True  # one that is not there would be waited for, with a timer
+
     def test_fresh_settings_show_the_ai_and_the_memory_item(self):
         self.start()
         self.host.wait_for_items(2)
@@ -206,7 +208,7 @@ class InstanceTest(DesktopTest):
         program = self.start()
         self.host.wait_for_items(2)
         self.host.stop()
-        self.session.bus.daemon.end()
+        self.session.bus.stop()
         self.assertEqual(program.wait_for_exit(), 0)
 
 
