@@ -8,11 +8,12 @@ import itertools
 import os
 import pathlib
 import re
+import shutil
 import signal
 import subprocess
 
 from bus import KINDS
-from nimbo_desktop import wait_until
+from nimbo_desktop import Process, wait_until
 
 # What the kernel may answer; "=0" is a call that is left out and returns 0, which is the end of a file, and what brk
 # says of a failure. Not here is what never happens: a socket that does not block is not interrupted.
@@ -90,6 +91,18 @@ class Fault:
 
 class Tracer:
     """strace, which makes the faults happen, in every thread and child; without any it counts."""
+
+    @staticmethod
+    def missing():
+        """Why no process can be traced here; empty when they can."""
+        if shutil.which("strace") is None:
+            return "there is no strace"
+        sleeper = Process(["sleep", "60"], os.environ)
+        tracer = Process(["strace", "-p", str(sleeper.pid)], os.environ, stderr=subprocess.PIPE, text=True)
+        answer = tracer.process.stderr.readline().strip()
+        tracer.end()
+        sleeper.end()
+        return "" if answer.endswith("attached") else f"processes may not be traced: {answer}"
 
     def __init__(self, folder, faults=()):
         self.log = folder / "strace.log"

@@ -16,7 +16,7 @@ class Runs:
 
     def __init__(self, tell=print):
         self.world, self.tell = None, tell
-        self.provider = None
+        self.scenario = None  # which the program was started for
         self.injected = collections.Counter()  # by scenario
         self.findings = []
         self.cases = {}
@@ -31,12 +31,12 @@ class Runs:
         if self.world and (self.world.bus_faults is not None) != scenario.on_bus:
             self.close()
         self.world = self.world or World(proxied=scenario.on_bus)
-        if self.world.runs and not scenario.starts and self.provider == scenario.provider:
+        if self.world.runs and not scenario.starts and self.scenario is scenario:
             return
         self.world.end()
+        self.scenario = scenario
         if scenario.starts:
             return
-        self.provider = scenario.provider
         self.world.begin(provider=scenario.provider)
         wait_until(lambda: len(self.world.host.items) == 2, "the program to begin")
         if not ends(scenario):
