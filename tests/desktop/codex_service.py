@@ -37,11 +37,18 @@ class CodexService:
     def __init__(self, session, answer):
         self.answer, self.requests = answer, []
         self._make_certificates(session.folder)
-        self.server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), self._handler())
-        self.server.daemon_threads = True
-        threading.Thread(target=self.server.serve_forever, daemon=True).start()
-        session.env["https_proxy"] = f"http://127.0.0.1:{self.server.server_port}"
+        self.port = 0
+        self.start()
+        session.env["https_proxy"] = f"http://127.0.0.1:{self.port}"
         session.env["SSL_CERT_FILE"] = str(session.folder / "authority.pem")
+
+    def start(self):
+        """After `close`, at the same port."""
+        self.server = http.server.ThreadingHTTPServer(("127.0.0.1", self.port), self._handler())
+        self.port = self.server.server_port
+        self.server.daemon_threads = True
+        self.server.handle_error = lambda *_: None  # of clients that go in the middle
+        threading.Thread(target=self.server.serve_forever, args=(0.05,), daemon=True).start()
 
     def close(self):
         self.server.shutdown()

@@ -367,13 +367,13 @@ class TrayHost:
 
     def __init__(self, session):
         self.session = session
-        self.connection = session.bus.connect()
         self.items = []
         self.registrations = 0
         self.watcher = None
         self.start()
 
     def start(self):
+        self.connection = self.session.bus.connect()
         info = Gio.DBusNodeInfo.new_for_xml(WATCHER_XML).interfaces[0]
         self.registration = self.connection.register_object(
             "/StatusNotifierWatcher", info, self._method, self._property, None
@@ -403,7 +403,6 @@ class TrayHost:
 
     def restart(self):
         self.stop()
-        self.connection = self.session.bus.connect()
         self.start()
 
     def _method(self, _connection, sender, _path, _interface, method, parameters, invocation):

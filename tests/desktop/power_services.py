@@ -36,7 +36,6 @@ class Logind:
 
     def __init__(self, session, configuration=""):
         self.session = session
-        self.connection = session.system_bus.connect()
         # What a process that has gone leaves in the folder is not gone with it, so the folder stays.
         self.state = session.folder / "logind"
         settings = self.state / "systemd" / "logind.conf.d" / "test.conf"
@@ -49,6 +48,7 @@ class Logind:
         self.start()
 
     def start(self):
+        self.connection = self.session.system_bus.connect()
         prepare = f"mount --bind {self.kernel} /sys/power; mount --bind {self.state} /run && exec {LOGIND}"
         arguments = ["unshare", *self.namespace(), "sh", "-c", prepare]
         self.daemon = Process(arguments, self.session.env, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)

@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: MIT
 import argparse
+import random
 import signal
 import sys
 import time
@@ -15,6 +16,8 @@ def main():
     parser.add_argument("--every", type=int, default=1, metavar="N", help="tries one fault in N")
     parser.add_argument("--first", type=int, default=0, metavar="N", help="begins with that one")
     parser.add_argument("--only", action="append", metavar="CASE", help="as a finding names it")
+    parser.add_argument("--rounds", type=int, metavar="N", help="parts of the world vanish and come back, so often")
+    parser.add_argument("--seed", type=int, default=random.randrange(10**6), help="of the rounds; a finding names it")
     arguments = parser.parse_args()
     names = arguments.scenario or list(SCENARIOS)
     deadline = time.monotonic() + arguments.hours * 3600 if arguments.hours else None
@@ -28,6 +31,8 @@ def main():
             for words in arguments.only:
                 name, faults = parsed(words)
                 runs.case(name, *faults)
+        elif arguments.rounds:
+            runs.vanish(arguments.rounds, arguments.seed, over)
         else:
             runs.sweep(names, arguments.every, arguments.first, over)
             while deadline is not None and not over():
@@ -38,7 +43,7 @@ def main():
         runs.close()
         for name, number in runs.injected.items():
             print(f"{name}: {number} faults, of {len(runs.cases.get(name, ()))} single ones")
-        print(f"{len(runs.injected)} scenarios, {sum(runs.injected.values())} faults, {len(runs.findings)} findings")
+        print(f"{runs.rounds} rounds, {len(runs.injected)} scenarios, {sum(runs.injected.values())} faults, {len(runs.findings)} findings")
     return 1 if runs.findings else 0
 
 

@@ -8,6 +8,7 @@ import random
 from bus import KINDS
 from faults import ERRORS, BusTracer, Fault, Tracer, let_go
 from nimbo_desktop import wait_until
+from vanishing import vanish
 from world import SAID, SCENARIOS, World, judge, said
 
 
@@ -18,6 +19,7 @@ class Runs:
         self.world, self.tell = None, tell
         self.scenario = None  # which the program was started for
         self.injected = collections.Counter()  # by scenario
+        self.rounds = 0
         self.findings = []
         self.cases = {}
 
@@ -27,16 +29,16 @@ class Runs:
         self.world = None
 
     def _ready(self, scenario):
-        """The program as the scenario wants it; none where that starts it."""
+        """The program as the scenario wants it; none where that starts it. Whether it is a new one."""
         if self.world and (self.world.bus_faults is not None) != scenario.on_bus:
             self.close()
         self.world = self.world or World(proxied=scenario.on_bus)
         if self.world.runs and not scenario.starts and self.scenario is scenario:
-            return
+            return False
         self.world.end()
         self.scenario = scenario
         if scenario.starts:
-            return
+            return True
         self.world.begin(provider=scenario.provider)
         wait_until(lambda: len(self.world.host.items) == 2, "the program to begin")
         if not ends(scenario):
@@ -45,6 +47,7 @@ class Runs:
                 judge(self.world, scenario, ())
             self.world.descriptors = None
             judge(self.world, scenario, ())
+        return True
 
     def _tracer(self, scenario, faults=()):
         return BusTracer(self.world.bus_faults, faults) if scenario.on_bus else Tracer(self.world.session.folder, faults)
@@ -111,6 +114,27 @@ class Runs:
                 if until():
                     return
                 self.case(name, fault)
+
+    def vanish(self, rounds, seed, until=lambda: False):
+        """Parts of the world vanish and come back, round after round in one life of the program."""
+        generator, scenario = random.Random(seed), SCENARIOS["codex"]
+        self.tell(f"seed {seed}")
+        for number in range(1, rounds + 1):
+            if until():
+                return
+            steps = []
+            try:
+                if self._ready(scenario):
+                    self.world.open_tab("resources")  # whose descriptors come and go
+                    wait_until(lambda: self.world.program.windows_pid, "the windows")
+                    self.world.descriptors = None
+                    judge(self.world, scenario, ())
+                vanish(self.world, scenario, generator, steps.append)
+                self.rounds += 1
+            except Exception as problem:  # whatever it is, it is a finding
+                self.findings.append(f"seed {seed}, round {number}")
+                self.tell(f"finding: round {number} of seed {seed}: {' '.join(steps)}\n  {type(problem).__name__}: {problem}")
+                self._give_up()
 
     def pair(self, names, generator=random):
         name = generator.choice(names)

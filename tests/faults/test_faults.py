@@ -20,6 +20,7 @@ FOUND = [
     "start epoll_create1:EMFILE:1",
     "start recvmsg:ECONNRESET:41",
 ]
+EVERYTHING = 7  # a seed by which all parts of the world are gone at once
 MISSING = Logind.missing() or Tracer.missing()
 
 
@@ -32,7 +33,7 @@ class FaultTest(unittest.TestCase):
 
     def tearDown(self):
         self.assertEqual(self.problems, [])
-        self.assertGreater(sum(self.runs.injected.values()), 0)
+        self.assertGreater(sum(self.runs.injected.values()) + self.runs.rounds, 0)
 
     def test_what_was_found_once_is_mended(self):
         for words in FOUND:
@@ -42,6 +43,9 @@ class FaultTest(unittest.TestCase):
     def test_what_is_missing_is_said(self):
         for name, faults in map(parsed, SAID):
             self.runs.case(name, *faults)
+
+    def test_parts_of_the_world_may_vanish(self):
+        self.runs.vanish(1, seed=EVERYTHING)
 
 
 def sweep(name):

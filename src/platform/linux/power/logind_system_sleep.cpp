@@ -69,12 +69,10 @@ void LogindSystemSleep::takeLock() {
   inhibit_ = callAsync(call, [this](sd_bus_message* reply) {
     int descriptor = -1;
     const bool granted = !isError(reply) && sd_bus_message_read(reply, "h", &descriptor) > 0;
-    lock_.reset(granted ? ::fcntl(descriptor, F_DUPFD_CLOEXEC, 3) : -1);
-    if (lock_) {
-      distance_ = kFirstRetry;
-    } else {
-      later(&LogindSystemSleep::takeLock);
-    }
+    UniqueFd lock(granted ? ::fcntl(descriptor, F_DUPFD_CLOEXEC, 3) : -1);
+    if (!lock) return later(&LogindSystemSleep::takeLock);
+    lock_ = std::move(lock);
+    distance_ = kFirstRetry;
   });
   if (!inhibit_) later(&LogindSystemSleep::takeLock);  // it could not be sent
 }
