@@ -75,6 +75,8 @@ class Fault:
 
     def option(self):
         action = f"retval={self.error[1:]}" if self.error.startswith("=") else f"error={self.error}"
+        if self.error == "delay":
+            action = "delay_enter=1000000"  # a second
         return f"inject={self.call}:{action}:when={self.when}"
 
     def __str__(self):

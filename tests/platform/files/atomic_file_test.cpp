@@ -4,10 +4,13 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <filesystem>
 #include <iterator>
+#include <random>
 #include <string>
 #include <utility>
 
@@ -41,6 +44,26 @@ TEST(AtomicFile, ReplacesTheOldVersionWholly) {
   EXPECT_FALSE(writeFileAtomically(tree.path() / "file", "new"));
   EXPECT_EQ(tree.read("file"), "new");
   EXPECT_EQ(fileCount(tree.path()), 1);
+}
+
+TEST(AtomicFile, KillAtAnyMomentLeavesAWholeVersion) {
+  constexpr int kKills = 200;
+  const TemporaryTree tree;
+  const fs::path file = tree.path() / "file";
+  const auto version = [](int number) { return std::string(20'000, static_cast<char>('a' + number % 26)); };
+  ASSERT_FALSE(writeFileAtomically(file, version(0)));
+  std::mt19937 random{std::random_device{}()};
+  for (int kill = 0; kill < kKills; ++kill) {
+    const pid_t writer = ::fork();
+    if (writer == 0) {
+      for (int number = kill;; ++number) (void)writeFileAtomically(file, version(number));
+    }
+    ::usleep(std::uniform_int_distribution(0U, 3000U)(random));
+    ::kill(writer, SIGKILL);
+    ::waitpid(writer, nullptr, 0);
+    const std::string text = tree.read("file");
+    ASSERT_EQ(text, version(text.empty() ? 0 : text.front() - 'a'));
+  }
 }
 
 TEST(AtomicFile, MakesMissingFoldersForTheUserAloneAndLeavesOldOnesAsTheyAre) {

@@ -77,6 +77,9 @@ Result<AtomicFile, std::error_code> AtomicFile::prepare(const fs::path& file, st
 std::error_code AtomicFile::commit() {
   if (std::rename(temporary_.get().c_str(), target_.c_str()) != 0) return lastError();
   (void)temporary_.detach();
+  // A power cut is not to bring the old version back. It may where this fails, but the new one is in place.
+  const UniqueFd folder(::open(target_.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (folder) ::fsync(folder.get());
   return {};
 }
 

@@ -64,6 +64,7 @@ JsonDomainFile::JsonDomainFile(const fs::path& folder, std::string_view domain)
 
 JsonDomainFile::State JsonDomainFile::refresh() {
   const auto stamp = fileStamp(path_);
+  seen_ = stamp ? std::optional(*stamp) : std::nullopt;
   if (stamp && stamp_ == *stamp) return state_;
   stamp_.reset();
   if (!stamp && stamp.error() == std::errc::no_such_file_or_directory) {
@@ -85,7 +86,7 @@ bool JsonDomainFile::write(const json& values) {
   // What cannot be read back would take every other setting with it.
   if (!parseObject(text)) return false;
   auto file = AtomicFile::prepare(path_, text);
-  if (!file) return false;
+  if (!file || wasEdited()) return false;
   const bool written = state_ == State::malformed ? commitKeepingOldAside(*file) : !file->commit();
   if (!written) return false;
   values_ = std::make_shared<json>(values);
@@ -95,10 +96,19 @@ bool JsonDomainFile::write(const json& values) {
 }
 
 bool JsonDomainFile::update(const json& changes) {
-  refresh();
-  json values = *values_;
-  values.update(changes);
-  return write(values);
+  constexpr int kMostTries = 3;
+  for (int tries = 1;; ++tries) {
+    refresh();
+    json values = *values_;
+    values.update(changes);
+    if (write(values)) return true;
+    if (tries == kMostTries || !wasEdited()) return false;
+  }
+}
+
+bool JsonDomainFile::wasEdited() const {
+  const auto stamp = fileStamp(path_);
+  return seen_ != (stamp ? std::optional(*stamp) : std::nullopt);
 }
 
 void JsonDomainFile::remove() { ::unlink(path_.c_str()); }

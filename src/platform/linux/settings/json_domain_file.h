@@ -31,7 +31,7 @@ class JsonDomainFile {
   [[nodiscard]] const nlohmann::json& values() const { return *values_; }
 
   /// After a `refresh`: writes the whole file unless it already says so; a malformed one is first renamed
-  /// to a dated name beside it. False when nothing could be written.
+  /// to a dated name beside it. False when nothing could be written, or somebody else has written since.
   [[nodiscard]] bool write(const nlohmann::json& values);
 
   /// Writes these members into the file as it is now, so that what others wrote into it stays.
@@ -40,7 +40,10 @@ class JsonDomainFile {
   void remove();
 
  private:
+  [[nodiscard]] bool wasEdited() const;  ///< since the last look
+
   std::filesystem::path path_;
+  std::optional<FileStamp> seen_;  // at the last look; absent for no file
   State state_ = State::missing;
   std::optional<FileStamp> stamp_;  // of the contents that were read last; absent when they must be read again
   std::shared_ptr<const nlohmann::json> values_;
