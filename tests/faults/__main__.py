@@ -32,6 +32,7 @@ def main():
                 name, faults = parsed(words)
                 runs.case(name, *faults)
         elif arguments.rounds:
+            runs.tell(f"seed {arguments.seed}")
             runs.vanish(arguments.rounds, arguments.seed, over)
         else:
             runs.sweep(names, arguments.every, arguments.first, over)

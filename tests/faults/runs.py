@@ -118,7 +118,6 @@ class Runs:
     def vanish(self, rounds, seed, until=lambda: False):
         """Parts of the world vanish and come back, round after round in one life of the program."""
         generator, scenario = random.Random(seed), SCENARIOS["codex"]
-        self.tell(f"seed {seed}")
         for number in range(1, rounds + 1):
             if until():
                 return
