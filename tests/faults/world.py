@@ -23,7 +23,7 @@ AWAKE = "com.quellwerk.Nimbo.Awake1"
 USAGE = "com.quellwerk.Nimbo.Usage1"
 TEXTS = pathlib.Path(__file__).parents[2] / "src" / "usage" / "usage_messages.h"
 MESSAGES = [text.split("{")[0] for text in re.findall(r'"([^"]{9,}[.}])"', TEXTS.read_text())]
-X_SERVER_DIED = ("The X11 connection broke", "XIO: ", "      after ")  # say the libraries of the windows
+X_SERVER_DIED = ("The X11 connection broke", "X connection to ", "XIO: ", "      after ")  # say the libraries of the windows
 SOON = 4 * SLOW  # seconds in which the program answers, acts and ends
 TICK = 2  # seconds, the shortest distance there is
 
