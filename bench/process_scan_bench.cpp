@@ -116,23 +116,10 @@ void temperatureReading(benchmark::State& state) {
   }
 }
 
-// free's "used" and MemTotal - MemAvailable beside our own, in percent of the whole.
-void printUsedMemory() {
-  nimbo::ProcfsHostStatistics host;
-  const nimbo::SystemClock clock;
-  const auto memory = nimbo::SystemSampler(host, clock).snapshot();
-  if (!memory) return;
-  std::printf("Used memory by us: %.2f %%; by free, and total less available:\n", memory->usedFraction() * 100);
-  std::fflush(stdout);
-  const int status = std::system("free -k | awk '/^Mem:/ {printf \"%.2f %% %.2f %%\\n\", $3*100/$2, ($2-$7)*100/$2}'");
-  if (status != 0) std::puts("free did not run");
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
-  printUsedMemory();
   Sleepers sleepers;
   for (const long count : {100L, 2000L}) {
     const auto add = [&](const char* name, void (*run)(benchmark::State&, Sleepers&)) {

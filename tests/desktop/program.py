@@ -20,11 +20,13 @@ DASHBOARD_WIDTH, DASHBOARD_HEIGHT = 340, 278  # at least
 
 
 class Program:
-    def __init__(self, session, *arguments, command=(BINARY,)):
+    """Started as the last argument of the command `under`, if there is one, which then becomes the program."""
+
+    def __init__(self, session, *arguments, under=()):
         self.session = session
         descriptor, self.stderr = tempfile.mkstemp(prefix="stderr-", dir=session.folder)
         with os.fdopen(descriptor) as stream:
-            self.child = session.start([*command, *arguments], stdout=subprocess.DEVNULL, stderr=stream)
+            self.child = session.start([*under, BINARY, *arguments], stdout=subprocess.DEVNULL, stderr=stream)
 
     @property
     def pid(self):

@@ -58,7 +58,7 @@ class World:
         claude_tool.install(self.session, claude_tool.screen(1, 1))
         usage = {f"usage__{provider}": True} if provider else {}
         self.session.settings(refreshInterval=TICK, **usage)
-        self.program = Program(self.session, command=[*command, BINARY])
+        self.program = Program(self.session, under=command)
         self.descriptors = None
 
     def end(self):
