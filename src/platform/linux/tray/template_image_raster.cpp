@@ -24,12 +24,22 @@ struct Area {
     return dx * dx + dy * dy <= radius * radius;
   }
 
-  /// Whether a corner's curve may run through the pixel whose lower left corner is (x, y).
+  /// Whether all of the pixel whose lower left corner is (x, y) lies within: no area bends inwards.
+  [[nodiscard]] bool containsPixel(double x, double y) const {
+    return contains(x, y) && contains(x + 1, y) && contains(x, y + 1) && contains(x + 1, y + 1);
+  }
+
+  /// Whether any of that pixel does: its point that is nearest to the middle.
+  [[nodiscard]] bool touchesPixel(double x, double y) const {
+    return contains(std::clamp((left + right) / 2, x, x + 1), std::clamp((bottom + top) / 2, y, y + 1));
+  }
+
+  /// Whether a corner's curve may run through that pixel.
   [[nodiscard]] bool bends(double x, double y) const {
     if (radius == 0) return false;
     const bool atSide = (x + 1 > left && x < left + radius) || (x < right && x + 1 > right - radius);
     const bool atEnd = (y + 1 > bottom && y < bottom + radius) || (y < top && y + 1 > top - radius);
-    return atSide && atEnd;
+    return atSide && atEnd && !containsPixel(x, y);
   }
 };
 
@@ -116,11 +126,12 @@ double sampledCoverage(const PixelShape& shape, double x, double y) {
 // Straight edges are exact; only pixels in the corners of something round are sampled.
 double coverage(const PixelShape& shape, const Area& bounds, double x, double y) {
   const double straight = overlap(bounds, x, y);
-  if (straight == 0) return 0;
-  if (shape.outline.bends(x, y) || (shape.clip && shape.clip->bends(x, y)) || (shape.hole && shape.hole->bends(x, y))) {
+  if (straight == 0 || !shape.outline.touchesPixel(x, y) || (shape.clip && !shape.clip->touchesPixel(x, y))) return 0;
+  const bool hollow = shape.hole && shape.hole->touchesPixel(x, y);
+  if (shape.outline.bends(x, y) || (shape.clip && shape.clip->bends(x, y)) || (hollow && shape.hole->bends(x, y))) {
     return sampledCoverage(shape, x, y);
   }
-  return shape.hole ? straight - overlap(intersection(bounds, *shape.hole), x, y) : straight;
+  return hollow ? straight - overlap(intersection(bounds, *shape.hole), x, y) : straight;
 }
 
 void paint(const PixelShape& shape, int side, std::vector<double>& alphas) {
