@@ -10,13 +10,13 @@ from measured import ROOT
 
 PAGE = ROOT / "docs" / "performance.md"
 PICTURE = ROOT / "docs" / "pictures" / "performance.svg"
-DIGITS = {"MiB": 2, "ms": 2, "% CPU": 4, "million": 3, "KiB": 0}
-SHOWN = (("private", "Private memory, MiB", 2), ("resident", "Resident memory, MiB", 1), ("cpu", "Processor, % of one core", 4))
+DIGITS = {"MiB": 2, "ms": 2, "%": 4, "million": 3, "KiB": 0}
+SHOWN = (("private", "Private memory, MiB", 2), ("resident", "Resident memory, MiB", 1), ("cpu", "Processor, % of one", 4))
 
 HEAD = """# What Nimbo costs
 
-Written by `scripts/bench`, which installs, runs and measures all of this in one run; `scripts/bench --help` tells of longer runs and of
-comparisons with another revision.
+Written by `scripts/bench`, which installs, starts and measures all of this in one run. `--long` measures longer, `--only idle` one group of the figures,
+and `--compare REVISION` builds that revision, too, and prints both beside each other.
 
 {machine}
 
@@ -24,12 +24,12 @@ comparisons with another revision.
 
 ## At rest
 
-Each program shows memory and processor load every five seconds, but for caffeine-indicator, which only keeps the machine awake. All run at the same time,
-{seconds} s after a rest of {settle} s, each with the processes that it has started. Nimbo has two items in a tray whose panel reads an item again when that tells
+Each program shows memory and processor load every five seconds, but for caffeine-indicator, which only keeps the machine awake. All run at the same time and are
+read twice, {seconds} s apart, after {settle} s to come to rest; each with the processes that it has started. Nimbo has two items in a tray whose panel reads an item again when that tells
 of a change; beside "no panel reads" nobody does.
 
 Private is what a program has written itself (anonymous pages), resident all that it has in memory, and proportional the same with shared pages in equal parts.
-Processor time is the process's own clock, in user and kernel mode. The X server, the compositor, the buses and the panel are not counted for any of them.
+Processor time is that of the process's own clock, in percent of one processor. The X server, the compositor, the buses and the panel are not counted for any of them.
 
 """
 
@@ -86,21 +86,20 @@ def compared(named):
 
 
 def machine():
-    revision = datetime.date.today().isoformat()
     with open("/proc/loadavg") as load:
         busy = load.read().split()[0]
     return (
-        f"Measured on {revision} with {os.cpu_count()} processors, Linux {platform.release()}, "
-        f"{platform.freedesktop_os_release()['PRETTY_NAME']}; at the end of the run {busy} tasks wanted a processor in the mean of a minute."
+        f"Measured on {datetime.date.today().isoformat()} with {os.cpu_count()} processors, Linux {platform.release()}, "
+        f"{platform.freedesktop_os_release()['PRETTY_NAME']}; at the end of the run {busy} tasks wanted a processor, in the mean of a minute."
     )
 
 
 def at_rest(found):
     peer = found["i3status"]
-    head = ["", "private", "resident", "proportional", "CPU", "CPU beside i3status", "wake-ups in a minute"]
+    head = ["", "private", "resident", "proportional", "processor", "beside i3status", "wake-ups in a minute"]
     for name, cost in found.items():
         sizes = (figure(getattr(cost, each), "MiB") for each in ("private", "resident", "proportional"))
-        yield [name, *sizes, figure(cost.cpu, "% CPU"), f"{cost.cpu / peer.cpu:.2f} ×", f"{cost.wakeups:.0f}"]
+        yield [name, *sizes, figure(cost.cpu, "%"), f"{cost.cpu / peer.cpu:.2f} ×", f"{cost.wakeups:.0f}"]
     at_rest.head = head
 
 

@@ -59,7 +59,7 @@ def where(field, *pids, most=8):
                 kilobytes[name] += int(words[1])
     named = kilobytes.most_common(most)
     rest = sum(kilobytes.values()) - sum(size for _name, size in named)
-    return "; ".join([f"{name} {size} KiB" for name, size in named] + ([f"the rest {rest} KiB"] if rest else []))
+    return "in " + "; ".join([f"{name} {size} KiB" for name, size in named] + ([f"the rest {rest} KiB"] if rest else []))
 
 
 @dataclasses.dataclass
