@@ -24,8 +24,8 @@ and `--compare REVISION` builds that revision, too, and prints both beside each 
 
 ## At rest
 
-Each program shows memory and processor load every five seconds, but for caffeine-indicator, which only keeps the machine awake. All run at the same time and are
-read twice, {seconds} s apart, after {settle} s to come to rest; each with the processes that it has started. Nimbo has two items in a tray whose panel reads an item again when that tells
+Each program shows memory and processor load every five seconds, but for Nimbo, which has the settings that it comes with and so shows memory
+alone, and for caffeine-indicator, which only keeps the machine awake. All run at the same time and are read twice, {seconds} s apart, after {settle} s to come to rest; each with the processes that it has started. Nimbo has two items in a tray whose panel reads an item again when that tells
 of a change; beside "no panel reads" nobody does.
 
 Private is what a program has written itself (anonymous pages), resident all that it has in memory, and proportional the same with shared pages in equal parts.
@@ -50,7 +50,8 @@ REPEAT = """
 - A start goes from `exec` to the registration of the last item, the median of twenty.
 - `top` runs in a terminal of 80 × 24, at the same interval.
 - The scan and the bare loop, which opens, reads and closes each `status` file, are in `bench/process_scan_bench.cpp`.
-- Growth is what the last four fifths of the rounds add; a round is an opening, a refresh and a closing.
+- Growth is what the last four fifths of the rounds add; a round is an opening, a refresh and a closing, with a
+  tick every two seconds.
 """
 
 

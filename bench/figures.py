@@ -13,7 +13,6 @@ import struct
 import subprocess
 import tempfile
 import termios
-import time
 
 from gi.repository import GLib
 
@@ -43,7 +42,8 @@ SIGNALS = """two thirds are the bus library's: a change of an item is told by `N
 SCANNED = """the scan of the processes, on a thread of low priority, runs beside the window's opening until then."""
 LISTED = """four fifths are the kernel's on the thread that scans: the files of each process, and page by page the exact
   memory of the largest, which `top` does not show."""
-GROWN = """the heap of the toolkit, see the long form for whether it goes on."""
+GROWN = """it is in the heap. Runs of 100 and of 300 rounds differ by as much as this: 4 to 108 KiB in the program, 40 to 92 KiB
+  in the windows' process, less after more rounds there. Whether any of it goes on, the long form has to tell."""
 
 
 @dataclasses.dataclass
@@ -352,12 +352,11 @@ def growth(build, rounds):
             turn_for(5)
             return Reading(nimbo.pid), Reading(nimbo.windows_pid)
 
-        begun = time.monotonic()
         before = pass_rounds(rounds // 5)
         after = pass_rounds(rounds - rounds // 5)
-        ticks = (time.monotonic() - begun) / FAST
         codex.close()
-        what = f"growth by {rounds} openings, {len(codex.requests)} refreshes and {ticks:.0f} ticks"
+        assert len(codex.requests) >= rounds, "a refresh was not read"
+        what = f"growth by {rounds} openings and refreshes"
         for who, old, new in zip(("program", "windows' process"), before, after):
             yield Row(f"{what}: {who}, private", (new.private - old.private) * 1024, "KiB", 64, reason=GROWN)
             yield Row(f"{what}: {who}, descriptors", new.descriptors - old.descriptors, "", 0)
