@@ -41,7 +41,7 @@ int runDiagnostics() {
   const SystemReaders readers = makeSystemReaders();
   SystemSampler sampler(*readers.hostStatistics, *readers.clock);
   const auto sensor = readers.makeTemperatureSensor();
-  return print(makeDiagnosticsReport(sampler, *sensor, *readers.processTable, *readers.clock));
+  return print(makeDiagnosticsReport(sampler, *sensor, *readers.makeProcessTable(), *readers.clock));
 }
 
 std::unique_ptr<UserInterface> makeUserInterface(PlatformServices& platform, DisplayNeed need) {
@@ -172,6 +172,7 @@ int runFromShell(const std::vector<std::string>& arguments) {
   }
   std::unique_ptr<RunningProgram> program;
   std::unique_ptr<TemperatureSensor> sensor;
+  std::shared_ptr<ProcessTable> processes;
   const auto programs = makeForegroundPrograms();
   const auto made = [](auto& object, const auto& make) -> auto& {
     if (!object) object = make();
@@ -182,7 +183,7 @@ int runFromShell(const std::vector<std::string>& arguments) {
                      .programs = *programs,
                      .clock = *readers.clock,
                      .host = [&]() -> HostStatistics& { return *readers.hostStatistics; },
-                     .processes = [&]() -> ProcessTable& { return *readers.processTable; },
+                     .processes = [&]() -> ProcessTable& { return made(processes, readers.makeProcessTable); },
                      .temperature = [&]() -> TemperatureSensor& { return made(sensor, readers.makeTemperatureSensor); },
                      .holdHere = holdHere,
                      .readUsageHere = readUsageHere,

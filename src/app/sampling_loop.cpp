@@ -78,21 +78,22 @@ void SamplingLoop::finishTemperatureRead(std::optional<double> celsius, std::uin
 }
 
 void SamplingLoop::startProcessScan(Throttle throttle) {
-  const std::size_t wanted = scanning_ || !settings_.monitorMemory() ? 0 : callbacks_.processesWanted();
-  if (wanted == 0) return;
+  const std::size_t wanted = settings_.monitorMemory() ? callbacks_.processesWanted() : 0;
+  if (wanted == 0) processes_.reset();
+  if (wanted == 0 || scanning_) return;
   const double uptime = platform_.readers().clock->uptime().count();
   const seconds distance = std::max(seconds(5), settings_.refreshInterval());
   if (throttle == Throttle::apply && uptime - lastScan_ < static_cast<double>(distance.count())) return;
+  if (!processes_) processes_ = platform_.readers().makeProcessTable();
   scanning_ = true;
   lastScan_ = uptime;
   auto finish = lifetime_.guard([this, generation = scanGeneration_](ProcessScan scan) {
     scanning_ = false;
     if (generation == scanGeneration_) callbacks_.processesScanned(std::move(scan));
   });
-  platform_.utilityQueue().async(
-      [&table = *platform_.readers().processTable, &loop = platform_.mainLoop(), finish, wanted] {
-        loop.post([finish, scan = scanProcesses(table, wanted)]() mutable { finish(std::move(scan)); });
-      });
+  platform_.utilityQueue().async([table = processes_, &loop = platform_.mainLoop(), finish, wanted] {
+    loop.post([finish, scan = scanProcesses(*table, wanted)]() mutable { finish(std::move(scan)); });
+  });
 }
 
 void SamplingLoop::forgetTemperature() {

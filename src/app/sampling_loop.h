@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <limits>
+#include <memory>
 #include <optional>
 
 #include "base/lifetime.h"
@@ -72,6 +73,7 @@ class SamplingLoop {
   std::uint64_t temperatureGeneration_ = 0;
   bool scanning_ = false;
   std::uint64_t scanGeneration_ = 0;
+  std::shared_ptr<ProcessTable> processes_;                     // only while somebody looks
   double lastScan_ = -std::numeric_limits<double>::infinity();  // seconds of uptime
   Lifetime lifetime_;
 };

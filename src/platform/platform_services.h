@@ -42,11 +42,14 @@ class RunningProgram;
 /// Makes a sensor on the queue that will read it.
 using TemperatureSensorMaker = std::function<std::unique_ptr<TemperatureSensor>()>;
 
+/// Makes a table that keeps what it knows, and files open, until it goes.
+using ProcessTableMaker = std::function<std::shared_ptr<ProcessTable>()>;
+
 /// What it takes to read the machine: all that the console report needs.
 struct SystemReaders {
   std::unique_ptr<Clock> clock;
   std::unique_ptr<HostStatistics> hostStatistics;
-  std::unique_ptr<ProcessTable> processTable;
+  ProcessTableMaker makeProcessTable;
   TemperatureSensorMaker makeTemperatureSensor;
 };
 

@@ -18,6 +18,9 @@ namespace {
 constexpr std::size_t kMeasuredForEach = 2;
 constexpr std::uint64_t kMeasuredBytes = std::uint64_t{16} << 30;
 
+// For each of the largest so many have names: a list may grow a few times until the next scan.
+constexpr std::size_t kNamedForEach = 4;
+
 struct Candidate {
   ProcessMemory process;
   std::uint64_t most = 0;
@@ -66,7 +69,7 @@ ProcessScan scanProcesses(ProcessTable& table, std::size_t exact) {
     if (!reading) {
       ++scan.unreadable;
     } else if (reading->most > 0) {
-      candidates.push_back({{pid, std::move(reading->name), reading->footprint}, reading->most});
+      candidates.push_back({{pid, {}, reading->footprint}, reading->most});
     }
   }
   measureLargest(table, candidates, exact);
@@ -78,8 +81,8 @@ ProcessScan scanProcesses(ProcessTable& table, std::size_t exact) {
   std::sort(scan.processes.begin(), scan.processes.end(), [](const ProcessMemory& left, const ProcessMemory& right) {
     return left.bytes != right.bytes ? left.bytes > right.bytes : left.pid < right.pid;
   });
-  for (std::size_t index = 0; auto& [pid, name, bytes] : scan.processes) {
-    name = displayName(pid, index++ < exact ? table.wholeName(pid, std::move(name)) : name);
+  for (std::size_t index = 0; auto& process : scan.processes) {
+    process.name = displayName(process.pid, index++ < exact * kNamedForEach ? table.name(process.pid) : std::string());
   }
   return scan;
 }

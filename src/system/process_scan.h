@@ -12,7 +12,7 @@ namespace nimbo {
 
 struct ProcessMemory {
   std::int32_t pid = 0;
-  std::string name;         ///< UTF-8 of one line, without control characters
+  std::string name;         ///< UTF-8 of one line, without control characters; "Process PID" for none
   std::uint64_t bytes = 0;  ///< physical footprint
   bool operator==(const ProcessMemory&) const = default;
 };
@@ -24,8 +24,8 @@ struct ProcessScan {
 };
 
 /// Reads every process once and measures those that may be among the `exact` largest, which then have exact
-/// figures and whole names; the others' figures are estimates below theirs. Never fails; at worst the scan is
-/// empty. Any thread that has `table` to itself.
+/// figures; the others' figures are estimates below theirs, and names are looked up for some of them only. Never
+/// fails; at worst the scan is empty. Any thread that has `table` to itself.
 [[nodiscard]] ProcessScan scanProcesses(ProcessTable& table, std::size_t exact);
 
 }  // namespace nimbo

@@ -303,6 +303,16 @@ TEST_F(SamplingLoopTest, ScanIsHandedOver) {
   EXPECT_EQ(scans[0].processes, (std::vector{ProcessMemory{7, "seven", 1000}}));
 }
 
+TEST_F(SamplingLoopTest, WhatIsKnownOfProcessesIsKeptOnlyWhileSomebodyLooks) {
+  processesWanted = 3;
+  sampling->tick();
+  finishScan();
+  EXPECT_EQ(platform.processes.use_count(), 2);
+  processesWanted = 0;
+  sampling->tick();
+  EXPECT_EQ(platform.processes.use_count(), 1);
+}
+
 TEST_F(SamplingLoopTest, TwoSecondIntervalStillScansAtMostEveryFiveSeconds) {
   settings.setRefreshInterval(seconds(2));
   processesWanted = 3;

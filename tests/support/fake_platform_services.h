@@ -107,13 +107,12 @@ class FakePlatformServices final : public PlatformServices {
   FakePlatformServices() {
     auto ownClock = std::make_unique<FakeClock>();
     auto ownHost = std::make_unique<FakeHostStatistics>();
-    auto ownProcesses = std::make_unique<FakeProcessTable>();
     clock = ownClock.get();
     terminals = std::make_unique<FakePseudoTerminals>(*clock);
     screens = std::make_unique<FakeAccessibility>(*clock);
     host = ownHost.get();
-    processes = ownProcesses.get();
-    readers_ = {std::move(ownClock), std::move(ownHost), std::move(ownProcesses), [this] {
+    readers_ = {std::move(ownClock), std::move(ownHost), [this] { return processes; },
+                [this] {
                   ++sensorsMade;
                   auto sensor = std::make_unique<FakeTemperatureSensor>();
                   sensor->celsius = celsius;
@@ -175,7 +174,7 @@ class FakePlatformServices final : public PlatformServices {
 
   FakeClock* clock = nullptr;
   FakeHostStatistics* host = nullptr;
-  FakeProcessTable* processes = nullptr;
+  std::shared_ptr<FakeProcessTable> processes = std::make_shared<FakeProcessTable>();
   std::optional<double> celsius = 50;
   int sensorsMade = 0;
 

@@ -13,13 +13,14 @@ namespace nimbo {
 class FakeProcessTable final : public ProcessTable {
  public:
   void add(std::int32_t pid, std::uint64_t footprint, std::string name) {
-    add(pid, {footprint, footprint, std::move(name)}, footprint);
+    add(pid, {footprint, footprint}, std::move(name), footprint);
   }
 
   /// Without an `exact` figure it may not be looked into.
-  void add(std::int32_t pid, ProcessReading reading, std::optional<std::uint64_t> exact) {
+  void add(std::int32_t pid, ProcessReading reading, std::string name, std::optional<std::uint64_t> exact) {
     listed_.push_back(pid);
-    readings_[pid] = std::move(reading);
+    readings_[pid] = reading;
+    names_[pid] = std::move(name);
     if (exact) exact_[pid] = *exact;
   }
 
@@ -41,19 +42,20 @@ class FakeProcessTable final : public ProcessTable {
     return found == exact_.end() ? std::nullopt : std::optional(found->second);
   }
 
-  [[nodiscard]] std::string wholeName(std::int32_t pid, std::string name) override {
-    const auto found = wholeNames.find(pid);
-    return found == wholeNames.end() ? name : found->second;
+  [[nodiscard]] std::string name(std::int32_t pid) override {
+    named.push_back(pid);
+    return names_[pid];
   }
 
-  std::map<std::int32_t, std::string> wholeNames;  ///< where they differ
-  std::vector<std::int32_t> asked;                 ///< identifiers in the order in which they were read
-  std::vector<std::int32_t> measured;              ///< likewise, exactly
-  std::function<void()> onRead;                    ///< called with each reading, so that time may pass
+  std::vector<std::int32_t> asked;     ///< identifiers in the order in which they were read
+  std::vector<std::int32_t> measured;  ///< likewise, exactly
+  std::vector<std::int32_t> named;     ///< likewise, by name
+  std::function<void()> onRead;        ///< called with each reading, so that time may pass
 
  private:
   std::vector<std::int32_t> listed_;
   std::map<std::int32_t, ProcessReading> readings_;
+  std::map<std::int32_t, std::string> names_;
   std::map<std::int32_t, std::uint64_t> exact_;
 };
 

@@ -63,11 +63,11 @@ TEST(ProcessScan, IdentifiersBelowOneAreNeverRead) {
 
 TEST(ProcessScan, WhatMayBeAmongTheLargestIsMeasured) {
   FakeProcessTable table;
-  table.add(1, {5, 500, "database"}, 450);
-  table.add(2, {300, 310, "parent"}, 60);
-  table.add(3, {300, 311, "fork"}, 55);
-  table.add(4, {40, 90, "editor"}, 42);
-  table.add(5, {30, 41, "small"}, 31);
+  table.add(1, {5, 500}, "database", 450);
+  table.add(2, {300, 310}, "parent", 60);
+  table.add(3, {300, 311}, "fork", 55);
+  table.add(4, {40, 90}, "editor", 42);
+  table.add(5, {30, 41}, "small", 31);
   EXPECT_EQ(scanProcesses(table, 4).processes,
             (std::vector<ProcessMemory>{
                 {1, "database", 450}, {2, "parent", 60}, {3, "fork", 55}, {4, "editor", 42}, {5, "small", 30}}));
@@ -76,16 +76,16 @@ TEST(ProcessScan, WhatMayBeAmongTheLargestIsMeasured) {
 
 TEST(ProcessScan, WhatMayNotBeLookedIntoKeepsItsEstimate) {
   FakeProcessTable table;
-  table.add(1, {400, 900, "server"}, std::nullopt);
-  table.add(2, {0, 700, "shared only"}, std::nullopt);
-  table.add(3, {100, 500, "mine"}, 450);
+  table.add(1, {400, 900}, "server", std::nullopt);
+  table.add(2, {0, 700}, "shared only", std::nullopt);
+  table.add(3, {100, 500}, "mine", 450);
   EXPECT_EQ(scanProcesses(table, 2), (ProcessScan{{{3, "mine", 450}, {1, "server", 400}}, 0}));
 }
 
 TEST(ProcessScan, ThousandLargeForksAreNotAllMeasuredAndPushNothingOffTheList) {
   FakeProcessTable table;
-  for (std::int32_t pid = 1; pid <= 1000; ++pid) table.add(pid, {300, 305, "fork"}, 3);
-  table.add(2000, {50, 306, "editor"}, 50);
+  for (std::int32_t pid = 1; pid <= 1000; ++pid) table.add(pid, {300, 305}, "fork", 3);
+  table.add(2000, {50, 306}, "editor", 50);
   const auto scan = scanProcesses(table, 3);
   EXPECT_EQ(scan.processes.size(), 1001U);
   EXPECT_EQ(scan.processes.at(0), (ProcessMemory{2000, "editor", 50}));
@@ -96,25 +96,23 @@ TEST(ProcessScan, ThousandLargeForksAreNotAllMeasuredAndPushNothingOffTheList) {
 TEST(ProcessScan, ProcessesTooLargeToMeasureThemAllKeepTheirEstimates) {
   constexpr std::uint64_t kGigabyte = std::uint64_t{1} << 30;
   FakeProcessTable table;
-  for (std::int32_t pid = 1; pid <= 5; ++pid) table.add(pid, {9, 8 * kGigabyte, "backend"}, 4);
+  for (std::int32_t pid = 1; pid <= 5; ++pid) table.add(pid, {9, 8 * kGigabyte}, "backend", 4);
   EXPECT_EQ(scanProcesses(table, 3).processes.at(0).bytes, 9U);
   EXPECT_EQ(table.measured.size(), 2U);
 }
 
-TEST(ProcessScan, WithoutAnyWantedNothingIsMeasured) {
+TEST(ProcessScan, WithoutAnyWantedNothingIsMeasuredOrNamed) {
   FakeProcessTable table;
-  table.add(1, {4, 9, "a"}, 7);
-  EXPECT_EQ(scanProcesses(table, 0).processes, (std::vector<ProcessMemory>{{1, "a", 4}}));
+  table.add(1, {4, 9}, "a", 7);
+  EXPECT_EQ(scanProcesses(table, 0).processes, (std::vector<ProcessMemory>{{1, "Process 1", 4}}));
 }
 
-TEST(ProcessScan, LargestHaveTheirWholeNames) {
+TEST(ProcessScan, NamesAreLookedUpForAFewTimesAsManyAsAreWanted) {
   FakeProcessTable table;
-  table.add(1, 10, "a-long-name-tha");
-  table.add(2, 5, "another-long-na");
-  table.wholeNames = {{1, "a-long-name-that-was\ncut"}, {2, "another-long-name"}};
-  const auto scan = scanProcesses(table, 1);
-  EXPECT_EQ(scan.processes.at(0).name, "a-long-name-that-was\uFFFDcut");
-  EXPECT_EQ(scan.processes.at(1).name, "another-long-na");
+  for (std::int32_t pid = 1; pid <= 1000; ++pid) table.add(pid, static_cast<std::uint64_t>(pid), "p");
+  const auto scan = scanProcesses(table, 2);
+  EXPECT_EQ(scan.processes.at(7).name, "p") << "a list may be made longer before the next scan";
+  EXPECT_EQ(table.named.size(), 8U);
 }
 
 TEST(ProcessScan, NameThatBreaksLinesOrSteersATerminalDoesNot) {

@@ -253,7 +253,8 @@ class LinuxPlatformServices final : public PlatformServices {
 
 SystemReaders makeSystemReaders() {
   return {std::make_unique<SystemClock>(), std::make_unique<ProcfsHostStatistics>(),
-          std::make_unique<ProcfsProcessTable>(), [] { return std::make_unique<HwmonTemperatureSensor>(); }};
+          [] { return std::make_shared<ProcfsProcessTable>(); },
+          [] { return std::make_unique<HwmonTemperatureSensor>(); }};
 }
 
 std::unique_ptr<Accessibility> makeAccessibility() {

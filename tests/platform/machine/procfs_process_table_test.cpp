@@ -3,14 +3,21 @@
 
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <spawn.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cstdio>
+#include <map>
+#include <memory>
+#include <thread>
 
 #include "platform/machine/meminfo_recordings.h"
 #include "support/services/temporary_tree.h"
@@ -43,7 +50,6 @@ constexpr char kKernelThread[] =
 TEST(ProcessStatus, FootprintIsPrivateMemoryAndItsSwap) {
   const ProcessStatus reading = parseProcessStatus(kStatus);
   EXPECT_EQ(reading.footprint, (241668U + 12000U) * 1024);
-  EXPECT_EQ(reading.name, "gnome-shell");
 }
 
 TEST(ProcessStatus, AtMostSharedMemoryAndHugePagesAreItsAsWell) {
@@ -60,20 +66,7 @@ TEST(ProcessStatus, ProcessWhollyInSwapHasAFootprint) {
   EXPECT_EQ(parseProcessStatus("Name:\ta\nVmRSS:\t8 kB\nRssAnon:\t0 kB\nVmSwap:\t 64 kB\n").footprint, 64U * 1024);
 }
 
-TEST(ProcessStatus, KernelThreadHasNoFootprintAndNoNameIsLookedUp) {
-  const ProcessStatus reading = parseProcessStatus(kKernelThread);
-  EXPECT_EQ(reading.footprint, 0U);
-  EXPECT_EQ(reading.name, "");
-}
-
-TEST(ProcessStatus, EscapedNewlineAndBackslashInANameAreUndone) {
-  EXPECT_EQ(parseProcessStatus("Name:\ta\\nb\\\\c\\\\n\nRssAnon:\t4 kB\n").name, "a\nb\\c\\n");
-  EXPECT_EQ(parseProcessStatus("Name:\tend\\\nRssAnon:\t4 kB\n").name, "end\\");
-}
-
-TEST(ProcessStatus, NameKeepsBlanksTabsAndColons) {
-  EXPECT_EQ(parseProcessStatus("Name:\t Web\t: x \nRssAnon:\t4 kB\n").name, " Web\t: x ");
-}
+TEST(ProcessStatus, KernelThreadHasNoFootprint) { EXPECT_EQ(parseProcessStatus(kKernelThread).footprint, 0U); }
 
 TEST(ProcessStatus, CutAndForeignTextHasNoFootprint) {
   for (const char* text : {"", "\n", "Name:\tx\nRssAnon:\t12", "Name:\tx\nRssAnon:\n", "Name:\tx\nRssAnon:\tlots kB\n",
@@ -87,6 +80,7 @@ TEST(ProcessStatm, PrivatePagesAreTheResidentLessTheShared) {
   ASSERT_TRUE(pages);
   EXPECT_EQ(pages->anonymous, 99528U - 39111U);
   EXPECT_EQ(pages->resident, 99528U);
+  EXPECT_EQ(pages->size, 1322328U);
   EXPECT_EQ(parseProcessPages("0 0 0 0 0 0 0\n")->resident, 0U);
 }
 
@@ -116,12 +110,20 @@ constexpr char kRollup[] =
     "SwapPss:            7000 kB\nLocked:                0 kB\n";
 
 TEST(ProcessRollup, FootprintIsTheShareOfAllButFiles) {
-  EXPECT_EQ(parseFootprint(kRollup), (100112U + 300000U + 8192U + 7000U) * 1024);
+  EXPECT_EQ(parseFootprint(kRollup)->bytes, (100112U + 300000U + 8192U + 7000U) * 1024);
+}
+
+TEST(ProcessRollup, OnlyAnonymousMemoryOfWhichAllIsTheProcesssOwnIsItsAlone) {
+  const auto isAlone = [](const char* text) { return parseFootprint(text)->alone; };
+  EXPECT_TRUE(isAlone("Pss_Anon: 8 kB\nPss_Shmem: 0 kB\nAnonymous: 8 kB\nSwap: 4 kB\nSwapPss: 4 kB\n"));
+  EXPECT_FALSE(isAlone("Pss_Anon: 7 kB\nPss_Shmem: 0 kB\nAnonymous: 8 kB\nSwap: 4 kB\nSwapPss: 4 kB\n"));
+  EXPECT_FALSE(isAlone("Pss_Anon: 8 kB\nPss_Shmem: 0 kB\nAnonymous: 8 kB\nSwap: 4 kB\nSwapPss: 2 kB\n"));
+  EXPECT_FALSE(isAlone("Pss_Anon: 8 kB\nPss_Shmem: 4 kB\nAnonymous: 8 kB\nSwap: 0 kB\nSwapPss: 0 kB\n"));
 }
 
 TEST(ProcessRollup, TextThatDoesNotTellThePartsIsAbsent) {
   for (const char* text : {"", "Rss: 4 kB\nPss: 4 kB\nSwapPss: 0 kB\n", "Pss_Anon:\n", "Pss_Anon: 4"}) {
-    EXPECT_EQ(parseFootprint(text), std::nullopt) << text;
+    EXPECT_FALSE(parseFootprint(text)) << text;
   }
 }
 
@@ -157,22 +159,22 @@ TEST_F(ProcfsProcessTableTest, WhileSwapIsInUseTheStatusTellsAll) {
   tree.write("2210/status", kStatus);
   tree.write("2210/statm", "1 1 0 0 0 0 0\n");
   EXPECT_EQ(readListed(2210)->footprint, (241668U + 12000U) * 1024);
-  EXPECT_EQ(readListed(2210)->name, "gnome-shell");
 }
 
-TEST_F(ProcfsProcessTableTest, WithoutSwapTheTwoSmallFilesDo) {
+TEST_F(ProcfsProcessTableTest, WithoutSwapTheSmallFileDoes) {
   tree.write("meminfo", kVirtualMachineMemInfo);
   tree.write("2210/statm", "1322328 4000 3000 2 0 175341 0\n");
-  tree.write("2210/comm", "gnome-shell\n");
   EXPECT_EQ(readListed(2210)->footprint, 1000 * page);
   EXPECT_EQ(readListed(2210)->most, 4000 * page);
-  EXPECT_EQ(readListed(2210)->name, "gnome-shell");
 }
 
 TEST_F(ProcfsProcessTableTest, WhileHugePagesAreInUseTheStatusTellsAllToo) {
   tree.write("meminfo", withField(kVirtualMachineMemInfo, "Hugetlb", 2048));
+  tree.write("2210/statm", "1 1 0 0 0 0 0\n");
   tree.write("2210/status", kStatus);
-  EXPECT_EQ(readListed(2210)->name, "gnome-shell");
+  EXPECT_EQ(readListed(2210)->footprint, (241668U + 12000U) * 1024);
+  tree.write("2210/status", "RssAnon:\t8 kB\nHugetlbPages:\t 2048 kB\n");
+  EXPECT_EQ(readListed(2210)->most, (8U + 2048U) * 1024) << "more of them with the same pages";
 }
 
 TEST_F(ProcfsProcessTableTest, LargeProcessIsNotTakenForOneOfMuchMemoryBecauseOfItsFiles) {
@@ -193,8 +195,9 @@ TEST_F(ProcfsProcessTableTest, ProcessWithNothingButSharedMemoryIsACandidate) {
 TEST_F(ProcfsProcessTableTest, NameThatWasCutIsCompletedFromTheCommand) {
   using namespace std::string_literals;
   const auto named = [this](const char* name, std::string_view command) {
+    tree.write("7/comm", std::string(name) + "\n");
     tree.write("7/cmdline", command);
-    return table.wholeName(7, name);
+    return table.name(7);
   };
   EXPECT_EQ(named("gnome-terminal-", "/usr/libexec/gnome-terminal-server\0--x\0"s), "gnome-terminal-server");
   EXPECT_EQ(named("unattended-upgr", "/usr/bin/python3\0/usr/bin/unattended-upgrade\0"s), "unattended-upgrade");
@@ -203,39 +206,31 @@ TEST_F(ProcfsProcessTableTest, NameThatWasCutIsCompletedFromTheCommand) {
   EXPECT_EQ(named("gnome-shell", "/usr/bin/gnome-shell-extended\0"s), "gnome-shell") << "it is whole";
   EXPECT_EQ(named("memfd:my-sealed", "/usr/bin/my-tool\0--x\0"s), "my-tool");
   EXPECT_EQ(named("3", "/usr/bin/my-tool\0--x\0"s), "my-tool");
-  EXPECT_EQ(named("", "/usr/bin/my-tool\0"s), "") << "it has ended";
+  EXPECT_EQ(named("a\nb\\c", ""), "a\nb\\c");
   EXPECT_EQ(named("memfd:x", ""), "memfd:x");
-  EXPECT_EQ(table.wholeName(8, "gnome-terminal-"), "gnome-terminal-") << "gone";
+  EXPECT_EQ(table.name(8), "") << "gone";
 }
 
 TEST_F(ProcfsProcessTableTest, UnknownStateOfSwapCountsAsInUse) {
+  tree.write("2210/statm", "1 1 0 0 0 0 0\n");
   tree.write("2210/status", kStatus);
-  EXPECT_EQ(table.read(2210)->name, "gnome-shell");
-  EXPECT_EQ(readListed(2210)->name, "gnome-shell");
+  EXPECT_EQ(table.read(2210)->footprint, (241668U + 12000U) * 1024);
+  EXPECT_EQ(readListed(2210)->footprint, (241668U + 12000U) * 1024);
 }
 
 TEST_F(ProcfsProcessTableTest, SwapThatFillsIsNoticedAtTheNextList) {
   tree.write("meminfo", kVirtualMachineMemInfo);
   tree.write("7/statm", "9 2 1 0 0 0 0\n");
-  tree.write("7/comm", "small\n");
   tree.write("7/status", kStatus);
   EXPECT_EQ(readListed(7)->footprint, page);
   tree.write("meminfo", kDesktopMemInfo);
   EXPECT_EQ(readListed(7)->footprint, (241668U + 12000U) * 1024);
 }
 
-TEST_F(ProcfsProcessTableTest, NameInCommIsTakenAsItIsWithoutTheLastNewline) {
-  tree.write("meminfo", kVirtualMachineMemInfo);
-  tree.write("7/statm", "9 2 1 0 0 0 0\n");
-  tree.write("7/comm", "a\nb\\c\n");
-  EXPECT_EQ(readListed(7)->name, "a\nb\\c");
-}
-
 TEST_F(ProcfsProcessTableTest, ProcessThatEndsBeforeItsNameIsReadIsNameless) {
   tree.write("meminfo", kVirtualMachineMemInfo);
   tree.write("7/statm", "9 2 1 0 0 0 0\n");
   EXPECT_EQ(readListed(7)->footprint, page);
-  EXPECT_EQ(readListed(7)->name, "");
   EXPECT_EQ(scanProcesses(table, 3).processes.at(0).name, "Process 7");
 }
 
@@ -252,9 +247,9 @@ TEST_F(ProcfsProcessTableTest, ExitedAndEmptyAreAbsent) {
 TEST_F(ProcfsProcessTableTest, MemoryBehindThousandsOfGroupsIsFound) {
   std::string status = "Name:\tdomain-user\nGroups:\t";
   for (int group = 0; group < 65536; ++group) status += std::to_string(1900000000 + group) + ' ';
+  tree.write("9/statm", "900 225 97 0 0 0 0\n");
   tree.write("9/status", status + "\nVmRSS:\t 900 kB\nRssAnon:\t 512 kB\nVmSwap:\t 0 kB\nThreads:\t1\n");
   EXPECT_EQ(table.read(9)->footprint, 512U * 1024);
-  EXPECT_EQ(table.read(9)->name, "domain-user");
 }
 
 std::string fileOfThisProcess(const char* name) {
@@ -286,8 +281,7 @@ TEST(RealProcessTable, OwnProcessIsListedWithItsName) {
   ProcfsProcessTable table;
   const auto pids = table.list();
   EXPECT_NE(std::find(pids.begin(), pids.end(), ::getpid()), pids.end());
-  EXPECT_EQ(table.read(::getpid())->name, "nim\\bo\n test");
-  EXPECT_EQ(parseProcessStatus(fileOfThisProcess("status")).name, "nim\\bo\n test");
+  EXPECT_EQ(table.name(::getpid()), "nim\\bo\n test");
 }
 
 TEST(RealProcessTable, BothWaysOfMeasuringSeeNewMemory) {
@@ -304,21 +298,30 @@ TEST(RealProcessTable, BothWaysOfMeasuringSeeNewMemory) {
   EXPECT_NEAR(static_cast<double>(byStatm() - statmBefore), kSize, kSize / 16.0);
 }
 
+/// Until the process does nothing, so that its memory stays as it is; ten seconds at most.
+void waitForRest(pid_t pid) {
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+  const std::string path = "/proc/" + std::to_string(pid) + "/stat";
+  while (readAttribute(path).value_or("").find(") S ") == std::string::npos) {
+    ASSERT_LT(std::chrono::steady_clock::now(), end);
+    std::this_thread::yield();
+  }
+}
+
 /// A copy of this process that waits for its end, with this object.
 class Fork {
  public:
-  Fork() : pid_(::fork()) {
-    while (pid_ == 0) ::pause();
+  Fork() : pid(::fork()) {
+    while (pid == 0) ::pause();
   }
   ~Fork() {
-    ::kill(pid_, SIGKILL);
-    ::waitpid(pid_, nullptr, 0);
+    ::kill(pid, SIGKILL);
+    ::waitpid(pid, nullptr, 0);
   }
   Fork(const Fork&) = delete;
   Fork& operator=(const Fork&) = delete;
 
- private:
-  const pid_t pid_;
+  const pid_t pid;
 };
 
 double ownMegabytes() {
@@ -340,6 +343,125 @@ TEST(RealProcessTable, MemoryThatForksHaveInCommonIsDividedAmongThem) {
   const Fork three;
   EXPECT_GT(alone, 64);
   EXPECT_LT(ownMegabytes(), alone - 40);
+}
+
+/// A program of its own, so with memory that it shares with nobody: a shell that does what it is told.
+class Shell {
+ public:
+  Shell() {
+    std::array<int, 2> ends{};
+    EXPECT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()), 0);
+    ours_.reset(ends[0]);
+    const UniqueFd its(ends[1]);
+    posix_spawn_file_actions_t actions;
+    ::posix_spawn_file_actions_init(&actions);
+    ::posix_spawn_file_actions_adddup2(&actions, its.get(), STDIN_FILENO);
+    ::posix_spawn_file_actions_adddup2(&actions, its.get(), STDOUT_FILENO);
+    std::array<char, 3> name{"sh"};
+    std::array<char*, 2> arguments{name.data(), nullptr};
+    EXPECT_EQ(::posix_spawn(&pid, "/bin/sh", &actions, nullptr, arguments.data(), environ), 0);
+    ::posix_spawn_file_actions_destroy(&actions);
+    run("");
+  }
+  ~Shell() {
+    ours_.reset();
+    ::waitpid(pid, nullptr, 0);
+  }
+  Shell(const Shell&) = delete;
+  Shell& operator=(const Shell&) = delete;
+
+  /// Until it is done.
+  void run(const std::string& command) const {
+    const std::string line = command + "\necho\n";
+    EXPECT_EQ(::write(ours_.get(), line.data(), line.size()), static_cast<ssize_t>(line.size()));
+    char answer = 0;
+    EXPECT_EQ(::read(ours_.get(), &answer, 1), 1);
+    waitForRest(pid);
+  }
+
+  pid_t pid = 0;
+
+ private:
+  UniqueFd ours_;
+};
+
+std::optional<std::uint64_t> measured(ProcfsProcessTable& table, pid_t wanted) {
+  for (const std::int32_t pid : table.list()) (void)table.read(pid);
+  return table.footprint(wanted);
+}
+
+TEST(RealProcessTable, WhatIsKnownOfAProcessIsWhatANewTableSeesWhoeverSharesItsMemory) {
+  const TemporaryTree tree;
+  const Shell shell;
+  ProcfsProcessTable kept;
+  const auto now = [&] {
+    ProcfsProcessTable plain;
+    const auto seen = measured(kept, shell.pid);
+    EXPECT_EQ(seen, measured(plain, shell.pid));
+    EXPECT_EQ(measured(kept, shell.pid), seen) << "it has not changed";
+    return static_cast<double>(seen.value_or(0)) / (1 << 20);
+  };
+  const double before = now();
+  shell.run("mkfifo " + (tree.path() / "gate").string() + "; cd " + tree.path().string());
+  shell.run("x=$(head -c 20000000 /dev/zero | tr '\\0' x)");
+  const double alone = now();
+  EXPECT_GT(alone, before + 19);
+  shell.run("read y <gate & echo $! >child");
+  waitForRest(std::stoi(readAttributeLine((tree.path() / "child").string())));
+  EXPECT_LT(now(), alone * 0.6) << "its child has the other half";
+  shell.run("echo >gate; wait");
+  EXPECT_NEAR(now(), alone, alone / 10);
+  shell.run("x=");
+  EXPECT_LT(now(), alone);
+}
+
+TEST(RealProcessTable, ScanWhileProcessesComeAndGoIsThatOfANewTable) {
+  const FilledMemory shared(8 << 20, MAP_SHARED);
+  std::vector<std::unique_ptr<Fork>> forks(100);
+  const auto seen = [&](ProcfsProcessTable& table) {
+    std::map<std::int32_t, ProcessReading> readings;
+    for (const std::int32_t pid : table.list()) {
+      const bool isOurs = std::ranges::any_of(forks, [pid](const auto& fork) { return fork && fork->pid == pid; });
+      if (const auto reading = table.read(pid); reading && isOurs) readings[pid] = *reading;
+    }
+    return readings;
+  };
+  ProcfsProcessTable kept;
+  for (std::size_t round = 0; round < 4; ++round) {
+    for (std::size_t index = round % 2; index < forks.size(); index += 2) {
+      forks[index] = forks[index] ? nullptr : std::make_unique<Fork>();
+    }
+    for (const auto& fork : forks) {
+      if (fork) waitForRest(fork->pid);
+    }
+    ProcfsProcessTable plain;
+    const auto ours = seen(kept);
+    EXPECT_EQ(ours.size(), static_cast<std::size_t>(std::ranges::count_if(forks, [](auto& fork) { return !!fork; })));
+    EXPECT_EQ(ours, seen(plain));
+  }
+}
+
+TEST(RealProcessTable, AtMostHalfOfTheDescriptorsAreKept) {
+  const auto open = [] {
+    std::ptrdiff_t count = 0;
+    visitFolder("/proc/self/fd", [&](std::string_view) { ++count; });
+    return count;
+  };
+  std::vector<std::unique_ptr<Fork>> forks(100);
+  for (auto& fork : forks) fork = std::make_unique<Fork>();
+  rlimit usual{};
+  ::getrlimit(RLIMIT_NOFILE, &usual);
+  const rlimit few{100, usual.rlim_max};
+  ::setrlimit(RLIMIT_NOFILE, &few);
+  ProcfsProcessTable table;
+  ::setrlimit(RLIMIT_NOFILE, &usual);
+  (void)table.list();
+  const auto before = open();
+  for (int scan = 0; scan < 2; ++scan) {
+    (void)table.list();
+    for (const auto& fork : forks) EXPECT_GT(table.read(fork->pid)->most, 0U);
+    EXPECT_EQ(open() - before, 50);
+  }
 }
 
 TEST(RealProcessTable, ChildThatWasReapedIsAbsent) {
