@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <cstdlib>
 #include <optional>
 
 namespace nimbo {
@@ -153,17 +154,24 @@ std::vector<double> haloOf(const std::vector<double>& alphas, int side) {
   constexpr double kContrast = 3;
   const double reach = std::max(1.0, 0.7 * side / TemplateImage::kSide);
   const int steps = static_cast<int>(std::ceil(reach));
+  std::vector<double> shares;  // by the distance in columns and rows
+  for (int row = 0; row <= steps; ++row) {
+    for (int column = 0; column <= steps; ++column) {
+      shares.push_back(std::clamp(reach + 1 - std::hypot(column, row), 0.0, 1.0));
+    }
+  }
   std::vector<double> halo(alphas.size(), 0.0);
-  const auto index = [side](int x, int y) {
-    return static_cast<std::size_t>(y) * static_cast<std::size_t>(side) + static_cast<std::size_t>(x);
+  const auto index = [](int x, int y, int width) {
+    return static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + static_cast<std::size_t>(x);
   };
   for (int y = 0; y < side; ++y) {
     for (int x = 0; x < side; ++x) {
-      double& strongest = halo[index(x, y)];
+      const double strength = std::min(1.0, kContrast * alphas[index(x, y, side)]);
+      if (strength == 0) continue;
       for (int dy = -std::min(steps, y); dy <= std::min(steps, side - 1 - y); ++dy) {
         for (int dx = -std::min(steps, x); dx <= std::min(steps, side - 1 - x); ++dx) {
-          const double share = std::clamp(reach + 1 - std::hypot(dx, dy), 0.0, 1.0);
-          strongest = std::max(strongest, std::min(1.0, kContrast * alphas[index(x + dx, y + dy)]) * share);
+          double& strongest = halo[index(x + dx, y + dy, side)];
+          strongest = std::max(strongest, strength * shares[index(std::abs(dx), std::abs(dy), steps + 1)]);
         }
       }
     }
@@ -171,7 +179,9 @@ std::vector<double> haloOf(const std::vector<double>& alphas, int side) {
   return halo;
 }
 
-std::uint8_t byteOf(double part) { return static_cast<std::uint8_t>(std::lround(part)); }
+// No call of the library's: parts are not negative.
+// NOLINTNEXTLINE(bugprone-incorrect-roundings)
+std::uint8_t byteOf(double part) { return static_cast<std::uint8_t>(part + 0.5); }
 
 }  // namespace
 
@@ -181,16 +191,16 @@ std::vector<std::uint8_t> argbPixels(const TemplateImage& image, int side, const
   std::vector<double> alphas(count, 0.0);
   const Scaler scaler(side);
   for (const TemplateShape& shape : image.shapes) paint(scaled(shape, scaler), side, alphas);
-  const std::vector<double> halo = ink.halo ? haloOf(alphas, side) : std::vector<double>(count, 0.0);
+  const std::vector<double> halo = ink.halo ? haloOf(alphas, side) : std::vector<double>();
   const TintColor around = ink.halo.value_or(ink.tint);
 
   std::vector<std::uint8_t> bytes(count * 4, 0);
   for (std::size_t i = 0; i < count; ++i) {
-    const double below = halo[i] * (1 - alphas[i]);
+    const double below = ink.halo ? halo[i] * (1 - alphas[i]) : 0;
     const double alpha = alphas[i] + below;
     if (byteOf(alpha * 255) == 0) continue;
     const auto mixed = [&](std::uint8_t own, std::uint8_t other) {
-      return byteOf((own * alphas[i] + other * below) / alpha);
+      return below == 0 ? own : byteOf((own * alphas[i] + other * below) / alpha);
     };
     bytes[i * 4] = byteOf(alpha * 255);
     bytes[i * 4 + 1] = mixed(ink.tint.red, around.red);
