@@ -25,13 +25,9 @@ double steppedWidth(double fraction) { return std::round(256 * std::clamp(fracti
 
 TemplateImage memoryChart(std::optional<double> fraction) {
   const RoundedRect track{{1, 6, 16, 6}, 2};
-  TemplateImage image{{{track, 0.25, {}, {}}}};
-  if (fraction && std::isfinite(*fraction)) {
-    image.shapes.push_back({{{1, 6, steppedWidth(*fraction), 6}, 0}, 1, track, {}});
-  } else {
-    image.shapes.push_back(dash({9, 9}));
-  }
-  return image;
+  const bool known = fraction && std::isfinite(*fraction);
+  const TemplateShape fill{{{1, 6, known ? steppedWidth(*fraction) : 0, 6}, 0}, 1, track, {}};
+  return {{{track, 0.25, {}, {}}, known ? fill : dash({9, 9})}};
 }
 
 /// A digit of the usual seven segments, with rounded corners.

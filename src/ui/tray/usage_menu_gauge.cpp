@@ -43,6 +43,7 @@ void addBar(TemplateImage& image, double y, double alpha, std::optional<double> 
 
 TemplateImage imageOf(const std::vector<UsageMenuGauge>& gauges, bool remaining) {
   TemplateImage image;
+  image.shapes.reserve(2 * std::max<std::size_t>(gauges.size(), 1));
   if (gauges.empty()) addBar(image, 7, 1, std::nullopt);
   double y = 4 * (static_cast<double>(gauges.size()) - 1) + 7;
   for (const auto& gauge : gauges) {

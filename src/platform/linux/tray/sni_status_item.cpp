@@ -2,6 +2,7 @@
 #include "platform/linux/tray/sni_status_item.h"
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <utility>
 
@@ -159,25 +160,33 @@ void SniStatusItem::emit(const char* signal) {
 }
 
 void SniStatusItem::setContent(const StatusItemContent& content) {
-  const StatusItemContent before = std::exchange(content_, content);
+  const bool newImage = !(content.image == content_.image);
+  const bool newName = setup_.host.readsTitles && content.accessibleName != content_.accessibleName;
+  const bool newToolTip = content.toolTip != content_.toolTip;
+  const bool newLabel = labelled_ && content.title != content_.title;
+  content_ = content;
   // A tray reads everything when the item registers with it, so there is nobody to tell before.
-  if (!announced_ || content == before) return;
-  std::vector<const char*> changed;
-  if (!(content.image == before.image)) emit("NewIcon");
-  if (setup_.host.readsTitles && content.accessibleName != before.accessibleName) {
+  if (!announced_) return;
+  std::array<const char*, 6> changed{};  // with a null at the end
+  auto next = changed.begin();
+  if (newImage) emit("NewIcon");
+  if (newName) {
     emit("NewTitle");
-    changed.insert(changed.end(), {"Title", "IconAccessibleDesc"});
+    *next++ = "Title";
+    *next++ = "IconAccessibleDesc";
   }
-  if (content.toolTip != before.toolTip) {
+  if (newToolTip) {
     emit("NewToolTip");
-    changed.push_back("ToolTip");
+    *next++ = "ToolTip";
   }
-  if (labelled_ && content.title != before.title) {
+  if (newLabel) {
     const std::string text = labelText(content);
     sd_bus_emit_signal(bus(), kPath, kInterface, "XAyatanaNewLabel", "ss", text.c_str(), text.c_str());
-    changed.insert(changed.end(), {"XAyatanaLabel", "XAyatanaLabelGuide"});
+    *next++ = "XAyatanaLabel";
+    *next++ = "XAyatanaLabelGuide";
   }
-  emitChanged(bus(), kPath, kInterface, std::move(changed));
+  if (next == changed.begin()) return;
+  sd_bus_emit_properties_changed_strv(bus(), kPath, kInterface, const_cast<char**>(changed.data()));
 }
 
 void SniStatusItem::setHighlighted(bool highlighted) {
