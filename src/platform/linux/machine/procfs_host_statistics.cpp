@@ -39,50 +39,74 @@ MemoryPressure worseOf(MemoryPressure one, MemoryPressure other) {
   return other == MemoryPressure::unknown ? one : std::max(one, other);
 }
 
+/// The fields of a meminfo. Each is looked for from the last one on at first: asked for in the kernel's order they take
+/// one way through the text.
+class MemInfoFields {
+ public:
+  explicit MemInfoFields(std::string_view text) : text_(text), rest_(text) {}
+
+  [[nodiscard]] std::optional<std::uint64_t> operator()(std::string_view name) {
+    for (std::string_view rest : {rest_, text_}) {
+      while (auto line = takeLine(rest)) {
+        if (!takePrefix(*line, name) || !takePrefix(*line, ":")) continue;
+        rest_ = rest;
+        return parseKilobytes(*line);
+      }
+    }
+    return std::nullopt;
+  }
+
+ private:
+  std::string_view text_;
+  std::string_view rest_;
+};
+
+std::optional<std::uint64_t> swapUsedOf(MemInfoFields& field) {
+  const auto total = field("SwapTotal");
+  const auto free = field("SwapFree");
+  if (!total || !free) return std::nullopt;
+  return lessAtLeastZero(*total, *free);
+}
+
 }  // namespace
 
 std::optional<std::uint64_t> memInfoField(std::string_view text, std::string_view name) {
-  while (auto line = takeLine(text)) {
-    if (takePrefix(*line, name) && takePrefix(*line, ":")) return parseKilobytes(*line);
-  }
-  return std::nullopt;
+  return MemInfoFields(text)(name);
 }
 
 std::optional<MemoryCounts> parseMemInfo(std::string_view text, std::uint64_t zramBytes, std::uint64_t arcBytes) {
-  const auto field = [text](std::string_view name) { return memInfoField(text, name); };
+  MemoryCounts counts;
+  MemInfoFields field(text);
   const auto total = field("MemTotal");
   const auto free = field("MemFree");
+  auto available = field("MemAvailable");  // since 3.14
   const auto activeAnonymous = field("Active(anon)");
   const auto inactiveAnonymous = field("Inactive(anon)");
   const auto activeFile = field("Active(file)");
   const auto inactiveFile = field("Inactive(file)");
   if (!total || !free || !activeAnonymous || !inactiveAnonymous || !activeFile || !inactiveFile) return std::nullopt;
-  auto reclaimable = field("KReclaimable");  // since Linux 4.20: the slabs' and drivers' own caches
+  counts.swapUsed = swapUsedOf(field);
+  counts.compressor = field("Zswap").value_or(0) + zramBytes;  // since 5.19
+  auto reclaimable = field("KReclaimable");                    // since Linux 4.20: the slabs' and drivers' own caches
   if (!reclaimable) reclaimable = field("SReclaimable");
 
-  auto available = field("MemAvailable");  // since 3.14
   if (available) *available += arcBytes;
   const std::uint64_t droppable =
       available ? lessAtLeastZero(*available, *free) : *activeFile + *inactiveFile + reclaimable.value_or(0) + arcBytes;
 
-  MemoryCounts counts;
-  counts.compressor = field("Zswap").value_or(0) + zramBytes;  // since 5.19
   counts.active = *activeAnonymous;
   counts.inactive = *inactiveAnonymous + droppable;
   counts.purgeable = std::min(reclaimable.value_or(0) + arcBytes, droppable);
   counts.fileBacked = droppable - counts.purgeable;
   const std::uint64_t used = lessAtLeastZero(*total, available.value_or(*free + droppable));
   counts.wired = lessAtLeastZero(used, *activeAnonymous + *inactiveAnonymous + counts.compressor);
-  counts.swapUsed = swapUsed(text);
   counts.pressure = pressureOf(*total, available);
   return counts;
 }
 
 std::optional<std::uint64_t> swapUsed(std::string_view text) {
-  const auto total = memInfoField(text, "SwapTotal");
-  const auto free = memInfoField(text, "SwapFree");
-  if (!total || !free) return std::nullopt;
-  return lessAtLeastZero(*total, *free);
+  MemInfoFields field(text);
+  return swapUsedOf(field);
 }
 
 std::optional<CpuTicks> parseCpuTicks(std::string_view text) {
