@@ -14,6 +14,7 @@ endif()
 if(CMAKE_BUILD_TYPE STREQUAL "Release")
   # Small is what counts: little is computed in the program itself, and the rooms that do say so.
   string(REPLACE "-O3" "-Os" CMAKE_CXX_FLAGS_RELEASE "${CMAKE_CXX_FLAGS_RELEASE}")
+  set(CMAKE_INTERPROCEDURAL_OPTIMIZATION ON)
   target_compile_options(nimbo_options INTERFACE
     -D_FORTIFY_SOURCE=2 -fstack-protector-strong -fstack-clash-protection -fcf-protection
     -ffunction-sections -fdata-sections)

@@ -10,6 +10,8 @@
 #include <cstddef>
 #include <memory>
 
+#include "base/text.h"
+
 namespace nimbo {
 namespace {
 
@@ -42,8 +44,9 @@ std::optional<std::string> readAttribute(const std::string& path) {
 }
 
 std::string readAttributeLine(const std::string& path) {
-  const std::string text = readAttribute(path).value_or("");
-  return text.substr(0, text.find('\n'));
+  std::array<char, 4096> buffer;
+  auto text = ProcFile(path).read(buffer).value_or(std::string_view());
+  return std::string(takeUntil(text, '\n'));
 }
 
 void visitFolder(const std::string& path, const std::function<void(std::string_view name)>& visit) {
