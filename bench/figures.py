@@ -106,6 +106,10 @@ def idle(build, seconds, beside=peers.PEERS):
         pids["Nimbo"] = started(stack.enter_context(session_of(build)))[0].pid
         pids["Nimbo, no panel reads"] = started(stack.enter_context(session_of(build)), TrayHost)[0].pid
 
+        both = stack.enter_context(session_of(build))
+        both.settings(monitorCPU=True)
+        pids["Nimbo, with CPU on"] = started(both)[0].pid
+
         awake = stack.enter_context(session_of(build, desktop="GNOME"))
         service = gnome_session(awake)
         nimbo, host = started(awake)
