@@ -52,7 +52,7 @@ class UserManager:
         run, services = self.home / "run", self.home / "services"
         for folder in (run, services, self.config / "systemd/user"):
             folder.mkdir(parents=True)
-        (self.home / "bus.conf").write_text(BUS_CONFIGURATION.format(services=services, folder=run))
+        (self.home / "bus.conf").write_text(BUS_CONFIGURATION.format(services=services, address=f"unix:dir={run}"))
         for name, text in UNITS.items():
             self.unit(name, text)
         # As in the session of a user who logged in, but for the bus of the system, which others share.

@@ -113,6 +113,15 @@ TEST(UsageResponse, ResetThatCannotBeReadIsAbsent) {
   EXPECT_EQ(primary(R"("used_percent":1,"resets_at":1795435200)")->resetsAt, std::nullopt);
 }
 
+TEST(UsageResponse, OffsetOfATimeIsThatOfAZone) {
+  const auto reset = [](const std::string& offset) {
+    return primary(R"("used_percent":1,"resets_at":"2026-11-21T14:30:00)" + offset + '"')->resetsAt;
+  };
+  EXPECT_EQ(reset("+23:59"), utc(2026, 11, 20, 14, 31));
+  EXPECT_EQ(reset("+24:00"), std::nullopt);
+  EXPECT_EQ(reset("+00:60"), std::nullopt);
+}
+
 TEST(UsageResponse, ArrayIsUnreadableUsageData) {
   for (const char* const body : {"[]", "null", "7", "\"text\""}) {
     EXPECT_EQ(parse(body).error(), (UsageError{"The provider returned unreadable usage data."})) << body;
