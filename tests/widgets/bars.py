@@ -72,7 +72,9 @@ class I3blocks(X11Bar):
 
 def tmux(session):
     """The command that runs it with the module, and no server that is there already."""
-    (session.folder / ".tmux.conf").write_text(f"set -g status-right ''\nsource-file {WIDGETS}/tmux.conf\n")
+    # A window is renamed some time after its command has begun.
+    own = "set -g status-right ''\nset -g automatic-rename off\n"
+    (session.folder / ".tmux.conf").write_text(f"{own}source-file {WIDGETS}/tmux.conf\n")
     command = ["tmux", "-u", "-S", str(session.folder / "tmux")]
     session.stack.callback(subprocess.run, [*command, "kill-server"], env=session.env, **QUIET)
     return command

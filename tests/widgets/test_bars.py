@@ -74,7 +74,10 @@ class BarTest:
         return self.still()
 
     def wait_for(self, expected, what):
-        wait_until(lambda: self.shown() == expected, what)
+        try:
+            wait_until(lambda: self.shown() == expected, what)
+        except AssertionError:
+            self.assertEqual(self.shown(), expected, what)
 
     def use(self, percent):
         claude_tool.install(self.session, claude_tool.screen(percent, 23))
