@@ -63,14 +63,18 @@ class BarTest:
             now = self.shown()
             if now != value:
                 value, since = now, time.monotonic()
-            return time.monotonic() > since + STILL * SLOW
+            return now is not None and time.monotonic() > since + STILL * SLOW
 
         wait_until(stands, "the bar to stand still")
         return value
 
     def after(self, before, what, text="", color=None):
         """What is shown once it is something else, and that text in that colour as far as can be told."""
-        wait_until(lambda: self.shown() != before and self.shows(text, color), f"{what} to be shown", 3 * BOUND)
+        try:
+            wait_until(lambda: self.shown() != before and self.shows(text, color), f"{what} to be shown", 3 * BOUND)
+        except AssertionError:
+            self.assertIn(text, repr(self.shown()), what)
+            raise
         return self.still()
 
     def wait_for(self, expected, what):
@@ -156,10 +160,12 @@ class TmuxTest(BarTest, ShellTest):
         subprocess.run([*self.command, "kill-server"], env=self.session.env, check=True)
 
     def shown(self):
-        return self.terminal.lines()[-1]
+        """Nothing while tmux says that a command has said nothing yet."""
+        line = self.terminal.lines()[-1]
+        return None if "not ready" in line else line
 
     def shows(self, text, color):
-        return text in self.shown()
+        return text in (self.shown() or "")
 
 
 class PromptTest(ShellTest):
