@@ -222,8 +222,8 @@ class LinuxPlatformServices final : public PlatformServices {
   LogindSystemSleep systemSleep_{{loop_.event(), loop_}, systemAddress_};
 
   const X11ScreenMaker makeX11Screen_ = x11ScreenFromModule(modules_, x11Display(environment_));
-  DesktopAssertionClient assertionClient_{
-      {{loop_.event(), loop_}, sessionAddress_, systemAddress_, makeX11Screen_, systemSleep_.bus()}};
+  DesktopAssertionClient assertionClient_{{{loop_.event(), loop_}, sessionAddress_, systemAddress_, makeX11Screen_},
+                                          systemSleep_.bus()};
   DesktopDisplayPower displayPower_{
       loop_,
       session_.get(),

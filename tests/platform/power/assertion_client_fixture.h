@@ -90,11 +90,9 @@ class AssertionClientTest : public ::testing::Test {
   [[nodiscard]] DesktopAssertionClient& client() {
     if (!client_) {
       client_ = std::make_unique<DesktopAssertionClient>(
-          DesktopAssertionClient::Means{{loop.event(), timers},
-                                        sessionAddress,
-                                        systemAddress,
-                                        x11Session ? x11.maker() : X11ScreenMaker(),
-                                        systemBus});
+          DesktopAssertionClient::Means{
+              {loop.event(), timers}, sessionAddress, systemAddress, x11Session ? x11.maker() : X11ScreenMaker()},
+          systemBus);
     }
     return *client_;
   }

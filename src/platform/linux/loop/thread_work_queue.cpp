@@ -40,16 +40,14 @@ void ThreadWorkQueue::startThread() {
     thread_ = std::thread([this] { work(); });
     working_ = true;
   } catch (const std::system_error&) {
-    loop_.post(lifetime_.guard([this] { retry(); }));
+    loop_.post(lifetime_.guard([this] {
+      retry_.later([this] {
+        const std::lock_guard lock(mutex_);
+        startThread();
+        if (working_) retry_.succeeded();
+      });
+    }));
   }
-}
-
-void ThreadWorkQueue::retry() {
-  retry_ = loop_.every(std::chrono::seconds(1), std::chrono::milliseconds(250), [this] {
-    retry_.reset();
-    const std::lock_guard lock(mutex_);
-    startThread();
-  });
 }
 
 void ThreadWorkQueue::work() {

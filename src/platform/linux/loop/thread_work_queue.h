@@ -9,7 +9,7 @@
 #include <thread>
 
 #include "base/lifetime.h"
-#include "base/subscription.h"
+#include "platform/linux/loop/retry.h"
 #include "platform/main_loop.h"
 
 namespace nimbo {
@@ -31,7 +31,6 @@ class ThreadWorkQueue final : public WorkQueue {
 
  private:
   void startThread();
-  void retry();
   void work();
 
   const std::string label_;
@@ -42,7 +41,7 @@ class ThreadWorkQueue final : public WorkQueue {
   std::condition_variable idle_;            // when working_ has become false
   bool stopping_ = false;                   // guarded by mutex_
   std::thread thread_;                      // guarded by mutex_ until stopping_
-  Subscription retry_;                      // main thread
+  Retry retry_{loop_};                      // main thread
   Lifetime lifetime_;
 };
 

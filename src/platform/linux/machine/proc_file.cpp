@@ -10,8 +10,6 @@
 #include <cstddef>
 #include <memory>
 
-#include "base/text.h"
-
 namespace nimbo {
 namespace {
 
@@ -26,15 +24,17 @@ std::optional<Number> parseWhole(std::string_view word) {
 
 }  // namespace
 
+std::optional<std::string_view> readText(const UniqueFd& file, std::span<char> buffer) {
+  const ssize_t size = file ? ::pread(file.get(), buffer.data(), buffer.size(), 0) : -1;
+  if (size < 0) return std::nullopt;
+  return std::string_view(buffer.data(), static_cast<std::size_t>(size));
+}
+
 std::optional<std::string_view> ProcFile::read(std::span<char> buffer) {
   if (!descriptor_) descriptor_.reset(::open(path_.c_str(), O_RDONLY | O_CLOEXEC));
-  if (!descriptor_) return std::nullopt;
-  const ssize_t size = ::pread(descriptor_.get(), buffer.data(), buffer.size(), 0);
-  if (size < 0) {
-    descriptor_.reset();
-    return std::nullopt;
-  }
-  return std::string_view(buffer.data(), static_cast<std::size_t>(size));
+  const auto text = readText(descriptor_, buffer);
+  if (!text) descriptor_.reset();
+  return text;
 }
 
 std::optional<std::string> readAttribute(const std::string& path) {
@@ -44,9 +44,9 @@ std::optional<std::string> readAttribute(const std::string& path) {
 }
 
 std::string readAttributeLine(const std::string& path) {
-  std::array<char, 4096> buffer;
-  auto text = ProcFile(path).read(buffer).value_or(std::string_view());
-  return std::string(takeUntil(text, '\n'));
+  std::string text = readAttribute(path).value_or("");
+  text.resize(std::min(text.find('\n'), text.size()));
+  return text;
 }
 
 void visitFolder(const std::string& path, const std::function<void(std::string_view name)>& visit) {

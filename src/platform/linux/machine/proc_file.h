@@ -12,14 +12,16 @@
 
 namespace nimbo {
 
+/// What is in an open file from its start, cut at the end of `buffer`, in which it lies; absent when it cannot be read.
+[[nodiscard]] std::optional<std::string_view> readText(const UniqueFd& file, std::span<char> buffer);
+
 /// A file of /proc or /sys that is read again and again. It stays open: the kernel makes the text anew
 /// for each read from the start, and opening and closing costs about 3 µs more.
 class ProcFile {
  public:
   explicit ProcFile(std::string path) : path_(std::move(path)) {}
 
-  /// The text as it is now, cut at the end of `buffer`, in which it lies; absent when it cannot be
-  /// read. A file that is not there yet is looked for again at the next call.
+  /// The text as it is now. A file that is not there yet is looked for again at the next call.
   [[nodiscard]] std::optional<std::string_view> read(std::span<char> buffer);
 
  private:

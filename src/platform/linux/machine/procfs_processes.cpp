@@ -38,13 +38,6 @@ std::optional<ProcessStatus> readProcessStatus(
   return text ? std::optional(parseProcessStatus(*text)) : std::nullopt;
 }
 
-/// From its start, as it is now; absent when it cannot be read, and when nothing is in it.
-std::optional<std::string_view> readText(const UniqueFd& file, std::span<char> buffer) {
-  const ssize_t size = ::pread(file.get(), buffer.data(), buffer.size(), 0);
-  if (size <= 0) return std::nullopt;
-  return std::string_view(buffer.data(), static_cast<std::size_t>(size));
-}
-
 std::size_t descriptorsAllowed() {
   rlimit limit{};
   return ::getrlimit(RLIMIT_NOFILE, &limit) == 0 ? limit.rlim_cur : 0;

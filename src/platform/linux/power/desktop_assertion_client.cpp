@@ -173,8 +173,8 @@ class Attempt {
 
 }  // namespace
 
-DesktopAssertionClient::DesktopAssertionClient(Means means)
-    : means_(std::move(means)), versionQuery_(callAsync(versionCall(means_.system), [this](sd_bus_message* reply) {
+DesktopAssertionClient::DesktopAssertionClient(Means means, sd_bus* system)
+    : means_(std::move(means)), versionQuery_(callAsync(versionCall(system), [this](sd_bus_message* reply) {
         if (!systemd_) systemd_ = readVersion(reply);
       })) {}
 

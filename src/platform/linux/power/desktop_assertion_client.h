@@ -25,10 +25,10 @@ class DesktopAssertionClient final : public AssertionClient {
     std::string sessionAddress;
     std::string systemAddress;
     X11ScreenMaker makeX11Screen;
-    sd_bus* system = nullptr;  ///< asked for systemd's version at the beginning, when there is time
   };
 
-  explicit DesktopAssertionClient(Means means);
+  /// `system` is asked for systemd's version now, when there is time.
+  explicit DesktopAssertionClient(Means means, sd_bus* system = nullptr);
 
   [[nodiscard]] Result<std::uint32_t, PowerError> create(const std::string& type, const std::string& reason) override;
   void release(std::uint32_t id) override { held_.erase(id); }

@@ -3,8 +3,6 @@
 
 #include <fcntl.h>
 
-#include <algorithm>
-#include <chrono>
 #include <utility>
 
 #include "platform/linux/bus/sd_bus_calls.h"
@@ -15,8 +13,6 @@ namespace {
 constexpr const char* kLogind = "org.freedesktop.login1";
 constexpr const char* kPath = "/org/freedesktop/login1";
 constexpr const char* kManager = "org.freedesktop.login1.Manager";
-
-constexpr std::chrono::minutes kLongestRetry{5};
 
 }  // namespace
 
@@ -29,10 +25,9 @@ Subscription LogindSystemSleep::observe(std::function<void()> willSleep, std::fu
 
 // Not yet at once when it was lost: what took it may still be there.
 void LogindSystemSleep::connect() {
-  retry_.reset();
   inhibit_.reset();
   system_.emplace(loops_.event, address_, [this] { lost(); });
-  if (bus() == nullptr) return later(&LogindSystemSleep::connect);
+  if (bus() == nullptr) return retry_.later([this] { connect(); });
   if (logind_) start();
 }
 
@@ -40,7 +35,7 @@ void LogindSystemSleep::connect() {
 void LogindSystemSleep::lost() {
   owner_.clear();
   prepareForSleep(false);
-  later(&LogindSystemSleep::connect);
+  retry_.later([this] { connect(); });
 }
 
 void LogindSystemSleep::start() {
@@ -53,7 +48,7 @@ void LogindSystemSleep::start() {
   logind_.emplace(bus(), kLogind, [this](const std::string& owner) {
     owner_ = owner;
     if (owner.empty()) return;
-    distance_ = kFirstRetry;
+    retry_.succeeded();
     if (sleeping_) {
       prepareForSleep(false);
     } else {
@@ -63,30 +58,26 @@ void LogindSystemSleep::start() {
 }
 
 void LogindSystemSleep::takeLock() {
-  retry_.reset();
+  const auto again = [this] { retry_.later([this] { takeLock(); }); };
+  retry_.cancel();
   const BusMessage call =
       methodCall(bus(), {kLogind, kPath, kManager, "Inhibit"}, "sleep", "Nimbo", "Nimbo pauses its readings", "delay");
-  inhibit_ = callAsync(call, [this](sd_bus_message* reply) {
+  inhibit_ = callAsync(call, [this, again](sd_bus_message* reply) {
     int descriptor = -1;
     const bool granted = !isError(reply) && sd_bus_message_read(reply, "h", &descriptor) > 0;
     UniqueFd lock(granted ? ::fcntl(descriptor, F_DUPFD_CLOEXEC, 3) : -1);
-    if (!lock) return later(&LogindSystemSleep::takeLock);
+    if (!lock) return again();
     lock_ = std::move(lock);
-    distance_ = kFirstRetry;
+    retry_.succeeded();
   });
-  if (!inhibit_) later(&LogindSystemSleep::takeLock);  // it could not be sent
-}
-
-void LogindSystemSleep::later(void (LogindSystemSleep::*action)()) {
-  retry_ = loops_.timers.every(distance_, distance_ / 4, [this, action] { (this->*action)(); });
-  distance_ = std::min<std::chrono::milliseconds>(distance_ * 2, kLongestRetry);
+  if (!inhibit_) again();  // it could not be sent
 }
 
 void LogindSystemSleep::prepareForSleep(bool sleeping) {
   if (std::exchange(sleeping_, sleeping) == sleeping) return;
   if (sleeping) {
     observers_.notify(Notice::willSleep);
-    retry_.reset();
+    retry_.cancel();
     inhibit_.reset();  // a lock that arrives now would only hold the machine up
     lock_.reset();
   } else {

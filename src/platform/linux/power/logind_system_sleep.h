@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <chrono>
 #include <optional>
 #include <string>
 #include <utility>
@@ -11,6 +10,7 @@
 #include "platform/linux/bus/bus_name_watch.h"
 #include "platform/linux/bus/sd_bus_connection.h"
 #include "platform/linux/files/unique_fd.h"
+#include "platform/linux/loop/retry.h"
 #include "platform/linux/power/inhibitors.h"
 #include "platform/system_events.h"
 
@@ -39,10 +39,7 @@ class LogindSystemSleep final : public SystemSleep {
   void lost();
   void start();
   void takeLock();
-  void later(void (LogindSystemSleep::*action)());
   void prepareForSleep(bool sleeping);
-
-  static constexpr std::chrono::seconds kFirstRetry{2};
 
   const InhibitorLoops loops_;
   const std::string address_;
@@ -53,8 +50,7 @@ class LogindSystemSleep final : public SystemSleep {
   std::string owner_;  ///< of logind's name
   BusSlot prepareForSleep_;
   BusSlot inhibit_;
-  std::chrono::milliseconds distance_ = kFirstRetry;  ///< until the next retry
-  Subscription retry_;
+  Retry retry_{loops_.timers};  ///< of the connection, or of the lock
   std::optional<BusNameWatch> logind_;
 };
 

@@ -19,9 +19,6 @@ constexpr const char* kPath = "/StatusNotifierItem";
 constexpr const char* kInterface = "org.kde.StatusNotifierItem";
 constexpr const char* kWatcher = "org.kde.StatusNotifierWatcher";
 
-constexpr std::chrono::seconds kRetry{2};
-constexpr std::chrono::milliseconds kRetryLeeway{500};
-
 /// Pixels; the sizes of panels at scale 1 and 2. Hosts scale between them.
 constexpr int kIconSides[] = {16, 22, 24, 32, 44, 48, 64};
 /// Under the picture of the item that the dashboard hangs from.
@@ -132,7 +129,6 @@ SniStatusItem::SniStatusItem(SdEventMainLoop& loop, std::string busAddress, Setu
 }
 
 void SniStatusItem::connect() {
-  retry_.reset();
   wire_.emplace(*this);
   if (bus() == nullptr) return connectLater();
   turns_ = tray_.attend([this](const std::string& owner) { registerWith(owner); });
@@ -142,7 +138,7 @@ void SniStatusItem::connect() {
 void SniStatusItem::connectLater() {
   turns_.reset();
   announced_ = false;
-  retry_ = loop_.every(kRetry, kRetryLeeway, [this] { connect(); });
+  retry_.later([this] { connect(); });
 }
 
 void SniStatusItem::registerWith(const std::string& tray) {
@@ -151,7 +147,7 @@ void SniStatusItem::registerWith(const std::string& tray) {
   if (!announced_) return;
   const BusMethod method{tray.c_str(), "/StatusNotifierWatcher", kWatcher, "RegisterStatusNotifierItem"};
   // A path stands for this connection. A tray that refuses is gone or broken; the next one is registered with.
-  wire_->registration = callAsync(methodCall(bus(), method, kPath), [](sd_bus_message*) {});
+  wire_->registration = callAsync(methodCall(bus(), method, kPath), [this](sd_bus_message*) { retry_.succeeded(); });
   if (!wire_->registration) connectLater();  // it could not be sent
 }
 

@@ -8,6 +8,7 @@
 #include "base/subscription.h"
 #include "platform/linux/bus/bus_writer.h"
 #include "platform/linux/bus/sd_bus_connection.h"
+#include "platform/linux/loop/retry.h"
 #include "platform/linux/loop/sd_event_main_loop.h"
 #include "platform/linux/tray/dbus_menu.h"
 #include "platform/linux/tray/tray_host.h"
@@ -80,7 +81,7 @@ class SniStatusItem final : public StatusItem {
   bool announced_ = false;  // some tray knows of the item
   Subscription panelObserver_;
   Subscription turns_;
-  Subscription retry_;
+  Retry retry_{loop_};
 };
 
 }  // namespace nimbo
