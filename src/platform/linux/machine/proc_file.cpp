@@ -10,6 +10,8 @@
 #include <cstddef>
 #include <memory>
 
+#include "base/text.h"
+
 namespace nimbo {
 namespace {
 
@@ -44,9 +46,9 @@ std::optional<std::string> readAttribute(const std::string& path) {
 }
 
 std::string readAttributeLine(const std::string& path) {
-  std::string text = readAttribute(path).value_or("");
-  text.resize(std::min(text.find('\n'), text.size()));
-  return text;
+  const std::string text = readAttribute(path).value_or("");
+  std::string_view rest = text;
+  return std::string(takeUntil(rest, '\n'));
 }
 
 void visitFolder(const std::string& path, const std::function<void(std::string_view name)>& visit) {
