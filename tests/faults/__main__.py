@@ -16,6 +16,7 @@ def main():
     parser.add_argument("--every", type=int, default=1, metavar="N", help="tries one fault in N")
     parser.add_argument("--first", type=int, default=0, metavar="N", help="begins with that one")
     parser.add_argument("--only", action="append", metavar="CASE", help="as a finding names it")
+    parser.add_argument("--parts", action="store_true", help="reads and writes do only a part of what is asked")
     parser.add_argument("--rounds", type=int, metavar="N", help="parts of the world vanish and come back, so often")
     parser.add_argument("--seed", type=int, default=random.randrange(10**6), help="of the rounds; a finding names it")
     arguments = parser.parse_args()
@@ -31,6 +32,8 @@ def main():
             for words in arguments.only:
                 name, faults = parsed(words)
                 runs.case(name, *faults)
+        elif arguments.parts:
+            runs.in_parts(names)
         elif arguments.rounds:
             runs.tell(f"seed {arguments.seed}")
             runs.vanish(arguments.rounds, arguments.seed, over)

@@ -3,7 +3,10 @@
 
 import collections
 import contextlib
+import pathlib
 import random
+import subprocess
+import tempfile
 
 from bus import KINDS
 from faults import ERRORS, BusTracer, Fault, Tracer, let_go
@@ -22,6 +25,7 @@ class Runs:
         self.rounds = 0
         self.findings = []
         self.cases = {}
+        self.under = ()  # a command to be put before the program
 
     def close(self):
         if self.world:
@@ -32,7 +36,7 @@ class Runs:
         """The program as the scenario wants it; none where that starts it. Whether it is a new one."""
         if self.world and (self.world.bus_faults is not None) != scenario.on_bus:
             self.close()
-        self.world = self.world or World(proxied=scenario.on_bus)
+        self.world = self.world or World(scenario.on_bus, self.under)
         if self.world.runs and not scenario.starts and self.scenario is scenario:
             return False
         self.world.end()
@@ -114,6 +118,19 @@ class Runs:
                 if until():
                     return
                 self.case(name, fault)
+
+    def in_parts(self, names):
+        """Each scenario, with reads and writes that do only a part of what is asked."""
+        self.close()
+        with tempfile.TemporaryDirectory() as folder:
+            library = f"{folder}/parts.so"
+            source = pathlib.Path(__file__).with_name("parts.c")
+            subprocess.run(["cc", "-shared", "-fPIC", "-o", library, source], check=True)
+            self.under = ("env", f"LD_PRELOAD={library}")
+            for name in names:
+                self.case(name)
+                self.rounds += 1
+            self.close()
 
     def vanish(self, rounds, seed, until=lambda: False):
         """Parts of the world vanish and come back, round after round in one life of the program."""

@@ -44,6 +44,9 @@ class FaultTest(unittest.TestCase):
         for name, faults in map(parsed, SAID):
             self.runs.case(name, *faults)
 
+    def test_reads_and_writes_may_do_only_a_part(self):
+        self.runs.in_parts(["start", "store", "codex", "claude"])
+
     def test_parts_of_the_world_may_vanish(self):
         self.runs.vanish(1, seed=EVERYTHING)
 
