@@ -17,8 +17,17 @@ from nimbo_desktop import BOUND, Session, TrayHost, wait_until, windows_of, xdot
 REPOSITORY = pathlib.Path(__file__).resolve().parent.parent.parent
 BINARY = os.environ.get("NIMBO_BINARY", REPOSITORY / "build" / "release" / "bin" / "nimbo")
 # What the libraries of the windows say when the X server dies; Qt says most when it was just about to begin.
-X_SERVER_DIED = ("The X11 connection broke", "X connection to ", "XIO: ", "      after ", "\n")
-X_SERVER_DIED += ("qt.qpa.", "This application failed to start because no Qt platform", "Available platform plugins are: ")
+X_SERVER_DIED = (
+    "The X11 connection broke",
+    "X connection to ",
+    "XIO: ",
+    "      after ",
+    "\n",
+    "qt.qpa.",
+    "failed to get the primary output of the screen",
+    "This application failed to start because no Qt platform",
+    "Available platform plugins are: ",
+)
 DASHBOARD_WIDTH, DASHBOARD_HEIGHT = 340, 278  # at least
 
 

@@ -172,11 +172,12 @@ class Store(Scenario):
             in_vain(lambda: stored(world.settings, "lastDashboardTab") == value or happened() or not world.runs, 1)
 
     def check(self, world):
+        kept = lambda: stored(world.settings, "lastDashboardTab") == "awake"  # noqa: E731
         world.open_tab("awake")
-        if in_vain(lambda: world.program.windows_pid, SOON):
-            in_vain(lambda: False, 60)  # those that have died three times within a minute can be had again after it
+        if in_vain(kept, SOON) and not world.program.windows_pid:
+            in_vain(lambda: False, 60)  # windows that have died three times within a minute can be had again after it
             world.open_tab("awake")
-        wait_for(lambda: stored(world.settings, "lastDashboardTab") == "awake", "the setting in its file")
+        wait_for(kept, "the setting in its file")
 
 
 class Refresh(Scenario):
