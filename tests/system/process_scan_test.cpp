@@ -63,15 +63,21 @@ TEST(ProcessScan, IdentifiersBelowOneAreNeverRead) {
 
 TEST(ProcessScan, WhatMayBeAmongTheLargestIsMeasured) {
   FakeProcessTable table;
-  table.add(1, {5, 500}, "database", 450);
+  table.add(5, {30, 41}, "small", 31);
+  table.add(4, {40, 90}, "editor", 42);
   table.add(2, {300, 310}, "parent", 60);
   table.add(3, {300, 311}, "fork", 55);
-  table.add(4, {40, 90}, "editor", 42);
-  table.add(5, {30, 41}, "small", 31);
-  EXPECT_EQ(scanProcesses(table, 4).processes,
-            (std::vector<ProcessMemory>{
-                {1, "database", 450}, {2, "parent", 60}, {3, "fork", 55}, {4, "editor", 42}, {5, "small", 30}}));
-  EXPECT_EQ(table.measured, (std::vector<std::int32_t>{1, 3, 2, 4})) << "the fifth cannot be among four";
+  table.add(6, {300, 320}, "fork", 2);
+  table.add(7, {300, 321}, "fork", 1);
+  table.add(1, {5, 500}, "database", 450);
+  EXPECT_EQ(scanProcesses(table, 4).processes, (std::vector<ProcessMemory>{{1, "database", 450},
+                                                                           {2, "parent", 60},
+                                                                           {3, "fork", 55},
+                                                                           {4, "editor", 42},
+                                                                           {5, "small", 30},
+                                                                           {6, "fork", 2},
+                                                                           {7, "fork", 1}}));
+  EXPECT_EQ(table.measured, (std::vector<std::int32_t>{1, 7, 6, 3, 2, 4})) << "the last cannot be among four";
 }
 
 TEST(ProcessScan, WhatMayNotBeLookedIntoKeepsItsEstimate) {
