@@ -30,7 +30,7 @@ class ProcessTable {
   /// looked into.
   [[nodiscard]] virtual std::optional<std::uint64_t> footprint(std::int32_t pid) = 0;
 
-  /// Raw bytes as the system gives them, whole where it has cut them off; empty when the name cannot be read.
+  /// Raw bytes as the system gives them; empty when the name cannot be read.
   [[nodiscard]] virtual std::string name(std::int32_t pid) = 0;
 };
 

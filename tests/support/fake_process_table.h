@@ -24,6 +24,13 @@ class FakeProcessTable final : public ProcessTable {
     if (exact) exact_[pid] = *exact;
   }
 
+  void remove(std::int32_t pid) {
+    std::erase(listed_, pid);
+    readings_.erase(pid);
+    names_.erase(pid);
+    exact_.erase(pid);
+  }
+
   /// Listed, but gone or not permitted when it is measured.
   void addUnreadable(std::int32_t pid) { listed_.push_back(pid); }
 

@@ -5,7 +5,11 @@
 #include <string>
 #include <thread>
 
+#include "platform/contracts/host_statistics_contract.h"
+#include "platform/contracts/process_table_contract.h"
+#include "support/fake_host_statistics.h"
 #include "support/fake_main_loop.h"
+#include "support/fake_process_table.h"
 #include "support/fake_status_bar.h"
 #include "support/fake_user_interface.h"
 
@@ -13,6 +17,34 @@ namespace nimbo {
 namespace {
 
 using namespace std::chrono_literals;
+
+struct FakeMachine {
+  void hasMemory(std::uint64_t bytes) {
+    statistics.total = bytes;
+    statistics.counts = MemoryCounts{.active = bytes / 2, .fileBacked = bytes / 4};
+  }
+  void usesSwap(std::uint64_t bytes) { statistics.swap = bytes; }
+  void hidesSwap() { statistics.swap.reset(); }
+  void isPressed(MemoryPressure level) { statistics.pressure = level; }
+  void hasSpent(const CpuTicks& ticks) { statistics.ticks = ticks; }
+  void tellsNothing() {
+    statistics.total = 0;
+    statistics.counts.reset();
+    statistics.ticks.reset();
+  }
+
+  FakeHostStatistics statistics;
+};
+INSTANTIATE_TYPED_TEST_SUITE_P(Fake, HostStatisticsContract, FakeMachine);
+
+struct MadeUpProcesses {
+  void starts(std::int32_t pid, std::uint64_t bytes, const char* name) { table.add(pid, bytes, name); }
+  void ends(std::int32_t pid) { table.remove(pid); }
+  void startsForbidden(std::int32_t pid) { table.addUnreadable(pid); }
+
+  FakeProcessTable table;
+};
+INSTANTIATE_TYPED_TEST_SUITE_P(Fake, ProcessTableContract, MadeUpProcesses);
 
 TEST(FakeMainLoop, PostedTasksRunInOrderIncludingThosePostedMeanwhile) {
   FakeMainLoop loop;

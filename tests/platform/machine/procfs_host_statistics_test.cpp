@@ -8,6 +8,7 @@
 #include <iterator>
 
 #include "platform/clock.h"
+#include "platform/contracts/host_statistics_contract.h"
 #include "platform/machine/meminfo_recordings.h"
 #include "support/services/temporary_tree.h"
 #include "system/system_sampler.h"
@@ -89,19 +90,35 @@ class ProcfsHostStatisticsTest : public testing::Test {
   ProcfsHostStatistics host{(tree.path() / "proc").string(), (tree.path() / "sys").string(), std::chrono::seconds(0)};
 };
 
-TEST_F(ProcfsHostStatisticsTest, PhysicalMemoryIsTheTotalOrZero) {
-  EXPECT_EQ(host.physicalMemory(), 16265608U * std::uint64_t{1024});
-  tree.write("proc/meminfo", "garbage");
-  EXPECT_EQ(host.physicalMemory(), 0U);
-}
+struct LinuxMachine {
+  void hasMemory(std::uint64_t bytes) {
+    memory = withField(withField(kVirtualMachineMemInfo, "MemTotal", bytes / 1024), "MemAvailable", bytes / 2048);
+    tree.write("proc/meminfo", memory);
+  }
+  void usesSwap(std::uint64_t bytes) {
+    constexpr std::uint64_t kFree = 4096;
+    memory = withField(withField(memory, "SwapTotal", kFree + bytes / 1024), "SwapFree", kFree);
+    tree.write("proc/meminfo", memory);
+  }
+  void hidesSwap() { tree.write("proc/meminfo", withoutField(withoutField(memory, "SwapTotal"), "SwapFree")); }
+  void isPressed(MemoryPressure level) {
+    const auto share = [&](MemoryPressure from) { return level >= from ? "9.00" : "0.00"; };
+    tree.write("proc/pressure/memory", pressure(share(MemoryPressure::warning), share(MemoryPressure::critical)));
+  }
+  void hasSpent(const CpuTicks& ticks) {
+    std::string line = "cpu ";
+    for (const std::size_t index : {0, 3, 1, 2}) line += ' ' + std::to_string(ticks.at(index));
+    tree.write("proc/stat", line + '\n');
+  }
+  void tellsNothing() {
+    for (const char* file : {"proc/meminfo", "proc/stat"}) tree.write(file, "");
+  }
 
-TEST_F(ProcfsHostStatisticsTest, ReadingsFollowTheFile) {
-  EXPECT_EQ(host.memory()->swapUsed, (12582908U - 10485756U) * std::uint64_t{1024});
-  tree.write("proc/meminfo", kVirtualMachineMemInfo);
-  EXPECT_EQ(host.memory()->swapUsed, 0U);
-  tree.write("proc/meminfo", "");
-  EXPECT_FALSE(host.memory());
-}
+  TemporaryTree tree;
+  std::string memory;
+  ProcfsHostStatistics statistics{(tree.path() / "proc").string(), (tree.path() / "sys").string()};
+};
+INSTANTIATE_TYPED_TEST_SUITE_P(Linux, HostStatisticsContract, LinuxMachine);
 
 TEST_F(ProcfsHostStatisticsTest, EveryZramDeviceCountsAndOtherDisksDoNot) {
   const auto compressorBytes = [&] { return host.memory()->compressor; };

@@ -19,6 +19,7 @@
 #include <memory>
 #include <thread>
 
+#include "platform/contracts/process_table_contract.h"
 #include "platform/machine/meminfo_recordings.h"
 #include "support/services/temporary_tree.h"
 #include "system/process_scan.h"
@@ -126,6 +127,24 @@ TEST(ProcessRollup, TextThatDoesNotTellThePartsIsAbsent) {
     EXPECT_FALSE(parseFootprint(text)) << text;
   }
 }
+
+struct LinuxProcesses {
+  void starts(std::int32_t pid, std::uint64_t bytes, const std::string& name) const {
+    const std::string folder = std::to_string(pid) + "/";
+    const std::string pages = std::to_string(bytes / static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE)));
+    const std::string size = " " + std::to_string(bytes / 1024) + " kB\n";
+    tree.write(folder + "comm", name + "\n");
+    tree.write(folder + "statm", pages + " " + pages + " 0 0 0 0 0\n");
+    tree.write(folder + "status", "RssAnon:" + size);
+    tree.write(folder + "smaps_rollup", "Pss_Anon:" + size);
+  }
+  void ends(std::int32_t pid) const { std::filesystem::remove_all(tree.path() / std::to_string(pid)); }
+  void startsForbidden(std::int32_t pid) const { std::filesystem::create_directory(tree.path() / std::to_string(pid)); }
+
+  TemporaryTree tree;
+  ProcfsProcessTable table{tree.path().string()};
+};
+INSTANTIATE_TYPED_TEST_SUITE_P(Linux, ProcessTableContract, LinuxProcesses);
 
 class ProcfsProcessTableTest : public testing::Test {
  protected:
