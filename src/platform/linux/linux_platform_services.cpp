@@ -23,14 +23,15 @@
 #include "platform/linux/desktop/xdg_login_item.h"
 #include "platform/linux/display/desktop_display_power.h"
 #include "platform/linux/display/display_modules.h"
-#include "platform/linux/files/regular_file.h"
+#include "platform/posix/files/regular_file.h"
 #include "platform/linux/files/xdg_folders.h"
 #include "platform/linux/http/module_http_client.h"
-#include "platform/linux/loop/background_threads.h"
+#include "platform/posix/loop/background_threads.h"
 #include "platform/linux/loop/dl_module_loader.h"
 #include "platform/linux/loop/sd_event_main_loop.h"
 #include "platform/linux/loop/signal_termination.h"
-#include "platform/linux/loop/thread_work_queue.h"
+#include "platform/posix/loop/thread_work_queue.h"
+#include "platform/linux/loop/utility_thread.h"
 #include "platform/linux/machine/hwmon_temperature_sensor.h"
 #include "platform/linux/machine/procfs_host_statistics.h"
 #include "platform/linux/machine/procfs_processes.h"
@@ -43,8 +44,9 @@
 #include "platform/linux/settings/json_bundle_info.h"
 #include "platform/linux/settings/json_user_defaults.h"
 #include "platform/linux/terminal/foreground_programs.h"
-#include "platform/linux/terminal/local_tool_files.h"
-#include "platform/linux/terminal/pty_terminals.h"
+#include "platform/linux/terminal/session_processes.h"
+#include "platform/posix/terminal/local_tool_files.h"
+#include "platform/posix/terminal/pty_terminals.h"
 #include "platform/linux/tray/panel_appearance.h"
 #include "platform/linux/tray/sni_status_bar.h"
 #include "platform/linux/update/update_module.h"
@@ -239,13 +241,13 @@ class LinuxPlatformServices final : public PlatformServices {
   RtnetlinkNetwork network_{loop_};
   PlainSecretFiles secretFiles_;
   LocalToolFiles toolFiles_;
-  PtyTerminals terminals_;
+  PtyTerminals terminals_{procfsTerminalSystem()};
   AtspiAccessibility accessibility_{sessionAddress_};
 
-  BackgroundThreads background_;
-  ThreadWorkQueue claudeQueue_{"Nimbo.claude", loop_};
-  ThreadWorkQueue temperatureQueue_{"Nimbo.temperature", loop_};
-  ThreadWorkQueue utilityQueue_{"Nimbo.utility", loop_};
+  BackgroundThreads background_{makeUtilityThread};
+  ThreadWorkQueue claudeQueue_{"Nimbo.claude", loop_, makeUtilityThread};
+  ThreadWorkQueue temperatureQueue_{"Nimbo.temperature", loop_, makeUtilityThread};
+  ThreadWorkQueue utilityQueue_{"Nimbo.utility", loop_, makeUtilityThread};
   std::optional<JsonUserDefaults> defaults_{std::in_place, folders_.config, kDomain, defaultsServices()};
 };
 

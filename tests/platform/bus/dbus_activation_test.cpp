@@ -9,7 +9,7 @@
 #include <chrono>
 #include <string>
 
-#include "platform/linux/files/unique_fd.h"
+#include "platform/posix/files/unique_fd.h"
 #include "support/services/program_run.h"
 #include "support/services/temporary_tree.h"
 

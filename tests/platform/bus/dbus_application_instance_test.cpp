@@ -9,7 +9,7 @@
 #include <optional>
 #include <thread>
 
-#include "platform/linux/files/unique_fd.h"
+#include "platform/posix/files/unique_fd.h"
 #include "support/services/bus_peer.h"
 #include "support/services/private_bus.h"
 

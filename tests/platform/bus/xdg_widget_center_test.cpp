@@ -18,7 +18,7 @@
 #include <thread>
 #include <vector>
 
-#include "platform/linux/files/unique_fd.h"
+#include "platform/posix/files/unique_fd.h"
 #include "support/services/bus_peer.h"
 #include "support/services/private_bus.h"
 #include "support/services/temporary_tree.h"

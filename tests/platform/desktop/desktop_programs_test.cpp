@@ -9,7 +9,7 @@
 #include <filesystem>
 
 #include "platform/linux/desktop/desktop_programs.h"
-#include "platform/linux/files/unique_fd.h"
+#include "platform/posix/files/unique_fd.h"
 #include "support/services/bus_peer.h"
 #include "support/services/temporary_tree.h"
 

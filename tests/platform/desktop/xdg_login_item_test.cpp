@@ -11,7 +11,7 @@
 #include <filesystem>
 #include <iterator>
 
-#include "platform/linux/files/unique_fd.h"
+#include "platform/posix/files/unique_fd.h"
 #include "support/services/program_run.h"
 #include "support/services/temporary_tree.h"
 

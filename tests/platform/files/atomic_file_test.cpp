@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/linux/files/atomic_file.h"
+#include "platform/posix/files/atomic_file.h"
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>

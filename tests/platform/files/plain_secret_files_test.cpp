@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/linux/files/regular_file.h"
+#include "platform/posix/files/regular_file.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "platform/linux/files/regular_file.h"
+#include "platform/posix/files/regular_file.h"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -42,7 +41,6 @@ TEST(RegularFile, EndlessDeviceFolderAndPipeAreNotRead) {
 TEST(RegularFile, MissingFileSaysSo) {
   const TemporaryTree tree;
   EXPECT_EQ(readRegularFile(tree.path() / "none", 10).error(), std::errc::no_such_file_or_directory);
-  EXPECT_EQ(fileStamp(tree.path() / "none").error(), std::errc::no_such_file_or_directory);
 }
 
 TEST(RegularFile, LongerThanItsSizeSaysIsReadToItsEnd) {
@@ -51,53 +49,6 @@ TEST(RegularFile, LongerThanItsSizeSaysIsReadToItsEnd) {
   EXPECT_TRUE(text->starts_with("Name:"));
   EXPECT_TRUE(text->find("nonvoluntary_ctxt_switches:") != std::string::npos && text->ends_with("\n"));
   EXPECT_EQ(readRegularFile("/proc/self/status", 100).error(), std::errc::file_too_large);
-}
-
-TEST(RegularFile, StampStaysWhileTheFileDoes) {
-  const TemporaryTree tree;
-  const fs::path file = tree.write("file", "text");
-  const auto before = fileStamp(file);
-  ASSERT_TRUE(before);
-  EXPECT_TRUE(readRegularFile(file, 10));
-  EXPECT_EQ(fileStamp(file), before);
-}
-
-TEST(RegularFile, StampTellsLengthModificationAndReplacementApart) {
-  const TemporaryTree tree;
-  const fs::path file = tree.write("file", "text");
-  const auto original = fileStamp(file);
-  tree.write("file", "longer text");
-  const auto longer = fileStamp(file);
-  EXPECT_NE(longer, original);
-
-  const timespec times[2] = {{1000, 5}, {1000, 5}};
-  ASSERT_EQ(::utimensat(AT_FDCWD, file.c_str(), times, 0), 0);
-  const auto touched = fileStamp(file);
-  ASSERT_TRUE(touched);
-  EXPECT_EQ(touched->modifiedSeconds, 1000);
-
-  const fs::path copy = tree.write("copy", "longer text");
-  ASSERT_EQ(::utimensat(AT_FDCWD, copy.c_str(), times, 0), 0);
-  fs::rename(copy, file);
-  EXPECT_NE(fileStamp(file)->inode, touched->inode);
-}
-
-TEST(RegularFile, StampIsSettledOnceItIsOlderThanTheCoarsestClock) {
-  FileStamp stamp;
-  stamp.changedSeconds = 1000;
-  stamp.changedNanoseconds = 999'999'999;
-  EXPECT_FALSE(isSettled(stamp, 1000));
-  EXPECT_FALSE(isSettled(stamp, 1002));
-  EXPECT_TRUE(isSettled(stamp, 1003));
-  EXPECT_FALSE(isSettled(stamp, 998)) << "a clock that was set back a little";
-  EXPECT_TRUE(isSettled(stamp, 0)) << "a clock far off must not mean reading the file every time";
-}
-
-TEST(RegularFile, StampFollowsLinks) {
-  const TemporaryTree tree;
-  const fs::path file = tree.write("file", "text");
-  fs::create_symlink("file", tree.path() / "link");
-  EXPECT_EQ(fileStamp(tree.path() / "link"), fileStamp(file));
 }
 
 }  // namespace

@@ -10,7 +10,7 @@
 #include <future>
 
 #include "platform/http/http_client_fixture.h"
-#include "platform/linux/files/unique_fd.h"
+#include "platform/posix/files/unique_fd.h"
 
 namespace nimbo {
 namespace {

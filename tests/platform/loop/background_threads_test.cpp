@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/linux/loop/background_threads.h"
+#include "platform/posix/loop/background_threads.h"
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -12,13 +12,15 @@
 #include <optional>
 #include <thread>
 
+#include "platform/linux/loop/utility_thread.h"
+
 namespace nimbo {
 namespace {
 
 using namespace std::chrono_literals;
 
 TEST(BackgroundThreads, WorkRunsElsewhereAtLowPriority) {
-  BackgroundThreads threads;
+  BackgroundThreads threads(makeUtilityThread);
   std::promise<std::pair<std::thread::id, int>> told;
   threads.run([&told] {
     told.set_value({std::this_thread::get_id(), getpriority(PRIO_PROCESS, static_cast<id_t>(gettid()))});
@@ -33,7 +35,7 @@ TEST(BackgroundThreads, WorkRunsElsewhereAtLowPriority) {
 TEST(BackgroundThreads, WorkThatHangsHoldsUpNoOther) {
   std::promise<void> release;
   std::promise<void> done;
-  BackgroundThreads threads;
+  BackgroundThreads threads(makeUtilityThread);
   threads.run([&release] { release.get_future().wait(); });
   threads.run([&done] { done.set_value(); });
   EXPECT_EQ(done.get_future().wait_for(10s), std::future_status::ready);
@@ -43,7 +45,7 @@ TEST(BackgroundThreads, WorkThatHangsHoldsUpNoOther) {
 TEST(BackgroundThreads, DestructionWaitsForWorkThatIsNearlyDone) {
   std::atomic<bool> done = false;
   {
-    BackgroundThreads threads;
+    BackgroundThreads threads(makeUtilityThread);
     threads.run([&done] {
       std::this_thread::sleep_for(20ms);  // the work itself, not a wait for something
       done = true;
@@ -54,7 +56,7 @@ TEST(BackgroundThreads, DestructionWaitsForWorkThatIsNearlyDone) {
 
 TEST(BackgroundThreads, EndTellsOfWorkThatHangs) {
   std::promise<void> release;
-  BackgroundThreads threads;
+  BackgroundThreads threads(makeUtilityThread);
   EXPECT_TRUE(threads.endBy(std::chrono::steady_clock::now())) << "nothing runs";
   threads.run([&release] { release.get_future().wait(); });
   EXPECT_FALSE(threads.endBy(std::chrono::steady_clock::now() + 10ms));

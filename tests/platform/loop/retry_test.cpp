@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/linux/loop/retry.h"
+#include "platform/posix/loop/retry.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/linux/loop/thread_work_queue.h"
+#include "platform/posix/loop/thread_work_queue.h"
 
 #include <gtest/gtest.h>
 #include <pthread.h>
@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "platform/linux/loop/sd_event_main_loop.h"
+#include "platform/linux/loop/utility_thread.h"
 
 namespace nimbo {
 namespace {
@@ -25,7 +26,7 @@ constexpr std::chrono::seconds kBound{5};
 
 TEST(ThreadWorkQueue, JobsRunOneAfterTheOtherInOrder) {
   SdEventMainLoop loop;
-  ThreadWorkQueue queue("test", loop);
+  ThreadWorkQueue queue("test", loop, makeUtilityThread);
   std::vector<int> order;
   std::promise<void> done;
   for (int i = 0; i < 100; ++i) queue.async([&order, i] { order.push_back(i); });
@@ -38,7 +39,7 @@ TEST(ThreadWorkQueue, JobsRunOneAfterTheOtherInOrder) {
 TEST(ThreadWorkQueue, JobsRunAtLowPriorityOnANamedThread) {
   const int ownNice = getpriority(PRIO_PROCESS, static_cast<id_t>(gettid()));
   SdEventMainLoop loop;
-  ThreadWorkQueue queue("Nimbo.temperature", loop);
+  ThreadWorkQueue queue("Nimbo.temperature", loop, makeUtilityThread);
   std::promise<int> nice;
   std::promise<std::string> name;
   queue.async([&] {
@@ -61,7 +62,7 @@ TEST(ThreadWorkQueue, DestructionWaitsForTheRunningJob) {
   std::thread releaser;
   {
     SdEventMainLoop loop;
-    ThreadWorkQueue queue("test", loop);
+    ThreadWorkQueue queue("test", loop, makeUtilityThread);
     queue.async([&] {
       started.set_value();
       release.get_future().wait_for(kBound);
@@ -79,7 +80,7 @@ TEST(ThreadWorkQueue, EndTellsOfAJobThatHangsAndDropsTheRest) {
   std::promise<void> release;
   bool dropped = true;
   SdEventMainLoop loop;
-  ThreadWorkQueue queue("test", loop);
+  ThreadWorkQueue queue("test", loop, makeUtilityThread);
   queue.async([&] {
     started.set_value();
     release.get_future().wait();
@@ -94,7 +95,7 @@ TEST(ThreadWorkQueue, EndTellsOfAJobThatHangsAndDropsTheRest) {
 
 TEST(ThreadWorkQueue, WhatAJobHeldIsReleasedOnceItHasRun) {
   SdEventMainLoop loop;
-  ThreadWorkQueue queue("test", loop);
+  ThreadWorkQueue queue("test", loop, makeUtilityThread);
   auto held = std::make_shared<int>(1);
   const std::weak_ptr<int> watched = held;
   std::promise<void> done;
@@ -106,7 +107,7 @@ TEST(ThreadWorkQueue, WhatAJobHeldIsReleasedOnceItHasRun) {
 
 TEST(ThreadWorkQueue, ThreadEndsWithTheLastJobAndTheNextOneHasAnother) {
   SdEventMainLoop loop;
-  ThreadWorkQueue queue("test", loop);
+  ThreadWorkQueue queue("test", loop, makeUtilityThread);
   for (int round = 0; round < 3; ++round) {
     std::promise<pid_t> thread;
     queue.async([&] { thread.set_value(gettid()); });
@@ -123,7 +124,7 @@ TEST(ThreadWorkQueue, JobForWhichNoThreadCanBeMadeRunsWhenOneCan) {
   pthread_attr_t tooLarge = before;
   ASSERT_EQ(pthread_attr_setstacksize(&tooLarge, std::size_t{1} << 60), 0);
   SdEventMainLoop loop;
-  ThreadWorkQueue queue("test", loop);
+  ThreadWorkQueue queue("test", loop, makeUtilityThread);
   bool done = false;
   ASSERT_EQ(pthread_setattr_default_np(&tooLarge), 0);
   queue.async([&] {
@@ -140,7 +141,7 @@ TEST(ThreadWorkQueue, JobForWhichNoThreadCanBeMadeRunsWhenOneCan) {
 
 TEST(ThreadWorkQueue, UnusedQueueEndsAtOnce) {
   SdEventMainLoop loop;
-  const ThreadWorkQueue queue("test", loop);
+  const ThreadWorkQueue queue("test", loop, makeUtilityThread);
 }
 
 }  // namespace

@@ -13,7 +13,7 @@
 
 #include <thread>
 
-#include "platform/linux/files/unique_fd.h"
+#include "platform/posix/files/unique_fd.h"
 #include "platform/linux/loop/sd_event_main_loop.h"
 
 namespace nimbo {

@@ -9,7 +9,7 @@
 #include <filesystem>
 #include <map>
 
-#include "platform/linux/files/unique_fd.h"
+#include "platform/posix/files/unique_fd.h"
 #include "support/services/temporary_tree.h"
 
 namespace nimbo {

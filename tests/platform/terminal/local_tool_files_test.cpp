@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/linux/terminal/local_tool_files.h"
+#include "platform/posix/terminal/local_tool_files.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>

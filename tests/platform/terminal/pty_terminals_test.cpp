@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/linux/terminal/pty_terminals.h"
+#include "platform/posix/terminal/pty_terminals.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -16,7 +16,8 @@
 #include <thread>
 #include <vector>
 
-#include "platform/linux/files/unique_fd.h"
+#include "platform/linux/terminal/session_processes.h"
+#include "platform/posix/files/unique_fd.h"
 #include "support/services/temporary_tree.h"
 
 namespace nimbo {
@@ -95,7 +96,7 @@ class PtyTerminalsTest : public ::testing::Test {
 
   TemporaryTree folder;
   TemporaryTree elsewhere;
-  PtyTerminals terminals;
+  PtyTerminals terminals{procfsTerminalSystem()};
   std::unique_ptr<TerminalProgram> program;
   std::string output;
 };

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/linux/files/unique_fd.h"
+#include "platform/posix/files/unique_fd.h"
 #include "support/services/bus_peer.h"
 
 namespace nimbo {

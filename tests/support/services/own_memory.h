@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "base/secret.h"
-#include "platform/linux/files/unique_fd.h"
+#include "platform/posix/files/unique_fd.h"
 
 namespace nimbo {
 

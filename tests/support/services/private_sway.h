@@ -13,7 +13,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "platform/linux/files/unique_fd.h"
+#include "platform/posix/files/unique_fd.h"
 #include "support/services/program_run.h"
 #include "support/services/temporary_tree.h"
 

@@ -14,7 +14,7 @@
 #include <thread>
 #include <utility>
 
-#include "platform/linux/files/unique_fd.h"
+#include "platform/posix/files/unique_fd.h"
 #include "support/services/bus_peer.h"
 
 namespace nimbo {

@@ -5,9 +5,10 @@
 
 #include "platform/clock.h"
 #include "platform/http/http_client_fixture.h"
-#include "platform/linux/loop/thread_work_queue.h"
+#include "platform/linux/loop/utility_thread.h"
 #include "platform/linux/update/debian/debian_system.h"
 #include "platform/linux/update/update_module.h"
+#include "platform/posix/loop/thread_work_queue.h"
 #include "support/fake_update_windows.h"
 #include "support/fake_user_defaults.h"
 #include "support/fake_workspace.h"
@@ -73,7 +74,7 @@ class UpdateOverHttps : public HttpClientTest {
   }
 
   Publisher publisher;
-  ThreadWorkQueue queue{"Nimbo.utility", loop};
+  ThreadWorkQueue queue{"Nimbo.utility", loop, makeUtilityThread};
   SystemClock clock;
   FakeUserDefaultsDomains domains;
   FakeUserDefaults defaults{domains, "com.quellwerk.Nimbo"};

@@ -16,9 +16,11 @@
 #include <vector>
 
 #include "platform/clock.h"
-#include "platform/linux/loop/thread_work_queue.h"
-#include "platform/linux/terminal/local_tool_files.h"
-#include "platform/linux/terminal/pty_terminals.h"
+#include "platform/linux/loop/utility_thread.h"
+#include "platform/linux/terminal/session_processes.h"
+#include "platform/posix/loop/thread_work_queue.h"
+#include "platform/posix/terminal/local_tool_files.h"
+#include "platform/posix/terminal/pty_terminals.h"
 #include "support/fake_main_loop.h"
 #include "support/services/temporary_tree.h"
 #include "usage/claude/claude_usage_cli.h"
@@ -81,7 +83,7 @@ class ClaudeUsageTerminalTest : public ::testing::Test {
 
   TemporaryTree tree;
   const fs::path workspace = tree.path() / "cache/ClaudeUsage";
-  PtyTerminals terminals;
+  PtyTerminals terminals{procfsTerminalSystem()};
   LocalToolFiles files;
   SystemClock clock;
 };
@@ -182,7 +184,7 @@ class ClaudeUsageReaderTerminalTest : public ClaudeUsageTerminalTest {
   FakeMainLoop loop;
   std::optional<UsageOutcome> outcome;
   int desktopReads = 0;
-  ThreadWorkQueue queue{"claude", loop};  // ends first: its jobs use the others
+  ThreadWorkQueue queue{"claude", loop, makeUtilityThread};  // ends first: its jobs use the others
 };
 
 TEST_F(ClaudeUsageReaderTerminalTest, ScreenArrivesOnTheMainLoop) {

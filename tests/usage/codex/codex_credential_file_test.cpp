@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include "platform/linux/files/regular_file.h"
+#include "platform/posix/files/regular_file.h"
 #include "support/fake_clock.h"
 #include "support/fake_secret_files.h"
 #include "support/services/temporary_tree.h"

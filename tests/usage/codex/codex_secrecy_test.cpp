@@ -9,7 +9,7 @@
 #include <optional>
 #include <thread>
 
-#include "platform/linux/files/regular_file.h"
+#include "platform/posix/files/regular_file.h"
 #include "platform/linux/http/module_http_client.h"
 #include "platform/linux/loop/dl_module_loader.h"
 #include "platform/linux/loop/sd_event_main_loop.h"

@@ -2,7 +2,7 @@
 #include "platform/linux/bus/xdg_widget_center.h"
 
 #include "platform/linux/bus/program_address.h"
-#include "platform/linux/files/atomic_file.h"
+#include "platform/posix/files/atomic_file.h"
 
 namespace nimbo {
 namespace {

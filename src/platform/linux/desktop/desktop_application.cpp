@@ -7,7 +7,7 @@
 
 #include "base/text.h"
 #include "platform/linux/desktop/desktop_entry.h"
-#include "platform/linux/files/regular_file.h"
+#include "platform/posix/files/regular_file.h"
 #include "platform/linux/files/xdg_folders.h"
 #include "platform/linux/machine/proc_file.h"
 

@@ -5,7 +5,7 @@
 
 #include "base/text.h"
 #include "platform/linux/desktop/desktop_programs.h"
-#include "platform/linux/files/regular_file.h"
+#include "platform/posix/files/regular_file.h"
 
 namespace nimbo {
 namespace {

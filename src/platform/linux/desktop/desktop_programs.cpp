@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "base/text.h"
-#include "platform/linux/files/regular_file.h"
+#include "platform/posix/files/regular_file.h"
 #include "platform/linux/machine/session_spawn.h"
 
 namespace nimbo {

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/linux/files/unique_fd.h"
+#include "platform/posix/files/unique_fd.h"
 #include "platform/main_loop.h"
 
 namespace nimbo {

@@ -10,7 +10,7 @@
 
 #include "base/text.h"
 #include "platform/linux/desktop/desktop_entry.h"
-#include "platform/linux/files/regular_file.h"
+#include "platform/posix/files/regular_file.h"
 
 namespace nimbo {
 namespace {

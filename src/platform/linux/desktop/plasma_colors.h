@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "base/observer_list.h"
-#include "platform/linux/files/unique_fd.h"
+#include "platform/posix/files/unique_fd.h"
 #include "platform/main_loop.h"
 #include "platform/workspace.h"
 

@@ -12,9 +12,9 @@
 
 #include "platform/linux/desktop/desktop_entry.h"
 #include "platform/linux/desktop/desktop_programs.h"
-#include "platform/linux/files/atomic_file.h"
-#include "platform/linux/files/regular_file.h"
-#include "platform/linux/files/unique_fd.h"
+#include "platform/posix/files/atomic_file.h"
+#include "platform/posix/files/regular_file.h"
+#include "platform/posix/files/unique_fd.h"
 
 namespace nimbo {
 namespace {

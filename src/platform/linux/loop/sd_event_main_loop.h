@@ -7,8 +7,8 @@
 #include <mutex>
 #include <vector>
 
-#include "platform/linux/files/unique_fd.h"
 #include "platform/main_loop.h"
+#include "platform/posix/files/unique_fd.h"
 
 namespace nimbo {
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/linux/files/unique_fd.h"
+#include "platform/posix/files/unique_fd.h"
 
 namespace nimbo {
 

@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/linux/files/unique_fd.h"
 #include "platform/linux/machine/proc_file.h"
+#include "platform/posix/files/unique_fd.h"
 #include "platform/process_table.h"
 
 namespace nimbo {

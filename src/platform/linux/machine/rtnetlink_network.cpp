@@ -13,7 +13,7 @@
 #include <system_error>
 #include <utility>
 
-#include "platform/linux/files/unique_fd.h"
+#include "platform/posix/files/unique_fd.h"
 
 namespace nimbo {
 namespace {

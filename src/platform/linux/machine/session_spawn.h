@@ -1,15 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <sys/types.h>
-
-#include <string>
-#include <system_error>
-#include <vector>
-
-#include "base/result.h"
-#include "platform/linux/files/unique_fd.h"
-#include "platform/pseudo_terminal.h"
+#include "platform/posix/files/unique_fd.h"
+#include "platform/posix/processes/session_spawn.h"
 
 namespace nimbo {
 
@@ -19,23 +12,21 @@ struct SessionLeader {
   UniqueFd descriptor;  ///< of the process, see processDescriptor()
 };
 
-// All start a program as the leader of a new session, with no signal blocked or ignored and no descriptor
-// above those of input, output and error. The error says why it could not be started, a missing folder
-// or an executable that the kernel refuses included. Any thread.
+// Both start a program as the leader of a new session, see spawnSession(), with this process's environment, output and
+// error and no other descriptor. Any thread.
 
-/// `terminal` becomes its controlling terminal, input, output and error.
-[[nodiscard]] Result<SessionLeader, std::error_code> spawnOnTerminal(const ChildProgram& program,
-                                                                     const std::string& terminal);
-
-/// With this process's environment, output and error, and an empty input.
+/// With an empty input.
 [[nodiscard]] Result<SessionLeader, std::error_code> spawnWithoutInput(const std::string& executable,
                                                                        const std::vector<std::string>& arguments);
 
-/// A program by what was opened of its file, under a name, with this process's environment, output and error, and a
-/// copy of `input`. It finds its file open as descriptor 3.
+/// A program by what was opened of its file, under a name, with a copy of `input`. It finds its file open as
+/// descriptor 3.
 [[nodiscard]] Result<SessionLeader, std::error_code> spawnWithInput(const UniqueFd& executable,
                                                                     const std::vector<std::string>& words,
                                                                     const UniqueFd& input);
+
+/// A DescriptorGuard.
+[[nodiscard]] int closeFrom(posix_spawnattr_t* attributes, posix_spawn_file_actions_t* steps, int first);
 
 /// Readable once the process has ended; none when there is no such process.
 [[nodiscard]] UniqueFd processDescriptor(pid_t pid);

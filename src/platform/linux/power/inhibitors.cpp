@@ -10,7 +10,7 @@
 
 #include "platform/linux/bus/bus_name_watch.h"
 #include "platform/linux/bus/sd_bus_calls.h"
-#include "platform/linux/files/unique_fd.h"
+#include "platform/posix/files/unique_fd.h"
 
 namespace nimbo {
 namespace {

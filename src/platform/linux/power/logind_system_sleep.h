@@ -9,9 +9,9 @@
 #include "base/subscription.h"
 #include "platform/linux/bus/bus_name_watch.h"
 #include "platform/linux/bus/sd_bus_connection.h"
-#include "platform/linux/files/unique_fd.h"
-#include "platform/linux/loop/retry.h"
 #include "platform/linux/power/inhibitors.h"
+#include "platform/posix/files/unique_fd.h"
+#include "platform/posix/loop/retry.h"
 #include "platform/system_events.h"
 
 namespace nimbo {

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "base/bounded_json.h"
-#include "platform/linux/files/regular_file.h"
+#include "platform/posix/files/regular_file.h"
 
 namespace nimbo {
 

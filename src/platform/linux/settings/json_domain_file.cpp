@@ -14,7 +14,8 @@
 #include <utility>
 
 #include "base/bounded_json.h"
-#include "platform/linux/files/atomic_file.h"
+#include "platform/posix/files/atomic_file.h"
+#include "platform/posix/files/regular_file.h"
 
 namespace nimbo {
 namespace {

@@ -7,7 +7,7 @@
 #include <optional>
 #include <string_view>
 
-#include "platform/linux/files/regular_file.h"
+#include "platform/linux/files/file_stamp.h"
 
 namespace nimbo {
 

@@ -7,6 +7,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <functional>
 #include <vector>
 
@@ -20,13 +21,14 @@ namespace fs = std::filesystem;
 
 using Condition = std::function<bool(pid_t)>;
 
+constexpr const char* kProcRoot = "/proc";
 constexpr int kMillisecondsToDie = 100;
 // A process that forks while it is looked for may escape one round.
 constexpr int kMaximumRounds = 8;
 
-std::vector<pid_t> matching(const fs::path& procRoot, const Condition& condition) {
+std::vector<pid_t> matching(const Condition& condition) {
   std::vector<pid_t> result;
-  visitFolder(procRoot, [&](std::string_view name) {
+  visitFolder(kProcRoot, [&](std::string_view name) {
     const auto number = parseNumber(name);
     const auto pid = static_cast<pid_t>(number.value_or(0));
     if (number && pid != ::getpid() && condition(pid)) result.push_back(pid);
@@ -44,9 +46,9 @@ void kill(pid_t pid, const Condition& condition) {
   ::poll(&ended, 1, kMillisecondsToDie);
 }
 
-void killAll(const fs::path& procRoot, const Condition& condition) {
+void killAll(const Condition& condition) {
   for (int round = 0; round < kMaximumRounds; ++round) {
-    const auto found = matching(procRoot, condition);
+    const auto found = matching(condition);
     if (found.empty()) return;
     for (const pid_t pid : found) kill(pid, condition);
   }
@@ -69,6 +71,20 @@ bool holds(const fs::path& process, const std::string& path, const struct stat& 
   return found;
 }
 
+void killSessionMembers(pid_t leader) {
+  killAll([&](pid_t pid) {
+    const auto text = readAttribute(fs::path(kProcRoot) / std::to_string(pid) / "stat");
+    const auto place = text ? parseProcessPlace(*text) : std::nullopt;
+    return place && !place->zombie && place->session == leader;
+  });
+}
+
+void killHolders(const std::string& path) {
+  struct stat file {};
+  if (::stat(path.c_str(), &file) != 0) return;
+  killAll([&](pid_t pid) { return holds(fs::path(kProcRoot) / std::to_string(pid), path, file); });
+}
+
 }  // namespace
 
 std::optional<ProcessPlace> parseProcessPlace(std::string_view text) {
@@ -83,18 +99,6 @@ std::optional<ProcessPlace> parseProcessPlace(std::string_view text) {
   return ProcessPlace{.zombie = state == "Z" || state == "X", .session = static_cast<pid_t>(*session)};
 }
 
-void killSessionMembers(const fs::path& procRoot, pid_t leader) {
-  killAll(procRoot, [&](pid_t pid) {
-    const auto text = readAttribute(procRoot / std::to_string(pid) / "stat");
-    const auto place = text ? parseProcessPlace(*text) : std::nullopt;
-    return place && !place->zombie && place->session == leader;
-  });
-}
-
-void killHolders(const fs::path& procRoot, const std::string& path) {
-  struct stat file {};
-  if (::stat(path.c_str(), &file) != 0) return;
-  killAll(procRoot, [&](pid_t pid) { return holds(procRoot / std::to_string(pid), path, file); });
-}
+TerminalSystem procfsTerminalSystem() { return {closeFrom, killSessionMembers, killHolders}; }
 
 }  // namespace nimbo

@@ -3,10 +3,10 @@
 
 #include <sys/types.h>
 
-#include <filesystem>
 #include <optional>
-#include <string>
 #include <string_view>
+
+#include "platform/posix/terminal/pty_terminals.h"
 
 namespace nimbo {
 
@@ -18,11 +18,7 @@ struct ProcessPlace {
 };
 [[nodiscard]] std::optional<ProcessPlace> parseProcessPlace(std::string_view text);
 
-/// Kills every process of the session that `leader` led and, for a short while, waits until they are
-/// gone. `leader` has ended and is not reaped yet.
-void killSessionMembers(const std::filesystem::path& procRoot, pid_t leader);
-
-/// The same for the processes, of whatever session, that have the file `path` open.
-void killHolders(const std::filesystem::path& procRoot, const std::string& path);
+/// By what /proc tells of processes.
+[[nodiscard]] TerminalSystem procfsTerminalSystem();
 
 }  // namespace nimbo

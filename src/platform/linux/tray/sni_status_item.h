@@ -8,10 +8,10 @@
 #include "base/subscription.h"
 #include "platform/linux/bus/bus_writer.h"
 #include "platform/linux/bus/sd_bus_connection.h"
-#include "platform/linux/loop/retry.h"
 #include "platform/linux/loop/sd_event_main_loop.h"
 #include "platform/linux/tray/dbus_menu.h"
 #include "platform/linux/tray/tray_host.h"
+#include "platform/posix/loop/retry.h"
 #include "platform/status_bar.h"
 
 namespace nimbo {

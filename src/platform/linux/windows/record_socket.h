@@ -4,7 +4,7 @@
 #include <string>
 #include <utility>
 
-#include "platform/linux/files/unique_fd.h"
+#include "platform/posix/files/unique_fd.h"
 
 namespace nimbo {
 

@@ -6,7 +6,7 @@
 #include <memory>
 #include <optional>
 
-#include "platform/linux/files/unique_fd.h"
+#include "platform/posix/files/unique_fd.h"
 #include "platform/main_loop.h"
 #include "platform/windows_process.h"
 

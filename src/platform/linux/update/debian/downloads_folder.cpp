@@ -9,8 +9,8 @@
 #include <optional>
 
 #include "base/text.h"
-#include "platform/linux/files/atomic_file.h"
-#include "platform/linux/files/unique_fd.h"
+#include "platform/posix/files/atomic_file.h"
+#include "platform/posix/files/unique_fd.h"
 
 namespace nimbo {
 namespace {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <utility>
 
-#include "platform/linux/files/regular_file.h"
+#include "platform/posix/files/regular_file.h"
 #include "platform/linux/update/debian/debian_system.h"
 #include "platform/linux/update/debian/downloads_folder.h"
 #include "platform/linux/update/update_module.h"

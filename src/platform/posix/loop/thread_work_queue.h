@@ -9,17 +9,18 @@
 #include <thread>
 
 #include "base/lifetime.h"
-#include "platform/linux/loop/retry.h"
 #include "platform/main_loop.h"
+#include "platform/posix/loop/background_threads.h"
+#include "platform/posix/loop/retry.h"
 
 namespace nimbo {
 
-/// One thread at nice 10 that ends when it has done all jobs, so that a queue without work costs nothing.
+/// One thread of low priority that ends when it has done all jobs, so that a queue without work costs nothing.
 /// Where no thread can be made, jobs wait until one can.
 class ThreadWorkQueue final : public WorkQueue {
  public:
-  /// `label` names the thread; the kernel keeps its first 15 bytes. `loop` outlives the queue.
-  ThreadWorkQueue(std::string label, MainLoop& loop);
+  /// `label` names the thread. `loop` outlives the queue.
+  ThreadWorkQueue(std::string label, MainLoop& loop, UtilityThread utility);
   ~ThreadWorkQueue() override;
   ThreadWorkQueue(const ThreadWorkQueue&) = delete;
   ThreadWorkQueue& operator=(const ThreadWorkQueue&) = delete;
@@ -35,6 +36,7 @@ class ThreadWorkQueue final : public WorkQueue {
 
   const std::string label_;
   MainLoop& loop_;
+  const UtilityThread utility_;
   std::mutex mutex_;
   std::deque<std::function<void()>> jobs_;  // guarded by mutex_
   bool working_ = false;                    // guarded by mutex_; else the thread takes no more jobs

@@ -4,13 +4,17 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <string>
 
 namespace nimbo {
+
+/// The system's way to give the calling thread a low (utility) priority and, where it is not empty, a name. Any thread.
+using UtilityThread = void (*)(const std::string& name);
 
 /// A thread of low priority for each piece of blocking work. Main thread only.
 class BackgroundThreads {
  public:
-  BackgroundThreads();
+  explicit BackgroundThreads(UtilityThread utility);
   /// Waits for work that runs, since it may use what goes afterwards.
   ~BackgroundThreads();
   BackgroundThreads(const BackgroundThreads&) = delete;
@@ -25,6 +29,7 @@ class BackgroundThreads {
  private:
   struct Running;
   std::shared_ptr<Running> running_;
+  const UtilityThread utility_;
 };
 
 }  // namespace nimbo

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/linux/terminal/local_tool_files.h"
+#include "platform/posix/terminal/local_tool_files.h"
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -10,9 +10,9 @@
 #include <string>
 #include <string_view>
 
-#include "platform/linux/files/atomic_file.h"
-#include "platform/linux/files/regular_file.h"
-#include "platform/linux/files/unique_fd.h"
+#include "platform/posix/files/atomic_file.h"
+#include "platform/posix/files/regular_file.h"
+#include "platform/posix/files/unique_fd.h"
 
 namespace nimbo {
 namespace {
@@ -46,11 +46,15 @@ Result<State, std::error_code> stateOf(const UniqueFd& folder) {
   return State::empty;
 }
 
-// The kernel knows the name of what is open; the given one stands in where /proc is missing.
+// The given name stands in for one that leads elsewhere by now.
 fs::path ownName(const UniqueFd& folder, const fs::path& given) {
   std::error_code error;
-  fs::path name = fs::read_symlink("/proc/self/fd/" + std::to_string(folder.get()), error);
-  return error ? given : name;
+  fs::path name = fs::canonical(given, error);
+  struct stat named {};
+  struct stat opened {};
+  const bool isIt = !error && ::stat(name.c_str(), &named) == 0 && ::fstat(folder.get(), &opened) == 0 &&
+                    named.st_dev == opened.st_dev && named.st_ino == opened.st_ino;
+  return isIt ? name : given;
 }
 
 std::error_code keepOthersOut(const UniqueFd& folder) {

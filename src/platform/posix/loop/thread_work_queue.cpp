@@ -1,16 +1,13 @@
 // SPDX-License-Identifier: MIT
-#include "platform/linux/loop/thread_work_queue.h"
-
-#include <pthread.h>
-#include <sys/resource.h>
-#include <unistd.h>
+#include "platform/posix/loop/thread_work_queue.h"
 
 #include <system_error>
 #include <utility>
 
 namespace nimbo {
 
-ThreadWorkQueue::ThreadWorkQueue(std::string label, MainLoop& loop) : label_(std::move(label)), loop_(loop) {}
+ThreadWorkQueue::ThreadWorkQueue(std::string label, MainLoop& loop, UtilityThread utility)
+    : label_(std::move(label)), loop_(loop), utility_(utility) {}
 
 ThreadWorkQueue::~ThreadWorkQueue() {
   {
@@ -51,11 +48,7 @@ void ThreadWorkQueue::startThread() {
 }
 
 void ThreadWorkQueue::work() {
-  constexpr int kUtilityNice = 10;
-  pthread_setname_np(pthread_self(), label_.substr(0, 15).c_str());
-  // On Linux a thread has a nice value of its own, addressed by its thread id.
-  setpriority(PRIO_PROCESS, static_cast<id_t>(gettid()), kUtilityNice);
-
+  utility_(label_);
   std::unique_lock lock(mutex_);
   while (!stopping_ && !jobs_.empty()) {
     auto job = std::move(jobs_.front());

@@ -1,8 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/linux/loop/background_threads.h"
-
-#include <sys/resource.h>
-#include <unistd.h>
+#include "platform/posix/loop/background_threads.h"
 
 #include <condition_variable>
 #include <mutex>
@@ -10,11 +7,6 @@
 #include <thread>
 
 namespace nimbo {
-namespace {
-
-constexpr int kBackgroundNice = 10;
-
-}  // namespace
 
 struct BackgroundThreads::Running {
   void change(int by) {
@@ -28,7 +20,8 @@ struct BackgroundThreads::Running {
   int count = 0;
 };
 
-BackgroundThreads::BackgroundThreads() : running_(std::make_shared<Running>()) {}
+BackgroundThreads::BackgroundThreads(UtilityThread utility)
+    : running_(std::make_shared<Running>()), utility_(utility) {}
 
 BackgroundThreads::~BackgroundThreads() {
   std::unique_lock guard(running_->lock);
@@ -43,8 +36,8 @@ bool BackgroundThreads::endBy(std::chrono::steady_clock::time_point deadline) {
 void BackgroundThreads::run(const std::function<void()>& work) {
   running_->change(+1);
   try {
-    std::thread([running = running_, work] {
-      setpriority(PRIO_PROCESS, static_cast<id_t>(gettid()), kBackgroundNice);
+    std::thread([running = running_, utility = utility_, work] {
+      utility({});
       work();
       running->change(-1);
     }).detach();
