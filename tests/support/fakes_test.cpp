@@ -7,9 +7,11 @@
 
 #include "platform/contracts/host_statistics_contract.h"
 #include "platform/contracts/process_table_contract.h"
+#include "platform/contracts/terminal_program_contract.h"
 #include "support/fake_host_statistics.h"
 #include "support/fake_main_loop.h"
 #include "support/fake_process_table.h"
+#include "support/fake_pseudo_terminals.h"
 #include "support/fake_status_bar.h"
 #include "support/fake_user_interface.h"
 
@@ -45,6 +47,28 @@ struct MadeUpProcesses {
   FakeProcessTable table;
 };
 INSTANTIATE_TYPED_TEST_SUITE_P(Fake, ProcessTableContract, MadeUpProcesses);
+
+class MadeUpTerminals final : public terminal_contract::TerminalWorld {
+ public:
+  [[nodiscard]] std::unique_ptr<TerminalProgram> start(const std::string& act) override {
+    if (act == "ends") terminals_.ends(0ms);
+    if (act == "floods") terminals_.writes(0ms, std::string(1U << 20U, 'x'));
+    return *(*terminals_.open({}))->start({});
+  }
+
+ private:
+  FakeClock clock_;
+  FakePseudoTerminals terminals_{clock_};
+};
+
+std::unique_ptr<terminal_contract::TerminalWorld> madeUpTerminals() { return std::make_unique<MadeUpTerminals>(); }
+}  // namespace
+
+namespace terminal_contract {
+INSTANTIATE_TEST_SUITE_P(Fake, TerminalProgramContract, testing::Values(madeUpTerminals));
+}  // namespace terminal_contract
+
+namespace {
 
 TEST(FakeMainLoop, PostedTasksRunInOrderIncludingThosePostedMeanwhile) {
   FakeMainLoop loop;

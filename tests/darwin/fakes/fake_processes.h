@@ -26,6 +26,7 @@ class FakeProcesses {
   std::map<std::int32_t, Process, std::greater<>> running;  ///< the youngest first, as the kernel has them
   std::function<void()> onCounted;                          ///< before they are listed
   bool isListed = true;
+  bool isThisMachine = false;  ///< the lists are of the processes that really run
 };
 
 }  // namespace nimbo
