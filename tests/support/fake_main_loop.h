@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <poll.h>
+
 #include <algorithm>
 #include <chrono>
 #include <cstddef>
@@ -105,6 +107,14 @@ class FakeMainLoop final : public MainLoop {
       ready();
     }
     runPosted();
+  }
+
+  /// Calls the watches whose descriptor really can be read or has hung up.
+  void runReadable() {
+    for (const auto& watch : valuesOf(state_->watches)) {
+      pollfd polled{watch.descriptor, POLLIN, 0};
+      if (::poll(&polled, 1, 0) > 0) makeReady(watch.descriptor);
+    }
   }
 
   /// Called before anything fires at the new time.
