@@ -10,10 +10,12 @@
 #include "platform/contracts/terminal_program_contract.h"
 #include "support/fake_host_statistics.h"
 #include "platform/contracts/main_loop_contract.h"
+#include "platform/contracts/user_defaults_contract.h"
 #include "support/fake_main_loop.h"
 #include "support/fake_process_table.h"
 #include "support/fake_pseudo_terminals.h"
 #include "support/fake_status_bar.h"
+#include "support/fake_user_defaults.h"
 #include "support/fake_user_interface.h"
 
 namespace nimbo {
@@ -166,6 +168,16 @@ TEST(FakeMainLoop, WatchesAreCalledForTheirDescriptorUntilDropped) {
   EXPECT_EQ(ready, 1);
   EXPECT_EQ(loop.watchCount(), 0U);
 }
+
+struct FakeStore final : UserDefaultsHost {
+  [[nodiscard]] UserDefaultsDomains& domains() override { return all; }
+  [[nodiscard]] std::unique_ptr<UserDefaults> open(const std::string& domain) override {
+    return std::make_unique<FakeUserDefaults>(all, domain);
+  }
+
+  FakeUserDefaultsDomains all;
+};
+INSTANTIATE_TEST_SUITE_P(Fake, UserDefaultsContract, testing::Values(makeUserDefaultsHost<FakeStore>));
 
 TEST(FakeStatusBar, ClicksReachTheLivingItem) {
   FakeStatusBar bar;

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/contracts/user_defaults_contract.h"
 #include "platform/settings/json_user_defaults_fixture.h"
 
 namespace nimbo {
@@ -17,6 +18,17 @@ namespace {
 
 namespace fs = std::filesystem;
 using nlohmann::json;
+
+struct JsonStore final : UserDefaultsHost {
+  [[nodiscard]] UserDefaultsDomains& domains() override { return all; }
+  [[nodiscard]] std::unique_ptr<UserDefaults> open(const std::string& domain) override {
+    return std::make_unique<TurningUserDefaults>(tree.path(), domain);
+  }
+
+  TemporaryTree tree;
+  JsonUserDefaultsDomains all{tree.path()};
+};
+INSTANTIATE_TEST_SUITE_P(Json, UserDefaultsContract, testing::Values(makeUserDefaultsHost<JsonStore>));
 
 TEST_F(JsonUserDefaultsTest, FileIsSortedAndIndentedForPeople) {
   defaults.set("b", 1);

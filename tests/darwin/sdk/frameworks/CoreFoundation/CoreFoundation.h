@@ -137,7 +137,6 @@ extern const CFStringRef kCFPreferencesAnyHost;
 
 CFPropertyListRef CFPreferencesCopyAppValue(CFStringRef key, CFStringRef application);
 void CFPreferencesSetAppValue(CFStringRef key, CFPropertyListRef value, CFStringRef application);
-Boolean CFPreferencesAppSynchronize(CFStringRef application);
 CFDictionaryRef CFPreferencesCopyMultiple(CFArrayRef keysToFetch, CFStringRef application, CFStringRef user,
                                           CFStringRef host);
 void CFPreferencesSetMultiple(CFDictionaryRef keysToSet, CFArrayRef keysToRemove, CFStringRef application,
