@@ -2,6 +2,8 @@
 // The fakes of the power services keep the interfaces' promises themselves.
 #include <gtest/gtest.h>
 
+#include "platform/contracts/assertion_client_contract.h"
+#include "platform/contracts/power_sources_contract.h"
 #include "support/fake_assertion_client.h"
 #include "support/fake_dates.h"
 #include "support/fake_display_power.h"
@@ -14,15 +16,37 @@ namespace {
 
 using namespace std::chrono_literals;
 
-TEST(FakeAssertionClient, EveryAssertionHasAnIdentifierOfItsOwn) {
-  FakeAssertionClient client;
-  const auto first = client.create(kPreventSystemSleep, "work");
-  const auto second = client.create(kPreventSystemSleep, "more work");
-  ASSERT_TRUE(first && second);
-  EXPECT_NE(*first, *second);
-  client.release(*first);
-  EXPECT_EQ(client.held(), (std::vector<FakeAssertionClient::Assertion>{{kPreventSystemSleep, "more work"}}));
-}
+struct FakeAssertionHost final : AssertionClientHost {
+  [[nodiscard]] AssertionClient& client() override { return fake; }
+  [[nodiscard]] Assertions held(std::size_t /*expected*/) override {
+    Assertions all;
+    for (const auto& [type, reason] : fake.held()) all.emplace_back(type, reason);
+    return all;
+  }
+  void setRefuses(bool refuses) override {
+    for (const auto* const type : {kPreventSystemSleep, kPreventDisplaySleep}) {
+      refuses ? fake.refuse(type, 16) : fake.grant(type);
+    }
+  }
+
+  FakeAssertionClient fake;
+};
+INSTANTIATE_TEST_SUITE_P(Fake, AssertionClientContract, testing::Values(makeAssertionClientHost<FakeAssertionHost>));
+
+struct FakePowerSourcesHost final : PowerSourcesHost {
+  FakePowerSourcesHost() { fake->onMains(80); }
+  [[nodiscard]] PowerSources& sources() override { return *fake; }
+  void destroySources() override { fake.reset(); }
+  void unplug() override {
+    if (fake) fake->onBattery(80);
+  }
+  void drainTo(int percent) override { fake->onBattery(percent); }
+  [[nodiscard]] bool becomes(const std::function<bool()>& so) override { return so(); }
+  void settle() override {}
+
+  std::unique_ptr<FakePowerSources> fake = std::make_unique<FakePowerSources>();
+};
+INSTANTIATE_TEST_SUITE_P(Fake, PowerSourcesContract, testing::Values(makePowerSourcesHost<FakePowerSourcesHost>));
 
 TEST(FakeAssertionClient, ReleaseOfWhatIsNotHeldIsRecordedAsSuch) {
   FakeAssertionClient client;
