@@ -48,7 +48,7 @@ class FakeAccessibility final : public Accessibility {
 
   bool trusted = true;
   bool grantsTrust = true;                                 ///< what the user does when asked
-  std::string running = "com.anthropic.claudefordesktop";  ///< the one that runs
+  std::string running = "com.anthropic.claudefordesktop";  ///< the one that runs; none ends it
   std::vector<FakeElement> windows;
   std::optional<std::vector<FakeElement>> content;  ///< the windows after `exposeContent`
   std::chrono::milliseconds perCall{0};             ///< what each call for an element takes
@@ -97,6 +97,7 @@ class FakeAccessibility final : public Accessibility {
     }
     [[nodiscard]] std::vector<std::unique_ptr<AccessibleElement>> windows(std::size_t limit) override {
       owner_.log.emplace_back("windows");
+      if (owner_.running.empty()) return {};
       return owner_.elements(owner_.windows, limit);
     }
 
@@ -105,6 +106,7 @@ class FakeAccessibility final : public Accessibility {
   };
 
   bool answers() {
+    if (running.empty()) return false;
     clock_.advance(hangs ? limit_ : std::min(perCall, limit_));
     return !hangs && perCall < limit_;
   }

@@ -9,6 +9,7 @@
 #include "platform/contracts/process_table_contract.h"
 #include "platform/contracts/terminal_program_contract.h"
 #include "support/fake_host_statistics.h"
+#include "platform/contracts/accessibility_contract.h"
 #include "platform/contracts/main_loop_contract.h"
 #include "platform/contracts/user_defaults_contract.h"
 #include "support/fake_main_loop.h"
@@ -178,6 +179,22 @@ struct FakeStore final : UserDefaultsHost {
   FakeUserDefaultsDomains all;
 };
 INSTANTIATE_TEST_SUITE_P(Fake, UserDefaultsContract, testing::Values(makeUserDefaultsHost<FakeStore>));
+
+struct FakeAccessibilityHost final : AccessibilityHost {
+  FakeAccessibilityHost() { fake.running.clear(); }
+  [[nodiscard]] Accessibility& accessibility() override { return fake; }
+  void show(const std::vector<FakeElement>& windows) override {
+    fake.running = "com.anthropic.claudefordesktop";
+    fake.windows = windows;
+  }
+  void hang() override { fake.hangs = true; }
+  void end() override { fake.running.clear(); }
+  [[nodiscard]] std::chrono::duration<double> uptime() const override { return clock.uptime(); }
+
+  FakeClock clock;
+  FakeAccessibility fake{clock};
+};
+INSTANTIATE_TEST_SUITE_P(Fake, AccessibilityContract, testing::Values(makeAccessibilityHost<FakeAccessibilityHost>));
 
 TEST(FakeStatusBar, ClicksReachTheLivingItem) {
   FakeStatusBar bar;
