@@ -5,17 +5,20 @@
 #include <string>
 #include <thread>
 
+#include "platform/contracts/accessibility_contract.h"
 #include "platform/contracts/host_statistics_contract.h"
+#include "platform/contracts/main_loop_contract.h"
 #include "platform/contracts/process_table_contract.h"
 #include "platform/contracts/terminal_program_contract.h"
-#include "support/fake_host_statistics.h"
-#include "platform/contracts/accessibility_contract.h"
-#include "platform/contracts/main_loop_contract.h"
 #include "platform/contracts/user_defaults_contract.h"
+#include "platform/contracts/user_files_contract.h"
+#include "support/fake_host_statistics.h"
 #include "support/fake_main_loop.h"
 #include "support/fake_process_table.h"
 #include "support/fake_pseudo_terminals.h"
+#include "support/fake_secret_files.h"
 #include "support/fake_status_bar.h"
+#include "support/fake_tool_files.h"
 #include "support/fake_user_defaults.h"
 #include "support/fake_user_interface.h"
 
@@ -51,6 +54,22 @@ struct MadeUpProcesses {
   FakeProcessTable table;
 };
 INSTANTIATE_TYPED_TEST_SUITE_P(Fake, ProcessTableContract, MadeUpProcesses);
+
+struct MadeUpFiles {
+  [[nodiscard]] static std::filesystem::path path(const char* name) { return std::filesystem::path("/home") / name; }
+  [[nodiscard]] std::filesystem::path write(const char* name, const char* text) {
+    secrets.texts[path(name).string()] = text;
+    return path(name);
+  }
+  [[nodiscard]] std::filesystem::path makeExecutable(const char* name) {
+    return *tools.executables.insert(path(name)).first;
+  }
+  void occupy(const char* /*folder*/) { tools.state = PrivateFolder::State::occupied; }
+
+  FakeSecretFiles secrets;
+  FakeToolFiles tools;
+};
+INSTANTIATE_TYPED_TEST_SUITE_P(Fake, UserFilesContract, MadeUpFiles);
 
 class MadeUpTerminals final : public terminal_contract::TerminalWorld {
  public:

@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include "platform/contracts/user_files_contract.h"
+#include "platform/posix/files/regular_file.h"
 #include "support/services/temporary_tree.h"
 
 namespace nimbo {
@@ -17,6 +19,22 @@ mode_t modeOf(const fs::path& path) {
   struct stat status {};
   return ::lstat(path.c_str(), &status) == 0 ? status.st_mode & ALLPERMS : 0;
 }
+
+struct FilesOnDisk {
+  [[nodiscard]] fs::path path(const char* name) const { return fs::canonical(tree.path()) / name; }
+  [[nodiscard]] fs::path write(const char* name, const char* text) const { return tree.write(name, text); }
+  [[nodiscard]] fs::path makeExecutable(const char* name) const {
+    const auto file = tree.write(name, "");
+    fs::permissions(file, fs::perms::owner_all);
+    return file;
+  }
+  void occupy(const char* folder) const { tree.write(fs::path(folder) / "file", ""); }
+
+  TemporaryTree tree;
+  PlainSecretFiles secrets;
+  LocalToolFiles tools;
+};
+INSTANTIATE_TYPED_TEST_SUITE_P(Posix, UserFilesContract, FilesOnDisk);
 
 class LocalToolFilesTest : public ::testing::Test {
  protected:
