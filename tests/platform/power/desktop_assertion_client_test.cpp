@@ -35,7 +35,7 @@ struct SessionManagerHost final : AssertionClientHost {
   BusLoop loop;
   FakeMainLoop timers;
   FakeCookieService manager{services, session.address(), FakeCookieService::kSessionManager};
-  DesktopAssertionClient desktop{{{loop.event(), timers}, session.address(), "", {}, nullptr}};
+  DesktopAssertionClient desktop{{{loop.event(), timers}, session.address(), "", {}}};
 };
 INSTANTIATE_TEST_SUITE_P(SessionManager, AssertionClientContract,
                          testing::Values(makeAssertionClientHost<SessionManagerHost>));
