@@ -92,6 +92,7 @@ INSTANTIATE_TEST_SUITE_P(Fake, TerminalProgramContract, testing::Values(madeUpTe
 }  // namespace terminal_contract
 
 namespace {
+
 /// Passes the fake's time by the millisecond, and waits for what other threads post.
 struct FakeMainLoopHost final : MainLoopHost {
   [[nodiscard]] MainLoop& loop() override { return fake; }

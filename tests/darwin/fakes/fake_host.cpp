@@ -98,6 +98,7 @@ kern_return_t host_statistics64(host_t port, host_flavor_t flavor, host_info64_t
 int sysctlbyname(const char* name, void* old, size_t* oldSize, void* /*replacement*/, size_t /*replacementSize*/) {
   const auto value = host->values.find(name);
   if (value == host->values.end()) return errno = ENOENT, -1;
+  if (old == nullptr) return *oldSize = value->second.size(), 0;
   const std::size_t copied = std::min(*oldSize, value->second.size());
   std::memcpy(old, value->second.data(), copied);
   const bool fits = copied == value->second.size();

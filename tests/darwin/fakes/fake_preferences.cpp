@@ -59,9 +59,9 @@ CFPropertyListRef CFPreferencesCopyAppValue(CFStringRef key, CFStringRef applica
 void CFPreferencesSetAppValue(CFStringRef key, CFPropertyListRef value, CFStringRef application) {
   setValue(application, utf8(key), value);
 }
-Boolean CFPreferencesSynchronize(CFStringRef application, CFStringRef user, CFStringRef host) {
+Boolean CFPreferencesSynchronize(CFStringRef application, CFStringRef user, CFStringRef hostName) {
   EXPECT_EQ(user, kCFPreferencesCurrentUser);
-  EXPECT_EQ(host, kCFPreferencesAnyHost);
+  EXPECT_EQ(hostName, kCFPreferencesAnyHost);
   if (thePreferences->failsToWrite) return false;
   const std::string name = utf8(application);
   thePreferences->written[name] = thePreferences->current[name];
@@ -70,12 +70,12 @@ Boolean CFPreferencesSynchronize(CFStringRef application, CFStringRef user, CFSt
 }
 // Never null: a domain that is not there has no values.
 CFDictionaryRef CFPreferencesCopyMultiple(CFArrayRef keysToFetch, CFStringRef application, CFStringRef /*user*/,
-                                          CFStringRef /*host*/) {
+                                          CFStringRef /*hostName*/) {
   EXPECT_EQ(keysToFetch, nullptr) << "only whole domains are known here";
   return static_cast<CFDictionaryRef>(CFRetain(dictionary(thePreferences->current[utf8(application)]).get()));
 }
 void CFPreferencesSetMultiple(CFDictionaryRef keysToSet, CFArrayRef keysToRemove, CFStringRef application,
-                              CFStringRef /*user*/, CFStringRef /*host*/) {
+                              CFStringRef /*user*/, CFStringRef /*hostName*/) {
   for (const auto& held : keysToRemove->values) setValue(application, utf8(held.get()), nullptr);
   for (const auto& [key, entry] : keysToSet->values) setValue(application, key, entry.second.get());
 }
