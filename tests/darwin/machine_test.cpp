@@ -95,7 +95,7 @@ TEST_F(MachHostStatisticsTest, KernelThatEndsBeforeWhatIsNeededTellsNothing) {
   host.pages.external_page_count = 3;
   host.pagesWords = 35;
   EXPECT_EQ(statistics.memory()->fileBacked, 3U * 16384);
-  for (const std::size_t words : {34, 24}) {
+  for (const std::size_t words : {34U, 24U}) {
     host.passASecond();
     host.pagesWords = words;
     EXPECT_FALSE(statistics.memory()) << words;

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "darwin/fakes/fake_processes.h"
 #include "darwin/fakes/fake_threads.h"
+#include "platform/contracts/foreground_programs_contract.h"
 #include "platform/contracts/pseudo_terminal_contract.h"
 #include "platform/darwin/loop/utility_thread.h"
+#include "platform/darwin/terminal/kqueue_foreground_programs.h"
 #include "platform/darwin/terminal/libproc_sessions.h"
 #include "platform/posix/loop/background_threads.h"
 
@@ -45,3 +47,22 @@ TEST(DarwinThreads, WorkInTheBackgroundIsOfTheUtilityClassAndHasAName) {
 
 }  // namespace
 }  // namespace nimbo::terminal_contract
+
+namespace nimbo {
+namespace {
+
+std::unique_ptr<ForegroundPrograms> darwinPrograms() { return std::make_unique<KqueueForegroundPrograms>(::environ); }
+
+INSTANTIATE_TEST_SUITE_P(Darwin, ForegroundProgramsContract, testing::Values(darwinPrograms));
+
+TEST(KqueueForegroundPrograms, ProcessHasThePrintableNameThatTheKernelKeeps) {
+  FakeProcesses kernel;
+  kernel.running[7] = {.name = "a\nb"};
+  EXPECT_EQ(darwinPrograms()->nameOf(7),
+            "a\xEF\xBF\xBD"
+            "b");
+  EXPECT_EQ(darwinPrograms()->nameOf(8), "");
+}
+
+}  // namespace
+}  // namespace nimbo

@@ -43,7 +43,7 @@
 #include "platform/linux/remote/dbus_running_program.h"
 #include "platform/linux/settings/json_bundle_info.h"
 #include "platform/linux/settings/json_user_defaults.h"
-#include "platform/linux/terminal/foreground_programs.h"
+#include "platform/linux/terminal/pidfd_foreground_programs.h"
 #include "platform/linux/terminal/session_processes.h"
 #include "platform/posix/terminal/local_tool_files.h"
 #include "platform/posix/terminal/pty_terminals.h"
@@ -276,7 +276,9 @@ std::unique_ptr<RunningProgram> makeRunningProgram() {
   return std::make_unique<DbusRunningProgram>(busAddressOf(Environment()));
 }
 
-std::unique_ptr<ForegroundPrograms> makeForegroundPrograms() { return std::make_unique<UserForegroundPrograms>(); }
+std::unique_ptr<ForegroundPrograms> makeForegroundPrograms() {
+  return std::make_unique<PidfdForegroundPrograms>(::environ);
+}
 
 std::unique_ptr<PlatformServices> makePlatformServices() {
   // A careless launcher may have left the ends of children ignored; then nobody would keep their numbers for us.

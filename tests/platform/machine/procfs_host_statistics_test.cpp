@@ -107,7 +107,7 @@ struct LinuxMachine {
   }
   void hasSpent(const CpuTicks& ticks) {
     std::string line = "cpu ";
-    for (const std::size_t index : {0, 3, 1, 2}) line += ' ' + std::to_string(ticks.at(index));
+    for (const std::size_t index : {0U, 3U, 1U, 2U}) line += ' ' + std::to_string(ticks.at(index));
     tree.write("proc/stat", line + '\n');
   }
   void tellsNothing() {

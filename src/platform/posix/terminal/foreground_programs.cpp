@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/linux/terminal/foreground_programs.h"
+#include "platform/posix/terminal/foreground_programs.h"
 
 #include <fmt/format.h>
 #include <poll.h>
@@ -15,8 +15,6 @@
 #include <system_error>
 
 #include "base/text.h"
-#include "platform/linux/machine/proc_file.h"
-#include "platform/linux/machine/session_spawn.h"
 
 namespace nimbo {
 namespace {
@@ -90,7 +88,7 @@ Result<int, std::string> UserForegroundPrograms::run(const std::vector<std::stri
   const SignalHandler terminated(SIGTERM, passOn);
   const SignalHandler hungUp(SIGHUP, passOn);
   pid_t child = 0;
-  if (const int failed = ::posix_spawnp(&child, words[0], nullptr, attributes.get(), words.data(), ::environ)) {
+  if (const int failed = ::posix_spawnp(&child, words[0], nullptr, attributes.get(), words.data(), environment_)) {
     return tl::unexpected(
         fmt::format("{} cannot be started: {}.", printableLine(command[0]), std::generic_category().message(failed)));
   }
@@ -110,21 +108,6 @@ Result<int, std::string> UserForegroundPrograms::run(const std::vector<std::stri
 
 void UserForegroundPrograms::terminate() { passOn(SIGTERM); }
 
-Result<void, std::string> UserForegroundPrograms::waitFor(const std::vector<std::int32_t>& processes) {
-  std::vector<UniqueFd> open;
-  open.reserve(processes.size());
-  for (const std::int32_t process : processes) {
-    open.push_back(processDescriptor(process));
-    if (!open.back()) return tl::unexpected(fmt::format("There is no process {}.", process));
-  }
-  for (const UniqueFd& descriptor : open) {
-    pollfd wait{descriptor.get(), POLLIN, 0};
-    while (::poll(&wait, 1, -1) < 0 && errno == EINTR) {
-    }
-  }
-  return {};
-}
-
 bool UserForegroundPrograms::isReadFor(std::chrono::seconds time) {
   pollfd output{STDOUT_FILENO, 0, 0};
   return ::poll(&output, 1, static_cast<int>(std::chrono::milliseconds(time).count())) <= 0;
@@ -135,10 +118,6 @@ bool UserForegroundPrograms::showsColours() {
   const char* const terminal = std::getenv("TERM");
   return ::isatty(STDOUT_FILENO) == 1 && (unwanted == nullptr || *unwanted == '\0') && terminal != nullptr &&
          std::string_view(terminal) != "dumb";
-}
-
-std::string UserForegroundPrograms::nameOf(std::int32_t process) {
-  return printableLine(readAttributeLine(fmt::format("/proc/{}/comm", process)));
 }
 
 }  // namespace nimbo
