@@ -317,7 +317,9 @@ CFRunLoopSourceRef CFFileDescriptorCreateRunLoopSource(CFAllocatorRef /*allocato
 }
 
 // Timers on the main queue are all that is known of libdispatch.
-struct dispatch_source_type_s {};
+struct dispatch_source_type_s {
+  int unused;
+};
 const struct dispatch_source_type_s _dispatch_source_type_timer {};
 dispatch_queue_t dispatch_get_main_queue() {
   static dispatch_queue_s queue;
@@ -352,6 +354,7 @@ void dispatch_source_cancel(dispatch_source_t source) { static_cast<WallTimer*>(
 void dispatch_release(dispatch_object_t object) {
   auto* const timer = static_cast<WallTimer*>(object);
   EXPECT_TRUE(timer->isResumed) << "releasing a suspended source ends the program";
+  EXPECT_TRUE(timer->isCanceled) << "it would go on";
   std::erase(wallTimers(), timer);
   delete timer;
   --references;

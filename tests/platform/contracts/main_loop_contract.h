@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <atomic>
 #include <chrono>
 #include <functional>
 #include <memory>
@@ -233,6 +234,26 @@ TEST_P(RealTimeMainLoopContract, RepeatingTimerDropsBeatsMissedInAStall) {
   host->runFor(Milliseconds(85));
   EXPECT_GE(fired, 2);
   EXPECT_LE(fired, 4);
+}
+
+TEST_P(RealTimeMainLoopContract, PostFromAnotherThreadWakesALoopThatWaits) {
+  constexpr int kRounds = 200;
+  std::atomic<int> ran = 0;
+  std::atomic<bool> isOver = false;
+  const auto limit = loop.every(std::chrono::seconds(5), Milliseconds(1), [&] { loop.quit(); });
+  std::thread poster([&] {
+    for (int round = 0; round < kRounds && !isOver; ++round) {
+      loop.post([&] { ++ran; });
+      while (ran <= round && !isOver) std::this_thread::yield();
+    }
+    loop.post([&] { loop.quit(); });
+  });
+  const auto start = host->uptime();
+  loop.run();
+  isOver = true;
+  poster.join();
+  EXPECT_LT(host->uptime() - start, std::chrono::seconds(5));
+  EXPECT_EQ(ran, kRounds);
 }
 
 TEST_P(RealTimeMainLoopContract, RunsAgainAfterQuit) {
