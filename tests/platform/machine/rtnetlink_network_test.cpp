@@ -13,8 +13,8 @@
 
 #include <thread>
 
-#include "platform/posix/files/unique_fd.h"
 #include "platform/linux/loop/sd_event_main_loop.h"
+#include "platform/posix/files/unique_fd.h"
 
 namespace nimbo {
 namespace {

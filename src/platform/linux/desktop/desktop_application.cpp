@@ -7,9 +7,9 @@
 
 #include "base/text.h"
 #include "platform/linux/desktop/desktop_entry.h"
-#include "platform/posix/files/regular_file.h"
 #include "platform/linux/files/xdg_folders.h"
 #include "platform/linux/machine/proc_file.h"
+#include "platform/posix/files/regular_file.h"
 
 namespace nimbo {
 namespace {

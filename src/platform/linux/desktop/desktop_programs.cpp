@@ -9,8 +9,8 @@
 #include <utility>
 
 #include "base/text.h"
-#include "platform/posix/files/regular_file.h"
 #include "platform/linux/machine/session_spawn.h"
+#include "platform/posix/files/regular_file.h"
 
 namespace nimbo {
 namespace {

@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/posix/files/unique_fd.h"
 #include "platform/main_loop.h"
+#include "platform/posix/files/unique_fd.h"
 
 namespace nimbo {
 

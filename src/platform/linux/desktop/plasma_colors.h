@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "base/observer_list.h"
-#include "platform/posix/files/unique_fd.h"
 #include "platform/main_loop.h"
+#include "platform/posix/files/unique_fd.h"
 #include "platform/workspace.h"
 
 namespace nimbo {

@@ -6,8 +6,8 @@
 #include <memory>
 #include <optional>
 
-#include "platform/posix/files/unique_fd.h"
 #include "platform/main_loop.h"
+#include "platform/posix/files/unique_fd.h"
 #include "platform/windows_process.h"
 
 namespace nimbo {

@@ -56,11 +56,11 @@ class ChildAttributes {
   ChildAttributes(const SignalHandler& interrupt, const SignalHandler& quit) {
     ::posix_spawnattr_init(&attributes_);
     sigset_t set;
-    ::sigemptyset(&set);
+    sigemptyset(&set);
     ::posix_spawnattr_setsigmask(&attributes_, &set);
-    if (!interrupt.wasIgnored()) ::sigaddset(&set, SIGINT);
-    if (!quit.wasIgnored()) ::sigaddset(&set, SIGQUIT);
-    ::sigaddset(&set, SIGCHLD);
+    if (!interrupt.wasIgnored()) sigaddset(&set, SIGINT);
+    if (!quit.wasIgnored()) sigaddset(&set, SIGQUIT);
+    sigaddset(&set, SIGCHLD);
     ::posix_spawnattr_setsigdefault(&attributes_, &set);
     ::posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
   }

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include <utility>
 
-#include "platform/posix/files/regular_file.h"
 #include "platform/linux/update/debian/debian_system.h"
 #include "platform/linux/update/debian/downloads_folder.h"
 #include "platform/linux/update/update_module.h"
+#include "platform/posix/files/regular_file.h"
 #include "update/feed/feed_update_session.h"
 
 namespace nimbo {
