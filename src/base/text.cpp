@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <array>
+#include <locale>
+#include <sstream>
 
 namespace nimbo {
 namespace {
@@ -140,6 +142,17 @@ std::string removedIgnoringCase(std::string_view text, std::string_view part) {
     if (found == text.end()) return rest;
     text.remove_prefix(static_cast<std::size_t>(found - text.begin()) + part.size());
   }
+}
+
+// By a stream, because std::from_chars of a double is too new for the oldest macOS.
+std::optional<double> decimalNumber(std::string_view text) {
+  if (text.starts_with('+') || text.find_first_not_of("0123456789.eE+-") != std::string_view::npos) return std::nullopt;
+  std::istringstream stream{std::string(text)};
+  stream.imbue(std::locale::classic());
+  double number = 0;
+  stream >> number;
+  if (stream.fail() || !stream.eof()) return std::nullopt;
+  return number;
 }
 
 std::string replacedCharacters(std::string_view text, std::initializer_list<CharacterReplacement> replacements) {

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <initializer_list>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -26,6 +27,9 @@ inline constexpr std::string_view kBlanks = " \t\r\n";
 [[nodiscard]] bool endsWithIgnoringCase(std::string_view text, std::string_view end);
 /// `text` without any occurrence of `part`, which is not empty.
 [[nodiscard]] std::string removedIgnoringCase(std::string_view text, std::string_view part);
+
+/// The whole of `text` as a number such as -61.5 or 1e3, in every locale; absent when it is anything else or too large.
+[[nodiscard]] std::optional<double> decimalNumber(std::string_view text);
 
 struct CharacterReplacement {
   char character;

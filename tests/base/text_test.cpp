@@ -3,8 +3,14 @@
 
 #include <gtest/gtest.h>
 
+#include <locale>
+
 namespace nimbo {
 namespace {
+
+struct CommaPunctuation : std::numpunct<char> {
+  char do_decimal_point() const override { return ','; }
+};
 
 TEST(Text, IsTrimmedAtItsEndsOnly) {
   EXPECT_EQ(trimmed(" \t\r\n a b \n"), "a b");
@@ -64,6 +70,17 @@ TEST(WhiteSpace, OfEveryKindIsTrimmed) {
 TEST(WhiteSpace, CharactersThatLookAlikeInBytesAreKept) {
   EXPECT_EQ(trimmedWhiteSpace("àĀ"), "àĀ");
   EXPECT_EQ(trimmedWhiteSpace("\u200B"), "\u200B");
+}
+
+TEST(Text, DecimalNumberIsReadWholeAndInEveryLocale) {
+  const std::locale before = std::locale::global(std::locale(std::locale::classic(), new CommaPunctuation));
+  EXPECT_EQ(decimalNumber("61.5"), 61.5);
+  EXPECT_EQ(decimalNumber("-0.25"), -0.25);
+  EXPECT_EQ(decimalNumber("1e3"), 1000);
+  for (const char* const text : {"", " 1", "1 ", "+1", "1,5", "1.5.2", "0x10", "1e999", "inf", "nan", "e", "--1"}) {
+    EXPECT_EQ(decimalNumber(text), std::nullopt) << text;
+  }
+  std::locale::global(before);
 }
 
 TEST(Text, PrintableLineKeepsWordsOfEveryScript) {

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <limits>
 #include <optional>
 #include <utility>
@@ -73,9 +72,7 @@ std::optional<double> usedFigure(std::string_view line) {
   for (std::size_t sign = line.find('%'); sign != std::string_view::npos; sign = line.find('%', sign + 1)) {
     const std::string_view figure = decimalAtEnd(line.substr(0, sign));
     if (figure.empty() || !isUsedNext(line.substr(sign + 1))) continue;
-    double number = std::numeric_limits<double>::infinity();
-    std::from_chars(figure.data(), figure.data() + figure.size(), number);
-    return number;
+    return decimalNumber(figure).value_or(std::numeric_limits<double>::infinity());
   }
   return std::nullopt;
 }

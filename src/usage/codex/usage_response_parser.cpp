@@ -4,13 +4,11 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <nlohmann/json.hpp>
 #include <span>
 #include <string>
-#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -85,14 +83,6 @@ std::vector<UsageWindow> readWindows(const json& answer, UsageProvider provider)
   return windows;
 }
 
-std::optional<double> finiteNumber(std::string_view text) {
-  double value = 0;
-  const char* const end = text.data() + text.size();
-  const auto result = std::from_chars(text.data(), end, value);
-  if (result.ec != std::errc() || result.ptr != end || !std::isfinite(value)) return std::nullopt;
-  return value;
-}
-
 // The numbers in a text of that form, in which each 0 stands for a digit; none when it has another form.
 std::vector<int> numbersIn(std::string_view text, std::string_view form) {
   if (text.size() != form.size()) return {};
@@ -117,7 +107,7 @@ std::optional<std::chrono::sys_seconds> dateAndTime(std::string_view text) {
   return std::chrono::sys_days(date) + hours(numbers[3]) + minutes(numbers[4]) + seconds(numbers[5]);
 }
 
-// Decimals beyond the ninth are below what an instant tells apart.
+// Decimals beyond the ninth are below what any system's instants tell apart.
 std::optional<nanoseconds> fraction(std::string_view text) {
   if (text.empty()) return nanoseconds::zero();
   std::string decimals(text.substr(1));
@@ -156,7 +146,7 @@ std::chrono::seconds rateLimitWait(const std::optional<std::string>& header) {
   constexpr double kShortestWait = 600;
   // Beyond this a number means nothing, and a time so far away cannot be counted.
   constexpr double kLongestWait = 366.0 * 24 * 3600;
-  const double asked = finiteNumber(header.value_or(std::string())).value_or(kShortestWait);
+  const double asked = decimalNumber(header.value_or(std::string())).value_or(kShortestWait);
   const double wait = std::clamp(asked, kShortestWait, kLongestWait);
   return std::chrono::seconds(static_cast<std::chrono::seconds::rep>(std::ceil(wait)));
 }
@@ -168,7 +158,7 @@ std::optional<UsageTime> parseIso8601(std::string_view text) {
   const auto decimals = time ? fraction(text.substr(kWholeSeconds, zone - kWholeSeconds)) : std::nullopt;
   const auto offset = zoneOffset(text.substr(zone));
   if (!decimals || !offset || !isRepresentable(*time - *offset)) return std::nullopt;
-  return UsageTime(*time - *offset) + *decimals;
+  return UsageTime(*time - *offset) + std::chrono::floor<UsageTime::duration>(*decimals);
 }
 
 }  // namespace nimbo
