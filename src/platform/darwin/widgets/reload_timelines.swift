@@ -1,0 +1,8 @@
+// SPDX-License-Identifier: MIT
+import WidgetKit
+
+/// For group_widget_center.mm.
+@_cdecl("nimboReloadTimelines")
+public func nimboReloadTimelines(_ kind: UnsafePointer<CChar>) {
+  WidgetCenter.shared.reloadTimelines(ofKind: String(cString: kind))
+}
