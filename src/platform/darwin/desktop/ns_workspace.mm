@@ -78,6 +78,7 @@ class NsWorkspaceOfUser final : public Workspace {
     [NSWorkspace.sharedWorkspace activateFileViewerSelectingURLs:@[ place ]];
   }
   void notify(const std::string& title, const std::string& text) override {
+    if (NSBundle.mainBundle.bundleIdentifier == nil) return;  // the center throws then
     UNMutableNotificationContent* const content = [[UNMutableNotificationContent alloc] init];
     content.title = nsText(title);
     content.body = nsText(text);
