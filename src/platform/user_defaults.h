@@ -30,7 +30,8 @@ class UserDefaults {
   virtual void set(std::string_view key, nlohmann::json value) = 0;
 };
 
-/// Named preference domains, read and replaced whole. Main thread only.
+/// Named preference domains, read and replaced whole. Main thread only. Dates and data, which some systems keep among
+/// the values, come as JSON's binary values and go back unchanged.
 class UserDefaultsDomains {
  public:
   virtual ~UserDefaultsDomains() = default;

@@ -117,7 +117,7 @@ Subscription CfMainLoop::at(system_clock::time_point when, milliseconds leeway, 
   timespec time{};
   time.tv_sec = static_cast<time_t>(seconds.count());
   time.tv_nsec = static_cast<long>(nanoseconds(since1970 - seconds).count());
-  const dispatch_source_t source = dispatch_source_create(DISPATCH_SOURCE_TYPE_TIMER, 0, 0, dispatch_get_main_queue());
+  auto* const source = dispatch_source_create(DISPATCH_SOURCE_TYPE_TIMER, 0, 0, dispatch_get_main_queue());
   timer->source.reset(source);
   dispatch_set_context(source, timer.get());
   dispatch_source_set_event_handler_f(source, WallTimer::call);

@@ -40,7 +40,7 @@ class IokitSmcConnection final : public SmcConnection {
 }  // namespace
 
 std::unique_ptr<SmcConnection> IokitSmcService::open() {
-  const CFMutableDictionaryRef matching = IOServiceMatching("AppleSMC");
+  auto* const matching = IOServiceMatching("AppleSMC");
   if (matching == nullptr) return nullptr;
   const Service service(IOServiceGetMatchingService(kIOMainPortDefault, matching));  // which lets go of `matching`
   Connection connection;

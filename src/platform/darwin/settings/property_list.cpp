@@ -87,7 +87,7 @@ CFTypeRef makeBinary(const json::binary_t& bytes) {
 }
 
 CFTypeRef makeArray(const json& values) {
-  const CFMutableArrayRef array = CFArrayCreateMutable(kCFAllocatorDefault, 0, &kCFTypeArrayCallBacks);
+  auto* const array = CFArrayCreateMutable(kCFAllocatorDefault, 0, &kCFTypeArrayCallBacks);
   for (const json& value : values) {
     if (const auto made = propertyListOf(value)) CFArrayAppendValue(array, made.get());
   }
@@ -95,8 +95,8 @@ CFTypeRef makeArray(const json& values) {
 }
 
 CFTypeRef makeDictionary(const json& object) {
-  const CFMutableDictionaryRef dictionary = CFDictionaryCreateMutable(
-      kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks);
+  auto* const dictionary = CFDictionaryCreateMutable(kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks,
+                                                     &kCFTypeDictionaryValueCallBacks);
   for (const auto& [key, value] : object.items()) {
     if (const auto made = propertyListOf(value)) CFDictionarySetValue(dictionary, makeCfString(key).get(), made.get());
   }
