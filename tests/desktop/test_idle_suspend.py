@@ -60,7 +60,7 @@ class IdleDaemon:
         self.manager.suspended = 0
         self.input()
         begin = time.monotonic()
-        wait_until(self.suspended, "the machine to be suspended", 45 * SLOW)
+        wait_until(self.suspended, "the machine to be suspended", 90 * SLOW)
         self.took = time.monotonic() - begin
 
     def assert_stays_awake(self):
