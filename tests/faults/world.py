@@ -285,7 +285,7 @@ def judge_life(world, scenario):
     identifiers = {"nimbo-ai", "nimbo-memory"}
     wait_for(lambda: {item.identifier for item in world.host.items} == identifiers, "both items", TICK + SOON)
     wait_for(lambda: "Memory: " in world.host.item("nimbo-memory").tooltip, "a figure", TICK + SOON)
-    wait_for(world.sleep_is_told, "the lock for sleep", 20 + SOON)  # which is asked for at growing distances
+    wait_for(world.sleep_is_told, "the lock for sleep", 30 + SOON)  # after a call that was not answered, too
     world.call(AWAKE, "Start", "(xb)", 0, False)
     wait_for(world.blocks, "a session's lock")
     world.call(AWAKE, "Stop")

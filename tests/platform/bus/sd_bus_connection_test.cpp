@@ -155,6 +155,18 @@ TEST_F(BusNameWatchTest, TellsEveryChangeOfOwner) {
   EXPECT_EQ(owners, (Log{"", ownerName(), "", ownerName()}));
 }
 
+TEST_F(BusNameWatchTest, BusThatDoesNotAnswerInTimeIsAskedAgain) {
+  owner.own("org.example.Name");
+  bus.freeze();
+  sd_bus_set_method_call_timeout(watcher.bus(), 50'000);
+  nameWatch.emplace(watcher.bus(), "org.example.Name", [this](const std::string& name) { owners.push_back(name); });
+  for (int turn = 0; turn < 3; ++turn) sd_event_run(loop.event(), 50'000);
+  sd_bus_set_method_call_timeout(watcher.bus(), 0);
+  bus.thaw();
+  EXPECT_TRUE(loop.runUntil([this] { return !owners.empty(); }));
+  EXPECT_EQ(owners, Log{ownerName()});
+}
+
 TEST_F(BusNameWatchTest, OnlyTheBusIsBelieved) {
   watch();
   const char* name = "";

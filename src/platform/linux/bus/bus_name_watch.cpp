@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/linux/bus/bus_name_watch.h"
 
+#include <cerrno>
 #include <utility>
 
 #include "platform/linux/bus/sd_bus_calls.h"
@@ -17,7 +18,13 @@ BusNameWatch::BusNameWatch(sd_bus* bus, const std::string& name, std::function<v
     const char* owner = nullptr;
     if (sd_bus_message_read(signal, "sss", nullptr, nullptr, &owner) > 0) update(owner);
   });
-  query_ = callAsync(methodCall(bus, methodOfTheBus("GetNameOwner"), name), [this](sd_bus_message* reply) {
+  ask(bus, name);
+}
+
+void BusNameWatch::ask(sd_bus* bus, const std::string& name) {
+  query_ = callAsync(methodCall(bus, methodOfTheBus("GetNameOwner"), name), [=, this](sd_bus_message* reply) {
+    // A bus that was too busy to answer in time takes its answer for given.
+    if (sd_bus_message_get_errno(reply) == ETIMEDOUT) return ask(bus, name);
     const char* owner = "";
     if (!isError(reply)) sd_bus_message_read(reply, "s", &owner);
     update(owner);

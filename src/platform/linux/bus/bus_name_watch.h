@@ -20,6 +20,7 @@ class BusNameWatch {
   BusNameWatch& operator=(const BusNameWatch&) = delete;
 
  private:
+  void ask(sd_bus* bus, const std::string& name);
   void update(const std::string& owner);
 
   std::shared_ptr<std::function<void(const std::string&)>> changed_;  // shared with a call that runs
