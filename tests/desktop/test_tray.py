@@ -5,7 +5,7 @@ import re
 import unittest
 
 from nimbo_desktop import TrayHost, wait_until
-from program import DesktopTest, Program, armed_timers
+from program import NO_DISPLAY, DesktopTest, Program, armed_timers
 
 TOOLTIP = re.compile(
     r"Memory: \d+% · \d+\.\d GB used of \d+\.\d GB; \d+\.\d GB available; (normal|elevated|high|unavailable) pressure"
@@ -194,7 +194,7 @@ class InstanceTest(DesktopTest):
         self.assertTrue(self.program.child.running)
         self.assertEqual(len(self.host.items), 2)
         # Handing over opens the dashboard, for which there is no display here.
-        self.expected_errors = "nimbo: no window can be shown: no display can be reached\n"
+        self.expected_errors = NO_DISPLAY
         wait_until(lambda: self.program.errors() == self.expected_errors, "the message")
 
     def test_without_a_session_bus_it_says_so(self):

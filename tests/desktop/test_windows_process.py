@@ -11,12 +11,11 @@ import unittest
 
 from nimbo_desktop import SLOW, turn_for, wait_until, windows_of
 from power_services import Logind
-from program import X_SERVER_DIED, DesktopTest
+from program import NO_DISPLAY, DesktopTest
 from test_keep_awake import DELAY, SLEEP_BLOCK
 
 # After the third within a minute each one waits until windows can be had again.
 KILLS = int(os.environ.get("NIMBO_KILLS", "3"))
-NO_DISPLAY = "nimbo: no window can be shown: no display can be reached\n"
 
 
 def descriptors(pid):
@@ -33,7 +32,7 @@ class WindowsProcessTest(DesktopTest):
     display = True
     system_bus = True
     desktop = "sway"
-    tolerated_errors = (NO_DISPLAY, *X_SERVER_DIED)
+    display_dies = True
 
     def setUp(self):
         super().setUp()
