@@ -18,7 +18,7 @@ class SleepTest(DesktopTest):
 
     def setUp(self):
         super().setUp()
-        self.session.settings(refreshInterval=2, monitorCPU=True)
+        self.session.settings(refreshInterval=5, monitorCPU=True)
         self.start_logind()
         self.start()
         self.item = self.host.item("nimbo-memory")
@@ -85,8 +85,9 @@ class SleepTest(DesktopTest):
         wait_until(lambda: self.inhibit_calls() == 2, "the next inhibitor")
         self.open()
         # One sample was taken at wake, and a CPU figure needs two.
-        self.assertEqual(self.text("RECENT USAGE"), "RECENT USAGE · 0s")
-        self.assertEqual(self.text("CPU  "), "CPU  Measuring…")
+        shown = self.program.texts()
+        self.assertIn("RECENT USAGE · 0s", shown)
+        self.assertIn("CPU  Measuring…", shown)
         wait_until(lambda: self.text("CPU  ").endswith("% utilized"), "the first CPU figure after wake")
 
     def test_no_timer_runs_while_asleep(self):
