@@ -91,6 +91,9 @@ TEST_F(WindowsProgramTest, DeathIsToldAndLeavesNoZombie) {
   ASSERT_TRUE(ready());
   const pid_t pid = launcher.process().value();
   ASSERT_EQ(::kill(pid, SIGKILL), 0);
+  siginfo_t ended{};
+  ASSERT_EQ(::waitid(P_PID, static_cast<id_t>(pid), &ended, WEXITED | WNOWAIT), 0);
+  EXPECT_TRUE(process->send("into the void")) << "its end is about to be told";
   EXPECT_TRUE(turnUntil([this] { return end.has_value(); }));
   EXPECT_EQ(end, WindowsEnd::died);
   EXPECT_EQ(::waitpid(pid, nullptr, WNOHANG), -1);

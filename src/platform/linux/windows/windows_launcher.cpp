@@ -8,6 +8,7 @@
 #include <sys/syscall.h>
 #include <sys/wait.h>
 
+#include <cerrno>
 #include <chrono>
 #include <cstdio>
 #include <iterator>
@@ -75,8 +76,8 @@ class WindowsLauncher::Child final : public WindowsProcess {
   Child& operator=(const Child&) = delete;
 
   [[nodiscard]] bool send(const std::string& record) override {
-    // One that has ended is told of by its own event.
-    return !socket_ || !readable_ || socket_->send(record);
+    // One that has ended, or is about to, is told of by its own event.
+    return !socket_ || !readable_ || socket_->send(record) || errno == EPIPE;
   }
 
  private:
