@@ -19,6 +19,21 @@ struct BundleInfo {
   std::optional<std::string> appGroup;      ///< "NimboAppGroup"
 };
 
+/// `text` gives the string of a key; absent for what is none.
+template <class Text>
+[[nodiscard]] BundleInfo bundleInfoOf(const Text& text) {
+  const auto said = [&text](const char* key) -> std::optional<std::string> {
+    auto value = text(key);
+    return value == "" ? std::nullopt : value;
+  };
+  return {.identifier = said("CFBundleIdentifier"),
+          .shortVersion = said("CFBundleShortVersionString"),
+          .version = said("CFBundleVersion"),
+          .feedUrl = said("SUFeedURL"),
+          .publicKey = said("SUPublicEDKey"),
+          .appGroup = said("NimboAppGroup")};
+}
+
 struct ModuleError {
   std::string message;  ///< the system's own words
 };

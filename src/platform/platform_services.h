@@ -106,8 +106,9 @@ class PlatformServices {
   [[nodiscard]] virtual const Dates& dates() = 0;
   /// What this process has cost so far; absent when the system does not tell.
   [[nodiscard]] virtual std::optional<ResourceUsage> ownUsage() const = 0;
-  /// Empty on a system whose windows live in this process.
+  /// Empty on a system whose windows live in this process, in the module "nimbo-ui".
   [[nodiscard]] virtual WindowsStarter windowsStarter() = 0;
+  [[nodiscard]] virtual ModuleLoader& modules() = 0;
   [[nodiscard]] virtual UsageServices usageServices() = 0;
   [[nodiscard]] virtual LoginItem& loginItem() = 0;
   [[nodiscard]] virtual WidgetCenter& widgetCenter() = 0;

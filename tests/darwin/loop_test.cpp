@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "darwin/fakes/fake_run_loop.h"
 #include "platform/contracts/main_loop_contract.h"
+#include "platform/contracts/termination_contract.h"
 #include "platform/darwin/loop/cf_main_loop.h"
+#include "platform/darwin/loop/dispatch_termination.h"
 
 namespace nimbo {
 namespace {
@@ -17,6 +19,29 @@ struct CfHost final : MainLoopHost {
 const auto kHost = testing::Values(makeMainLoopHost<CfHost>);
 INSTANTIATE_TEST_SUITE_P(Cf, MainLoopContract, kHost);
 INSTANTIATE_TEST_SUITE_P(Cf, RealTimeMainLoopContract, kHost);
+
+struct DispatchHost final : TerminationHost {
+  [[nodiscard]] MainLoop& loop() override { return events; }
+  [[nodiscard]] Termination& termination() override { return signals; }
+
+  CfMainLoop events;
+  DispatchTermination signals;
+};
+INSTANTIATE_TEST_SUITE_P(Dispatch, TerminationContract, everySignalTo(makeTerminationHost<DispatchHost>));
+
+TEST(DispatchTermination, SignalThatWasIgnoredIsForProgramsThatAreStarted) {
+  const auto handlerOf = [](int signal) {
+    struct sigaction action {};
+    ::sigaction(signal, nullptr, &action);
+    return action.sa_handler;
+  };
+  ::signal(SIGHUP, SIG_IGN);
+  ::signal(SIGTERM, SIG_DFL);
+  const DispatchTermination termination;
+  EXPECT_EQ(handlerOf(SIGHUP), SIG_IGN);
+  EXPECT_NE(handlerOf(SIGTERM), SIG_IGN);  // a handler is gone in another program
+  ::signal(SIGHUP, SIG_DFL);
+}
 
 TEST(CfMainLoop, LeewayIsTheTimersTolerance) {
   CfHost host;

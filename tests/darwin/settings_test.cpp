@@ -2,6 +2,7 @@
 #include "settings/settings.h"
 #include "darwin/fakes/fake_preferences.h"
 #include "platform/contracts/user_defaults_contract.h"
+#include "platform/darwin/settings/cf_bundle_info.h"
 #include "platform/darwin/settings/cf_user_defaults.h"
 
 namespace nimbo {
@@ -132,6 +133,24 @@ TEST_F(CfUserDefaultsTest, TreeThatIsTooDeepIsCut) {
   ASSERT_TRUE(domain);
   EXPECT_LT(domain->dump().size(), 200U);
 }
+
+TEST(CfBundleInfo, IsTheApplications) {
+  fake::Bundle bundle;
+  bundle.information = {{"CFBundleIdentifier", fake::text("com.quellwerk.Nimbo")},
+                        {"CFBundleShortVersionString", fake::text("1.2")},
+                        {"CFBundleVersion", fake::number(3)},
+                        {"SUFeedURL", fake::text("")},
+                        {"NimboAppGroup", fake::text("group")}};
+  const auto info = readBundleInfo();
+  EXPECT_EQ(info.identifier, "com.quellwerk.Nimbo");
+  EXPECT_EQ(info.shortVersion, "1.2");
+  EXPECT_EQ(info.version, std::nullopt);
+  EXPECT_EQ(info.feedUrl, std::nullopt);
+  EXPECT_EQ(info.publicKey, std::nullopt);
+  EXPECT_EQ(info.appGroup, "group");
+}
+
+TEST(CfBundleInfo, ProgramOutsideOfAnApplicationHasNone) { EXPECT_EQ(readBundleInfo().identifier, std::nullopt); }
 
 }  // namespace
 }  // namespace nimbo

@@ -101,6 +101,14 @@ class FakeApplicationInstance final : public ApplicationInstance {
   Result<InstanceRole, InstanceError> role = InstanceRole::first;
 };
 
+/// Has none.
+class FakeModuleLoader final : public ModuleLoader {
+ public:
+  [[nodiscard]] Result<void*, ModuleError> symbol(const std::string& module, const char* /*symbol*/) override {
+    return tl::unexpected(ModuleError{"no module " + module});
+  }
+};
+
 /// A whole machine and desktop in memory; both clocks follow the main loop.
 class FakePlatformServices final : public PlatformServices {
  public:
@@ -145,6 +153,7 @@ class FakePlatformServices final : public PlatformServices {
     return keepsOtherDomains ? std::make_unique<FakeUserDefaults>(domains, domain) : nullptr;
   }
   [[nodiscard]] WindowsStarter windowsStarter() override { return {}; }
+  [[nodiscard]] ModuleLoader& modules() override { return noModules; }
   [[nodiscard]] ApplicationInstance& applicationInstance() override { return instance; }
   [[nodiscard]] RemoteControl& remoteControl() override { return remote; }
   [[nodiscard]] StatusBar& statusBar() override { return bar; }
@@ -172,6 +181,7 @@ class FakePlatformServices final : public PlatformServices {
   }
   [[nodiscard]] bool end() override { return true; }
 
+  FakeModuleLoader noModules;
   FakeClock* clock = nullptr;
   FakeHostStatistics* host = nullptr;
   std::shared_ptr<FakeProcessTable> processes = std::make_shared<FakeProcessTable>();

@@ -2,10 +2,8 @@
 #include <malloc.h>
 #include <signal.h>
 
-#include <chrono>
 #include <cstdlib>
 #include <filesystem>
-#include <map>
 #include <optional>
 #include <string>
 #include <utility>
@@ -25,7 +23,6 @@
 #include "platform/linux/display/display_modules.h"
 #include "platform/linux/files/xdg_folders.h"
 #include "platform/linux/http/module_http_client.h"
-#include "platform/linux/loop/dl_module_loader.h"
 #include "platform/linux/loop/sd_event_main_loop.h"
 #include "platform/linux/loop/signal_termination.h"
 #include "platform/linux/loop/utility_thread.h"
@@ -48,8 +45,9 @@
 #include "platform/linux/windows/windows_launcher.h"
 #include "platform/platform_services.h"
 #include "platform/posix/files/regular_file.h"
-#include "platform/posix/loop/background_threads.h"
-#include "platform/posix/loop/thread_work_queue.h"
+#include "platform/posix/files/user_surroundings.h"
+#include "platform/posix/loop/dl_module_loader.h"
+#include "platform/posix/loop/work_threads.h"
 #include "platform/posix/terminal/local_tool_files.h"
 #include "platform/posix/terminal/pty_terminals.h"
 
@@ -58,57 +56,23 @@ namespace {
 
 constexpr const char* kDomain = "com.quellwerk.Nimbo";
 
-/// Enough to stop Claude Code, which is given half a second to end politely.
-constexpr std::chrono::milliseconds kTimeToEnd{700};
-
-/// The environment, read once: the classes below get what they need of it.
-struct Environment {
-  std::map<std::string, std::string> variables;
-
-  Environment() {
-    for (char** variable = ::environ; variable != nullptr && *variable != nullptr; ++variable) {
-      const std::string entry = *variable;
-      const std::size_t equals = entry.find('=');
-      if (equals != std::string::npos) variables.emplace(entry.substr(0, equals), entry.substr(equals + 1));
-    }
-  }
-
-  [[nodiscard]] std::string get(const std::string& name) const {
-    const auto found = variables.find(name);
-    return found == variables.end() ? std::string() : found->second;
-  }
-};
-
 std::string busAddressOf(const Environment& environment) {
-  return sessionBusAddress(environment.get("DBUS_SESSION_BUS_ADDRESS"), environment.get("XDG_RUNTIME_DIR"));
+  return sessionBusAddress(variable(environment, "DBUS_SESSION_BUS_ADDRESS"), variable(environment, "XDG_RUNTIME_DIR"));
 }
 
 UserSurroundings surroundingsFrom(const Environment& environment) {
-  UserSurroundings user;
-  const std::string home = environment.get("HOME");
-  user.home = home.starts_with('/') ? std::filesystem::path(home) : accountHome();
-  user.caches = xdgFolders(environment.variables, accountHome()).cache;
-  user.searchPath = environment.get("PATH");
-  user.codexHome = environment.get("CODEX_HOME");
-  for (char** variable = ::environ; variable != nullptr && *variable != nullptr; ++variable) {
-    user.environment.emplace_back(*variable);
-  }
-  const auto zone = environment.variables.find("TZ");
-  user.localZone = [tz = zone == environment.variables.end() ? std::nullopt : std::optional(zone->second)] {
-    return localTimeZoneName(tz, "/etc/localtime");
-  };
-  return user;
+  return userSurroundings(environment, xdgFolders(environment, accountHome()).cache);
 }
 
 Wording wordingFrom(const Environment& environment) {
-  const auto folders = applicationFolders(environment.variables, xdgFolders(environment.variables, accountHome()));
-  return linuxWording(environment.get("XDG_CURRENT_DESKTOP"), environment.get("PATH"), folders);
+  const auto folders = applicationFolders(environment, xdgFolders(environment, accountHome()));
+  return linuxWording(variable(environment, "XDG_CURRENT_DESKTOP"), variable(environment, "PATH"), folders);
 }
 
 /// What the locale's dates follow, in the C library's own order.
 std::string dateLocale(const Environment& environment) {
   for (const char* const name : {"LC_ALL", "LC_TIME", "LANG"}) {
-    if (auto value = environment.get(name); !value.empty()) return value;
+    if (auto value = variable(environment, name); !value.empty()) return value;
   }
   return "C";
 }
@@ -116,15 +80,15 @@ std::string dateLocale(const Environment& environment) {
 /// The X server's address in an X11 session. In a Wayland session that of its bridge for old programs
 /// would be of no use: the screen is not that one's.
 std::string x11Display(const Environment& environment) {
-  return environment.get("WAYLAND_DISPLAY").empty() ? environment.get("DISPLAY") : std::string();
+  return variable(environment, "WAYLAND_DISPLAY").empty() ? variable(environment, "DISPLAY") : std::string();
 }
 
 /// Where the Wayland compositor listens; its name is relative to the session's run-time folder unless
 /// it is a whole path.
 std::string waylandSocket(const Environment& environment) {
-  std::string name = environment.get("WAYLAND_DISPLAY");
+  std::string name = variable(environment, "WAYLAND_DISPLAY");
   if (name.empty() || name.front() == '/') return name;
-  return environment.get("XDG_RUNTIME_DIR") + "/" + name;
+  return variable(environment, "XDG_RUNTIME_DIR") + "/" + name;
 }
 
 /// Where this program lies. Only at the start: an upgrade takes it away.
@@ -135,7 +99,7 @@ std::filesystem::path executablePath() {
 
 /// What log-in is to start: this program, or the one file that it was unpacked from.
 std::filesystem::path programOf(const Environment& environment, const std::filesystem::path& executable) {
-  const std::filesystem::path image = environment.get("APPIMAGE");
+  const std::filesystem::path image = variable(environment, "APPIMAGE");
   return image.is_absolute() ? image : executable;
 }
 
@@ -144,8 +108,8 @@ class LinuxPlatformServices final : public PlatformServices {
   [[nodiscard]] SystemReaders& readers() override { return readers_; }
   [[nodiscard]] MainLoop& mainLoop() override { return loop_; }
   [[nodiscard]] Termination& termination() override { return termination_; }
-  [[nodiscard]] WorkQueue& temperatureQueue() override { return temperatureQueue_; }
-  [[nodiscard]] WorkQueue& utilityQueue() override { return utilityQueue_; }
+  [[nodiscard]] WorkQueue& temperatureQueue() override { return threads_.temperature; }
+  [[nodiscard]] WorkQueue& utilityQueue() override { return threads_.utility; }
   [[nodiscard]] const BundleInfo& bundleInfo() override { return bundleInfo_; }
   [[nodiscard]] const Wording& wording() override { return wording_; }
   [[nodiscard]] UserDefaults& userDefaults() override { return *defaults_; }
@@ -166,39 +130,35 @@ class LinuxPlatformServices final : public PlatformServices {
   [[nodiscard]] WindowsStarter windowsStarter() override {
     return [this](DisplayNeed need, WindowsProcess::Events events) { return windows_.start(need, std::move(events)); };
   }
+  [[nodiscard]] ModuleLoader& modules() override { return modules_; }
   [[nodiscard]] UsageServices usageServices() override {
-    return {http_, network_, secretFiles_, toolFiles_, terminals_, accessibility_, claudeQueue_, inBackground(), user_};
+    return {http_,          network_,        secretFiles_,          toolFiles_, terminals_,
+            accessibility_, threads_.claude, threads_.background(), user_};
   }
   [[nodiscard]] LoginItem& loginItem() override { return loginItem_; }
   [[nodiscard]] WidgetCenter& widgetCenter() override { return widgetCenter_; }
   [[nodiscard]] UpdateSource updateSource(const UpdateFeed& feed, UpdateWindows& windows) override {
     const ProgramVersion installed{bundleInfo_.version.value_or(""), bundleInfo_.shortVersion.value_or("Development")};
-    const UpdateSetup setup{loop_, http_, utilityQueue_, workspace_, windows, feed, installed};
+    const UpdateSetup setup{loop_, http_, threads_.utility, workspace_, windows, feed, installed};
     return updateSessionFromModule(modules_, setup, {user_.home, folders_.config});
   }
   [[nodiscard]] bool end() override {
     defaults_.reset();
-    const auto deadline = std::chrono::steady_clock::now() + kTimeToEnd;
-    bool ended = background_.endBy(deadline);
-    for (auto* const queue : {&claudeQueue_, &temperatureQueue_, &utilityQueue_}) ended &= queue->endBy(deadline);
-    return ended;
+    return threads_.end();
   }
 
  private:
-  std::function<void(std::function<void()>)> inBackground() {
-    return [this](const std::function<void()>& work) { background_.run(work); };
-  }
   // Not on the utility queue, whose other work may take seconds: a setting is to be on disk at once.
-  JsonUserDefaults::Services defaultsServices() { return {loop_, inBackground()}; }
+  JsonUserDefaults::Services defaultsServices() { return {loop_, threads_.background()}; }
 
   // In order of dependence: what comes later uses what comes before and goes first.
-  const Environment environment_;
+  const Environment environment_ = processEnvironment();
   const std::filesystem::path executable_ = executablePath();
   const std::filesystem::path prefix_ = executable_.parent_path().parent_path();  // /usr, or a build folder
-  const XdgFolders folders_ = xdgFolders(environment_.variables, accountHome());
-  const std::string desktop_ = environment_.get("XDG_CURRENT_DESKTOP");
+  const XdgFolders folders_ = xdgFolders(environment_, accountHome());
+  const std::string desktop_ = variable(environment_, "XDG_CURRENT_DESKTOP");
   const std::string sessionAddress_ = busAddressOf(environment_);
-  const std::string systemAddress_ = systemBusAddress(environment_.get("DBUS_SYSTEM_BUS_ADDRESS"));
+  const std::string systemAddress_ = systemBusAddress(variable(environment_, "DBUS_SYSTEM_BUS_ADDRESS"));
 
   SystemReaders readers_ = makeSystemReaders();
   BundleInfo bundleInfo_ = readBundleInfo(prefix_ / "share" / "nimbo" / "Info.json");
@@ -212,12 +172,13 @@ class LinuxPlatformServices final : public PlatformServices {
   SdBusConnection session_{loop_.event(), sessionAddress_, [this] { loop_.quit(); }};
   DbusApplicationInstance instance_{session_};
   DbusRemoteControl remoteControl_{session_.get()};
-  PlasmaColors plasmaColors_{loop_, {folders_.config, dataFolders(environment_.variables, folders_)}};
+  PlasmaColors plasmaColors_{loop_, {folders_.config, dataFolders(environment_, folders_)}};
   PortalWorkspace workspace_{loop_,
                              session_.get(),
-                             {desktop_, environment_.get("PATH"), environment_.get("GTK_THEME"),
-                              applicationFolders(environment_.variables, folders_), &plasmaColors_}};
-  XdgLoginItem loginItem_{{folders_.config, programOf(environment_, executable_), desktop_, environment_.get("PATH")}};
+                             {desktop_, variable(environment_, "PATH"), variable(environment_, "GTK_THEME"),
+                              applicationFolders(environment_, folders_), &plasmaColors_}};
+  XdgLoginItem loginItem_{
+      {folders_.config, programOf(environment_, executable_), desktop_, variable(environment_, "PATH")}};
   XdgWidgetCenter widgetCenter_{session_.get(), folders_.data};
   PanelAppearance panel_{{session_.get(), workspace_, plasmaColors_}, desktop_};
   SniStatusBar statusBar_{loop_, {session_.get(), sessionAddress_}, desktop_, panel_};
@@ -237,17 +198,14 @@ class LinuxPlatformServices final : public PlatformServices {
 
   const UserSurroundings user_ = surroundingsFrom(environment_);
   ModuleHttpClient http_{
-      loop_, modules_, {"Nimbo", environment_.get("SSL_CERT_FILE"), environment_.get("SSL_CERT_DIR")}};
+      loop_, modules_, {"Nimbo", variable(environment_, "SSL_CERT_FILE"), variable(environment_, "SSL_CERT_DIR")}};
   RtnetlinkNetwork network_{loop_};
   PlainSecretFiles secretFiles_;
   LocalToolFiles toolFiles_;
   PtyTerminals terminals_{procfsTerminalSystem()};
   AtspiAccessibility accessibility_{sessionAddress_};
 
-  BackgroundThreads background_{makeUtilityThread};
-  ThreadWorkQueue claudeQueue_{"Nimbo.claude", loop_, makeUtilityThread};
-  ThreadWorkQueue temperatureQueue_{"Nimbo.temperature", loop_, makeUtilityThread};
-  ThreadWorkQueue utilityQueue_{"Nimbo.utility", loop_, makeUtilityThread};
+  WorkThreads threads_{loop_, makeUtilityThread};
   std::optional<JsonUserDefaults> defaults_{std::in_place, folders_.config, kDomain, defaultsServices()};
 };
 
@@ -260,12 +218,12 @@ SystemReaders makeSystemReaders() {
 }
 
 std::unique_ptr<Accessibility> makeAccessibility() {
-  return std::make_unique<AtspiAccessibility>(busAddressOf(Environment()));
+  return std::make_unique<AtspiAccessibility>(busAddressOf(processEnvironment()));
 }
 
-UserSurroundings userSurroundings() { return surroundingsFrom(Environment()); }
+UserSurroundings userSurroundings() { return surroundingsFrom(processEnvironment()); }
 
-Wording systemWording() { return wordingFrom(Environment()); }
+Wording systemWording() { return wordingFrom(processEnvironment()); }
 
 std::string programVersion() {
   const auto prefix = executablePath().parent_path().parent_path();
@@ -273,7 +231,7 @@ std::string programVersion() {
 }
 
 std::unique_ptr<RunningProgram> makeRunningProgram() {
-  return std::make_unique<DbusRunningProgram>(busAddressOf(Environment()));
+  return std::make_unique<DbusRunningProgram>(busAddressOf(processEnvironment()));
 }
 
 std::unique_ptr<ForegroundPrograms> makeForegroundPrograms() {

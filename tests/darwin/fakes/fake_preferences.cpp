@@ -44,7 +44,25 @@ Preferences::~Preferences() { thePreferences = nullptr; }
 
 }  // namespace nimbo::fake
 
+struct __CFBundle {
+  nimbo::fake::Bundle* fake;
+};
+static __CFBundle theBundle{};
+
+namespace nimbo::fake {
+
+Bundle::Bundle() { EXPECT_EQ(std::exchange(theBundle.fake, this), nullptr); }
+Bundle::~Bundle() { theBundle.fake = nullptr; }
+
+}  // namespace nimbo::fake
+
 extern "C" {
+
+CFBundleRef CFBundleGetMainBundle() { return theBundle.fake != nullptr ? &theBundle : nullptr; }
+CFTypeRef CFBundleGetValueForInfoDictionaryKey(CFBundleRef bundle, CFStringRef key) {
+  const auto found = bundle->fake->information.find(key->utf8);
+  return found == bundle->fake->information.end() ? nullptr : found->second.get();
+}
 
 static const __CFString kCurrentUser("kCFPreferencesCurrentUser", Object::Count::no);
 static const __CFString kAnyHost("kCFPreferencesAnyHost", Object::Count::no);

@@ -21,4 +21,14 @@ class Preferences {
   int timesWritten = 0;
 };
 
+/// The application that this program is of while it lives.
+struct Bundle {
+  Bundle();
+  ~Bundle();
+  Bundle(const Bundle&) = delete;
+  Bundle& operator=(const Bundle&) = delete;
+
+  std::map<std::string, Held> information;
+};
+
 }  // namespace nimbo::fake

@@ -4,7 +4,9 @@
 #include <dispatch/dispatch.h>
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <signal.h>
 #include <sys/eventfd.h>
+#include <sys/signalfd.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -66,8 +68,9 @@ struct __CFRunLoop : Object {
   bool isStopped = false;
 };
 
-struct WallTimer : dispatch_source_s {
+struct DispatchSource : dispatch_source_s {
   system_clock::time_point due = system_clock::time_point::max();
+  int signals = -1;  // of one that hears of a signal
   dispatch_function_t handler = nullptr;
   void* context = nullptr;
   bool isResumed = false;
@@ -81,8 +84,8 @@ __CFRunLoop& mainLoop() {
   return loop;
 }
 
-std::vector<WallTimer*>& wallTimers() {
-  static std::vector<WallTimer*> timers;
+std::vector<DispatchSource*>& dispatchSources() {
+  static std::vector<DispatchSource*> timers;
   return timers;
 }
 
@@ -136,12 +139,17 @@ void fireTimers() {
   }
 }
 
-void fireWallTimers() {
-  for (auto* const timer : std::vector(wallTimers())) {
-    if (std::ranges::find(wallTimers(), timer) == wallTimers().end()) continue;  // released meanwhile
-    if (!timer->isResumed || timer->isCanceled || timer->due > wallClock()) continue;
-    timer->due = system_clock::time_point::max();
-    timer->handler(timer->context);
+bool hasSignal(const DispatchSource& source) {
+  signalfd_siginfo info{};
+  return source.signals >= 0 && ::read(source.signals, &info, sizeof info) == sizeof info;
+}
+
+void fireDispatched() {
+  for (auto* const source : std::vector(dispatchSources())) {
+    if (std::ranges::find(dispatchSources(), source) == dispatchSources().end()) continue;  // released meanwhile
+    if (!source->isResumed || source->isCanceled || (source->due > wallClock() && !hasSignal(*source))) continue;
+    source->due = system_clock::time_point::max();
+    source->handler(source->context);
   }
 }
 
@@ -149,7 +157,7 @@ std::optional<nanoseconds> untilNextTimer() {
   std::optional<nanoseconds> next;
   const auto consider = [&](nanoseconds wait) { next = std::max(nanoseconds(0), next ? std::min(*next, wait) : wait); };
   for (const auto& [held, timer] : mainLoop().parts<__CFRunLoopTimer>()) consider(timer->due - steady_clock::now());
-  for (const auto* const timer : wallTimers()) {
+  for (const auto* const timer : dispatchSources()) {
     if (timer->isResumed && !timer->isCanceled && timer->due != system_clock::time_point::max()) {
       consider(timer->due - wallClock());
     }
@@ -176,6 +184,9 @@ void wait(std::optional<nanoseconds> longest) {
     if (!descriptor.isEnabled) continue;
     polled.push_back({descriptor.descriptor, POLLIN, 0});
     descriptors.push_back(source->descriptor);
+  }
+  for (const auto* const source : dispatchSources()) {
+    if (source->signals >= 0) polled.push_back({source->signals, POLLIN, 0});
   }
   timespec time{};
   if (longest) time = {static_cast<time_t>(longest->count() / 1'000'000'000), longest->count() % 1'000'000'000};
@@ -228,7 +239,7 @@ void CFRunLoopRun() {
     wait(hasWorked ? nanoseconds(0) : untilNextTimer());
     if (!hasWorked) tell(kCFRunLoopAfterWaiting);
     fireTimers();
-    fireWallTimers();
+    fireDispatched();
   }
 }
 
@@ -316,11 +327,12 @@ CFRunLoopSourceRef CFFileDescriptorCreateRunLoopSource(CFAllocatorRef /*allocato
   return source;
 }
 
-// Timers on the main queue are all that is known of libdispatch.
+// Timers and signals on the main queue are all that is known of libdispatch.
 struct dispatch_source_type_s {
   int unused;
 };
 const struct dispatch_source_type_s _dispatch_source_type_timer {};
+const struct dispatch_source_type_s _dispatch_source_type_signal {};
 dispatch_queue_t dispatch_get_main_queue() {
   static dispatch_queue_s queue;
   return &queue;
@@ -329,34 +341,46 @@ dispatch_queue_t dispatch_get_main_queue() {
 dispatch_time_t dispatch_walltime(const struct timespec* when, int64_t delta) {
   return static_cast<dispatch_time_t>(-(when->tv_sec * 1'000'000'000 + when->tv_nsec + delta));
 }
-dispatch_source_t dispatch_source_create(dispatch_source_type_t type, uintptr_t /*handle*/, uintptr_t /*mask*/,
+dispatch_source_t dispatch_source_create(dispatch_source_type_t type, uintptr_t handle, uintptr_t /*mask*/,
                                          dispatch_queue_t queue) {
-  EXPECT_EQ(type, DISPATCH_SOURCE_TYPE_TIMER);
+  EXPECT_TRUE(type == DISPATCH_SOURCE_TYPE_TIMER || type == DISPATCH_SOURCE_TYPE_SIGNAL);
   EXPECT_EQ(queue, dispatch_get_main_queue());
-  wallTimers().push_back(new WallTimer);
+  dispatchSources().push_back(new DispatchSource);
   ++references;
-  return wallTimers().back();
+  if (type == DISPATCH_SOURCE_TYPE_SIGNAL) {
+    struct sigaction action {};
+    ::sigaction(static_cast<int>(handle), nullptr, &action);
+    EXPECT_NE(action.sa_handler, SIG_DFL) << "what the signal does by itself still happens";
+    // Blocked, because a signal that is handled is seen by nobody else here.
+    sigset_t set;
+    sigemptyset(&set);
+    sigaddset(&set, static_cast<int>(handle));
+    pthread_sigmask(SIG_BLOCK, &set, nullptr);
+    dispatchSources().back()->signals = ::signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK);
+  }
+  return dispatchSources().back();
 }
 void dispatch_source_set_timer(dispatch_source_t source, dispatch_time_t start, uint64_t interval, uint64_t leeway) {
   EXPECT_EQ(interval, DISPATCH_TIME_FOREVER);
-  static_cast<WallTimer*>(source)->due = system_clock::time_point(
+  static_cast<DispatchSource*>(source)->due = system_clock::time_point(
       std::chrono::duration_cast<system_clock::duration>(nanoseconds(-static_cast<int64_t>(start))));
   leewaySetLast = nanoseconds(leeway);
 }
 void dispatch_source_set_event_handler_f(dispatch_source_t source, dispatch_function_t handler) {
-  static_cast<WallTimer*>(source)->handler = handler;
+  static_cast<DispatchSource*>(source)->handler = handler;
 }
 void dispatch_set_context(dispatch_object_t object, void* context) {
-  static_cast<WallTimer*>(object)->context = context;
+  static_cast<DispatchSource*>(object)->context = context;
 }
-void dispatch_resume(dispatch_object_t object) { static_cast<WallTimer*>(object)->isResumed = true; }
-void dispatch_source_cancel(dispatch_source_t source) { static_cast<WallTimer*>(source)->isCanceled = true; }
+void dispatch_resume(dispatch_object_t object) { static_cast<DispatchSource*>(object)->isResumed = true; }
+void dispatch_source_cancel(dispatch_source_t source) { static_cast<DispatchSource*>(source)->isCanceled = true; }
 void dispatch_release(dispatch_object_t object) {
-  auto* const timer = static_cast<WallTimer*>(object);
-  EXPECT_TRUE(timer->isResumed) << "releasing a suspended source ends the program";
-  EXPECT_TRUE(timer->isCanceled) << "it would go on";
-  std::erase(wallTimers(), timer);
-  delete timer;
+  auto* const source = static_cast<DispatchSource*>(object);
+  EXPECT_TRUE(source->isResumed) << "releasing a suspended source ends the program";
+  EXPECT_TRUE(source->isCanceled) << "it would go on";
+  std::erase(dispatchSources(), source);
+  if (source->signals >= 0) ::close(source->signals);
+  delete source;
   --references;
 }
 

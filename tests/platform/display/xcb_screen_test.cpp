@@ -9,7 +9,7 @@
 #include <memory>
 
 #include "platform/linux/display/display_modules.h"
-#include "platform/linux/loop/dl_module_loader.h"
+#include "platform/posix/loop/dl_module_loader.h"
 #include "support/services/fake_x11_server.h"
 #include "support/services/private_display.h"
 

@@ -36,7 +36,5 @@ TEST(XdgFolders, WithoutUsableHomeTheAccountsOneStandsIn) {
   EXPECT_EQ(xdgFolders({{"HOME", "ada"}}, "/account").config, "/account/.config");
 }
 
-TEST(XdgFolders, AccountHomeIsAbsolute) { EXPECT_TRUE(accountHome().is_absolute()); }
-
 }  // namespace
 }  // namespace nimbo

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/linux/loop/dl_module_loader.h"
+#include "platform/posix/loop/dl_module_loader.h"
 
 #include <gtest/gtest.h>
 

@@ -1,48 +1,20 @@
 // SPDX-License-Identifier: MIT
 #include "platform/linux/loop/signal_termination.h"
 
-#include <gtest/gtest.h>
-#include <signal.h>
-#include <unistd.h>
-
-#include <chrono>
-#include <optional>
+#include "platform/contracts/termination_contract.h"
 
 namespace nimbo {
 namespace {
 
-using std::chrono::milliseconds;
+struct SignalHost final : TerminationHost {
+  [[nodiscard]] MainLoop& loop() override { return events; }
+  [[nodiscard]] Termination& termination() override { return signals; }
 
-class SignalTerminationTest : public ::testing::TestWithParam<int> {
- protected:
-  SdEventMainLoop loop;
-  SignalTermination termination{loop};
+  SdEventMainLoop events;
+  SignalTermination signals{events};
 };
 
-TEST_P(SignalTerminationTest, SignalIsReportedOnTheLoop) {
-  std::optional<Termination::Cause> requested;
-  const auto observation = termination.observe([&](Termination::Cause cause) {
-    requested = cause;
-    loop.quit();
-  });
-  const auto limit = loop.every(milliseconds(5000), milliseconds(1), [&] { loop.quit(); });
-  loop.post([] { kill(getpid(), GetParam()); });
-  loop.run();
-  EXPECT_EQ(requested, GetParam() == SIGINT ? Termination::Cause::interrupt : Termination::Cause::request);
-}
-
-TEST_P(SignalTerminationTest, SignalWithoutObserverDoesNotEndTheProcess) {
-  int requested = 0;
-  {
-    const auto observation = termination.observe([&](Termination::Cause) { ++requested; });
-  }
-  const auto limit = loop.every(milliseconds(30), milliseconds(1), [&] { loop.quit(); });
-  loop.post([] { kill(getpid(), GetParam()); });
-  loop.run();
-  EXPECT_EQ(requested, 0);
-}
-
-INSTANTIATE_TEST_SUITE_P(Signals, SignalTerminationTest, ::testing::Values(SIGTERM, SIGINT, SIGHUP));
+INSTANTIATE_TEST_SUITE_P(Linux, TerminationContract, everySignalTo(makeTerminationHost<SignalHost>));
 
 }  // namespace
 }  // namespace nimbo

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "platform/darwin/loop/cf_main_loop.h"
 
-#include <dispatch/dispatch.h>
 #include <time.h>
 
 #include <algorithm>
 #include <memory>
 #include <utility>
+
+#include "platform/darwin/loop/dispatch_source.h"
 
 namespace nimbo {
 namespace {
@@ -18,15 +19,6 @@ using std::chrono::system_clock;
 double secondsOf(milliseconds duration) { return std::chrono::duration<double>(duration).count(); }
 
 struct FileDescriptorTraits : RunLoopPartTraits<CFFileDescriptorRef, CFFileDescriptorInvalidate> {};
-
-struct WallTimerTraits {
-  using Handle = dispatch_source_t;
-  static Handle invalid() { return nullptr; }
-  static void release(Handle timer) {
-    dispatch_source_cancel(timer);
-    dispatch_release(timer);
-  }
-};
 
 /// A callback and what calls it. Handlers keep it alive while they run, because a callback may destroy its own
 /// subscription.
@@ -48,7 +40,7 @@ struct Registration : std::enable_shared_from_this<Registration<Source>> {
 };
 
 using Timer = Registration<UniqueHandle<RunLoopPartTraits<CFRunLoopTimerRef, CFRunLoopTimerInvalidate>>>;
-using WallTimer = Registration<UniqueHandle<WallTimerTraits>>;
+using WallTimer = Registration<DispatchSource>;
 using Watch = Registration<UniqueHandle<FileDescriptorTraits>>;
 
 void onTimer(CFRunLoopTimerRef /*timer*/, void* info) { Timer::call(info); }

@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <array>
 #include <string_view>
-#include <system_error>
 
 namespace nimbo {
 namespace {
@@ -40,19 +39,6 @@ const wchar_t* monthPattern(locale_t locale) {
   return date.starts_with("%Y") ? L"%Y %b %-d" : L"%-d %b %Y";
 }
 
-constexpr const char* kUtc = "UTC";
-
-// The link is followed by name only: what "Europe/Berlin" itself may link to is the database's affair,
-// and a name tells one zone from another where the path of the link would not.
-std::string linkedZone(const std::filesystem::path& localtime) {
-  constexpr std::string_view kDatabase = "/zoneinfo/";
-  std::error_code error;
-  const std::string target = std::filesystem::read_symlink(localtime, error).string();
-  const auto start = target.find(kDatabase);
-  if (!error && start != std::string::npos) return target.substr(start + kDatabase.size());
-  return std::filesystem::exists(localtime, error) ? localtime.string() : kUtc;
-}
-
 }  // namespace
 
 // glibc's "-" leaves the leading zero out.
@@ -72,13 +58,6 @@ std::string LocaleDates::format(std::chrono::system_clock::time_point time, cons
   const std::size_t size = ::wcsftime_l(wide.data(), wide.size(), pattern.c_str(), &fields, locale_.get());
   // What the library makes UTF-8 of in every locale is a path.
   return std::filesystem::path(std::u32string(wide.data(), wide.data() + size)).string();
-}
-
-// As the C library reads them: a colon before the name does not matter, and an empty name is UTC.
-std::string localTimeZoneName(const std::optional<std::string>& tz, const std::filesystem::path& localtime) {
-  if (!tz) return linkedZone(localtime);
-  const std::string name = tz->starts_with(':') ? tz->substr(1) : *tz;
-  return name.empty() ? kUtc : name;
 }
 
 }  // namespace nimbo

@@ -1,11 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "platform/linux/files/xdg_folders.h"
 
-#include <pwd.h>
-#include <unistd.h>
-
-#include <vector>
-
 namespace nimbo {
 namespace {
 
@@ -24,15 +19,6 @@ XdgFolders xdgFolders(const std::map<std::string, std::string>& environment, con
   return {.config = absoluteOr(environment, "XDG_CONFIG_HOME", home / ".config"),
           .data = absoluteOr(environment, "XDG_DATA_HOME", home / ".local/share"),
           .cache = absoluteOr(environment, "XDG_CACHE_HOME", home / ".cache")};
-}
-
-fs::path accountHome() {
-  std::vector<char> buffer(16384);
-  passwd entry{};
-  passwd* found = nullptr;
-  const int error = ::getpwuid_r(::getuid(), &entry, buffer.data(), buffer.size(), &found);
-  if (error != 0 || found == nullptr || !fs::path(found->pw_dir).is_absolute()) return "/";
-  return found->pw_dir;
 }
 
 }  // namespace nimbo

@@ -18,7 +18,4 @@ struct XdgFolders {
 [[nodiscard]] XdgFolders xdgFolders(const std::map<std::string, std::string>& environment,
                                     const std::filesystem::path& accountHome);
 
-/// The home folder that the user database names for this process; "/" when it names none.
-[[nodiscard]] std::filesystem::path accountHome();
-
 }  // namespace nimbo

@@ -14,6 +14,7 @@
 #include <utility>
 
 #include "platform/posix/files/unique_fd.h"
+#include "platform/posix/loop/settling.h"
 
 namespace nimbo {
 namespace {
@@ -38,10 +39,10 @@ bool isDefaultRoute(const nlmsghdr& message) {
 class RouteWatch {
  public:
   RouteWatch(MainLoop& loop, std::chrono::milliseconds settling, std::function<void()> connected)
-      : loop_(loop), settlingTime_(settling), connected_(std::move(connected)), socket_(routeSocket()) {
+      : socket_(routeSocket()), settling_(loop, settling, std::move(connected)) {
     if (!socket_) return;
     try {
-      readable_ = loop_.watch(socket_.get(), [this] { receive(); });
+      readable_ = loop.watch(socket_.get(), [this] { receive(); });
     } catch (const std::system_error&) {  // then nothing is told, as without a socket
     }
   }
@@ -61,22 +62,12 @@ class RouteWatch {
         hasAppeared = hasAppeared || isDefaultRoute(*message);
       }
     }
-    if (hasAppeared) settling_ = loop_.every(settlingTime_, std::chrono::milliseconds(500), [this] { tell(); });
+    if (hasAppeared) settling_.sign();
   }
 
-  // What is told may destroy this.
-  void tell() {
-    settling_.reset();
-    const auto connected = connected_;
-    connected();
-  }
-
-  MainLoop& loop_;
-  const std::chrono::milliseconds settlingTime_;
-  const std::function<void()> connected_;
   const UniqueFd socket_;
+  Settling settling_;
   Subscription readable_;
-  Subscription settling_;
 };
 
 }  // namespace

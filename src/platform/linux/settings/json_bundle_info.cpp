@@ -13,17 +13,10 @@ namespace nimbo {
 BundleInfo parseBundleInfo(std::string_view json) {
   const auto info = parseBoundedJson(json);
   if (!info) return {};
-  const auto text = [&info](std::string_view key) -> std::optional<std::string> {
+  return bundleInfoOf([&info](const char* key) -> std::optional<std::string> {
     const auto* const member = jsonMember(*info, key);
-    auto value = member != nullptr ? stringValue(*member) : std::nullopt;
-    return value == "" ? std::nullopt : value;
-  };
-  return {.identifier = text("CFBundleIdentifier"),
-          .shortVersion = text("CFBundleShortVersionString"),
-          .version = text("CFBundleVersion"),
-          .feedUrl = text("SUFeedURL"),
-          .publicKey = text("SUPublicEDKey"),
-          .appGroup = text("NimboAppGroup")};
+    return member != nullptr ? stringValue(*member) : std::nullopt;
+  });
 }
 
 BundleInfo readBundleInfo(const std::filesystem::path& file) {

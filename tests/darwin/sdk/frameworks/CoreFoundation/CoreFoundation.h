@@ -130,6 +130,14 @@ CFIndex CFDictionaryGetCount(CFDictionaryRef dictionary);
 const void* CFDictionaryGetValue(CFDictionaryRef dictionary, const void* key);
 void CFDictionaryGetKeysAndValues(CFDictionaryRef dictionary, const void** keys, const void** values);
 
+// Bundles
+
+typedef struct __CFBundle* CFBundleRef;
+/// Null for a program that lies in none.
+CFBundleRef CFBundleGetMainBundle(void);
+/// Not to be released.
+CFTypeRef CFBundleGetValueForInfoDictionaryKey(CFBundleRef bundle, CFStringRef key);
+
 // Preferences
 
 extern const CFStringRef kCFPreferencesCurrentUser;

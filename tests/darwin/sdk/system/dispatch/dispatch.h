@@ -19,6 +19,9 @@ typedef void (*dispatch_function_t)(void*);
 #define DISPATCH_TIME_FOREVER (~0ull)
 extern const struct dispatch_source_type_s _dispatch_source_type_timer;
 #define DISPATCH_SOURCE_TYPE_TIMER (&_dispatch_source_type_timer)
+extern const struct dispatch_source_type_s _dispatch_source_type_signal;
+/// Of a signal that does nothing else: the handle is its number.
+#define DISPATCH_SOURCE_TYPE_SIGNAL (&_dispatch_source_type_signal)
 
 dispatch_queue_t dispatch_get_main_queue(void);
 /// A time by the wall clock.

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "platform/linux/desktop/locale_dates.h"
+#include "platform/posix/files/user_surroundings.h"
 
 #include <gtest/gtest.h>
+#include <stdlib.h>
 
 #include "support/services/temporary_tree.h"
 
@@ -55,6 +56,32 @@ TEST_F(LocalTimeZone, VariableCountsBeforeTheLink) {
 TEST_F(LocalTimeZone, EmptyVariableIsUtc) {
   EXPECT_EQ(localTimeZoneName("", localtime_), "UTC");
   EXPECT_EQ(localTimeZoneName(":", localtime_), "UTC");
+}
+
+TEST(UserSurroundings, WhatProgramsFindWhenTheyStart) {
+  const Environment environment{
+      {"CODEX_HOME", "/codex"}, {"HOME", "/home/ada"}, {"PATH", "/bin"}, {"TZ", ":Asia/Tokyo"}};
+  const auto user = userSurroundings(environment, "/caches");
+  EXPECT_EQ(user.home, "/home/ada");
+  EXPECT_EQ(user.caches, "/caches");
+  EXPECT_EQ(user.searchPath, "/bin");
+  EXPECT_EQ(user.codexHome, "/codex");
+  EXPECT_EQ(user.localZone(), "Asia/Tokyo");
+  EXPECT_EQ(user.environment,
+            (std::vector<std::string>{"CODEX_HOME=/codex", "HOME=/home/ada", "PATH=/bin", "TZ=:Asia/Tokyo"}));
+}
+
+TEST(UserSurroundings, WithoutUsableHomeTheAccountsOneCounts) {
+  ASSERT_TRUE(accountHome().is_absolute());
+  EXPECT_EQ(userSurroundings({}, "/caches").home, accountHome());
+  EXPECT_EQ(userSurroundings({{"HOME", "ada"}}, "/caches").home, accountHome());
+}
+
+TEST(UserSurroundings, ProcessHasItsEnvironment) {
+  ASSERT_EQ(::setenv("NIMBO_TEST_SURROUNDINGS", "a=b", 1), 0);
+  EXPECT_EQ(variable(processEnvironment(), "NIMBO_TEST_SURROUNDINGS"), "a=b");
+  ::unsetenv("NIMBO_TEST_SURROUNDINGS");
+  EXPECT_EQ(variable(processEnvironment(), "NIMBO_TEST_SURROUNDINGS"), "");
 }
 
 }  // namespace
