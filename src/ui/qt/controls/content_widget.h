@@ -57,6 +57,14 @@ void showContent(QWidget& widget, const Content& content, const QMargins& around
   widget.update();
 }
 
+/// Takes a control away, but not at once: it may be what the user is pressing. Its deletion is asked for by an event,
+/// because outside of these it would wait for an event loop of the toolkit's own, which some programs do not have.
+inline void discard(QWidget& control) {
+  control.setObjectName({});
+  control.hide();
+  QMetaObject::invokeMethod(&control, &QObject::deleteLater, Qt::QueuedConnection);
+}
+
 /// A widget of the toolkit that draws one content after another.
 template <class Widget, class Content>
 class ContentWidget : public Widget {

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "ui/qt/controls/content_widget.h"
 #include "ui/qt/controls/dashboard_button.h"
 #include "ui/qt/dashboard/usage_card.h"
 
@@ -45,11 +46,7 @@ void UsagePage::renderCards(const std::vector<UsageCardContent>& contents) {
     cards.push_back(takeCard(content.provider));
     cards.back()->setContent(content);
   }
-  for (UsageCard* const gone : std::exchange(cards_, cards)) {
-    gone->hide();
-    // Not at once: it may be its own button that made it go.
-    gone->deleteLater();
-  }
+  for (UsageCard* const gone : std::exchange(cards_, cards)) discard(*gone);
   if (cards == before) return;
   QWidget* previous = scroll_;
   for (UsageCard* const card : cards) previous = card->followInTabOrder(previous);

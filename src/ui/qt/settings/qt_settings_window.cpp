@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "ui/qt/controls/content_widget.h"
 #include "ui/qt/controls/page_controls.h"
 #include "ui/qt/controls/scroll_area.h"
 #include "ui/qt/controls/segmented_tabs.h"
@@ -58,7 +59,7 @@ void QtSettingsWindow::render(const SettingsWindowContent& content) {
 
 void QtSettingsWindow::renderPages(const std::vector<SettingsPageContent>& contents) {
   while (pages_.size() < contents.size()) pages_.push_back(new SettingsPage(theme_, listener_, scroll_->document()));
-  for (; pages_.size() > contents.size(); pages_.pop_back()) pages_.back()->deleteLater();
+  for (; pages_.size() > contents.size(); pages_.pop_back()) discard(*pages_.back());
   for (std::size_t index = 0; index < pages_.size(); ++index) {
     SettingsPage& page = *pages_[index];
     const auto& content = contents[index];

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "ui/qt/controls/check_box.h"
+#include "ui/qt/controls/content_widget.h"
 #include "ui/qt/controls/dashboard_button.h"
 #include "ui/qt/controls/fitted_label.h"
 #include "ui/qt/controls/pop_up_button.h"
@@ -41,13 +42,6 @@ void setContent(const Control& control, const SettingsControl& content) {
         if constexpr (requires { widget->setContent(shown); }) widget->setContent(shown);
       },
       control, content);
-}
-
-void discard(QWidget& control) {
-  control.setObjectName({});
-  control.hide();
-  // Not at once: it may be what the user is pressing.
-  control.deleteLater();
 }
 
 }  // namespace

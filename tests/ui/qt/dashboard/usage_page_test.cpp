@@ -113,8 +113,8 @@ TEST_F(UsagePageOnScreen, CardsKeepTheirWidgetsWhenTheyChangePlaces) {
 
 TEST_F(UsagePageOnScreen, CardMayGoAndComeBack) {
   renderClaudeOnly();
-  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
   EXPECT_EQ(cards(), 1);
+  EXPECT_TRUE(QTest::qWaitFor([] { return widget().findChild<QWidget*>("link.codex") == nullptr; }));
   render();
   EXPECT_TRUE(card(kCodex).isVisible());
   EXPECT_EQ(tabStops(5), (Log{"tabs", "settings", "usage", "link.codex", "link.claude"}));
@@ -126,8 +126,8 @@ TEST_F(UsagePageOnScreen, CardMayGoThroughItsOwnButton) {
     window_->setListener({});
   });
   click("link.codex");
-  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
   EXPECT_EQ(cards(), 1);
+  EXPECT_TRUE(QTest::qWaitFor([] { return widget().findChild<QWidget*>("link.codex") == nullptr; }));
   click("link.claude");
   EXPECT_TRUE(card(kClaude).isVisible()) << "without an action nothing happens";
 }

@@ -166,8 +166,7 @@ TEST_F(SettingsWindowOnScreen, ControlThatComesOrGoesLeavesTheOthersTheirWidgets
 TEST_F(SettingsWindowOnScreen, PagesMayBecomeFewer) {
   content_.pages.pop_back();
   render();
-  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-  EXPECT_EQ(widget().findChild<QWidget*>("memory"), nullptr);
+  EXPECT_TRUE(QTest::qWaitFor([] { return widget().findChild<QWidget*>("memory") == nullptr; }));
   EXPECT_TRUE(child("login").isVisible());
 }
 
