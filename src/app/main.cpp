@@ -24,7 +24,7 @@
 #include "platform/platform_services.h"
 #include "remote_control/remote_control.h"
 #include "settings/settings.h"
-#include "ui/remote/remote_user_interface.h"
+#include "ui/user_interface.h"
 
 namespace nimbo {
 namespace {
@@ -42,11 +42,6 @@ int runDiagnostics() {
   SystemSampler sampler(*readers.hostStatistics, *readers.clock);
   const auto sensor = readers.makeTemperatureSensor();
   return print(makeDiagnosticsReport(sampler, *sensor, *readers.makeProcessTable(), *readers.clock));
-}
-
-std::unique_ptr<UserInterface> makeUserInterface(PlatformServices& platform, DisplayNeed need) {
-  const RemoteUserInterface::Services services{platform.mainLoop(), *platform.readers().clock, platform.workspace()};
-  return std::make_unique<RemoteUserInterface>(services, platform.windowsStarter(), need);
 }
 
 /// Runs `program`, which leaves nothing that uses the platform but work in the background, and ends.

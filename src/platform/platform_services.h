@@ -106,7 +106,7 @@ class PlatformServices {
   [[nodiscard]] virtual const Dates& dates() = 0;
   /// What this process has cost so far; absent when the system does not tell.
   [[nodiscard]] virtual std::optional<ResourceUsage> ownUsage() const = 0;
-  /// Empty on a system whose windows live in this process, in the module "nimbo-ui".
+  /// Empty on a system whose windows live in this process.
   [[nodiscard]] virtual WindowsStarter windowsStarter() = 0;
   [[nodiscard]] virtual ModuleLoader& modules() = 0;
   [[nodiscard]] virtual UsageServices usageServices() = 0;

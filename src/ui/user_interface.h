@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/windows_process.h"
 #include "platform/workspace.h"
 #include "ui/controls/content_window.h"
 #include "ui/dashboard/dashboard_content.h"
@@ -58,5 +59,10 @@ class UserInterface {
   /// the alert.
   [[nodiscard]] virtual std::unique_ptr<Alert> showAlert(const AlertContent& content, AlertAnswer answered) = 0;
 };
+
+class PlatformServices;
+
+/// Implemented by each way to have windows, of which the program links its system's.
+[[nodiscard]] std::unique_ptr<UserInterface> makeUserInterface(PlatformServices& platform, DisplayNeed need);
 
 }  // namespace nimbo

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "base/lifetime.h"
+#include "platform/platform_services.h"
 
 namespace nimbo {
 
@@ -100,6 +101,11 @@ void ModuleUserInterface::complain() {
   if (!std::exchange(complained_, true)) {
     services_.workspace.notify("Nimbo can’t show its windows", module_->error());
   }
+}
+
+std::unique_ptr<UserInterface> makeUserInterface(PlatformServices& platform, DisplayNeed need) {
+  const ModuleUserInterface::Services services{platform.mainLoop(), platform.modules(), platform.workspace()};
+  return std::make_unique<ModuleUserInterface>(services, need);
 }
 
 }  // namespace nimbo

@@ -7,6 +7,8 @@
 #include <cstdio>
 #include <utility>
 
+#include "platform/platform_services.h"
+
 namespace nimbo {
 namespace {
 
@@ -303,6 +305,11 @@ bool RemoteUserInterface::anyOpen() const {
 
 bool RemoteUserInterface::diesTooOften() const {
   return deaths_.size() == kMostDeaths && services_.clock.uptime() - deaths_.front() < kDeathSpan;
+}
+
+std::unique_ptr<UserInterface> makeUserInterface(PlatformServices& platform, DisplayNeed need) {
+  const RemoteUserInterface::Services services{platform.mainLoop(), *platform.readers().clock, platform.workspace()};
+  return std::make_unique<RemoteUserInterface>(services, platform.windowsStarter(), need);
 }
 
 }  // namespace nimbo

@@ -15,7 +15,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/linux/loop/dl_module_loader.h"
+#include "platform/posix/loop/dl_module_loader.h"
 #include "support/control_events.h"
 #include "support/fake_main_loop.h"
 #include "support/fake_workspace.h"
