@@ -81,6 +81,7 @@ StatusItems::Callbacks AppDelegate::statusItemCallbacks() {
             notices_.clear();
             dashboard_.close();
           },
+      .moved = [this](StatusItemTab tab) { dashboard_.follow(statusItems_.item(tab), statusItems_.knownFrame(tab)); },
       .rotationPaused = [this] { return sleeping_ || dashboard_.visible(); },
   };
 }

@@ -64,6 +64,8 @@ struct StatusItemHandlers {
   std::function<void()> menuDidClose;
   /// The menu that would open now, for bars that read it ahead; nothing opens.
   std::function<StatusMenu()> menuPreview;
+  /// Bars that know where the item is tell its place, as in `StatusClick`, when it has one and when that is another.
+  std::function<void(const Rect& place)> moved;
 };
 
 /// One item in the menu bar or tray; destroying it removes it. Main thread only.

@@ -29,6 +29,15 @@ class DashboardRenders : public AppDelegateTest {
   }
 };
 
+TEST_F(DashboardRenders, MovingWithItsItemCostsNone) {
+  launch();
+  platform.bar.item("nimbo-ai")->handlers.moved({900, 0, 24, 24});
+  delegate->open({"nimbo://usage"});
+  EXPECT_EQ(window()->frame().x, 900);
+  EXPECT_EQ(rendersOf([&] { platform.bar.item("nimbo-ai")->handlers.moved({600, 0, 24, 24}); }), 0);
+  EXPECT_EQ(window()->frame().x, 600);
+}
+
 TEST_F(DashboardRenders, OpeningCostsOne) {
   launch();
   clickItem("nimbo-ai");

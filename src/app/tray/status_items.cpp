@@ -95,6 +95,10 @@ StatusItemHandlers StatusItems::handlersFor(Slot& slot) {
   };
   handlers.menuDidClose = [this] { trackingStatusMenu_ = false; };
   handlers.menuPreview = callbacks_.menu;
+  handlers.moved = [this, &slot](const Rect& place) {
+    slot.frame = place;
+    callbacks_.moved(slot.tab);
+  };
   return handlers;
 }
 

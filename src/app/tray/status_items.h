@@ -45,6 +45,7 @@ class StatusItems {
     /// The menu as it is now; asked ahead of time too, so it changes nothing.
     std::function<StatusMenu()> menu;
     std::function<void()> menuWillOpen;
+    std::function<void(StatusItemTab)> moved;  ///< its known frame is another
     /// Asked at each rotation step; true while the machine sleeps or the dashboard is open.
     std::function<bool()> rotationPaused;
   };
@@ -64,7 +65,7 @@ class StatusItems {
   [[nodiscard]] std::shared_ptr<StatusItem> item(StatusItemTab tab) const;
   /// The item that stands for the whole program: compact, else AI, else memory, else Keep Awake.
   [[nodiscard]] StatusItemTab firstItem() const;
-  /// Where the items were when they were last clicked.
+  /// Where the items are as far as the bar has told, some with a click only.
   [[nodiscard]] std::vector<Rect> knownFrames() const;
   [[nodiscard]] std::optional<Rect> knownFrame(StatusItemTab tab) const;
 

@@ -32,6 +32,10 @@ void Dashboard::open(const std::shared_ptr<StatusItem>& item, std::optional<Rect
   callbacks_.tabShown(parts_->controller.selectedTab());
 }
 
+void Dashboard::follow(const std::shared_ptr<StatusItem>& item, std::optional<Rect> place) {
+  if (visible() && item_.lock() == item) parts_->window->show({place, callbacks_.statusItemFrames()});
+}
+
 void Dashboard::loadOffscreen(DashboardTab tab) {
   offscreen_ = true;
   prepare(tab);

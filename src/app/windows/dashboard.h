@@ -39,6 +39,8 @@ class Dashboard {
 
   /// Opens under `item`, on `tab` or else on the tab shown last.
   void open(const std::shared_ptr<StatusItem>& item, std::optional<Rect> reported, std::optional<DashboardTab> tab);
+  /// Stays with `item` if it hangs from that one, which is there now.
+  void follow(const std::shared_ptr<StatusItem>& item, std::optional<Rect> place);
   /// Makes and fills everything without showing it.
   void loadOffscreen(DashboardTab tab);
   [[nodiscard]] bool loaded() const { return parts_ && parts_->window->prepared(); }

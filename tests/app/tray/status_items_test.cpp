@@ -34,17 +34,19 @@ class StatusItemsTest : public ::testing::Test {
   int menusOpened = 0;
   std::string toolTip = "first";
   std::vector<StatusItemTab> clicks;
-  StatusItems items{bar,
-                    loop,
-                    settings,
-                    {[this](StatusItemTab tab) {
-                       return StatusItemContent{{}, {}, toolTip, std::string(tab ? rawValue(*tab) : "all")};
-                     },
-                     [this](StatusItemTab tab, const StatusClick&) { clicks.push_back(tab); },
-                     [] {
-                       return StatusMenu{"Nimbo", {}};
-                     },
-                     [this] { ++menusOpened; }, [this] { return paused; }}};
+  std::vector<StatusItemTab> moves;
+  StatusItems items{
+      bar,
+      loop,
+      settings,
+      {[this](StatusItemTab tab) {
+         return StatusItemContent{{}, {}, toolTip, std::string(tab ? rawValue(*tab) : "all")};
+       },
+       [this](StatusItemTab tab, const StatusClick&) { clicks.push_back(tab); },
+       [] {
+         return StatusMenu{"Nimbo", {}};
+       },
+       [this] { ++menusOpened; }, [this](StatusItemTab tab) { moves.push_back(tab); }, [this] { return paused; }}};
 };
 
 TEST_F(StatusItemsTest, ConfigureMakesTheItemsInTabOrder) {
@@ -153,6 +155,16 @@ TEST_F(StatusItemsTest, ClickIsReportedWithItsItemAndItsPlaceIsKept) {
   EXPECT_EQ(items.knownFrame(DashboardTab::memory), frame);
   EXPECT_EQ(items.knownFrames(), std::vector{frame});
   EXPECT_EQ(items.knownFrame(DashboardTab::ai), std::nullopt);
+}
+
+TEST_F(StatusItemsTest, PlaceThatTheBarTellsIsKeptAndReported) {
+  items.configure();
+  for (const Rect frame : {Rect{100, 0, 24, 24}, Rect{80, 0, 24, 24}}) {
+    bar.item("nimbo-memory")->handlers.moved(frame);
+    EXPECT_EQ(items.knownFrame(DashboardTab::memory), frame);
+  }
+  EXPECT_EQ(moves, (std::vector<StatusItemTab>{DashboardTab::memory, DashboardTab::memory}));
+  EXPECT_TRUE(clicks.empty());
 }
 
 TEST_F(StatusItemsTest, ClickWithoutAPlaceKeepsTheOldOne) {

@@ -89,6 +89,18 @@ TEST_F(DashboardTest, AnotherItemTakesTheHighlightOver) {
   EXPECT_TRUE(highlighted("awake"));
 }
 
+TEST_F(DashboardTest, FollowsTheItemItHangsFrom) {
+  dashboard->follow(memory, Rect{500, 0, 24, 24});
+  EXPECT_TRUE(interface.windows().empty());
+  open(memory);
+  EXPECT_EQ(window().frame().x, 1000);
+  dashboard->follow(awake, Rect{700, 0, 24, 24});
+  EXPECT_EQ(window().frame().x, 1000);
+  dashboard->follow(memory, Rect{500, 0, 24, 24});
+  EXPECT_EQ(window().frame().x, 500);
+  EXPECT_TRUE(highlighted("memory"));
+}
+
 TEST_F(DashboardTest, WithoutAnItemItStillOpens) {
   dashboard->open(nullptr, std::nullopt, std::nullopt);
   world.loop.runPosted();

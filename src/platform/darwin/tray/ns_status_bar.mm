@@ -72,6 +72,21 @@ std::optional<Rect> placeOf(NSView* view) {
   handlers.clicked({alternate, nimbo::placeOf(button)});
 }
 
+- (void)watchPlace {
+  NSWindow* const window = item.button.window;
+  if (window == nil) return;
+  for (NSNotificationName const change in
+       @[ NSWindowDidMoveNotification, NSWindowDidResizeNotification, NSWindowDidChangeScreenNotification ]) {
+    [NSNotificationCenter.defaultCenter addObserver:self selector:@selector(moved:) name:change object:window];
+  }
+  [self moved:nil];
+}
+
+- (void)moved:(NSNotification*)notification {
+  (void)notification;
+  if (const auto place = nimbo::placeOf(item.button)) handlers.moved(*place);
+}
+
 // A button with a menu opens it with every click, so it has one only meanwhile.
 - (void)openMenu {
   const nimbo::StatusMenu content = handlers.menuWillOpen();
@@ -126,11 +141,18 @@ class NsStatusItem final : public StatusItem {
     item_.button.action = @selector(clicked:);
     [item_.button sendActionOn:static_cast<NSEventMask>(NSEventMaskLeftMouseUp | NSEventMaskRightMouseUp)];
     show(content);
+    // The bar gives it a place with the next turn.
+    NimboStatusTarget* const target = target_;
+    [NSOperationQueue.mainQueue addOperationWithBlock:^{
+      [target watchPlace];
+    }];
   }
   NsStatusItem(const NsStatusItem&) = delete;
   NsStatusItem& operator=(const NsStatusItem&) = delete;
   ~NsStatusItem() override {
     item_.button.target = nil;
+    [NSNotificationCenter.defaultCenter removeObserver:target_];
+    target_->item = nil;
     [NSStatusBar.systemStatusBar removeStatusItem:item_];
   }
 

@@ -185,6 +185,9 @@ extern __kindof NSApplication* _Null_unspecified NSApp;
            (nullable void (^)(NSRunningApplication* _Nullable application, NSError* _Nullable error))completionHandler;
 - (void)activateFileViewerSelectingURLs:(NSArray<NSURL*>*)urls;
 @end
+extern NSNotificationName const NSWindowDidChangeScreenNotification;
+extern NSNotificationName const NSWindowDidMoveNotification;
+extern NSNotificationName const NSWindowDidResizeNotification;
 extern NSNotificationName const NSWorkspaceWillSleepNotification;
 extern NSNotificationName const NSWorkspaceDidWakeNotification;
 

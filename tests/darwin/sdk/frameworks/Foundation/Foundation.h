@@ -144,6 +144,11 @@ extern NSString* const NSFilePosixPermissions;
 @interface NSNotification : NSObject
 @end
 @interface NSNotificationCenter : NSObject
+@property(class, readonly, strong) NSNotificationCenter* defaultCenter;
+- (void)addObserver:(id)observer
+           selector:(SEL)selector
+               name:(nullable NSNotificationName)name
+             object:(nullable id)object;
 - (id<NSObject>)addObserverForName:(nullable NSNotificationName)name
                             object:(nullable id)object
                              queue:(nullable NSOperationQueue*)queue
