@@ -114,7 +114,7 @@ TEST_P(PseudoTerminalContract, DescriptorsAndSignalSettingsStayHere) {
   ASSERT_EQ(::fcntl(leaky.get(), F_GETFD), 0);
   sigset_t blocked;
   sigset_t before;
-  ::sigfillset(&blocked);
+  sigfillset(&blocked);
   ::pthread_sigmask(SIG_SETMASK, &blocked, &before);
   const auto handler = ::signal(SIGPIPE, SIG_IGN);
   start("reports");

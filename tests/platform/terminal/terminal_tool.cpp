@@ -17,6 +17,8 @@
 #include <string>
 #include <string_view>
 
+extern char** environ;  // which not every system's headers declare
+
 namespace {
 
 std::string_view variable(const char* name) {
@@ -85,7 +87,7 @@ long signalsNotDefault() {
   ::sigprocmask(SIG_SETMASK, nullptr, &blocked);
   for (int number = 1; number < NSIG; ++number) {
     struct sigaction action {};
-    if (::sigismember(&blocked, number) == 1) ++count;
+    if (sigismember(&blocked, number) == 1) ++count;
     if (::sigaction(number, nullptr, &action) == 0 && action.sa_handler == SIG_IGN) ++count;
   }
   return count;
