@@ -18,3 +18,6 @@ find_library(CCTZ_LIBRARY cctz REQUIRED)
 add_library(cctz::cctz UNKNOWN IMPORTED)
 set_target_properties(cctz::cctz PROPERTIES
   IMPORTED_LOCATION ${CCTZ_LIBRARY} INTERFACE_INCLUDE_DIRECTORIES ${CCTZ_INCLUDE_DIR})
+if(APPLE)
+  target_link_libraries(cctz::cctz INTERFACE "-framework CoreFoundation")  # the system's own zone
+endif()

@@ -1,0 +1,9 @@
+# SPDX-License-Identifier: MIT
+# How vcpkg builds the libraries: as parts of the program, for the systems and architectures that it is for.
+set(VCPKG_TARGET_ARCHITECTURE arm64)
+set(VCPKG_CRT_LINKAGE dynamic)
+set(VCPKG_LIBRARY_LINKAGE static)
+set(VCPKG_BUILD_TYPE release)
+set(VCPKG_CMAKE_SYSTEM_NAME Darwin)
+set(VCPKG_OSX_ARCHITECTURES "arm64;x86_64")
+set(VCPKG_OSX_DEPLOYMENT_TARGET 13.0)
