@@ -6,7 +6,7 @@
 namespace nimbo {
 
 BundleInfo readBundleInfo() {
-  CFBundleRef const bundle = CFBundleGetMainBundle();
+  auto* const bundle = CFBundleGetMainBundle();
   if (bundle == nullptr) return {};
   return bundleInfoOf([bundle](const char* key) {
     return textOf(CFBundleGetValueForInfoDictionaryKey(bundle, makeCfString(key).get()));
