@@ -50,6 +50,7 @@ QtUserInterface::QtUserInterface(const std::string& platform) : arguments_{"nimb
   QCoreApplication::setApplicationName("Nimbo");
   QGuiApplication::setDesktopFileName("com.quellwerk.Nimbo");
   QAccessible::installFactory(makeAccessibleApplication);
+  prepareToolkit();
   application_ = std::make_unique<QApplication>(argumentCount_, argumentPointers_.data());
   // The toolkit has taken over the user's locale, decimal comma included, for the whole process.
   std::setlocale(LC_NUMERIC, "C");
@@ -65,6 +66,7 @@ QtUserInterface::QtUserInterface(const std::string& platform) : arguments_{"nimb
   QApplication::setStyle(new PanelStyle(theme_));
   QAccessible::installFactory(makeAccessibleWidget);
   windowSystem_ = makeWindowSystem();
+  mainMenuKeys_.showIn(*windowSystem_);
   watchScreens();
   setAppearance(Appearance::light);
 }
@@ -105,8 +107,9 @@ std::vector<Screen> QtUserInterface::screens() const {
 }
 
 Rect QtUserInterface::toPoints(const Rect& reported) {
-  // On Wayland all speak of points.
-  if (QGuiApplication::platformName().startsWith("wayland")) return reported;
+  // On Wayland and macOS all speak of points.
+  const QString platform = QGuiApplication::platformName();
+  if (platform.startsWith("wayland") || platform == "cocoa") return reported;
   for (const QScreen* const screen : QGuiApplication::screens()) {
     const QRectF frame = pixelFrame(*screen);
     if (!frame.contains(toQRectF(reported).center())) continue;

@@ -175,7 +175,6 @@ void QtDashboardWindow::showEvent(QShowEvent* event) {
   qApp->installEventFilter(this);
   windowSystem_.announceMargins(*this, margins_);
   catchClicks();
-  if (windowType() != Qt::Popup) return;
   otherActivation_ = windowSystem_.observeOtherActivation([this] { call(events_.otherApplicationActivated); });
 }
 

@@ -24,7 +24,6 @@ class PlainWindowSystem final : public WindowSystem {
     return !QGuiApplication::platformName().startsWith("wayland");
   }
   [[nodiscard]] bool inputIsFree() override { return true; }
-  [[nodiscard]] Subscription observeOtherActivation(std::function<void()> /*activated*/) override { return {}; }
   void activate(QWidget& window) override { window.activateWindow(); }
   // Its place is not its own to choose; one that cannot be resized is neither tiled nor enlarged.
   void hang(QWidget& window, const QRect& frame, const Hanging& /*hanging*/) override {
@@ -57,6 +56,8 @@ std::unique_ptr<WindowSystem> makeWindowSystem() {
   if (connection == nullptr) return std::make_unique<PlainWindowSystem>();
   return std::make_unique<X11WindowSystem>(*connection, qEnvironmentVariableIsSet("WAYLAND_DISPLAY"));
 }
+
+void prepareToolkit() {}
 
 Result<std::string, WindowsEnd> reachablePlatform() {
   return choosePlatform(qgetenv("QT_QPA_PLATFORM").toStdString(),

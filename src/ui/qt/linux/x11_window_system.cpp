@@ -133,7 +133,10 @@ Subscription X11WindowSystem::holdPointer() {
   });
 }
 
+// A Wayland compositor tells X11 programs of no windows but their own kind; there the dashboard is one that has the
+// keyboard focus, and loses it.
 Subscription X11WindowSystem::observeOtherActivation(std::function<void()> activated) {
+  if (waylandSession_) return {};
   otherActivated_ = std::move(activated);
   activeWindow_ = property(root_, activeWindowAtom_, XCB_ATOM_WINDOW);
   QCoreApplication::instance()->installNativeEventFilter(this);

@@ -13,6 +13,7 @@
 #include "base/result.h"
 #include "base/subscription.h"
 #include "platform/windows_process.h"
+#include "ui/main_menu.h"
 
 class QWidget;
 
@@ -58,8 +59,9 @@ class WindowSystem {
   /// Takes the pointer from all windows until let go. Not for a program of which a window has it.
   [[nodiscard]] virtual Subscription holdPointer() { return {}; }
 
-  /// Tells when a window of another application becomes the active one.
-  [[nodiscard]] virtual Subscription observeOtherActivation(std::function<void()> activated) = 0;
+  /// Tells when a window of another application becomes the active one or is clicked. Nothing where the toolkit's own
+  /// keyboard focus tells that.
+  [[nodiscard]] virtual Subscription observeOtherActivation(std::function<void()> /*activated*/) { return {}; }
 
   /// Gives a window its frame, or one as near to that as the window system lets it.
   virtual void hang(QWidget& window, const QRect& frame, const Hanging& hanging) = 0;
@@ -71,9 +73,16 @@ class WindowSystem {
   /// Gives the keyboard focus to a window that the user asked for, perhaps in another program such as
   /// the panel.
   virtual void activate(QWidget& window) = 0;
+
+  /// Shows the program's menu where the system shows that of the application in front; for the rest of the run. False
+  /// where there is no such place.
+  [[nodiscard]] virtual bool showMenu(std::function<void(MenuRole chosen)> /*chosen*/) { return false; }
 };
 
 [[nodiscard]] std::unique_ptr<WindowSystem> makeWindowSystem();
+
+/// What the toolkit has to know before its application object is made.
+void prepareToolkit();
 
 /// The toolkit's name for the window system to use, or why there is none. To be asked first: the toolkit ends the
 /// process when it finds no display.
