@@ -12,6 +12,7 @@ typedef NSString* NSAppearanceName;
 
 @interface NSColor : NSObject
 @property(class, readonly, strong) NSColor* blackColor;
+@property(class, readonly, strong) NSColor* clearColor;
 - (NSColor*)colorWithAlphaComponent:(double)alpha;
 - (void)setFill;
 @end
@@ -36,14 +37,19 @@ typedef enum NSWindingRule : NSUInteger { NSWindingRuleNonZero = 0, NSWindingRul
 @end
 
 typedef enum NSEventType : NSUInteger {
+  NSEventTypeLeftMouseDown = 1,
   NSEventTypeLeftMouseUp = 2,
+  NSEventTypeRightMouseDown = 3,
   NSEventTypeRightMouseUp = 4,
   NSEventTypeApplicationDefined = 15,
 } NSEventType;
-typedef enum NSEventMask : unsigned long long {
+typedef unsigned long long NSEventMask;
+enum : NSEventMask {
+  NSEventMaskLeftMouseDown = 1ULL << NSEventTypeLeftMouseDown,
   NSEventMaskLeftMouseUp = 1ULL << NSEventTypeLeftMouseUp,
+  NSEventMaskRightMouseDown = 1ULL << NSEventTypeRightMouseDown,
   NSEventMaskRightMouseUp = 1ULL << NSEventTypeRightMouseUp,
-} NSEventMask;
+};
 typedef enum NSEventModifierFlags : NSUInteger {
   NSEventModifierFlagControl = 1 << 18,
   NSEventModifierFlagOption = 1 << 19,
@@ -60,6 +66,8 @@ typedef enum NSEventModifierFlags : NSUInteger {
                                 subtype:(short)subtype
                                   data1:(NSInteger)data1
                                   data2:(NSInteger)data2;
++ (nullable id)addGlobalMonitorForEventsMatchingMask:(NSEventMask)mask handler:(void (^)(NSEvent* event))handler;
++ (void)removeMonitor:(id)monitor;
 @end
 
 @interface NSResponder : NSObject
@@ -70,8 +78,32 @@ typedef enum NSEventModifierFlags : NSUInteger {
 @property(nullable, copy) NSString* toolTip;
 - (NSRect)convertRect:(NSRect)rect toView:(nullable NSView*)view;
 @end
+typedef NSUInteger NSWindowStyleMask;
+enum : NSWindowStyleMask {
+  NSWindowStyleMaskNonactivatingPanel = 1 << 7,
+};
+typedef NSUInteger NSWindowCollectionBehavior;
+enum : NSWindowCollectionBehavior {
+  NSWindowCollectionBehaviorMoveToActiveSpace = 1 << 1,
+  NSWindowCollectionBehaviorFullScreenAuxiliary = 1 << 8,
+};
+typedef enum NSWindowAnimationBehavior : NSInteger {
+  NSWindowAnimationBehaviorNone = 2,
+} NSWindowAnimationBehavior;
+typedef NSInteger NSWindowLevel;
+static const NSWindowLevel NSPopUpMenuWindowLevel = 101;
 @interface NSWindow : NSResponder
+@property NSWindowStyleMask styleMask;
+@property NSWindowLevel level;
+@property NSWindowCollectionBehavior collectionBehavior;
+@property NSWindowAnimationBehavior animationBehavior;
+@property(getter=isOpaque) BOOL opaque;
+@property(null_resettable, copy) NSColor* backgroundColor;
+@property BOOL hasShadow;
+@property BOOL hidesOnDeactivate;
+@property(getter=isReleasedWhenClosed) BOOL releasedWhenClosed;
 - (NSRect)convertRectToScreen:(NSRect)rect;
+- (void)makeKeyAndOrderFront:(nullable id)sender;
 @end
 @interface NSScreen : NSObject
 @property(class, readonly, copy) NSArray<NSScreen*>* screens;
@@ -111,6 +143,7 @@ static const double NSVariableStatusItemLength = -1;
 - (instancetype)initWithTitle:(NSString*)title action:(nullable SEL)action keyEquivalent:(NSString*)keyEquivalent;
 + (NSMenuItem*)separatorItem;
 @property(nullable, weak) id target;
+@property(nullable, strong) NSMenu* submenu;
 @property NSInteger tag;
 @property(getter=isEnabled) BOOL enabled;
 @end
@@ -148,10 +181,12 @@ typedef enum NSApplicationTerminateReply : NSUInteger {
 @interface NSApplication : NSResponder
 @property(class, readonly, strong) NSApplication* sharedApplication;
 @property(nullable, weak) id<NSApplicationDelegate> delegate;
+@property(nullable, strong) NSMenu* mainMenu;
 @property(nullable, readonly, strong) NSEvent* currentEvent;
 @property(readonly, strong) NSAppearance* effectiveAppearance;
 - (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)policy;
 - (void)activate API_AVAILABLE(macos(14.0));
+- (void)activateIgnoringOtherApps:(BOOL)ignore;
 - (void)run;
 - (void)stop:(nullable id)sender;
 - (void)postEvent:(NSEvent*)event atStart:(BOOL)atStart;
@@ -190,5 +225,7 @@ extern NSNotificationName const NSWindowDidMoveNotification;
 extern NSNotificationName const NSWindowDidResizeNotification;
 extern NSNotificationName const NSWorkspaceWillSleepNotification;
 extern NSNotificationName const NSWorkspaceDidWakeNotification;
+extern NSNotificationName const NSWorkspaceDidActivateApplicationNotification;
+extern NSString* const NSWorkspaceApplicationKey;
 
 #pragma clang assume_nonnull end

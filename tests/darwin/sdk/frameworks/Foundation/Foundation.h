@@ -38,6 +38,7 @@ typedef NSString* NSErrorDomain;
 @interface NSString : NSObject <NSCopying>
 @property(readonly, copy) NSString* lowercaseString;
 @property(nullable, readonly) const char* UTF8String;
++ (nullable instancetype)stringWithUTF8String:(const char*)text;
 - (nullable instancetype)initWithBytes:(const void*)bytes length:(NSUInteger)length encoding:(NSUInteger)encoding;
 - (BOOL)isEqualToString:(NSString*)other;
 - (NSString*)stringByAppendingPathComponent:(NSString*)component;
@@ -75,6 +76,7 @@ typedef struct {
 + (instancetype)dictionaryWithObjects:(const Value _Nonnull[_Nullable])objects
                               forKeys:(const Key<NSCopying> _Nonnull[_Nullable])keys
                                 count:(NSUInteger)count;
+- (nullable Value)objectForKeyedSubscript:(Key)key;
 - (void)enumerateKeysAndObjectsUsingBlock:(void (^)(Key key, Value value, BOOL* stop))block;
 @end
 
@@ -142,6 +144,7 @@ typedef enum NSDateFormatterStyle : NSUInteger {
 extern NSString* const NSFilePosixPermissions;
 
 @interface NSNotification : NSObject
+@property(nullable, readonly, copy) NSDictionary* userInfo;
 @end
 @interface NSNotificationCenter : NSObject
 @property(class, readonly, strong) NSNotificationCenter* defaultCenter;
