@@ -127,7 +127,7 @@ class DarwinPlatformServices final : public PlatformServices {
   const std::unique_ptr<SystemSleep> systemSleep_ = makeNsSystemSleep();
   const std::unique_ptr<LoginItem> loginItem_ = makeSmLoginItem();
   const std::unique_ptr<Dates> dates_ = makeNsDates();
-  GroupWidgetCenter widgetCenter_;
+  GroupWidgetCenter widgetCenter_{modules_};
 
   IokitAssertionClient assertionClient_;
   IokitPowerSources powerSources_;

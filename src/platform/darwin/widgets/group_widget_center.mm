@@ -5,9 +5,6 @@
 
 #include "platform/darwin/core/ns_text.h"
 
-// In reload_timelines.swift: WidgetKit has no other language.
-extern "C" void nimboReloadTimelines(const char* kind);
-
 namespace nimbo {
 namespace {
 
@@ -37,6 +34,10 @@ bool GroupWidgetCenter::writeAtomically(const std::filesystem::path& file, std::
   }
 }
 
-void GroupWidgetCenter::reloadTimelines(const std::string& kind) { nimboReloadTimelines(kind.c_str()); }
+// In reload_timelines.swift: WidgetKit has no other language.
+void GroupWidgetCenter::reloadTimelines(const std::string& kind) {
+  const auto reload = modules_.symbol("nimbo-timelines", "nimboReloadTimelines");
+  if (reload) reinterpret_cast<void (*)(const char*)>(*reload)(kind.c_str());
+}
 
 }  // namespace nimbo
