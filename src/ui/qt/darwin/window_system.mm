@@ -5,7 +5,6 @@
 
 #include <QCoreApplication>
 #include <QWidget>
-#include <utility>
 
 /// The target of the menu's entries.
 @interface NimboMenuTarget : NSObject
@@ -13,7 +12,7 @@
 
 @implementation NimboMenuTarget {
  @public
-  std::function<void(nimbo::MenuRole)> chosen;
+  nimbo::MenuListener chosen;
 }
 
 - (void)chosen:(NSMenuItem*)line {
@@ -117,8 +116,8 @@ class CocoaWindowSystem final : public WindowSystem {
     [nativeWindow(window) makeKeyAndOrderFront:nil];
   }
 
-  [[nodiscard]] bool showMenu(std::function<void(MenuRole)> chosen) override {
-    menuTarget_->chosen = std::move(chosen);
+  [[nodiscard]] bool showMenu(const MenuListener& chosen) override {
+    menuTarget_->chosen = chosen;
     NSMenu* const bar = [[NSMenu alloc] initWithTitle:@""];
     for (const MainMenuSection& section : mainMenu()) {
       NSMenuItem* const item = [[NSMenuItem alloc] initWithTitle:@(section.title.c_str()) action:nil keyEquivalent:@""];

@@ -24,6 +24,7 @@ class PlainWindowSystem final : public WindowSystem {
     return !QGuiApplication::platformName().startsWith("wayland");
   }
   [[nodiscard]] bool inputIsFree() override { return true; }
+  [[nodiscard]] Subscription observeOtherActivation(std::function<void()> /*activated*/) override { return {}; }
   void activate(QWidget& window) override { window.activateWindow(); }
   // Its place is not its own to choose; one that cannot be resized is neither tiled nor enlarged.
   void hang(QWidget& window, const QRect& frame, const Hanging& /*hanging*/) override {

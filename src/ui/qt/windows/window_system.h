@@ -61,7 +61,7 @@ class WindowSystem {
 
   /// Tells when a window of another application becomes the active one or is clicked. Nothing where the toolkit's own
   /// keyboard focus tells that.
-  [[nodiscard]] virtual Subscription observeOtherActivation(std::function<void()> /*activated*/) { return {}; }
+  [[nodiscard]] virtual Subscription observeOtherActivation(std::function<void()> activated) = 0;
 
   /// Gives a window its frame, or one as near to that as the window system lets it.
   virtual void hang(QWidget& window, const QRect& frame, const Hanging& hanging) = 0;
@@ -76,7 +76,7 @@ class WindowSystem {
 
   /// Shows the program's menu where the system shows that of the application in front; for the rest of the run. False
   /// where there is no such place.
-  [[nodiscard]] virtual bool showMenu(std::function<void(MenuRole chosen)> /*chosen*/) { return false; }
+  [[nodiscard]] virtual bool showMenu(const MenuListener& /*chosen*/) { return false; }
 };
 
 [[nodiscard]] std::unique_ptr<WindowSystem> makeWindowSystem();

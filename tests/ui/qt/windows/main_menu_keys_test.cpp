@@ -126,12 +126,13 @@ class BarWindowSystem final : public WindowSystem {
   [[nodiscard]] bool inputIsFree() override { return true; }
   void hang(QWidget& /*window*/, const QRect& /*frame*/, const Hanging& /*hanging*/) override {}
   void activate(QWidget& /*window*/) override {}
-  [[nodiscard]] bool showMenu(std::function<void(MenuRole)> chosen) override {
-    choose = std::move(chosen);
+  [[nodiscard]] Subscription observeOtherActivation(std::function<void()> /*activated*/) override { return {}; }
+  [[nodiscard]] bool showMenu(const MenuListener& chosen) override {
+    choose = chosen;
     return true;
   }
 
-  std::function<void(MenuRole)> choose;
+  MenuListener choose;
 };
 
 /// An ordinary window with two fields, the first of which has the keyboard focus.
