@@ -220,7 +220,7 @@ TEST(FakeStatusBar, ClicksReachTheLivingItem) {
   FakeStatusBar bar;
   bool alternate = false;
   auto item =
-      bar.makeItem({"memory"}, {}, {[&](const StatusClick& click) { alternate = click.alternate; }, {}, {}, {}});
+      bar.makeItem({"memory"}, {}, {[&](const StatusClick& click) { alternate = click.alternate; }, {}, {}, {}, {}});
   EXPECT_TRUE(bar.click("memory", {true, {}}));
   EXPECT_TRUE(alternate);
   item.reset();
@@ -232,7 +232,7 @@ TEST(FakeStatusBar, ClicksReachTheLivingItem) {
 TEST(FakeStatusBar, ItemMayGoAwayInItsOwnClick) {
   FakeStatusBar bar;
   std::unique_ptr<StatusItem> item;
-  item = bar.makeItem({"awake"}, {}, {[&](const StatusClick&) { item.reset(); }, {}, {}, {}});
+  item = bar.makeItem({"awake"}, {}, {[&](const StatusClick&) { item.reset(); }, {}, {}, {}, {}});
   EXPECT_TRUE(bar.click("awake"));
   EXPECT_EQ(bar.item("awake"), nullptr);
 }
