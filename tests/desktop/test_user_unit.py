@@ -96,6 +96,9 @@ class UserUnitTest(unittest.TestCase):
     def test_figures_are_those_of_everybody(self):
         self.log_in()
         twins = self.begin("/usr/bin/python3", "-c", TWINS)
+        # Before it has its twin it only grows, past half of what they will share.
+        children = pathlib.Path(f"/proc/{twins.pid}/task/{twins.pid}/children")
+        wait_until(children.read_text, "its twin")
         command = "processes", "-n", 1000, "--json"
 
         def size(text):
