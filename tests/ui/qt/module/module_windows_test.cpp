@@ -148,6 +148,33 @@ TEST_F(ModuleWindows, SettingsAreShownAndTellWhatTheUserDoes) {
   interface().setMenuListener({});
 }
 
+// As the program does with the buttons for the settings and for quitting.
+TEST_F(ModuleWindows, ActionMayCloseItsWindowAndOpenOthers) {
+  const auto dashboard = openDashboard(DashboardTab::memory);
+  const auto settings = interface().makeSettingsWindow();
+  settings->render(settingsContent());
+  std::unique_ptr<Alert> alert;
+  dashboard->setEvents({.acted = [&](const ControlEvent& event) {
+    dashboard->hide();
+    if (event.identifier == "settings") return settings->show({});
+    alert =
+        interface().showAlert({"Quit?", "", {"Keep", "Quit"}, 0}, [&](std::optional<std::size_t>) { alert.reset(); });
+  }});
+  click(topLevel("dashboard"), "settings");
+  EXPECT_FALSE(dashboard->visible());
+  EXPECT_TRUE(settings->visible());
+
+  dashboard->show({.item = Rect{400, 0, 24, 24}});
+  ASSERT_TRUE(turnUntil([] { return topLevel("dashboard").windowHandle()->isExposed(); }));
+  click(topLevel("dashboard"), "quit");
+  EXPECT_FALSE(dashboard->visible());
+  ASSERT_TRUE(turnUntil([] { return topLevel("alert").windowHandle()->isExposed(); }));
+  dashboard->show({.item = Rect{400, 0, 24, 24}});
+  EXPECT_FALSE(dashboard->visible()) << "while a question is to be answered";
+  QTest::keyClick(topLevel("alert").windowHandle(), Qt::Key_Escape);
+  EXPECT_TRUE(turnUntil([&] { return alert == nullptr; }));
+}
+
 TEST_F(ModuleWindows, AlertIsAnsweredByTheLoopAndMayEndThen) {
   std::unique_ptr<Alert> alert;
   alert = interface().showAlert({"Quit?", "", {"Keep", "Quit"}, 0}, [&](std::optional<std::size_t> button) {
