@@ -105,6 +105,8 @@ class CocoaWindowSystem final : public WindowSystem {
   void hang(QWidget& window, const QRect& frame, const Hanging& /*hanging*/) override {
     window.setGeometry(frame);
     if (window.isVisible()) return;
+    // The toolkit hides its tools while another application is in front, and asks when it makes their panels.
+    window.setAttribute(Qt::WA_MacAlwaysShowToolWindow);
     makeMenuPanel(nativeWindow(window));
     // Only the application in front has the keyboard.
     activateApplication();
