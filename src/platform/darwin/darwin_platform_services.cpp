@@ -49,7 +49,7 @@ namespace {
 constexpr const char* kDomain = "com.quellwerk.Nimbo";
 
 UserSurroundings surroundings() {
-  const Environment environment = processEnvironment();
+  const Environment environment = environmentOf(::environ);
   auto user = userSurroundings(environment, {});
   user.caches = user.home / "Library" / "Caches";
   return user;

@@ -152,7 +152,7 @@ class LinuxPlatformServices final : public PlatformServices {
   JsonUserDefaults::Services defaultsServices() { return {loop_, threads_.background()}; }
 
   // In order of dependence: what comes later uses what comes before and goes first.
-  const Environment environment_ = processEnvironment();
+  const Environment environment_ = environmentOf(::environ);
   const std::filesystem::path executable_ = executablePath();
   const std::filesystem::path prefix_ = executable_.parent_path().parent_path();  // /usr, or a build folder
   const XdgFolders folders_ = xdgFolders(environment_, accountHome());
@@ -218,12 +218,12 @@ SystemReaders makeSystemReaders() {
 }
 
 std::unique_ptr<Accessibility> makeAccessibility() {
-  return std::make_unique<AtspiAccessibility>(busAddressOf(processEnvironment()));
+  return std::make_unique<AtspiAccessibility>(busAddressOf(environmentOf(::environ)));
 }
 
-UserSurroundings userSurroundings() { return surroundingsFrom(processEnvironment()); }
+UserSurroundings userSurroundings() { return surroundingsFrom(environmentOf(::environ)); }
 
-Wording systemWording() { return wordingFrom(processEnvironment()); }
+Wording systemWording() { return wordingFrom(environmentOf(::environ)); }
 
 std::string programVersion() {
   const auto prefix = executablePath().parent_path().parent_path();
@@ -231,7 +231,7 @@ std::string programVersion() {
 }
 
 std::unique_ptr<RunningProgram> makeRunningProgram() {
-  return std::make_unique<DbusRunningProgram>(busAddressOf(processEnvironment()));
+  return std::make_unique<DbusRunningProgram>(busAddressOf(environmentOf(::environ)));
 }
 
 std::unique_ptr<ForegroundPrograms> makeForegroundPrograms() {

@@ -7,8 +7,8 @@
 #include <optional>
 
 #include "platform/linux/display/display_modules.h"
-#include "platform/posix/loop/dl_module_loader.h"
 #include "platform/linux/loop/sd_event_main_loop.h"
+#include "platform/posix/loop/dl_module_loader.h"
 #include "support/fake_main_loop.h"
 #include "support/services/fake_compositor.h"
 #include "support/services/private_sway.h"

@@ -2,7 +2,8 @@
 #include "platform/posix/files/user_surroundings.h"
 
 #include <gtest/gtest.h>
-#include <stdlib.h>
+
+#include <array>
 
 #include "support/services/temporary_tree.h"
 
@@ -77,11 +78,14 @@ TEST(UserSurroundings, WithoutUsableHomeTheAccountsOneCounts) {
   EXPECT_EQ(userSurroundings({{"HOME", "ada"}}, "/caches").home, accountHome());
 }
 
-TEST(UserSurroundings, ProcessHasItsEnvironment) {
-  ASSERT_EQ(::setenv("NIMBO_TEST_SURROUNDINGS", "a=b", 1), 0);
-  EXPECT_EQ(variable(processEnvironment(), "NIMBO_TEST_SURROUNDINGS"), "a=b");
-  ::unsetenv("NIMBO_TEST_SURROUNDINGS");
-  EXPECT_EQ(variable(processEnvironment(), "NIMBO_TEST_SURROUNDINGS"), "");
+TEST(UserSurroundings, EnvironmentIsThatOfTheProcess) {
+  std::array<char*, 4> entries{const_cast<char*>("A=b=c"), const_cast<char*>("odd"), const_cast<char*>("EMPTY="),
+                               nullptr};
+  const auto environment = environmentOf(entries.data());
+  EXPECT_EQ(environment, (Environment{{"A", "b=c"}, {"EMPTY", ""}}));
+  EXPECT_EQ(variable(environment, "A"), "b=c");
+  EXPECT_EQ(variable(environment, "odd"), "");
+  EXPECT_TRUE(environmentOf(nullptr).empty());
 }
 
 }  // namespace

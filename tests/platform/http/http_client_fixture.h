@@ -12,8 +12,8 @@
 #include <utility>
 
 #include "platform/linux/http/module_http_client.h"
-#include "platform/posix/loop/dl_module_loader.h"
 #include "platform/linux/loop/sd_event_main_loop.h"
+#include "platform/posix/loop/dl_module_loader.h"
 #include "support/services/https_server.h"
 #include "support/services/sanitizers.h"
 

@@ -10,10 +10,10 @@
 #include <thread>
 
 #include "platform/linux/http/module_http_client.h"
-#include "platform/posix/loop/dl_module_loader.h"
 #include "platform/linux/loop/sd_event_main_loop.h"
 #include "platform/mac_wording.h"
 #include "platform/posix/files/regular_file.h"
+#include "platform/posix/loop/dl_module_loader.h"
 #include "support/fake_clock.h"
 #include "support/fake_dates.h"
 #include "support/fake_http_client.h"

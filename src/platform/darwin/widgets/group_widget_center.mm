@@ -37,7 +37,7 @@ bool GroupWidgetCenter::writeAtomically(const std::filesystem::path& file, std::
 // In reload_timelines.swift: WidgetKit has no other language.
 void GroupWidgetCenter::reloadTimelines(const std::string& kind) {
   const auto reload = modules_.symbol("nimbo-timelines", "nimboReloadTimelines");
-  if (reload) reinterpret_cast<void (*)(const char*)>(*reload)(kind.c_str());
+  if (reload) reinterpret_cast<void (*)(const char*)> (*reload)(kind.c_str());
 }
 
 }  // namespace nimbo

@@ -9,8 +9,6 @@
 #include <utility>
 #include <vector>
 
-extern char** environ;  // not declared everywhere
-
 namespace nimbo {
 namespace {
 
@@ -29,10 +27,10 @@ std::string linkedZone(const std::filesystem::path& localtime) {
 
 }  // namespace
 
-Environment processEnvironment() {
+Environment environmentOf(char** entries) {
   Environment variables;
-  for (char** entry = ::environ; entry != nullptr && *entry != nullptr; ++entry) {
-    const std::string text = *entry;
+  for (; entries != nullptr && *entries != nullptr; ++entries) {
+    const std::string text = *entries;
     const std::size_t equals = text.find('=');
     if (equals != std::string::npos) variables.emplace(text.substr(0, equals), text.substr(equals + 1));
   }

@@ -12,8 +12,8 @@ namespace nimbo {
 
 using Environment = std::map<std::string, std::string>;
 
-/// That of this process, as it is now.
-[[nodiscard]] Environment processEnvironment();
+/// From the C library's `environ`, which not every system declares.
+[[nodiscard]] Environment environmentOf(char** entries);
 
 /// Empty for one that is not set.
 [[nodiscard]] std::string variable(const Environment& environment, const std::string& name);
