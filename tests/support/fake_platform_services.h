@@ -65,8 +65,9 @@ class FakeTermination final : public Termination {
     requested_ = std::move(requested);
     return Subscription([this] { requested_ = nullptr; });
   }
-  void request() {
-    if (requested_) requested_(Cause::request);
+  void request(Cause cause = Cause::request) const {
+    const auto requested = requested_;
+    if (requested) requested(cause);
   }
 
  private:

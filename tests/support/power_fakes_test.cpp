@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
-// The fakes of the power services keep the interfaces' promises themselves.
+// The fakes of the power services and of the system's events keep the interfaces' promises themselves.
 #include <gtest/gtest.h>
 
 #include "platform/contracts/assertion_client_contract.h"
 #include "platform/contracts/power_sources_contract.h"
+#include "platform/contracts/termination_contract.h"
 #include "support/fake_assertion_client.h"
 #include "support/fake_dates.h"
 #include "support/fake_display_power.h"
@@ -47,6 +48,18 @@ struct FakePowerSourcesHost final : PowerSourcesHost {
   std::unique_ptr<FakePowerSources> fake = std::make_unique<FakePowerSources>();
 };
 INSTANTIATE_TEST_SUITE_P(Fake, PowerSourcesContract, testing::Values(makePowerSourcesHost<FakePowerSourcesHost>));
+
+struct FakeTerminationHost final : TerminationHost {
+  [[nodiscard]] MainLoop& loop() override { return events; }
+  [[nodiscard]] Termination& termination() override { return fake; }
+  void send(int signal) override {
+    fake.request(signal == SIGINT ? Termination::Cause::interrupt : Termination::Cause::request);
+  }
+
+  FakeMainLoop events;
+  FakeTermination fake;
+};
+INSTANTIATE_TEST_SUITE_P(Fake, TerminationContract, everySignalTo(makeTerminationHost<FakeTerminationHost>));
 
 TEST(FakeAssertionClient, ReleaseOfWhatIsNotHeldIsRecordedAsSuch) {
   FakeAssertionClient client;

@@ -20,6 +20,7 @@ struct TerminationHost {
   virtual ~TerminationHost() = default;
   [[nodiscard]] virtual MainLoop& loop() = 0;
   [[nodiscard]] virtual Termination& termination() = 0;
+  virtual void send(int signal) { ::kill(::getpid(), signal); }
 };
 
 using TerminationHostMaker = std::unique_ptr<TerminationHost> (*)();
@@ -37,7 +38,7 @@ class TerminationContract : public testing::TestWithParam<std::tuple<Termination
 
   void sendAndRunFor(std::chrono::milliseconds longest) {
     const auto limit = loop.every(longest, std::chrono::milliseconds(1), [this] { loop.quit(); });
-    loop.post([this] { ::kill(::getpid(), signal); });
+    loop.post([this] { host->send(signal); });
     loop.run();
   }
 };
@@ -59,6 +60,18 @@ TEST_P(TerminationContract, SignalWithoutObserverDoesNotEndTheProcess) {
   }
   sendAndRunFor(std::chrono::milliseconds(30));
   EXPECT_EQ(requested, 0);
+}
+
+TEST_P(TerminationContract, ObserverMayEndInWhatItIsTold) {
+  Subscription observation;
+  int requested = 0;
+  observation = host->termination().observe([&](Termination::Cause) {
+    observation.reset();
+    ++requested;
+    loop.quit();
+  });
+  sendAndRunFor(std::chrono::seconds(5));
+  EXPECT_EQ(requested, 1);
 }
 
 inline auto everySignalTo(TerminationHostMaker maker) {
