@@ -1,96 +1,60 @@
 // SPDX-License-Identifier: MIT
-#include <gtest/gtest.h>
-
 #include "darwin/fakes/fake_dynamic_store.h"
-#include "darwin/fakes/fake_run_loop.h"
+#include "platform/contracts/network_contract.h"
 #include "platform/darwin/loop/cf_main_loop.h"
 #include "platform/darwin/machine/sc_network.h"
+#include "support/fake_main_loop.h"
 
 namespace nimbo {
 namespace {
 
 using namespace std::chrono_literals;
 
-constexpr const char* kRoute = "State:/Network/Global/IPv4";
-constexpr const char* kNewerRoute = "State:/Network/Global/IPv6";
+struct ScNetworkHost final : NetworkHost {
+  ScNetworkHost() = default;
+  ~ScNetworkHost() override { EXPECT_TRUE(store.connections.empty()); }
+  ScNetworkHost(const ScNetworkHost&) = delete;
+  ScNetworkHost& operator=(const ScNetworkHost&) = delete;
 
-class ScNetworkTest : public testing::Test {
- protected:
-  void TearDown() override {
-    subscription.reset();
-    EXPECT_TRUE(store.connections.empty());
+  [[nodiscard]] Network& network() override { return dynamicStore; }
+  void routeAppears() override { setRoute(routes++, true); }
+  void routeGoes() override { setRoute(--routes, false); }
+  void otherRouteAppears() override { store.set("State:/Network/Interface/en0/IPv4", true); }
+  void settle() override {
+    pass(2s);
+    EXPECT_TRUE(timers.repeatingTimers().empty());
   }
-  void observe() {
-    subscription = network.observe([this] {
-      ++told;
-      loop.quit();
-    });
+  void almostSettle() override { pass(1999ms); }
+
+  void setRoute(int number, bool isThere) {
+    store.set(number % 2 == 0 ? "State:/Network/Global/IPv4" : "State:/Network/Global/IPv6", isThere);
   }
-  void runFor(std::chrono::milliseconds longest) {
-    const auto limit = loop.every(longest, 0ms, [this] { loop.quit(); });
-    loop.run();
+  void pass(std::chrono::milliseconds time) {
+    for (int turn = 0; turn < 3; ++turn) {
+      loop.post([this] { loop.quit(); });
+      loop.run();
+    }
+    timers.advance(time);
   }
 
   fake::DynamicStore store;
   CfMainLoop loop;
-  ScNetwork network{loop, 30ms};
-  Subscription subscription;
-  int told = 0;
+  FakeMainLoop timers;
+  ScNetwork dynamicStore{timers};
+  int routes = 0;
 };
-
-TEST_F(ScNetworkTest, RouteThatAppearsIsToldOnceItHasSettled) {
-  observe();
-  const auto begun = std::chrono::steady_clock::now();
-  store.set(kRoute, true);
-  store.set(kNewerRoute, true);
-  runFor(5s);
-  EXPECT_EQ(told, 1);
-  EXPECT_GE(std::chrono::steady_clock::now() - begun, 30ms);
-  runFor(100ms);
-  EXPECT_EQ(told, 1);
-}
-
-TEST_F(ScNetworkTest, RouteThatIsThereAlreadyOrGoesIsNotTold) {
-  store.set(kRoute, true);
-  observe();
-  runFor(100ms);
-  store.set(kRoute, false);
-  runFor(100ms);
-  EXPECT_EQ(told, 0);
-  store.set(kRoute, true);
-  runFor(5s);
-  EXPECT_EQ(told, 1);
-}
-
-TEST_F(ScNetworkTest, ObserverMayEndInWhatItIsTold) {
-  subscription = network.observe([this] {
-    ++told;
-    subscription.reset();
-    loop.quit();
-  });
-  store.set(kRoute, true);
-  runFor(5s);
-  EXPECT_EQ(told, 1);
-  EXPECT_TRUE(store.connections.empty());
-}
-
-TEST_F(ScNetworkTest, DroppedObserverIsNotTold) {
-  observe();
-  store.set(kRoute, true);
-  subscription.reset();
-  runFor(100ms);
-  EXPECT_EQ(told, 0);
-}
+const auto kScNetwork = testing::Values(makeNetworkHost<ScNetworkHost>);
+INSTANTIATE_TEST_SUITE_P(Sc, NetworkContract, kScNetwork);
+INSTANTIATE_TEST_SUITE_P(Sc, RoutedNetworkContract, kScNetwork);
 
 // Nothing is told then, and nothing is left.
-TEST_F(ScNetworkTest, StoreMayRefuseAnyStep) {
-  for (bool* const works : {&store.connects, &store.watches, &store.notifies}) {
+TEST(ScNetwork, StoreMayRefuseAnyStep) {
+  ScNetworkHost host;
+  for (bool* const works : {&host.store.connects, &host.store.watches, &host.store.notifies}) {
     *works = false;
-    observe();
-    store.set(kRoute, true);
-    runFor(50ms);
-    EXPECT_EQ(told, 0);
-    subscription.reset();
+    const auto observer = host.dynamicStore.observe([] { ADD_FAILURE(); });
+    host.routeAppears();
+    host.settle();
     *works = true;
   }
 }

@@ -10,23 +10,32 @@
 
 namespace nimbo {
 
-/// A network that appears when the test says so.
+/// A network whose routes appear and settle when the test says so.
 class FakeNetwork final : public Network {
  public:
   [[nodiscard]] Subscription observe(std::function<void()> connected) override {
     ++*observers_;
-    const auto observer = std::make_shared<Subscription>(list_.add(std::move(connected)));
+    auto hear = [connected = std::move(connected), waits = false](bool hasSettled) mutable {
+      if (std::exchange(waits, !hasSettled) && hasSettled) connected();
+    };
+    const auto observer = std::make_shared<Subscription>(list_.add(std::move(hear)));
     return Subscription([observer, observers = observers_] {
       observer->reset();
       --*observers;
     });
   }
 
-  void appear() const { list_.notify(); }
+  void routeAppears() const { list_.notify(false); }
+  void settle() const { list_.notify(true); }
+  /// All of it.
+  void appear() const {
+    routeAppears();
+    settle();
+  }
   [[nodiscard]] int observers() const { return *observers_; }
 
  private:
-  ObserverList<> list_;
+  ObserverList<bool> list_;
   std::shared_ptr<int> observers_ = std::make_shared<int>(0);
 };
 

@@ -3,11 +3,13 @@
 #include <gtest/gtest.h>
 
 #include "platform/contracts/assertion_client_contract.h"
+#include "platform/contracts/network_contract.h"
 #include "platform/contracts/power_sources_contract.h"
 #include "platform/contracts/termination_contract.h"
 #include "support/fake_assertion_client.h"
 #include "support/fake_dates.h"
 #include "support/fake_display_power.h"
+#include "support/fake_network.h"
 #include "support/fake_own_process.h"
 #include "support/fake_platform_services.h"
 #include "support/fake_power_sources.h"
@@ -60,6 +62,16 @@ struct FakeTerminationHost final : TerminationHost {
   FakeTermination fake;
 };
 INSTANTIATE_TEST_SUITE_P(Fake, TerminationContract, everySignalTo(makeTerminationHost<FakeTerminationHost>));
+
+struct FakeNetworkHost final : NetworkHost {
+  [[nodiscard]] Network& network() override { return fake; }
+  void routeAppears() override { fake.routeAppears(); }
+  void settle() override { fake.settle(); }
+  void almostSettle() override {}
+
+  FakeNetwork fake;
+};
+INSTANTIATE_TEST_SUITE_P(Fake, NetworkContract, testing::Values(makeNetworkHost<FakeNetworkHost>));
 
 TEST(FakeAssertionClient, ReleaseOfWhatIsNotHeldIsRecordedAsSuch) {
   FakeAssertionClient client;

@@ -16,8 +16,7 @@ namespace {
 /// Of one observer.
 class RouteStore {
  public:
-  RouteStore(MainLoop& loop, std::chrono::milliseconds settling, std::function<void()> connected)
-      : settling_(loop, settling, std::move(connected)) {
+  RouteStore(MainLoop& timers, std::function<void()> connected) : settling_(timers, std::move(connected)) {
     SCDynamicStoreContext context{};
     context.info = this;
     const auto name = makeCfString("Nimbo");
@@ -52,7 +51,7 @@ class RouteStore {
 
 Subscription ScNetwork::observe(std::function<void()> connected) {
   return Subscription(
-      [store = std::make_shared<RouteStore>(loop_, settling_, std::move(connected))]() mutable { store.reset(); });
+      [store = std::make_shared<RouteStore>(timers_, std::move(connected))]() mutable { store.reset(); });
 }
 
 }  // namespace nimbo

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <chrono>
 #include <functional>
 
 #include "platform/main_loop.h"
@@ -13,17 +12,13 @@ namespace nimbo {
 /// connection to the store of its own.
 class ScNetwork final : public Network {
  public:
-  /// `loop`, which is that of the main thread's run loop, outlives the subscriptions. Name servers and the other
-  /// address family's route follow the first route within a second or so: after `settling` without another one it is
-  /// told.
-  explicit ScNetwork(MainLoop& loop, std::chrono::milliseconds settling = std::chrono::seconds(2))
-      : loop_(loop), settling_(settling) {}
+  /// `timers` outlives the subscriptions. The store tells the main thread's run loop.
+  explicit ScNetwork(MainLoop& timers) : timers_(timers) {}
 
   [[nodiscard]] Subscription observe(std::function<void()> connected) override;
 
  private:
-  MainLoop& loop_;
-  const std::chrono::milliseconds settling_;
+  MainLoop& timers_;
 };
 
 }  // namespace nimbo

@@ -7,7 +7,6 @@
 
 #include <array>
 #include <cerrno>
-#include <chrono>
 #include <cstddef>
 #include <memory>
 #include <system_error>
@@ -38,8 +37,8 @@ bool isDefaultRoute(const nlmsghdr& message) {
 /// Of one observer.
 class RouteWatch {
  public:
-  RouteWatch(MainLoop& loop, std::chrono::milliseconds settling, std::function<void()> connected)
-      : socket_(routeSocket()), settling_(loop, settling, std::move(connected)) {
+  RouteWatch(MainLoop& loop, std::function<void()> connected)
+      : socket_(routeSocket()), settling_(loop, std::move(connected)) {
     if (!socket_) return;
     try {
       readable_ = loop.watch(socket_.get(), [this] { receive(); });
@@ -73,8 +72,7 @@ class RouteWatch {
 }  // namespace
 
 Subscription RtnetlinkNetwork::observe(std::function<void()> connected) {
-  return Subscription(
-      [watch = std::make_shared<RouteWatch>(loop_, settling_, std::move(connected))]() mutable { watch.reset(); });
+  return Subscription([watch = std::make_shared<RouteWatch>(loop_, std::move(connected))]() mutable { watch.reset(); });
 }
 
 }  // namespace nimbo

@@ -10,15 +10,15 @@
 
 namespace nimbo {
 
-/// Tells once of signs that come in bursts, when there has been none for a while. Main thread only.
+/// Tells once of the signs of a new way to the world, which come in bursts: name servers and the other address family's
+/// route follow the first route within a second or so. Main thread only.
 class Settling {
  public:
   /// `timers` outlives this. `tell` may destroy it.
-  Settling(MainLoop& timers, std::chrono::milliseconds quiet, std::function<void()> tell)
-      : timers_(timers), quiet_(quiet), tell_(std::move(tell)) {}
+  Settling(MainLoop& timers, std::function<void()> tell) : timers_(timers), tell_(std::move(tell)) {}
 
   void sign() {
-    waiting_ = timers_.every(quiet_, std::chrono::milliseconds(500), [this] {
+    waiting_ = timers_.every(std::chrono::seconds(2), std::chrono::milliseconds(500), [this] {
       waiting_.reset();
       const auto tell = tell_;
       tell();
@@ -27,7 +27,6 @@ class Settling {
 
  private:
   MainLoop& timers_;
-  const std::chrono::milliseconds quiet_;
   const std::function<void()> tell_;
   Subscription waiting_;
 };
