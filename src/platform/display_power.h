@@ -19,9 +19,9 @@ class DisplayPower {
   virtual ~DisplayPower() = default;
 
   /// Asks the desktop to put the display to sleep now; any input turns it on again. `failed` is
-  /// called later from the main loop when the desktop refused. Dropping the subscription takes back
-  /// a request that has not been carried out and silences `failed`. The error says that there is
-  /// nothing here that could be asked.
+  /// called once, later from the main loop, when the desktop refused. Dropping the subscription
+  /// silences `failed` and takes back a request that still waits to be carried out; what a service
+  /// has been called for it does. The error says that there is nothing here that could be asked.
   [[nodiscard]] virtual Result<Subscription, DisplayPowerError> sleepNow(std::function<void()> failed) = 0;
 };
 

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: MIT
-#include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/wait.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <chrono>
+#include <optional>
 #include <thread>
 
+#include "platform/contracts/display_power_contract.h"
 #include "platform/darwin/display/pmset_display_power.h"
 #include "support/fake_main_loop.h"
 #include "support/services/temporary_tree.h"
@@ -14,41 +17,60 @@ namespace nimbo {
 namespace {
 
 /// With a script in the tool's place, which may write into its folder.
-class PmsetDisplayPowerTest : public testing::Test {
- protected:
-  Result<Subscription, DisplayPowerError> sleepNow(const std::string& script) {
-    const auto tool = tree.write("pmset", "#!/bin/sh\ncd " + tree.path().string() + "\n" + script);
-    std::filesystem::permissions(tool, std::filesystem::perms::owner_all);
-    return power.sleepNow([this] { ++failures; });
-  }
-
-  void runUntil(const std::function<bool()>& isSo) {
+struct PmsetHost final : DisplayPowerHost {
+  PmsetHost() { setTool("while [ ! -e go ]; do sleep 0.01; done; echo >>dark"); }
+  [[nodiscard]] DisplayPower& power() override { return *pmset; }
+  void destroyPower() override { pmset.reset(); }
+  void refuse() override { setTool("while [ ! -e go ]; do sleep 0.01; done; exit 3"); }
+  void offerNothing() override { std::filesystem::remove(tool); }
+  /// Nothing is looked at any more, and no child is left.
+  void settle() override {
+    tree.write("go", "");
     const auto bound = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-    while (!isSo()) {
+    while (!loop.repeatingTimers().empty()) {
       ASSERT_LT(std::chrono::steady_clock::now(), bound);
       loop.advance(std::chrono::milliseconds(50));
       std::this_thread::yield();
     }
-  }
-  /// Nothing is looked at any more, and no child is left.
-  void runToEnd() {
-    runUntil([this] { return loop.repeatingTimers().empty(); });
+    if (!pmset) ::waitpid(-1, nullptr, 0);  // which is now left to the end of the process
     EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1);
     EXPECT_EQ(errno, ECHILD);
   }
+  [[nodiscard]] int timesDark() const override {
+    const std::string dark = tree.read("dark");
+    return static_cast<int>(std::count(dark.begin(), dark.end(), '\n'));
+  }
+
+  void setTool(const std::string& script) const {
+    tree.write("pmset", "#!/bin/sh\ncd " + tree.path().string() + "\n" + script);
+    std::filesystem::permissions(tool, std::filesystem::perms::owner_all);
+  }
 
   TemporaryTree tree;
+  const std::filesystem::path tool = tree.path() / "pmset";
   FakeMainLoop loop;
-  PmsetDisplayPower power{loop, (tree.path() / "pmset").string()};
+  std::optional<PmsetDisplayPower> pmset{std::in_place, loop, tool.string()};
+};
+const auto kPmset = testing::Values(makeDisplayPowerHost<PmsetHost>);
+INSTANTIATE_TEST_SUITE_P(Pmset, DisplayPowerContract, kPmset);
+INSTANTIATE_TEST_SUITE_P(Pmset, WaitingDisplayPowerContract, kPmset);
+
+class PmsetDisplayPowerTest : public testing::Test {
+ protected:
+  [[nodiscard]] auto sleepNow(const std::string& script) {
+    host.setTool(script);
+    return host.pmset->sleepNow([this] { ++failures; });
+  }
+
+  PmsetHost host;
+  TemporaryTree& tree = host.tree;
   int failures = 0;
 };
 
 TEST_F(PmsetDisplayPowerTest, ToolIsAskedToPutTheDisplayToSleep) {
   const auto request = sleepNow("echo \"$#:$*\" >asked");
-  ASSERT_TRUE(request);
-  runToEnd();
+  host.settle();
   EXPECT_EQ(tree.read("asked"), "1:displaysleepnow\n");
-  EXPECT_EQ(failures, 0);
 }
 
 TEST_F(PmsetDisplayPowerTest, ToolHasNothingOfThisProcess) {
@@ -57,38 +79,28 @@ TEST_F(PmsetDisplayPowerTest, ToolHasNothingOfThisProcess) {
       "streams=$(readlink /proc/$$/fd/0 /proc/$$/fd/1 /proc/$$/fd/2)\n"
       "echo \"$NIMBO_TEST_VARIABLE$streams\" >has");
   ::unsetenv("NIMBO_TEST_VARIABLE");
-  runToEnd();
+  host.settle();
   EXPECT_EQ(tree.read("has"), "/dev/null\n/dev/null\n/dev/null\n");
 }
 
-TEST_F(PmsetDisplayPowerTest, RefusalIsToldOnce) {
-  for (const char* script : {"exit 3", "kill -9 $$"}) {
-    const auto request = sleepNow(script);
-    runToEnd();
-    EXPECT_EQ(std::exchange(failures, 0), 1) << script;
-  }
+TEST_F(PmsetDisplayPowerTest, ToolThatIsKilledHasFailed) {
+  const auto request = sleepNow("kill -9 $$");
+  host.settle();
+  EXPECT_EQ(failures, 1);
 }
 
 TEST_F(PmsetDisplayPowerTest, MissingToolIsAnErrorThatSaysSo) {
-  const auto request = power.sleepNow([this] { ++failures; });
+  host.offerNothing();
+  const auto request = host.pmset->sleepNow([] {});
   ASSERT_FALSE(request);
   EXPECT_EQ(request.error().description, "No such file or directory.");
-  EXPECT_TRUE(loop.repeatingTimers().empty());
-}
-
-TEST_F(PmsetDisplayPowerTest, RequestThatIsTakenBackEndsTheToolAndTellsNothing) {
-  {
-    const auto request = sleepNow("echo >begun; while :; do sleep 100; done");
-    runUntil([this] { return !tree.read("begun").empty(); });
-  }
-  runToEnd();
-  EXPECT_EQ(failures, 0);
+  EXPECT_TRUE(host.loop.repeatingTimers().empty());
 }
 
 TEST_F(PmsetDisplayPowerTest, EachOfTwoRequestsHasItsOwnEnd) {
   const auto one = sleepNow("mkdir first 2>/dev/null && exit 1; exit 0");
-  const auto other = power.sleepNow([this] { ++failures; });
-  runToEnd();
+  const auto other = host.pmset->sleepNow([this] { ++failures; });
+  host.settle();
   EXPECT_EQ(failures, 1);
 }
 

@@ -30,9 +30,11 @@ class FakeDisplayPower final : public DisplayPower {
     pending_->clear();
   }
 
-  /// The desktop refuses whatever is pending.
-  void fail() {
-    for (const auto& [id, failed] : std::exchange(*pending_, {})) failed();
+  /// The desktop refuses whatever is pending, one after the other.
+  void fail() const {
+    for (int id = 1, last = requests; id <= last; ++id) {
+      if (const auto refused = pending_->extract(id)) refused.mapped()();
+    }
   }
 
   std::optional<DisplayPowerError> nothingToAsk;  ///< fails every request at once

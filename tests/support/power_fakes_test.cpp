@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/contracts/assertion_client_contract.h"
+#include "platform/contracts/display_power_contract.h"
 #include "platform/contracts/network_contract.h"
 #include "platform/contracts/power_sources_contract.h"
 #include "platform/contracts/termination_contract.h"
@@ -73,6 +74,27 @@ struct FakeNetworkHost final : NetworkHost {
 };
 INSTANTIATE_TEST_SUITE_P(Fake, NetworkContract, testing::Values(makeNetworkHost<FakeNetworkHost>));
 
+struct FakeDisplayHost final : DisplayPowerHost {
+  [[nodiscard]] DisplayPower& power() override { return *fake; }
+  void destroyPower() override { fake.reset(); }
+  void refuse() override { refuses = true; }
+  void offerNothing() override { fake->nothingToAsk = DisplayPowerError{"There is no display here."}; }
+  void settle() override {
+    if (!fake) return;
+    refuses ? fake->fail() : fake->carryOut();
+    EXPECT_EQ(fake->pending(), 0U);
+    dark += std::exchange(fake->asleep, false) ? 1 : 0;
+  }
+  [[nodiscard]] int timesDark() const override { return dark; }
+
+  std::optional<FakeDisplayPower> fake{std::in_place};
+  bool refuses = false;
+  int dark = 0;
+};
+const auto kFakeDisplay = testing::Values(makeDisplayPowerHost<FakeDisplayHost>);
+INSTANTIATE_TEST_SUITE_P(Fake, DisplayPowerContract, kFakeDisplay);
+INSTANTIATE_TEST_SUITE_P(Fake, WaitingDisplayPowerContract, kFakeDisplay);
+
 TEST(FakeAssertionClient, ReleaseOfWhatIsNotHeldIsRecordedAsSuch) {
   FakeAssertionClient client;
   client.release(9);
@@ -122,28 +144,6 @@ TEST(FakePowerSources, SubscriptionsAreCountedAndMayOutliveThem) {
   }
   last.reset();
   EXPECT_FALSE(last);
-}
-
-TEST(FakeDisplayPower, RequestIsPendingUntilItIsSettled) {
-  FakeDisplayPower display;
-  int failures = 0;
-  auto request = display.sleepNow([&] { ++failures; });
-  ASSERT_TRUE(request);
-  EXPECT_EQ(display.pending(), 1U);
-  display.fail();
-  EXPECT_EQ(failures, 1);
-  EXPECT_EQ(display.pending(), 0U);
-  display.fail();
-  EXPECT_EQ(failures, 1);
-}
-
-TEST(FakeDisplayPower, RequestTakenBackNeitherFailsNorDarkens) {
-  FakeDisplayPower display;
-  auto request = display.sleepNow([] { ADD_FAILURE(); });
-  request->reset();
-  display.carryOut();
-  display.fail();
-  EXPECT_FALSE(display.asleep);
 }
 
 TEST(FakeDates, AreUtcWhateverTheMachine) {

@@ -1,15 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "platform/linux/display/desktop_display_power.h"
 
-#include <gtest/gtest.h>
-
 #include <memory>
 #include <optional>
 
+#include "platform/contracts/display_power_contract.h"
+#include "platform/linux/display/wayland/wayland_display.h"
 #include "support/fake_display_power.h"
 #include "support/fake_main_loop.h"
 #include "support/fake_x11_screen.h"
 #include "support/services/bus_peer.h"
+#include "support/services/fake_compositor.h"
 #include "support/services/private_bus.h"
 
 namespace nimbo {
@@ -57,6 +58,85 @@ class FakeDesktopService {
   BusSlot object_;
 };
 
+struct DesktopHost : DisplayPowerHost {
+  using Makers = DesktopDisplayPower::Makers;
+
+  [[nodiscard]] DisplayPower& power() override { return *desktop; }
+  void destroyPower() override { desktop.reset(); }
+  void offerNothing() override { desktop.emplace(timers, nullptr, "", Makers()); }
+
+  FakeMainLoop timers;
+  std::optional<DesktopDisplayPower> desktop;
+};
+
+struct X11Host final : DesktopHost {
+  X11Host() { desktop.emplace(timers, nullptr, "XFCE", Makers{x11.maker(), {}}); }
+  void refuse() override { x11.works = false; }
+  void settle() override {
+    timers.advance(milliseconds(700));
+    EXPECT_TRUE(timers.repeatingTimers().empty());
+  }
+  [[nodiscard]] int timesDark() const override { return x11.turnedOff; }
+
+  FakeX11Screen x11;
+};
+
+struct GnomeHost final : DesktopHost {
+  GnomeHost() { desktop.emplace(timers, session.get(), "GNOME", Makers()); }
+  void refuse() override { saver.refuses = true; }
+  /// By a call behind all others.
+  void settle() override {
+    bool isAnswered = false;
+    const BusMethod ping{"org.gnome.ScreenSaver", "/", "org.freedesktop.DBus.Peer", "Ping"};
+    const auto call = callAsync(methodCall(session.get(), ping), [&](sd_bus_message*) { isAnswered = true; });
+    EXPECT_TRUE(loop.runUntil([&] { return isAnswered; }));
+  }
+  [[nodiscard]] int timesDark() const override { return static_cast<int>(saver.calls.size()); }
+
+  PrivateBus bus;
+  BusLoop loop;
+  FakeDesktopService saver{loop, bus.address(), "org.gnome.ScreenSaver", "/org/gnome/ScreenSaver",
+                           "org.gnome.ScreenSaver.SetActive"};
+  SdBusConnection session{loop.event(), bus.address()};
+};
+
+/// With two outputs.
+struct WaylandHost final : DesktopHost {
+  WaylandHost() {
+    offer(FakeCompositor::Power::works);
+    desktop.emplace(timers, nullptr, "sway",
+                    Makers{{}, [this] { return std::make_unique<WaylandDisplay>(timers, compositor->socket()); }});
+  }
+  void refuse() override { offer(FakeCompositor::Power::refuses); }
+  /// All of it is in this process, where few turns bring everything.
+  void settle() override {
+    const auto turn = [this] {
+      for (int times = 0; times < 20; ++times) timers.runReadable();
+    };
+    turn();
+    compositor->pause();
+    turn();
+    dark += compositor->lit() == 0 ? 1 : 0;
+    compositor->moveMouse();
+    turn();
+    EXPECT_EQ(compositor->lit(), 2);
+    EXPECT_FALSE(compositor->hasClient());
+    EXPECT_TRUE(timers.repeatingTimers().empty());
+  }
+  [[nodiscard]] int timesDark() const override { return dark; }
+
+  void offer(FakeCompositor::Power power) { compositor.emplace(timers, FakeCompositor::Idle::ext, power, 2); }
+
+  std::optional<FakeCompositor> compositor;
+  int dark = 0;
+};
+
+INSTANTIATE_TEST_SUITE_P(X11, DisplayPowerContract, testing::Values(makeDisplayPowerHost<X11Host>));
+INSTANTIATE_TEST_SUITE_P(Gnome, DisplayPowerContract, testing::Values(makeDisplayPowerHost<GnomeHost>));
+INSTANTIATE_TEST_SUITE_P(Wayland, DisplayPowerContract, testing::Values(makeDisplayPowerHost<WaylandHost>));
+INSTANTIATE_TEST_SUITE_P(Linux, WaitingDisplayPowerContract,
+                         testing::Values(makeDisplayPowerHost<X11Host>, makeDisplayPowerHost<WaylandHost>));
+
 class DesktopDisplayPowerTest : public ::testing::Test {
  protected:
   void useDesktop(const std::string& desktop, bool x11Session) {
@@ -88,38 +168,6 @@ TEST_F(DesktopDisplayPowerTest, X11DisplayGoesOffOnceAfterTheKeyIsLetGo) {
   EXPECT_EQ(x11.turnedOff, 1);
   EXPECT_TRUE(timers.repeatingTimers().empty());
   EXPECT_EQ(failures, 0);
-}
-
-TEST_F(DesktopDisplayPowerTest, X11RequestThatIsDroppedInTimeIsNotCarriedOut) {
-  useDesktop("XFCE", true);
-  {
-    const auto request = sleepNow();
-    ASSERT_TRUE(request);
-    timers.advance(milliseconds(600));
-  }
-  timers.advance(milliseconds(1000));
-  EXPECT_EQ(x11.turnedOff, 0);
-}
-
-TEST_F(DesktopDisplayPowerTest, X11ServerThatRefusesIsToldOnceLater) {
-  useDesktop("XFCE", true);
-  x11.works = false;
-  const auto request = sleepNow();
-  ASSERT_TRUE(request);
-  EXPECT_EQ(failures, 0);
-  timers.advance(milliseconds(2000));
-  EXPECT_EQ(failures, 1);
-}
-
-TEST_F(DesktopDisplayPowerTest, FailureMayDropItsOwnRequest) {
-  useDesktop("XFCE", true);
-  x11.works = false;
-  std::optional<Subscription> request;
-  auto made = power->sleepNow([&] { request.reset(); });
-  ASSERT_TRUE(made);
-  request = std::move(*made);
-  timers.advance(milliseconds(700));
-  EXPECT_FALSE(request.has_value());
 }
 
 TEST_F(DesktopDisplayPowerTest, X11ModuleIsLoadedForTheFirstRequestOnly) {
@@ -165,36 +213,11 @@ TEST_F(DesktopDisplayPowerTest, GnomeOnWaylandIsAskedForItsScreenSaver) {
   EXPECT_EQ(failures, 0);
 }
 
-TEST_F(DesktopDisplayPowerTest, RefusalIsToldLater) {
-  FakeDesktopService saver(loop, bus.address(), "org.gnome.ScreenSaver", "/org/gnome/ScreenSaver",
-                           "org.gnome.ScreenSaver.SetActive");
-  saver.refuses = true;
-  useDesktop("GNOME", false);
-  const auto request = sleepNow();
-  ASSERT_TRUE(request);
-  EXPECT_EQ(failures, 0);
-  EXPECT_TRUE(loop.runUntil([this] { return failures == 1; }));
-}
-
 TEST_F(DesktopDisplayPowerTest, ServiceThatDoesNotRunIsToldLater) {
   useDesktop("KDE", false);
   const auto request = sleepNow();
   ASSERT_TRUE(request);
   EXPECT_TRUE(loop.runUntil([this] { return failures == 1; }));
-}
-
-TEST_F(DesktopDisplayPowerTest, DroppedRequestSilencesTheRefusal) {
-  useDesktop("KDE", false);
-  {
-    const auto request = sleepNow();
-    ASSERT_TRUE(request);
-  }
-  const BusPeer peer(loop, bus.address());
-  peer.settle("org.freedesktop.DBus");
-  const char* name = nullptr;
-  ASSERT_GE(sd_bus_get_unique_name(session.get(), &name), 0);
-  peer.settle(name);
-  EXPECT_EQ(failures, 0);
 }
 
 TEST_F(DesktopDisplayPowerTest, OtherWaylandDesktopsAreAskedByTheirCompositor) {

@@ -184,17 +184,6 @@ TEST_F(WaylandDisplayTest, RequestDroppedInTimeIsNotCarriedOut) {
   EXPECT_EQ(failures, 0);
 }
 
-TEST_F(WaylandDisplayTest, RequestDroppedBeforeTheCompositorAnsweredIsNotCarriedOut) {
-  start();
-  {
-    const auto dropped = display->sleepNow([this] { ++failures; });
-  }
-  loop.settle();
-  EXPECT_FALSE(compositor->watching());
-  EXPECT_FALSE(compositor->hasClient());
-  EXPECT_EQ(failures, 0);
-}
-
 TEST_F(WaylandDisplayTest, RequestDroppedLaterStillLetsInputTurnItOn) {
   start();
   sleepNow();
@@ -204,24 +193,6 @@ TEST_F(WaylandDisplayTest, RequestDroppedLaterStillLetsInputTurnItOn) {
   request.reset();
   compositor->moveMouse();
   EXPECT_TRUE(litBecomes(1));
-}
-
-TEST_F(WaylandDisplayTest, RequestMayOutliveIt) {
-  start();
-  sleepNow();
-  display.reset();
-  request.reset();
-  EXPECT_EQ(failures, 0);
-}
-
-TEST_F(WaylandDisplayTest, RefusalIsToldOnce) {
-  start(Idle::ext, Power::refuses, 2);
-  sleepNow();
-  compositor->pause();
-  ASSERT_TRUE(loop.runUntil([this] { return failures > 0; }));
-  loop.settle();
-  EXPECT_EQ(failures, 1);
-  EXPECT_FALSE(compositor->hasClient());
 }
 
 TEST_F(WaylandDisplayTest, CompositorThatCannotDoItIsAFailureAndStaysOn) {
