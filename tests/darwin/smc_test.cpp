@@ -1,34 +1,47 @@
 // SPDX-License-Identifier: MIT
-#include <gtest/gtest.h>
+#include <array>
 
 #include "darwin/fakes/fake_host.h"
 #include "darwin/fakes/fake_smc.h"
+#include "platform/contracts/temperature_sensor_contract.h"
 #include "platform/darwin/machine/iokit_smc_service.h"
 #include "system/temperature_sampler.h"
 
 namespace nimbo {
 namespace {
 
-class IokitSmcServiceTest : public testing::Test {
- protected:
-  IokitSmcServiceTest() {
-    host.setValue("machdep.cpu.brand_string", std::to_array("Apple M2 Pro"));
-    smc.controller.setFloat("Tp01", 61.5F);
-    smc.controller.setFixed("Tp09", 0x2A80);
-  }
-  [[nodiscard]] std::optional<double> temperature() { return TemperatureSampler(service).temperature(); }
+struct SmcMachine {
+  SmcMachine() { host.setValue("machdep.cpu.brand_string", std::to_array("Apple M2 Pro")); }
 
   FakeHost host;
   fake::Smc smc;
   IokitSmcService service;
 };
 
-TEST_F(IokitSmcServiceTest, HottestSensorOfTheProcessorIsRead) {
-  EXPECT_EQ(service.cpuBrand(), "Apple M2 Pro");
-  EXPECT_EQ(temperature(), 61.5);
-  smc.controller.sensors.erase("Tp01");
-  EXPECT_EQ(temperature(), 42.5);
-}
+struct SmcHost final : TemperatureSensorHost, SmcMachine {
+  void show(const Readings& readings) override {
+    constexpr std::array kKeys{"Tp01", "Tp05", "Tp09"};
+    for (std::size_t index = 0; index < readings.size(); ++index) {
+      smc.controller.setReading(kKeys.at(index), readings[index]);
+    }
+  }
+  [[nodiscard]] TemperatureSensor& sensor() override {
+    if (!sampler) sampler.emplace(service);
+    return *sampler;
+  }
+
+  std::optional<TemperatureSampler> sampler;
+};
+INSTANTIATE_TEST_SUITE_P(Smc, TemperatureSensorContract, testing::Values(makeTemperatureSensorHost<SmcHost>));
+
+class IokitSmcServiceTest : public testing::Test, protected SmcMachine {
+ protected:
+  IokitSmcServiceTest() {
+    smc.controller.setFloat("Tp01", 61.5F);
+    smc.controller.setFixed("Tp09", 0x2A80);
+  }
+  [[nodiscard]] std::optional<double> temperature() { return TemperatureSampler(service).temperature(); }
+};
 
 TEST_F(IokitSmcServiceTest, EveryReplyIsJudgedByItsCodeAndItsSize) {
   smc.controller.sensors["Tp01"].returnCode = static_cast<std::int32_t>(0xE00002BC);

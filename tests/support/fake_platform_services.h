@@ -124,7 +124,7 @@ class FakePlatformServices final : public PlatformServices {
                 [this] {
                   ++sensorsMade;
                   auto sensor = std::make_unique<FakeTemperatureSensor>();
-                  sensor->celsius = celsius;
+                  sensor->sensors = {celsius};
                   return sensor;
                 }};
     loop.onAdvance = [this](std::chrono::milliseconds step) { clock->advance(step); };

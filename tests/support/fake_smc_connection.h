@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <bit>
 #include <map>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -34,6 +35,11 @@ class FakeSmcService final : public SmcService {
     setBytes(key, "flt ",
              {static_cast<std::uint8_t>(bits), static_cast<std::uint8_t>(bits >> 8),
               static_cast<std::uint8_t>(bits >> 16), static_cast<std::uint8_t>(bits >> 24)});
+  }
+  /// Likewise; one without a value fails.
+  void setReading(const std::string& key, std::optional<double> celsius) {
+    setFloat(key, static_cast<float>(celsius.value_or(50)));
+    sensors[key].returnCode = celsius ? 0 : 1;
   }
   void setBytes(const std::string& key, std::string type, std::vector<std::uint8_t> bytes) {
     const auto size = static_cast<std::uint32_t>(bytes.size());

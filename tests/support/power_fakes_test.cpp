@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
-// The fakes of the power services and of the system's events keep the interfaces' promises themselves.
+// The fakes of power, of the system's events and of the temperature keep the interfaces' promises themselves.
 #include <gtest/gtest.h>
 
 #include "platform/contracts/assertion_client_contract.h"
 #include "platform/contracts/display_power_contract.h"
 #include "platform/contracts/network_contract.h"
 #include "platform/contracts/power_sources_contract.h"
+#include "platform/contracts/temperature_sensor_contract.h"
 #include "platform/contracts/termination_contract.h"
 #include "support/fake_assertion_client.h"
 #include "support/fake_dates.h"
@@ -14,6 +15,7 @@
 #include "support/fake_own_process.h"
 #include "support/fake_platform_services.h"
 #include "support/fake_power_sources.h"
+#include "support/fake_temperature_sensor.h"
 
 namespace nimbo {
 namespace {
@@ -94,6 +96,15 @@ struct FakeDisplayHost final : DisplayPowerHost {
 const auto kFakeDisplay = testing::Values(makeDisplayPowerHost<FakeDisplayHost>);
 INSTANTIATE_TEST_SUITE_P(Fake, DisplayPowerContract, kFakeDisplay);
 INSTANTIATE_TEST_SUITE_P(Fake, WaitingDisplayPowerContract, kFakeDisplay);
+
+struct FakeTemperatureHost final : TemperatureSensorHost {
+  void show(const Readings& readings) override { fake.sensors = readings; }
+  [[nodiscard]] TemperatureSensor& sensor() override { return fake; }
+
+  FakeTemperatureSensor fake;
+};
+INSTANTIATE_TEST_SUITE_P(Fake, TemperatureSensorContract,
+                         testing::Values(makeTemperatureSensorHost<FakeTemperatureHost>));
 
 TEST(FakeAssertionClient, ReleaseOfWhatIsNotHeldIsRecordedAsSuch) {
   FakeAssertionClient client;

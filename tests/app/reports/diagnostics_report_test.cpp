@@ -45,7 +45,7 @@ class DiagnosticsReportTest : public testing::Test {
 
 TEST_F(DiagnosticsReportTest, HealthyMachinePrintsEveryLineInOrder) {
   host.swap = std::uint64_t{3} << 29;
-  temperature.celsius = 61.27;
+  temperature.sensors = {61.27};
   processes.add(4242, std::uint64_t{5} << 28, "firefox");
   processes.add(17, 345 << 20, "gnome-shell");
   processes.addUnreadable(99);
