@@ -10,33 +10,29 @@
 namespace nimbo {
 
 /// Where the running program has its blocking work done. Main thread only.
-class WorkThreads {
- public:
+struct WorkThreads {
   /// `loop` outlives it.
   WorkThreads(MainLoop& loop, UtilityThread lower)
-      : background_(lower),
+      : single(lower),
         claude("Nimbo.claude", loop, lower),
         temperature("Nimbo.temperature", loop, lower),
         utility("Nimbo.utility", loop, lower) {}
 
   /// Runs work on a thread of its own.
   [[nodiscard]] std::function<void(std::function<void()>)> background() {
-    return [this](const std::function<void()>& work) { background_.run(work); };
+    return [this](const std::function<void()>& work) { single.run(work); };
   }
 
   /// Begins nothing more and waits for what runs, 0.7 s at most: enough to stop Claude Code, which is given half a
   /// second to end politely. False when some of it still runs then.
   [[nodiscard]] bool end() {
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(700);
-    bool ended = background_.endBy(deadline);
+    bool ended = single.endBy(deadline);
     for (auto* const queue : {&claude, &temperature, &utility}) ended &= queue->endBy(deadline);
     return ended;
   }
 
- private:
-  BackgroundThreads background_;
-
- public:
+  BackgroundThreads single;  ///< a thread for each piece of work
   ThreadWorkQueue claude;
   ThreadWorkQueue temperature;
   ThreadWorkQueue utility;
